@@ -1,0 +1,54 @@
+#include "childsignal.h"
+
+#include "kycommgr.h"
+#include "kydevicemgr.h"
+#include "kyusermgr.h"
+
+#include <QCommandLineParser>
+#include <QCoreApplication>
+#include <QDBusConnection>
+#include <QDBusError>
+#include <QDebug>
+
+#include <csignal>
+#include <cstdlib>
+
+int main(int argc, char *argv[])
+{
+    if (signal(SIGCHLD, sig_handler) == SIG_ERR)
+        qDebug() << "Can't catch SIGCHLD signal";
+
+    QCoreApplication application(argc, argv);
+    QCoreApplication::setOrganizationName(QStringLiteral("Orvendis"));
+    QCoreApplication::setApplicationName(QStringLiteral("KyBoardManager"));
+    QCoreApplication::setApplicationVersion(QStringLiteral("2.06"));
+
+    QCommandLineParser parser;
+    parser.setApplicationDescription(QStringLiteral("Board manager of the Strandel."));
+    parser.addHelpOption();
+    parser.addVersionOption();
+    parser.process(application);
+
+    // All hardware and network initialisation happens here, before clients can know the name.
+    QObject configRoot;
+    QObject deviceRoot;
+    QObject comRoot;
+    new KyUserMgr(&configRoot);
+    new KyDeviceMgr(&deviceRoot);
+    new KyComMgr(&comRoot);
+
+    QDBusConnection bus = QDBusConnection::systemBus();
+    if (!bus.registerService(QStringLiteral("com.orvendis.Strandel.BoardManager"))) {
+        qDebug() << bus.lastError().message();
+        // Not a return: the destructors of the roots would wait for the next kernel event.
+        std::exit(EXIT_FAILURE);
+    }
+    bus.registerObject(QStringLiteral("/KyConfigMgr"), &configRoot,
+                       QDBusConnection::ExportAdaptors);
+    bus.registerObject(QStringLiteral("/KyComMgr"), &comRoot, QDBusConnection::ExportAdaptors);
+    bus.registerObject(QStringLiteral("/KyDeviceMgr"), &deviceRoot,
+                       QDBusConnection::ExportAdaptors);
+
+    QCoreApplication::exec();
+    return EXIT_SUCCESS;
+}

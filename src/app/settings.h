@@ -1,0 +1,84 @@
+#ifndef SETTINGS_H
+#define SETTINGS_H
+
+#include <QSettings>
+#include <QString>
+
+/**
+ * The daemon's settings file, "/opt/settings.ini".
+ *
+ * A missing, unreadable or malformed file behaves as an empty one: every reader passes the
+ * default of its key. Values are read when their reader is built and take effect at the next
+ * start.
+ */
+class Settings : public QSettings
+{
+public:
+    /** The one instance of the process, made on first use. */
+    static Settings &instance();
+
+private:
+    Settings();
+};
+
+// Key constants: a group's prefix, then the full keys of the group. Several are declared for the
+// file's sake and consulted by nobody.
+
+extern const QString USER;
+/** Followed directly by a user name: whether that profile may be used. bool, false. */
+extern const QString USER_STATE;
+
+extern const QString NETWORK_ENABLE_WINDOW;
+
+extern const QString WIFI_AP;
+extern const QString WIFI_AP_IP;
+extern const QString WIFI_AP_NETMASK;
+extern const QString WIFI_AP_MIN_CHANNEL;
+extern const QString WIFI_AP_MAX_CHANNEL;
+extern const QString WIFI_AP_WPS_CHECK_INTERVAL;
+
+/** Backlight percentages, int. Steps 0 to 2 are declared and not read. */
+extern const QString SCREEN_BACKLIGHT;
+extern const QString SCREEN_BACKLIGHT_STEP_0;
+extern const QString SCREEN_BACKLIGHT_STEP_1;
+extern const QString SCREEN_BACKLIGHT_STEP_2;
+extern const QString SCREEN_BACKLIGHT_STEP_3;
+extern const QString SCREEN_BACKLIGHT_STEP_4;
+extern const QString SCREEN_BACKLIGHT_STEP_5;
+extern const QString SCREEN_BACKLIGHT_STEP_6;
+extern const QString SCREEN_BACKLIGHT_STEP_7;
+extern const QString SCREEN_BACKLIGHT_STEP_8;
+extern const QString SCREEN_BACKLIGHT_STEP_9;
+extern const QString SCREEN_BACKLIGHT_STEP_10;
+extern const QString SCREEN_BACKLIGHT_STEP_11;
+extern const QString SCREEN_BACKLIGHT_STEP_12;
+extern const QString SCREEN_BACKLIGHT_STEP_13;
+extern const QString SCREEN_BACKLIGHT_STEP_14;
+extern const QString SCREEN_BACKLIGHT_STEP_15;
+
+/** Light sensor: how long the light must stay outside its band (unsigned int), and the lux bounds
+ *  of the brightness levels (int). */
+extern const QString BRIGHTNESS;
+extern const QString BRIGHTNESS_TIMER;
+extern const QString BRIGHTNESS_LEVEL_0;
+extern const QString BRIGHTNESS_LEVEL_1;
+extern const QString BRIGHTNESS_LEVEL_2;
+extern const QString BRIGHTNESS_LEVEL_3;
+extern const QString BRIGHTNESS_LEVEL_4;
+extern const QString BRIGHTNESS_LEVEL_5;
+extern const QString BRIGHTNESS_LEVEL_6;
+extern const QString BRIGHTNESS_LEVEL_7;
+extern const QString BRIGHTNESS_LEVEL_8;
+extern const QString BRIGHTNESS_LEVEL_9;
+extern const QString BRIGHTNESS_LEVEL_10;
+extern const QString BRIGHTNESS_LEVEL_11;
+extern const QString BRIGHTNESS_LEVEL_12;
+extern const QString BRIGHTNESS_LEVEL_13;
+extern const QString BRIGHTNESS_LEVEL_14;
+extern const QString BRIGHTNESS_LEVEL_15;
+extern const QString BRIGHTNESS_LEVEL_16;
+extern const QString BRIGHTNESS_LEVEL_17;
+
+extern const QString BATTERY_CHECK_INTERVAL;
+
+#endif

@@ -1,0 +1,3 @@
+#include "kydevicemgr.h"
+
+KyDeviceMgr::KyDeviceMgr(QObject *parent) : QObject(parent) {}

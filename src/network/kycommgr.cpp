@@ -1,0 +1,3 @@
+#include "kycommgr.h"
+
+KyComMgr::KyComMgr(QObject *parent) : QObject(parent) {}

@@ -1,0 +1,15 @@
+#ifndef KYCOMMGR_H
+#define KYCOMMGR_H
+
+#include <QObject>
+
+/** The root of the network side: owns the Ethernet, Wi-Fi station and access-point adaptors. */
+class KyComMgr : public QObject
+{
+    Q_OBJECT
+
+public:
+    explicit KyComMgr(QObject *parent);
+};
+
+#endif

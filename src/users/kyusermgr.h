@@ -1,0 +1,78 @@
+#ifndef KYUSERMGR_H
+#define KYUSERMGR_H
+
+#include <QDBusAbstractAdaptor>
+#include <QString>
+
+class QDBusMessage;
+
+/**
+ * The user profiles: which of the four profile folders is active, switching to another one, and
+ * resetting one to the factory default.
+ *
+ * The active profile is the target of a symbolic link, through which the rest of the instrument
+ * reads its configuration. Users are named "user1" to "user4". A user whose switch failed stays
+ * invalid until the next start.
+ */
+class KyUserMgr : public QDBusAbstractAdaptor
+{
+    Q_OBJECT
+    Q_CLASSINFO("D-Bus Interface", "com.orvendis.Strandel.BoardManager.Users")
+
+public:
+    /** Folder of all profile folders and of the link; expected to exist. */
+    static const QString M_userFolderPath;
+    /** Suffix of a profile folder's name. */
+    static const QString M_userFolderSuffix;
+    /** The link to the active profile folder. */
+    static const QString M_systemFileName;
+    /** The factory default profile, source of every reset; never written. */
+    static const QString M_defaultFolder;
+
+    /**
+     * Makes every user valid and, where the link names no valid user, activates the first profile
+     * that can be activated.
+     */
+    explicit KyUserMgr(QObject *parent);
+
+public Q_SLOTS:
+    /**
+     * The name of the active user, as the link gives it: it need not be a valid one.
+     *
+     * Error::m_read when there is no link.
+     */
+    QString getUser(const QDBusMessage &message);
+
+    /**
+     * Makes @p user's profile the active one; its folder is rebuilt from the default profile
+     * where it is incomplete.
+     *
+     * Error::m_invalidArgument for an invalid user, Error::m_process when the folder cannot be
+     * rebuilt or the configuration not reloaded, Error::m_write when the link cannot be made.
+     */
+    void setUser(QString user, const QDBusMessage &message);
+
+    /**
+     * Replaces the content of @p user's profile folder by a copy of the default profile.
+     *
+     * Error::m_invalidArgument for an invalid user, Error::m_process when the old content cannot
+     * be removed or the configuration not reloaded, Error::m_write when the copy fails.
+     */
+    void factoryReset(QString user, const QDBusMessage &message);
+
+Q_SIGNALS:
+    /** A switch or a reset was accepted; no file has been touched yet. */
+    void changingUser();
+
+    /** A switch to, or a reset of, @p user is complete. */
+    void userChanged(QString user);
+
+private:
+    int readCurrentUser(QString &user) const;
+    bool isValidUser(const QString &user) const;
+    int switchUser(const QString &user);
+    int activate(const QString &user);
+    int reloadUserConfiguration();
+};
+
+#endif
