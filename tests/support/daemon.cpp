@@ -1,0 +1,116 @@
+#include "daemon.h"
+
+#include <QDBusConnection>
+#include <QDBusConnectionInterface>
+#include <QTest>
+
+Daemon::Daemon()
+{
+    m_process.setProcessEnvironment(QProcessEnvironment::systemEnvironment());
+    QObject::connect(&m_process, &QProcess::readyReadStandardError, &m_process,
+                     [this] { m_log += m_process.readAllStandardError(); });
+    QObject::connect(&m_process, &QProcess::readyReadStandardOutput, &m_process,
+                     [this] { m_output += m_process.readAllStandardOutput(); });
+}
+
+Daemon::~Daemon()
+{
+    stop();
+}
+
+void Daemon::setWrapper(const QStringList &wrapper)
+{
+    m_wrapper = wrapper;
+}
+
+void Daemon::setEnvironment(const QString &name, const QString &value)
+{
+    QProcessEnvironment environment = m_process.processEnvironment();
+    environment.insert(name, value);
+    m_process.setProcessEnvironment(environment);
+}
+
+bool Daemon::start(const QStringList &arguments)
+{
+    launch(arguments);
+    return waitUntil([this] {
+               return !isRunning() || QDBusConnection::systemBus().interface()->isServiceRegistered(
+                                          QStringLiteral("com.orvendis.Strandel.BoardManager"));
+           }) &&
+           isRunning();
+}
+
+void Daemon::launch(const QStringList &arguments)
+{
+    m_log.clear();
+    m_output.clear();
+    QStringList command = m_wrapper;
+    command << QStringLiteral("KyBoardManager") << arguments;
+    const QString program = command.takeFirst();
+    m_process.start(program, command);
+    m_process.waitForStarted();
+}
+
+int Daemon::waitForExit()
+{
+    waitUntil([this] { return !isRunning(); });
+    return !isRunning() && m_process.exitStatus() == QProcess::NormalExit ? m_process.exitCode()
+                                                                          : -1;
+}
+
+void Daemon::stop()
+{
+    if (!isRunning())
+        return;
+    m_process.terminate();
+    if (!m_process.waitForFinished(5000)) {
+        m_process.kill();
+        m_process.waitForFinished();
+    }
+}
+
+bool Daemon::isRunning() const
+{
+    return m_process.state() != QProcess::NotRunning;
+}
+
+qint64 Daemon::processId() const
+{
+    return m_process.processId();
+}
+
+QString Daemon::log()
+{
+    drain();
+    return QString::fromUtf8(m_log);
+}
+
+QString Daemon::output()
+{
+    drain();
+    return QString::fromUtf8(m_output);
+}
+
+/** Takes in what the pipes hold by now. */
+void Daemon::drain()
+{
+    while (m_process.waitForReadyRead(0)) {
+    }
+    m_log += m_process.readAllStandardError();
+    m_output += m_process.readAllStandardOutput();
+}
+
+bool Daemon::waitForLog(const QString &text)
+{
+    return waitUntil([this, text] { return log().contains(text); });
+}
+
+bool Daemon::waitForOutput(const QString &text)
+{
+    return waitUntil([this, text] { return output().contains(text); });
+}
+
+bool Daemon::waitUntil(const std::function<bool()> &condition, int milliseconds)
+{
+    return QTest::qWaitFor(condition, milliseconds);
+}

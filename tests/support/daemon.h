@@ -1,0 +1,53 @@
+#ifndef DAEMON_H
+#define DAEMON_H
+
+#include <QProcess>
+#include <QStringList>
+
+#include <functional>
+
+/** The running daemon: the very program that ships, in the private world of the test. */
+class Daemon
+{
+public:
+    Daemon();
+    ~Daemon();
+
+    /** Programs that start the daemon for us, as in {"faketime", "-f", "+0 x60"}. */
+    void setWrapper(const QStringList &wrapper);
+    void setEnvironment(const QString &name, const QString &value);
+
+    /** Starts it and waits until it owns its name; false when it ended or the deadline passed. */
+    bool start(const QStringList &arguments = {});
+
+    /** Starts it without waiting for the name. */
+    void launch(const QStringList &arguments = {});
+
+    /** Waits for its own end; its exit status, or -1 when it was killed or is still running. */
+    int waitForExit();
+
+    /** Ends it as the system does at shutdown. */
+    void stop();
+
+    bool isRunning() const;
+    qint64 processId() const;
+
+    /** Everything it has logged, and everything it has printed, since it was started. */
+    QString log();
+    QString output();
+
+    /** Waits until the log, or the output, holds @p text. */
+    bool waitForLog(const QString &text);
+    bool waitForOutput(const QString &text);
+
+private:
+    void drain();
+    bool waitUntil(const std::function<bool()> &condition, int milliseconds = 20000);
+
+    QProcess m_process;
+    QStringList m_wrapper;
+    QByteArray m_log;
+    QByteArray m_output;
+};
+
+#endif

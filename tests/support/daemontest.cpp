@@ -1,0 +1,32 @@
+#include "daemontest.h"
+
+#include <QFile>
+
+#include <cstdio>
+
+QString DaemonTest::profile(const QString &user)
+{
+    return QStringLiteral("/tmp/User_part/") + user + QStringLiteral("_profile");
+}
+
+void DaemonTest::init()
+{
+    emptyFolder(QStringLiteral("/opt"));
+    emptyFolder(QStringLiteral("/tmp"));
+    const QStringList folders = {QStringLiteral("default_user"), QStringLiteral("user1"),
+                                 QStringLiteral("user2"), QStringLiteral("user3"),
+                                 QStringLiteral("user4")};
+    for (const QString &folder : folders) {
+        writeFile(profile(folder) + QStringLiteral("/measure.conf"), folder.toUtf8());
+        writeFile(profile(folder) + QStringLiteral("/display/theme.conf"), "dark");
+    }
+    QFile::link(profile(QStringLiteral("user1")), QStringLiteral("/tmp/User_part/system"));
+}
+
+void DaemonTest::cleanup()
+{
+    daemon.stop();
+    if (QTest::currentTestFailed())
+        std::fprintf(stderr, "---- the daemon's log ----\n%s---- its output ----\n%s----\n",
+                     qPrintable(daemon.log()), qPrintable(daemon.output()));
+}

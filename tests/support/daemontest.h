@@ -1,0 +1,46 @@
+#ifndef DAEMONTEST_H
+#define DAEMONTEST_H
+
+#include "daemon.h"
+#include "files.h"
+#include "remote.h"
+#include "signalrecorder.h"
+
+#include <QDir>
+#include <QFile>
+#include <QObject>
+#include <QTest>
+
+/**
+ * Base of the tests on the running daemon.
+ *
+ * Every test function begins on an instrument as it leaves the factory, with no daemon running
+ * yet, and ends with the daemon stopped; its log is printed when the test failed.
+ */
+class DaemonTest : public QObject
+{
+    Q_OBJECT
+
+protected:
+    Daemon daemon;
+
+    /** The files of one profile folder. */
+    static QString profile(const QString &user);
+
+private Q_SLOTS:
+    void init();
+    void cleanup();
+};
+
+/** The main function of a test that needs a private world: it refuses to run anywhere else. */
+#define WORLD_TEST_MAIN(Test)                                                                      \
+    int main(int argc, char *argv[])                                                               \
+    {                                                                                              \
+        if (!QFile::exists(QStringLiteral("/run/private-world")))                                  \
+            qFatal("this test writes to /opt and /tmp: run it in a private world");                \
+        QCoreApplication application(argc, argv);                                                  \
+        Test test;                                                                                 \
+        return QTest::qExec(&test, argc, argv);                                                    \
+    }
+
+#endif

@@ -1,0 +1,57 @@
+#include "remote.h"
+
+#include "render.h"
+
+#include <QDBusConnection>
+
+namespace
+{
+const QString daemonName = QStringLiteral("com.orvendis.Strandel.BoardManager");
+const int replyTimeout = 30000;
+} // namespace
+
+Remote::Remote(const QString &path, const QString &suffix)
+    : Remote(daemonName, path, daemonName + QLatin1Char('.') + suffix)
+{
+}
+
+Remote::Remote(const QString &service, const QString &path, const QString &interface)
+    : m_service(service), m_path(path), m_interface(interface)
+{
+}
+
+QString Remote::call(const QString &method, const QList<QVariant> &arguments) const
+{
+    return renderReply(reply(method, arguments));
+}
+
+QDBusMessage Remote::reply(const QString &method, const QList<QVariant> &arguments) const
+{
+    QDBusMessage message = QDBusMessage::createMethodCall(m_service, m_path, m_interface, method);
+    message.setArguments(arguments);
+    return QDBusConnection::systemBus().call(message, QDBus::Block, replyTimeout);
+}
+
+QString Remote::property(const QString &name) const
+{
+    return Remote(m_service, m_path, QStringLiteral("org.freedesktop.DBus.Properties"))
+        .call(QStringLiteral("Get"), {m_interface, name});
+}
+
+QString renderReply(const QDBusMessage &reply)
+{
+    if (reply.type() == QDBusMessage::ErrorMessage)
+        return reply.errorName() + QStringLiteral(": ") + reply.errorMessage();
+    return render(reply.arguments());
+}
+
+QString failure(const char *name, const QString &text)
+{
+    return daemonName + QStringLiteral(".Error.") + QLatin1String(name) + QStringLiteral(": ") +
+           text;
+}
+
+QString failed(const QString &text)
+{
+    return QStringLiteral("org.freedesktop.DBus.Error.Failed: ") + text;
+}

@@ -1,0 +1,51 @@
+#include "signalrecorder.h"
+
+#include "remote.h"
+#include "render.h"
+
+#include <QCoreApplication>
+#include <QDBusConnection>
+#include <QTest>
+
+namespace
+{
+const QString daemonName = QStringLiteral("com.orvendis.Strandel.BoardManager");
+}
+
+SignalRecorder::SignalRecorder(const QString &path) : m_path(path)
+{
+    // The library subscribes to interfaces, not to whole objects.
+    for (const char *suffix :
+         {"Users", "Ethernet", "WIFI", "WIFIAP", "MGR", "Alimentation", "LED", "Network", "Storage",
+          "Temperature", "Version", "Watchdog", "Backlight", "Brightness"})
+        QDBusConnection::systemBus().connect(QString(), path,
+                                             daemonName + QLatin1Char('.') + QLatin1String(suffix),
+                                             QString(), this, SLOT(record(QDBusMessage)));
+}
+
+QStringList SignalRecorder::take()
+{
+    // The bus keeps the order of one sender: what was sent before this reply is here after it.
+    Remote(daemonName, m_path, QStringLiteral("org.freedesktop.DBus.Peer"))
+        .reply(QStringLiteral("Ping"));
+    QCoreApplication::processEvents();
+    QStringList recorded;
+    recorded.swap(m_signals);
+    return recorded;
+}
+
+QStringList SignalRecorder::waitFor(int count, int milliseconds)
+{
+    // The caller compares what came; a missing signal shows there.
+    static_cast<void>(
+        QTest::qWaitFor([this, count] { return m_signals.size() >= count; }, milliseconds));
+    return take();
+}
+
+void SignalRecorder::record(const QDBusMessage &message)
+{
+    const QString interface = message.interface().startsWith(daemonName + QLatin1Char('.'))
+                                  ? message.interface().mid(daemonName.size() + 1)
+                                  : message.interface();
+    m_signals << interface + QLatin1Char('.') + message.member() + render(message.arguments());
+}
