@@ -6,7 +6,7 @@
 
 Daemon::Daemon()
 {
-    m_process.setProcessEnvironment(QProcessEnvironment::systemEnvironment());
+    resetEnvironment();
     QObject::connect(&m_process, &QProcess::readyReadStandardError, &m_process,
                      [this] { m_log += m_process.readAllStandardError(); });
     QObject::connect(&m_process, &QProcess::readyReadStandardOutput, &m_process,
@@ -28,6 +28,11 @@ void Daemon::setEnvironment(const QString &name, const QString &value)
     QProcessEnvironment environment = m_process.processEnvironment();
     environment.insert(name, value);
     m_process.setProcessEnvironment(environment);
+}
+
+void Daemon::resetEnvironment()
+{
+    m_process.setProcessEnvironment(QProcessEnvironment::systemEnvironment());
 }
 
 bool Daemon::start(const QStringList &arguments)

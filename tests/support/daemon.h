@@ -15,7 +15,9 @@ public:
 
     /** Programs that start the daemon for us, as in {"faketime", "-f", "+0 x60"}. */
     void setWrapper(const QStringList &wrapper);
+    /** A variable of the daemon's environment, on top of the test's own. */
     void setEnvironment(const QString &name, const QString &value);
+    void resetEnvironment();
 
     /** Starts it and waits until it owns its name; false when it ended or the deadline passed. */
     bool start(const QStringList &arguments = {});

@@ -11,6 +11,8 @@ QString DaemonTest::profile(const QString &user)
 
 void DaemonTest::init()
 {
+    daemon.setWrapper({});
+    daemon.resetEnvironment();
     emptyFolder(QStringLiteral("/opt"));
     emptyFolder(QStringLiteral("/tmp"));
     const QStringList folders = {QStringLiteral("default_user"), QStringLiteral("user1"),

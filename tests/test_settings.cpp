@@ -1,0 +1,157 @@
+#include "daemontest.h"
+#include "settings.h"
+
+/** The settings file. */
+class TestSettings : public DaemonTest
+{
+    Q_OBJECT
+
+private Q_SLOTS:
+    void everyKeyHasItsPath();
+    void thereIsOneInstance();
+
+    void theFourUsersAreUsableAfterAStart();
+    void whatNobodyReadsIsKept();
+    void aFileThatCannotBeUsedIsAnEmptyOne_data();
+    void aFileThatCannotBeUsedIsAnEmptyOne();
+    void aFileThatCannotBeWrittenIsNotReported();
+    void theFileIsNeverFilledWithDefaults();
+    void aChangeOfTheFileIsNotSeenBeforeTheNextStart();
+
+private:
+    const Remote users{QStringLiteral("/KyConfigMgr"), QStringLiteral("Users")};
+    const QByteArray fourUsers = "[Users]\nstateuser1=true\nstateuser2=true\n"
+                                 "stateuser3=true\nstateuser4=true\n";
+};
+
+void TestSettings::everyKeyHasItsPath()
+{
+    const struct {
+        QString key;
+        const char *path;
+    } rows[] = {
+        {USER, "Users/"},
+        {USER_STATE, "Users/state"},
+        {NETWORK_ENABLE_WINDOW, "Network/enableWindow"},
+        {WIFI_AP, "WifiAp/"},
+        {WIFI_AP_IP, "WifiAp/ip"},
+        {WIFI_AP_NETMASK, "WifiAp/netmask"},
+        {WIFI_AP_MIN_CHANNEL, "WifiAp/minChannel"},
+        {WIFI_AP_MAX_CHANNEL, "WifiAp/maxChannel"},
+        {WIFI_AP_WPS_CHECK_INTERVAL, "WifiAp/intervalWPS"},
+        {SCREEN_BACKLIGHT, "ScreenBacklight/"},
+        {SCREEN_BACKLIGHT_STEP_0, "ScreenBacklight/step0"},
+        {SCREEN_BACKLIGHT_STEP_1, "ScreenBacklight/step1"},
+        {SCREEN_BACKLIGHT_STEP_2, "ScreenBacklight/step2"},
+        {SCREEN_BACKLIGHT_STEP_3, "ScreenBacklight/step3"},
+        {SCREEN_BACKLIGHT_STEP_4, "ScreenBacklight/step4"},
+        {SCREEN_BACKLIGHT_STEP_5, "ScreenBacklight/step5"},
+        {SCREEN_BACKLIGHT_STEP_6, "ScreenBacklight/step6"},
+        {SCREEN_BACKLIGHT_STEP_7, "ScreenBacklight/step7"},
+        {SCREEN_BACKLIGHT_STEP_8, "ScreenBacklight/step8"},
+        {SCREEN_BACKLIGHT_STEP_9, "ScreenBacklight/step9"},
+        {SCREEN_BACKLIGHT_STEP_10, "ScreenBacklight/step10"},
+        {SCREEN_BACKLIGHT_STEP_11, "ScreenBacklight/step11"},
+        {SCREEN_BACKLIGHT_STEP_12, "ScreenBacklight/step12"},
+        {SCREEN_BACKLIGHT_STEP_13, "ScreenBacklight/step13"},
+        {SCREEN_BACKLIGHT_STEP_14, "ScreenBacklight/step14"},
+        {SCREEN_BACKLIGHT_STEP_15, "ScreenBacklight/step15"},
+        {BRIGHTNESS, "Brightness/"},
+        {BRIGHTNESS_TIMER, "Brightness/timer"},
+        {BRIGHTNESS_LEVEL_0, "Brightness/level0"},
+        {BRIGHTNESS_LEVEL_1, "Brightness/level1"},
+        {BRIGHTNESS_LEVEL_2, "Brightness/level2"},
+        {BRIGHTNESS_LEVEL_3, "Brightness/level3"},
+        {BRIGHTNESS_LEVEL_4, "Brightness/level4"},
+        {BRIGHTNESS_LEVEL_5, "Brightness/level5"},
+        {BRIGHTNESS_LEVEL_6, "Brightness/level6"},
+        {BRIGHTNESS_LEVEL_7, "Brightness/level7"},
+        {BRIGHTNESS_LEVEL_8, "Brightness/level8"},
+        {BRIGHTNESS_LEVEL_9, "Brightness/level9"},
+        {BRIGHTNESS_LEVEL_10, "Brightness/level10"},
+        {BRIGHTNESS_LEVEL_11, "Brightness/level11"},
+        {BRIGHTNESS_LEVEL_12, "Brightness/level12"},
+        {BRIGHTNESS_LEVEL_13, "Brightness/level13"},
+        {BRIGHTNESS_LEVEL_14, "Brightness/level14"},
+        {BRIGHTNESS_LEVEL_15, "Brightness/level15"},
+        {BRIGHTNESS_LEVEL_16, "Brightness/level16"},
+        {BRIGHTNESS_LEVEL_17, "Brightness/level17"},
+        {BATTERY_CHECK_INTERVAL, "Alimentation/intervalBattery"},
+    };
+    for (const auto &row : rows)
+        QCOMPARE(row.key, QString(row.path));
+}
+
+void TestSettings::thereIsOneInstance()
+{
+    QCOMPARE(&Settings::instance(), &Settings::instance());
+    QCOMPARE(Settings::instance().fileName(), QStringLiteral("/opt/settings.ini"));
+    QCOMPARE(Settings::instance().format(), QSettings::IniFormat);
+}
+
+void TestSettings::theFourUsersAreUsableAfterAStart()
+{
+    QVERIFY(daemon.start());
+    // Written by the event loop's first round, without the daemon having to end.
+    QTRY_COMPARE(readFile("/opt/settings.ini"), fourUsers);
+}
+
+void TestSettings::whatNobodyReadsIsKept()
+{
+    const QByteArray others = "[Alimentation]\nintervalBattery=1\n\n"
+                              "[Network]\nenableWindow=7\n\n"
+                              "[ScreenBacklight]\nstep0=1\nstep1=2\nstep2=3\n\n";
+    const QByteArray accessPoint = "\n[WifiAp]\nip=1.2.3.4\nmaxChannel=11\nminChannel=1\n";
+    writeFile("/opt/settings.ini", others + accessPoint);
+    QVERIFY(daemon.start());
+    QTRY_COMPARE(readFile("/opt/settings.ini"), others + fourUsers + accessPoint);
+}
+
+void TestSettings::aFileThatCannotBeUsedIsAnEmptyOne_data()
+{
+    QTest::addColumn<QByteArray>("content");
+    QTest::newRow("empty") << QByteArray("");
+    QTest::newRow("no sections") << QByteArray("]]]][[[ = = %%% \\x \n;;\n[Users\n");
+    QTest::newRow("bytes") << QByteArray(5000, '\xff');
+    QTest::newRow("zeros") << QByteArray(5000, '\0');
+    QTest::newRow("variant") << QByteArray("[Users]\nstateuser2=@Variant(\\x7f\\xff\\xff)\n");
+    QTest::newRow("list") << QByteArray("[Users]\nstateuser1=a, b\nstateuser2=@Invalid()\n");
+}
+
+void TestSettings::aFileThatCannotBeUsedIsAnEmptyOne()
+{
+    QFETCH(QByteArray, content);
+    writeFile("/opt/settings.ini", content);
+    QVERIFY(daemon.start());
+    QCOMPARE(users.call("setUser", {"user2"}), QStringLiteral("()"));
+    QVERIFY(!daemon.log().contains("settings.ini"));
+}
+
+void TestSettings::aFileThatCannotBeWrittenIsNotReported()
+{
+    QVERIFY(QDir().mkpath("/opt/settings.ini/folder"));
+    QVERIFY(daemon.start());
+    QCOMPARE(users.call("setUser", {"user2"}), QStringLiteral("()"));
+    QCOMPARE(users.call("getUser"), QStringLiteral("(\"user2\")"));
+    QCOMPARE(daemon.log(), QString());
+    QCOMPARE(snapshot("/opt/settings.ini"), QStringList{"folder"});
+}
+
+void TestSettings::theFileIsNeverFilledWithDefaults()
+{
+    QVERIFY(daemon.start());
+    QTRY_VERIFY(QFile::exists("/opt/settings.ini"));
+    QVERIFY(!readFile("/opt/settings.ini").contains("Brightness"));
+    QVERIFY(!readFile("/opt/settings.ini").contains("ScreenBacklight"));
+}
+
+void TestSettings::aChangeOfTheFileIsNotSeenBeforeTheNextStart()
+{
+    QVERIFY(daemon.start());
+    QTRY_COMPARE(readFile("/opt/settings.ini"), fourUsers);
+    writeFile("/opt/settings.ini", "[Users]\nstateuser2=false\n");
+    QCOMPARE(users.call("setUser", {"user2"}), QStringLiteral("()"));
+}
+
+WORLD_TEST_MAIN(TestSettings)
+#include "test_settings.moc"

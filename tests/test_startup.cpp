@@ -1,0 +1,182 @@
+#include "daemontest.h"
+
+#include <QRegularExpression>
+
+#include <csignal>
+
+/** Start-up, command line, object tree and ways out of the daemon. */
+class TestStartup : public DaemonTest
+{
+    Q_OBJECT
+
+private Q_SLOTS:
+    void theThreeRootsAreExported();
+    void theRootsThemselvesShowNothing();
+    void nothingIsLoggedAtAnOrdinaryStart();
+    void theLogHasOneTextPerLineAndNothingElse();
+
+    void versionIsPrintedAndNothingElseHappens();
+    void helpIsPrintedAndNothingElseHappens();
+    void anUnknownOptionIsRefusedAndNothingElseHappens();
+
+    void aSecondInstanceEndsWithStatusOneAfterItsOwnStart();
+    void aSecondInstanceNeverHangsOrCrashes();
+    void withoutABusTheStatusIsOne();
+    void withoutPermissionToOwnTheNameTheStatusIsOne();
+
+    void theEndOfAChildIsPrinted();
+    void otherSignalsPrintNothing();
+    void theDaemonRunsUntilItIsKilled();
+
+private:
+    void verifyNothingWasTouched();
+};
+
+void TestStartup::verifyNothingWasTouched()
+{
+    QVERIFY(!QFile::exists("/opt/settings.ini"));
+    QVERIFY(QFileInfo("/tmp/User_part/system").isSymLink() == false);
+}
+
+void TestStartup::theThreeRootsAreExported()
+{
+    QVERIFY(daemon.start());
+    const Remote root("com.orvendis.Strandel.BoardManager", "/",
+                      "org.freedesktop.DBus.Introspectable");
+    const QString document = root.call("Introspect");
+    for (const char *path : {"KyConfigMgr", "KyComMgr", "KyDeviceMgr"})
+        QVERIFY2(document.contains(QStringLiteral("<node name=\"%1\"/>").arg(path)), path);
+}
+
+void TestStartup::theRootsThemselvesShowNothing()
+{
+    QVERIFY(daemon.start());
+    for (const char *path : {"/KyConfigMgr", "/KyComMgr", "/KyDeviceMgr"}) {
+        const Remote root("com.orvendis.Strandel.BoardManager", path,
+                          "org.freedesktop.DBus.Introspectable");
+        const QString document = root.call("Introspect");
+        QVERIFY(document.contains("org.freedesktop.DBus.Properties"));
+        QVERIFY2(!document.contains("local."), qPrintable(document));
+        QVERIFY2(!document.contains("objectName"), qPrintable(document));
+        QVERIFY2(!document.contains("deleteLater"), qPrintable(document));
+    }
+}
+
+void TestStartup::nothingIsLoggedAtAnOrdinaryStart()
+{
+    QVERIFY(daemon.start());
+    QCOMPARE(daemon.log(), QString());
+    QCOMPARE(daemon.output(), QString());
+}
+
+void TestStartup::theLogHasOneTextPerLineAndNothingElse()
+{
+    QFile::remove("/tmp/User_part/system");
+    QVERIFY(daemon.start());
+    QCOMPARE(daemon.log(),
+             QStringLiteral("Init of KyUsers failed: failed to get the current user\n"));
+}
+
+void TestStartup::versionIsPrintedAndNothingElseHappens()
+{
+    QFile::remove("/tmp/User_part/system");
+    daemon.launch({"--version"});
+    QCOMPARE(daemon.waitForExit(), 0);
+    QCOMPARE(daemon.output(), QStringLiteral("KyBoardManager 2.06\n"));
+    verifyNothingWasTouched();
+}
+
+void TestStartup::helpIsPrintedAndNothingElseHappens()
+{
+    QFile::remove("/tmp/User_part/system");
+    daemon.launch({"--help"});
+    QCOMPARE(daemon.waitForExit(), 0);
+    QVERIFY(daemon.output().contains("Board manager of the Strandel.\n"));
+    QVERIFY(daemon.output().contains("--version"));
+    verifyNothingWasTouched();
+}
+
+void TestStartup::anUnknownOptionIsRefusedAndNothingElseHappens()
+{
+    QFile::remove("/tmp/User_part/system");
+    daemon.launch({"--simulate"});
+    QCOMPARE(daemon.waitForExit(), 1);
+    QVERIFY(daemon.log().contains("Unknown option 'simulate'."));
+    verifyNothingWasTouched();
+}
+
+void TestStartup::aSecondInstanceEndsWithStatusOneAfterItsOwnStart()
+{
+    QVERIFY(daemon.start());
+    QFile::remove("/tmp/User_part/system");
+    Daemon second;
+
+    second.launch();
+
+    QCOMPARE(second.waitForExit(), 1);
+    // When the name is merely taken, the connection's last error has no text.
+    QCOMPARE(second.log(), QStringLiteral("Init of KyUsers failed: failed to get the current user\n"
+                                          "\"\"\n"));
+    QCOMPARE(QFile::symLinkTarget("/tmp/User_part/system"), profile("user1"));
+    QCOMPARE(Remote("/KyConfigMgr", "Users").call("getUser"), QStringLiteral("(\"user1\")"));
+}
+
+void TestStartup::aSecondInstanceNeverHangsOrCrashes()
+{
+    QVERIFY(daemon.start());
+    for (int attempt = 0; attempt < 10; ++attempt) {
+        Daemon second;
+        second.launch();
+        QCOMPARE(second.waitForExit(), 1);
+    }
+}
+
+void TestStartup::withoutABusTheStatusIsOne()
+{
+    daemon.setEnvironment("DBUS_SYSTEM_BUS_ADDRESS", "unix:path=/run/dbus/missing");
+    daemon.launch();
+    QCOMPARE(daemon.waitForExit(), 1);
+    QVERIFY2(daemon.log().contains(
+                 QRegularExpression("^\"[^\"]+\"$", QRegularExpression::MultilineOption)),
+             qPrintable(daemon.log()));
+}
+
+void TestStartup::withoutPermissionToOwnTheNameTheStatusIsOne()
+{
+    daemon.setWrapper({"setpriv", "--reuid=stranger", "--clear-groups"});
+    daemon.launch();
+    QCOMPARE(daemon.waitForExit(), 1);
+    QVERIFY2(daemon.log().contains("not allowed to own the service"), qPrintable(daemon.log()));
+}
+
+void TestStartup::theEndOfAChildIsPrinted()
+{
+    QVERIFY(daemon.start());
+    QString expected;
+    for (int signal = 0; signal < 3; ++signal) {
+        QCOMPARE(kill(pid_t(daemon.processId()), SIGCHLD), 0);
+        expected += "signal SIGCHLD received\n";
+        QVERIFY(daemon.waitForOutput(expected));
+    }
+    QCOMPARE(daemon.output(), expected);
+    QCOMPARE(daemon.log(), QString());
+}
+
+void TestStartup::otherSignalsPrintNothing()
+{
+    QVERIFY(daemon.start());
+    QCOMPARE(kill(pid_t(daemon.processId()), SIGWINCH), 0);
+    QCOMPARE(Remote("/KyConfigMgr", "Users").call("getUser"), QStringLiteral("(\"user1\")"));
+    QCOMPARE(daemon.output(), QString());
+}
+
+void TestStartup::theDaemonRunsUntilItIsKilled()
+{
+    QVERIFY(daemon.start());
+    QCOMPARE(kill(pid_t(daemon.processId()), SIGTERM), 0);
+    QCOMPARE(daemon.waitForExit(), -1);
+    QVERIFY(!daemon.isRunning());
+}
+
+WORLD_TEST_MAIN(TestStartup)
+#include "test_startup.moc"

@@ -1,0 +1,195 @@
+#include "files.h"
+
+#include <QDir>
+#include <QFile>
+#include <QProcess>
+#include <QTemporaryDir>
+#include <QTest>
+
+#include <csignal>
+
+/** The private world itself, seen from outside. */
+class TestWorld : public QObject
+{
+    Q_OBJECT
+
+private Q_SLOTS:
+    void theStatusIsTheCommands();
+    void inputAndOutputAreTheCommands();
+    void nothingWrittenThereReachesTheMachine();
+    void itHasItsOwnProcessesAndNetwork();
+    void itHasItsOwnBus();
+    void aFolderThatIsKeptIsSeen();
+    void everythingEndsWithTheCommand();
+    void everythingEndsWhenTheWorldIsAskedTo();
+    void everythingEndsWhenTheWorldIsKilled();
+    void aCommandJoinsARunningWorld();
+    void withoutARunningWorldNothingIsJoined();
+    void anUnknownOptionIsRefused();
+
+private:
+    struct Result {
+        int status;
+        QString output;
+        QString complaint;
+    };
+    static QStringList worldArguments(const QStringList &command, const QStringList &options = {});
+    static Result run(const QStringList &command, const QStringList &options = {},
+                      const QByteArray &input = {});
+    static bool isAlive(const QString &marker);
+    void verifyEndAfter(const std::function<void(QProcess &)> &ending);
+};
+
+QStringList TestWorld::worldArguments(const QStringList &command, const QStringList &options)
+{
+    return options + QStringList{"--"} + command;
+}
+
+TestWorld::Result TestWorld::run(const QStringList &command, const QStringList &options,
+                                 const QByteArray &input)
+{
+    QProcess world;
+    world.start(WORLD, worldArguments(command, options));
+    world.write(input);
+    world.closeWriteChannel();
+    if (!world.waitForFinished(30000))
+        return {-1, QString(), QStringLiteral("no end")};
+    return {world.exitCode(), world.readAllStandardOutput(), world.readAllStandardError()};
+}
+
+/** Whether a process of ours with @p marker among its arguments runs, in whatever world. */
+bool TestWorld::isAlive(const QString &marker)
+{
+    for (const QString &process : QDir("/proc").entryList({"[0-9]*"})) {
+        const QList<QByteArray> arguments = readFile("/proc/" + process + "/cmdline").split('\0');
+        if (arguments.value(0) == "sleep" && arguments.contains(marker.toUtf8()))
+            return true;
+    }
+    return false;
+}
+
+void TestWorld::theStatusIsTheCommands()
+{
+    QCOMPARE(run({"true"}).status, 0);
+    QCOMPARE(run({"sh", "-c", "exit 37"}).status, 37);
+    QCOMPARE(run({"no-such-program"}).status, 127);
+}
+
+void TestWorld::inputAndOutputAreTheCommands()
+{
+    const Result result = run({"sh", "-c", "cat; echo complaint >&2"}, {}, "to and fro");
+    QCOMPARE(result.output, QStringLiteral("to and fro"));
+    QCOMPARE(result.complaint, QStringLiteral("complaint\n"));
+}
+
+void TestWorld::nothingWrittenThereReachesTheMachine()
+{
+    const QString name = QStringLiteral("private-world-%1").arg(QCoreApplication::applicationPid());
+    const QStringList folders = {
+        "/opt", "/tmp", "/run", "/etc", "/usr/share", "/usr/share/redpine", "/var/lib", "/dev/shm"};
+    QString script;
+    for (const QString &folder : folders)
+        script += QStringLiteral("echo x > %1/%2 && test -s %1/%2 && ").arg(folder, name);
+    script += "echo 1.2 > /etc/sw_version && ls -A /opt /usr/share/redpine";
+
+    const Result result = run({"sh", "-c", script});
+
+    QCOMPARE(result.complaint, QString());
+    QCOMPARE(result.output, QStringLiteral("/opt:\n%1\n\n/usr/share/redpine:\n%1\n").arg(name));
+    for (const QString &folder : folders)
+        QVERIFY2(!QFile::exists(folder + '/' + name), qPrintable(folder));
+}
+
+void TestWorld::itHasItsOwnProcessesAndNetwork()
+{
+    QCOMPARE(run({"sh", "-c", "ls /sys/class/net; ip -brief link | wc -l"}).output,
+             QStringLiteral("lo\n1\n"));
+    QCOMPARE(run({"pidof", QCoreApplication::applicationName()}).status, 1);
+    QCOMPARE(run({"sh", "-c", "tr '\\0' ' ' < /proc/1/cmdline"}).output.section(' ', 0, 1),
+             QStringLiteral("bash " WORLD));
+}
+
+void TestWorld::itHasItsOwnBus()
+{
+    const Result result = run({"busctl", "--system", "--no-legend", "--acquired", "list"});
+    QCOMPARE(result.output.simplified().section(' ', 0, 0), QStringLiteral("org.freedesktop.DBus"));
+    QCOMPARE(result.output.count('\n'), 1);
+}
+
+void TestWorld::aFolderThatIsKeptIsSeen()
+{
+    QTemporaryDir folder;
+    writeFile(folder.path() + "/file", "seen");
+    QVERIFY(run({"cat", folder.path() + "/file"}).status != 0);
+    QCOMPARE(run({"cat", folder.path() + "/file"}, {"--keep", folder.path()}).output,
+             QStringLiteral("seen"));
+}
+
+void TestWorld::everythingEndsWithTheCommand()
+{
+    const QString marker = QStringLiteral("100%1").arg(QCoreApplication::applicationPid());
+    QCOMPARE(run({"sh", "-c", "setsid sleep " + marker + " > /dev/null 2>&1 & exit 0"}).status, 0);
+    QTRY_VERIFY(!isAlive(marker));
+}
+
+void TestWorld::verifyEndAfter(const std::function<void(QProcess &)> &ending)
+{
+    const QString marker = QStringLiteral("200%1").arg(QCoreApplication::applicationPid());
+    QProcess world;
+    world.start(WORLD, worldArguments({"sh", "-c",
+                                       "trap : TERM; sleep " + marker +
+                                           " & echo up; "
+                                           "while true; do wait; done"}));
+    QTRY_COMPARE_WITH_TIMEOUT(world.peek(3), QByteArray("up\n"), 20000);
+    QVERIFY(isAlive(marker));
+
+    ending(world);
+
+    QVERIFY(world.waitForFinished(20000));
+    QTRY_VERIFY_WITH_TIMEOUT(!isAlive(marker), 20000);
+}
+
+void TestWorld::everythingEndsWhenTheWorldIsAskedTo()
+{
+    verifyEndAfter([](QProcess &world) { world.terminate(); });
+}
+
+void TestWorld::everythingEndsWhenTheWorldIsKilled()
+{
+    verifyEndAfter([](QProcess &world) { world.kill(); });
+}
+
+void TestWorld::aCommandJoinsARunningWorld()
+{
+    QTemporaryDir folder;
+    const QString handle = folder.path() + "/handle";
+    QProcess world;
+    world.start(WORLD, worldArguments({"sh", "-c", "echo here > /tmp/who; echo up; cat"},
+                                      {"--handle", handle}));
+    QTRY_COMPARE_WITH_TIMEOUT(world.peek(3), QByteArray("up\n"), 20000);
+
+    const Result joined =
+        run({"sh", "-c", "cat /tmp/who; busctl --system list > /dev/null"}, {"--join", handle});
+    QCOMPARE(joined.complaint, QString());
+    QCOMPARE(joined.output, QStringLiteral("here\n"));
+    QCOMPARE(joined.status, 0);
+
+    world.closeWriteChannel();
+    QVERIFY(world.waitForFinished(20000));
+    QVERIFY(!QFile::exists(handle));
+}
+
+void TestWorld::withoutARunningWorldNothingIsJoined()
+{
+    QCOMPARE(run({"true"}, {"--join", "/nowhere"}).status, 125);
+}
+
+void TestWorld::anUnknownOptionIsRefused()
+{
+    const Result result = run({"true"}, {"--unknown"});
+    QCOMPARE(result.status, 125);
+    QVERIFY(result.complaint.startsWith("usage: world"));
+}
+
+QTEST_GUILESS_MAIN(TestWorld)
+#include "test_world.moc"
