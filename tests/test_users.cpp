@@ -153,8 +153,7 @@ void TestUsers::startChoosesTheFirstUsableUser()
 void TestUsers::startTakesTheNextUserWhenOneCannotBeActivated()
 {
     QFile::remove(system);
-    emptyFolder(profile("user1"));
-    QVERIFY(QDir().rmdir(profile("user1")));
+    removePath(profile("user1"));
     writeFile(profile("user1"), "no folder");
 
     QVERIFY(daemon.start());
@@ -174,7 +173,7 @@ void TestUsers::startMakesEveryUserValidAgain()
 
 void TestUsers::startWithoutAnyFolderServesAllTheSame()
 {
-    emptyFolder("/tmp");
+    removePath("/tmp/User_part");
     QVERIFY(daemon.start());
     QCOMPARE(users.call("getUser"), QStringLiteral("(\"user1\")"));
     QCOMPARE(snapshot("/tmp/User_part"),
@@ -259,8 +258,7 @@ void TestUsers::setUserRebuildsAnIncompleteProfile()
 
 void TestUsers::setUserBuildsAMissingProfile()
 {
-    emptyFolder(profile("user4"));
-    QVERIFY(QDir().rmdir(profile("user4")));
+    removePath(profile("user4"));
     QVERIFY(daemon.start());
 
     QCOMPARE(users.call("setUser", {"user4"}), QStringLiteral("()"));
@@ -278,10 +276,8 @@ void TestUsers::setUserKeepsExtraFilesOfACompleteProfile()
 
 void TestUsers::setUserWithoutADefaultProfileTakesAnyFolder()
 {
-    emptyFolder(profile("default_user"));
-    QVERIFY(QDir().rmdir(profile("default_user")));
-    emptyFolder(profile("user4"));
-    QVERIFY(QDir().rmdir(profile("user4")));
+    removePath(profile("default_user"));
+    removePath(profile("user4"));
     QVERIFY(daemon.start());
 
     QCOMPARE(users.call("setUser", {"user2"}), QStringLiteral("()"));
@@ -340,8 +336,7 @@ void TestUsers::aLinkThatCannotBeMadeLeavesNoActiveProfile()
 
 void TestUsers::aProfileFolderThatIsAFileInvalidatesTheUserAndIsKept()
 {
-    emptyFolder(profile("user2"));
-    QVERIFY(QDir().rmdir(profile("user2")));
+    removePath(profile("user2"));
     writeFile(profile("user2"), "no folder");
     QVERIFY(daemon.start());
 

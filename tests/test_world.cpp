@@ -19,7 +19,7 @@ private Q_SLOTS:
     void nothingWrittenThereReachesTheMachine();
     void itHasItsOwnProcessesAndNetwork();
     void itHasItsOwnBus();
-    void aFolderThatIsKeptIsSeen();
+    void aFolderThatIsKeptIsSeenAndSafe();
     void everythingEndsWithTheCommand();
     void everythingEndsWhenTheWorldIsAskedTo();
     void everythingEndsWhenTheWorldIsKilled();
@@ -116,13 +116,15 @@ void TestWorld::itHasItsOwnBus()
     QCOMPARE(result.output.count('\n'), 1);
 }
 
-void TestWorld::aFolderThatIsKeptIsSeen()
+void TestWorld::aFolderThatIsKeptIsSeenAndSafe()
 {
     QTemporaryDir folder;
     writeFile(folder.path() + "/file", "seen");
     QVERIFY(run({"cat", folder.path() + "/file"}).status != 0);
     QCOMPARE(run({"cat", folder.path() + "/file"}, {"--keep", folder.path()}).output,
              QStringLiteral("seen"));
+    QVERIFY(run({"rm", folder.path() + "/file"}, {"--keep", folder.path()}).status != 0);
+    QCOMPARE(readFile(folder.path() + "/file"), QByteArray("seen"));
 }
 
 void TestWorld::everythingEndsWithTheCommand()

@@ -13,8 +13,9 @@ void DaemonTest::init()
 {
     daemon.setWrapper({});
     daemon.resetEnvironment();
-    emptyFolder(QStringLiteral("/opt"));
-    emptyFolder(QStringLiteral("/tmp"));
+    for (const char *path : {"/opt/settings.ini", "/opt/settings.ini.lock", "/opt/KyApp",
+                             "/tmp/User_part", "/tmp/logkywifi", "/etc/sw_version"})
+        removePath(QString::fromLatin1(path));
     const QStringList folders = {QStringLiteral("default_user"), QStringLiteral("user1"),
                                  QStringLiteral("user2"), QStringLiteral("user3"),
                                  QStringLiteral("user4")};

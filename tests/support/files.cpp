@@ -24,6 +24,12 @@ QByteArray readFile(const QString &path)
     return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray();
 }
 
+void removePath(const QString &path)
+{
+    std::error_code error;
+    fs::remove_all(path.toStdString(), error);
+}
+
 void emptyFolder(const QString &folder)
 {
     std::error_code error;

@@ -11,6 +11,9 @@ void writeFile(const QString &path, const QByteArray &content);
 /** The content of @p path, null where it cannot be read. */
 QByteArray readFile(const QString &path);
 
+/** Removes @p path, with everything inside where it is a folder. */
+void removePath(const QString &path);
+
 /** Removes everything inside @p folder, whatever it is. */
 void emptyFolder(const QString &folder);
 
