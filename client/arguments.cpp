@@ -1,0 +1,193 @@
+#include "arguments.h"
+
+#include <QFile>
+#include <QRegExp>
+
+namespace
+{
+bool isSecret(const Argument &argument)
+{
+    return argument.kind == Kind::Secret || argument.kind == Kind::SecretBytes;
+}
+
+bool parseInteger(const Argument &argument, const QString &word, QVariant &value)
+{
+    bool isNumber = false;
+    const qlonglong number = word.toLongLong(&isNumber);
+    if (!isNumber || number < argument.minimum || number > argument.maximum)
+        return false;
+    // Unsigned only where the value asks for it: the methods' own numbers are signed.
+    value =
+        number > std::numeric_limits<int>::max() ? QVariant(uint(number)) : QVariant(int(number));
+    return true;
+}
+
+bool parseNumbers(const QString &word, QVariant &value)
+{
+    QString text = word;
+    if (word.startsWith(QLatin1Char('@'))) {
+        QFile file(word.mid(1));
+        if (!file.open(QIODevice::ReadOnly))
+            return false;
+        text = QString::fromLatin1(file.readAll()).simplified();
+    }
+    QVariantList numbers;
+    for (const QString &part : text.split(QRegExp(QStringLiteral("[, ]+")))) {
+        bool isNumber = false;
+        numbers << part.toUInt(&isNumber);
+        if (!isNumber)
+            return false;
+    }
+    value = numbers;
+    return true;
+}
+
+const Argument *findKey(const Argument &settings, const QString &name)
+{
+    for (const Argument &key : settings.keys) {
+        if (key.name == name)
+            return &key;
+    }
+    return nullptr;
+}
+
+QStringList keyNames(const Argument &settings)
+{
+    QStringList names;
+    for (const Argument &key : settings.keys) {
+        if (!isSecret(key))
+            names << key.name;
+    }
+    return names;
+}
+
+bool parseSetting(const Argument &settings, const QString &word, QVariantMap &map,
+                  QString &complaint)
+{
+    const int equals = word.indexOf(QLatin1Char('='));
+    const QString name = word.left(equals);
+    const Argument *key = equals < 1 ? nullptr : findKey(settings, name);
+    if (!key) {
+        complaint =
+            QStringLiteral("'%1' is none of %2")
+                .arg(word, keyNames(settings).join(QStringLiteral("=, ")) + QLatin1Char('='));
+        return false;
+    }
+    if (isSecret(*key)) {
+        complaint = name + QStringLiteral(" is not taken from the command line");
+        return false;
+    }
+    if (map.contains(name)) {
+        complaint = name + QStringLiteral(" is given twice");
+        return false;
+    }
+    QVariant value;
+    if (!parseValue(*key, word.mid(equals + 1), value, complaint))
+        return false;
+    map.insert(name, value);
+    return true;
+}
+
+bool addSecrets(const Argument &settings, const SecretReader &reader, QVariantMap &map,
+                QString &complaint)
+{
+    for (const Argument &key : settings.keys) {
+        if (!isSecret(key))
+            continue;
+        QString secret;
+        if (!reader(key.name, secret)) {
+            complaint = key.name + QStringLiteral(" could not be read");
+            return false;
+        }
+        map.insert(key.name,
+                   key.kind == Kind::SecretBytes ? QVariant(secret.toUtf8()) : QVariant(secret));
+    }
+    return true;
+}
+
+bool parseSettings(const Argument &settings, const QStringList &words, const SecretReader &reader,
+                   QVariant &value, QString &complaint)
+{
+    QVariantMap map;
+    for (const QString &word : words) {
+        if (!parseSetting(settings, word, map, complaint))
+            return false;
+    }
+    for (const Argument &key : settings.keys) {
+        if (key.required && !isSecret(key) && !map.contains(key.name)) {
+            complaint = key.name + QStringLiteral("= is missing");
+            return false;
+        }
+    }
+    if (!addSecrets(settings, reader, map, complaint))
+        return false;
+    value = map;
+    return true;
+}
+} // namespace
+
+bool parseValue(const Argument &argument, const QString &word, QVariant &value, QString &complaint)
+{
+    bool isGood = true;
+    QString wanted;
+    switch (argument.kind) {
+    case Kind::Choice:
+        isGood = argument.choices.contains(word);
+        wanted = QStringLiteral("one of ") + argument.choices.join(QStringLiteral(", "));
+        value = word;
+        break;
+    case Kind::Integer:
+        isGood = parseInteger(argument, word, value);
+        wanted = QStringLiteral("a whole number from %1 to %2")
+                     .arg(argument.minimum)
+                     .arg(argument.maximum);
+        break;
+    case Kind::Switch:
+        isGood = word == QLatin1String("on") || word == QLatin1String("off");
+        wanted = QStringLiteral("on or off");
+        value = word == QLatin1String("on");
+        break;
+    case Kind::Hex16:
+        isGood = QRegExp(QStringLiteral("[0-9a-fA-F]{1,4}")).exactMatch(word);
+        wanted = QStringLiteral("up to four hexadecimal digits");
+        value = word;
+        break;
+    case Kind::Bytes:
+        value = word.toUtf8();
+        break;
+    case Kind::Numbers:
+        isGood = parseNumbers(word, value);
+        wanted = QStringLiteral("whole numbers separated by commas, or @FILE");
+        break;
+    default:
+        value = word;
+    }
+    if (!isGood)
+        complaint = QStringLiteral("%1: '%2' is not %3").arg(argument.name, word, wanted);
+    return isGood;
+}
+
+bool parseArguments(const Command &command, const QStringList &words, const SecretReader &reader,
+                    QVariantList &arguments, QString &complaint)
+{
+    QStringList left = words;
+    for (const Argument &argument : command.arguments) {
+        QVariant value;
+        if (argument.kind == Kind::Settings) {
+            if (!parseSettings(argument, left, reader, value, complaint))
+                return false;
+            left.clear();
+        } else if (left.isEmpty()) {
+            complaint = argument.name + QStringLiteral(" is missing");
+            return false;
+        } else if (!parseValue(argument, left.takeFirst(), value, complaint)) {
+            return false;
+        }
+        arguments << value;
+    }
+    if (!left.isEmpty()) {
+        complaint = QStringLiteral("'%1' is one word too many").arg(left.first());
+        return false;
+    }
+    return true;
+}

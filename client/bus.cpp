@@ -1,0 +1,97 @@
+#include "bus.h"
+
+#include "busvalue.h"
+
+#include <QDBusConnection>
+#include <QDBusConnectionInterface>
+#include <QDBusError>
+
+const QString daemonService = QStringLiteral("com.orvendis.Strandel.BoardManager");
+
+namespace
+{
+/** The longest that a method of the daemon takes when everything behind it is slow. */
+const int replyTimeout = 60000;
+
+QString fullName(const QString &interface)
+{
+    return daemonService + QLatin1Char('.') + interface;
+}
+
+ExitStatus statusOf(const QDBusMessage &error)
+{
+    switch (QDBusError(error).type()) {
+    case QDBusError::ServiceUnknown:
+    case QDBusError::Disconnected:
+    case QDBusError::NoServer:
+        return DaemonAway;
+    case QDBusError::UnknownInterface:
+    case QDBusError::UnknownObject:
+    case QDBusError::UnknownMethod:
+    case QDBusError::UnknownProperty:
+        return InterfaceAbsent;
+    default:
+        return error.errorName() == QLatin1String("org.freedesktop.DBus.Error.NameHasNoOwner")
+                   ? DaemonAway
+                   : DaemonError;
+    }
+}
+
+Answer send(const QDBusMessage &message)
+{
+    const QDBusConnection bus = QDBusConnection::systemBus();
+    if (!bus.isConnected())
+        return {DaemonAway, {}, bus.lastError().name(), bus.lastError().message()};
+    const QDBusMessage reply = bus.call(message, QDBus::Block, replyTimeout);
+    if (reply.type() == QDBusMessage::ErrorMessage)
+        return {statusOf(reply), {}, reply.errorName(), reply.errorMessage()};
+    QVariantList values;
+    for (const QVariant &value : reply.arguments())
+        values << plainValue(value);
+    return {Success, values, {}, {}};
+}
+} // namespace
+
+QString Answer::complaint() const
+{
+    switch (status) {
+    case DaemonAway:
+        return QStringLiteral("the board manager is not on the system bus");
+    case InterfaceAbsent:
+        return QStringLiteral("this instrument has no such interface (%1: %2)")
+            .arg(errorName, errorText);
+    default:
+        return QStringLiteral("%1 (%2)").arg(errorText, errorName);
+    }
+}
+
+bool isDaemonThere()
+{
+    const QDBusConnection bus = QDBusConnection::systemBus();
+    return bus.isConnected() && bus.interface()->isServiceRegistered(daemonService);
+}
+
+Answer call(const QString &path, const QString &interface, const QString &method,
+            const QVariantList &arguments)
+{
+    QDBusMessage message =
+        QDBusMessage::createMethodCall(daemonService, path, fullName(interface), method);
+    message.setArguments(arguments);
+    return send(message);
+}
+
+Answer readProperty(const QString &path, const QString &interface, const QString &property)
+{
+    QDBusMessage message = QDBusMessage::createMethodCall(
+        daemonService, path, QStringLiteral("org.freedesktop.DBus.Properties"),
+        QStringLiteral("Get"));
+    message.setArguments({fullName(interface), property});
+    return send(message);
+}
+
+bool subscribe(const QString &path, const QString &interface, const QString &signal,
+               QObject *receiver, const char *slot)
+{
+    return QDBusConnection::systemBus().connect(daemonService, path, fullName(interface), signal,
+                                                receiver, slot);
+}

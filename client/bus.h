@@ -1,0 +1,47 @@
+#ifndef BUS_H
+#define BUS_H
+
+#include <QDBusMessage>
+#include <QString>
+#include <QVariant>
+
+extern const QString daemonService;
+
+/** What kyboardctl ends with. */
+enum ExitStatus {
+    Success = 0,
+    DaemonError = 1,     ///< the daemon, or the bus, answered with an error
+    BadUsage = 2,        ///< the command line was wrong; nothing was sent
+    DaemonAway = 3,      ///< no bus, or the daemon is not on it
+    InterfaceAbsent = 4, ///< this model of the instrument has no such interface
+    OutcomeFailed = 5,   ///< what was started ended in failure
+    OutcomeMissing = 6,  ///< what was started did not come to an end in time
+};
+
+/** The answer to a call: its plain values, or why there are none. */
+struct Answer {
+    ExitStatus status;
+    QVariantList values;
+    QString errorName;
+    QString errorText;
+
+    bool isGood() const { return status == Success; }
+    /** The failure in one sentence, with the error's name and text. */
+    QString complaint() const;
+};
+
+/** Whether the system bus can be reached and the daemon is on it. */
+bool isDaemonThere();
+
+/** Calls a method of the daemon and waits for its reply. */
+Answer call(const QString &path, const QString &interface, const QString &method,
+            const QVariantList &arguments = {});
+
+/** Reads a property of the daemon. */
+Answer readProperty(const QString &path, const QString &interface, const QString &property);
+
+/** Subscribes a slot that takes the message to signals; an empty @p signal means all. */
+bool subscribe(const QString &path, const QString &interface, const QString &signal,
+               QObject *receiver, const char *slot);
+
+#endif

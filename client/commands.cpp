@@ -1,0 +1,254 @@
+#include "commands.h"
+
+#include <limits>
+
+namespace
+{
+const QString config = QStringLiteral("/KyConfigMgr");
+const QString com = QStringLiteral("/KyComMgr");
+const QString device = QStringLiteral("/KyDeviceMgr");
+
+QString text(const char *latin1)
+{
+    return QString::fromLatin1(latin1);
+}
+
+Argument argument(const char *name, Kind kind, const char *help)
+{
+    return {text(name), kind, text(help), {}, 0, 0, {}, false};
+}
+
+Argument choice(const char *name, const QStringList &choices, const char *help)
+{
+    Argument made = argument(name, Kind::Choice, help);
+    made.choices = choices;
+    return made;
+}
+
+Argument integer(const char *name, qlonglong minimum, qlonglong maximum, const char *help)
+{
+    Argument made = argument(name, Kind::Integer, help);
+    made.minimum = minimum;
+    made.maximum = maximum;
+    return made;
+}
+
+Argument settings(const QVector<Argument> &keys, const char *help)
+{
+    Argument made = argument("KEY=VALUE...", Kind::Settings, help);
+    made.keys = keys;
+    return made;
+}
+
+Argument required(Argument key)
+{
+    key.required = true;
+    return key;
+}
+
+const qlonglong int32Minimum = std::numeric_limits<qint32>::min();
+const qlonglong int32Maximum = std::numeric_limits<qint32>::max();
+const qlonglong uint32Maximum = std::numeric_limits<quint32>::max();
+
+const QStringList users = {text("user1"), text("user2"), text("user3"), text("user4")};
+const QStringList storages = {text("SD"), text("USB")};
+const QStringList sensors = {text("SOM"), text("ANALOG_CHAIN")};
+const QStringList leds = {text("BAT_RS1"), text("BAT_GS1"),  text("BAT_GS2"),  text("BAT_GS3"),
+                          text("BAT_GS4"), text("BAT_GS5"),  text("UTC_SYNC"), text("RECORDING"),
+                          text("BT"),      text("WIFI"),     text("WPS"),      text("POWER_Y"),
+                          text("POWER_G"), text("SD_STATUS")};
+const QStringList ledStates = {text("OFF"), text("BLINK_1HZ"), text("BLINK_3HZ"), text("ON"),
+                               text("UNKNOWN")};
+
+QVector<Argument> ipv4Keys()
+{
+    return {choice("Method", {text("dhcp"), text("manual"), text("off")}, "how the address is got"),
+            argument("Address", Kind::Text, "IPv4 address, with Method=manual"),
+            argument("Netmask", Kind::Text, "IPv4 netmask"),
+            argument("Gateway", Kind::Text, "IPv4 address of the gateway"),
+            argument("DNS1", Kind::Text, "first name server"),
+            argument("DNS2", Kind::Text, "second name server")};
+}
+
+QVector<Argument> instrumentKeys()
+{
+    return {required(integer("Subsidiary", 0, 255, "")),
+            required(integer("Fabrication", 0, 255, "")),
+            required(integer("Brand", 0, 255, "")),
+            required(integer("Type", 0, 255, "")),
+            required(argument("Model", Kind::Hex16, "hexadecimal, as in 8345")),
+            required(argument("SerialNumber", Kind::Bytes, "up to 8 characters")),
+            required(argument("WarrantyNumber", Kind::Bytes, "up to 9 characters")),
+            required(integer("TroubleshootingTag", 0, 255, "")),
+            required(integer("RelaunchTag", 0, 255, "")),
+            required(integer("FirstPassTag", 0, 255, "")),
+            required(argument("IrdInstrumentPassword", Kind::SecretBytes, "up to 30 characters")),
+            required(argument("IrdSessionPassword", Kind::SecretBytes, "up to 16 characters"))};
+}
+
+QVector<Argument> measureKeys()
+{
+    return {required(integer("AdjustementSite", 0, 65535, "")),
+            required(integer("AdjustementDate", 0, uint32Maximum, "")),
+            required(integer("NextAdjustementDate", 0, uint32Maximum, "")),
+            required(argument("AdjustementCoefficients", Kind::Numbers,
+                              "296 numbers, separated by commas, or @FILE"))};
+}
+
+QVector<Command> makeCommands()
+{
+    const Outcome none = {};
+    const QString ethernet = text("Ethernet");
+    const QString wifi = text("WIFI");
+    const QString accessPoint = text("WIFIAP");
+    const Outcome online = {text("online"), text("failure"), 75};
+    const Outcome idle = {text("idle"), QString(), 30};
+
+    QVector<Command> made;
+    const auto method = [&made, &none](const char *words, const QString &path,
+                                       const QString &interface, const char *name,
+                                       const QVector<Argument> &arguments, const char *help) {
+        made.append({text(words), text(help), path, interface, text(name), {}, arguments, none});
+    };
+    const auto operation = [&made](const char *words, const QString &interface, const char *name,
+                                   const QVector<Argument> &arguments, const Outcome &outcome,
+                                   const char *help) {
+        made.append({text(words), text(help), com, interface, text(name), {}, arguments, outcome});
+    };
+    const auto tcpIp = [&method](const QByteArray &group, const QString &interface) {
+        method(group + " ipv4", com, interface, "getIPv4", {}, "IPv4 settings in use");
+        method(group + " set-ipv4", com, interface, "setIPv4",
+               {settings(ipv4Keys(), "settings for the next connection")},
+               "set the IPv4 settings for the next connection");
+        method(group + " hardware", com, interface, "getHardwareInfos", {},
+               "name, hardware address and MTU of the interface");
+    };
+
+    method("user get", config, text("Users"), "getUser", {}, "name of the active profile");
+    method("user set", config, text("Users"), "setUser",
+           {choice("USER", users, "profile to activate")}, "activate a profile");
+    method("user reset", config, text("Users"), "factoryReset",
+           {choice("USER", users, "profile to reset")},
+           "replace a profile by a copy of the factory default");
+
+    made.append({text("battery status"),
+                 text("charger and charge"),
+                 device,
+                 text("Alimentation"),
+                 {},
+                 text("batteryStatus"),
+                 {},
+                 none});
+    method("battery voltage", device, text("Alimentation"), "getBatteryVoltage", {},
+           "battery voltage as last read");
+
+    method("led list", device, text("LED"), "getLEDStatus", {}, "what every LED shows");
+    method("led set", device, text("LED"), "setLEDStatus",
+           {choice("LED", leds, "LED to set"), choice("STATE", ledStates, "what it is to show")},
+           "make an LED show a state");
+    method("led shutdown", device, text("LED"), "prepareForShutdown", {},
+           "show the shutdown pattern on the power button");
+
+    method("temperature list", device, text("Temperature"), "getTemperatures", {},
+           "temperature of every sensor");
+    method("temperature threshold", device, text("Temperature"), "setTemperatureThreshold",
+           {choice("SENSOR", sensors, "sensor"),
+            integer("VALUE", int32Minimum, int32Maximum, "temperature from which on to signal")},
+           "set the threshold of a sensor");
+    method("temperature interval", device, text("Temperature"), "setInterval",
+           {integer("MILLISECONDS", 1000, int32Maximum, "period of the check")},
+           "set the period of the temperature check");
+    method("temperature check", device, text("Temperature"), "periodicTemperatureCheck", {},
+           "check the thresholds now");
+
+    method("storage mounted", device, text("Storage"), "isMounted",
+           {choice("DEVICE", storages, "storage device")}, "whether a device is mounted");
+    method("storage unmount", device, text("Storage"), "umount",
+           {choice("DEVICE", storages, "storage device")}, "unmount a device");
+
+    method("backlight get", device, text("Backlight"), "getBacklight", {}, "backlight in percent");
+    method("backlight set", device, text("Backlight"), "setBacklight",
+           {integer("PERCENT", 0, 100, "brightness")}, "set the backlight in percent");
+    method("backlight enable", device, text("Backlight"), "enableBacklight",
+           {argument("on|off", Kind::Switch, "state")}, "switch the backlight on or off");
+    method("backlight step", device, text("Backlight"), "getBacklightStep", {},
+           "step that matches the present percentage");
+    method("backlight set-step", device, text("Backlight"), "setBacklightStep",
+           {argument("on|off", Kind::Switch, "automatic mode"), integer("STEP", 0, 13, "step")},
+           "set the automatic mode and, without it, the step");
+    method("brightness get", device, text("Brightness"), "getBrightness", {},
+           "ambient light in lux");
+
+    method("eeprom instrument", device, text("Version"), "getEepromInstrument", {},
+           "instrument record");
+    method("eeprom set-instrument", device, text("Version"), "setEepromInstrument",
+           {settings(instrumentKeys(), "the whole record")}, "write the instrument record");
+    method("eeprom measure", device, text("Version"), "getEepromMesure", {}, "measure-card record");
+    method("eeprom set-measure", device, text("Version"), "setEepromMesure",
+           {settings(measureKeys(), "the whole record")}, "write the measure-card record");
+    method("eeprom invalidate", device, text("Version"), "invalidateEepromsContent", {},
+           "spoil the checksums of both records");
+    method("version revisions", device, text("Version"), "getRevision", {}, "hardware revisions");
+    method("version software", device, text("Version"), "getSoftwareVersions", {},
+           "software versions");
+
+    method("watchdog keep-alive", device, text("Watchdog"), "keepAlive", {}, "feed the watchdog");
+    method("module power", device, text("Network"), "redpinePower",
+           {argument("on|off", Kind::Switch, "state")}, "switch the Wi-Fi module's supply");
+    method("module soft-reset", device, text("Network"), "redpineSoftReset", {},
+           "reset the Wi-Fi module softly");
+    method("module hard-reset", device, text("Network"), "redpineHardReset", {},
+           "reset the Wi-Fi module by its reset line");
+    method("shutdown", device, text("MGR"), "prepareForShutdown", {},
+           "bring LEDs and battery monitor into the state for power-off");
+
+    operation("ethernet connect", ethernet, "connect", {}, online, "bring the wired interface up");
+    operation("ethernet disconnect", ethernet, "disconnect", {}, idle, "take it down");
+    tcpIp("ethernet", ethernet);
+
+    operation("wifi connect", wifi, "connect",
+              {argument("NETWORK", Kind::Text, "name of the network")}, online, "join a network");
+    operation("wifi disconnect", wifi, "disconnect", {}, idle, "leave and forget the network");
+    operation("wifi scan", wifi, "scan", {}, none, "list the networks in reach");
+    method("wifi strength", com, wifi, "getStrength", {}, "strength of the joined network");
+    tcpIp("wifi", wifi);
+
+    operation("ap start", accessPoint, "connect",
+              {settings({integer("Channel", 0, 65535, "radio channel"),
+                         argument("SSID", Kind::Text, "name of the network"),
+                         choice("Security", {text("WPA2"), text("open")}, "encryption"),
+                         argument("IP", Kind::Text, "address of the access point")},
+                        "what the network is to be")},
+              online, "become an access point; WPA2 asks for the password");
+    operation("ap stop", accessPoint, "disconnect", {}, idle, "stop being an access point");
+    method("ap wps", com, accessPoint, "wpsEnable", {}, "accepted, without effect");
+    tcpIp("ap", accessPoint);
+    return made;
+}
+} // namespace
+
+const QVector<Command> &commands()
+{
+    static const QVector<Command> table = makeCommands();
+    return table;
+}
+
+const Command *findCommand(const QStringList &words, int *used)
+{
+    for (const Command &command : commands()) {
+        const QStringList name = command.words.split(QLatin1Char(' '));
+        if (words.mid(0, name.size()) == name) {
+            *used = name.size();
+            return &command;
+        }
+    }
+    return nullptr;
+}
+
+QString synopsis(const Command &command)
+{
+    QString line = command.words;
+    for (const Argument &argument : command.arguments)
+        line += QLatin1Char(' ') + argument.name;
+    return line;
+}

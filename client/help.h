@@ -1,0 +1,13 @@
+#ifndef HELP_H
+#define HELP_H
+
+#include <QString>
+#include <QStringList>
+
+/** Help on the commands whose words begin with @p words; on everything where there are none. */
+QString helpText(const QStringList &words);
+
+/** What may follow @p words, the last of which is the beginning of a word. */
+QStringList completions(const QStringList &words);
+
+#endif

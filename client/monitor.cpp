@@ -1,0 +1,76 @@
+#include "monitor.h"
+
+#include "bus.h"
+#include "busvalue.h"
+#include "commands.h"
+#include "present.h"
+#include "terminal.h"
+
+#include <QCoreApplication>
+#include <QDBusConnection>
+#include <QDBusServiceWatcher>
+#include <QDateTime>
+#include <QJsonArray>
+#include <QJsonDocument>
+#include <QJsonObject>
+#include <QSet>
+
+Monitor::Monitor(bool asJson) : m_asJson(asJson)
+{
+    QSet<QString> subscribed;
+    for (const Command &command : commands()) {
+        if (subscribed.contains(command.interface))
+            continue;
+        subscribed.insert(command.interface);
+        subscribe(command.path, command.interface, QString(), this, SLOT(take(QDBusMessage)));
+    }
+    auto watcher = new QDBusServiceWatcher(daemonService, QDBusConnection::systemBus(),
+                                           QDBusServiceWatcher::WatchForOwnerChange, this);
+    QObject::connect(watcher, &QDBusServiceWatcher::serviceRegistered, this,
+                     [this] { printLine(QStringLiteral("daemon"), QStringLiteral("came"), {}); });
+    QObject::connect(watcher, &QDBusServiceWatcher::serviceUnregistered, this,
+                     [this] { printLine(QStringLiteral("daemon"), QStringLiteral("left"), {}); });
+}
+
+int Monitor::run()
+{
+    if (!QDBusConnection::systemBus().isConnected()) {
+        complain(QStringLiteral("the system bus cannot be reached"));
+        return DaemonAway;
+    }
+    printLine(QStringLiteral("daemon"),
+              isDaemonThere() ? QStringLiteral("there") : QStringLiteral("away"), {});
+    return QCoreApplication::exec();
+}
+
+void Monitor::take(const QDBusMessage &message)
+{
+    QVariantList arguments;
+    for (const QVariant &argument : message.arguments())
+        arguments << plainValue(argument);
+    printLine(message.interface().mid(daemonService.size() + 1), message.member(), arguments);
+}
+
+void Monitor::printLine(const QString &interface, const QString &signal,
+                        const QVariantList &arguments)
+{
+    const QDateTime now = QDateTime::currentDateTime();
+    if (m_asJson) {
+        QJsonObject line;
+        line.insert(QStringLiteral("time"), now.toString(Qt::ISODateWithMs));
+        line.insert(QStringLiteral("interface"), interface);
+        line.insert(QStringLiteral("signal"), signal);
+        line.insert(QStringLiteral("arguments"), toJson(arguments));
+        print(QString::fromUtf8(QJsonDocument(line).toJson(QJsonDocument::Compact)) +
+              QLatin1Char('\n'));
+        return;
+    }
+    QStringList texts;
+    for (const QVariant &argument : arguments)
+        texts << inlineText(argument);
+    print(QStringLiteral("%1  %2.%3  %4")
+              .arg(now.toString(QStringLiteral("HH:mm:ss.zzz")), interface, signal,
+                   texts.join(QStringLiteral("  ")))
+              .trimmed() +
+          QLatin1Char('\n'));
+}

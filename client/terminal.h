@@ -1,0 +1,24 @@
+#ifndef TERMINAL_H
+#define TERMINAL_H
+
+#include <QString>
+
+/** Writes @p text to standard output. */
+void print(const QString &text);
+
+/** Writes "kyboardctl: " and @p text, a line, to standard error. */
+void complain(const QString &text);
+
+/** Shows @p text in place of the last progress line, where standard error is a terminal. */
+void showProgress(const QString &text);
+
+/** Takes the progress line away. */
+void clearProgress();
+
+/**
+ * Reads a secret: from the terminal, without showing it, where standard input is one; else the
+ * next line of standard input.
+ */
+bool readSecret(const QString &prompt, QString &secret);
+
+#endif
