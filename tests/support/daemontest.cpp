@@ -1,5 +1,7 @@
 #include "daemontest.h"
 
+#include "board.h"
+
 #include <QFile>
 
 #include <cstdio>
@@ -16,6 +18,7 @@ void DaemonTest::init()
     for (const char *path : {"/opt/settings.ini", "/opt/settings.ini.lock", "/opt/KyApp",
                              "/tmp/User_part", "/tmp/logkywifi", "/etc/sw_version"})
         removePath(QString::fromLatin1(path));
+    Board::reset();
     const QStringList folders = {QStringLiteral("default_user"), QStringLiteral("user1"),
                                  QStringLiteral("user2"), QStringLiteral("user3"),
                                  QStringLiteral("user4")};

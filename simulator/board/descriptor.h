@@ -1,0 +1,30 @@
+#ifndef DESCRIPTOR_H
+#define DESCRIPTOR_H
+
+#include <unistd.h>
+
+/** Owns a file descriptor. */
+class Descriptor
+{
+public:
+    explicit Descriptor(int descriptor = -1) : m_descriptor(descriptor) {}
+    ~Descriptor() { reset(); }
+    Descriptor(const Descriptor &) = delete;
+    Descriptor &operator=(const Descriptor &) = delete;
+
+    int get() const { return m_descriptor; }
+    bool isOpen() const { return m_descriptor >= 0; }
+
+    /** Closes the descriptor and takes another one in its place. */
+    void reset(int descriptor = -1)
+    {
+        if (m_descriptor >= 0)
+            close(m_descriptor);
+        m_descriptor = descriptor;
+    }
+
+private:
+    int m_descriptor;
+};
+
+#endif

@@ -1,0 +1,41 @@
+#include "kybacklight.h"
+
+#include "boardfolder.h"
+#include "call.h"
+#include "value.h"
+
+using namespace board;
+
+namespace
+{
+const int fullBrightness = 100;
+const int nonsense = 31337;
+} // namespace
+
+KyBacklight::KyBacklight() : m_handle(nullptr)
+{
+    createOnce();
+}
+
+KyBacklight::~KyBacklight() = default;
+
+int KyBacklight::getBrightness()
+{
+    return Call("KyBacklight.getBrightness").answer(-1, nonsense, [] {
+        return readNumber<int>("backlight/brightness", 0, fullBrightness);
+    });
+}
+
+int KyBacklight::setBrightness(unsigned char brightness)
+{
+    return Call("KyBacklight.setBrightness", brightness).act([brightness] {
+        return brightness <= fullBrightness && writeNumber("backlight/brightness", brightness);
+    });
+}
+
+int KyBacklight::enableBacklight(bool enable)
+{
+    return Call("KyBacklight.enableBacklight", enable).act([enable] {
+        return writeNumber("backlight/enabled", enable);
+    });
+}

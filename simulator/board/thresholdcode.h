@@ -1,0 +1,26 @@
+#ifndef THRESHOLDCODE_H
+#define THRESHOLDCODE_H
+
+/**
+ * The light sensor's one-byte code of a quantity of light.
+ *
+ * The upper four bits are the exponent e, the lower four the mantissa m. The sensor counts in
+ * quarters of a lux; a code stands for the counts from
+ *
+ *     m                    when e is 0
+ *     (16 + m) * 2^(e-1)   when e is 1 to 15
+ *
+ * up to the first count of the next code. So codes rise with the light, one code is a quarter of a
+ * lux wide below 8 lux and at most a sixteenth of its light wide above, and the last one, 255,
+ * begins at 126976 lux and stands for everything beyond, too.
+ */
+namespace board
+{
+/** The code that @p lux falls into; 0 for what is negative or no number. */
+unsigned char thresholdCode(float lux);
+
+/** The least light, in lux, that @p code stands for. */
+float leastLux(unsigned char code);
+} // namespace board
+
+#endif

@@ -1,0 +1,61 @@
+#include "urgentline.h"
+
+#include <arpa/inet.h>
+#include <fcntl.h>
+#include <netinet/in.h>
+#include <netinet/tcp.h>
+#include <sys/socket.h>
+
+namespace
+{
+bool connectOverLoopback(Descriptor &sender, Descriptor &receiver)
+{
+    sockaddr_in here = {};
+    here.sin_family = AF_INET;
+    here.sin_addr.s_addr = htonl(INADDR_LOOPBACK);
+    socklen_t length = sizeof here;
+    sockaddr *address = reinterpret_cast<sockaddr *>(&here);
+    const Descriptor listener(socket(AF_INET, SOCK_STREAM | SOCK_CLOEXEC, 0));
+    sender.reset(socket(AF_INET, SOCK_STREAM | SOCK_CLOEXEC, 0));
+    if (bind(listener.get(), address, length) != 0 || listen(listener.get(), 1) != 0 ||
+        getsockname(listener.get(), address, &length) != 0 ||
+        connect(sender.get(), address, length) != 0)
+        return false;
+
+    sockaddr_in caller = {};
+    length = sizeof caller;
+    receiver.reset(accept4(listener.get(), reinterpret_cast<sockaddr *>(&caller), &length,
+                           SOCK_CLOEXEC | SOCK_NONBLOCK));
+    // Some other program may have found the listener first.
+    const int opened = receiver.isOpen() ? getsockname(sender.get(), address, &length) : -1;
+    return opened == 0 && caller.sin_port == here.sin_port;
+}
+} // namespace
+
+bool UrgentLine::open()
+{
+    if (m_receiver.isOpen())
+        return true;
+    if (!connectOverLoopback(m_sender, m_receiver)) {
+        m_sender.reset();
+        m_receiver.reset();
+        return false;
+    }
+    // A byte must not wait for the acknowledgement of the last one.
+    const int on = 1;
+    setsockopt(m_sender.get(), IPPROTO_TCP, TCP_NODELAY, &on, sizeof on);
+    return true;
+}
+
+void UrgentLine::raise()
+{
+    if (m_sender.isOpen())
+        send(m_sender.get(), "!", 1, MSG_OOB | MSG_DONTWAIT | MSG_NOSIGNAL);
+}
+
+void UrgentLine::clear()
+{
+    char rest[8];
+    while (m_receiver.isOpen() && read(m_receiver.get(), rest, sizeof rest) > 0) {
+    }
+}

@@ -1,0 +1,45 @@
+#ifndef BOARD_H
+#define BOARD_H
+
+#include <QByteArray>
+#include <QString>
+#include <QStringList>
+
+/**
+ * The simulated board as a test sees it: its files, its journal, and the faults it is given.
+ *
+ * Files are named by their place in the board's folder, as in "als/lux".
+ */
+class Board
+{
+public:
+    /** Makes the board a new one, with no faults and an empty journal. */
+    static void reset();
+
+    /** Writes and reads a value as text, without the line's end; null where there is no file. */
+    static void set(const QString &path, const QString &value);
+    static QString get(const QString &path);
+
+    /** Write and read the whole content of a file. */
+    static void setBytes(const QString &path, const QByteArray &content);
+    static QByteArray bytes(const QString &path);
+
+    static void remove(const QString &path);
+
+    /** Every library call since the last clearJournal(), without its time, in order. */
+    static QStringList journal();
+    static void clearJournal();
+
+    /** Waits until a file holds @p value, or until the journal holds @p line; false after 20 s. */
+    static bool waitFor(const QString &path, const QString &value);
+    static bool waitForJournal(const QString &line);
+
+    /** Gives @p operation, as in "KyAls.readLux", a fault, as in "always" or "2 delay 100". */
+    static void fault(const QString &operation, const QString &words);
+    static void clearFaults();
+
+    /** Where @p path is in the file system. */
+    static QString pathOf(const QString &path);
+};
+
+#endif
