@@ -1,0 +1,45 @@
+#ifndef AGENTS_H
+#define AGENTS_H
+
+#include <QDBusMessage>
+#include <QDBusServiceWatcher>
+#include <QMap>
+#include <QObject>
+#include <QString>
+
+#include <functional>
+
+/** The agents that are registered: at most one for each connection to the bus. */
+class Agents : public QObject
+{
+    Q_OBJECT
+
+public:
+    using Answered = std::function<void(const QDBusMessage &answer)>;
+
+    explicit Agents(QObject *parent);
+
+    /** @return false where that connection has an agent already */
+    bool add(const QString &connection, const QString &path);
+
+    /** @return false where that connection has no agent at that path */
+    bool remove(const QString &connection, const QString &path);
+
+    bool has(const QString &connection) const;
+
+    /** The connection whose agent was registered last; empty without any. */
+    QString latest() const;
+
+    /** Calls a method of the agent of @p connection; @p answered is told what came back. */
+    void call(const QString &connection, const QString &method, const QList<QVariant> &arguments,
+              const Answered &answered);
+
+private:
+    void forget(const QString &connection);
+
+    QDBusServiceWatcher m_watcher;
+    QMap<QString, QString> m_paths;
+    QString m_latest;
+};
+
+#endif

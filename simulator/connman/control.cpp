@@ -1,0 +1,218 @@
+#include "control.h"
+
+#include "calls.h"
+#include "connman.h"
+#include "reply.h"
+
+#include <QDBusArgument>
+#include <QDBusConnection>
+
+const QString Control::path = QStringLiteral("/standin");
+const QString Control::interface = QStringLiteral("com.orvendis.Strandel.ConnManStandIn");
+
+/*
+ * A call in the rules is the beginning of a line in the journal: "Technology.SetProperty" is every
+ * such call, "Technology.SetProperty /net/connman/technology/wifi" only those of that technology.
+ */
+const Control::Method Control::methods[] = {
+    // What ConnMan has, without telling anybody.
+    {"SetTechnologies", "a(oa{sv})", false, &Control::setTechnologies},
+    {"SetServices", "a(oa{sv})", false, &Control::setServices},
+    {"SetAsyncScan", "b", false, &Control::setAsyncScan},
+    {"StoreProperty", "osv", false, &Control::storeProperty},
+    // The same for one property of a service or a technology, with its PropertyChanged.
+    {"ChangeProperty", "osv", false, &Control::changeProperty},
+    {"AnnounceServices", "", false, &Control::announceServices},
+    // Path, interface and name of any signal, and its values.
+    {"SendSignal", "oss", true, &Control::sendSignal},
+    // A call with the name and the text of its error, or with the values of its reply.
+    {"Fail", "sss", false, &Control::fail},
+    {"Reply", "s", true, &Control::reply},
+    // A call with milliseconds; a call that is not answered until it is released.
+    {"Delay", "su", false, &Control::delay},
+    {"Hold", "s", false, &Control::hold},
+    {"Release", "s", false, &Control::release},
+    {"ClearRules", "", false, &Control::clearRules},
+    // What Connect of a service asks the agent before it answers.
+    {"AskOnConnect", "oa{sv}", false, &Control::askOnConnect},
+    // A method of the agent that was registered last, and its arguments; answers as the agent does.
+    {"CallAgent", "s", true, &Control::callAgent},
+    {"Journal", "", false, &Control::journal},
+    {"ClearJournal", "", false, &Control::clearJournal},
+};
+
+void Control::drive(const QDBusMessage &call)
+{
+    for (const Method &method : methods) {
+        const QLatin1String signature(method.signature);
+        if (call.member() == QLatin1String(method.name) &&
+            (method.open ? call.signature().startsWith(signature) : call.signature() == signature))
+            return (this->*method.drive)(call);
+    }
+    refuseUnknownMethod(call);
+}
+
+QString Control::description()
+{
+    QString text = QStringLiteral("<interface name=\"%1\">").arg(interface);
+    for (const Method &method : methods)
+        text += QStringLiteral("<method name=\"%1\"/>").arg(QLatin1String(method.name));
+    return text + QStringLiteral("</interface>");
+}
+
+namespace
+{
+QString textArgument(const QDBusMessage &call, int index)
+{
+    return call.arguments().at(index).toString();
+}
+
+QString pathArgument(const QDBusMessage &call)
+{
+    return call.arguments().at(0).value<QDBusObjectPath>().path();
+}
+
+ListedObjects listArgument(const QDBusMessage &call)
+{
+    return qdbus_cast<ListedObjects>(call.arguments().at(0).value<QDBusArgument>());
+}
+
+CallRule ruleFor(const QDBusMessage &call, CallRule::Kind kind)
+{
+    CallRule rule;
+    rule.kind = kind;
+    rule.call = textArgument(call, 0);
+    return rule;
+}
+
+void answerFound(const QDBusMessage &call, bool found)
+{
+    if (found)
+        answer(call);
+    else
+        refuse(call, Control::interface + QStringLiteral(".NotFound"),
+               QStringLiteral("nothing at ") + pathArgument(call));
+}
+} // namespace
+
+void Control::setTechnologies(const QDBusMessage &call)
+{
+    m_connman.setTechnologies(listArgument(call));
+    answer(call);
+}
+
+void Control::setServices(const QDBusMessage &call)
+{
+    m_connman.setServices(listArgument(call));
+    answer(call);
+}
+
+void Control::setAsyncScan(const QDBusMessage &call)
+{
+    m_connman.setAsyncScan(call.arguments().at(0).toBool());
+    answer(call);
+}
+
+void Control::storeProperty(const QDBusMessage &call)
+{
+    answerFound(call, m_connman.storeProperty(pathArgument(call), textArgument(call, 1),
+                                              withoutVariant(call.arguments().at(2))));
+}
+
+void Control::changeProperty(const QDBusMessage &call)
+{
+    const QString name = textArgument(call, 1);
+    answerFound(call, m_connman.storeProperty(pathArgument(call), name,
+                                              withoutVariant(call.arguments().at(2))) &&
+                          m_connman.announceProperty(pathArgument(call), name));
+}
+
+void Control::announceServices(const QDBusMessage &call)
+{
+    m_connman.announceServices();
+    answer(call);
+}
+
+void Control::sendSignal(const QDBusMessage &call)
+{
+    QDBusMessage signal = QDBusMessage::createSignal(pathArgument(call), textArgument(call, 1),
+                                                     textArgument(call, 2));
+    signal.setArguments(call.arguments().mid(3));
+    QDBusConnection::systemBus().send(signal);
+    answer(call);
+}
+
+void Control::fail(const QDBusMessage &call)
+{
+    CallRule rule = ruleFor(call, CallRule::Fail);
+    rule.errorName = textArgument(call, 1);
+    rule.errorText = textArgument(call, 2);
+    m_calls.rules().add(rule);
+    answer(call);
+}
+
+void Control::reply(const QDBusMessage &call)
+{
+    CallRule rule = ruleFor(call, CallRule::Reply);
+    rule.values = call.arguments().mid(1);
+    m_calls.rules().add(rule);
+    answer(call);
+}
+
+void Control::delay(const QDBusMessage &call)
+{
+    CallRule rule = ruleFor(call, CallRule::Delay);
+    rule.milliseconds = call.arguments().at(1).toInt();
+    m_calls.rules().add(rule);
+    answer(call);
+}
+
+void Control::hold(const QDBusMessage &call)
+{
+    m_calls.rules().add(ruleFor(call, CallRule::Hold));
+    answer(call);
+}
+
+void Control::release(const QDBusMessage &call)
+{
+    m_calls.release(textArgument(call, 0));
+    answer(call);
+}
+
+void Control::clearRules(const QDBusMessage &call)
+{
+    m_calls.rules().clear();
+    answer(call);
+}
+
+void Control::askOnConnect(const QDBusMessage &call)
+{
+    m_connman.askOnConnect(pathArgument(call), mapOf(call.arguments().at(1)));
+    answer(call);
+}
+
+void Control::callAgent(const QDBusMessage &call)
+{
+    const QString connection = m_connman.agents().latest();
+    if (connection.isEmpty())
+        return refuse(call, interface + QStringLiteral(".NoAgent"),
+                      QStringLiteral("no agent is registered"));
+    m_connman.agents().call(connection, textArgument(call, 0), call.arguments().mid(1),
+                            [call](const QDBusMessage &reply) {
+                                if (reply.type() == QDBusMessage::ReplyMessage)
+                                    answer(call, reply.arguments());
+                                else
+                                    refuse(call, reply.errorName(), reply.errorMessage());
+                            });
+}
+
+void Control::journal(const QDBusMessage &call)
+{
+    answer(call, {m_calls.journal()});
+}
+
+void Control::clearJournal(const QDBusMessage &call)
+{
+    m_calls.clearJournal();
+    answer(call);
+}

@@ -1,0 +1,57 @@
+#ifndef CONTROL_H
+#define CONTROL_H
+
+#include <QDBusMessage>
+
+class Calls;
+class Connman;
+
+/** The object by which tests and people drive the stand-in. */
+class Control
+{
+public:
+    static const QString path;
+    static const QString interface;
+
+    Control(Connman &connman, Calls &calls) : m_connman(connman), m_calls(calls) {}
+
+    /** Does what @p call asks for and answers it. */
+    void drive(const QDBusMessage &call);
+
+    /** The interface, for introspection. */
+    static QString description();
+
+private:
+    using Drive = void (Control::*)(const QDBusMessage &call);
+    struct Method {
+        const char *name;
+        /** The types of the arguments; those of an open method are followed by any others. */
+        const char *signature;
+        bool open;
+        Drive drive;
+    };
+    static const Method methods[];
+
+    void setTechnologies(const QDBusMessage &call);
+    void setServices(const QDBusMessage &call);
+    void setAsyncScan(const QDBusMessage &call);
+    void storeProperty(const QDBusMessage &call);
+    void changeProperty(const QDBusMessage &call);
+    void announceServices(const QDBusMessage &call);
+    void sendSignal(const QDBusMessage &call);
+    void fail(const QDBusMessage &call);
+    void reply(const QDBusMessage &call);
+    void delay(const QDBusMessage &call);
+    void hold(const QDBusMessage &call);
+    void release(const QDBusMessage &call);
+    void clearRules(const QDBusMessage &call);
+    void askOnConnect(const QDBusMessage &call);
+    void callAgent(const QDBusMessage &call);
+    void journal(const QDBusMessage &call);
+    void clearJournal(const QDBusMessage &call);
+
+    Connman &m_connman;
+    Calls &m_calls;
+};
+
+#endif

@@ -1,0 +1,50 @@
+#include "reply.h"
+
+#include <QDBusArgument>
+#include <QDBusConnection>
+#include <QDBusMetaType>
+#include <QDBusVariant>
+
+void answer(const QDBusMessage &call, const QList<QVariant> &values)
+{
+    QDBusConnection::systemBus().send(call.createReply(values));
+}
+
+void refuse(const QDBusMessage &call, const QString &name, const QString &text)
+{
+    QDBusConnection::systemBus().send(call.createErrorReply(name, text));
+}
+
+void refuse(const QDBusMessage &call, const char *name, const char *text)
+{
+    refuse(call, QStringLiteral("net.connman.Error.") + QLatin1String(name), QLatin1String(text));
+}
+
+void refuseUnknownMethod(const QDBusMessage &call)
+{
+    refuse(call, QStringLiteral("org.freedesktop.DBus.Error.UnknownMethod"),
+           QStringLiteral("Method \"%1\" with signature \"%2\" on interface \"%3\" doesn't exist\n")
+               .arg(call.member(), call.signature(), call.interface()));
+}
+
+QVariant withoutVariant(const QVariant &value)
+{
+    return value.userType() == qMetaTypeId<QDBusVariant>() ? value.value<QDBusVariant>().variant()
+                                                           : value;
+}
+
+QString signatureOf(const QVariant &value)
+{
+    if (value.userType() == qMetaTypeId<QDBusArgument>())
+        return value.value<QDBusArgument>().currentSignature();
+    return QLatin1String(QDBusMetaType::typeToSignature(value.userType()));
+}
+
+QVariantMap mapOf(const QVariant &value)
+{
+    if (value.userType() == QMetaType::QVariantMap)
+        return value.toMap();
+    if (signatureOf(value) != QLatin1String("a{sv}"))
+        return QVariantMap();
+    return qdbus_cast<QVariantMap>(value.value<QDBusArgument>());
+}

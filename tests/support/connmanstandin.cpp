@@ -1,0 +1,222 @@
+#include "connmanstandin.h"
+
+#include "remote.h"
+
+#include <QDBusConnection>
+#include <QDBusConnectionInterface>
+#include <QDBusVariant>
+#include <QTest>
+
+#include <csignal>
+
+namespace
+{
+const QString name = QStringLiteral("net.connman");
+
+bool isOnTheBus()
+{
+    return QDBusConnection::systemBus().interface()->isServiceRegistered(name);
+}
+
+/** The object by which it is driven. */
+Remote remote()
+{
+    return Remote(name, QStringLiteral("/standin"),
+                  QStringLiteral("com.orvendis.Strandel.ConnManStandIn"));
+}
+
+QVariant object(const QString &path)
+{
+    return QVariant::fromValue(QDBusObjectPath(path));
+}
+
+QVariant variant(const QVariant &value)
+{
+    return QVariant::fromValue(QDBusVariant(value));
+}
+
+ListedObject technology(const QString &path, const QString &text, const QString &type)
+{
+    return {QDBusObjectPath(path),
+            {{"Name", text},
+             {"Type", type},
+             {"Powered", false},
+             {"Connected", false},
+             {"Tethering", false}}};
+}
+} // namespace
+
+const QString ConnmanStandIn::ethernetTechnology =
+    QStringLiteral("/net/connman/technology/ethernet");
+const QString ConnmanStandIn::wifiTechnology = QStringLiteral("/net/connman/technology/wifi");
+
+ConnmanStandIn::~ConnmanStandIn()
+{
+    if (m_process.state() != QProcess::NotRunning)
+        kill();
+}
+
+void ConnmanStandIn::start()
+{
+    registerListedObjects();
+    m_process.setProcessChannelMode(QProcess::ForwardedChannels);
+    m_process.start(QStringLiteral(CONNMAN_STAND_IN), QStringList());
+    if (!m_process.waitForStarted() || !QTest::qWaitFor(isOnTheBus, 10000))
+        qFatal("the ConnMan stand-in does not start");
+    setTechnologies({technology(ethernetTechnology, "Wired", "ethernet"),
+                     technology(wifiTechnology, "WiFi", "wifi")});
+}
+
+void ConnmanStandIn::stop()
+{
+    m_process.terminate();
+    waitForEnd();
+}
+
+void ConnmanStandIn::kill()
+{
+    m_process.kill();
+    waitForEnd();
+}
+
+void ConnmanStandIn::waitForEnd()
+{
+    if (!m_process.waitForFinished(10000) || !QTest::qWaitFor([] { return !isOnTheBus(); }, 10000))
+        qFatal("the ConnMan stand-in does not end");
+}
+
+void ConnmanStandIn::freeze()
+{
+    ::kill(pid_t(m_process.processId()), SIGSTOP);
+}
+
+void ConnmanStandIn::thaw()
+{
+    ::kill(pid_t(m_process.processId()), SIGCONT);
+}
+
+void ConnmanStandIn::setServices(const ListedObjects &services)
+{
+    drive("SetServices", {QVariant::fromValue(services)});
+}
+
+void ConnmanStandIn::setTechnologies(const ListedObjects &technologies)
+{
+    drive("SetTechnologies", {QVariant::fromValue(technologies)});
+}
+
+void ConnmanStandIn::setAsyncScan(bool exists)
+{
+    drive("SetAsyncScan", {exists});
+}
+
+void ConnmanStandIn::setProperty(const QString &path, const QString &property,
+                                 const QVariant &value)
+{
+    drive("ChangeProperty", {object(path), property, variant(value)});
+}
+
+void ConnmanStandIn::storeProperty(const QString &path, const QString &property,
+                                   const QVariant &value)
+{
+    drive("StoreProperty", {object(path), property, variant(value)});
+}
+
+void ConnmanStandIn::emitServicesChanged()
+{
+    drive("AnnounceServices");
+}
+
+void ConnmanStandIn::emitSignal(const QString &path, const QString &interface,
+                                const QString &signal, const QList<QVariant> &values)
+{
+    drive("SendSignal", QList<QVariant>{object(path), interface, signal} + values);
+}
+
+void ConnmanStandIn::failMethod(const QString &call, const QString &errorName, const QString &text)
+{
+    drive("Fail", {call, errorName, text});
+}
+
+void ConnmanStandIn::replyToMethod(const QString &call, const QList<QVariant> &values)
+{
+    drive("Reply", QList<QVariant>{call} + values);
+}
+
+void ConnmanStandIn::delayMethod(const QString &call, uint milliseconds)
+{
+    drive("Delay", {call, milliseconds});
+}
+
+void ConnmanStandIn::holdMethod(const QString &call)
+{
+    drive("Hold", {call});
+}
+
+void ConnmanStandIn::releaseMethod(const QString &call)
+{
+    drive("Release", {call});
+}
+
+void ConnmanStandIn::clearRules()
+{
+    drive("ClearRules");
+}
+
+void ConnmanStandIn::askOnConnect(const QString &service, const QVariantMap &fields)
+{
+    drive("AskOnConnect", {object(service), fields});
+}
+
+QString ConnmanStandIn::requestInput(const QString &service, const QVariantMap &fields)
+{
+    return callAgent("RequestInput", {object(service), fields});
+}
+
+QString ConnmanStandIn::reportError(const QString &service, const QString &error)
+{
+    return callAgent("ReportError", {object(service), error});
+}
+
+QString ConnmanStandIn::callAgent(const QString &method, const QList<QVariant> &arguments)
+{
+    return remote().call("CallAgent", QList<QVariant>{method} + arguments);
+}
+
+QVariantMap ConnmanStandIn::field(const QString &requirement, const QString &type)
+{
+    QVariantMap map = {{"Requirement", requirement}};
+    if (!type.isEmpty())
+        map.insert("Type", type);
+    return map;
+}
+
+QStringList ConnmanStandIn::journal()
+{
+    return drive("Journal").arguments().at(0).toStringList();
+}
+
+void ConnmanStandIn::clearJournal()
+{
+    drive("ClearJournal");
+}
+
+bool ConnmanStandIn::waitForCall(const QString &call, int count)
+{
+    return QTest::qWaitFor(
+        [&] {
+            int found = 0;
+            for (const QString &line : journal())
+                found += line.startsWith(call) ? 1 : 0;
+            return found >= count;
+        },
+        10000);
+}
+
+QDBusMessage ConnmanStandIn::drive(const QString &method, const QList<QVariant> &arguments)
+{
+    const QDBusMessage reply = remote().reply(method, arguments);
+    if (reply.type() != QDBusMessage::ReplyMessage)
+        qFatal("the ConnMan stand-in: %s: %s", qPrintable(method), qPrintable(renderReply(reply)));
+    return reply;
+}

@@ -1,0 +1,26 @@
+#ifndef LISTEDOBJECT_H
+#define LISTEDOBJECT_H
+
+#include <QDBusArgument>
+#include <QDBusObjectPath>
+#include <QList>
+#include <QMetaType>
+#include <QVariant>
+
+/** A service or a technology as ConnMan lists it: (oa{sv}). */
+struct ListedObject {
+    QDBusObjectPath path;
+    QVariantMap properties;
+};
+
+using ListedObjects = QList<ListedObject>;
+
+QDBusArgument &operator<<(QDBusArgument &argument, const ListedObject &object);
+const QDBusArgument &operator>>(const QDBusArgument &argument, ListedObject &object);
+
+/** Makes lists of them known to the bus library; to be called before one is sent or read. */
+void registerListedObjects();
+
+Q_DECLARE_METATYPE(ListedObject)
+
+#endif

@@ -1,0 +1,481 @@
+#include "connmanstandin.h"
+#include "daemontest.h"
+#include "render.h"
+
+#include <QDBusConnection>
+#include <QDBusConnectionInterface>
+#include <QDBusMetaType>
+#include <QDBusPendingCall>
+#include <QDBusPendingReply>
+
+/** Answers as an agent of ConnMan, from the test itself. */
+class TestAgent : public QObject
+{
+    Q_OBJECT
+    Q_CLASSINFO("D-Bus Interface", "net.connman.Agent")
+
+public:
+    QStringList asked;
+    bool cancels = false;
+
+public Q_SLOTS:
+    QVariantMap RequestInput(const QDBusMessage &message)
+    {
+        asked << render(message.arguments());
+        if (cancels)
+            QDBusConnection::systemBus().send(
+                message.createErrorReply("net.connman.Agent.Error.Canceled", QString()));
+        return {{"Passphrase", "secret"}};
+    }
+};
+
+/** The stand-in for ConnMan: it is as good as the tests that rest on it. */
+class TestConnmanStandIn : public QObject
+{
+    Q_OBJECT
+
+private Q_SLOTS:
+    void init();
+    void cleanup();
+
+    void itIsSeenAsConnmandAndOwnsItsName();
+    void itLeavesNothingWhenKilled();
+    void frozenItAnswersNothingUntilThawed();
+
+    void theListsHaveConnMansTypes();
+    void aServiceWithoutPropertiesStaysOne();
+    void poweringIsAnsweredAsConnManDoes();
+    void callsAreRefusedAsConnManDoes_data();
+    void callsAreRefusedAsConnManDoes();
+    void settingsOfAServiceAreKept();
+    void asyncScanExistsOnlyOnRequest();
+    void scanIsForWifiOnly();
+
+    void nothingIsAnnouncedByItself();
+    void aChangedPropertyIsAnnounced();
+    void changedServicesComeWithWhatIsNewAndWhatIsGone();
+    void anySignalCanBeSent();
+
+    void theJournalShowsEveryCallWithItsTypes();
+    void aMethodCanFail();
+    void aMethodCanFailForOneObjectAndOneValueOnly();
+    void aMethodCanReplyWithAnyTypes();
+    void aDelayedCallIsServedLater();
+    void aHeldCallWaitsForItsRelease();
+
+    void aConnectionHasOneAgent();
+    void connectAnswersAfterTheAgent();
+    void connectIsAbortedWhenTheAgentCancels();
+    void theAgentsAnswerIsShown();
+    void withoutAnAgentNobodyCanBeAsked();
+
+private:
+    QDBusPendingCall callLater(const QString &path, const char *interface, const char *method);
+
+    ConnmanStandIn standIn;
+    const Remote manager{"net.connman", "/", "net.connman.Manager"};
+    const Remote ethernet{"net.connman", ConnmanStandIn::ethernetTechnology,
+                          "net.connman.Technology"};
+    const Remote wifi{"net.connman", ConnmanStandIn::wifiTechnology, "net.connman.Technology"};
+    const QString cable = "/net/connman/service/ethernet_02aabbccdd02_cable";
+    const Remote wired{"net.connman", cable, "net.connman.Service"};
+};
+
+/** Everything that ConnMan sends, as it comes. */
+class Heard : public QObject
+{
+    Q_OBJECT
+
+public:
+    Heard()
+    {
+        for (const char *interface :
+             {"net.connman.Manager", "net.connman.Technology", "net.connman.Service", "any.Thing"})
+            QDBusConnection::systemBus().connect("net.connman", QString(), interface, QString(),
+                                                 this, SLOT(hear(QDBusMessage)));
+    }
+
+    QStringList take()
+    {
+        Remote("net.connman", "/standin", "org.freedesktop.DBus.Peer").reply("Ping");
+        QCoreApplication::processEvents();
+        QStringList heard;
+        heard.swap(m_heard);
+        return heard;
+    }
+
+private Q_SLOTS:
+    void hear(const QDBusMessage &message)
+    {
+        m_heard << message.path() + ' ' + message.member() + ' ' + render(message.arguments());
+    }
+
+private:
+    QStringList m_heard;
+};
+
+void TestConnmanStandIn::init()
+{
+    standIn.start();
+}
+
+void TestConnmanStandIn::cleanup()
+{
+    standIn.kill();
+}
+
+QDBusPendingCall TestConnmanStandIn::callLater(const QString &path, const char *interface,
+                                               const char *method)
+{
+    return QDBusConnection::systemBus().asyncCall(
+        QDBusMessage::createMethodCall("net.connman", path, interface, method));
+}
+
+void TestConnmanStandIn::itIsSeenAsConnmandAndOwnsItsName()
+{
+    QCOMPARE(QProcess::execute("pidof", {"connmand"}), 0);
+    standIn.stop();
+    QCOMPARE(QProcess::execute("pidof", {"connmand"}), 1);
+    standIn.start();
+    QCOMPARE(manager.call("GetServices"), QString("([])"));
+}
+
+void TestConnmanStandIn::itLeavesNothingWhenKilled()
+{
+    standIn.kill();
+    QVERIFY(manager.call("GetServices").startsWith("org.freedesktop.DBus.Error.ServiceUnknown: "));
+    standIn.start();
+}
+
+void TestConnmanStandIn::frozenItAnswersNothingUntilThawed()
+{
+    standIn.freeze();
+    const QDBusPendingCall call = callLater("/", "net.connman.Manager", "GetServices");
+    // Somebody else's round trip leaves it all the time that an answer would need.
+    QDBusConnection::systemBus().interface()->isServiceRegistered("net.connman");
+    QVERIFY(!call.isFinished());
+    standIn.thaw();
+    QTRY_VERIFY(call.isFinished());
+    QVERIFY(!call.isError());
+}
+
+void TestConnmanStandIn::theListsHaveConnMansTypes()
+{
+    standIn.setServices({{QDBusObjectPath(cable),
+                          {{"Type", "ethernet"},
+                           {"Security", QStringList()},
+                           {"Strength", QVariant::fromValue(uchar(40))},
+                           {"IPv4", QVariantMap{{"Method", "dhcp"}}}}}});
+
+    QCOMPARE(manager.reply("GetServices").signature(), QString("a(oa{sv})"));
+    QCOMPARE(manager.call("GetServices"),
+             QString("([(o:\"%1\", {\"IPv4\": <{\"Method\": <\"dhcp\">}>, \"Security\": <[]>, "
+                     "\"Strength\": <y:40>, \"Type\": <\"ethernet\">})])")
+                 .arg(cable));
+    QCOMPARE(manager.reply("GetTechnologies").signature(), QString("a(oa{sv})"));
+    QVERIFY(manager.call("GetTechnologies")
+                .startsWith("([(o:\"/net/connman/technology/ethernet\", {\"Connected\": <false>, "
+                            "\"Name\": <\"Wired\">, \"Powered\": <false>, "));
+}
+
+void TestConnmanStandIn::aServiceWithoutPropertiesStaysOne()
+{
+    standIn.setServices({{QDBusObjectPath(cable), {}}});
+    QCOMPARE(manager.call("GetServices"), QString("([(o:\"%1\", {})])").arg(cable));
+}
+
+void TestConnmanStandIn::poweringIsAnsweredAsConnManDoes()
+{
+    const QList<QVariant> on = {"Powered", QVariant::fromValue(QDBusVariant(true))};
+    const QList<QVariant> off = {"Powered", QVariant::fromValue(QDBusVariant(false))};
+    QCOMPARE(ethernet.call("SetProperty", off),
+             QString("net.connman.Error.AlreadyDisabled: Already disabled"));
+    QCOMPARE(ethernet.call("SetProperty", on), QString("()"));
+    QCOMPARE(ethernet.call("SetProperty", on),
+             QString("net.connman.Error.AlreadyEnabled: Already enabled"));
+    QCOMPARE(ethernet.call("SetProperty", off), QString("()"));
+}
+
+void TestConnmanStandIn::callsAreRefusedAsConnManDoes_data()
+{
+    QTest::addColumn<QString>("path");
+    QTest::addColumn<QString>("interface");
+    QTest::addColumn<QString>("method");
+    QTest::addColumn<QVariantList>("arguments");
+    QTest::addColumn<QString>("error");
+
+    const auto variant = [](const QVariant &value) {
+        return QVariant::fromValue(QDBusVariant(value));
+    };
+    const QString technology = ConnmanStandIn::ethernetTechnology;
+    const QVariantMap badMethod = {{"Method", "automatic"}};
+    const QVariantMap badAddress = {{"Method", "manual"}, {"Address", "10.1.2"}};
+    const QString invalid = "InvalidArguments: Invalid arguments";
+
+    QTest::newRow("Powered that is text")
+        << technology << "Technology"
+        << "SetProperty" << QVariantList{"Powered", variant("true")} << invalid;
+    QTest::newRow("unknown property of a technology")
+        << technology << "Technology"
+        << "SetProperty" << QVariantList{"Other", variant(true)}
+        << "InvalidProperty: Invalid property";
+    QTest::newRow("unknown property of a service")
+        << cable << "Service"
+        << "SetProperty" << QVariantList{"State", variant("ready")}
+        << "InvalidProperty: Invalid property";
+    QTest::newRow("no IPv4 settings")
+        << cable << "Service"
+        << "SetProperty" << QVariantList{"IPv4.Configuration", variant(QVariantMap())} << invalid;
+    QTest::newRow("unknown method")
+        << cable << "Service"
+        << "SetProperty" << QVariantList{"IPv4.Configuration", variant(badMethod)} << invalid;
+    QTest::newRow("bad address") << cable << "Service"
+                                 << "SetProperty"
+                                 << QVariantList{"IPv4.Configuration", variant(badAddress)}
+                                 << invalid;
+    QTest::newRow("name servers as text")
+        << cable << "Service"
+        << "SetProperty" << QVariantList{"Nameservers.Configuration", variant("10.0.0.1")}
+        << invalid;
+    QTest::newRow("forgetting the cable")
+        << cable << "Service"
+        << "Remove" << QVariantList() << "NotSupported: Not supported";
+}
+
+void TestConnmanStandIn::callsAreRefusedAsConnManDoes()
+{
+    QFETCH(QString, path);
+    QFETCH(QString, interface);
+    QFETCH(QString, method);
+    QFETCH(QVariantList, arguments);
+    QFETCH(QString, error);
+    standIn.setServices({{QDBusObjectPath(cable), {{"Type", "ethernet"}}}});
+
+    QCOMPARE(Remote("net.connman", path, "net.connman." + interface).call(method, arguments),
+             "net.connman.Error." + error);
+}
+
+void TestConnmanStandIn::settingsOfAServiceAreKept()
+{
+    standIn.setServices({{QDBusObjectPath(cable), {{"Type", "ethernet"}}}});
+    const QVariantMap settings = {{"Method", "manual"}, {"Address", "10.77.0.9"}};
+
+    QCOMPARE(wired.call("SetProperty",
+                        {"IPv4.Configuration", QVariant::fromValue(QDBusVariant(settings))}),
+             QString("()"));
+
+    QCOMPARE(wired.call("GetProperties"),
+             QString("({\"IPv4.Configuration\": <{\"Address\": <\"10.77.0.9\">, "
+                     "\"Method\": <\"manual\">}>, \"Type\": <\"ethernet\">})"));
+}
+
+void TestConnmanStandIn::asyncScanExistsOnlyOnRequest()
+{
+    QVERIFY(wifi.call("AsyncScan").startsWith("org.freedesktop.DBus.Error.UnknownMethod: "));
+    standIn.setAsyncScan(true);
+    QCOMPARE(wifi.call("AsyncScan"), QString("()"));
+}
+
+void TestConnmanStandIn::scanIsForWifiOnly()
+{
+    QCOMPARE(wifi.call("Scan"), QString("()"));
+    QCOMPARE(ethernet.call("Scan"), QString("net.connman.Error.NotSupported: Not supported"));
+}
+
+void TestConnmanStandIn::nothingIsAnnouncedByItself()
+{
+    Heard heard;
+    standIn.setServices({{QDBusObjectPath(cable), {}}});
+    standIn.storeProperty(cable, "State", "ready");
+    ethernet.call("SetProperty", {"Powered", QVariant::fromValue(QDBusVariant(true))});
+    QCOMPARE(heard.take(), QStringList());
+    QVERIFY(manager.call("GetServices").contains("\"State\": <\"ready\">"));
+}
+
+void TestConnmanStandIn::aChangedPropertyIsAnnounced()
+{
+    Heard heard;
+    standIn.setProperty(ConnmanStandIn::ethernetTechnology, "Powered", true);
+    QCOMPARE(heard.take(), QStringList{"/net/connman/technology/ethernet PropertyChanged "
+                                       "(\"Powered\", <true>)"});
+    QVERIFY(manager.call("GetTechnologies").contains("\"Powered\": <true>"));
+}
+
+void TestConnmanStandIn::changedServicesComeWithWhatIsNewAndWhatIsGone()
+{
+    const QString other = "/net/connman/service/wifi_02aabbccdd03_61_managed_psk";
+    Heard heard;
+    standIn.setServices({{QDBusObjectPath(cable), {{"Type", "ethernet"}}}});
+    standIn.emitServicesChanged();
+    QCOMPARE(heard.take(), QStringList{QString("/ ServicesChanged ([(o:\"%1\", {\"Type\": "
+                                               "<\"ethernet\">})], [])")
+                                           .arg(cable)});
+
+    standIn.setServices({{QDBusObjectPath(other), {{"Type", "wifi"}}},
+                         {QDBusObjectPath(cable), {{"Type", "ethernet"}}}});
+    standIn.emitServicesChanged();
+    QCOMPARE(heard.take(), QStringList{QString("/ ServicesChanged ([(o:\"%1\", {\"Type\": "
+                                               "<\"wifi\">}), (o:\"%2\", {})], [])")
+                                           .arg(other, cable)});
+
+    standIn.setServices({});
+    standIn.emitServicesChanged();
+    const QStringList gone = heard.take();
+    QCOMPARE(gone.size(), 1);
+    QVERIFY(gone.first().startsWith("/ ServicesChanged ([], ["));
+    QVERIFY(gone.first().contains(other) && gone.first().contains(cable));
+}
+
+void TestConnmanStandIn::anySignalCanBeSent()
+{
+    Heard heard;
+    standIn.emitSignal("/a/b", "any.Thing", "Happened", {7u, QVariant::fromValue(short(-1)), "x"});
+    standIn.emitSignal("/", "net.connman.Manager", "ServicesChanged", {});
+    QCOMPARE(heard.take(),
+             (QStringList{"/a/b Happened (u:7, n:-1, \"x\")", "/ ServicesChanged ()"}));
+}
+
+void TestConnmanStandIn::theJournalShowsEveryCallWithItsTypes()
+{
+    manager.call("GetServices");
+    ethernet.call("SetProperty", {"Powered", QVariant::fromValue(QDBusVariant(true))});
+    ethernet.call("SetProperty", {"Other", QVariant::fromValue(QDBusVariant(QVariantMap()))});
+    wired.call("Connect");
+    QCOMPARE(standIn.journal(),
+             (QStringList{
+                 "Manager.GetServices / ()",
+                 "Technology.SetProperty /net/connman/technology/ethernet (\"Powered\", <true>)",
+                 "Technology.SetProperty /net/connman/technology/ethernet (\"Other\", <{}>)",
+                 QString("Service.Connect %1 ()").arg(cable)}));
+
+    standIn.clearJournal();
+    QCOMPARE(standIn.journal(), QStringList());
+}
+
+void TestConnmanStandIn::aMethodCanFail()
+{
+    standIn.failMethod("Manager.GetServices", "net.connman.Error.Failed", "No luck");
+    QCOMPARE(manager.call("GetServices"), QString("net.connman.Error.Failed: No luck"));
+    standIn.clearRules();
+    QCOMPARE(manager.call("GetServices"), QString("([])"));
+}
+
+void TestConnmanStandIn::aMethodCanFailForOneObjectAndOneValueOnly()
+{
+    standIn.failMethod("Technology.SetProperty /net/connman/technology/wifi (\"Powered\", <true>)",
+                       "net.connman.Error.Failed", "No luck");
+    const QList<QVariant> on = {"Powered", QVariant::fromValue(QDBusVariant(true))};
+    QCOMPARE(ethernet.call("SetProperty", on), QString("()"));
+    QCOMPARE(wifi.call("SetProperty", on), QString("net.connman.Error.Failed: No luck"));
+    QVERIFY(manager.call("GetTechnologies")
+                .endsWith("\"Name\": <\"WiFi\">, \"Powered\": <false>, "
+                          "\"Tethering\": <false>, "
+                          "\"Type\": <\"wifi\">})])"));
+}
+
+void TestConnmanStandIn::aMethodCanReplyWithAnyTypes()
+{
+    qDBusRegisterMetaType<QMap<QString, QString>>();
+    const QMap<QString, QString> map = {{"a", "b"}};
+    standIn.replyToMethod("Manager.GetServices", {QVariant::fromValue(map), 3});
+
+    QCOMPARE(manager.reply("GetServices").signature(), QString("a{ss}i"));
+    QCOMPARE(manager.call("GetServices"), QString("({\"a\": \"b\"}, 3)"));
+
+    standIn.replyToMethod("Manager.GetServices", {});
+    QCOMPARE(manager.call("GetServices"), QString("()"));
+}
+
+void TestConnmanStandIn::aDelayedCallIsServedLater()
+{
+    standIn.delayMethod("Manager.GetServices", 100);
+    QElapsedTimer timer;
+    timer.start();
+    QCOMPARE(manager.call("GetServices"), QString("([])"));
+    QVERIFY(timer.elapsed() >= 100);
+}
+
+void TestConnmanStandIn::aHeldCallWaitsForItsRelease()
+{
+    standIn.setServices({{QDBusObjectPath(cable), {}}});
+    standIn.holdMethod("Service.Connect");
+    const QDBusPendingCall call = callLater(cable, "net.connman.Service", "Connect");
+    QVERIFY(standIn.waitForCall("Service.Connect " + cable));
+    QCOMPARE(wired.call("Disconnect"), QString("()"));
+    QVERIFY(!call.isFinished());
+
+    standIn.releaseMethod("Service.Connect");
+    QTRY_VERIFY(call.isFinished());
+    QVERIFY(!call.isError());
+    QCOMPARE(wired.call("Connect"), QString("()"));
+}
+
+void TestConnmanStandIn::aConnectionHasOneAgent()
+{
+    const QVariant path = QVariant::fromValue(QDBusObjectPath("/agent"));
+    QCOMPARE(manager.call("UnregisterAgent", {path}),
+             QString("net.connman.Error.NotRegistered: Not registered"));
+    QCOMPARE(manager.call("RegisterAgent", {path}), QString("()"));
+    QCOMPARE(manager.call("RegisterAgent", {path}),
+             QString("net.connman.Error.AlreadyExists: Already exists"));
+    QCOMPARE(manager.call("UnregisterAgent", {path}), QString("()"));
+}
+
+void TestConnmanStandIn::connectAnswersAfterTheAgent()
+{
+    TestAgent agent;
+    QDBusConnection::systemBus().registerObject("/agent", &agent, QDBusConnection::ExportAllSlots);
+    manager.call("RegisterAgent", {QVariant::fromValue(QDBusObjectPath("/agent"))});
+    standIn.setServices({{QDBusObjectPath(cable), {}}});
+    standIn.askOnConnect(cable, {{"Passphrase", ConnmanStandIn::field("mandatory", "psk")}});
+
+    const QDBusPendingCall call = callLater(cable, "net.connman.Service", "Connect");
+    standIn.waitForCall("Service.Connect");
+    QTRY_VERIFY(call.isFinished());
+
+    QVERIFY(!call.isError());
+    QCOMPARE(agent.asked, QStringList{QString("(o:\"%1\", {\"Passphrase\": <{\"Requirement\": "
+                                              "<\"mandatory\">, \"Type\": <\"psk\">}>})")
+                                          .arg(cable)});
+}
+
+void TestConnmanStandIn::connectIsAbortedWhenTheAgentCancels()
+{
+    TestAgent agent;
+    agent.cancels = true;
+    QDBusConnection::systemBus().registerObject("/agent", &agent, QDBusConnection::ExportAllSlots);
+    manager.call("RegisterAgent", {QVariant::fromValue(QDBusObjectPath("/agent"))});
+    standIn.setServices({{QDBusObjectPath(cable), {}}});
+    standIn.askOnConnect(cable, {{"Passphrase", ConnmanStandIn::field("mandatory", "psk")}});
+
+    const QDBusPendingCall call = callLater(cable, "net.connman.Service", "Connect");
+    QTRY_VERIFY(call.isFinished());
+    QCOMPARE(call.error().name(), QString("net.connman.Error.OperationAborted"));
+}
+
+void TestConnmanStandIn::theAgentsAnswerIsShown()
+{
+    TestAgent agent;
+    QDBusConnection::systemBus().registerObject("/agent", &agent, QDBusConnection::ExportAllSlots);
+    manager.call("RegisterAgent", {QVariant::fromValue(QDBusObjectPath("/agent"))});
+
+    // The agent lives in this very thread: nothing may block it.
+    QDBusMessage message = QDBusMessage::createMethodCall(
+        "net.connman", "/standin", "com.orvendis.Strandel.ConnManStandIn", "CallAgent");
+    message.setArguments({"RequestInput", QVariant::fromValue(QDBusObjectPath(cable)),
+                          QVariantMap{{"Identity", 5}}});
+    QDBusPendingReply<> answer = QDBusConnection::systemBus().asyncCall(message);
+    QTRY_VERIFY(answer.isFinished());
+
+    QCOMPARE(renderReply(answer.reply()), QString("({\"Passphrase\": <\"secret\">})"));
+    QCOMPARE(agent.asked, QStringList{QString("(o:\"%1\", {\"Identity\": <5>})").arg(cable)});
+}
+
+void TestConnmanStandIn::withoutAnAgentNobodyCanBeAsked()
+{
+    QCOMPARE(standIn.requestInput(cable, {}),
+             QString("com.orvendis.Strandel.ConnManStandIn.NoAgent: no agent is registered"));
+}
+
+WORLD_TEST_MAIN(TestConnmanStandIn)
+#include "test_connmanstandin.moc"
