@@ -81,3 +81,37 @@ QVariantMap toMap(const QVariant &value)
 {
     return plainValue(value).toMap();
 }
+
+namespace
+{
+QVariant sendableValue(const QVariant &value);
+
+QVariantList sendableList(const QVariantList &list)
+{
+    QVariantList sendable;
+    for (const QVariant &element : list) {
+        if (element.isValid())
+            sendable << sendableValue(element);
+    }
+    return sendable;
+}
+
+QVariant sendableValue(const QVariant &value)
+{
+    if (value.userType() == QMetaType::QVariantMap)
+        return sendableMap(value.toMap());
+    if (value.userType() == QMetaType::QVariantList)
+        return sendableList(value.toList());
+    return value;
+}
+} // namespace
+
+QVariantMap sendableMap(const QVariantMap &map)
+{
+    QVariantMap sendable;
+    for (auto entry = map.constBegin(); entry != map.constEnd(); ++entry) {
+        if (entry.value().isValid())
+            sendable.insert(entry.key(), sendableValue(entry.value()));
+    }
+    return sendable;
+}

@@ -23,4 +23,12 @@ QVariantMap plainMap(const QVariantMap &map);
 /** @p value as a map where it is one, an empty map otherwise. */
 QVariantMap toMap(const QVariant &value);
 
+/**
+ * @p map without the invalid values in it, at every depth: what can be sent on.
+ *
+ * The bus library sends no message at all, not even an error, in the place of one with such a
+ * value in it.
+ */
+QVariantMap sendableMap(const QVariantMap &map);
+
 #endif

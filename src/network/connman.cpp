@@ -1,0 +1,148 @@
+#include "connman.h"
+
+#include "busvalue.h"
+
+#include <QDBusConnection>
+#include <QDBusConnectionInterface>
+#include <QDBusMessage>
+#include <QDBusMetaType>
+#include <QDBusReply>
+#include <QDBusVariant>
+
+QDBusArgument &operator<<(QDBusArgument &argument, const ConnmanObject &object)
+{
+    argument.beginStructure();
+    argument << object.path << object.properties;
+    argument.endStructure();
+    return argument;
+}
+
+const QDBusArgument &operator>>(const QDBusArgument &argument, ConnmanObject &object)
+{
+    argument.beginStructure();
+    argument >> object.path >> object.properties;
+    argument.endStructure();
+    return argument;
+}
+
+namespace connman
+{
+const QString serviceName = QStringLiteral("net.connman");
+const QString managerPath = QStringLiteral("/");
+const QString managerInterface = QStringLiteral("net.connman.Manager");
+const QString serviceInterface = QStringLiteral("net.connman.Service");
+const QString technologyInterface = QStringLiteral("net.connman.Technology");
+
+QString technologyPath(const QString &technology)
+{
+    return QStringLiteral("/net/connman/technology/") + technology;
+}
+
+namespace
+{
+template <typename Type>
+void registerType(const char *name)
+{
+    qRegisterMetaType<Type>(name);
+    qDBusRegisterMetaType<Type>();
+}
+
+// A proxy object would ask the peer for its introspection with one more blocking call.
+QDBusMessage call(const QString &path, const QString &interface, const QString &method,
+                  const QVariantList &arguments = {})
+{
+    QDBusMessage message = QDBusMessage::createMethodCall(serviceName, path, interface, method);
+    message.setArguments(arguments);
+    return QDBusConnection::systemBus().call(message);
+}
+
+QDBusError setProperty(const QString &path, const QString &interface, const QString &name,
+                       const QVariant &value)
+{
+    return QDBusError(call(path, interface, QStringLiteral("SetProperty"),
+                           {name, QVariant::fromValue(QDBusVariant(value))}));
+}
+
+bool isOnBus()
+{
+    QDBusConnectionInterface *bus = QDBusConnection::systemBus().interface();
+    return bus && bus->isServiceRegistered(serviceName);
+}
+
+QList<ConnmanObject> listObjects(const QString &method)
+{
+    if (!isOnBus())
+        return {};
+    const QDBusMessage reply = call(managerPath, managerInterface, method);
+    // Reading values of another signature would end the process.
+    if (reply.type() != QDBusMessage::ReplyMessage ||
+        reply.signature() != QLatin1String("a(oa{sv})"))
+        return {};
+    auto objects = qdbus_cast<QList<ConnmanObject>>(reply.arguments().at(0));
+    for (ConnmanObject &object : objects)
+        object.properties = plainMap(object.properties);
+    return objects;
+}
+} // namespace
+
+void registerTypes()
+{
+    registerType<ConnmanObject>("ConnmanObject");
+    registerType<QList<ConnmanObject>>("QList<ConnmanObject>");
+    registerType<InterfaceList>("InterfaceList");
+    registerType<ManagedObjectList>("ManagedObjectList");
+}
+
+QList<ConnmanObject> services()
+{
+    return listObjects(QStringLiteral("GetServices"));
+}
+
+QList<ConnmanObject> technologies()
+{
+    return listObjects(QStringLiteral("GetTechnologies"));
+}
+
+ConnmanObject findObject(const QList<ConnmanObject> &objects, const QString &name,
+                         const QString &value)
+{
+    for (const ConnmanObject &object : objects) {
+        if (object.properties.value(name).toString() == value)
+            return object;
+    }
+    return ConnmanObject();
+}
+
+QDBusError setTechnologyPowered(const QString &technology, bool powered)
+{
+    return setProperty(technologyPath(technology), technologyInterface, QStringLiteral("Powered"),
+                       powered);
+}
+
+QDBusError setServiceProperty(const QString &path, const QString &name, const QVariant &value)
+{
+    return setProperty(path, serviceInterface, name, value);
+}
+
+QDBusError remove(const QString &path)
+{
+    return QDBusError(call(path, serviceInterface, QStringLiteral("Remove")));
+}
+
+void scan(const QString &technology)
+{
+    call(technologyPath(technology), technologyInterface, QStringLiteral("AsyncScan"));
+}
+
+void registerAgent(const QString &path)
+{
+    call(managerPath, managerInterface, QStringLiteral("RegisterAgent"),
+         {QVariant::fromValue(QDBusObjectPath(path))});
+}
+
+void unregisterAgent(const QString &path)
+{
+    call(managerPath, managerInterface, QStringLiteral("UnregisterAgent"),
+         {QVariant::fromValue(QDBusObjectPath(path))});
+}
+} // namespace connman

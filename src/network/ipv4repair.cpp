@@ -1,0 +1,58 @@
+#include "ipv4repair.h"
+
+#include <QHostAddress>
+#include <QStringList>
+
+namespace
+{
+/** What stands in for a missing netmask or gateway, by the class of the address. */
+const struct AddressClass {
+    int lastFirstNumber;
+    const char *netmask;
+    /** How many numbers of the address begin the gateway, and what follows them. */
+    int numbersKept;
+    const char *gatewayEnd;
+} addressClasses[] = {
+    {127, "255.0.0.0", 1, ".0.0.1"},
+    {191, "255.255.0.0", 2, ".0.1"},
+    {223, "255.255.255.0", 3, ".1"},
+    {255, "255.255.255.255", 4, ""},
+};
+
+const AddressClass &classOf(const QStringList &numbers)
+{
+    const AddressClass *found = addressClasses;
+    while (numbers.first().toInt() > found->lastFirstNumber)
+        ++found;
+    return *found;
+}
+} // namespace
+
+bool isValidIPv4(const QString &text)
+{
+    QHostAddress address;
+    return address.setAddress(text) && address.protocol() == QAbstractSocket::IPv4Protocol &&
+           address.toString() == text && address != QHostAddress(QHostAddress::AnyIPv4);
+}
+
+QVariantMap repairedIPv4(QVariantMap settings)
+{
+    const auto isValid = [&settings](const QString &key) {
+        return isValidIPv4(settings.value(key).toString());
+    };
+    const QString address = QStringLiteral("Address");
+    if (!isValid(address))
+        settings[address] = QStringLiteral("192.168.2.3");
+
+    const QStringList numbers = settings.value(address).toString().split(QLatin1Char('.'));
+    const AddressClass &addressClass = classOf(numbers);
+    const QString netmask = QStringLiteral("Netmask");
+    if (!isValid(netmask))
+        settings[netmask] = QString::fromLatin1(addressClass.netmask);
+    const QString gateway = QStringLiteral("Gateway");
+    if (!isValid(gateway))
+        settings[gateway] =
+            QStringList(numbers.mid(0, addressClass.numbersKept)).join(QLatin1Char('.')) +
+            QLatin1String(addressClass.gatewayEnd);
+    return settings;
+}

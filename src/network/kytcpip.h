@@ -1,0 +1,134 @@
+#ifndef KYTCPIP_H
+#define KYTCPIP_H
+
+#include <QDBusAbstractAdaptor>
+#include <QDBusError>
+#include <QDBusVariant>
+#include <QProcess>
+#include <QStringList>
+#include <QVariant>
+
+class QDBusMessage;
+
+/** The link states of a network interface. */
+namespace KyTcpIpState
+{
+enum State {
+    /** Not connected and nothing under way. With Failure the only state that takes a connect. */
+    Idle = 0,
+    Failure = 1,
+    Association = 2,
+    Configuration = 3,
+    /** ConnMan has the service ready; the IPv4 settings were handed to it. */
+    Ready = 4,
+    Disconnect = 5,
+    /** The service has an address and a netmask. */
+    Online = 6,
+};
+
+/** What clients are told, by state: ConnMan's words for the states of a service. */
+extern const char *const tpc_i_tcpIpState[7];
+} // namespace KyTcpIpState
+
+/**
+ * What the adaptors of the network interfaces share: the link state and its announcement, the IPv4
+ * settings for the next connection, the hardware information, the power of ConnMan's technology
+ * and the mode of the Wi-Fi module.
+ *
+ * Its methods and its signal belong to the D-Bus interface of each subclass.
+ */
+class KyTcpIp : public QDBusAbstractAdaptor
+{
+    Q_OBJECT
+
+public:
+    /**
+     * @param technology ConnMan's name of the technology, as in "ethernet"
+     * @param interfaceName the kernel's name of the network interface, as in "eth0"
+     */
+    KyTcpIp(const QString &technology, const QString &interfaceName, QObject *parent);
+
+public Q_SLOTS:
+    /**
+     * Keeps IPv4 settings for the next connection.
+     *
+     * "Method", "Address", "Netmask" and "Gateway" replace what was kept, "DNS1" and "DNS2" are
+     * added to the name servers. With the method "manual", addresses that are missing or invalid
+     * are made up (see repairedIPv4()).
+     *
+     * Fails with "Cannot get property Connected", and keeps nothing, when ConnMan does not know
+     * the technology.
+     */
+    void setIPv4(const QVariantMap &settings, const QDBusMessage &message);
+
+    /** The "IPv4" property of the current ConnMan service; empty without one. */
+    QVariantMap getIPv4();
+
+    /**
+     * The "Ethernet" property of the current ConnMan service; without a service the same keys
+     * filled from the network interface: "Method" (empty), "Interface", "Address" and "MTU". Empty
+     * when there is no such network interface.
+     */
+    QVariantMap getHardwareInfos();
+
+Q_SIGNALS:
+    /** The link state ("State", one of tpc_i_tcpIpState) or a property of the service changed. */
+    void propertyChanged(const QString &objectPath, const QString &name, const QDBusVariant &value);
+
+protected:
+    /** Enters a KyTcpIpState::State and announces it. */
+    void setState(int state);
+
+    /** Switches the technology on or off. @return ConnMan's error, an invalid one on success */
+    QDBusError setTechnologyPowered(bool powered);
+
+    /** Makes the ConnMan service at @p path the current one and listens to its changes. */
+    void watchService(const QString &path);
+
+    /**
+     * Hands the kept name servers and IPv4 settings to the current service.
+     *
+     * @return ConnMan's error about the IPv4 settings, an invalid one when it takes them
+     */
+    QDBusError applyIPv4();
+
+    /**
+     * Starts the script that switches the Wi-Fi module's mode; slotLoadFirmwareFinished() is
+     * called when it ends.
+     *
+     * @param mode "0" Ethernet alone, "1" Wi-Fi station, "2" access point
+     * @return 0, or -1 when the script still runs or has not started within 1000 ms
+     */
+    int switchMode(const QString &mode);
+
+    /** Calls slotLoadFirmwareFinished() no more until the next switchMode(). */
+    void forgetScript();
+
+    /** The properties of the current service; empty where ConnMan lists no such service. */
+    QVariantMap serviceProperties() const;
+
+    /** Object path of the ConnMan service in use; empty until there is one. */
+    QString m_servicePath;
+    const QString m_technology;
+    const QString m_interfaceName;
+    int m_state = KyTcpIpState::Idle;
+    QVariantMap m_ipv4Configuration;
+    QStringList m_nameservers;
+    QProcess m_process;
+    /** Cleared when the script is started; the rest is up to the subclass. */
+    int m_firmwareLoaded = 0;
+
+protected Q_SLOTS:
+    /** The mode-switch script has ended. */
+    virtual void slotLoadFirmwareFinished(int exitCode, QProcess::ExitStatus exitStatus) = 0;
+
+    /**
+     * A property of the current service changed.
+     *
+     * Here: while "ready", a change of "IPv4" is announced, after the state "online" where it
+     * brings an address and a netmask.
+     */
+    virtual void servicePropertyChangedSlot(const QString &name, const QDBusVariant &value);
+};
+
+#endif

@@ -1,0 +1,22 @@
+#include "programs.h"
+
+#include <QProcess>
+#include <QStringList>
+
+bool isProgramRunning(const QString &name)
+{
+    // Deletes itself when it has ended: waiting for its end could block, even after a kill.
+    auto *pidof = new QProcess;
+    QObject::connect(
+        pidof, static_cast<void (QProcess::*)(int, QProcess::ExitStatus)>(&QProcess::finished),
+        pidof, &QObject::deleteLater);
+    pidof->start(QStringLiteral("pidof"), QStringList(name), QIODevice::ReadWrite);
+    const bool ended = pidof->waitForFinished(1000);
+    const bool found =
+        ended && pidof->exitStatus() == QProcess::NormalExit && pidof->exitCode() == 0;
+    if (pidof->state() == QProcess::NotRunning)
+        pidof->deleteLater();
+    else
+        pidof->kill();
+    return found;
+}
