@@ -56,3 +56,17 @@ QVariantMap repairedIPv4(QVariantMap settings)
             QLatin1String(addressClass.gatewayEnd);
     return settings;
 }
+
+bool isInForce(const QVariantMap &settings, const QVariantMap &present)
+{
+    const auto agrees = [&](const QString &key) {
+        return !settings.contains(key) || settings.value(key) == present.value(key);
+    };
+    const QString method = QStringLiteral("Method");
+    if (!agrees(method))
+        return false;
+    if (settings.value(method, QStringLiteral("manual")) != QStringLiteral("manual"))
+        return true;
+    return agrees(QStringLiteral("Address")) && agrees(QStringLiteral("Netmask")) &&
+           agrees(QStringLiteral("Gateway"));
+}

@@ -19,4 +19,12 @@ bool isValidIPv4(const QString &text);
  */
 QVariantMap repairedIPv4(QVariantMap settings);
 
+/**
+ * Whether a service whose "IPv4" property is @p present already is as @p settings want it.
+ *
+ * Only what the settings hold is compared, and the addresses only where the method "manual", or
+ * none, goes with them: any other method finds its own.
+ */
+bool isInForce(const QVariantMap &settings, const QVariantMap &present);
+
 #endif

@@ -1,3 +1,8 @@
 #include "kycommgr.h"
 
-KyComMgr::KyComMgr(QObject *parent) : QObject(parent) {}
+#include "connman.h"
+
+KyComMgr::KyComMgr(QObject *parent) : QObject(parent), m_ethernet(parent)
+{
+    connman::registerTypes();
+}

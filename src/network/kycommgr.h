@@ -1,6 +1,8 @@
 #ifndef KYCOMMGR_H
 #define KYCOMMGR_H
 
+#include "kyethernet.h"
+
 #include <QObject>
 
 /** The root of the network side: owns the Ethernet, Wi-Fi station and access-point adaptors. */
@@ -10,6 +12,9 @@ class KyComMgr : public QObject
 
 public:
     explicit KyComMgr(QObject *parent);
+
+private:
+    KyEthernet m_ethernet;
 };
 
 #endif
