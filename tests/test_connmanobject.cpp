@@ -1,0 +1,175 @@
+#include "connman.h"
+
+#include "busvalue.h"
+#include "remote.h"
+
+#include <QDBusConnection>
+#include <QDBusMetaType>
+#include <QDBusPendingCall>
+#include <QDBusServer>
+#include <QDBusVariant>
+#include <QTest>
+
+/** Sends back what it is given: every value is read once and written twice. */
+class Echo : public QObject
+{
+    Q_OBJECT
+    Q_CLASSINFO("D-Bus Interface", "test.Echo")
+
+public Q_SLOTS:
+    QList<ConnmanObject> objects(const QList<ConnmanObject> &value) { return value; }
+    ManagedObjectList managed(const ManagedObjectList &value) { return value; }
+};
+
+/** The types of ConnMan's lists, on their way through a connection to the test itself. */
+class TestConnmanObject : public QObject
+{
+    Q_OBJECT
+
+private Q_SLOTS:
+    void initTestCase();
+    void cleanupTestCase();
+
+    void everyTypeHasItsSignature_data();
+    void everyTypeHasItsSignature();
+    void registeringAgainChangesNothing();
+    void objectsComeThroughUnchanged();
+    void anObjectWithoutPropertiesComesThroughUnchanged();
+    void anEmptyListComesThroughUnchanged();
+    void managedObjectsComeThroughUnchanged();
+    void theFirstObjectWithThePropertyIsFound();
+    void unsendableValuesAreTakenOutAtEveryDepth();
+
+private:
+    QDBusMessage send(const QString &method, const QVariant &value);
+    QList<ConnmanObject> sendObjects(const QList<ConnmanObject> &objects);
+
+    QDBusServer m_server{QStringLiteral("unix:tmpdir=/tmp")};
+    Echo m_echo;
+};
+
+void TestConnmanObject::initTestCase()
+{
+    connman::registerTypes();
+    QObject::connect(&m_server, &QDBusServer::newConnection, this, [this](QDBusConnection client) {
+        client.registerObject("/echo", &m_echo, QDBusConnection::ExportAllSlots);
+    });
+    QVERIFY(m_server.isConnected());
+    QVERIFY(QDBusConnection::connectToPeer(m_server.address(), "client").isConnected());
+}
+
+void TestConnmanObject::cleanupTestCase()
+{
+    QDBusConnection::disconnectFromPeer("client");
+}
+
+QDBusMessage TestConnmanObject::send(const QString &method, const QVariant &value)
+{
+    QDBusMessage message = QDBusMessage::createMethodCall(QString(), "/echo", "test.Echo", method);
+    message << value;
+    const QDBusPendingCall call = QDBusConnection("client").asyncCall(message);
+    if (!QTest::qWaitFor([&call] { return call.isFinished(); }))
+        qFatal("no answer");
+    return call.reply();
+}
+
+QList<ConnmanObject> TestConnmanObject::sendObjects(const QList<ConnmanObject> &objects)
+{
+    const QDBusMessage reply = send("objects", QVariant::fromValue(objects));
+    if (reply.signature() != "a(oa{sv})")
+        qFatal("%s", qPrintable(renderReply(reply)));
+    return qdbus_cast<QList<ConnmanObject>>(reply.arguments().at(0));
+}
+
+void TestConnmanObject::everyTypeHasItsSignature_data()
+{
+    QTest::addColumn<QByteArray>("name");
+    QTest::addColumn<QByteArray>("signature");
+    QTest::newRow("object") << QByteArray("ConnmanObject") << QByteArray("(oa{sv})");
+    QTest::newRow("list") << QByteArray("QList<ConnmanObject>") << QByteArray("a(oa{sv})");
+    QTest::newRow("interfaces") << QByteArray("InterfaceList") << QByteArray("a{sa{sv}}");
+    QTest::newRow("managed") << QByteArray("ManagedObjectList") << QByteArray("a{oa{sa{sv}}}");
+}
+
+void TestConnmanObject::everyTypeHasItsSignature()
+{
+    QFETCH(QByteArray, name);
+    QFETCH(QByteArray, signature);
+    const int type = QMetaType::type(name);
+    QVERIFY(type != QMetaType::UnknownType);
+    QCOMPARE(QByteArray(QDBusMetaType::typeToSignature(type)), signature);
+}
+
+void TestConnmanObject::registeringAgainChangesNothing()
+{
+    const int type = QMetaType::type("ConnmanObject");
+    connman::registerTypes();
+    QCOMPARE(QMetaType::type("ConnmanObject"), type);
+}
+
+void TestConnmanObject::objectsComeThroughUnchanged()
+{
+    const QVariantMap ipv4 = {{"Method", "dhcp"}, {"Address", "10.77.0.50"}};
+    const QList<ConnmanObject> received =
+        sendObjects({{QDBusObjectPath("/b"), {{"Type", "wifi"}, {"IPv4", ipv4}}},
+                     {QDBusObjectPath("/a"), {{"Type", "ethernet"}}}});
+
+    QCOMPARE(received.size(), 2);
+    QCOMPARE(received.at(0).path.path(), QString("/b"));
+    QCOMPARE(plainMap(received.at(0).properties), (QVariantMap{{"Type", "wifi"}, {"IPv4", ipv4}}));
+    QCOMPARE(received.at(1).path.path(), QString("/a"));
+    QCOMPARE(received.at(1).properties, (QVariantMap{{"Type", "ethernet"}}));
+}
+
+void TestConnmanObject::anObjectWithoutPropertiesComesThroughUnchanged()
+{
+    const QList<ConnmanObject> received = sendObjects({{QDBusObjectPath("/a"), {}}});
+    QCOMPARE(received.size(), 1);
+    QCOMPARE(received.at(0).path.path(), QString("/a"));
+    QCOMPARE(received.at(0).properties, QVariantMap());
+}
+
+void TestConnmanObject::anEmptyListComesThroughUnchanged()
+{
+    QCOMPARE(sendObjects({}).size(), 0);
+}
+
+void TestConnmanObject::managedObjectsComeThroughUnchanged()
+{
+    const ManagedObjectList managed = {
+        {QDBusObjectPath("/a"), {{"one.Interface", {{"Name", "A"}}}, {"other.Interface", {}}}},
+        {QDBusObjectPath("/b"), {}},
+    };
+    const QDBusMessage reply = send("managed", QVariant::fromValue(managed));
+    QCOMPARE(reply.signature(), QString("a{oa{sa{sv}}}"));
+    QVERIFY(qdbus_cast<ManagedObjectList>(reply.arguments().at(0)) == managed);
+}
+
+void TestConnmanObject::theFirstObjectWithThePropertyIsFound()
+{
+    const QList<ConnmanObject> objects = {
+        {QDBusObjectPath("/a"), {}},
+        {QDBusObjectPath("/b"), {{"Type", QVariantMap{{"Type", "ethernet"}}}}},
+        {QDBusObjectPath("/c"), {{"Type", "ethernet"}}},
+        {QDBusObjectPath("/d"), {{"Type", "ethernet"}}},
+    };
+    QCOMPARE(connman::findObject(objects, "Type", "ethernet").path.path(), QString("/c"));
+    QCOMPARE(connman::findObject(objects, "Type", "wifi").path.path(), QString());
+    QCOMPARE(connman::findObject({}, "Type", "wifi").path.path(), QString());
+}
+
+void TestConnmanObject::unsendableValuesAreTakenOutAtEveryDepth()
+{
+    const QVariantMap map = {
+        {"Kept", 1},
+        {"Gone", QVariant()},
+        {"Map", QVariantMap{{"Kept", 2}, {"Gone", QVariant()}}},
+        {"List", QVariantList{3, QVariant(), QVariantMap{{"Gone", QVariant()}}}},
+    };
+    QCOMPARE(sendableMap(map), (QVariantMap{{"Kept", 1},
+                                            {"Map", QVariantMap{{"Kept", 2}}},
+                                            {"List", QVariantList{3, QVariantMap()}}}));
+}
+
+QTEST_GUILESS_MAIN(TestConnmanObject)
+#include "test_connmanobject.moc"

@@ -1,0 +1,107 @@
+#include "files.h"
+#include "programs.h"
+
+#include <QElapsedTimer>
+#include <QFile>
+#include <QTemporaryDir>
+#include <QTest>
+
+#include <csignal>
+
+/** Asking pidof for a program; a script of the test's own is the pidof that is found. */
+class TestPrograms : public QObject
+{
+    Q_OBJECT
+
+private Q_SLOTS:
+    void init();
+    void cleanup();
+
+    void aProgramRunsWherePidofSaysSo();
+    void aProgramDoesNotRunWherePidofFails();
+    void aProgramDoesNotRunWherePidofCrashes();
+    void aProgramDoesNotRunWithoutPidof();
+    void pidofIsGivenTheNameAlone();
+    void aPidofThatHangsIsEndedAfterASecond();
+    void theRealPidofKnowsThisTest();
+
+private:
+    void makePidof(const QByteArray &script);
+    QString path(const char *name) const { return m_folder->path() + '/' + name; }
+
+    QScopedPointer<QTemporaryDir> m_folder;
+    QByteArray m_searchPath;
+};
+
+void TestPrograms::init()
+{
+    m_searchPath = qgetenv("PATH");
+    m_folder.reset(new QTemporaryDir);
+}
+
+void TestPrograms::cleanup()
+{
+    qputenv("PATH", m_searchPath);
+}
+
+void TestPrograms::makePidof(const QByteArray &script)
+{
+    writeFile(path("pidof"), "#!/bin/sh\n" + script + "\n");
+    QFile::setPermissions(path("pidof"), QFile::ReadOwner | QFile::ExeOwner);
+    qputenv("PATH", m_folder->path().toLocal8Bit() + ':' + m_searchPath);
+}
+
+void TestPrograms::aProgramRunsWherePidofSaysSo()
+{
+    makePidof("echo 12 34; exit 0");
+    QVERIFY(isProgramRunning("connmand"));
+}
+
+void TestPrograms::aProgramDoesNotRunWherePidofFails()
+{
+    makePidof("exit 1");
+    QVERIFY(!isProgramRunning("connmand"));
+}
+
+void TestPrograms::aProgramDoesNotRunWherePidofCrashes()
+{
+    makePidof("kill -SEGV $$");
+    QVERIFY(!isProgramRunning("connmand"));
+}
+
+void TestPrograms::aProgramDoesNotRunWithoutPidof()
+{
+    qputenv("PATH", m_folder->path().toLocal8Bit());
+    QVERIFY(!isProgramRunning("connmand"));
+}
+
+void TestPrograms::pidofIsGivenTheNameAlone()
+{
+    makePidof("printf '<%s>' \"$@\" >" + path("arguments").toLocal8Bit());
+    QVERIFY(isProgramRunning("two words"));
+    QCOMPARE(readFile(path("arguments")), QByteArray("<two words>"));
+}
+
+void TestPrograms::aPidofThatHangsIsEndedAfterASecond()
+{
+    makePidof("echo $$ >" + path("pid").toLocal8Bit() + "\nexec sleep 60");
+    QElapsedTimer timer;
+    timer.start();
+
+    QVERIFY(!isProgramRunning("connmand"));
+
+    QVERIFY(timer.elapsed() >= 900);
+    const pid_t pid = readFile(path("pid")).trimmed().toInt();
+    QVERIFY(pid > 0);
+    QTRY_VERIFY(::kill(pid, 0) != 0);
+    QVERIFY(timer.elapsed() < 30000);
+}
+
+void TestPrograms::theRealPidofKnowsThisTest()
+{
+    QVERIFY(isProgramRunning("test_programs"));
+    QVERIFY(!isProgramRunning("no_such_program"));
+}
+
+QTEST_GUILESS_MAIN(TestPrograms)
+#include "test_programs.moc"
