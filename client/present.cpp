@@ -61,8 +61,10 @@ QString replyText(const QVariantList &values)
 
 QJsonValue toJson(const QVariant &value)
 {
-    if (value.userType() == QMetaType::QByteArray)
-        return QString::fromLatin1(value.toByteArray());
+    if (value.userType() == QMetaType::QByteArray) {
+        const QByteArray bytes = value.toByteArray();
+        return QString::fromLatin1(bytes.constData(), bytes.size());
+    }
     if (value.userType() == QMetaType::QVariantMap) {
         QJsonObject object;
         const QVariantMap map = value.toMap();

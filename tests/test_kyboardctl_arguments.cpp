@@ -1,0 +1,281 @@
+#include "arguments.h"
+#include "help.h"
+#include "present.h"
+
+#include <QJsonArray>
+#include <QJsonObject>
+#include <QTemporaryFile>
+#include <QTest>
+
+/** What kyboardctl makes of its command line, and of values for people and machines. */
+class TestKyboardctlArguments : public QObject
+{
+    Q_OBJECT
+
+private Q_SLOTS:
+    void goodArgumentsBecomeValues_data();
+    void goodArgumentsBecomeValues();
+    void wrongArgumentsAreComplainedAbout_data();
+    void wrongArgumentsAreComplainedAbout();
+    void secretsAreAskedForNeverTakenFromTheCommandLine();
+    void withoutItsSecretsNothingIsComplete();
+    void numbersComeFromAFileToo();
+    void everyCommandIsFoundByItsWords();
+    void helpNamesEveryCommand();
+    void completionKnowsWhatMayFollow_data();
+    void completionKnowsWhatMayFollow();
+    void valuesForPeople_data();
+    void valuesForPeople();
+    void valuesForMachines();
+
+private:
+    static bool noSecret(const QString &, QString &) { return false; }
+    static const Command &command(const QString &words);
+};
+
+const Command &TestKyboardctlArguments::command(const QString &words)
+{
+    int used = 0;
+    const Command *found = findCommand(words.split(' '), &used);
+    if (!found)
+        qFatal("no command %s", qPrintable(words));
+    return *found;
+}
+
+void TestKyboardctlArguments::goodArgumentsBecomeValues_data()
+{
+    QTest::addColumn<QString>("words");
+    QTest::addColumn<QStringList>("arguments");
+    QTest::addColumn<QVariantList>("values");
+
+    QTest::newRow("none") << "user get" << QStringList() << QVariantList();
+    QTest::newRow("choice") << "user set" << QStringList{"user4"} << QVariantList{"user4"};
+    QTest::newRow("two choices") << "led set" << QStringList{"WIFI", "BLINK_3HZ"}
+                                 << QVariantList{"WIFI", "BLINK_3HZ"};
+    QTest::newRow("lowest") << "backlight set" << QStringList{"0"} << QVariantList{0};
+    QTest::newRow("highest") << "backlight set" << QStringList{"100"} << QVariantList{100};
+    QTest::newRow("negative") << "temperature threshold" << QStringList{"SOM", "-2147483648"}
+                              << QVariantList{"SOM", int(-2147483647 - 1)};
+    QTest::newRow("on") << "module power" << QStringList{"on"} << QVariantList{true};
+    QTest::newRow("off") << "backlight set-step" << QStringList{"off", "13"}
+                         << QVariantList{false, 13};
+    QTest::newRow("settings") << "ethernet set-ipv4"
+                              << QStringList{"Method=manual", "Address=10.0.0.2", "DNS1="}
+                              << QVariantList{QVariantMap{
+                                     {"Method", "manual"}, {"Address", "10.0.0.2"}, {"DNS1", ""}}};
+    QTest::newRow("no settings") << "wifi set-ipv4" << QStringList() << QVariantList{QVariantMap()};
+    QTest::newRow("equals sign in a value")
+        << "ap start" << QStringList{"SSID=a=b"} << QVariantList{QVariantMap{{"SSID", "a=b"}}};
+    QTest::newRow("numbers") << "eeprom set-measure"
+                             << QStringList{"AdjustementSite=1", "AdjustementDate=4294967295",
+                                            "NextAdjustementDate=3", "AdjustementCoefficients=1,2"}
+                             << QVariantList{
+                                    QVariantMap{{"AdjustementSite", 1},
+                                                {"AdjustementDate", 4294967295u},
+                                                {"NextAdjustementDate", 3},
+                                                {"AdjustementCoefficients", QVariantList{1u, 2u}}}};
+}
+
+void TestKyboardctlArguments::goodArgumentsBecomeValues()
+{
+    QFETCH(QString, words);
+    QFETCH(QStringList, arguments);
+    QFETCH(QVariantList, values);
+
+    QVariantList parsed;
+    QString complaint;
+    QVERIFY2(parseArguments(command(words), arguments, noSecret, parsed, complaint),
+             qPrintable(complaint));
+    QCOMPARE(parsed, values);
+}
+
+void TestKyboardctlArguments::wrongArgumentsAreComplainedAbout_data()
+{
+    QTest::addColumn<QString>("words");
+    QTest::addColumn<QStringList>("arguments");
+    QTest::addColumn<QString>("complaint");
+
+    QTest::newRow("missing") << "user set" << QStringList() << "USER is missing";
+    QTest::newRow("too many") << "user get" << QStringList{"now"} << "'now' is one word too many";
+    QTest::newRow("unknown choice")
+        << "storage mounted" << QStringList{"sd"} << "DEVICE: 'sd' is not one of SD, USB";
+    QTest::newRow("too low") << "temperature interval" << QStringList{"999"}
+                             << "MILLISECONDS: '999' is not a whole number from 1000 to 2147483647";
+    QTest::newRow("too high") << "backlight set" << QStringList{"101"}
+                              << "PERCENT: '101' is not a whole number from 0 to 100";
+    QTest::newRow("no number") << "backlight set" << QStringList{"half"}
+                               << "PERCENT: 'half' is not a whole number from 0 to 100";
+    QTest::newRow("no switch") << "module power" << QStringList{"1"}
+                               << "on|off: '1' is not on or off";
+    QTest::newRow("unknown key")
+        << "wifi set-ipv4" << QStringList{"address=1.2.3.4"}
+        << "'address=1.2.3.4' is none of Method=, Address=, Netmask=, Gateway=, DNS1=, DNS2=";
+    QTest::newRow("no key") << "wifi set-ipv4" << QStringList{"dhcp"}
+                            << "'dhcp' is none of Method=, Address=, Netmask=, Gateway=, DNS1=, "
+                               "DNS2=";
+    QTest::newRow("twice") << "wifi set-ipv4" << QStringList{"DNS1=a", "DNS1=b"}
+                           << "DNS1 is given twice";
+    QTest::newRow("required key") << "eeprom set-measure" << QStringList{"AdjustementSite=1"}
+                                  << "AdjustementDate= is missing";
+    QTest::newRow("byte") << "eeprom set-instrument" << QStringList{"Brand=256"}
+                          << "Brand: '256' is not a whole number from 0 to 255";
+    QTest::newRow("hexadecimal") << "eeprom set-instrument" << QStringList{"Model=83450"}
+                                 << "Model: '83450' is not up to four hexadecimal digits";
+    QTest::newRow("number list")
+        << "eeprom set-measure" << QStringList{"AdjustementCoefficients=1,x"}
+        << "AdjustementCoefficients: '1,x' is not whole numbers separated by commas, or @FILE";
+    QTest::newRow("no file")
+        << "eeprom set-measure" << QStringList{"AdjustementCoefficients=@/nowhere"}
+        << "AdjustementCoefficients: '@/nowhere' is not whole numbers separated by commas, or "
+           "@FILE";
+}
+
+void TestKyboardctlArguments::wrongArgumentsAreComplainedAbout()
+{
+    QFETCH(QString, words);
+    QFETCH(QStringList, arguments);
+    QFETCH(QString, complaint);
+
+    QVariantList parsed;
+    QString actual;
+    QVERIFY(!parseArguments(command(words), arguments, noSecret, parsed, actual));
+    QCOMPARE(actual, complaint);
+}
+
+void TestKyboardctlArguments::secretsAreAskedForNeverTakenFromTheCommandLine()
+{
+    const QStringList record = {"Subsidiary=1",     "Fabrication=2", "Brand=3",
+                                "Type=4",           "Model=8345",    "SerialNumber=12345678",
+                                "WarrantyNumber=W", "RelaunchTag=6", "TroubleshootingTag=5",
+                                "FirstPassTag=7"};
+    QStringList asked;
+    const SecretReader reader = [&asked](const QString &prompt, QString &secret) {
+        asked << prompt;
+        secret = "secret of " + prompt;
+        return true;
+    };
+    QVariantList parsed;
+    QString complaint;
+
+    QVERIFY(parseArguments(command("eeprom set-instrument"), record, reader, parsed, complaint));
+    QCOMPARE(asked, (QStringList{"IrdInstrumentPassword", "IrdSessionPassword"}));
+    QCOMPARE(parsed.at(0).toMap().value("IrdSessionPassword"),
+             QVariant(QByteArray("secret of IrdSessionPassword")));
+    QCOMPARE(parsed.at(0).toMap().value("SerialNumber"), QVariant(QByteArray("12345678")));
+
+    QVERIFY(!parseArguments(command("eeprom set-instrument"),
+                            QStringList{"IrdSessionPassword=x"} + record, reader, parsed,
+                            complaint));
+    QCOMPARE(complaint, QStringLiteral("IrdSessionPassword is not taken from the command line"));
+}
+
+void TestKyboardctlArguments::withoutItsSecretsNothingIsComplete()
+{
+    const QStringList record = {"Subsidiary=1",     "Fabrication=2", "Brand=3",
+                                "Type=4",           "Model=8345",    "SerialNumber=12345678",
+                                "WarrantyNumber=W", "RelaunchTag=6", "TroubleshootingTag=5",
+                                "FirstPassTag=7"};
+    QVariantList parsed;
+    QString complaint;
+    QVERIFY(!parseArguments(command("eeprom set-instrument"), record, noSecret, parsed, complaint));
+    QCOMPARE(complaint, QStringLiteral("IrdInstrumentPassword could not be read"));
+}
+
+void TestKyboardctlArguments::numbersComeFromAFileToo()
+{
+    QTemporaryFile file;
+    QVERIFY(file.open());
+    file.write("1, 2,3\n4294967295\n");
+    file.flush();
+    QVariant value;
+    QString complaint;
+    const Argument &key = command("eeprom set-measure").arguments.at(0).keys.at(3);
+    QVERIFY(parseValue(key, '@' + file.fileName(), value, complaint));
+    QCOMPARE(value, QVariant(QVariantList{1u, 2u, 3u, 4294967295u}));
+}
+
+void TestKyboardctlArguments::everyCommandIsFoundByItsWords()
+{
+    for (const Command &expected : commands()) {
+        int used = 0;
+        QCOMPARE(findCommand(expected.words.split(' ') + QStringList{"more"}, &used), &expected);
+        QCOMPARE(used, expected.words.count(' ') + 1);
+    }
+    int used = 0;
+    QVERIFY(!findCommand({"user"}, &used));
+    QVERIFY(!findCommand({}, &used));
+}
+
+void TestKyboardctlArguments::helpNamesEveryCommand()
+{
+    const QString text = helpText({});
+    for (const Command &each : commands()) {
+        QVERIFY2(text.contains("  " + synopsis(each)), qPrintable(each.words));
+        QVERIFY(!each.help.isEmpty());
+    }
+    QVERIFY(helpText({"led"}).contains("BAT_RS1, BAT_GS1"));
+    QVERIFY(!helpText({"led"}).contains("kyboardctl user"));
+    QVERIFY(!helpText({"led", "set"}).contains("kyboardctl led list"));
+}
+
+void TestKyboardctlArguments::completionKnowsWhatMayFollow_data()
+{
+    QTest::addColumn<QStringList>("words");
+    QTest::addColumn<QStringList>("candidates");
+    QTest::newRow("group") << QStringList{"us"} << QStringList{"user"};
+    QTest::newRow("special") << QStringList{"s"} << QStringList{"status", "storage", "shutdown"};
+    QTest::newRow("verb") << QStringList{"user", ""} << QStringList{"get", "set", "reset"};
+    QTest::newRow("choice") << QStringList{"led", "set", "WI"} << QStringList{"WIFI"};
+    QTest::newRow("second") << QStringList{"led", "set", "WIFI", "B"}
+                            << QStringList{"BLINK_1HZ", "BLINK_3HZ"};
+    QTest::newRow("switch") << QStringList{"module", "power", ""} << QStringList{"on", "off"};
+    QTest::newRow("key") << QStringList{"wifi", "set-ipv4", "Method=dhcp", "DNS"}
+                         << QStringList{"DNS1=", "DNS2="};
+    QTest::newRow("nothing") << QStringList{"user", "get", ""} << QStringList();
+}
+
+void TestKyboardctlArguments::completionKnowsWhatMayFollow()
+{
+    QFETCH(QStringList, words);
+    QFETCH(QStringList, candidates);
+    QCOMPARE(completions(words), candidates);
+}
+
+void TestKyboardctlArguments::valuesForPeople_data()
+{
+    QTest::addColumn<QVariantList>("values");
+    QTest::addColumn<QString>("text");
+    QTest::newRow("none") << QVariantList() << "";
+    QTest::newRow("text") << QVariantList{"user1"} << "user1\n";
+    QTest::newRow("boolean") << QVariantList{true} << "yes\n";
+    QTest::newRow("number") << QVariantList{-3} << "-3\n";
+    QTest::newRow("text bytes") << QVariantList{QByteArray("AB\0\0", 4)} << "AB\n";
+    QTest::newRow("other bytes") << QVariantList{QByteArray("\x01\xff", 2)} << "0x01ff\n";
+    QTest::newRow("list") << QVariantList{QVariantList{1u, 2u}} << "1, 2\n";
+    QTest::newRow("map") << QVariantList{QVariantMap{{"a", 1}, {"long", QStringList{"x", "y"}}}}
+                         << "a     1\nlong  x, y\n";
+    QTest::newRow("inner map") << QVariantList{QVariantMap{{"IPv4", QVariantMap{{"A", "1"}}}}}
+                               << "IPv4  A=1\n";
+}
+
+void TestKyboardctlArguments::valuesForPeople()
+{
+    QFETCH(QVariantList, values);
+    QFETCH(QString, text);
+    QCOMPARE(replyText(values), text);
+}
+
+void TestKyboardctlArguments::valuesForMachines()
+{
+    QCOMPARE(replyJson({}), QJsonValue());
+    QCOMPARE(replyJson({QVariant("user1")}), QJsonValue("user1"));
+    QCOMPARE(replyJson({QVariant(false)}), QJsonValue(false));
+    QCOMPARE(replyJson({QVariant::fromValue(uchar(7))}), QJsonValue(7));
+    QCOMPARE(replyJson({QVariant(QByteArray("A\0", 2))}), QJsonValue(QString("A") + QChar(0)));
+    QCOMPARE(replyJson({QVariant(QVariantList{1u, 2u})}), QJsonValue(QJsonArray{1, 2}));
+    QCOMPARE(replyJson({QVariant(QVariantMap{{"k", QStringList{"x"}}})}),
+             QJsonValue(QJsonObject{{"k", QJsonArray{"x"}}}));
+}
+
+QTEST_GUILESS_MAIN(TestKyboardctlArguments)
+#include "test_kyboardctl_arguments.moc"
