@@ -1,12 +1,9 @@
 #include "fault.h"
 
 #include "boardfolder.h"
-#include "descriptor.h"
 #include "value.h"
 
 #include <cstdlib>
-#include <fcntl.h>
-#include <locale>
 #include <sstream>
 #include <unistd.h>
 
@@ -25,56 +22,40 @@ long long numberIn(const std::string &word, long long highest)
     const long long number = std::strtoll(word.c_str(), nullptr, 10);
     return number <= highest ? number : -1;
 }
-
-/** The same words for one call less; empty when none are left. */
-std::string countDown(const std::string &words)
-{
-    std::istringstream stream(words);
-    std::string word;
-    std::string fewer;
-    bool isDelay = false;
-    while (stream >> word) {
-        const long long number = isDelay ? -1 : numberIn(word, mostCalls);
-        if (number == 0 || number == 1)
-            return {};
-        fewer += (number > 0 ? std::to_string(number - 1) : word) + ' ';
-        isDelay = word == "delay";
-    }
-    return fewer;
-}
 } // namespace
 
 FaultWords parseFault(const std::string &words)
 {
     const FaultWords notUnderstood = {{Fault::Failure, 0}, -1};
-    std::istringstream stream(words);
-    FaultWords result;
+    FaultWords asked;
     bool isEmpty = true;
     bool isGarbage = false;
     bool isFailure = false;
-    std::string word;
-    while (stream >> word) {
-        isEmpty = false;
-        if (word == "always") {
-            isFailure = true;
-        } else if (word == "garbage") {
+    std::istringstream stream(words);
+    for (std::string word; stream >> word; isEmpty = false) {
+        if (word == "garbage") {
             isGarbage = true;
         } else if (word == "delay") {
-            result.fault.delay = stream >> word ? numberIn(word, longestDelay) : -1;
-            if (result.fault.delay < 0)
+            asked.fault.delay = stream >> word ? numberIn(word, longestDelay) : -1;
+            if (asked.fault.delay < 0)
                 return notUnderstood;
         } else {
-            isFailure = true;
-            result.calls = numberIn(word, mostCalls);
-            if (result.calls < 0)
+            if (word != "always" && (asked.calls = numberIn(word, mostCalls)) < 0)
                 return notUnderstood;
+            isFailure = true;
         }
     }
     if (isEmpty)
         return notUnderstood;
     if (isGarbage || isFailure)
-        result.fault.kind = isGarbage ? Fault::Garbage : Fault::Failure;
-    return result;
+        asked.fault.kind = isGarbage ? Fault::Garbage : Fault::Failure;
+    return asked;
+}
+
+std::string faultText(const FaultWords &asked)
+{
+    return std::to_string(asked.calls) + (asked.fault.kind == Fault::Garbage ? " garbage" : "") +
+           (asked.fault.delay > 0 ? " delay " + std::to_string(asked.fault.delay) : "");
 }
 
 Fault takeFault(const std::string &operation)
@@ -84,18 +65,19 @@ Fault takeFault(const std::string &operation)
     if (access(path.c_str(), F_OK) != 0)
         return {};
     const Lock lock;
-    const std::string words = readText(file).value_or(std::string());
-    // Another call may just have taken the last one.
-    if (words.empty() && access(path.c_str(), F_OK) != 0)
+    const std::optional<std::string> words = readText(file);
+    // Another call may just have had the last of them.
+    if (!words && access(path.c_str(), F_OK) != 0)
         return {};
-    const FaultWords asked = parseFault(words);
+    FaultWords asked = parseFault(words.value_or(std::string()));
     if (asked.calls < 0)
         return asked.fault;
-    const std::string fewer = countDown(words);
-    if (fewer.empty())
-        unlink(path.c_str());
+    const Fault fault = asked.calls > 0 ? asked.fault : Fault();
+    --asked.calls;
+    if (asked.calls > 0)
+        writeText(file, faultText(asked));
     else
-        writeText(file, fewer.substr(0, fewer.size() - 1));
-    return asked.calls == 0 ? Fault() : asked.fault;
+        unlink(path.c_str());
+    return fault;
 }
 } // namespace board

@@ -19,7 +19,7 @@ struct Fault {
     long long delay = 0;
 };
 
-/** The words of one file of faults. */
+/** What a file of faults asks for. */
 struct FaultWords {
     Fault fault;
     /** How many calls it is still for; negative for all of them. */
@@ -27,11 +27,15 @@ struct FaultWords {
 };
 
 /**
- * Reads the words of a file of faults.
+ * Reads the words of a file of faults: "always" or a number of calls, "delay" and milliseconds,
+ * "garbage", in any order.
  *
- * @return what they ask for; words that make no sense ask for a failure of every call
+ * @return what they ask for; words that make no sense, or none, ask for a failure of every call
  */
 FaultWords parseFault(const std::string &words);
+
+/** The words that ask for @p asked, which is for a number of calls. */
+std::string faultText(const FaultWords &asked);
 
 /** Takes the fault that the next call of @p operation, as in "KyAls.init", is to have. */
 Fault takeFault(const std::string &operation);

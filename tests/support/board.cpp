@@ -5,6 +5,7 @@
 #include "boardfolder.h"
 
 #include <QFile>
+#include <QProcess>
 #include <QTest>
 
 namespace
@@ -12,10 +13,30 @@ namespace
 const QString journalFile = QStringLiteral("journal");
 const QString faultFolder = QStringLiteral("faults");
 const int deadline = 20000;
+
+bool run(const QString &program, const QStringList &arguments, const QByteArray &input = {})
+{
+    QProcess process;
+    process.setProcessChannelMode(QProcess::ForwardedErrorChannel);
+    process.start(program, arguments);
+    process.write(input);
+    process.closeWriteChannel();
+    return process.waitForFinished() && process.exitStatus() == QProcess::NormalExit &&
+           process.exitCode() == 0;
+}
+
+/** A kernel object of the last test would be in the way of the next one. */
+void removeStorage(const QString &device, const QString &partition)
+{
+    if (QFile::exists(QStringLiteral("/sys/class/net/") + partition))
+        Board::storage(QStringLiteral("remove"), device);
+}
 } // namespace
 
 void Board::reset()
 {
+    removeStorage(QStringLiteral("SD"), QStringLiteral("mmcblk0p1"));
+    removeStorage(QStringLiteral("USB"), QStringLiteral("sda1"));
     emptyFolder(pathOf(QString()));
     board::create();
     setBytes(journalFile, QByteArray());
@@ -80,6 +101,17 @@ void Board::fault(const QString &operation, const QString &words)
 void Board::clearFaults()
 {
     emptyFolder(pathOf(faultFolder));
+}
+
+bool Board::storage(const QString &action, const QString &device)
+{
+    return run(QStringLiteral(STORAGE_PROGRAM), {action, device});
+}
+
+bool Board::sendKernelEvent(const QByteArray &message, int count)
+{
+    return run(QStringLiteral(UEVENT_PROGRAM),
+               {QStringLiteral("--count"), QString::number(count), QStringLiteral("-")}, message);
 }
 
 QString Board::pathOf(const QString &path)

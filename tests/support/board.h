@@ -38,6 +38,15 @@ public:
     static void fault(const QString &operation, const QString &words);
     static void clearFaults();
 
+    /**
+     * Does what a hand or the system does with a storage device: @p action is insert, remove, mount
+     * or unmount, @p device SD or USB. The kernel tells of insertions and removals.
+     */
+    static bool storage(const QString &action, const QString &device);
+
+    /** Tells every listener in this world of a kernel event with just this content. */
+    static bool sendKernelEvent(const QByteArray &message, int count = 1);
+
     /** Where @p path is in the file system. */
     static QString pathOf(const QString &path);
 };
