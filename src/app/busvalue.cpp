@@ -2,8 +2,8 @@
 
 #include <QDBusArgument>
 #include <QDBusMetaType>
+#include <QDBusUnixFileDescriptor>
 #include <QDBusVariant>
-#include <QStringList>
 
 namespace
 {
@@ -33,8 +33,6 @@ const struct {
      [](const QDBusArgument &a) -> QVariant { return plainMap(qdbus_cast<QVariantMap>(a)); }},
     {"av",
      [](const QDBusArgument &a) -> QVariant { return plainList(qdbus_cast<QVariantList>(a)); }},
-    {"as", [](const QDBusArgument &a) -> QVariant { return qdbus_cast<QStringList>(a); }},
-    {"ay", [](const QDBusArgument &a) -> QVariant { return qdbus_cast<QByteArray>(a); }},
     {"ab", readNumbers<bool>},
     {"an", readNumbers<short>},
     {"aq", readNumbers<ushort>},
@@ -53,6 +51,111 @@ QVariant readCompound(const QDBusArgument &argument)
             return reader.read(argument);
     }
     return QVariant();
+}
+
+quint32 toNumber(const QDBusVariant &element)
+{
+    return basicValue(element.variant()).toUInt();
+}
+
+template <typename Integer>
+quint32 toNumber(Integer element)
+{
+    return static_cast<quint32>(element);
+}
+
+/** Reads element by element: a list of variants takes many times the room of its numbers. */
+template <typename Element>
+QVector<quint32> readArray(const QDBusArgument &argument)
+{
+    QVector<quint32> numbers;
+    argument.beginArray();
+    while (!argument.atEnd()) {
+        Element element{};
+        argument >> element;
+        numbers << toNumber(element);
+    }
+    argument.endArray();
+    return numbers;
+}
+
+/** How each list of numbers is read, by its signature. */
+const struct {
+    const char *signature;
+    QVector<quint32> (*read)(const QDBusArgument &);
+} numberReaders[] = {
+    {"av", readArray<QDBusVariant>}, {"au", readArray<uint>},   {"ai", readArray<int>},
+    {"at", readArray<qulonglong>},   {"aq", readArray<ushort>},
+};
+
+QVector<quint32> readNumberList(const QDBusArgument &argument)
+{
+    const QString signature = argument.currentSignature();
+    for (const auto &reader : numberReaders) {
+        if (signature == QLatin1String(reader.signature))
+            return reader.read(argument);
+    }
+    return QVector<quint32>();
+}
+
+bool holdsDescriptor(const QVariant &value);
+
+bool doElementsHoldDescriptor(const QDBusArgument &argument)
+{
+    bool isFound = false;
+    while (!argument.atEnd())
+        isFound = holdsDescriptor(argument.asVariant()) || isFound;
+    return isFound;
+}
+
+bool doEntriesHoldDescriptor(const QDBusArgument &argument)
+{
+    bool isFound = false;
+    while (!argument.atEnd()) {
+        argument.beginMapEntry();
+        isFound = doElementsHoldDescriptor(argument) || isFound;
+        argument.endMapEntry();
+    }
+    return isFound;
+}
+
+bool doesCompoundHoldDescriptor(const QDBusArgument &argument)
+{
+    const QString signature = argument.currentSignature();
+    if (signature.contains(QLatin1Char('h')))
+        return true;
+    // Where nothing is left open, there is nothing to look into.
+    if (!signature.contains(QLatin1Char('v')))
+        return false;
+    bool isFound = false;
+    switch (argument.currentType()) {
+    case QDBusArgument::ArrayType:
+        argument.beginArray();
+        isFound = doElementsHoldDescriptor(argument);
+        argument.endArray();
+        return isFound;
+    case QDBusArgument::MapType:
+        argument.beginMap();
+        isFound = doEntriesHoldDescriptor(argument);
+        argument.endMap();
+        return isFound;
+    case QDBusArgument::StructureType:
+        argument.beginStructure();
+        isFound = doElementsHoldDescriptor(argument);
+        argument.endStructure();
+        return isFound;
+    default:
+        return false;
+    }
+}
+
+bool holdsDescriptor(const QVariant &value)
+{
+    if (value.userType() == qMetaTypeId<QDBusVariant>())
+        return holdsDescriptor(value.value<QDBusVariant>().variant());
+    if (value.userType() == qMetaTypeId<QDBusArgument>())
+        return doesCompoundHoldDescriptor(value.value<QDBusArgument>());
+    return value.userType() == qMetaTypeId<QDBusUnixFileDescriptor>();
 }
 } // namespace
 
@@ -75,6 +178,21 @@ QVariantMap plainMap(const QVariantMap &map)
     for (auto entry = map.constBegin(); entry != map.constEnd(); ++entry)
         plain.insert(entry.key(), plainValue(entry.value()));
     return plain;
+}
+
+QVariant basicValue(const QVariant &value)
+{
+    if (value.userType() == qMetaTypeId<QDBusVariant>())
+        return basicValue(value.value<QDBusVariant>().variant());
+    return value.userType() == qMetaTypeId<QDBusArgument>() ? QVariant() : value;
+}
+
+QVariantMap basicMap(const QVariantMap &map)
+{
+    QVariantMap basic;
+    for (auto entry = map.constBegin(); entry != map.constEnd(); ++entry)
+        basic.insert(entry.key(), basicValue(entry.value()));
+    return basic;
 }
 
 QVariantMap toMap(const QVariant &value)
@@ -114,4 +232,29 @@ QVariantMap sendableMap(const QVariantMap &map)
             sendable.insert(entry.key(), sendableValue(entry.value()));
     }
     return sendable;
+}
+
+QVector<quint32> toNumbers(const QVariant &value)
+{
+    if (value.userType() == qMetaTypeId<QDBusVariant>())
+        return toNumbers(value.value<QDBusVariant>().variant());
+    if (value.userType() == qMetaTypeId<QDBusArgument>())
+        return readNumberList(value.value<QDBusArgument>());
+    QVector<quint32> numbers;
+    if (value.userType() == QMetaType::QByteArray) {
+        const QByteArray bytes = value.toByteArray();
+        for (const char byte : bytes)
+            numbers << static_cast<uchar>(byte);
+    }
+    return numbers;
+}
+
+QVariantMap withoutDescriptors(const QVariantMap &map)
+{
+    QVariantMap kept;
+    for (auto entry = map.constBegin(); entry != map.constEnd(); ++entry) {
+        if (!holdsDescriptor(entry.value()))
+            kept.insert(entry.key(), entry.value());
+    }
+    return kept;
 }

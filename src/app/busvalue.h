@@ -2,13 +2,19 @@
 #define BUSVALUE_H
 
 #include <QVariant>
+#include <QVector>
 
-/**
- * A value that came from the bus, as ordinary Qt values all the way down.
+/*
+ * Values that came from the bus, read safely.
  *
  * This is the only place that reads compound values of messages: the bus library ends the process
- * when one is read as another type than it has, or read twice. So whoever takes a variant, or a
- * map of them, from a message converts it here, once, before looking at it.
+ * when one is read as another type than it has, or read twice. Whoever takes a variant, or a map
+ * of them, from a message lets one of these functions read it before looking at it. They read a
+ * copy: the value that they were given can be read again, and sent again as it came.
+ */
+
+/**
+ * @p value as ordinary Qt values all the way down.
  *
  * Variants are unwrapped at every depth. a{sv} becomes a QVariantMap, av a QVariantList, as a
  * QStringList, ay a QByteArray, an array of numbers a list of that number's type. Any other
@@ -20,6 +26,15 @@ QVariant plainValue(const QVariant &value);
 /** plainValue() of every value of @p map. */
 QVariantMap plainMap(const QVariantMap &map);
 
+/**
+ * @p value out of the variants around it, where it is a number, a text, a byte array (ay) or a
+ * list of texts (as); an invalid QVariant for any other compound, which is not even read.
+ */
+QVariant basicValue(const QVariant &value);
+
+/** basicValue() of every value of @p map. */
+QVariantMap basicMap(const QVariantMap &map);
+
 /** @p value as a map where it is one, an empty map otherwise. */
 QVariantMap toMap(const QVariant &value);
 
@@ -30,5 +45,20 @@ QVariantMap toMap(const QVariant &value);
  * value in it.
  */
 QVariantMap sendableMap(const QVariantMap &map);
+
+/**
+ * The numbers of a list: av, au, ai, at, aq or ay, however long; nothing for any other value.
+ *
+ * Every element is cut to its low 32 bits. One of av that is no number, nor text of one, is 0.
+ */
+QVector<quint32> toNumbers(const QVariant &value);
+
+/**
+ * @p map without the entries that hold a file descriptor, at whatever depth.
+ *
+ * A map that is kept has to be free of them: its sender's files would stay open, and the bus
+ * library leaks a descriptor each time it sends one on inside a compound.
+ */
+QVariantMap withoutDescriptors(const QVariantMap &map);
 
 #endif

@@ -4,6 +4,7 @@
 #include <QDBusObjectPath>
 #include <QDBusSignature>
 #include <QDBusVariant>
+#include <QSequentialIterable>
 #include <QStringList>
 
 #include <algorithm>
@@ -58,6 +59,15 @@ QString renderCompound(const QDBusArgument &argument)
     default:
         return render(argument.asVariant());
     }
+}
+
+/** A list of one type, as in QList<uint>. */
+QString renderSequence(const QSequentialIterable &sequence)
+{
+    QStringList elements;
+    for (const QVariant &element : sequence)
+        elements << render(element);
+    return QLatin1Char('[') + elements.join(QStringLiteral(", ")) + QLatin1Char(']');
 }
 
 template <typename Map>
@@ -119,7 +129,9 @@ QString render(const QVariant &value)
     case QMetaType::QVariantMap:
         return renderVariantMap(value.toMap());
     default:
-        return QStringLiteral("?%1").arg(QLatin1String(value.typeName()));
+        return value.canConvert<QVariantList>()
+                   ? renderSequence(value.value<QSequentialIterable>())
+                   : QStringLiteral("?%1").arg(QLatin1String(value.typeName()));
     }
 }
 

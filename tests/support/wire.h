@@ -1,0 +1,44 @@
+#ifndef WIRE_H
+#define WIRE_H
+
+#include <QString>
+
+struct DBusConnection;
+struct DBusMessage;
+
+/**
+ * A client of the system bus that sends values of any type, on a connection of its own.
+ *
+ * The values of a message are written as busctl takes them, separated by blanks: the signature,
+ * then the values; an array begins with the number of its elements, a variant with its signature.
+ * The empty text is "". A file descriptor is written as h and any number, and is one of /dev/null.
+ */
+class Wire
+{
+public:
+    Wire();
+    ~Wire();
+    Wire(const Wire &) = delete;
+    Wire &operator=(const Wire &) = delete;
+
+    /** The unique name of this client. */
+    QString name() const;
+
+    /**
+     * Calls a method and waits for the first reply.
+     *
+     * @return "()" for a reply without values, the signature in parentheses for another one, for an
+     *         error its name, a colon, a blank and its text
+     */
+    QString call(const QString &service, const QString &path, const QString &interface,
+                 const QString &method, const QString &values = QString());
+
+    /** Sends a signal to everybody. */
+    void signal(const QString &path, const QString &interface, const QString &member,
+                const QString &values);
+
+private:
+    DBusConnection *m_connection;
+};
+
+#endif
