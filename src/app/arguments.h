@@ -1,0 +1,15 @@
+#ifndef ARGUMENTS_H
+#define ARGUMENTS_H
+
+class QDBusMessage;
+
+/**
+ * Whether @p message, a call of a method that takes no arguments, brings none.
+ *
+ * The bus library hands such a method every call of its name, whatever it brings. One that brings
+ * arguments is answered here with the error that every other method of ours answers to a wrong
+ * signature: org.freedesktop.DBus.Error.UnknownMethod.
+ */
+bool hasNoArguments(const QDBusMessage &message);
+
+#endif

@@ -1,0 +1,65 @@
+#include "softwareversion.h"
+
+#include <QElapsedTimer>
+#include <QFile>
+#include <QProcess>
+
+#include <memory>
+
+namespace
+{
+const int longestVersion = 8 * 1024 * 1024;
+const int patience = 3000;
+
+using Finished = void (QProcess::*)(int, QProcess::ExitStatus);
+
+/** Waits until @p process ends, the time is over or it has written more than any version. */
+void waitForEnd(QProcess &process)
+{
+    QElapsedTimer timer;
+    timer.start();
+    while (process.bytesAvailable() <= longestVersion) {
+        const int remaining = patience - static_cast<int>(timer.elapsed());
+        if (remaining <= 0 || !process.waitForReadyRead(remaining))
+            break;
+    }
+    // Its output may be closed while it still runs.
+    const int remaining = patience - static_cast<int>(timer.elapsed());
+    if (process.bytesAvailable() <= longestVersion && remaining > 0)
+        process.waitForFinished(remaining);
+}
+} // namespace
+
+bool readBspVersion(QByteArray &version)
+{
+    QFile file(QStringLiteral("/etc/sw_version"));
+    if (!file.open(QIODevice::ReadOnly | QIODevice::Text))
+        return false;
+    const QByteArray line = file.readLine(longestVersion + 1);
+    if (line.size() > longestVersion)
+        return false;
+    version = line.trimmed();
+    return true;
+}
+
+bool askApplicationVersion(QByteArray &version)
+{
+    std::unique_ptr<QProcess> process(new QProcess);
+    process->setStandardErrorFile(QProcess::nullDevice());
+    process->start(QStringLiteral("/opt/KyApp"), {QStringLiteral("-V")});
+    waitForEnd(*process);
+    if (process->state() != QProcess::NotRunning) {
+        process->kill();
+        // It is collected when its end is announced; nobody waits for that.
+        QProcess *killed = process.release();
+        QObject::connect(killed, static_cast<Finished>(&QProcess::finished), killed,
+                         &QObject::deleteLater);
+        return false;
+    }
+    if (process->error() == QProcess::FailedToStart ||
+        process->exitStatus() != QProcess::NormalExit || process->exitCode() != 0 ||
+        process->bytesAvailable() > longestVersion)
+        return false;
+    version = process->readAllStandardOutput().trimmed();
+    return true;
+}
