@@ -1,5 +1,5 @@
-#include "arguments.h"
 #include "bus.h"
+#include "commandline.h"
 #include "commands.h"
 #include "follower.h"
 #include "help.h"

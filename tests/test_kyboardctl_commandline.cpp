@@ -1,4 +1,4 @@
-#include "arguments.h"
+#include "commandline.h"
 #include "help.h"
 #include "present.h"
 
@@ -8,7 +8,7 @@
 #include <QTest>
 
 /** What kyboardctl makes of its command line, and of values for people and machines. */
-class TestKyboardctlArguments : public QObject
+class TestKyboardctlCommandLine : public QObject
 {
     Q_OBJECT
 
@@ -33,7 +33,7 @@ private:
     static const Command &command(const QString &words);
 };
 
-const Command &TestKyboardctlArguments::command(const QString &words)
+const Command &TestKyboardctlCommandLine::command(const QString &words)
 {
     int used = 0;
     const Command *found = findCommand(words.split(' '), &used);
@@ -42,7 +42,7 @@ const Command &TestKyboardctlArguments::command(const QString &words)
     return *found;
 }
 
-void TestKyboardctlArguments::goodArgumentsBecomeValues_data()
+void TestKyboardctlCommandLine::goodArgumentsBecomeValues_data()
 {
     QTest::addColumn<QString>("words");
     QTest::addColumn<QStringList>("arguments");
@@ -76,7 +76,7 @@ void TestKyboardctlArguments::goodArgumentsBecomeValues_data()
                                                 {"AdjustementCoefficients", QVariantList{1u, 2u}}}};
 }
 
-void TestKyboardctlArguments::goodArgumentsBecomeValues()
+void TestKyboardctlCommandLine::goodArgumentsBecomeValues()
 {
     QFETCH(QString, words);
     QFETCH(QStringList, arguments);
@@ -89,7 +89,7 @@ void TestKyboardctlArguments::goodArgumentsBecomeValues()
     QCOMPARE(parsed, values);
 }
 
-void TestKyboardctlArguments::wrongArgumentsAreComplainedAbout_data()
+void TestKyboardctlCommandLine::wrongArgumentsAreComplainedAbout_data()
 {
     QTest::addColumn<QString>("words");
     QTest::addColumn<QStringList>("arguments");
@@ -130,7 +130,7 @@ void TestKyboardctlArguments::wrongArgumentsAreComplainedAbout_data()
            "@FILE";
 }
 
-void TestKyboardctlArguments::wrongArgumentsAreComplainedAbout()
+void TestKyboardctlCommandLine::wrongArgumentsAreComplainedAbout()
 {
     QFETCH(QString, words);
     QFETCH(QStringList, arguments);
@@ -142,7 +142,7 @@ void TestKyboardctlArguments::wrongArgumentsAreComplainedAbout()
     QCOMPARE(actual, complaint);
 }
 
-void TestKyboardctlArguments::secretsAreAskedForNeverTakenFromTheCommandLine()
+void TestKyboardctlCommandLine::secretsAreAskedForNeverTakenFromTheCommandLine()
 {
     const QStringList record = {"Subsidiary=1",     "Fabrication=2", "Brand=3",
                                 "Type=4",           "Model=8345",    "SerialNumber=12345678",
@@ -169,7 +169,7 @@ void TestKyboardctlArguments::secretsAreAskedForNeverTakenFromTheCommandLine()
     QCOMPARE(complaint, QStringLiteral("IrdSessionPassword is not taken from the command line"));
 }
 
-void TestKyboardctlArguments::withoutItsSecretsNothingIsComplete()
+void TestKyboardctlCommandLine::withoutItsSecretsNothingIsComplete()
 {
     const QStringList record = {"Subsidiary=1",     "Fabrication=2", "Brand=3",
                                 "Type=4",           "Model=8345",    "SerialNumber=12345678",
@@ -181,7 +181,7 @@ void TestKyboardctlArguments::withoutItsSecretsNothingIsComplete()
     QCOMPARE(complaint, QStringLiteral("IrdInstrumentPassword could not be read"));
 }
 
-void TestKyboardctlArguments::numbersComeFromAFileToo()
+void TestKyboardctlCommandLine::numbersComeFromAFileToo()
 {
     QTemporaryFile file;
     QVERIFY(file.open());
@@ -194,7 +194,7 @@ void TestKyboardctlArguments::numbersComeFromAFileToo()
     QCOMPARE(value, QVariant(QVariantList{1u, 2u, 3u, 4294967295u}));
 }
 
-void TestKyboardctlArguments::everyCommandIsFoundByItsWords()
+void TestKyboardctlCommandLine::everyCommandIsFoundByItsWords()
 {
     for (const Command &expected : commands()) {
         int used = 0;
@@ -206,7 +206,7 @@ void TestKyboardctlArguments::everyCommandIsFoundByItsWords()
     QVERIFY(!findCommand({}, &used));
 }
 
-void TestKyboardctlArguments::helpNamesEveryCommand()
+void TestKyboardctlCommandLine::helpNamesEveryCommand()
 {
     const QString text = helpText({});
     for (const Command &each : commands()) {
@@ -218,7 +218,7 @@ void TestKyboardctlArguments::helpNamesEveryCommand()
     QVERIFY(!helpText({"led", "set"}).contains("kyboardctl led list"));
 }
 
-void TestKyboardctlArguments::completionKnowsWhatMayFollow_data()
+void TestKyboardctlCommandLine::completionKnowsWhatMayFollow_data()
 {
     QTest::addColumn<QStringList>("words");
     QTest::addColumn<QStringList>("candidates");
@@ -234,14 +234,14 @@ void TestKyboardctlArguments::completionKnowsWhatMayFollow_data()
     QTest::newRow("nothing") << QStringList{"user", "get", ""} << QStringList();
 }
 
-void TestKyboardctlArguments::completionKnowsWhatMayFollow()
+void TestKyboardctlCommandLine::completionKnowsWhatMayFollow()
 {
     QFETCH(QStringList, words);
     QFETCH(QStringList, candidates);
     QCOMPARE(completions(words), candidates);
 }
 
-void TestKyboardctlArguments::valuesForPeople_data()
+void TestKyboardctlCommandLine::valuesForPeople_data()
 {
     QTest::addColumn<QVariantList>("values");
     QTest::addColumn<QString>("text");
@@ -258,14 +258,14 @@ void TestKyboardctlArguments::valuesForPeople_data()
                                << "IPv4  A=1\n";
 }
 
-void TestKyboardctlArguments::valuesForPeople()
+void TestKyboardctlCommandLine::valuesForPeople()
 {
     QFETCH(QVariantList, values);
     QFETCH(QString, text);
     QCOMPARE(replyText(values), text);
 }
 
-void TestKyboardctlArguments::valuesForMachines()
+void TestKyboardctlCommandLine::valuesForMachines()
 {
     QCOMPARE(replyJson({}), QJsonValue());
     QCOMPARE(replyJson({QVariant("user1")}), QJsonValue("user1"));
@@ -277,5 +277,5 @@ void TestKyboardctlArguments::valuesForMachines()
              QJsonValue(QJsonObject{{"k", QJsonArray{"x"}}}));
 }
 
-QTEST_GUILESS_MAIN(TestKyboardctlArguments)
-#include "test_kyboardctl_arguments.moc"
+QTEST_GUILESS_MAIN(TestKyboardctlCommandLine)
+#include "test_kyboardctl_commandline.moc"

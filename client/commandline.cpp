@@ -1,4 +1,4 @@
-#include "arguments.h"
+#include "commandline.h"
 
 #include <QFile>
 #include <QRegExp>

@@ -1,5 +1,5 @@
-#ifndef ARGUMENTS_H
-#define ARGUMENTS_H
+#ifndef COMMANDLINE_H
+#define COMMANDLINE_H
 
 #include "commands.h"
 
