@@ -1,0 +1,68 @@
+#include "enumnames.h"
+
+#include <QObject>
+#include <QTest>
+
+/** The names of enumerators; the enumeration is a registered one of this class. */
+class TestEnumNames : public QObject
+{
+    Q_OBJECT
+    Q_ENUMS(Fruit)
+
+public:
+    enum Fruit { Apple = 3, Pear = 0, Quince = -7 };
+
+private Q_SLOTS:
+    void everyNameHasItsValue();
+    void anyOtherNameHasNone_data();
+    void anyOtherNameHasNone();
+    void everyValueHasItsName();
+    void anyOtherValueHasNone();
+
+private:
+    const QMetaEnum fruits = registeredEnum(staticMetaObject, "Fruit");
+};
+
+void TestEnumNames::everyNameHasItsValue()
+{
+    QCOMPARE(enumValue(fruits, "Apple").value_or(-1), 3);
+    QCOMPARE(enumValue(fruits, "Pear").value_or(-1), 0);
+    QCOMPARE(enumValue(fruits, "Quince").value_or(-1), -7);
+}
+
+void TestEnumNames::anyOtherNameHasNone_data()
+{
+    QTest::addColumn<QString>("name");
+    QTest::newRow("empty") << "";
+    QTest::newRow("lower case") << "apple";
+    QTest::newRow("qualified") << "TestEnumNames::Apple";
+    QTest::newRow("qualified with the enumeration") << "Fruit::Apple";
+    QTest::newRow("blank before") << " Apple";
+    QTest::newRow("blank behind") << "Apple ";
+    QTest::newRow("two") << "Apple|Pear";
+    QTest::newRow("beginning") << "Appl";
+    QTest::newRow("number") << "3";
+    QTest::newRow("other letters") << QString::fromUtf8("\u0410pple");
+}
+
+void TestEnumNames::anyOtherNameHasNone()
+{
+    QFETCH(QString, name);
+    QVERIFY(!enumValue(fruits, name));
+}
+
+void TestEnumNames::everyValueHasItsName()
+{
+    QCOMPARE(enumName(fruits, 3), QStringLiteral("Apple"));
+    QCOMPARE(enumName(fruits, 0), QStringLiteral("Pear"));
+    QCOMPARE(enumName(fruits, -7), QStringLiteral("Quince"));
+}
+
+void TestEnumNames::anyOtherValueHasNone()
+{
+    for (const int value : {1, 2, -1, INT_MAX, INT_MIN})
+        QCOMPARE(enumName(fruits, value), QString());
+}
+
+QTEST_APPLESS_MAIN(TestEnumNames)
+#include "test_enumnames.moc"
