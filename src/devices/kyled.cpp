@@ -1,0 +1,96 @@
+#include "kyled.h"
+
+#include "enumnames.h"
+#include "error.h"
+#include "ledpattern.h"
+
+namespace
+{
+QMetaEnum ledNames()
+{
+    return registeredEnum(KyLED::staticMetaObject, "Led");
+}
+
+QMetaEnum stateNames()
+{
+    return registeredEnum(KyLED::staticMetaObject, "State");
+}
+
+std::optional<KyAlimentation::BatteryStatus> batteryStatusNamed(const QString &name)
+{
+    const std::optional<int> value =
+        enumValue(registeredEnum(KyAlimentation::staticMetaObject, "BatteryStatus"), name);
+    if (!value)
+        return std::nullopt;
+    return static_cast<KyAlimentation::BatteryStatus>(*value);
+}
+} // namespace
+
+KyLED::KyLED(QObject *parent) : QDBusAbstractAdaptor(parent) {}
+
+void KyLED::setLEDStatus(QString led, QString status, const QDBusMessage &message)
+{
+    const std::optional<int> number = enumValue(ledNames(), led);
+    if (!number) {
+        sendErrorReply(Error::InvalidArgument, QStringLiteral("The LED is unknown"), message);
+        return;
+    }
+    const std::optional<int> state = enumValue(stateNames(), status);
+    if (!state) {
+        sendErrorReply(Error::InvalidArgument, QStringLiteral("The status is unknown"), message);
+        return;
+    }
+    if (m_leds.setLedState(static_cast<e_leds>(*number), static_cast<e_led_state>(*state)) != 0) {
+        // Clients match on this wording.
+        sendErrorReply(Error::Write,
+                       QStringLiteral("Enable to set led ") + led + QStringLiteral(" to status ") +
+                           status,
+                       message);
+    }
+}
+
+QVariantMap KyLED::getLEDStatus()
+{
+    QVariantMap shown;
+    const QMetaEnum leds = ledNames();
+    for (int index = 0; index < leds.keyCount(); ++index) {
+        e_led_state state = LED_UNKNOWN;
+        if (m_leds.getLedState(static_cast<e_leds>(leds.value(index)), &state) != 0)
+            continue;
+        const QString name = enumName(stateNames(), static_cast<int>(state));
+        // A number that the library should not give still gets a name that clients know.
+        shown.insert(QString::fromLatin1(leds.key(index)),
+                     name.isEmpty() ? enumName(stateNames(), UNKNOWN) : name);
+    }
+    return shown;
+}
+
+void KyLED::prepareForShutdown()
+{
+    show({{POWER_G, OFF}, {POWER_Y, BLINK_3HZ}});
+}
+
+void KyLED::handleAlimentation(const QString &status)
+{
+    if (const auto known = batteryStatusNamed(status))
+        show(batteryGaugePattern(*known));
+}
+
+void KyLED::handlePowerButton(const QString &status)
+{
+    if (const auto known = batteryStatusNamed(status))
+        show(powerButtonPattern(*known));
+}
+
+void KyLED::handleStorage(const QString &device, bool isMounted)
+{
+    if (device == QLatin1String("SD"))
+        show({{SD_STATUS, isMounted ? ON : OFF}});
+}
+
+void KyLED::show(const QVector<LedSetting> &settings)
+{
+    for (const LedSetting &setting : settings)
+        m_leds.setLedState(static_cast<e_leds>(setting.led),
+                           static_cast<e_led_state>(setting.state));
+}

@@ -1,0 +1,73 @@
+#include "ledpattern.h"
+
+namespace
+{
+const KyLED::State OFF = KyLED::OFF;
+const KyLED::State BLINK_1HZ = KyLED::BLINK_1HZ;
+const KyLED::State BLINK_3HZ = KyLED::BLINK_3HZ;
+const KyLED::State ON = KyLED::ON;
+
+// The columns of the table of the battery gauge, and those of the power button.
+const KyLED::Led gaugeLeds[] = {KyLED::BAT_RS1, KyLED::BAT_GS1, KyLED::BAT_GS2,
+                                KyLED::BAT_GS3, KyLED::BAT_GS4, KyLED::BAT_GS5};
+const KyLED::Led buttonLeds[] = {KyLED::POWER_G, KyLED::POWER_Y};
+
+const int gaugeColumns = sizeof gaugeLeds / sizeof gaugeLeds[0];
+const int buttonColumns = sizeof buttonLeds / sizeof buttonLeds[0];
+
+/** What the LEDs show for a battery status; the rows are indexed by it. */
+struct Pattern {
+    KyLED::State gauge[gaugeColumns];
+    KyLED::State button[buttonColumns];
+};
+
+// While the battery is being charged, the segment that is being filled blinks.
+// clang-format off
+const Pattern patterns[] = {
+    //                             BAT_RS1    BAT_GS1    BAT_GS2    BAT_GS3    BAT_GS4    BAT_GS5      POWER_G    POWER_Y
+    /* CHARGER_OFF_UNKNOWN_BAT */ {{BLINK_3HZ, OFF,       OFF,       OFF,       OFF,       OFF      }, {OFF,       OFF      }},
+    /* CHARGER_ON_NO_BAT       */ {{BLINK_1HZ, OFF,       OFF,       OFF,       OFF,       OFF      }, {OFF,       OFF      }},
+    /* CHARGER_OFF_BAT_PRWT    */ {{BLINK_1HZ, OFF,       OFF,       OFF,       OFF,       OFF      }, {OFF,       BLINK_1HZ}},
+    /* CHARGER_OFF_BAT_INF_20  */ {{ON,        OFF,       OFF,       OFF,       OFF,       OFF      }, {OFF,       ON       }},
+    /* CHARGER_OFF_BAT_INF_40  */ {{OFF,       ON,        ON,        OFF,       OFF,       OFF      }, {OFF,       ON       }},
+    /* CHARGER_OFF_BAT_INF_60  */ {{OFF,       ON,        ON,        ON,        OFF,       OFF      }, {OFF,       ON       }},
+    /* CHARGER_OFF_BAT_INF_80  */ {{OFF,       ON,        ON,        ON,        ON,        OFF      }, {OFF,       ON       }},
+    /* CHARGER_OFF_BAT_INF_100 */ {{OFF,       ON,        ON,        ON,        ON,        ON       }, {OFF,       ON       }},
+    /* CHARGER_ON_BAT_INF_20   */ {{OFF,       BLINK_1HZ, OFF,       OFF,       OFF,       OFF      }, {BLINK_1HZ, OFF      }},
+    /* CHARGER_ON_BAT_INF_40   */ {{OFF,       ON,        BLINK_1HZ, OFF,       OFF,       OFF      }, {BLINK_1HZ, OFF      }},
+    /* CHARGER_ON_BAT_INF_60   */ {{OFF,       ON,        ON,        BLINK_1HZ, OFF,       OFF      }, {BLINK_1HZ, OFF      }},
+    /* CHARGER_ON_BAT_INF_80   */ {{OFF,       ON,        ON,        ON,        BLINK_1HZ, OFF      }, {BLINK_1HZ, OFF      }},
+    /* CHARGER_ON_BAT_INF_100  */ {{OFF,       ON,        ON,        ON,        ON,        BLINK_1HZ}, {BLINK_1HZ, OFF      }},
+    /* CHARGER_ON_BAT_FULL     */ {{OFF,       ON,        ON,        ON,        ON,        ON       }, {ON,        OFF      }},
+};
+// clang-format on
+
+/** Everything off, then the steady LEDs from the last to the first, then those that blink. */
+template <int Columns>
+QVector<LedSetting> inOrder(const KyLED::Led (&leds)[Columns],
+                            const KyLED::State (&states)[Columns])
+{
+    QVector<LedSetting> settings;
+    for (const KyLED::Led led : leds)
+        settings.append({led, OFF});
+    for (int column = Columns - 1; column >= 0; --column) {
+        if (states[column] == ON)
+            settings.append({leds[column], ON});
+    }
+    for (int column = 0; column < Columns; ++column) {
+        if (states[column] != ON && states[column] != OFF)
+            settings.append({leds[column], states[column]});
+    }
+    return settings;
+}
+} // namespace
+
+QVector<LedSetting> batteryGaugePattern(KyAlimentation::BatteryStatus status)
+{
+    return inOrder(gaugeLeds, patterns[status].gauge);
+}
+
+QVector<LedSetting> powerButtonPattern(KyAlimentation::BatteryStatus status)
+{
+    return inOrder(buttonLeds, patterns[status].button);
+}
