@@ -1,0 +1,106 @@
+#include "kysdcardthread.h"
+
+#include "uevent.h"
+
+#include <csignal>
+#include <linux/netlink.h>
+#include <sys/socket.h>
+#include <unistd.h>
+
+namespace
+{
+// Groups of listeners to device events: the kernel's own and one more of the platform.
+const unsigned int eventGroups = 0x11;
+
+// Room for ten thousand of the largest events that the kernel sends, should the listener not get
+// to run for a while. The kernel doubles it, for what it keeps beside each event.
+const int receiveBufferSize = 32 * 1024 * 1024;
+
+using EventBuffer = char[4096];
+
+/** Signals are for the other threads: here they would interrupt a receive. */
+void leaveSignalsToOthers()
+{
+    sigset_t all;
+    sigfillset(&all);
+    pthread_sigmask(SIG_SETMASK, &all, nullptr);
+}
+
+/** Keeps a burst of events from being lost, and from counting as a failure if some are lost. */
+void prepareForBursts(int descriptor)
+{
+    const int size = receiveBufferSize;
+    // Without the privilege to exceed it, the system's limit applies.
+    if (setsockopt(descriptor, SOL_SOCKET, SO_RCVBUFFORCE, &size, sizeof size) != 0)
+        setsockopt(descriptor, SOL_SOCKET, SO_RCVBUF, &size, sizeof size);
+    const int on = 1;
+    setsockopt(descriptor, SOL_NETLINK, NETLINK_NO_ENOBUFS, &on, sizeof on);
+}
+
+int bindToEvents(int descriptor)
+{
+    sockaddr_nl address = {};
+    address.nl_family = AF_NETLINK;
+    address.nl_groups = eventGroups;
+    return bind(descriptor, reinterpret_cast<const sockaddr *>(&address), sizeof address);
+}
+
+/** The length of the event received into @p buffer, which ends with a zero; negative on failure. */
+ssize_t receive(int descriptor, EventBuffer &buffer)
+{
+    sockaddr_nl sender = {};
+    iovec part = {buffer, sizeof buffer};
+    msghdr message = {};
+    message.msg_name = &sender;
+    message.msg_namelen = sizeof sender;
+    message.msg_iov = &part;
+    message.msg_iovlen = 1;
+    const ssize_t length = recvmsg(descriptor, &message, 0);
+    buffer[sizeof buffer - 1] = '\0';
+    return length;
+}
+} // namespace
+
+KySdcardThread::KySdcardThread() : m_stopRequested(false) {}
+
+void KySdcardThread::run()
+{
+    leaveSignalsToOthers();
+    const int descriptor = socket(AF_NETLINK, SOCK_RAW | SOCK_CLOEXEC, NETLINK_KOBJECT_UEVENT);
+    prepareForBursts(descriptor);
+    // This fails, too, when the socket could not be opened.
+    if (bindToEvents(descriptor) == 0)
+        listen(descriptor);
+    close(descriptor);
+}
+
+void KySdcardThread::stop()
+{
+    m_stopRequested = true;
+}
+
+void KySdcardThread::listen(int descriptor)
+{
+    EventBuffer buffer;
+    while (!m_stopRequested) {
+        const ssize_t length = receive(descriptor, buffer);
+        if (length < 0)
+            return;
+        switch (storageEvent({buffer, static_cast<size_t>(length)})) {
+        case StorageEvent::SdCardInserted:
+            Q_EMIT sdcardEvent(true);
+            break;
+        case StorageEvent::SdCardRemoved:
+            Q_EMIT sdcardEvent(false);
+            break;
+        case StorageEvent::UsbKeyInserted:
+            Q_EMIT usbKeyEvent(true);
+            break;
+        case StorageEvent::UsbKeyRemoved:
+            Q_EMIT usbKeyEvent(false);
+            break;
+        case StorageEvent::None:
+            break;
+        }
+    }
+}
