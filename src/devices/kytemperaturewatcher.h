@@ -1,0 +1,74 @@
+#ifndef KYTEMPERATUREWATCHER_H
+#define KYTEMPERATUREWATCHER_H
+
+#include "itemperature.h"
+
+#include <QDBusAbstractAdaptor>
+#include <QString>
+#include <QVariantMap>
+
+class KyTemperature;
+class QDBusMessage;
+class QTimer;
+
+/**
+ * The board's temperatures: read on request and checked periodically against a threshold each.
+ *
+ * Temperatures and thresholds are in the board library's unit. Thresholds and interval are not
+ * saved: they are 80 and 300000 ms at every start.
+ */
+class KyTemperatureWatcher : public QDBusAbstractAdaptor
+{
+    Q_OBJECT
+    Q_CLASSINFO("D-Bus Interface", "com.orvendis.Strandel.BoardManager.Temperature")
+    Q_ENUMS(Device)
+
+public:
+    /** The sensors, by the board library's numbers. */
+    enum Device {
+        SOM = TEMPDEV_SOM,
+        ANALOG_CHAIN = TEMPDEV_ANALOG_CHAIN,
+    };
+
+    /** Starts the periodic check. */
+    explicit KyTemperatureWatcher(QObject *parent);
+
+public Q_SLOTS:
+    /**
+     * Reads both sensors and announces each one that is at or above its threshold.
+     *
+     * @return the temperature (int) of each sensor by its name; one that cannot be read is left out
+     */
+    QVariantMap getTemperatures();
+
+    /**
+     * Sets the threshold of @p device, a name of Device; any number will do.
+     *
+     * Error::m_invalidArgument for any other name.
+     */
+    void setTemperatureThreshold(QString device, int threshold, const QDBusMessage &message);
+
+    /**
+     * Makes the periodic check run every @p interval milliseconds, counted from now.
+     *
+     * Error::m_invalidArgument for less than 1000.
+     */
+    void setInterval(int interval, const QDBusMessage &message);
+
+    /** Checks now, as the timer does: like getTemperatures(), without the result. */
+    void periodicTemperatureCheck();
+
+Q_SIGNALS:
+    /** Sent at every reading for as long as @p device is at or above its threshold. */
+    void temperatureReached(QString device, int temperature);
+
+private:
+    void readSensor(KyTemperature &sensors, Device device, int threshold, const char *failure,
+                    QVariantMap &temperatures);
+
+    QTimer *m_checkTimer;
+    int m_somThreshold;
+    int m_analogChainThreshold;
+};
+
+#endif
