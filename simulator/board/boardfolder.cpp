@@ -92,6 +92,10 @@ void createFile(const std::string &file, const std::string &content)
  */
 void restore(const std::string &file)
 {
+    if (access(root().c_str(), F_OK) != 0) {
+        create();
+        return;
+    }
     const Lock lock;
     const std::string folder = folderOf(file);
     if (access(pathOf(folder).c_str(), F_OK) != 0) {

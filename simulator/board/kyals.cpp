@@ -79,7 +79,7 @@ int KyAls::getinterruptHandler()
 
 int KyAls::interruptRead(bool *raised)
 {
-    return Call("KyAls.interruptRead").read(raised, false, [this] {
+    return Call("KyAls.interruptRead").read(raised, true, [this] {
         return sensor(m_handle).acknowledge();
     });
 }

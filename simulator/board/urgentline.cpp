@@ -1,25 +1,40 @@
 #include "urgentline.h"
 
 #include <arpa/inet.h>
-#include <fcntl.h>
+#include <cerrno>
 #include <netinet/in.h>
 #include <netinet/tcp.h>
+#include <poll.h>
 #include <sys/socket.h>
 
 namespace
 {
+const int connectTimeout = 250;
+
+/** Waits until the connection stands; it never does where the loopback interface is down. */
+bool waitForConnection(int sender)
+{
+    pollfd waited = {sender, POLLOUT, 0};
+    int error = 0;
+    socklen_t length = sizeof error;
+    return poll(&waited, 1, connectTimeout) == 1 &&
+           getsockopt(sender, SOL_SOCKET, SO_ERROR, &error, &length) == 0 && error == 0;
+}
+
 bool connectOverLoopback(Descriptor &sender, Descriptor &receiver)
 {
+    const int type = SOCK_STREAM | SOCK_CLOEXEC | SOCK_NONBLOCK;
     sockaddr_in here = {};
     here.sin_family = AF_INET;
     here.sin_addr.s_addr = htonl(INADDR_LOOPBACK);
     socklen_t length = sizeof here;
     sockaddr *address = reinterpret_cast<sockaddr *>(&here);
-    const Descriptor listener(socket(AF_INET, SOCK_STREAM | SOCK_CLOEXEC, 0));
-    sender.reset(socket(AF_INET, SOCK_STREAM | SOCK_CLOEXEC, 0));
+    const Descriptor listener(socket(AF_INET, type, 0));
+    sender.reset(socket(AF_INET, type, 0));
     if (bind(listener.get(), address, length) != 0 || listen(listener.get(), 1) != 0 ||
         getsockname(listener.get(), address, &length) != 0 ||
-        connect(sender.get(), address, length) != 0)
+        (connect(sender.get(), address, length) != 0 && errno != EINPROGRESS) ||
+        !waitForConnection(sender.get()))
         return false;
 
     sockaddr_in caller = {};
@@ -27,8 +42,9 @@ bool connectOverLoopback(Descriptor &sender, Descriptor &receiver)
     receiver.reset(accept4(listener.get(), reinterpret_cast<sockaddr *>(&caller), &length,
                            SOCK_CLOEXEC | SOCK_NONBLOCK));
     // Some other program may have found the listener first.
-    const int opened = receiver.isOpen() ? getsockname(sender.get(), address, &length) : -1;
-    return opened == 0 && caller.sin_port == here.sin_port;
+    length = sizeof here;
+    return receiver.isOpen() && getsockname(sender.get(), address, &length) == 0 &&
+           caller.sin_port == here.sin_port;
 }
 } // namespace
 

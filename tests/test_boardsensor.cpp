@@ -1,0 +1,538 @@
+#include "board.h"
+
+#include "kyals.h"
+
+#include <QCoreApplication>
+#include <QDir>
+#include <QFile>
+#include <QProcess>
+#include <QSocketNotifier>
+#include <QTest>
+
+#include <cerrno>
+#include <cstdlib>
+#include <fcntl.h>
+#include <memory>
+#include <poll.h>
+#include <sys/wait.h>
+#include <unistd.h>
+
+namespace
+{
+/** How long we look when nothing is to happen; a wrong interrupt comes within a millisecond. */
+const int quietTime = 40;
+const int deadline = 20000;
+
+bool isUrgent(int descriptor, int milliseconds)
+{
+    pollfd waited = {descriptor, POLLPRI, 0};
+    return poll(&waited, 1, milliseconds) > 0 && (waited.revents & POLLPRI);
+}
+
+/** Takes the interrupt off the descriptor, as every reader does. */
+void drain(int descriptor)
+{
+    char bytes[8];
+    const ssize_t count = read(descriptor, bytes, sizeof bytes);
+    static_cast<void>(count);
+}
+
+/** The part of another process: it leaves with its sensor still at work. */
+int leaveWithASensor()
+{
+    KyAls &sensor = *new KyAls;
+    if (sensor.init() != 0 || sensor.interruptEnable(true) != 0)
+        return 2;
+    std::exit(3);
+}
+
+QStringList tasks()
+{
+    return QDir(QStringLiteral("/proc/self/task")).entryList(QDir::Dirs | QDir::NoDotAndDotDot);
+}
+} // namespace
+
+/** The interrupt of the simulated light sensor. */
+class TestBoardSensor : public QObject
+{
+    Q_OBJECT
+
+private Q_SLOTS:
+    void init();
+    void cleanup();
+
+    void lightBeyondTheBandInterrupts_data();
+    void lightBeyondTheBandInterrupts();
+    void lightInsideTheBandDoesNot_data();
+    void lightInsideTheBandDoesNot();
+    void lightThatComesBackInterrupts();
+    void lightThatMovesOnOutsideInterrupts();
+    void theSameLightWrittenAgainDoesNot();
+    void aNotifierFiresOnce();
+    void everyWayToWriteTheFileCounts_data();
+    void everyWayToWriteTheFileCounts();
+
+    void oneInterruptIsPendingUntilAcknowledged();
+    void aChangeBeforeTheAcknowledgementIsNotLost();
+    void aChangeThatWasReadDoesNotInterruptAgain();
+    void aReaderInBetweenTakesNoInterruptAway();
+    void lightThatStaysOutsideInterruptsAgain();
+    void lightThatIsBackInsideDoesNotInterruptAgain();
+
+    void withInterruptsDisabledNothingHappens();
+    void lightThatWasReadBeforeEnablingDoesNotInterruptAtOnce();
+    void lightThatChangedBeforeEnablingInterrupts();
+    void disablingWithdrawsTheInterrupt();
+    void initialisingTurnsInterruptsOff();
+    void newThresholdsAreCompared();
+    void anInterruptCanBeRaisedByHand();
+
+    void nonsenseDoesNotInterruptAndIsGotOver();
+    void aFolderThatIsMadeAnewIsWatchedAgain();
+    void theDescriptorDoesNotBlockAndIsNotInherited();
+    void withoutALoopbackInterfaceThereIsNoDescriptor();
+    void twoSensorsBothInterrupt();
+
+    void aSensorDoesNotHoldUpTheProcess();
+    void aForkedChildCanDropTheSensor();
+    void theWatcherTakesNoSignals();
+
+private:
+    float lux() const;
+    bool acknowledge() const;
+    void leaveBand() const;
+
+    std::unique_ptr<KyAls> m_sensor;
+    int m_line = -1;
+};
+
+/** A sensor in use at 120 lux, with a band of 100 to 175 lux and a persistence time of 5 s. */
+void TestBoardSensor::init()
+{
+    Board::reset();
+    m_sensor.reset(new KyAls);
+    QCOMPARE(m_sensor->init(), 0);
+    QCOMPARE(lux(), 120.0F);
+    QCOMPARE(m_sensor->setThresholds(m_sensor->convLuxInExponentMantissaByte(175),
+                                     m_sensor->convLuxInExponentMantissaByte(100)),
+             0);
+    QCOMPARE(m_sensor->setThresholdsTimer(50), 0);
+    QCOMPARE(m_sensor->interruptEnable(true), 0);
+    m_line = m_sensor->getinterruptHandler();
+    QVERIFY(m_line >= 0);
+}
+
+void TestBoardSensor::cleanup()
+{
+    m_sensor.reset();
+}
+
+float TestBoardSensor::lux() const
+{
+    float value = -1;
+    return m_sensor->readLux(&value) == 0 ? value : -1;
+}
+
+/** Whether there was an interrupt to acknowledge. */
+bool TestBoardSensor::acknowledge() const
+{
+    bool raised = false;
+    return m_sensor->interruptRead(&raised) == 0 && raised;
+}
+
+void TestBoardSensor::leaveBand() const
+{
+    Board::set("als/lux", "500");
+    QVERIFY(isUrgent(m_line, deadline));
+    drain(m_line);
+}
+
+void TestBoardSensor::lightBeyondTheBandInterrupts_data()
+{
+    QTest::addColumn<QString>("light");
+
+    for (const char *light : {"176", "1000", "0", "99.9"})
+        QTest::newRow(light) << QString::fromLatin1(light);
+}
+
+void TestBoardSensor::lightBeyondTheBandInterrupts()
+{
+    QFETCH(QString, light);
+
+    Board::set("als/lux", light);
+
+    QVERIFY(isUrgent(m_line, deadline));
+    QCOMPARE(Board::get("als/interrupt"), QStringLiteral("1"));
+    QCOMPARE(lux(), light.toFloat());
+    drain(m_line);
+    QVERIFY(acknowledge());
+    QCOMPARE(Board::get("als/interrupt"), QStringLiteral("0"));
+    QVERIFY(!isUrgent(m_line, quietTime));
+    QVERIFY(!acknowledge());
+}
+
+void TestBoardSensor::lightInsideTheBandDoesNot_data()
+{
+    QTest::addColumn<QString>("light");
+
+    for (const char *light : {"100", "121", "175", "175.9"})
+        QTest::newRow(light) << QString::fromLatin1(light);
+}
+
+void TestBoardSensor::lightInsideTheBandDoesNot()
+{
+    QFETCH(QString, light);
+
+    Board::set("als/lux", light);
+
+    QVERIFY(!isUrgent(m_line, quietTime));
+    QCOMPARE(Board::get("als/interrupt"), QStringLiteral("0"));
+}
+
+void TestBoardSensor::lightThatComesBackInterrupts()
+{
+    leaveBand();
+    QVERIFY(acknowledge());
+
+    Board::set("als/lux", "120");
+
+    QVERIFY(isUrgent(m_line, deadline));
+    QVERIFY(acknowledge());
+}
+
+void TestBoardSensor::lightThatMovesOnOutsideInterrupts()
+{
+    leaveBand();
+    QVERIFY(acknowledge());
+
+    Board::set("als/lux", "501");
+
+    QVERIFY(isUrgent(m_line, deadline));
+}
+
+void TestBoardSensor::theSameLightWrittenAgainDoesNot()
+{
+    leaveBand();
+    QVERIFY(acknowledge());
+
+    Board::set("als/lux", "500.0");
+
+    QVERIFY(!isUrgent(m_line, quietTime));
+}
+
+void TestBoardSensor::aNotifierFiresOnce()
+{
+    QList<float> activations;
+    QSocketNotifier notifier(m_line, QSocketNotifier::Exception);
+    connect(&notifier, &QSocketNotifier::activated, this, [&] {
+        activations << lux();
+        drain(m_line);
+        acknowledge();
+    });
+
+    Board::set("als/lux", "500");
+
+    QTRY_VERIFY_WITH_TIMEOUT(!activations.isEmpty(), deadline);
+    QTest::qWait(quietTime);
+    QCOMPARE(activations, QList<float>{500.0F});
+}
+
+void TestBoardSensor::everyWayToWriteTheFileCounts_data()
+{
+    QTest::addColumn<QString>("command");
+
+    QTest::newRow("echo") << "echo 500 >lux";
+    QTest::newRow("dd in place") << "printf 500 | dd of=lux conv=notrunc status=none";
+    QTest::newRow("mv") << "echo 500 >new && mv new lux";
+    QTest::newRow("away and back") << "mv lux aside; sed -i s/120/500/ aside; mv aside lux";
+}
+
+void TestBoardSensor::everyWayToWriteTheFileCounts()
+{
+    QFETCH(QString, command);
+
+    QCOMPARE(QProcess::execute("sh", {"-c", "cd " + Board::pathOf("als") + " && " + command}), 0);
+
+    QVERIFY(isUrgent(m_line, deadline));
+    QCOMPARE(lux(), 500.0F);
+}
+
+void TestBoardSensor::oneInterruptIsPendingUntilAcknowledged()
+{
+    leaveBand();
+
+    for (const char *light : {"600", "120", "5", "700"})
+        Board::set("als/lux", light);
+
+    QVERIFY(!isUrgent(m_line, quietTime));
+    QCOMPARE(Board::get("als/interrupt"), QStringLiteral("1"));
+}
+
+void TestBoardSensor::aChangeBeforeTheAcknowledgementIsNotLost()
+{
+    leaveBand();
+    QCOMPARE(lux(), 500.0F);
+    Board::set("als/lux", "5");
+
+    QVERIFY(acknowledge());
+
+    QVERIFY(isUrgent(m_line, deadline));
+    QCOMPARE(lux(), 5.0F);
+}
+
+void TestBoardSensor::aChangeThatWasReadDoesNotInterruptAgain()
+{
+    leaveBand();
+    Board::set("als/lux", "5");
+    QCOMPARE(lux(), 5.0F);
+
+    QVERIFY(acknowledge());
+
+    QVERIFY(!isUrgent(m_line, quietTime));
+}
+
+void TestBoardSensor::aReaderInBetweenTakesNoInterruptAway()
+{
+    for (int round = 0; round < 100; ++round) {
+        const float light = 500.0F + static_cast<float>(round);
+        Board::set("als/lux", QString::number(double(light)));
+        // Sometimes before and sometimes after the sensor has noticed.
+        QCOMPARE(lux(), light);
+        QVERIFY(isUrgent(m_line, deadline));
+        drain(m_line);
+        QVERIFY(acknowledge());
+    }
+}
+
+void TestBoardSensor::lightThatStaysOutsideInterruptsAgain()
+{
+    QCOMPARE(m_sensor->setThresholdsTimer(1), 0);
+    leaveBand();
+    QCOMPARE(lux(), 500.0F);
+    QVERIFY(acknowledge());
+
+    QVERIFY(!isUrgent(m_line, 50));
+    QVERIFY(isUrgent(m_line, deadline));
+    drain(m_line);
+    QVERIFY(acknowledge());
+    QVERIFY(isUrgent(m_line, deadline));
+}
+
+void TestBoardSensor::lightThatIsBackInsideDoesNotInterruptAgain()
+{
+    QCOMPARE(m_sensor->setThresholdsTimer(1), 0);
+    leaveBand();
+    Board::set("als/lux", "120");
+    QCOMPARE(lux(), 120.0F);
+    QVERIFY(acknowledge());
+
+    QVERIFY(!isUrgent(m_line, 200));
+}
+
+void TestBoardSensor::withInterruptsDisabledNothingHappens()
+{
+    QCOMPARE(m_sensor->interruptEnable(false), 0);
+
+    Board::set("als/lux", "500");
+
+    QVERIFY(!isUrgent(m_line, quietTime));
+    QCOMPARE(Board::get("als/interrupt"), QStringLiteral("0"));
+    QVERIFY(!acknowledge());
+}
+
+void TestBoardSensor::lightThatWasReadBeforeEnablingDoesNotInterruptAtOnce()
+{
+    QCOMPARE(m_sensor->setThresholdsTimer(2), 0);
+    QCOMPARE(m_sensor->interruptEnable(false), 0);
+    Board::set("als/lux", "20000");
+    QCOMPARE(lux(), 20000.0F);
+
+    QCOMPARE(m_sensor->interruptEnable(true), 0);
+
+    QVERIFY(!isUrgent(m_line, 100));
+    QVERIFY(isUrgent(m_line, deadline));
+}
+
+void TestBoardSensor::lightThatChangedBeforeEnablingInterrupts()
+{
+    QCOMPARE(m_sensor->interruptEnable(false), 0);
+    Board::set("als/lux", "500");
+
+    QCOMPARE(m_sensor->interruptEnable(true), 0);
+
+    QVERIFY(isUrgent(m_line, deadline));
+}
+
+void TestBoardSensor::disablingWithdrawsTheInterrupt()
+{
+    Board::set("als/lux", "500");
+    QVERIFY(isUrgent(m_line, deadline));
+
+    QCOMPARE(m_sensor->interruptEnable(false), 0);
+
+    QVERIFY(!isUrgent(m_line, 0));
+    QCOMPARE(Board::get("als/interrupt"), QStringLiteral("0"));
+}
+
+void TestBoardSensor::initialisingTurnsInterruptsOff()
+{
+    leaveBand();
+
+    QCOMPARE(m_sensor->init(), 0);
+
+    QCOMPARE(Board::get("als/interrupt_enabled"), QStringLiteral("0"));
+    QCOMPARE(Board::get("als/interrupt"), QStringLiteral("0"));
+    Board::set("als/lux", "5");
+    QVERIFY(!isUrgent(m_line, quietTime));
+}
+
+void TestBoardSensor::newThresholdsAreCompared()
+{
+    leaveBand();
+    QCOMPARE(lux(), 500.0F);
+    QVERIFY(acknowledge());
+    const unsigned char high = m_sensor->convLuxInExponentMantissaByte(1000);
+    const unsigned char low = m_sensor->convLuxInExponentMantissaByte(450);
+
+    QCOMPARE(m_sensor->setThresholds(high, low), 0);
+
+    QVERIFY(!isUrgent(m_line, quietTime));
+    Board::set("als/lux", "900");
+    QVERIFY(!isUrgent(m_line, quietTime));
+    Board::set("als/lux", "120");
+    QVERIFY(isUrgent(m_line, deadline));
+}
+
+void TestBoardSensor::anInterruptCanBeRaisedByHand()
+{
+    Board::set("als/interrupt", "1");
+
+    QVERIFY(isUrgent(m_line, deadline));
+    drain(m_line);
+    QVERIFY(acknowledge());
+    QVERIFY(!isUrgent(m_line, quietTime));
+}
+
+void TestBoardSensor::nonsenseDoesNotInterruptAndIsGotOver()
+{
+    for (const char *text : {"", "bright", "-5", "1e999"}) {
+        Board::set("als/lux", text);
+        QVERIFY(!isUrgent(m_line, quietTime));
+        QCOMPARE(lux(), -1.0F);
+    }
+
+    Board::set("als/lux", "500");
+
+    QVERIFY(isUrgent(m_line, deadline));
+}
+
+void TestBoardSensor::aFolderThatIsMadeAnewIsWatchedAgain()
+{
+    QVERIFY(QDir(Board::pathOf("als")).removeRecursively());
+    QCOMPARE(lux(), 120.0F);
+    Board::set("als/threshold_high", "101");
+    Board::set("als/interrupt_enabled", "1");
+
+    Board::set("als/lux", "500");
+
+    QVERIFY(isUrgent(m_line, deadline));
+    drain(m_line);
+    QVERIFY(acknowledge());
+    Board::set("als/lux", "600");
+    QVERIFY(isUrgent(m_line, deadline));
+}
+
+void TestBoardSensor::theDescriptorDoesNotBlockAndIsNotInherited()
+{
+    char byte = 0;
+    QCOMPARE(int(read(m_line, &byte, 1)), -1);
+    QCOMPARE(errno, EAGAIN);
+    QVERIFY(fcntl(m_line, F_GETFD) & FD_CLOEXEC);
+    QCOMPARE(m_sensor->getinterruptHandler(), m_line);
+}
+
+void TestBoardSensor::withoutALoopbackInterfaceThereIsNoDescriptor()
+{
+    KyAls other;
+    QCOMPARE(QProcess::execute("ip", {"link", "set", "lo", "down"}), 0);
+
+    const int line = other.getinterruptHandler();
+    const int initialised = other.init();
+    const int enabled = other.interruptEnable(true);
+
+    QCOMPARE(QProcess::execute("ip", {"link", "set", "lo", "up"}), 0);
+    QCOMPARE(line, -2);
+    QCOMPARE(initialised, 1);
+    QCOMPARE(enabled, 1);
+    QCOMPARE(other.init(), 0);
+}
+
+void TestBoardSensor::twoSensorsBothInterrupt()
+{
+    KyAls other;
+    QCOMPARE(other.interruptEnable(true), 0);
+    const int otherLine = other.getinterruptHandler();
+
+    Board::set("als/lux", "500");
+
+    QVERIFY(isUrgent(m_line, deadline));
+    QVERIFY(isUrgent(otherLine, deadline));
+}
+
+void TestBoardSensor::aSensorDoesNotHoldUpTheProcess()
+{
+    QProcess process;
+    process.start(QCoreApplication::applicationFilePath(), {"--leave"});
+
+    QVERIFY(process.waitForFinished());
+
+    QCOMPARE(process.exitStatus(), QProcess::NormalExit);
+    QCOMPARE(process.exitCode(), 3);
+}
+
+void TestBoardSensor::aForkedChildCanDropTheSensor()
+{
+    const pid_t child = fork();
+    if (child == 0) {
+        m_sensor.reset();
+        _exit(5);
+    }
+    int status = 0;
+
+    QVERIFY(QTest::qWaitFor([&] { return waitpid(child, &status, WNOHANG) == child; }, deadline));
+
+    QVERIFY(WIFEXITED(status));
+    QCOMPARE(WEXITSTATUS(status), 5);
+}
+
+void TestBoardSensor::theWatcherTakesNoSignals()
+{
+    m_sensor.reset();
+    const QStringList before = tasks();
+    KyAls sensor;
+    QCOMPARE(sensor.init(), 0);
+
+    QStringList after = tasks();
+    for (const QString &task : before)
+        after.removeAll(task);
+    QCOMPARE(after.size(), 1);
+    QFile status(QStringLiteral("/proc/self/task/%1/status").arg(after.first()));
+    QVERIFY(status.open(QIODevice::ReadOnly));
+    const QByteArray text = status.readAll();
+    const QByteArray mask = text.mid(text.indexOf("SigBlk:") + 7, 17).trimmed();
+    const quint64 childSignal = quint64(1) << (SIGCHLD - 1);
+    QVERIFY2(mask.toULongLong(nullptr, 16) & childSignal, mask);
+}
+
+int main(int argc, char *argv[])
+{
+    QCoreApplication application(argc, argv);
+    if (application.arguments().value(1) == QLatin1String("--leave"))
+        return leaveWithASensor();
+    if (!QFile::exists(QStringLiteral("/run/private-world")))
+        qFatal("this test writes to /run and takes its network down: run it in a private world");
+    TestBoardSensor test;
+    return QTest::qExec(&test, argc, argv);
+}
+
+#include "test_boardsensor.moc"
