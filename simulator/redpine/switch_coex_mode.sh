@@ -1,0 +1,83 @@
+#!/bin/sh
+# Switches the simulated Wi-Fi module: 0 nothing, 1 station, 2 access point. The access point is an
+# interface "wifi_ap" with hostapd and dhcpd on it; every other mode takes that away.
+#
+# It says what it does in /run/strandel-redpine/log: "start MODE" and "end MODE". Files beside the
+# log tell it to behave otherwise:
+#   hold          a fifo: goes on only when somebody writes a line into it
+#   delay         takes this many seconds longer
+#   fail          ends with this status and switches nothing
+#   no-interface  no-carrier  no-hostapd  no-dhcpd
+#                 leaves that out of the access point
+set -u
+mode=${1:-}
+folder=/run/strandel-redpine
+configuration=/tmp/User_part/hostapd.conf
+# Whoever runs the caller in a time of its own must not change ours.
+unset LD_PRELOAD FAKETIME FAKETIME_SHARED
+
+say() {
+    echo "$1 $mode" >>"$folder/log"
+}
+
+told() {
+    [ -e "$folder/$1" ]
+}
+
+end_program() {
+    [ -e "$folder/$1.pid" ] || return 0
+    pid=$(cat "$folder/$1.pid")
+    kill "$pid" 2>/dev/null && tail --pid="$pid" -s 0.02 -f /dev/null
+    rm -f "$folder/$1.pid"
+}
+
+take_access_point_down() {
+    end_program hostapd
+    end_program dhcpd
+    ip link delete wifi_ap 2>/dev/null
+}
+
+# The other end of the pair is the air: without it the interface has no carrier.
+bring_interface_up() {
+    ip link add wifi_ap address 02:aa:bb:cc:dd:03 type veth peer name wifi_air
+    ip address add "$address/24" dev wifi_ap
+    ip link set wifi_ap up
+    told no-carrier || ip link set wifi_air up
+}
+
+start_dhcpd() {
+    network=${address%.*}
+    cat >"$folder/dhcpd.conf" <<CONFIGURATION
+authoritative;
+subnet $network.0 netmask 255.255.255.0 {
+    range $network.100 $network.200;
+    option routers $address;
+}
+CONFIGURATION
+    : >"$folder/dhcpd.leases"
+    dhcpd -4 -q -cf "$folder/dhcpd.conf" -lf "$folder/dhcpd.leases" -pf "$folder/dhcpd.pid" wifi_ap
+}
+
+bring_access_point_up() {
+    address=$(sed -n 's/^own_ip_addr=\([0-9.]\{1,\}\)$/\1/p' "$configuration" | tail -n 1)
+    address=${address:-192.168.2.1}
+    told no-interface || bring_interface_up
+    told no-hostapd || hostapd -B -P "$folder/hostapd.pid" "$configuration"
+    told no-dhcpd || told no-interface || start_dhcpd
+}
+
+mkdir -p "$folder/running"
+: >"$folder/running/$$"
+trap 'rm -f "$folder/running/$$"' EXIT
+say start
+[ ! -p "$folder/hold" ] || read -r _ <"$folder/hold"
+! told delay || sleep "$(cat "$folder/delay")"
+status=0
+if told fail; then
+    status=$(cat "$folder/fail")
+else
+    take_access_point_down
+    [ "$mode" != 2 ] || bring_access_point_up
+fi >>"$folder/output" 2>&1
+say end
+exit "$status"

@@ -1,0 +1,125 @@
+#include "modescript.h"
+
+#include "files.h"
+
+#include <QDir>
+#include <QFile>
+#include <QProcess>
+#include <QTest>
+
+#include <csignal>
+#include <fcntl.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+namespace
+{
+const QString installed = QStringLiteral("/usr/share/redpine");
+const QString script = QStringLiteral("switch_coex_mode.sh");
+const QString control = QStringLiteral("/run/strandel-redpine/");
+
+void run(const QString &program, const QStringList &arguments)
+{
+    if (QProcess::execute(program, arguments) != 0)
+        qFatal("%s %s fails", qPrintable(program), qPrintable(arguments.join(QLatin1Char(' '))));
+}
+
+/** Ends a process that need not be there any more, and waits until it is gone. */
+void endProcess(const QString &id)
+{
+    const pid_t process = pid_t(id.trimmed().toInt());
+    if (process > 0 && kill(process, SIGKILL) == 0 &&
+        !QTest::qWaitFor([process] { return kill(process, 0) != 0; }, 10000))
+        qFatal("process %d does not end", int(process));
+}
+} // namespace
+
+ModeScript::~ModeScript()
+{
+    clear();
+}
+
+void ModeScript::install()
+{
+    clear();
+    QDir().mkpath(installed);
+    QDir().mkpath(control);
+    const QDir source(QStringLiteral(SIMULATOR_FOLDER "/redpine"));
+    for (const QString &file : source.entryList(QDir::Files))
+        run("cp", {"--preserve=mode", source.filePath(file), installed});
+}
+
+void ModeScript::remove()
+{
+    QFile::remove(installed + QLatin1Char('/') + script);
+}
+
+void ModeScript::clear()
+{
+    for (const QString &id : QDir(control + "running").entryList(QDir::Files))
+        endProcess(id);
+    for (const char *program : {"hostapd.pid", "dhcpd.pid"})
+        endProcess(QString::fromLatin1(readFile(control + QLatin1String(program))));
+    if (QFile::exists("/sys/class/net/wifi_ap"))
+        removeInterface();
+    emptyFolder(control);
+    emptyFolder(installed);
+}
+
+QStringList ModeScript::log()
+{
+    QStringList lines = QString::fromLatin1(readFile(control + "log")).split('\n');
+    lines.removeAll(QString());
+    return lines;
+}
+
+bool ModeScript::waitFor(const QString &line, int count)
+{
+    return QTest::qWaitFor([&] { return log().count(line) >= count; }, 10000);
+}
+
+void ModeScript::setDelay(double seconds)
+{
+    writeFile(control + "delay", QByteArray::number(seconds));
+}
+
+void ModeScript::setFailure(int status)
+{
+    writeFile(control + "fail", QByteArray::number(status));
+}
+
+void ModeScript::hold()
+{
+    if (mkfifo(qPrintable(control + "hold"), 0600) != 0)
+        qFatal("the scripts are held already");
+}
+
+void ModeScript::release()
+{
+    int fifo = -1;
+    const auto somebodyWaits = [&fifo] {
+        fifo = open(qPrintable(control + "hold"), O_WRONLY | O_NONBLOCK | O_CLOEXEC);
+        return fifo >= 0;
+    };
+    if (!QTest::qWaitFor(somebodyWaits, 10000))
+        qFatal("no script waits");
+    QFile::remove(control + "hold");
+    if (write(fifo, "\n", 1) != 1)
+        qFatal("the waiting script is gone");
+    close(fifo);
+}
+
+void ModeScript::leaveOut(const QString &part)
+{
+    writeFile(control + "no-" + part, QByteArray());
+}
+
+void ModeScript::setCarrier(bool present)
+{
+    run("ip", {"link", "set", "wifi_air", present ? "up" : "down"});
+}
+
+void ModeScript::removeInterface()
+{
+    run("ip", {"link", "delete", "wifi_ap"});
+}
