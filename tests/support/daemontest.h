@@ -27,7 +27,7 @@ protected:
     /** The files of one profile folder. */
     static QString profile(const QString &user);
 
-private Q_SLOTS:
+protected Q_SLOTS:
     void init();
     void cleanup();
 };
