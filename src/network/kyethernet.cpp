@@ -1,5 +1,6 @@
 #include "kyethernet.h"
 
+#include "arguments.h"
 #include "connman.h"
 #include "error.h"
 #include "ipv4repair.h"
@@ -29,7 +30,7 @@ KyEthernet::KyEthernet(QObject *parent)
 
 void KyEthernet::connect(const QDBusMessage &message)
 {
-    if (!acceptsConnect())
+    if (!hasNoArguments(message) || !acceptsConnect())
         return;
     m_monitoringTimer.start(attemptTimeout);
     if (switchMode(QStringLiteral("0")) == 0)
@@ -42,6 +43,8 @@ void KyEthernet::connect(const QDBusMessage &message)
 
 void KyEthernet::disconnect(const QDBusMessage &message)
 {
+    if (!hasNoArguments(message))
+        return;
     setState(KyTcpIpState::Disconnect);
     const QDBusError error = setTechnologyPowered(false);
     if (error.isValid())

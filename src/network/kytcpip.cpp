@@ -31,7 +31,7 @@ const auto processFinished =
 /** A client's value as text, which ConnMan wants every setting to be; empty where it is none. */
 QString settingText(const QVariant &value)
 {
-    const QString text = plainValue(value).toString();
+    const QString text = basicValue(value).toString();
     return text.size() <= longestSetting ? text : QString();
 }
 } // namespace
@@ -154,6 +154,9 @@ QVariantMap KyTcpIp::serviceProperties() const
 void KyTcpIp::servicePropertyChangedSlot(const QString &name, const QDBusVariant &value)
 {
     if (name != QStringLiteral("IPv4") || m_state != KyTcpIpState::Ready)
+        return;
+    // The bus library leaks each descriptor that it sends on.
+    if (withoutDescriptors({{name, value.variant()}}).isEmpty())
         return;
     const QVariantMap ipv4 = toMap(value.variant());
     if (ipv4.contains(QStringLiteral("Address")) && ipv4.contains(QStringLiteral("Netmask")))

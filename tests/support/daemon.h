@@ -13,8 +13,10 @@ public:
     Daemon();
     ~Daemon();
 
-    /** Programs that start the daemon for us, as in {"faketime", "-f", "+0 x60"}. */
+    /** Programs that start the daemon for us, each becoming the next one. */
     void setWrapper(const QStringList &wrapper);
+    /** Makes time pass @p factor times as fast for the daemon. */
+    void speedUp(int factor);
     /** A variable of the daemon's environment, on top of the test's own. */
     void setEnvironment(const QString &name, const QString &value);
     void resetEnvironment();

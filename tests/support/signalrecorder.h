@@ -19,6 +19,9 @@ public:
      */
     QStringList take();
 
+    /** The same without asking the daemon, as long as it is kept from answering. */
+    QStringList recorded() const { return m_signals; }
+
     /** Waits until @p count signals are there, or the deadline has passed; then as take(). */
     QStringList waitFor(int count, int milliseconds = 10000);
 

@@ -1,0 +1,812 @@
+#include "ethernettest.h"
+
+#include <QDBusUnixFileDescriptor>
+#include <QDBusVariant>
+#include <QRegularExpression>
+
+/** The wired interface: connecting and disconnecting, on the running daemon. */
+class TestEthernet : public EthernetTest
+{
+    Q_OBJECT
+
+private Q_SLOTS:
+    void clientsSeeItsMembersAndNoOthers();
+    void theTechnologyIsPoweredOffAtStart();
+    void aRefusalToPowerOffAtStartIsIgnored();
+    void itServesWithoutConnMan();
+    void connectRunsTheScriptInModeZeroAndNothingElse();
+    void connectGoesOnWhenTheScriptHasEnded();
+    void associationIsAnnouncedBeforeTheTechnologyIsPoweredOn();
+    void statesAreLoggedWithTheirService();
+    void howTheScriptEndsDoesNotMatter_data();
+    void howTheScriptEndsDoesNotMatter();
+    void whatTheScriptPrintsIsNotKept();
+    void connectFailsWithoutConnMan();
+    void connectFailsWhenNobodyKnowsWhetherConnManRuns_data();
+    void connectFailsWhenNobodyKnowsWhetherConnManRuns();
+    void aRefusalToPowerOnIsIgnored();
+    void connectIsIgnoredUnlessIdleOrFailed_data();
+    void connectIsIgnoredUnlessIdleOrFailed();
+    void aScriptThatCannotBeStartedFailsTheConnect_data();
+    void aScriptThatCannotBeStartedFailsTheConnect();
+    void connectWorksAgainOnceTheScriptCanBeStarted();
+    void aSecondConnectWhileTheScriptRunsFails();
+    void theEndOfTheScriptIsHandledOnceAfterSeveralConnects();
+    void severalConnectsOneAfterTheOther();
+    void associationWaitsForTheServiceAfterPoweredIsTrue();
+    void associationIgnoresEveryOtherSignal_data();
+    void associationIgnoresEveryOtherSignal();
+    void anyArgumentsOfServicesChangedTrigger_data();
+    void anyArgumentsOfServicesChangedTrigger();
+    void theFirstWiredServiceIsUsed();
+    void malformedServiceListsAreNothingFound_data();
+    void malformedServiceListsAreNothingFound();
+    void readyHandsTheSettingsToTheService();
+    void onlineWhenTheTechnologyIsConnected();
+    void readyStaysWithoutAValidAddressAndNetmask_data();
+    void readyStaysWithoutAValidAddressAndNetmask();
+    void readyIgnoresEveryOtherTechnologySignal_data();
+    void readyIgnoresEveryOtherTechnologySignal();
+    void onlineWhenTheServiceGetsAnAddressAndANetmask();
+    void anIncompleteIPv4ChangeIsAnnouncedAlone();
+    void aMalformedIPv4ChangeIsAnnouncedAlone_data();
+    void aMalformedIPv4ChangeIsAnnouncedAlone();
+    void descriptorsInAnIPv4ChangeAreNotKeptOpen();
+    void otherPropertiesOfTheServiceAreNotAnnounced();
+    void anIPv4ChangeCountsWhileReadyOnly();
+    void signalsOfAnEarlierServiceAreIgnored();
+    void aServiceThatHasItsAddressAlreadyIsOnlineAtOnce();
+    void settingsThatAreStillToComeIntoForceAreWaitedFor();
+    void settingsThatAreInForceAlreadyAreNotWaitedFor();
+    void refusedSettingsAreNotWaitedFor();
+    void disconnectPowersTheTechnologyOff();
+    void disconnectEndsIdleWhenConnManRefuses();
+    void disconnectEndsIdleWithoutConnMan();
+    void disconnectWhileIdleIsTheSame();
+    void disconnectDoesNotStopTheScript();
+    void surplusArgumentsAreRefused();
+    void connManMayEndAtEveryState_data();
+    void connManMayEndAtEveryState();
+
+private:
+    const QString scriptFile = QStringLiteral("/usr/share/redpine/switch_coex_mode.sh");
+};
+
+void TestEthernet::clientsSeeItsMembersAndNoOthers()
+{
+    startDaemon();
+    const QString document =
+        Remote("com.orvendis.Strandel.BoardManager", "/KyComMgr",
+               "org.freedesktop.DBus.Introspectable")
+            .call("Introspect")
+            .section("<interface name=\"com.orvendis.Strandel.BoardManager.Ethernet\">", 1)
+            .section("</interface>", 0, 0);
+    QStringList members;
+    const QRegularExpression tag("<(method|signal) name=\"(\\w+)\"|<arg [^>]*type=\"([^\"]+)\"");
+    QRegularExpressionMatchIterator found = tag.globalMatch(document);
+    while (found.hasNext()) {
+        const QRegularExpressionMatch match = found.next();
+        if (match.captured(3).isEmpty())
+            members << match.captured(1) + ' ' + match.captured(2);
+        else
+            members.last() += ' ' + match.captured(3);
+    }
+    members.sort();
+    QCOMPARE(members, (QStringList{"method connect", "method disconnect",
+                                   "method getHardwareInfos a{sv}", "method getIPv4 a{sv}",
+                                   "method setIPv4 a{sv}", "signal propertyChanged s s v"}));
+}
+
+void TestEthernet::theTechnologyIsPoweredOffAtStart()
+{
+    connman.storeProperty(ConnmanStandIn::ethernetTechnology, "Powered", true);
+    QVERIFY(daemon.start());
+    QCOMPARE(calls(), QStringList{poweredOff});
+    QCOMPARE(recorder.take(), QStringList());
+}
+
+void TestEthernet::aRefusalToPowerOffAtStartIsIgnored()
+{
+    connman.failMethod(poweredOff, "net.connman.Error.Failed", "no");
+    startDaemon();
+    connectUntil("association");
+}
+
+void TestEthernet::itServesWithoutConnMan()
+{
+    connman.stop();
+    QVERIFY(daemon.start());
+    QCOMPARE(ethernet.call("getIPv4"), QString("({})"));
+    connman.start();
+    connectUntil("association");
+}
+
+void TestEthernet::connectRunsTheScriptInModeZeroAndNothingElse()
+{
+    startDaemon();
+    script.hold();
+
+    QCOMPARE(ethernet.call("connect"), QString("()"));
+
+    QVERIFY(script.waitFor("start 0"));
+    QCOMPARE(settledSignals(), QStringList());
+    QCOMPARE(calls(), QStringList());
+    QCOMPARE(script.log(), QStringList{"start 0"});
+}
+
+void TestEthernet::connectGoesOnWhenTheScriptHasEnded()
+{
+    startDaemon();
+    QCOMPARE(ethernet.call("connect"), QString("()"));
+    QVERIFY(connman.waitForCall(poweredOn));
+    QCOMPARE(settledSignals(), QStringList{state("association")});
+    QCOMPARE(calls(), QStringList{poweredOn});
+    QCOMPARE(script.log(), (QStringList{"start 0", "end 0"}));
+}
+
+void TestEthernet::associationIsAnnouncedBeforeTheTechnologyIsPoweredOn()
+{
+    startDaemon();
+    connman.holdMethod(poweredOn);
+    ethernet.call("connect");
+    QVERIFY(connman.waitForCall(poweredOn));
+    QTRY_COMPARE(recorder.recorded(), QStringList{state("association")});
+    connman.releaseMethod(poweredOn);
+}
+
+void TestEthernet::statesAreLoggedWithTheirService()
+{
+    startDaemon();
+    connectUntil("ready");
+    ethernet.call("disconnect");
+    QCOMPARE(daemon.log(), QString("\"\" TCPIP_STATE: \"association\"\n"
+                                   "\"\" TCPIP_STATE: \"ready\"\n"
+                                   "\"%1\" TCPIP_STATE: \"disconnect\"\n"
+                                   "\"%1\" TCPIP_STATE: \"idle\"\n")
+                               .arg(cable));
+}
+
+void TestEthernet::howTheScriptEndsDoesNotMatter_data()
+{
+    QTest::addColumn<QByteArray>("content");
+    QTest::newRow("failing") << QByteArray("#!/bin/sh\nexit 3\n");
+    QTest::newRow("crashing") << QByteArray("#!/bin/sh\nkill -SEGV $$\n");
+    QTest::newRow("leaving a program behind") << QByteArray("#!/bin/sh\nsleep 60 &\n");
+}
+
+void TestEthernet::howTheScriptEndsDoesNotMatter()
+{
+    QFETCH(QByteArray, content);
+    writeFile(scriptFile, content);
+    startDaemon();
+    connectUntil("association");
+}
+
+void TestEthernet::whatTheScriptPrintsIsNotKept()
+{
+    writeFile(scriptFile, "#!/bin/sh\nreadlink /proc/$$/fd/1 /proc/$$/fd/2 >/tmp/outputs\n"
+                          "echo one; echo two >&2\n");
+    startDaemon();
+    connectUntil("association");
+    QVERIFY(!daemon.log().contains("two"));
+    QVERIFY(!daemon.output().contains("one"));
+    QCOMPARE(readFile("/tmp/outputs").split('\n').at(1), QByteArray("/dev/null"));
+}
+
+void TestEthernet::connectFailsWithoutConnMan()
+{
+    startDaemon();
+    connman.stop();
+
+    QCOMPARE(ethernet.call("connect"), QString("()"));
+
+    QCOMPARE(recorder.waitFor(1), QStringList{state("failure")});
+    connman.start();
+    QCOMPARE(calls(), QStringList());
+}
+
+void TestEthernet::connectFailsWhenNobodyKnowsWhetherConnManRuns_data()
+{
+    QTest::addColumn<QByteArray>("pidof");
+    QTest::newRow("pidof crashes") << QByteArray("kill -SEGV $$");
+    QTest::newRow("pidof hangs") << QByteArray("exec sleep 60");
+}
+
+void TestEthernet::connectFailsWhenNobodyKnowsWhetherConnManRuns()
+{
+    QFETCH(QByteArray, pidof);
+    writeFile("/tmp/programs/pidof", "#!/bin/sh\n" + pidof + '\n');
+    QFile::setPermissions("/tmp/programs/pidof", QFile::ReadOwner | QFile::ExeOwner);
+    daemon.setEnvironment("PATH", "/tmp/programs:" + qEnvironmentVariable("PATH"));
+    startDaemon();
+
+    QCOMPARE(ethernet.call("connect"), QString("()"));
+
+    QCOMPARE(recorder.waitFor(1), QStringList{state("failure")});
+    QCOMPARE(calls(), QStringList());
+}
+
+void TestEthernet::aRefusalToPowerOnIsIgnored()
+{
+    connman.failMethod(poweredOn, "net.connman.Error.AlreadyEnabled", "Already enabled");
+    startDaemon();
+    connectUntil("association");
+    connman.emitServicesChanged();
+    QCOMPARE(settledSignals(), QStringList{state("ready")});
+}
+
+void TestEthernet::connectIsIgnoredUnlessIdleOrFailed_data()
+{
+    QTest::addColumn<QString>("name");
+    for (const char *name : {"association", "ready", "online"})
+        QTest::newRow(name) << name;
+}
+
+void TestEthernet::connectIsIgnoredUnlessIdleOrFailed()
+{
+    QFETCH(QString, name);
+    startDaemon();
+    connectUntil(name);
+
+    QCOMPARE(ethernet.call("connect"), QString("()"));
+
+    QCOMPARE(settledSignals(), QStringList());
+    QCOMPARE(calls(), QStringList());
+    QCOMPARE(script.log(), (QStringList{"start 0", "end 0"}));
+}
+
+void TestEthernet::aScriptThatCannotBeStartedFailsTheConnect_data()
+{
+    QTest::addColumn<bool>("present");
+    QTest::newRow("missing") << false;
+    QTest::newRow("not executable") << true;
+}
+
+void TestEthernet::aScriptThatCannotBeStartedFailsTheConnect()
+{
+    QFETCH(bool, present);
+    if (present)
+        QFile::setPermissions(scriptFile, QFile::ReadOwner);
+    else
+        script.remove();
+    startDaemon();
+
+    QCOMPARE(ethernet.call("connect"), failed(cannotSwitch));
+
+    QCOMPARE(settledSignals(), QStringList{state("failure")});
+    QCOMPARE(calls(), QStringList());
+}
+
+void TestEthernet::connectWorksAgainOnceTheScriptCanBeStarted()
+{
+    script.remove();
+    startDaemon();
+    QCOMPARE(ethernet.call("connect"), failed(cannotSwitch));
+    QCOMPARE(ethernet.call("connect"), failed(cannotSwitch));
+    QCOMPARE(settledSignals(), (QStringList{state("failure"), state("failure")}));
+
+    script.install();
+    connectUntil("association");
+}
+
+void TestEthernet::aSecondConnectWhileTheScriptRunsFails()
+{
+    startDaemon();
+    script.hold();
+    QCOMPARE(ethernet.call("connect"), QString("()"));
+
+    QCOMPARE(ethernet.call("connect"), failed(cannotSwitch));
+
+    QCOMPARE(settledSignals(), QStringList{state("failure")});
+    QVERIFY(script.waitFor("start 0"));
+    script.release();
+    QCOMPARE(recorder.waitFor(1), QStringList{state("association")});
+    QCOMPARE(script.log(), (QStringList{"start 0", "end 0"}));
+}
+
+void TestEthernet::theEndOfTheScriptIsHandledOnceAfterSeveralConnects()
+{
+    startDaemon();
+    connman.stop();
+    script.hold();
+    QCOMPARE(ethernet.call("connect"), QString("()"));
+    QCOMPARE(ethernet.call("connect"), failed(cannotSwitch));
+    QCOMPARE(ethernet.call("connect"), failed(cannotSwitch));
+    QCOMPARE(settledSignals(), (QStringList{state("failure"), state("failure")}));
+
+    script.release();
+
+    QCOMPARE(recorder.waitFor(1), QStringList{state("failure")});
+    QCOMPARE(settledSignals(), QStringList());
+    connman.start();
+}
+
+void TestEthernet::severalConnectsOneAfterTheOther()
+{
+    startDaemon();
+    QStringList expected;
+    for (int times = 1; times <= 3; ++times) {
+        connectUntil("association");
+        ethernet.call("disconnect");
+        QCOMPARE(settledSignals(), (QStringList{state("disconnect"), state("idle")}));
+        expected << "start 0"
+                 << "end 0";
+        QCOMPARE(script.log(), expected);
+    }
+}
+
+void TestEthernet::associationWaitsForTheServiceAfterPoweredIsTrue()
+{
+    startDaemon();
+    connman.setServices({});
+    connectUntil("association");
+
+    connman.setProperty(ConnmanStandIn::ethernetTechnology, "Powered", true);
+    QCOMPARE(calls(), QStringList{getServices});
+    QCOMPARE(settledSignals(), QStringList());
+
+    connman.setServices({wireless()});
+    connman.emitServicesChanged();
+    QCOMPARE(calls(), QStringList{getServices});
+    QCOMPARE(settledSignals(), QStringList());
+
+    connman.setServices({wireless(), wired()});
+    connman.emitServicesChanged();
+    QCOMPARE(settledSignals(), QStringList{state("ready")});
+}
+
+void TestEthernet::associationIgnoresEveryOtherSignal_data()
+{
+    QTest::addColumn<QString>("path");
+    QTest::addColumn<QString>("interface");
+    QTest::addColumn<QString>("signal");
+    QTest::addColumn<QVariantList>("values");
+
+    const QString technology = "net.connman.Technology";
+    const QString path = ConnmanStandIn::ethernetTechnology;
+    const QString signal = "PropertyChanged";
+    QTest::newRow("powered off") << path << technology << signal
+                                 << QVariantList{"Powered", variant(false)};
+    QTest::newRow("number") << path << technology << signal << QVariantList{"Powered", variant(1)};
+    QTest::newRow("text") << path << technology << signal
+                          << QVariantList{"Powered", variant("true")};
+    QTest::newRow("map") << path << technology << signal
+                         << QVariantList{"Powered", variant(QVariantMap{{"Powered", true}})};
+    QTest::newRow("structures") << path << technology << signal
+                                << QVariantList{"Powered", variant(QVariant::fromValue(
+                                                               ListedObjects{wired()}))};
+    QTest::newRow("no variant") << path << technology << signal << QVariantList{"Powered", true};
+    QTest::newRow("no value") << path << technology << signal << QVariantList{"Powered"};
+    QTest::newRow("no arguments") << path << technology << signal << QVariantList();
+    QTest::newRow("connected") << path << technology << signal
+                               << QVariantList{"Connected", variant(true)};
+    QTest::newRow("other technology") << ConnmanStandIn::wifiTechnology << technology << signal
+                                      << QVariantList{"Powered", variant(true)};
+    QTest::newRow("service") << cable << "net.connman.Service" << signal
+                             << QVariantList{"IPv4", variant(lease)};
+    QTest::newRow("technologies") << "/"
+                                  << "net.connman.Manager"
+                                  << "TechnologyAdded" << QVariantList{variant(true)};
+}
+
+void TestEthernet::associationIgnoresEveryOtherSignal()
+{
+    QFETCH(QString, path);
+    QFETCH(QString, interface);
+    QFETCH(QString, signal);
+    QFETCH(QVariantList, values);
+    startDaemon();
+    connectUntil("association");
+
+    connman.emitSignal(path, interface, signal, values);
+
+    QCOMPARE(settledSignals(), QStringList());
+    QCOMPARE(calls(), QStringList());
+}
+
+void TestEthernet::anyArgumentsOfServicesChangedTrigger_data()
+{
+    QTest::addColumn<QVariantList>("values");
+    const QVariant noPaths = QVariant::fromValue(QList<QDBusObjectPath>());
+    QTest::newRow("ConnMan's") << QVariantList{QVariant::fromValue(ListedObjects{wired()}),
+                                               noPaths};
+    QTest::newRow("none") << QVariantList();
+    QTest::newRow("map and list") << QVariantList{QVariantMap(), QVariantList()};
+    QTest::newRow("texts") << QVariantList{"a", "b", "c"};
+}
+
+void TestEthernet::anyArgumentsOfServicesChangedTrigger()
+{
+    QFETCH(QVariantList, values);
+    startDaemon();
+    connectUntil("association");
+    connman.emitSignal("/", "net.connman.Manager", "ServicesChanged", values);
+    QCOMPARE(settledSignals(), QStringList{state("ready")});
+}
+
+void TestEthernet::theFirstWiredServiceIsUsed()
+{
+    startDaemon();
+    connman.setServices({wireless(), wired(otherCable), wired(cable)});
+    connectUntil("association");
+    connman.emitServicesChanged();
+    const QStringList settings = calls().filter("Service.SetProperty");
+    QCOMPARE(settings.size(), 2);
+    QCOMPARE(settings.filter(otherCable).size(), 2);
+}
+
+void TestEthernet::malformedServiceListsAreNothingFound_data()
+{
+    QTest::addColumn<QVariantList>("values");
+    QTest::newRow("nothing") << QVariantList();
+    QTest::newRow("text") << QVariantList{"services"};
+    QTest::newRow("texts") << QVariantList{QStringList{cable}};
+    QTest::newRow("variant") << QVariantList{variant(QVariant::fromValue(ListedObjects{wired()}))};
+    QTest::newRow("map") << QVariantList{QVariantMap{{"Type", "ethernet"}}};
+    QTest::newRow("text dictionary")
+        << QVariantList{QVariant::fromValue(Texts{{"Type", "ethernet"}})};
+    QTest::newRow("one object") << QVariantList{QVariant::fromValue(wired())};
+    QTest::newRow("one value more") << QVariantList{QVariant::fromValue(ListedObjects{wired()}), 5};
+    QTest::newRow("type of another type") << QVariantList{QVariant::fromValue(
+        ListedObjects{{QDBusObjectPath(cable), {{"Type", QVariantMap{{"Type", "ethernet"}}}}}})};
+    QTest::newRow("type of an unreadable type") << QVariantList{QVariant::fromValue(
+        ListedObjects{{QDBusObjectPath(cable), {{"Type", QVariant::fromValue(wired())}}}})};
+}
+
+void TestEthernet::malformedServiceListsAreNothingFound()
+{
+    QFETCH(QVariantList, values);
+    startDaemon();
+    connectUntil("association");
+    connman.replyToMethod("Manager.GetServices", values);
+
+    connman.emitServicesChanged();
+    QCOMPARE(settledSignals(), QStringList());
+    QCOMPARE(calls(), QStringList{getServices});
+
+    connman.clearRules();
+    connman.emitServicesChanged();
+    QCOMPARE(settledSignals(), QStringList{state("ready")});
+}
+
+void TestEthernet::readyHandsTheSettingsToTheService()
+{
+    startDaemon();
+    QCOMPARE(ethernet.call("setIPv4", {QVariantMap{{"Method", "manual"},
+                                                   {"Address", "10.1.2.3"},
+                                                   {"Netmask", "255.255.0.0"},
+                                                   {"Gateway", "10.1.0.1"},
+                                                   {"DNS1", "10.1.0.53"},
+                                                   {"DNS2", "10.1.0.54"}}}),
+             QString("()"));
+    connectUntil("association");
+
+    connman.setProperty(ConnmanStandIn::ethernetTechnology, "Powered", true);
+
+    QCOMPARE(settledSignals(), QStringList{state("ready")});
+    QCOMPARE(calls(),
+             (QStringList{getServices, setNameservers(cable, "[\"10.1.0.53\", \"10.1.0.54\"]"),
+                          setConfiguration(cable, "{\"Address\": <\"10.1.2.3\">, "
+                                                  "\"Gateway\": <\"10.1.0.1\">, "
+                                                  "\"Method\": <\"manual\">, "
+                                                  "\"Netmask\": <\"255.255.0.0\">}"),
+                          getServices}));
+}
+
+void TestEthernet::onlineWhenTheTechnologyIsConnected()
+{
+    startDaemon();
+    connectUntil("ready");
+    connman.storeProperty(cable, "IPv4", lease);
+
+    connman.setProperty(ConnmanStandIn::ethernetTechnology, "Connected", true);
+
+    QCOMPARE(settledSignals(), QStringList{state("online", cable)});
+    QCOMPARE(calls(), QStringList{getServices});
+}
+
+void TestEthernet::readyStaysWithoutAValidAddressAndNetmask_data()
+{
+    QTest::addColumn<QVariantMap>("ipv4");
+    const auto with = [](const char *key, const QVariant &value) {
+        QVariantMap map = lease;
+        map[key] = value;
+        return map;
+    };
+    QTest::newRow("nothing") << QVariantMap();
+    QTest::newRow("method alone") << QVariantMap{{"Method", "dhcp"}};
+    QTest::newRow("no netmask") << QVariantMap{{"Address", "10.77.0.50"}};
+    QTest::newRow("no address") << QVariantMap{{"Netmask", "255.255.255.0"}};
+    QTest::newRow("any address") << with("Address", "0.0.0.0");
+    QTest::newRow("leading zeros") << with("Address", "10.077.0.50");
+    QTest::newRow("IPv6 address") << with("Address", "fe80::1");
+    QTest::newRow("empty netmask") << with("Netmask", "");
+    QTest::newRow("netmask of zeros") << with("Netmask", "0.0.0.0");
+    QTest::newRow("address that is a number") << with("Address", 5);
+    QTest::newRow("address that is a map") << with("Address", lease);
+}
+
+void TestEthernet::readyStaysWithoutAValidAddressAndNetmask()
+{
+    QFETCH(QVariantMap, ipv4);
+    startDaemon();
+    connman.storeProperty(cable, "IPv4", ipv4);
+    connectUntil("ready");
+
+    connman.setProperty(ConnmanStandIn::ethernetTechnology, "Connected", true);
+
+    QCOMPARE(settledSignals(), QStringList());
+}
+
+void TestEthernet::readyIgnoresEveryOtherTechnologySignal_data()
+{
+    QTest::addColumn<QString>("name");
+    QTest::addColumn<QVariant>("value");
+    QTest::newRow("not connected") << "Connected" << QVariant(false);
+    QTest::newRow("number") << "Connected" << QVariant(1);
+    QTest::newRow("text") << "Connected" << QVariant("true");
+    QTest::newRow("powered") << "Powered" << QVariant(true);
+}
+
+void TestEthernet::readyIgnoresEveryOtherTechnologySignal()
+{
+    QFETCH(QString, name);
+    QFETCH(QVariant, value);
+    startDaemon();
+    connectUntil("ready");
+    connman.storeProperty(cable, "IPv4", lease);
+
+    connman.emitSignal(ConnmanStandIn::ethernetTechnology, "net.connman.Technology",
+                       "PropertyChanged", {name, variant(value)});
+
+    QCOMPARE(settledSignals(), QStringList());
+    QCOMPARE(calls(), QStringList());
+}
+
+void TestEthernet::onlineWhenTheServiceGetsAnAddressAndANetmask()
+{
+    startDaemon();
+    connectUntil("ready");
+
+    connman.setProperty(cable, "IPv4", lease);
+
+    QCOMPARE(settledSignals(),
+             (QStringList{state("online", cable),
+                          QStringLiteral("Ethernet.propertyChanged(\"%1\", \"IPv4\", <%2>)")
+                              .arg(cable, renderedLease)}));
+    QCOMPARE(calls(), QStringList());
+}
+
+void TestEthernet::anIncompleteIPv4ChangeIsAnnouncedAlone()
+{
+    startDaemon();
+    connectUntil("ready");
+    for (const char *key : {"Address", "Netmask"}) {
+        connman.setProperty(cable, "IPv4", QVariantMap{{key, "10.77.0.50"}});
+        QCOMPARE(settledSignals(),
+                 QStringList{
+                     QStringLiteral(
+                         "Ethernet.propertyChanged(\"%1\", \"IPv4\", <{\"%2\": <\"10.77.0.50\">}>)")
+                         .arg(cable, key)});
+    }
+}
+
+void TestEthernet::aMalformedIPv4ChangeIsAnnouncedAlone_data()
+{
+    addMalformedValues();
+}
+
+void TestEthernet::aMalformedIPv4ChangeIsAnnouncedAlone()
+{
+    QFETCH(QVariant, value);
+    startDaemon();
+    connectUntil("ready");
+
+    connman.emitSignal(cable, "net.connman.Service", "PropertyChanged", {"IPv4", variant(value)});
+
+    const QStringList announced = settledSignals();
+    QCOMPARE(announced.size(), 1);
+    const QString start = QStringLiteral("Ethernet.propertyChanged(\"%1\", \"IPv4\", <").arg(cable);
+    QVERIFY2(announced.first().startsWith(start), qPrintable(announced.first()));
+    connman.setProperty(cable, "IPv4", lease);
+    QCOMPARE(settledSignals().size(), 2);
+}
+
+void TestEthernet::descriptorsInAnIPv4ChangeAreNotKeptOpen()
+{
+    startDaemon();
+    connectUntil("ready");
+    const QString descriptors = QStringLiteral("/proc/%1/fd").arg(daemon.processId());
+    const int before = QDir(descriptors).entryList(QDir::Files | QDir::System).size();
+
+    const QVariant file = QVariant::fromValue(QDBusUnixFileDescriptor(0));
+    for (int times = 0; times < 20; ++times)
+        connman.emitSignal(cable, "net.connman.Service", "PropertyChanged",
+                           {"IPv4", variant(QVariantMap{{"Address", file}})});
+    QCOMPARE(settledSignals(), QStringList());
+
+    QTRY_COMPARE(QDir(descriptors).entryList(QDir::Files | QDir::System).size(), before);
+}
+
+void TestEthernet::otherPropertiesOfTheServiceAreNotAnnounced()
+{
+    startDaemon();
+    connectUntil("ready");
+    for (const char *name : {"State", "Strength", "IPv4.Configuration", "IPv6", "ipv4", ""})
+        connman.emitSignal(cable, "net.connman.Service", "PropertyChanged", {name, variant(lease)});
+    connman.emitSignal(cable, "net.connman.Service", "PropertyChanged", {"IPv4", lease});
+    connman.emitSignal(cable, "net.connman.Service", "PropertyChanged", {});
+    QCOMPARE(settledSignals(), QStringList());
+}
+
+void TestEthernet::anIPv4ChangeCountsWhileReadyOnly()
+{
+    startDaemon();
+    connectUntil("online");
+    connman.setProperty(cable, "IPv4", lease);
+    QCOMPARE(settledSignals(), QStringList());
+
+    ethernet.call("disconnect");
+    settledSignals();
+    connman.setProperty(cable, "IPv4", lease);
+    QCOMPARE(settledSignals(), QStringList());
+
+    connectUntil("association");
+    connman.setProperty(cable, "IPv4", lease);
+    QCOMPARE(settledSignals(), QStringList());
+}
+
+void TestEthernet::signalsOfAnEarlierServiceAreIgnored()
+{
+    startDaemon();
+    connectUntil("ready");
+    ethernet.call("disconnect");
+    connman.setServices({wired(otherCable), wired(cable)});
+    connectUntil("association");
+    connman.emitServicesChanged();
+    QCOMPARE(settledSignals(), QStringList{state("ready", cable)});
+
+    connman.setProperty(cable, "IPv4", lease);
+    QCOMPARE(settledSignals(), QStringList());
+
+    connman.setProperty(otherCable, "IPv4", lease);
+    QCOMPARE(settledSignals().value(0), state("online", otherCable));
+}
+
+void TestEthernet::aServiceThatHasItsAddressAlreadyIsOnlineAtOnce()
+{
+    startDaemon();
+    connman.setServices({wired(cable, lease)});
+    connectUntil("association");
+    connman.emitServicesChanged();
+    QCOMPARE(settledSignals(), (QStringList{state("ready"), state("online", cable)}));
+}
+
+void TestEthernet::settingsThatAreStillToComeIntoForceAreWaitedFor()
+{
+    startDaemon();
+    connman.setServices({wired(cable, lease)});
+    ethernet.call("setIPv4", {QVariantMap{{"Method", "manual"}, {"Address", "10.1.2.3"}}});
+    connectUntil("association");
+
+    connman.emitServicesChanged();
+    QCOMPARE(settledSignals(), QStringList{state("ready")});
+
+    connman.storeProperty(cable, "IPv4",
+                          QVariantMap{{"Address", "10.1.2.3"}, {"Netmask", "255.0.0.0"}});
+    connman.setProperty(ConnmanStandIn::ethernetTechnology, "Connected", true);
+    QCOMPARE(settledSignals(), QStringList{state("online", cable)});
+}
+
+void TestEthernet::settingsThatAreInForceAlreadyAreNotWaitedFor()
+{
+    startDaemon();
+    connman.setServices({wired(cable, lease)});
+    ethernet.call("setIPv4", {QVariantMap{{"Method", "dhcp"}}});
+    connectUntil("association");
+    connman.emitServicesChanged();
+    QCOMPARE(settledSignals(), (QStringList{state("ready"), state("online", cable)}));
+}
+
+void TestEthernet::refusedSettingsAreNotWaitedFor()
+{
+    startDaemon();
+    connman.setServices({wired(cable, lease)});
+    ethernet.call("setIPv4", {QVariantMap{{"Method", "magic"}}});
+    connectUntil("association");
+    connman.emitServicesChanged();
+    QCOMPARE(settledSignals(), (QStringList{state("ready"), state("online", cable)}));
+}
+
+void TestEthernet::disconnectPowersTheTechnologyOff()
+{
+    startDaemon();
+    connectUntil("online");
+    QCOMPARE(ethernet.call("disconnect"), QString("()"));
+    QCOMPARE(settledSignals(), (QStringList{state("disconnect", cable), state("idle", cable)}));
+    QCOMPARE(calls(), QStringList{poweredOff});
+}
+
+void TestEthernet::disconnectEndsIdleWhenConnManRefuses()
+{
+    startDaemon();
+    connectUntil("association");
+    connman.failMethod(poweredOff, "net.connman.Error.Failed", "Operation not possible");
+    QCOMPARE(ethernet.call("disconnect"),
+             failed("Cannot set property Powered: Operation not possible"));
+    QCOMPARE(settledSignals(), (QStringList{state("disconnect"), state("idle")}));
+}
+
+void TestEthernet::disconnectEndsIdleWithoutConnMan()
+{
+    startDaemon();
+    connectUntil("ready");
+    connman.kill();
+    const QString text =
+        Remote("net.connman", "/", "net.connman.Manager").reply("GetServices").errorMessage();
+    QVERIFY(!text.isEmpty());
+
+    QCOMPARE(ethernet.call("disconnect"), failed("Cannot set property Powered: " + text));
+    QCOMPARE(settledSignals(), (QStringList{state("disconnect", cable), state("idle", cable)}));
+    connman.start();
+}
+
+void TestEthernet::disconnectWhileIdleIsTheSame()
+{
+    startDaemon();
+    QCOMPARE(ethernet.call("disconnect"), failed("Cannot set property Powered: Already disabled"));
+    QCOMPARE(settledSignals(), (QStringList{state("disconnect"), state("idle")}));
+    QCOMPARE(calls(), QStringList{poweredOff});
+}
+
+void TestEthernet::disconnectDoesNotStopTheScript()
+{
+    startDaemon();
+    script.hold();
+    ethernet.call("connect");
+    QVERIFY(script.waitFor("start 0"));
+    ethernet.call("disconnect");
+    QCOMPARE(settledSignals(), (QStringList{state("disconnect"), state("idle")}));
+
+    script.release();
+
+    QCOMPARE(recorder.waitFor(1), QStringList{state("association")});
+}
+
+void TestEthernet::surplusArgumentsAreRefused()
+{
+    startDaemon();
+    for (const char *method : {"connect", "disconnect", "getIPv4", "getHardwareInfos"})
+        QVERIFY(ethernet.call(method, {QVariantMap()})
+                    .startsWith("org.freedesktop.DBus.Error.UnknownMethod: "));
+    QCOMPARE(settledSignals(), QStringList());
+    QCOMPARE(script.log(), QStringList());
+    QCOMPARE(calls(), QStringList());
+}
+
+void TestEthernet::connManMayEndAtEveryState_data()
+{
+    QTest::addColumn<QString>("name");
+    for (const char *name : {"association", "ready", "online"})
+        QTest::newRow(name) << name;
+}
+
+void TestEthernet::connManMayEndAtEveryState()
+{
+    QFETCH(QString, name);
+    startDaemon();
+    connectUntil(name);
+
+    connman.kill();
+    QCOMPARE(settledSignals(), QStringList());
+    QCOMPARE(ethernet.call("getIPv4"), QString("({})"));
+
+    connman.start();
+    connman.setServices({wired()});
+    ethernet.call("disconnect");
+    settledSignals();
+    connectUntil("online");
+}
+
+WORLD_TEST_MAIN(TestEthernet)
+#include "test_ethernet.moc"
