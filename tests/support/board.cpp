@@ -69,6 +69,17 @@ void Board::remove(const QString &path)
     QFile::remove(pathOf(path));
 }
 
+QList<double> Board::times(const QString &call)
+{
+    QList<double> times;
+    for (const QString &line : QString::fromUtf8(bytes(journalFile)).split(QLatin1Char('\n'))) {
+        const int blank = line.indexOf(QLatin1Char(' '));
+        if (blank > 0 && line.midRef(blank + 1).startsWith(call))
+            times << line.leftRef(blank).toDouble();
+    }
+    return times;
+}
+
 QStringList Board::journal()
 {
     QStringList lines = QString::fromUtf8(bytes(journalFile)).split(QLatin1Char('\n'));

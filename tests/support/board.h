@@ -2,6 +2,7 @@
 #define BOARD_H
 
 #include <QByteArray>
+#include <QList>
 #include <QString>
 #include <QStringList>
 
@@ -29,6 +30,10 @@ public:
     /** Every library call since the last clearJournal(), without its time, in order. */
     static QStringList journal();
     static void clearJournal();
+
+    /** When each library call that begins with @p call was made, in seconds as its process counts.
+     */
+    static QList<double> times(const QString &call);
 
     /** Waits until a file holds @p value, or until the journal holds @p line; false after 20 s. */
     static bool waitFor(const QString &path, const QString &value);

@@ -1,0 +1,63 @@
+#include "kernelevents.h"
+
+#include "files.h"
+
+#include <QTest>
+
+#include <linux/netlink.h>
+#include <sys/socket.h>
+#include <unistd.h>
+
+namespace
+{
+const int deadline = 20000;
+
+/** The lines of the kernel's table for the sockets that listen to device events, in columns. */
+QList<QByteArrayList> listenerTable()
+{
+    const QByteArray protocol = QByteArray::number(NETLINK_KOBJECT_UEVENT);
+    QList<QByteArrayList> table;
+    for (const QByteArray &line : readFile(QStringLiteral("/proc/net/netlink")).split('\n')) {
+        const QByteArrayList columns = line.simplified().split(' ');
+        const bool isListener =
+            columns.size() > 8 && columns[1] == protocol && columns[3].toUInt(nullptr, 16) != 0;
+        if (isListener)
+            table << columns;
+    }
+    return table;
+}
+} // namespace
+
+void KernelEvents::send(const QList<QByteArray> &messages)
+{
+    const int descriptor = socket(AF_NETLINK, SOCK_RAW | SOCK_CLOEXEC, NETLINK_KOBJECT_UEVENT);
+    sockaddr_nl everybody = {};
+    everybody.nl_family = AF_NETLINK;
+    everybody.nl_groups = 1;
+    for (const QByteArray &message : messages) {
+        // Nobody being there is no failure of ours.
+        if (sendto(descriptor, message.constData(), static_cast<size_t>(message.size()), 0,
+                   reinterpret_cast<const sockaddr *>(&everybody), sizeof everybody) < 0 &&
+            errno != ECONNREFUSED)
+            qFatal("cannot send a device event: %s", strerror(errno));
+    }
+    close(descriptor);
+}
+
+int KernelEvents::listeners()
+{
+    return listenerTable().size();
+}
+
+bool KernelEvents::waitForListeners(int count)
+{
+    return QTest::qWaitFor([count] { return listeners() == count; }, deadline);
+}
+
+int KernelEvents::undelivered()
+{
+    int drops = 0;
+    for (const QByteArrayList &columns : listenerTable())
+        drops += columns[8].toInt();
+    return drops;
+}

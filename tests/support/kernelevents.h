@@ -1,0 +1,23 @@
+#ifndef KERNELEVENTS_H
+#define KERNELEVENTS_H
+
+#include <QByteArray>
+#include <QList>
+
+/** The kernel's device events in the network of the test. */
+namespace KernelEvents
+{
+/** Sends @p messages to everybody who listens, just as the kernel sends its own. */
+void send(const QList<QByteArray> &messages);
+
+/** How many sockets listen. */
+int listeners();
+
+/** Waits until so many sockets listen; false after 20 s. */
+bool waitForListeners(int count);
+
+/** How many events the kernel could not deliver to those who listen now. */
+int undelivered();
+} // namespace KernelEvents
+
+#endif

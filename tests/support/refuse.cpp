@@ -1,0 +1,62 @@
+// Runs a program to which the kernel refuses one of the calls that a listener to device events
+// makes: refuse socket|bind|receive PROGRAM [ARGUMENT...]
+
+#include <cerrno>
+#include <cstddef>
+#include <cstdio>
+#include <cstring>
+#include <linux/filter.h>
+#include <linux/netlink.h>
+#include <linux/seccomp.h>
+#include <sys/prctl.h>
+#include <sys/socket.h>
+#include <sys/syscall.h>
+#include <unistd.h>
+
+namespace
+{
+/** A call, told from those of the same name that others make by its third argument. */
+struct Refusal {
+    const char *name;
+    unsigned int call;
+    unsigned int thirdArgument;
+};
+
+const Refusal refusals[] = {
+    {"socket", SYS_socket, NETLINK_KOBJECT_UEVENT},
+    {"bind", SYS_bind, sizeof(sockaddr_nl)},
+    // The bus connection receives with flags.
+    {"receive", SYS_recvmsg, 0},
+};
+
+bool refuse(const Refusal &refusal)
+{
+    // The lower half of the third argument, on a little-endian machine.
+    const unsigned int thirdArgument = offsetof(seccomp_data, args) + 2 * sizeof(__u64);
+    sock_filter filter[] = {
+        BPF_STMT(BPF_LD | BPF_W | BPF_ABS, offsetof(seccomp_data, nr)),
+        BPF_JUMP(BPF_JMP | BPF_JEQ | BPF_K, refusal.call, 0, 3),
+        BPF_STMT(BPF_LD | BPF_W | BPF_ABS, thirdArgument),
+        BPF_JUMP(BPF_JMP | BPF_JEQ | BPF_K, refusal.thirdArgument, 0, 1),
+        BPF_STMT(BPF_RET | BPF_K, SECCOMP_RET_ERRNO | EIO),
+        BPF_STMT(BPF_RET | BPF_K, SECCOMP_RET_ALLOW),
+    };
+    const sock_fprog program = {sizeof filter / sizeof filter[0], filter};
+    return prctl(PR_SET_NO_NEW_PRIVS, 1, 0, 0, 0) == 0 &&
+           prctl(PR_SET_SECCOMP, SECCOMP_MODE_FILTER, &program) == 0;
+}
+} // namespace
+
+int main(int argc, char *argv[])
+{
+    for (const Refusal &refusal : refusals) {
+        if (argc < 3 || std::strcmp(argv[1], refusal.name) != 0)
+            continue;
+        if (refuse(refusal))
+            execvp(argv[2], argv + 2);
+        std::perror(argv[2]);
+        return 126;
+    }
+    std::fputs("usage: refuse socket|bind|receive PROGRAM [ARGUMENT...]\n", stderr);
+    return 126;
+}

@@ -1,0 +1,373 @@
+#include "board.h"
+#include "daemontest.h"
+#include "timing.h"
+
+#include <climits>
+
+/** The temperatures, on the running daemon. */
+class TestTemperature : public DaemonTest
+{
+    Q_OBJECT
+
+private Q_SLOTS:
+    void theInterfaceIsThis();
+    void getTemperaturesReadsBothSensors();
+    void getTemperaturesTakesAnyNumber();
+    void aTemperatureAtOrAboveItsThresholdIsAnnounced_data();
+    void aTemperatureAtOrAboveItsThresholdIsAnnounced();
+    void bothSensorsAreAnnouncedInOrder();
+    void theCheckAnnouncesEveryTime();
+    void eachSensorHasItsOwnThreshold();
+    void aThresholdMayBeAnyNumber();
+    void thresholdsReturnAtTheNextStart();
+    void anUnknownDeviceHasNoThreshold_data();
+    void anUnknownDeviceHasNoThreshold();
+    void anIntervalBelowOneSecondIsRefused_data();
+    void anIntervalBelowOneSecondIsRefused();
+    void anIntervalFromOneSecondIsAccepted();
+    void aSensorThatFailsIsLeftOutAndLogged_data();
+    void aSensorThatFailsIsLeftOutAndLogged();
+    void bothSensorsFailingGiveAnEmptyMap();
+    void slowSensorsOnlyTakeTime();
+
+    void theCheckRunsEveryFiveMinutes();
+    void theCheckRunsAtTheNewInterval();
+    void aNewIntervalCountsFromTheMomentItIsSet();
+    void aRefusedIntervalChangesNothing();
+
+private:
+    static QList<double> readingTimes();
+    static double startTime();
+    bool waitForReadings(int count) const;
+
+    const Remote temperature{QStringLiteral("/KyDeviceMgr"), QStringLiteral("Temperature")};
+    const QString shortInterval = failure(
+        "InvalidArguments", QStringLiteral("Intervall is too short, should be > 1s (1000)"));
+};
+
+/** When the daemon first called the hardware, which is before it set the timer. */
+double TestTemperature::startTime()
+{
+    return Board::times(QString()).value(0);
+}
+
+/** When the first sensor was read. */
+QList<double> TestTemperature::readingTimes()
+{
+    return Board::times("KyTemperature.getTemperature(0)");
+}
+
+bool TestTemperature::waitForReadings(int count) const
+{
+    return QTest::qWaitFor([count] { return readingTimes().size() >= count; }, 30000);
+}
+
+void TestTemperature::theInterfaceIsThis()
+{
+    QVERIFY(daemon.start());
+    QCOMPARE(temperature.members(),
+             (QStringList{"method getTemperatures() a{sv}", "method periodicTemperatureCheck()",
+                          "method setInterval(i)", "method setTemperatureThreshold(si)",
+                          "signal temperatureReached(si)"}));
+}
+
+void TestTemperature::getTemperaturesReadsBothSensors()
+{
+    QVERIFY(daemon.start());
+    SignalRecorder recorder("/KyDeviceMgr");
+    Board::clearJournal();
+
+    QCOMPARE(temperature.call("getTemperatures"),
+             QStringLiteral("({\"ANALOG_CHAIN\": <38>, \"SOM\": <42>})"));
+
+    QCOMPARE(Board::journal(), (QStringList{"KyTemperature.getTemperature(0) = 0 42",
+                                            "KyTemperature.getTemperature(1) = 0 38"}));
+    QCOMPARE(recorder.take(), QStringList());
+}
+
+void TestTemperature::getTemperaturesTakesAnyNumber()
+{
+    QVERIFY(daemon.start());
+    SignalRecorder recorder("/KyDeviceMgr");
+    Board::set("temperature/SOM", QString::number(INT_MIN));
+    Board::set("temperature/ANALOG_CHAIN", QString::number(INT_MAX));
+
+    QCOMPARE(temperature.call("getTemperatures"),
+             QStringLiteral("({\"ANALOG_CHAIN\": <2147483647>, \"SOM\": <-2147483648>})"));
+    QCOMPARE(recorder.take(),
+             QStringList("Temperature.temperatureReached(\"ANALOG_CHAIN\", 2147483647)"));
+}
+
+void TestTemperature::aTemperatureAtOrAboveItsThresholdIsAnnounced_data()
+{
+    QTest::addColumn<QString>("device");
+    QTest::addColumn<int>("degrees");
+    QTest::addColumn<bool>("isAnnounced");
+    for (const char *device : {"SOM", "ANALOG_CHAIN"}) {
+        QTest::addRow("%s one below", device) << device << 79 << false;
+        QTest::addRow("%s at", device) << device << 80 << true;
+        QTest::addRow("%s one above", device) << device << 81 << true;
+    }
+}
+
+void TestTemperature::aTemperatureAtOrAboveItsThresholdIsAnnounced()
+{
+    QFETCH(QString, device);
+    QFETCH(int, degrees);
+    QFETCH(bool, isAnnounced);
+    QVERIFY(daemon.start());
+    SignalRecorder recorder("/KyDeviceMgr");
+    Board::set("temperature/" + device, QString::number(degrees));
+    QStringList expected;
+    if (isAnnounced)
+        expected << QStringLiteral("Temperature.temperatureReached(\"%1\", %2)")
+                        .arg(device)
+                        .arg(degrees);
+
+    const QString temperatures = temperature.call("getTemperatures");
+    QVERIFY(temperatures.contains(QStringLiteral("\"%1\": <%2>").arg(device).arg(degrees)));
+    QCOMPARE(recorder.take(), expected);
+
+    QCOMPARE(temperature.call("periodicTemperatureCheck"), QStringLiteral("()"));
+    QCOMPARE(recorder.take(), expected);
+}
+
+void TestTemperature::bothSensorsAreAnnouncedInOrder()
+{
+    QVERIFY(daemon.start());
+    SignalRecorder recorder("/KyDeviceMgr");
+    Board::set("temperature/SOM", "90");
+    Board::set("temperature/ANALOG_CHAIN", "95");
+
+    temperature.call("getTemperatures");
+
+    QCOMPARE(recorder.take(),
+             (QStringList{"Temperature.temperatureReached(\"SOM\", 90)",
+                          "Temperature.temperatureReached(\"ANALOG_CHAIN\", 95)"}));
+}
+
+void TestTemperature::theCheckAnnouncesEveryTime()
+{
+    QVERIFY(daemon.start());
+    SignalRecorder recorder("/KyDeviceMgr");
+    Board::set("temperature/SOM", "80");
+    const QString reached = "Temperature.temperatureReached(\"SOM\", 80)";
+
+    for (int check = 0; check < 3; ++check)
+        QCOMPARE(temperature.call("periodicTemperatureCheck"), QStringLiteral("()"));
+    QCOMPARE(recorder.take(), (QStringList{reached, reached, reached}));
+
+    // Nothing holds a temperature that has just come down either.
+    Board::set("temperature/SOM", "79");
+    temperature.call("periodicTemperatureCheck");
+    QCOMPARE(recorder.take(), QStringList());
+}
+
+void TestTemperature::eachSensorHasItsOwnThreshold()
+{
+    QVERIFY(daemon.start());
+    SignalRecorder recorder("/KyDeviceMgr");
+
+    QCOMPARE(temperature.call("setTemperatureThreshold", {"SOM", 42}), QStringLiteral("()"));
+    temperature.call("getTemperatures");
+    QCOMPARE(recorder.take(), QStringList("Temperature.temperatureReached(\"SOM\", 42)"));
+
+    QCOMPARE(temperature.call("setTemperatureThreshold", {"SOM", 43}), QStringLiteral("()"));
+    QCOMPARE(temperature.call("setTemperatureThreshold", {"ANALOG_CHAIN", 37}),
+             QStringLiteral("()"));
+    temperature.call("getTemperatures");
+    QCOMPARE(recorder.take(), QStringList("Temperature.temperatureReached(\"ANALOG_CHAIN\", 38)"));
+}
+
+void TestTemperature::aThresholdMayBeAnyNumber()
+{
+    QVERIFY(daemon.start());
+    SignalRecorder recorder("/KyDeviceMgr");
+    Board::set("temperature/SOM", "-40");
+
+    QCOMPARE(temperature.call("setTemperatureThreshold", {"SOM", INT_MIN}), QStringLiteral("()"));
+    QCOMPARE(temperature.call("setTemperatureThreshold", {"ANALOG_CHAIN", INT_MAX}),
+             QStringLiteral("()"));
+    temperature.call("getTemperatures");
+    QCOMPARE(recorder.take(), QStringList("Temperature.temperatureReached(\"SOM\", -40)"));
+}
+
+void TestTemperature::thresholdsReturnAtTheNextStart()
+{
+    QVERIFY(daemon.start());
+    temperature.call("setTemperatureThreshold", {"SOM", 10});
+    daemon.stop();
+    QVERIFY(daemon.start());
+    SignalRecorder recorder("/KyDeviceMgr");
+
+    temperature.call("getTemperatures");
+    QCOMPARE(recorder.take(), QStringList());
+}
+
+void TestTemperature::anUnknownDeviceHasNoThreshold_data()
+{
+    QTest::addColumn<QString>("device");
+    for (const char *device : {"som", "Analog_Chain", "", "SOM ", "0", "SOM|ANALOG_CHAIN",
+                               "KyTemperatureWatcher::SOM", "Device::SOM"})
+        QTest::addRow("\"%s\"", device) << device;
+}
+
+void TestTemperature::anUnknownDeviceHasNoThreshold()
+{
+    QFETCH(QString, device);
+    QVERIFY(daemon.start());
+    SignalRecorder recorder("/KyDeviceMgr");
+
+    QCOMPARE(temperature.call("setTemperatureThreshold", {device, 10}),
+             failure("InvalidArguments", "Unknown device"));
+
+    temperature.call("getTemperatures");
+    QCOMPARE(recorder.take(), QStringList());
+}
+
+void TestTemperature::anIntervalBelowOneSecondIsRefused_data()
+{
+    QTest::addColumn<int>("interval");
+    for (const int interval : {999, 1, 0, -1, -1000, INT_MIN})
+        QTest::addRow("%d", interval) << interval;
+}
+
+void TestTemperature::anIntervalBelowOneSecondIsRefused()
+{
+    QFETCH(int, interval);
+    QVERIFY(daemon.start());
+    QCOMPARE(temperature.call("setInterval", {interval}), shortInterval);
+}
+
+void TestTemperature::anIntervalFromOneSecondIsAccepted()
+{
+    QVERIFY(daemon.start());
+    for (const int interval : {1000, 1001, 300000, INT_MAX})
+        QCOMPARE(temperature.call("setInterval", {interval}), QStringLiteral("()"));
+}
+
+void TestTemperature::aSensorThatFailsIsLeftOutAndLogged_data()
+{
+    QTest::addColumn<QString>("device");
+    QTest::addColumn<QString>("temperatures");
+    QTest::addColumn<QString>("line");
+    QTest::addColumn<QString>("otherLine");
+    const QString som = "Failed to get SoM chain temperature !";
+    const QString analogChain = "Failed to get analog chain temperature !";
+    QTest::newRow("SOM") << "SOM"
+                         << "({\"ANALOG_CHAIN\": <38>})" << som << analogChain;
+    QTest::newRow("ANALOG_CHAIN") << "ANALOG_CHAIN"
+                                  << "({\"SOM\": <42>})" << analogChain << som;
+}
+
+void TestTemperature::aSensorThatFailsIsLeftOutAndLogged()
+{
+    QFETCH(QString, device);
+    QFETCH(QString, temperatures);
+    QFETCH(QString, line);
+    QFETCH(QString, otherLine);
+    QVERIFY(daemon.start());
+    SignalRecorder recorder("/KyDeviceMgr");
+    // Below what a reading that was never made could leave behind.
+    temperature.call("setTemperatureThreshold", {device, INT_MIN});
+    Board::set("temperature/" + device, "warm");
+
+    QCOMPARE(temperature.call("getTemperatures"), temperatures);
+
+    QCOMPARE(recorder.take(), QStringList());
+    QVERIFY(daemon.waitForLog(line + '\n'));
+    QVERIFY(!daemon.log().contains(otherLine));
+}
+
+void TestTemperature::bothSensorsFailingGiveAnEmptyMap()
+{
+    QVERIFY(daemon.start());
+    SignalRecorder recorder("/KyDeviceMgr");
+    Board::fault("KyTemperature.getTemperature", "always");
+
+    QCOMPARE(temperature.call("getTemperatures"), QStringLiteral("({})"));
+    QCOMPARE(temperature.call("periodicTemperatureCheck"), QStringLiteral("()"));
+    QCOMPARE(recorder.take(), QStringList());
+
+    Board::clearFaults();
+    QCOMPARE(temperature.call("getTemperatures"),
+             QStringLiteral("({\"ANALOG_CHAIN\": <38>, \"SOM\": <42>})"));
+}
+
+void TestTemperature::slowSensorsOnlyTakeTime()
+{
+    QVERIFY(daemon.start());
+    SignalRecorder recorder("/KyDeviceMgr");
+    Board::fault("KyTemperature.getTemperature", "delay 200");
+    Board::set("temperature/SOM", "80");
+    const QString reached = "Temperature.temperatureReached(\"SOM\", 80)";
+
+    QCOMPARE(temperature.call("getTemperatures"),
+             QStringLiteral("({\"ANALOG_CHAIN\": <38>, \"SOM\": <80>})"));
+    QCOMPARE(temperature.call("periodicTemperatureCheck"), QStringLiteral("()"));
+    QCOMPARE(recorder.take(), (QStringList{reached, reached}));
+}
+
+void TestTemperature::theCheckRunsEveryFiveMinutes()
+{
+    daemon.speedUp(200);
+    QVERIFY(daemon.start());
+    SignalRecorder recorder("/KyDeviceMgr");
+    Board::set("temperature/SOM", "80");
+    const QString reached = "Temperature.temperatureReached(\"SOM\", 80)";
+
+    QVERIFY(waitForReadings(2));
+
+    VERIFY_NOT_EARLY(readingTimes()[0], startTime(), 300);
+    VERIFY_NOT_EARLY(readingTimes()[1], startTime(), 600);
+    QCOMPARE(recorder.take().filter("Temperature.").mid(0, 2), (QStringList{reached, reached}));
+}
+
+void TestTemperature::theCheckRunsAtTheNewInterval()
+{
+    daemon.speedUp(50);
+    QVERIFY(daemon.start());
+    Board::clearJournal();
+    temperature.call("getTemperatures");
+    QCOMPARE(temperature.call("setInterval", {20000}), QStringLiteral("()"));
+
+    QVERIFY(waitForReadings(4));
+
+    const QList<double> times = readingTimes();
+    for (int check = 1; check <= 3; ++check)
+        VERIFY_NOT_EARLY(times[check], times[0], check * 20);
+    // Not one of them is due at the interval of the start.
+    QVERIFY2(times[3] < times[0] + 285, qPrintable(QString::number(times[3] - times[0])));
+}
+
+void TestTemperature::aNewIntervalCountsFromTheMomentItIsSet()
+{
+    daemon.speedUp(50);
+    QVERIFY(daemon.start());
+    SignalRecorder recorder("/KyDeviceMgr");
+    QCOMPARE(temperature.call("setInterval", {100000}), QStringLiteral("()"));
+    // The battery is checked every 10 s: more than half of the interval passes.
+    QCOMPARE(recorder.waitFor(6).filter("Alimentation.").size(), 6);
+    Board::clearJournal();
+
+    temperature.call("getTemperatures");
+    QCOMPARE(temperature.call("setInterval", {100000}), QStringLiteral("()"));
+    QVERIFY(waitForReadings(2));
+
+    VERIFY_NOT_EARLY(readingTimes()[1], readingTimes()[0], 100);
+}
+
+void TestTemperature::aRefusedIntervalChangesNothing()
+{
+    daemon.speedUp(200);
+    QVERIFY(daemon.start());
+    QCOMPARE(temperature.call("setInterval", {999}), shortInterval);
+
+    QVERIFY(waitForReadings(2));
+
+    VERIFY_NOT_EARLY(readingTimes()[0], startTime(), 300);
+    VERIFY_NOT_EARLY(readingTimes()[1], startTime(), 600);
+}
+
+WORLD_TEST_MAIN(TestTemperature)
+#include "test_temperature.moc"
