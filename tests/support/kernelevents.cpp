@@ -35,10 +35,8 @@ void KernelEvents::send(const QList<QByteArray> &messages)
     everybody.nl_family = AF_NETLINK;
     everybody.nl_groups = 1;
     for (const QByteArray &message : messages) {
-        // Nobody being there is no failure of ours.
         if (sendto(descriptor, message.constData(), static_cast<size_t>(message.size()), 0,
-                   reinterpret_cast<const sockaddr *>(&everybody), sizeof everybody) < 0 &&
-            errno != ECONNREFUSED)
+                   reinterpret_cast<const sockaddr *>(&everybody), sizeof everybody) < 0)
             qFatal("cannot send a device event: %s", strerror(errno));
     }
     close(descriptor);
@@ -60,4 +58,14 @@ int KernelEvents::undelivered()
     for (const QByteArrayList &columns : listenerTable())
         drops += columns[8].toInt();
     return drops;
+}
+
+bool KernelEvents::isRoomUnlimited()
+{
+    const int descriptor = socket(AF_NETLINK, SOCK_RAW | SOCK_CLOEXEC, NETLINK_KOBJECT_UEVENT);
+    const int size = 4096;
+    const bool isUnlimited =
+        setsockopt(descriptor, SOL_SOCKET, SO_RCVBUFFORCE, &size, sizeof size) == 0;
+    close(descriptor);
+    return isUnlimited;
 }

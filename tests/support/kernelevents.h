@@ -18,6 +18,9 @@ bool waitForListeners(int count);
 
 /** How many events the kernel could not deliver to those who listen now. */
 int undelivered();
+
+/** Whether programs of ours may make the room for undelivered events as large as they want. */
+bool isRoomUnlimited();
 } // namespace KernelEvents
 
 #endif

@@ -1,0 +1,539 @@
+#include "board.h"
+#include "daemontest.h"
+#include "kernelevents.h"
+#include "kystorage.h"
+
+#include <QProcess>
+#include <QSignalSpy>
+
+#include <csignal>
+
+/** The removable storage, on the running daemon. */
+class TestStorage : public DaemonTest
+{
+    Q_OBJECT
+
+private Q_SLOTS:
+    void theInterfaceIsThis();
+    void slotsOfTheListenerCannotBeCalled_data();
+    void slotsOfTheListenerCannotBeCalled();
+
+    void isMountedTellsAboutEachDevice();
+    void isMountedOfAnUnknownNameIsFalse_data();
+    void isMountedOfAnUnknownNameIsFalse();
+    void umountUnmountsAndAnnouncesTheDevice_data();
+    void umountUnmountsAndAnnouncesTheDevice();
+    void umountAnnouncesTheDeviceEvenWhenItFails_data();
+    void umountAnnouncesTheDeviceEvenWhenItFails();
+    void umountRefusesAnUnknownName_data();
+    void umountRefusesAnUnknownName();
+    void failingHardwareMeansNotMounted();
+    void slowHardwareOnlyTakesTime();
+
+    void aCardThatIsInAtTheStartIsNotAnnounced();
+    void theSdLedShowsTheStateFromTheStart_data();
+    void theSdLedShowsTheStateFromTheStart();
+    void theSdLedFollowsTheCard();
+
+    void eventsOfTheFirstPartitionsAreAnnounced_data();
+    void eventsOfTheFirstPartitionsAreAnnounced();
+    void otherEventsAreIgnored();
+    void anEventDoesNotContinueInTheOneBefore();
+    void theKernelsOwnEventsAreAnnounced_data();
+    void theKernelsOwnEventsAreAnnounced();
+    void aBurstLosesNothingAndLeavesTheDaemonAnswering();
+    void aListenerThatDoesNotGetToRunLosesNothing();
+
+    void withoutItsEventsTheDaemonServesInSilence_data();
+    void withoutItsEventsTheDaemonServesInSilence();
+    void aStoppedListenerEndsWithTheNextEvent();
+    void theStorageWaitsForItsListener();
+
+private:
+    bool startListening();
+    void verifyBurstIsAnnounced(SignalRecorder &recorder);
+    int threads() const;
+
+    const Remote storage{QStringLiteral("/KyDeviceMgr"), QStringLiteral("Storage")};
+    const QString cardMounted = QStringLiteral("Storage.deviceChangedMountState(\"SD\", true)");
+    const QString cardUnmounted = QStringLiteral("Storage.deviceChangedMountState(\"SD\", false)");
+    const QString cardIn = QStringLiteral("Storage.sdcardPresence(true)");
+    const QString cardOut = QStringLiteral("Storage.sdcardPresence(false)");
+    const QString keyUnmounted = QStringLiteral("Storage.deviceChangedMountState(\"USB\", false)");
+    const QString keyIn = QStringLiteral("Storage.usbKeyPresence(true)");
+    const QString keyOut = QStringLiteral("Storage.usbKeyPresence(false)");
+};
+
+namespace
+{
+/** An event as the kernel sends it: the header, then what it says about the device. */
+QByteArray kernelEvent(const QByteArray &action, const QByteArray &path)
+{
+    const QByteArray name = path.mid(path.lastIndexOf('/') + 1);
+    return action + '@' + path + '\0' + "ACTION=" + action + '\0' + "DEVPATH=" + path + '\0' +
+           "SUBSYSTEM=block" + '\0' + "DEVNAME=" + name + '\0';
+}
+
+const QByteArray card = "/devices/platform/soc/mmc_host/mmc0/mmc0:0001/block/mmcblk0";
+const QByteArray cardPartition = card + "/mmcblk0p1";
+const QByteArray keyPartition = "/devices/platform/soc/usb1/1-1/host0/block/sda/sda1";
+
+const int burstSize = 10000;
+
+/** The key coming and going again and again, each event with @p more at its end. */
+QList<QByteArray> burst(const QByteArray &more)
+{
+    QList<QByteArray> events;
+    for (int number = 0; number < burstSize; ++number)
+        events << kernelEvent(number % 2 == 0 ? "add" : "remove", keyPartition) + more;
+    return events;
+}
+
+bool run(const QString &program, const QStringList &arguments)
+{
+    return QProcess::execute(program, arguments) == 0;
+}
+} // namespace
+
+/** Starts the daemon and waits until its listener hears events. */
+bool TestStorage::startListening()
+{
+    return daemon.start() && KernelEvents::waitForListeners(1);
+}
+
+/** All that the kernel delivered is announced in order, and so is what comes after it. */
+void TestStorage::verifyBurstIsAnnounced(SignalRecorder &recorder)
+{
+    const int undelivered = KernelEvents::undelivered();
+    // Without this privilege the listener only has as much room as any program.
+    if (KernelEvents::isRoomUnlimited())
+        QCOMPARE(undelivered, 0);
+    const QStringList announced = recorder.waitFor(burstSize - undelivered, 60000);
+    QCOMPARE(announced.size(), burstSize - undelivered);
+    if (undelivered == 0) {
+        for (int number = 0; number < burstSize; ++number)
+            QCOMPARE(announced[number], number % 2 == 0 ? keyIn : keyOut);
+    }
+    KernelEvents::send({kernelEvent("remove", cardPartition)});
+    QCOMPARE(recorder.waitFor(2), (QStringList{cardUnmounted, cardOut}));
+}
+
+int TestStorage::threads() const
+{
+    return QDir(QStringLiteral("/proc/%1/task").arg(daemon.processId()))
+        .entryList(QDir::Dirs | QDir::NoDotAndDotDot)
+        .size();
+}
+
+void TestStorage::theInterfaceIsThis()
+{
+    QVERIFY(daemon.start());
+    QCOMPARE(storage.members(),
+             (QStringList{"method isMounted(s) b", "method umount(s)",
+                          "signal deviceChangedMountState(sb)", "signal sdcardPresence(b)",
+                          "signal usbKeyPresence(b)"}));
+}
+
+void TestStorage::slotsOfTheListenerCannotBeCalled_data()
+{
+    QTest::addColumn<QString>("slot");
+    QTest::addColumn<QVariantList>("arguments");
+    QTest::newRow("card") << "sdCardSlot" << QVariantList{true};
+    QTest::newRow("key") << "usbKeySlot" << QVariantList{true};
+    QTest::newRow("run") << "run" << QVariantList{};
+    QTest::newRow("stop") << "stop" << QVariantList{};
+}
+
+void TestStorage::slotsOfTheListenerCannotBeCalled()
+{
+    QFETCH(QString, slot);
+    QFETCH(QVariantList, arguments);
+    QVERIFY(daemon.start());
+    SignalRecorder recorder("/KyDeviceMgr");
+
+    QVERIFY(storage.call(slot, arguments).startsWith("org.freedesktop.DBus.Error.UnknownMethod: "));
+    QCOMPARE(recorder.take(), QStringList());
+}
+
+void TestStorage::isMountedTellsAboutEachDevice()
+{
+    QVERIFY(daemon.start());
+    SignalRecorder recorder("/KyDeviceMgr");
+    Board::set("storage/SD/mounted", "1");
+    Board::clearJournal();
+    QCOMPARE(storage.call("isMounted", {"SD"}), QStringLiteral("(true)"));
+    QCOMPARE(storage.call("isMounted", {"USB"}), QStringLiteral("(false)"));
+
+    Board::set("storage/SD/mounted", "0");
+    Board::set("storage/USB/mounted", "1");
+    QCOMPARE(storage.call("isMounted", {"SD"}), QStringLiteral("(false)"));
+    QCOMPARE(storage.call("isMounted", {"USB"}), QStringLiteral("(true)"));
+
+    QCOMPARE(Board::journal(),
+             (QStringList{"KyFaccess.isMounted(0) = true", "KyFaccess.isMounted(1) = false",
+                          "KyFaccess.isMounted(0) = false", "KyFaccess.isMounted(1) = true"}));
+    QCOMPARE(recorder.take(), QStringList());
+}
+
+void TestStorage::isMountedOfAnUnknownNameIsFalse_data()
+{
+    QTest::addColumn<QString>("device");
+    for (const char *device : {"sd", "usb", "", "SD ", "0", "mmcblk0p1", "SDUSB"})
+        QTest::addRow("\"%s\"", device) << device;
+}
+
+void TestStorage::isMountedOfAnUnknownNameIsFalse()
+{
+    QFETCH(QString, device);
+    QVERIFY(daemon.start());
+    Board::set("storage/SD/mounted", "1");
+    Board::set("storage/USB/mounted", "1");
+    Board::clearJournal();
+
+    QCOMPARE(storage.call("isMounted", {device}), QStringLiteral("(false)"));
+    QCOMPARE(Board::journal(), QStringList());
+}
+
+void TestStorage::umountUnmountsAndAnnouncesTheDevice_data()
+{
+    QTest::addColumn<QString>("device");
+    QTest::addColumn<QStringList>("calls");
+    QTest::addColumn<QStringList>("announcements");
+    QTest::newRow("SD") << "SD"
+                        << QStringList{"KyFaccess.unmountDevice(0) = 0",
+                                       "KyLeds.setLedState(26, 0) = 0"}
+                        << QStringList{cardUnmounted, cardOut};
+    QTest::newRow("USB") << "USB" << QStringList{"KyFaccess.unmountDevice(1) = 0"}
+                         << QStringList{keyUnmounted, keyOut};
+}
+
+void TestStorage::umountUnmountsAndAnnouncesTheDevice()
+{
+    QFETCH(QString, device);
+    QFETCH(QStringList, calls);
+    QFETCH(QStringList, announcements);
+    Board::set("storage/" + device + "/mounted", "1");
+    QVERIFY(daemon.start());
+    SignalRecorder recorder("/KyDeviceMgr");
+    Board::clearJournal();
+
+    QCOMPARE(storage.call("umount", {device}), QStringLiteral("()"));
+
+    QCOMPARE(recorder.take(), announcements);
+    QCOMPARE(Board::journal(), calls);
+    QCOMPARE(Board::get("storage/" + device + "/mounted"), QStringLiteral("0"));
+}
+
+void TestStorage::umountAnnouncesTheDeviceEvenWhenItFails_data()
+{
+    QTest::addColumn<QString>("device");
+    QTest::addColumn<QStringList>("announcements");
+    QTest::newRow("SD") << "SD" << QStringList{cardUnmounted, cardOut};
+    QTest::newRow("USB") << "USB" << QStringList{keyUnmounted, keyOut};
+}
+
+void TestStorage::umountAnnouncesTheDeviceEvenWhenItFails()
+{
+    QFETCH(QString, device);
+    QFETCH(QStringList, announcements);
+    Board::set("storage/" + device + "/mounted", "1");
+    Board::fault("KyFaccess.unmountDevice", "always");
+    QVERIFY(daemon.start());
+    SignalRecorder recorder("/KyDeviceMgr");
+
+    QCOMPARE(storage.call("umount", {device}), failure("Write", "Umount failed"));
+
+    QCOMPARE(recorder.take(), announcements);
+    QCOMPARE(storage.call("isMounted", {device}), QStringLiteral("(true)"));
+}
+
+void TestStorage::umountRefusesAnUnknownName_data()
+{
+    isMountedOfAnUnknownNameIsFalse_data();
+}
+
+void TestStorage::umountRefusesAnUnknownName()
+{
+    QFETCH(QString, device);
+    QVERIFY(daemon.start());
+    SignalRecorder recorder("/KyDeviceMgr");
+    Board::clearJournal();
+
+    QCOMPARE(storage.call("umount", {device}), failure("Write", "Unknowned device"));
+
+    QCOMPARE(recorder.take(), QStringList());
+    QCOMPARE(Board::journal(), QStringList());
+}
+
+void TestStorage::failingHardwareMeansNotMounted()
+{
+    Board::set("storage/SD/inserted", "1");
+    Board::set("storage/SD/mounted", "1");
+    Board::fault("KyFaccess.isDeviceInserted", "always");
+    Board::fault("KyFaccess.isMounted", "always");
+    QVERIFY(startListening());
+    SignalRecorder recorder("/KyDeviceMgr");
+
+    QCOMPARE(Board::get("leds/SD_STATUS"), QStringLiteral("OFF"));
+    QCOMPARE(storage.call("isMounted", {"SD"}), QStringLiteral("(false)"));
+    KernelEvents::send({kernelEvent("add", cardPartition)});
+    QCOMPARE(recorder.waitFor(2), (QStringList{cardMounted, cardIn}));
+}
+
+void TestStorage::slowHardwareOnlyTakesTime()
+{
+    Board::set("storage/USB/mounted", "1");
+    for (const char *operation : {"isDeviceInserted", "isMounted", "unmountDevice"})
+        Board::fault(QStringLiteral("KyFaccess.") + operation, "delay 200");
+    Board::fault("KyLeds.setLedState", "delay 200");
+    QVERIFY(startListening());
+    SignalRecorder recorder("/KyDeviceMgr");
+
+    KernelEvents::send({kernelEvent("add", cardPartition), kernelEvent("remove", cardPartition),
+                        kernelEvent("add", keyPartition)});
+    QCOMPARE(storage.call("isMounted", {"USB"}), QStringLiteral("(true)"));
+    QCOMPARE(recorder.waitFor(5),
+             (QStringList{cardMounted, cardIn, cardUnmounted, cardOut, keyIn}));
+    QCOMPARE(storage.call("umount", {"USB"}), QStringLiteral("()"));
+    QCOMPARE(recorder.take(), (QStringList{keyUnmounted, keyOut}));
+    QCOMPARE(storage.call("isMounted", {"USB"}), QStringLiteral("(false)"));
+}
+
+void TestStorage::aCardThatIsInAtTheStartIsNotAnnounced()
+{
+    Board::set("storage/SD/inserted", "1");
+    SignalRecorder recorder("/KyDeviceMgr");
+
+    QVERIFY(startListening());
+
+    QCOMPARE(recorder.take().filter("Storage."), QStringList());
+    // It is asked about, first of all; what the LED shows is whether it is mounted.
+    QCOMPARE(
+        Board::journal().filter("KyFaccess."),
+        (QStringList{"KyFaccess.isDeviceInserted(0) = true", "KyFaccess.isMounted(0) = false"}));
+}
+
+void TestStorage::theSdLedShowsTheStateFromTheStart_data()
+{
+    QTest::addColumn<QString>("mounted");
+    QTest::addColumn<QString>("shown");
+    QTest::newRow("mounted") << "1"
+                             << "ON";
+    QTest::newRow("not mounted") << "0"
+                                 << "OFF";
+}
+
+void TestStorage::theSdLedShowsTheStateFromTheStart()
+{
+    QFETCH(QString, mounted);
+    QFETCH(QString, shown);
+    Board::set("storage/SD/mounted", mounted);
+    Board::set("leds/SD_STATUS", "BLINK_1HZ");
+
+    QVERIFY(daemon.start());
+
+    QCOMPARE(Board::get("leds/SD_STATUS"), shown);
+}
+
+void TestStorage::theSdLedFollowsTheCard()
+{
+    QVERIFY(startListening());
+    SignalRecorder recorder("/KyDeviceMgr");
+    Board::clearJournal();
+
+    KernelEvents::send({kernelEvent("add", cardPartition), kernelEvent("add", keyPartition),
+                        kernelEvent("remove", cardPartition), kernelEvent("remove", keyPartition)});
+    QCOMPARE(recorder.waitFor(6).size(), 6);
+
+    QCOMPARE(Board::journal(),
+             (QStringList{"KyLeds.setLedState(26, 3) = 0", "KyLeds.setLedState(26, 0) = 0"}));
+}
+
+void TestStorage::eventsOfTheFirstPartitionsAreAnnounced_data()
+{
+    QTest::addColumn<QByteArray>("message");
+    QTest::addColumn<QStringList>("announcements");
+    QTest::newRow("card in") << kernelEvent("add", cardPartition)
+                             << QStringList{cardMounted, cardIn};
+    QTest::newRow("card out") << kernelEvent("remove", cardPartition)
+                              << QStringList{cardUnmounted, cardOut};
+    QTest::newRow("key in") << kernelEvent("add", keyPartition) << QStringList{keyIn};
+    QTest::newRow("key out") << kernelEvent("remove", keyPartition) << QStringList{keyOut};
+    QTest::newRow("header only") << QByteArray("add@/sda1") << QStringList{keyIn};
+    QTest::newRow("longer than the buffer")
+        << kernelEvent("remove", keyPartition) + QByteArray(8000, 'x') << QStringList{keyOut};
+}
+
+void TestStorage::eventsOfTheFirstPartitionsAreAnnounced()
+{
+    QFETCH(QByteArray, message);
+    QFETCH(QStringList, announcements);
+    QVERIFY(startListening());
+    SignalRecorder recorder("/KyDeviceMgr");
+
+    KernelEvents::send({message});
+
+    QCOMPARE(recorder.waitFor(announcements.size()), announcements);
+}
+
+void TestStorage::otherEventsAreIgnored()
+{
+    QVERIFY(startListening());
+    SignalRecorder recorder("/KyDeviceMgr");
+    Board::clearJournal();
+
+    KernelEvents::send({
+        kernelEvent("add", card + "/mmcblk0p2"),
+        kernelEvent("add", card),
+        kernelEvent("remove", "/devices/usb1/block/sdb/sdb1"),
+        kernelEvent("add", "/devices/usb1/block/sda"),
+        kernelEvent("change", cardPartition),
+        kernelEvent("bind", keyPartition),
+        kernelEvent("ADD", cardPartition),
+        QByteArray("\0", 1) + kernelEvent("add", cardPartition),
+        QByteArray("libudev\0", 8) + kernelEvent("add", cardPartition),
+        QByteArray("add@/devices\0DEVNAME=mmcblk0p1\0", 31),
+        QByteArray("add@") + QByteArray(4091, 'd') + "sda1",
+        QByteArray("add@") + QByteArray(4088, 'd') + "sda1",
+        QByteArray(4096, '\xff'),
+        QByteArray("add@"),
+    });
+    // Events come in order, so all of them have been looked at when this one is announced.
+    KernelEvents::send({kernelEvent("remove", keyPartition)});
+
+    QCOMPARE(recorder.waitFor(1), QStringList(keyOut));
+    QCOMPARE(Board::journal(), QStringList());
+}
+
+void TestStorage::anEventDoesNotContinueInTheOneBefore()
+{
+    QVERIFY(startListening());
+    SignalRecorder recorder("/KyDeviceMgr");
+
+    KernelEvents::send({kernelEvent("change", cardPartition), "add@",
+                        kernelEvent("remove", keyPartition), "remove@"});
+    KernelEvents::send({kernelEvent("add", keyPartition)});
+
+    QCOMPARE(recorder.waitFor(2), (QStringList{keyOut, keyIn}));
+}
+
+void TestStorage::theKernelsOwnEventsAreAnnounced_data()
+{
+    QTest::addColumn<QString>("name");
+    QTest::addColumn<QStringList>("added");
+    QTest::addColumn<QStringList>("removed");
+    QTest::newRow("card") << "mmcblk0p1" << QStringList{cardMounted, cardIn}
+                          << QStringList{cardUnmounted, cardOut};
+    QTest::newRow("key") << "sda1" << QStringList{keyIn} << QStringList{keyOut};
+}
+
+void TestStorage::theKernelsOwnEventsAreAnnounced()
+{
+    QFETCH(QString, name);
+    QFETCH(QStringList, added);
+    QFETCH(QStringList, removed);
+    QVERIFY(startListening());
+    SignalRecorder recorder("/KyDeviceMgr");
+
+    // One event for the device, and one for each of its two queues.
+    QVERIFY(run("ip", {"link", "add", name, "numtxqueues", "1", "numrxqueues", "1", "type", "veth",
+                       "peer", "name", "other"}));
+    QCOMPARE(recorder.waitFor(3 * added.size()), added + added + added);
+    QVERIFY(run("ip", {"link", "delete", name}));
+    QCOMPARE(recorder.waitFor(3 * removed.size()), removed + removed + removed);
+}
+
+void TestStorage::aBurstLosesNothingAndLeavesTheDaemonAnswering()
+{
+    QVERIFY(startListening());
+    SignalRecorder recorder("/KyDeviceMgr");
+
+    KernelEvents::send(burst(QByteArray()));
+    QCOMPARE(storage.call("isMounted", {"SD"}), QStringLiteral("(false)"));
+
+    verifyBurstIsAnnounced(recorder);
+}
+
+void TestStorage::aListenerThatDoesNotGetToRunLosesNothing()
+{
+    QVERIFY(startListening());
+    SignalRecorder recorder("/KyDeviceMgr");
+    const pid_t process = static_cast<pid_t>(daemon.processId());
+
+    QCOMPARE(kill(process, SIGSTOP), 0);
+    // The kernel's own events are at most that large.
+    KernelEvents::send(burst(QByteArray(2048, 'x')));
+    QCOMPARE(kill(process, SIGCONT), 0);
+
+    verifyBurstIsAnnounced(recorder);
+}
+
+void TestStorage::withoutItsEventsTheDaemonServesInSilence_data()
+{
+    QTest::addColumn<QString>("refused");
+    QTest::newRow("socket refused") << "socket";
+    QTest::newRow("bind refused") << "bind";
+    QTest::newRow("receive fails") << "receive";
+}
+
+void TestStorage::withoutItsEventsTheDaemonServesInSilence()
+{
+    QFETCH(QString, refused);
+    QVERIFY(startListening());
+    const int threadsWithListener = threads();
+    const QString usualLog = daemon.log();
+    daemon.stop();
+    daemon.setWrapper({REFUSE, refused});
+    QVERIFY(daemon.start());
+    SignalRecorder recorder("/KyDeviceMgr");
+
+    QTRY_COMPARE(threads(), threadsWithListener - 1);
+
+    QCOMPARE(KernelEvents::listeners(), 0);
+    KernelEvents::send({kernelEvent("add", cardPartition)});
+    QCOMPARE(storage.call("isMounted", {"SD"}), QStringLiteral("(false)"));
+    QCOMPARE(storage.call("umount", {"USB"}), QStringLiteral("()"));
+    QCOMPARE(recorder.take(), (QStringList{keyUnmounted, keyOut}));
+    QCOMPARE(daemon.log(), usualLog);
+}
+
+void TestStorage::aStoppedListenerEndsWithTheNextEvent()
+{
+    KySdcardThread listener;
+    QSignalSpy cardEvents(&listener, &KySdcardThread::sdcardEvent);
+    QSignalSpy keyEvents(&listener, &KySdcardThread::usbKeyEvent);
+    listener.start();
+    QVERIFY(KernelEvents::waitForListeners(1));
+
+    listener.stop();
+    QVERIFY(listener.isRunning());
+    KernelEvents::send({kernelEvent("add", card)});
+
+    QVERIFY(listener.wait(10000));
+    QCOMPARE(KernelEvents::listeners(), 0);
+    QCOMPARE(cardEvents.size() + keyEvents.size(), 0);
+}
+
+void TestStorage::theStorageWaitsForItsListener()
+{
+    QObject root;
+    auto adaptor = new KyStorage(&root);
+    QVERIFY(KernelEvents::waitForListeners(1));
+    // Until the destructor has its event, this one keeps sending one after the other.
+    std::atomic<bool> isDestroyed(false);
+    QThread *sender = QThread::create([&isDestroyed] {
+        while (!isDestroyed)
+            KernelEvents::send({kernelEvent("change", card)});
+    });
+    sender->start();
+
+    delete adaptor;
+    isDestroyed = true;
+
+    QCOMPARE(KernelEvents::listeners(), 0);
+    QVERIFY(sender->wait(10000));
+    delete sender;
+}
+
+WORLD_TEST_MAIN(TestStorage)
+#include "test_storage.moc"
