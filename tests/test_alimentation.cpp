@@ -1,0 +1,473 @@
+#include "board.h"
+#include "daemontest.h"
+#include "timing.h"
+
+#include <QDBusVariant>
+
+/** The power supply and the battery, on the running daemon. */
+class TestAlimentation : public DaemonTest
+{
+    Q_OBJECT
+
+private Q_SLOTS:
+    void theInterfaceIsThis();
+    void theCheckCannotBeCalled();
+
+    void theChargerIsReadAndToldAtTheStart_data();
+    void theChargerIsReadAndToldAtTheStart();
+    void theStatusIsMeasuredAtEachReading();
+    void theStatusFollowsChargerMeterAndBattery_data();
+    void theStatusFollowsChargerMeterAndBattery();
+    void theChargerIsOneBitOfTheRegister();
+    void aReadingThatNoticesTheChargerAnnouncesTheStatus();
+    void aReadingThatNoticesAnUnknownBatteryAnnouncesIt();
+    void everyWayOfReadingThePropertyMeasures();
+    void thePropertyCannotBeWritten();
+
+    void theVoltageIsThatOfTheLastReading();
+    void theVoltageIsZeroBeforeAnyMeasurement();
+    void theVoltageStaysWhenTheBatteryCannotBeRead();
+
+    void aChargerThatCannotBeReadCountsAsAbsent_data();
+    void aChargerThatCannotBeReadCountsAsAbsent();
+    void aSerialBusThatCannotBeOpenedDoesNotMatter();
+    void aMonitorThatCannotBeToldDoesNotMatter();
+    void aMeterThatAnswersNonsenseIsAnUnknownBattery();
+    void allHardwareFailingIsAnUnknownBattery();
+    void slowHardwareOnlyTakesTime();
+
+    void theCheckRunsElevenTimesEveryTenSecondsAndThenEveryFiveMinutes();
+    void eachCheckAnnouncesTheStatusOnce();
+    void theLedsFollowTheChecks();
+
+private:
+    void setBattery(int charger, int type, int flag, const QString &charge);
+    QString status() const;
+    static int measurements();
+
+    const Remote alimentation{QStringLiteral("/KyDeviceMgr"), QStringLiteral("Alimentation")};
+    const QString initialise = QStringLiteral("KySocManager.initSPI() = 0");
+    const QString absent = QStringLiteral("KySocManager.getSoCRegister(1536) = 0 0");
+    const QString present = QStringLiteral("KySocManager.getSoCRegister(1536) = 0 1073741824");
+};
+
+namespace
+{
+QString announced(const char *status)
+{
+    return QStringLiteral("Alimentation.batteryStatus(\"%1\")").arg(status);
+}
+} // namespace
+
+void TestAlimentation::setBattery(int charger, int type, int flag, const QString &charge)
+{
+    Board::set("charger/present", QString::number(charger));
+    Board::set("battery/type", QString::number(type));
+    Board::set("battery/flag", QString::number(flag));
+    Board::set("battery/charge", charge);
+}
+
+/** The property's text; the whole reply where it is no text. */
+QString TestAlimentation::status() const
+{
+    const QString value = alimentation.property("batteryStatus");
+    const bool isText = value.startsWith("(<\"") && value.endsWith("\">)");
+    return isText ? value.mid(3, value.size() - 6) : value;
+}
+
+/** How often the battery has been measured since the journal was cleared. */
+int TestAlimentation::measurements()
+{
+    return Board::times("KyBatmonitor.getBatteryInfo()").size();
+}
+
+void TestAlimentation::theInterfaceIsThis()
+{
+    QVERIFY(daemon.start());
+    QCOMPARE(alimentation.members(),
+             (QStringList{"method getBatteryVoltage() u", "property batteryStatus s read",
+                          "signal batteryStatus(s)"}));
+}
+
+void TestAlimentation::theCheckCannotBeCalled()
+{
+    QVERIFY(daemon.start());
+    SignalRecorder recorder("/KyDeviceMgr");
+    for (const char *method : {"periodicBatteryCheck", "refresh", "readBatteryStatus",
+                               "batteryStatus", "prepareForShutdown"})
+        QVERIFY2(alimentation.call(method).startsWith("org.freedesktop.DBus.Error.UnknownMethod: "),
+                 method);
+    QCOMPARE(recorder.take(), QStringList());
+}
+
+void TestAlimentation::theChargerIsReadAndToldAtTheStart_data()
+{
+    QTest::addColumn<int>("charger");
+    QTest::addColumn<QString>("reading");
+    QTest::addColumn<QString>("telling");
+    QTest::newRow("absent") << 0 << absent << "KyBatmonitor.update(false) = 0";
+    QTest::newRow("present") << 1 << present << "KyBatmonitor.update(true) = 0";
+}
+
+void TestAlimentation::theChargerIsReadAndToldAtTheStart()
+{
+    QFETCH(int, charger);
+    QFETCH(QString, reading);
+    QFETCH(QString, telling);
+    setBattery(charger, 1, 0, "50");
+    SignalRecorder recorder("/KyDeviceMgr");
+
+    QVERIFY(daemon.start());
+
+    QCOMPARE(Board::journal().mid(0, 3), (QStringList{initialise, reading, telling}));
+    // What the LEDs need to know is measured once more, without telling the monitor again.
+    QCOMPARE(Board::journal().filter("getSoCRegister(1536)"), (QStringList{reading, reading}));
+    QCOMPARE(Board::journal().filter("KyBatmonitor."),
+             (QStringList{telling, "KyBatmonitor.getCmeterType() = 1",
+                          "KyBatmonitor.getBatteryInfo() = 0 0 50 7600"}));
+    QCOMPARE(recorder.take().filter("Alimentation."), QStringList());
+}
+
+void TestAlimentation::theStatusIsMeasuredAtEachReading()
+{
+    setBattery(0, 1, 0, "80");
+    QVERIFY(daemon.start());
+    SignalRecorder recorder("/KyDeviceMgr");
+    Board::clearJournal();
+
+    QCOMPARE(status(), QStringLiteral("CHARGER_OFF_BAT_INF_80"));
+    QCOMPARE(Board::journal(), (QStringList{initialise, absent, "KyBatmonitor.getCmeterType() = 1",
+                                            "KyBatmonitor.getBatteryInfo() = 0 0 80 7600"}));
+
+    Board::set("battery/charge", "15");
+    QCOMPARE(status(), QStringLiteral("CHARGER_OFF_BAT_INF_20"));
+    QCOMPARE(recorder.take(), QStringList());
+}
+
+void TestAlimentation::theStatusFollowsChargerMeterAndBattery_data()
+{
+    QTest::addColumn<int>("charger");
+    QTest::addColumn<QList<int>>("types");
+    QTest::addColumn<int>("flag");
+    QTest::addColumn<QStringList>("charges");
+    QTest::addColumn<QString>("expected");
+
+    const QList<int> gauges = {1, 2};
+    const QList<int> others = {0, 3, 4};
+    const QList<int> all = gauges + others;
+    const auto addRow = [](const char *name, int charger, const QList<int> &types, int flag,
+                           const QStringList &charges, const char *expected) {
+        QTest::newRow(name) << charger << types << flag << charges << expected;
+    };
+    addRow("empty", 0, all, 0, {"-2147483648", "-1", "0", "10"}, "CHARGER_OFF_BAT_PRWT");
+    addRow("to 20", 0, all, 1, {"11", "20"}, "CHARGER_OFF_BAT_INF_20");
+    addRow("to 40", 0, all, 0, {"21", "40"}, "CHARGER_OFF_BAT_INF_40");
+    addRow("to 60", 0, all, 0, {"41", "60"}, "CHARGER_OFF_BAT_INF_60");
+    addRow("to 80", 0, all, 0, {"61", "80"}, "CHARGER_OFF_BAT_INF_80");
+    addRow("above", 0, all, 0, {"81", "100", "2147483647"}, "CHARGER_OFF_BAT_INF_100");
+    addRow("charging to 20", 1, gauges, 0, {"-1", "-20"}, "CHARGER_ON_BAT_INF_20");
+    addRow("charging to 40", 1, gauges, 1, {"-21", "-40"}, "CHARGER_ON_BAT_INF_40");
+    addRow("charging to 60", 1, gauges, 0, {"-41", "-60"}, "CHARGER_ON_BAT_INF_60");
+    addRow("charging to 80", 1, gauges, 0, {"-61", "-80"}, "CHARGER_ON_BAT_INF_80");
+    addRow("charging to 100", 1, gauges, 0, {"-81", "-100"}, "CHARGER_ON_BAT_INF_100");
+    addRow("charging above", 1, gauges, 0, {"-101", "-2147483648"}, "CHARGER_OFF_UNKNOWN_BAT");
+    addRow("full", 1, gauges, 0, {"0", "50", "2147483647"}, "CHARGER_ON_BAT_FULL");
+    addRow("not full", 1, gauges, 1, {"0", "50", "2147483647"}, "CHARGER_ON_BAT_INF_20");
+    addRow("no gauge", 1, others, 1, {"-2147483648", "-20", "0", "50"}, "CHARGER_ON_NO_BAT");
+}
+
+void TestAlimentation::theStatusFollowsChargerMeterAndBattery()
+{
+    QFETCH(int, charger);
+    QFETCH(QList<int>, types);
+    QFETCH(int, flag);
+    QFETCH(QStringList, charges);
+    QFETCH(QString, expected);
+    QVERIFY(daemon.start());
+    for (const int type : types) {
+        for (const QString &charge : charges) {
+            setBattery(charger, type, flag, charge);
+            QCOMPARE(status(), expected);
+        }
+    }
+}
+
+void TestAlimentation::theChargerIsOneBitOfTheRegister()
+{
+    setBattery(0, 0, 0, "50");
+    QVERIFY(daemon.start());
+    Board::clearJournal();
+
+    Board::set("soc/0x600", "0xffffffff");
+    QCOMPARE(status(), QStringLiteral("CHARGER_OFF_BAT_INF_60"));
+    QVERIFY(Board::journal().contains("KySocManager.getSoCRegister(1536) = 0 3221225471"));
+
+    Board::set("charger/present", "1");
+    Board::set("soc/0x600", "0");
+    QCOMPARE(status(), QStringLiteral("CHARGER_ON_NO_BAT"));
+}
+
+void TestAlimentation::aReadingThatNoticesTheChargerAnnouncesTheStatus()
+{
+    setBattery(0, 1, 0, "-35");
+    QVERIFY(daemon.start());
+    SignalRecorder recorder("/KyDeviceMgr");
+    Board::clearJournal();
+
+    Board::set("charger/present", "1");
+    QCOMPARE(status(), QStringLiteral("CHARGER_ON_BAT_INF_40"));
+    QCOMPARE(recorder.take(), QStringList(announced("CHARGER_ON_BAT_INF_40")));
+    QCOMPARE(Board::journal().mid(0, 5),
+             (QStringList{initialise, present, "KyBatmonitor.update(true) = 0",
+                          "KyBatmonitor.getCmeterType() = 1",
+                          "KyBatmonitor.getBatteryInfo() = 0 0 -35 7600"}));
+
+    QCOMPARE(status(), QStringLiteral("CHARGER_ON_BAT_INF_40"));
+    QCOMPARE(recorder.take(), QStringList());
+
+    Board::clearJournal();
+    Board::set("charger/present", "0");
+    QCOMPARE(status(), QStringLiteral("CHARGER_OFF_BAT_PRWT"));
+    QCOMPARE(recorder.take(), QStringList(announced("CHARGER_OFF_BAT_PRWT")));
+    QCOMPARE(Board::journal().value(2), QStringLiteral("KyBatmonitor.update(false) = 0"));
+}
+
+void TestAlimentation::aReadingThatNoticesAnUnknownBatteryAnnouncesIt()
+{
+    setBattery(0, 1, 0, "50");
+    QVERIFY(daemon.start());
+    SignalRecorder recorder("/KyDeviceMgr");
+    Board::fault("KyBatmonitor.getBatteryInfo", "always");
+    Board::set("charger/present", "1");
+
+    QCOMPARE(status(), QStringLiteral("CHARGER_OFF_UNKNOWN_BAT"));
+    QCOMPARE(recorder.take(), QStringList(announced("CHARGER_OFF_UNKNOWN_BAT")));
+}
+
+void TestAlimentation::everyWayOfReadingThePropertyMeasures()
+{
+    setBattery(0, 1, 0, "50");
+    QVERIFY(daemon.start());
+    SignalRecorder recorder("/KyDeviceMgr");
+    Board::set("charger/present", "1");
+    const Remote properties("com.orvendis.Strandel.BoardManager", "/KyDeviceMgr",
+                            "org.freedesktop.DBus.Properties");
+
+    QCOMPARE(properties.call("GetAll", {"com.orvendis.Strandel.BoardManager.Alimentation"}),
+             QStringLiteral("({\"batteryStatus\": <\"CHARGER_ON_BAT_FULL\">})"));
+    QCOMPARE(recorder.take(), QStringList(announced("CHARGER_ON_BAT_FULL")));
+}
+
+void TestAlimentation::thePropertyCannotBeWritten()
+{
+    setBattery(0, 1, 0, "50");
+    QVERIFY(daemon.start());
+    SignalRecorder recorder("/KyDeviceMgr");
+    const Remote properties("com.orvendis.Strandel.BoardManager", "/KyDeviceMgr",
+                            "org.freedesktop.DBus.Properties");
+
+    QVERIFY(properties
+                .call("Set", {"com.orvendis.Strandel.BoardManager.Alimentation", "batteryStatus",
+                              QVariant::fromValue(QDBusVariant("CHARGER_ON_BAT_FULL"))})
+                .startsWith("org.freedesktop.DBus.Error.PropertyReadOnly: "));
+
+    QCOMPARE(status(), QStringLiteral("CHARGER_OFF_BAT_INF_60"));
+    QCOMPARE(recorder.take(), QStringList());
+}
+
+void TestAlimentation::theVoltageIsThatOfTheLastReading()
+{
+    Board::set("battery/voltage", "7321");
+    QVERIFY(daemon.start());
+    QCOMPARE(alimentation.call("getBatteryVoltage"), QStringLiteral("(u:7321)"));
+
+    Board::set("battery/voltage", "65535");
+    Board::clearJournal();
+    QCOMPARE(alimentation.call("getBatteryVoltage"), QStringLiteral("(u:7321)"));
+    QCOMPARE(Board::journal(), QStringList());
+
+    status();
+    QCOMPARE(alimentation.call("getBatteryVoltage"), QStringLiteral("(u:65535)"));
+}
+
+void TestAlimentation::theVoltageIsZeroBeforeAnyMeasurement()
+{
+    Board::fault("KyBatmonitor.getBatteryInfo", "always");
+    QVERIFY(daemon.start());
+    status();
+    QCOMPARE(alimentation.call("getBatteryVoltage"), QStringLiteral("(u:0)"));
+}
+
+void TestAlimentation::theVoltageStaysWhenTheBatteryCannotBeRead()
+{
+    Board::set("battery/voltage", "7321");
+    QVERIFY(daemon.start());
+    Board::fault("KyBatmonitor.getBatteryInfo", "always");
+    Board::set("battery/voltage", "7000");
+
+    QCOMPARE(status(), QStringLiteral("CHARGER_OFF_UNKNOWN_BAT"));
+    QCOMPARE(alimentation.call("getBatteryVoltage"), QStringLiteral("(u:7321)"));
+}
+
+void TestAlimentation::aChargerThatCannotBeReadCountsAsAbsent_data()
+{
+    QTest::addColumn<QString>("fault");
+    QTest::newRow("fails") << "always";
+    QTest::newRow("fails slowly") << "always delay 200";
+}
+
+void TestAlimentation::aChargerThatCannotBeReadCountsAsAbsent()
+{
+    QFETCH(QString, fault);
+    setBattery(1, 1, 0, "50");
+    QVERIFY(daemon.start());
+    SignalRecorder recorder("/KyDeviceMgr");
+    QCOMPARE(status(), QStringLiteral("CHARGER_ON_BAT_FULL"));
+
+    Board::fault("KySocManager.getSoCRegister", fault);
+    QCOMPARE(status(), QStringLiteral("CHARGER_OFF_BAT_INF_60"));
+    QCOMPARE(recorder.take(), QStringList(announced("CHARGER_OFF_BAT_INF_60")));
+    QCOMPARE(Board::get("battery/charger_told"), QStringLiteral("0"));
+
+    Board::clearFaults();
+    QCOMPARE(status(), QStringLiteral("CHARGER_ON_BAT_FULL"));
+    QCOMPARE(recorder.take(), QStringList(announced("CHARGER_ON_BAT_FULL")));
+}
+
+void TestAlimentation::aSerialBusThatCannotBeOpenedDoesNotMatter()
+{
+    setBattery(1, 1, 0, "50");
+    Board::fault("KySocManager.initSPI", "always");
+    QVERIFY(daemon.start());
+    QCOMPARE(status(), QStringLiteral("CHARGER_ON_BAT_FULL"));
+}
+
+void TestAlimentation::aMonitorThatCannotBeToldDoesNotMatter()
+{
+    setBattery(0, 1, 0, "50");
+    QVERIFY(daemon.start());
+    SignalRecorder recorder("/KyDeviceMgr");
+    Board::fault("KyBatmonitor.update", "always");
+    Board::set("charger/present", "1");
+
+    QCOMPARE(status(), QStringLiteral("CHARGER_ON_BAT_FULL"));
+    QCOMPARE(status(), QStringLiteral("CHARGER_ON_BAT_FULL"));
+    QCOMPARE(recorder.take(), QStringList(announced("CHARGER_ON_BAT_FULL")));
+}
+
+void TestAlimentation::aMeterThatAnswersNonsenseIsAnUnknownBattery()
+{
+    setBattery(1, 1, 0, "50");
+    QVERIFY(daemon.start());
+    Board::fault("KyBatmonitor.getBatteryInfo", "garbage");
+    QCOMPARE(status(), QStringLiteral("CHARGER_OFF_UNKNOWN_BAT"));
+
+    Board::fault("KyBatmonitor.getCmeterType", "garbage");
+    QCOMPARE(status(), QStringLiteral("CHARGER_ON_NO_BAT"));
+}
+
+void TestAlimentation::allHardwareFailingIsAnUnknownBattery()
+{
+    for (const char *operation :
+         {"KySocManager.initSPI", "KySocManager.getSoCRegister", "KyBatmonitor.update",
+          "KyBatmonitor.getCmeterType", "KyBatmonitor.getBatteryInfo", "KyLeds.setLedState"})
+        Board::fault(operation, "always");
+    QVERIFY(daemon.start());
+    SignalRecorder recorder("/KyDeviceMgr");
+
+    QCOMPARE(status(), QStringLiteral("CHARGER_OFF_UNKNOWN_BAT"));
+    QCOMPARE(alimentation.call("getBatteryVoltage"), QStringLiteral("(u:0)"));
+    QCOMPARE(recorder.take(), QStringList());
+}
+
+void TestAlimentation::slowHardwareOnlyTakesTime()
+{
+    setBattery(0, 1, 0, "50");
+    QVERIFY(daemon.start());
+    SignalRecorder recorder("/KyDeviceMgr");
+    for (const char *operation :
+         {"KySocManager.initSPI", "KySocManager.getSoCRegister", "KyBatmonitor.update",
+          "KyBatmonitor.getCmeterType", "KyBatmonitor.getBatteryInfo", "KyLeds.setLedState"})
+        Board::fault(operation, "delay 200");
+    Board::set("charger/present", "1");
+
+    QCOMPARE(status(), QStringLiteral("CHARGER_ON_BAT_FULL"));
+    QCOMPARE(recorder.take(), QStringList(announced("CHARGER_ON_BAT_FULL")));
+    QCOMPARE(Board::get("leds/POWER_G"), QStringLiteral("ON"));
+    QCOMPARE(status(), QStringLiteral("CHARGER_ON_BAT_FULL"));
+}
+
+void TestAlimentation::theCheckRunsElevenTimesEveryTenSecondsAndThenEveryFiveMinutes()
+{
+    setBattery(0, 1, 0, "50");
+    daemon.speedUp(100);
+    QVERIFY(daemon.start());
+    SignalRecorder recorder("/KyDeviceMgr");
+
+    // The monitor is told at the start and at each check.
+    const auto checks = [] { return Board::times("KyBatmonitor.update(false)"); };
+    QTRY_VERIFY_WITH_TIMEOUT(checks().size() > 13, 60000);
+
+    const QList<double> times = checks();
+    for (int check = 1; check <= 11; ++check)
+        VERIFY_NOT_EARLY(times[check], times[0], check * 10);
+    QVERIFY2(times[11] - times[0] < 300, qPrintable(QString::number(times[11] - times[0])));
+    VERIFY_NOT_EARLY(times[12], times[11], 300);
+    VERIFY_NOT_EARLY(times[13], times[11], 600);
+    QCOMPARE(recorder.take().mid(0, 13),
+             QStringList(QVector<QString>(13, announced("CHARGER_OFF_BAT_INF_60")).toList()));
+}
+
+void TestAlimentation::eachCheckAnnouncesTheStatusOnce()
+{
+    setBattery(0, 1, 0, "50");
+    daemon.speedUp(50);
+    SignalRecorder recorder("/KyDeviceMgr");
+    QVERIFY(daemon.start());
+    QStringList announcements;
+    const auto waitForStatus = [&](const char *status) {
+        for (int wait = 0; wait < 5 && !announcements.contains(announced(status)); ++wait)
+            announcements += recorder.waitFor(1).filter("Alimentation.");
+    };
+
+    waitForStatus("CHARGER_OFF_BAT_INF_60");
+    Board::set("charger/present", "1");
+    waitForStatus("CHARGER_ON_BAT_FULL");
+    Board::fault("KyBatmonitor.getBatteryInfo", "always");
+    waitForStatus("CHARGER_OFF_UNKNOWN_BAT");
+
+    // The start and each check measure once; only the check announces what it measured.
+    int checks = 0;
+    do {
+        checks = measurements();
+        announcements += recorder.take().filter("Alimentation.");
+    } while (checks != measurements());
+    QCOMPARE(announcements.size(), checks - 1);
+    // Each of them told the monitor once, too, so that a charger that came was no news any more.
+    const QList<double> measuring = Board::times("KyBatmonitor.getBatteryInfo()");
+    const QList<double> telling = Board::times("KyBatmonitor.update(");
+    for (int check = 1; check < checks; ++check)
+        QVERIFY(measuring[check - 1] < telling[check] && telling[check] < measuring[check]);
+    announcements.removeDuplicates();
+    QCOMPARE(announcements,
+             (QStringList{announced("CHARGER_OFF_BAT_INF_60"), announced("CHARGER_ON_BAT_FULL"),
+                          announced("CHARGER_OFF_UNKNOWN_BAT")}));
+}
+
+void TestAlimentation::theLedsFollowTheChecks()
+{
+    setBattery(0, 1, 0, "50");
+    daemon.speedUp(20);
+    QVERIFY(daemon.start());
+    QCOMPARE(Board::get("leds/BAT_GS3"), QStringLiteral("ON"));
+
+    Board::set("battery/charge", "15");
+
+    QVERIFY(Board::waitFor("leds/BAT_RS1", "ON"));
+    for (const char *off : {"BAT_GS1", "BAT_GS2", "BAT_GS3", "BAT_GS4", "BAT_GS5", "POWER_G"})
+        QCOMPARE(Board::get(QStringLiteral("leds/") + off), QStringLiteral("OFF"));
+    QVERIFY(Board::waitFor("leds/POWER_Y", "ON"));
+}
+
+WORLD_TEST_MAIN(TestAlimentation)
+#include "test_alimentation.moc"
