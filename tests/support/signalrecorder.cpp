@@ -25,9 +25,11 @@ SignalRecorder::SignalRecorder(const QString &path) : m_path(path)
 
 QStringList SignalRecorder::take()
 {
-    // The bus keeps the order of one sender: what was sent before this reply is here after it.
-    Remote(daemonName, m_path, QStringLiteral("org.freedesktop.DBus.Peer"))
-        .reply(QStringLiteral("Ping"));
+    // The bus keeps the order of one sender, and the daemon answers this where it also emits its
+    // signals, in its main thread: what was emitted before the reply is here after it. A Ping
+    // would not do, the bus library answers it in a thread of its own.
+    Remote(daemonName, m_path, QStringLiteral("org.freedesktop.DBus.Introspectable"))
+        .reply(QStringLiteral("Introspect"));
     QCoreApplication::processEvents();
     QStringList recorded;
     recorded.swap(m_signals);
