@@ -4,8 +4,11 @@ KyDeviceMgr::KyDeviceMgr(QObject *parent)
     : QObject(parent),
       m_alimentation(parent),
       m_led(parent),
+      m_network(parent),
       m_storage(parent),
-      m_temperatureWatcher(parent)
+      m_temperatureWatcher(parent),
+      m_version(parent),
+      m_watchdog(parent)
 {
     connect(&m_alimentation, &KyAlimentation::batteryStatus, &m_led, &KyLED::handleAlimentation);
     connect(&m_alimentation, &KyAlimentation::batteryStatus, &m_led, &KyLED::handlePowerButton);

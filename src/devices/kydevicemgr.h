@@ -3,8 +3,11 @@
 
 #include "kyalimentation.h"
 #include "kyled.h"
+#include "kynetwork.h"
 #include "kystorage.h"
 #include "kytemperaturewatcher.h"
+#include "kyversion.h"
+#include "kywatchdog.h"
 
 #include <QObject>
 
@@ -20,8 +23,11 @@ public:
 private:
     KyAlimentation m_alimentation;
     KyLED m_led;
+    KyNetwork m_network;
     KyStorage m_storage;
     KyTemperatureWatcher m_temperatureWatcher;
+    KyVersion m_version;
+    KyWatchdog m_watchdog;
 };
 
 #endif

@@ -9,6 +9,7 @@
 namespace
 {
 const int longestVersion = 8 * 1024 * 1024;
+const int chunkSize = 64 * 1024;
 const int patience = 3000;
 
 using Finished = void (QProcess::*)(int, QProcess::ExitStatus);
@@ -35,7 +36,13 @@ bool readBspVersion(QByteArray &version)
     QFile file(QStringLiteral("/etc/sw_version"));
     if (!file.open(QIODevice::ReadOnly | QIODevice::Text))
         return false;
-    const QByteArray line = file.readLine(longestVersion + 1);
+    QByteArray line;
+    QByteArray chunk;
+    do {
+        chunk = file.read(chunkSize);
+        line += chunk;
+    } while (!chunk.isEmpty() && !chunk.contains('\n') && line.size() <= longestVersion);
+    line = line.left(line.indexOf('\n'));
     if (line.size() > longestVersion)
         return false;
     version = line.trimmed();

@@ -1,0 +1,1042 @@
+#include "board.h"
+#include "busmonitor.h"
+#include "daemontest.h"
+#include "instrumentrecord.h"
+#include "measurerecord.h"
+#include "wire.h"
+
+#include <QDBusConnection>
+#include <QDBusPendingCallWatcher>
+#include <QRegularExpression>
+
+#include <fcntl.h>
+#include <memory>
+#include <sys/file.h>
+#include <unistd.h>
+
+/** The identification records, on the running daemon. */
+class TestEeprom : public DaemonTest
+{
+    Q_OBJECT
+
+public:
+    TestEeprom();
+
+private Q_SLOTS:
+    void getReturnsTheInstrumentRecord();
+    void getReturnsTheMeasureRecord();
+    void getReadsEachRecordOnce();
+    void getTellsTheLibraryBrandAndModelOnce();
+    void getTellsTheLibraryTheModel_data();
+    void getTellsTheLibraryTheModel();
+    void aLibraryThatRefusesBrandAndModelIsIgnored();
+    void anEepromOfZerosIsValid();
+    void anUnreadableEepromIsNotValid_data();
+    void anUnreadableEepromIsNotValid();
+    void aFailedReadStaysUntilASet();
+    void aFailedReadStaysUntilAnInvalidation();
+    void nobodyIsToldOfAnInvalidRecord();
+
+    void setWritesTheInstrumentRecord();
+    void setWritesTheMeasureRecord();
+    void setRecordsAreReadAgainAfterARestart();
+    void getAfterASetReturnsWhatWasSetUnread();
+    void getAfterASetKeepsTheTypesOfTheCaller_data();
+    void getAfterASetKeepsTheTypesOfTheCaller();
+    void getAfterASetReplacesTheCallersCrc();
+    void getAfterASetReturnsEntriesThatAreNoFields();
+    void fileDescriptorsAreNotKept();
+    void instrumentValuesAreConverted_data();
+    void instrumentValuesAreConverted();
+    void aModelThatWasSetIsToldAtTheNextRead();
+    void coefficientsAreTakenFromEveryList_data();
+    void coefficientsAreTakenFromEveryList();
+    void coefficientsThatAreNoListAreNone_data();
+    void coefficientsThatAreNoListAreNone();
+    void anotherNumberOfCoefficientsReadsBackInvalid_data();
+    void anotherNumberOfCoefficientsReadsBackInvalid();
+    void moreCoefficientsThanTheEepromHoldsAreAWriteError();
+
+    void setRefusesAnInstrumentMapWithAMissingKey_data();
+    void setRefusesAnInstrumentMapWithAMissingKey();
+    void setRefusesAMeasureMapWithAMissingKey_data();
+    void setRefusesAMeasureMapWithAMissingKey();
+    void aRefusedSetMakesTheNextGetReadAgain();
+    void protectionThatCannotBeLiftedStopsASet_data();
+    void protectionThatCannotBeLiftedStopsASet();
+    void aFailedWriteStillRestoresTheProtection_data();
+    void aFailedWriteStillRestoresTheProtection();
+    void protectionThatCannotBeRestoredIsAWriteError_data();
+    void protectionThatCannotBeRestoredIsAWriteError();
+    void aSetSendsEveryErrorItMeets_data();
+    void aSetSendsEveryErrorItMeets();
+
+    void invalidateSpoilsBothCrcsAndKeepsTheData();
+    void invalidateMakesBothRecordsInvalid();
+    void invalidateLeavesRecordsOfZerosValid();
+    void invalidateStopsWhenTheProtectionCannotBeLifted();
+    void invalidateWritesTheSecondRecordWhenTheFirstFails();
+    void invalidateReportsASecondRecordThatFails();
+    void invalidateSendsEveryErrorItMeets();
+    void invalidateRefusesArguments();
+    void aChangedEepromShowsAfterAnInvalidation();
+
+private:
+    QStringList eepromCalls() const;
+    QString set(const QString &method, const QString &values);
+    QString callWithoutRestore(const QString &method, const QList<QVariant> &arguments = {});
+
+    const Remote version{QStringLiteral("/KyDeviceMgr"), QStringLiteral("Version")};
+    Wire wire;
+    const QString notValid = failure("Write", QStringLiteral("Data not valid"));
+    const QString notEnabled =
+        failure("Initialisation", QStringLiteral("Not able to enable write permission in eeprom"));
+    const QString notWritten = failure("Write", QStringLiteral("Not able to write in eeprom"));
+    const QString notDisabled =
+        failure("Write", QStringLiteral("Not able to disable write permission in eeprom"));
+    const QByteArray instrumentBytes;
+    const QByteArray measureBytes;
+};
+
+namespace
+{
+const QString service = QStringLiteral("com.orvendis.Strandel.BoardManager");
+const QString setInstrument = QStringLiteral("setEepromInstrument");
+const QString setMeasure = QStringLiteral("setEepromMesure");
+const QString getInstrument = QStringLiteral("getEepromInstrument");
+const QString getMeasure = QStringLiteral("getEepromMesure");
+const QString invalidate = QStringLiteral("invalidateEepromsContent");
+
+const QString invalid = QStringLiteral("({\"CRC\": <false>})");
+const QString done = QStringLiteral("()");
+const QString protectionLifted = QStringLiteral("KyEeprom.setWriteEnable(true) = 0");
+const QString protectionRestored = QStringLiteral("KyEeprom.setWriteEnable(false) = 0");
+
+QVariantMap instrument()
+{
+    return {
+        {"Subsidiary", 1},
+        {"Fabrication", 2},
+        {"Brand", 3},
+        {"Type", 4},
+        {"Model", "8345"},
+        {"SerialNumber", QByteArray("12345678")},
+        {"WarrantyNumber", QByteArray("123456789")},
+        {"TroubleshootingTag", 5},
+        {"RelaunchTag", 6},
+        {"FirstPassTag", 7},
+        {"IrdInstrumentPassword", QByteArray(30, 'i')},
+        {"IrdSessionPassword", QByteArray(16, 's')},
+    };
+}
+
+const QString renderedInstrument =
+    QStringLiteral("({\"Brand\": <3>, \"CRC\": <true>, \"Fabrication\": <2>, \"FirstPassTag\": <7>,"
+                   " \"IrdInstrumentPassword\": <ay:\"") +
+    QStringLiteral("69").repeated(30) + QStringLiteral("\">, \"IrdSessionPassword\": <ay:\"") +
+    QStringLiteral("73").repeated(16) +
+    QStringLiteral("\">, \"Model\": <\"8345\">, \"RelaunchTag\": <6>,"
+                   " \"SerialNumber\": <ay:\"3132333435363738\">, \"Subsidiary\": <1>,"
+                   " \"TroubleshootingTag\": <5>, \"Type\": <4>,"
+                   " \"WarrantyNumber\": <ay:\"313233343536373839\">})");
+
+QVariantMap measure()
+{
+    QVariantMap map{{"AdjustementSite", 500},
+                    {"AdjustementDate", 4000000000U},
+                    {"NextAdjustementDate", 4000000001U}};
+    QVariantList coefficients;
+    for (uint index = 0; index < 296; ++index)
+        coefficients << 0xFFFFFFFFU - index;
+    map.insert("AdjustementCoefficients", coefficients);
+    return map;
+}
+
+QVector<quint32> coefficients()
+{
+    QVector<quint32> list;
+    for (quint32 index = 0; index < 296; ++index)
+        list << 0xFFFFFFFFU - index;
+    return list;
+}
+
+QString renderedMeasure()
+{
+    QStringList list;
+    for (const quint32 coefficient : coefficients())
+        list << QStringLiteral("<u:%1>").arg(coefficient);
+    return QStringLiteral("({\"AdjustementCoefficients\": <[%1]>,"
+                          " \"AdjustementDate\": <u:4000000000>, \"AdjustementSite\": <500>,"
+                          " \"CRC\": <true>, \"NextAdjustementDate\": <u:4000000001>})")
+        .arg(list.join(", "));
+}
+
+/** A successful write in the board's journal. */
+QString written(int eeprom, const QByteArray &bytes)
+{
+    return QStringLiteral("KyEeprom.writeEeprom(%1, %2, 0, %3) = 0")
+        .arg(eeprom)
+        .arg(QString::fromLatin1(bytes.toHex()))
+        .arg(bytes.size());
+}
+
+/** The line of an error reply of the daemon, as the bus monitor shows it. */
+QString errorLine(const QString &failure)
+{
+    return QStringLiteral("error ") + failure;
+}
+
+/** Keeps every write to the board waiting as long as it lives. */
+class HeldBoard
+{
+public:
+    HeldBoard() : m_folder(open(qPrintable(Board::pathOf(QString())), O_RDONLY | O_DIRECTORY))
+    {
+        if (flock(m_folder, LOCK_EX) != 0)
+            qFatal("cannot hold the board");
+    }
+    ~HeldBoard() { close(m_folder); }
+    HeldBoard(const HeldBoard &) = delete;
+    HeldBoard &operator=(const HeldBoard &) = delete;
+
+private:
+    int m_folder;
+};
+
+/** A complete map of an instrument record, written for the wire, with the value of @p key. */
+QString instrumentValues(const QString &key, const QString &value)
+{
+    QStringList entries;
+    for (const QString &field : instrument().keys())
+        entries << field + QLatin1Char(' ') + (field == key ? value : QStringLiteral("i 1"));
+    return QStringLiteral("a{sv} 12 ") + entries.join(QLatin1Char(' '));
+}
+
+/** The same of a measure record, with its coefficients. */
+QString measureValues(const QString &coefficientValue)
+{
+    return QStringLiteral("a{sv} 4 AdjustementSite i 500 AdjustementDate u 4000000000 "
+                          "NextAdjustementDate u 4000000001 AdjustementCoefficients ") +
+           coefficientValue;
+}
+} // namespace
+
+TestEeprom::TestEeprom()
+    : instrumentBytes(encodeInstrumentRecord(instrument())),
+      measureBytes(encodeMeasureRecord(measure(), coefficients()))
+{
+}
+
+/** What the daemon did with the EEPROMs. */
+QStringList TestEeprom::eepromCalls() const
+{
+    return Board::journal().filter(QStringLiteral("KyEeprom"));
+}
+
+QString TestEeprom::set(const QString &method, const QString &values)
+{
+    return wire.call(service, "/KyDeviceMgr", service + ".Version", method, values);
+}
+
+/** Calls a method that succeeds in lifting the write protection and fails to restore it. */
+QString TestEeprom::callWithoutRestore(const QString &method, const QList<QVariant> &arguments)
+{
+    QDBusMessage message = QDBusMessage::createMethodCall(
+        service, QStringLiteral("/KyDeviceMgr"), service + QStringLiteral(".Version"), method);
+    message.setArguments(arguments);
+    auto board = std::make_unique<HeldBoard>();
+    const QDBusPendingCall call = QDBusConnection::systemBus().asyncCall(message);
+    if (!Board::waitForJournal(protectionLifted))
+        return QStringLiteral("the protection was not lifted");
+    Board::fault("KyEeprom.setWriteEnable", "always");
+    board.reset();
+    QDBusPendingCallWatcher watcher(call);
+    watcher.waitForFinished();
+    return renderReply(watcher.reply());
+}
+
+void TestEeprom::getReturnsTheInstrumentRecord()
+{
+    Board::setBytes("eeprom/instrument", instrumentBytes);
+    QVERIFY(daemon.start());
+    QCOMPARE(version.call(getInstrument), renderedInstrument);
+}
+
+void TestEeprom::getReturnsTheMeasureRecord()
+{
+    Board::setBytes("eeprom/measure", measureBytes);
+    QVERIFY(daemon.start());
+    QCOMPARE(version.call(getMeasure), renderedMeasure());
+}
+
+void TestEeprom::getReadsEachRecordOnce()
+{
+    Board::setBytes("eeprom/instrument", instrumentBytes);
+    Board::setBytes("eeprom/measure", measureBytes);
+    QVERIFY(daemon.start());
+    for (int call = 0; call < 3; ++call) {
+        QCOMPARE(version.call(getInstrument), renderedInstrument);
+        QCOMPARE(version.call(getMeasure), renderedMeasure());
+    }
+    QCOMPARE(eepromCalls(),
+             (QStringList{
+                 QStringLiteral("KyEeprom.readEeprom(0, 0, 74) = 0 ") + instrumentBytes.toHex(),
+                 QStringLiteral("KyEeprom.readEeprom(1, 0, 1196) = 0 ") + measureBytes.toHex()}));
+}
+
+void TestEeprom::getTellsTheLibraryBrandAndModelOnce()
+{
+    Board::setBytes("eeprom/instrument", instrumentBytes);
+    QVERIFY(daemon.start());
+    version.call(getInstrument);
+    version.call(getInstrument);
+    version.call(getMeasure);
+    const QStringList calls = Board::journal().filter(QRegularExpression("KyEeprom|KyBoardRev"));
+    QCOMPARE(calls.mid(1, 2),
+             (QStringList{"KyBoardRev.setBrand(3) = 0", "KyBoardRev.setModel(1) = 0"}));
+    QCOMPARE(calls.size(), 4);
+}
+
+void TestEeprom::getTellsTheLibraryTheModel_data()
+{
+    QTest::addColumn<QString>("model");
+    QTest::addColumn<int>("number");
+    QTest::newRow("8342") << "8342" << 3;
+    QTest::newRow("8343") << "8343" << 0;
+    QTest::newRow("8344") << "8344" << 3;
+    QTest::newRow("8345") << "8345" << 1;
+    QTest::newRow("8346") << "8346" << 3;
+    QTest::newRow("8347") << "8347" << 2;
+    QTest::newRow("8348") << "8348" << 3;
+    QTest::newRow("0") << "0" << 3;
+    QTest::newRow("ffff") << "ffff" << 3;
+}
+
+void TestEeprom::getTellsTheLibraryTheModel()
+{
+    QFETCH(QString, model);
+    QFETCH(int, number);
+    QVariantMap map = instrument();
+    map["Model"] = model;
+    map["Brand"] = 255;
+    Board::setBytes("eeprom/instrument", encodeInstrumentRecord(map));
+    QVERIFY(daemon.start());
+
+    QVERIFY(version.call(getInstrument).contains(QStringLiteral("\"Model\": <\"%1\">").arg(model)));
+
+    QCOMPARE(Board::journal().filter("KyBoardRev"),
+             (QStringList{"KyBoardRev.setBrand(255) = 0",
+                          QStringLiteral("KyBoardRev.setModel(%1) = 0").arg(number)}));
+}
+
+void TestEeprom::aLibraryThatRefusesBrandAndModelIsIgnored()
+{
+    Board::setBytes("eeprom/instrument", instrumentBytes);
+    Board::fault("KyBoardRev.setBrand", "always");
+    Board::fault("KyBoardRev.setModel", "always");
+    QVERIFY(daemon.start());
+    QCOMPARE(version.call(getInstrument), renderedInstrument);
+    QCOMPARE(Board::journal().filter("KyBoardRev").size(), 2);
+}
+
+void TestEeprom::anEepromOfZerosIsValid()
+{
+    Board::setBytes("eeprom/instrument", QByteArray(128, '\0'));
+    Board::setBytes("eeprom/measure", QByteArray(4096, '\0'));
+    QVERIFY(daemon.start());
+    const QString zeros = QStringLiteral("00");
+    QCOMPARE(
+        version.call(getInstrument),
+        QStringLiteral("({\"Brand\": <0>, \"CRC\": <true>, \"Fabrication\": <0>,"
+                       " \"FirstPassTag\": <0>, \"IrdInstrumentPassword\": <ay:\"%1\">,"
+                       " \"IrdSessionPassword\": <ay:\"%2\">, \"Model\": <\"0\">,"
+                       " \"RelaunchTag\": <0>, \"SerialNumber\": <ay:\"%3\">,"
+                       " \"Subsidiary\": <0>, \"TroubleshootingTag\": <0>, \"Type\": <0>,"
+                       " \"WarrantyNumber\": <ay:\"%4\">})")
+            .arg(zeros.repeated(30), zeros.repeated(16), zeros.repeated(8), zeros.repeated(9)));
+    const QString measured = version.call(getMeasure);
+    QVERIFY(measured.contains("\"CRC\": <true>"));
+    QCOMPARE(measured.count("<u:0>"), 298);
+}
+
+void TestEeprom::anUnreadableEepromIsNotValid_data()
+{
+    QTest::addColumn<QByteArray>("content");
+    QTest::addColumn<QString>("fault");
+    QByteArray spoilt = instrumentBytes;
+    spoilt[73] = 't';
+    QTest::newRow("failing read") << instrumentBytes << "always";
+    QTest::newRow("nonsense that counts as success") << instrumentBytes << "garbage";
+    QTest::newRow("wrong CRC") << spoilt << QString();
+    QTest::newRow("erased") << QByteArray(128, '\xFF') << QString();
+    QTest::newRow("too short") << QByteArray(73, '\0') << QString();
+    QTest::newRow("empty") << QByteArray("") << QString();
+}
+
+void TestEeprom::anUnreadableEepromIsNotValid()
+{
+    QFETCH(QByteArray, content);
+    QFETCH(QString, fault);
+    Board::setBytes("eeprom/instrument", content);
+    Board::setBytes("eeprom/measure", content);
+    if (!fault.isEmpty())
+        Board::fault("KyEeprom.readEeprom", fault);
+    QVERIFY(daemon.start());
+    for (int call = 0; call < 2; ++call) {
+        QCOMPARE(version.call(getInstrument), invalid);
+        QCOMPARE(version.call(getMeasure), invalid);
+    }
+    QCOMPARE(eepromCalls().size(), 2);
+}
+
+void TestEeprom::aFailedReadStaysUntilASet()
+{
+    Board::fault("KyEeprom.readEeprom", "always");
+    QVERIFY(daemon.start());
+    QCOMPARE(version.call(getInstrument), invalid);
+    QCOMPARE(version.call(getMeasure), invalid);
+    Board::clearFaults();
+    QCOMPARE(version.call(getInstrument), invalid);
+    QCOMPARE(version.call(getMeasure), invalid);
+
+    QCOMPARE(version.call(setInstrument, {instrument()}), done);
+    QCOMPARE(version.call(setMeasure, {measure()}), done);
+    QCOMPARE(version.call(getInstrument), renderedInstrument);
+    QCOMPARE(version.call(getMeasure), renderedMeasure());
+}
+
+void TestEeprom::aFailedReadStaysUntilAnInvalidation()
+{
+    Board::setBytes("eeprom/instrument", QByteArray(128, '\0'));
+    Board::fault("KyEeprom.readEeprom", "always");
+    QVERIFY(daemon.start());
+    QCOMPARE(version.call(getInstrument), invalid);
+    Board::clearFaults();
+    QCOMPARE(version.call(getInstrument), invalid);
+
+    QCOMPARE(version.call(invalidate), done);
+    QVERIFY(version.call(getInstrument).contains("\"CRC\": <true>"));
+}
+
+void TestEeprom::nobodyIsToldOfAnInvalidRecord()
+{
+    Board::fault("KyEeprom.readEeprom", "always");
+    QVERIFY(daemon.start());
+    version.call(getInstrument);
+    Board::clearFaults();
+    version.call(getInstrument);
+    QCOMPARE(Board::journal().filter("KyBoardRev"), QStringList());
+}
+
+void TestEeprom::setWritesTheInstrumentRecord()
+{
+    QVERIFY(daemon.start());
+    const QByteArray behind = Board::bytes("eeprom/instrument").mid(74);
+    const QByteArray other = Board::bytes("eeprom/measure");
+    Board::clearJournal();
+
+    QCOMPARE(version.call(setInstrument, {instrument()}), done);
+
+    QCOMPARE(Board::journal(),
+             (QStringList{protectionLifted, written(0, instrumentBytes), protectionRestored}));
+    QCOMPARE(Board::bytes("eeprom/instrument"), instrumentBytes + behind);
+    QCOMPARE(Board::bytes("eeprom/measure"), other);
+    QCOMPARE(Board::get("eeprom/write_enabled"), QStringLiteral("0"));
+}
+
+void TestEeprom::setWritesTheMeasureRecord()
+{
+    QVERIFY(daemon.start());
+    const QByteArray behind = Board::bytes("eeprom/measure").mid(1196);
+    const QByteArray other = Board::bytes("eeprom/instrument");
+    Board::clearJournal();
+
+    QCOMPARE(version.call(setMeasure, {measure()}), done);
+
+    QCOMPARE(Board::journal(),
+             (QStringList{protectionLifted, written(1, measureBytes), protectionRestored}));
+    QCOMPARE(Board::bytes("eeprom/measure"), measureBytes + behind);
+    QCOMPARE(Board::bytes("eeprom/instrument"), other);
+    QCOMPARE(Board::get("eeprom/write_enabled"), QStringLiteral("0"));
+}
+
+void TestEeprom::setRecordsAreReadAgainAfterARestart()
+{
+    QVERIFY(daemon.start());
+    QCOMPARE(version.call(setInstrument, {instrument()}), done);
+    QCOMPARE(version.call(setMeasure, {measure()}), done);
+    daemon.stop();
+    QVERIFY(daemon.start());
+    QCOMPARE(version.call(getInstrument), renderedInstrument);
+    QCOMPARE(version.call(getMeasure), renderedMeasure());
+}
+
+void TestEeprom::getAfterASetReturnsWhatWasSetUnread()
+{
+    QVERIFY(daemon.start());
+    QVariantMap map = instrument();
+    map["SerialNumber"] = "four";
+    map["Brand"] = 1000;
+    QCOMPARE(version.call(setInstrument, {map}), done);
+    Board::clearJournal();
+
+    const QString values = version.call(getInstrument);
+
+    QVERIFY(values.contains("\"SerialNumber\": <\"four\">"));
+    QVERIFY(values.contains("\"Brand\": <1000>"));
+    QVERIFY(values.contains("\"CRC\": <true>"));
+    QCOMPARE(Board::journal(), QStringList());
+}
+
+void TestEeprom::getAfterASetKeepsTheTypesOfTheCaller_data()
+{
+    QTest::addColumn<QString>("value");
+    QTest::addColumn<QString>("returned");
+    const auto row = [](const char *value, const char *returned) {
+        QTest::newRow(value) << QString::fromLatin1(value) << QString::fromLatin1(returned);
+    };
+    row("y 255", "y:255");
+    row("b true", "true");
+    row("n -1", "n:-1");
+    row("q 65535", "q:65535");
+    row("i -1", "-1");
+    row("u 4294967295", "u:4294967295");
+    row("x -1", "x:-1");
+    row("t 18446744073709551615", "t:18446744073709551615");
+    row("d 2.5", "d:2.5");
+    row("s text", "\"text\"");
+    row("s \"\"", "\"\"");
+    row("o /a", "o:\"/a\"");
+    row("g a{sv}", "g:\"a{sv}\"");
+    row("v v i 1", "<<1>>");
+    row("ay 2 1 2", "ay:\"0102\"");
+    row("ay 0", "ay:\"\"");
+    row("as 2 a b", "[\"a\", \"b\"]");
+    row("au 2 1 2", "[u:1, u:2]");
+    row("ai 0", "[]");
+    row("ad 1 0.5", "[d:0.5]");
+    row("av 2 i 1 (ii) 1 2", "[<1>, <(1, 2)>]");
+    row("(is) 1 a", "(1, \"a\")");
+    row("a{ss} 1 a b", "{\"a\": \"b\"}");
+    row("a(ss) 1 a b", "[(\"a\", \"b\")]");
+    row("aa{sv} 1 1 a i 1", "[{\"a\": <1>}]");
+    row("a{sv} 1 a a{sv} 1 b v au 1 5", "{\"a\": <{\"b\": <<[u:5]>>}>}");
+    row("aaai 1 1 1 7", "[[[7]]]");
+}
+
+void TestEeprom::getAfterASetKeepsTheTypesOfTheCaller()
+{
+    QFETCH(QString, value);
+    QFETCH(QString, returned);
+    QVERIFY(daemon.start());
+    for (const QString &key : {QStringLiteral("Brand"), QStringLiteral("IrdSessionPassword")}) {
+        QCOMPARE(set(setInstrument, instrumentValues(key, value)), done);
+        const QString expected = QStringLiteral("\"%1\": <%2>").arg(key, returned);
+        for (int call = 0; call < 2; ++call) {
+            const QString values = version.call(getInstrument);
+            QVERIFY2(values.contains(expected), qPrintable(values));
+        }
+    }
+    QCOMPARE(set(setMeasure, measureValues(value)), done);
+    const QString values = version.call(getMeasure);
+    QVERIFY2(values.contains(QStringLiteral("\"AdjustementCoefficients\": <%1>").arg(returned)),
+             qPrintable(values));
+}
+
+void TestEeprom::getAfterASetReplacesTheCallersCrc()
+{
+    QVERIFY(daemon.start());
+    QVariantMap map = instrument();
+    map["CRC"] = "mine";
+    QCOMPARE(version.call(setInstrument, {map}), done);
+    QCOMPARE(version.call(getInstrument), renderedInstrument);
+}
+
+void TestEeprom::getAfterASetReturnsEntriesThatAreNoFields()
+{
+    QVERIFY(daemon.start());
+    const QString values = instrumentValues("Brand", "i 3").replace("a{sv} 12", "a{sv} 14") +
+                           " Colour s red \"\" (ii) 1 2";
+    QCOMPARE(set(setInstrument, values), done);
+    QVERIFY(version.call(getInstrument).startsWith("({\"\": <(1, 2)>, \"Brand\": <3>"));
+    QVERIFY(version.call(getInstrument).contains("\"Colour\": <\"red\">"));
+}
+
+void TestEeprom::fileDescriptorsAreNotKept()
+{
+    QVERIFY(daemon.start());
+    const QString folder = QStringLiteral("/proc/%1/fd").arg(daemon.processId());
+    const auto count = [folder] {
+        return QDir(folder)
+            .entryList(QDir::AllEntries | QDir::System | QDir::NoDotAndDotDot)
+            .size();
+    };
+    const int before = count();
+    for (const char *value : {"h 1", "(h) 1", "av 2 h 1 i 1", "ah 3 1 1 1"}) {
+        const QString values =
+            instrumentValues("Brand", value).replace("a{sv} 12", "a{sv} 13") + " Extra " + value;
+        QCOMPARE(set(setInstrument, values), done);
+        QCOMPARE(set(setMeasure, measureValues(value)), done);
+        for (int call = 0; call < 20; ++call) {
+            QVERIFY(version.call(getInstrument).startsWith("({\"CRC\": <true>, \"Fabrication\""));
+            QVERIFY(version.call(getMeasure).startsWith("({\"AdjustementDate\""));
+        }
+        QTRY_COMPARE(count(), before);
+    }
+}
+
+void TestEeprom::instrumentValuesAreConverted_data()
+{
+    QTest::addColumn<QString>("key");
+    QTest::addColumn<QString>("value");
+    QTest::addColumn<int>("offset");
+    QTest::addColumn<QByteArray>("bytes");
+    const auto row = [](const char *key, const char *value, int offset, const char *bytes) {
+        QTest::addRow("%s %s", key, value)
+            << QString(key) << QString(value) << offset << QByteArray(bytes);
+    };
+    row("Brand", "i 258", 4, "02");
+    row("Brand", "i -1", 4, "ff");
+    row("Brand", "u 4294967040", 4, "00");
+    row("Brand", "y 200", 4, "c8");
+    row("Brand", "s 200", 4, "c8");
+    row("Brand", "s red", 4, "00");
+    row("Brand", "d 3.6", 4, "04");
+    row("Brand", "b true", 4, "01");
+    row("Brand", "t 18446744073709551615", 4, "ff");
+    row("Brand", "v v v i 7", 4, "07");
+    row("Brand", "av 1 i 7", 4, "00");
+    row("Brand", "au 1 7", 4, "00");
+    row("Brand", "(i) 7", 4, "00");
+    row("Brand", "a{sv} 1 a i 7", 4, "00");
+    row("Model", "s 8345", 6, "8345");
+    row("Model", "i 8345", 6, "8345");
+    row("Model", "s model", 6, "0000");
+    row("Model", "s 18345", 6, "0000");
+    row("Model", "ay 4 56 51 52 53", 6, "8345");
+    row("Model", "v s abcd", 6, "abcd");
+    row("Model", "(s) 8345", 6, "0000");
+    row("SerialNumber", "s ABCD", 8, "414243442d2d2d2d");
+    row("SerialNumber", "s ABCDEFGHIJ", 8, "4142434445464748");
+    row("SerialNumber", "ay 2 0 255", 8, "00ff2d2d2d2d2d2d");
+    row("SerialNumber", "i 1234", 8, "313233342d2d2d2d");
+    row("SerialNumber", "s \"\"", 8, "2d2d2d2d2d2d2d2d");
+    row("SerialNumber", "av 1 y 65", 8, "2d2d2d2d2d2d2d2d");
+    row("WarrantyNumber", "s ABCD", 16, "414243442d2d2d2d2d");
+    row("WarrantyNumber", "s ABCDEFGHIJ", 16, "414243444546474849");
+    row("IrdInstrumentPassword", "s secret", 28,
+        "736563726574000000000000000000000000000000000000000000000000");
+    row("IrdSessionPassword", "s 12345678901234567890", 58, "31323334353637383930313233343536");
+    row("IrdSessionPassword", "a{ss} 1 a b", 58, "00000000000000000000000000000000");
+}
+
+void TestEeprom::instrumentValuesAreConverted()
+{
+    QFETCH(QString, key);
+    QFETCH(QString, value);
+    QFETCH(int, offset);
+    QFETCH(QByteArray, bytes);
+    QVERIFY(daemon.start());
+
+    QCOMPARE(set(setInstrument, instrumentValues(key, value)), done);
+
+    const QByteArray image = Board::bytes("eeprom/instrument");
+    QCOMPARE(image.mid(offset, bytes.size() / 2).toHex(), bytes);
+    QCOMPARE(decodeInstrumentRecord(image.left(74)).value("CRC"), QVariant(true));
+}
+
+void TestEeprom::aModelThatWasSetIsToldAtTheNextRead()
+{
+    QVERIFY(daemon.start());
+    QVariantMap map = instrument();
+    map["Model"] = "8347";
+    QCOMPARE(version.call(setInstrument, {map}), done);
+    Board::clearJournal();
+    version.call(getInstrument);
+    QCOMPARE(Board::journal(), QStringList());
+
+    QCOMPARE(version.call(setInstrument, {QVariantMap()}), notValid);
+    version.call(getInstrument);
+    QCOMPARE(Board::journal().mid(1),
+             (QStringList{"KyBoardRev.setBrand(3) = 0", "KyBoardRev.setModel(2) = 0"}));
+}
+
+void TestEeprom::coefficientsAreTakenFromEveryList_data()
+{
+    QTest::addColumn<QString>("list");
+    for (const char *type : {"au", "ai", "at", "aq", "ay"})
+        QTest::newRow(type) << QString(type) + " 3 1 2 255";
+    QTest::newRow("av") << "av 3 u 1 s 2 v y 255";
+    QTest::newRow("list in variants") << "v v au 3 1 2 255";
+}
+
+void TestEeprom::coefficientsAreTakenFromEveryList()
+{
+    QFETCH(QString, list);
+    QVERIFY(daemon.start());
+    QCOMPARE(set(setMeasure, measureValues(list)), done);
+    QCOMPARE(Board::bytes("eeprom/measure").mid(2, 22).toHex(), QByteArray("01f4"
+                                                                           "ee6b2800"
+                                                                           "ee6b2801"
+                                                                           "00000001"
+                                                                           "00000002"
+                                                                           "000000ff"));
+    QVERIFY(eepromCalls().contains(
+        written(1, encodeMeasureRecord(measureFields(measure()), {1, 2, 255}))));
+}
+
+void TestEeprom::coefficientsThatAreNoListAreNone_data()
+{
+    QTest::addColumn<QString>("value");
+    for (const char *value : {"u 5", "s 5", "as 1 5", "ad 1 5", "(u) 5", "a{sv} 0", "aau 1 1 5"})
+        QTest::newRow(value) << QString(value);
+}
+
+void TestEeprom::coefficientsThatAreNoListAreNone()
+{
+    QFETCH(QString, value);
+    QVERIFY(daemon.start());
+    Board::clearJournal();
+    QCOMPARE(set(setMeasure, measureValues(value)), done);
+    QCOMPARE(Board::journal(),
+             (QStringList{protectionLifted, written(1, encodeMeasureRecord(measure(), {})),
+                          protectionRestored}));
+}
+
+void TestEeprom::anotherNumberOfCoefficientsReadsBackInvalid_data()
+{
+    QTest::addColumn<int>("count");
+    for (const int count : {0, 295, 297, 1021})
+        QTest::addRow("%d", count) << count;
+}
+
+void TestEeprom::anotherNumberOfCoefficientsReadsBackInvalid()
+{
+    QFETCH(int, count);
+    QVERIFY(daemon.start());
+    QVariantMap map = measure();
+    map["AdjustementCoefficients"] =
+        QVariant::fromValue(QList<uint>::fromVector(QVector<uint>(count, 0x01020304)));
+    QCOMPARE(version.call(setMeasure, {map}), done);
+    QVERIFY(version.call(getMeasure).contains("\"CRC\": <true>"));
+
+    QCOMPARE(version.call(setMeasure, {QVariantMap()}), notValid);
+    QCOMPARE(version.call(getMeasure), invalid);
+}
+
+void TestEeprom::moreCoefficientsThanTheEepromHoldsAreAWriteError()
+{
+    QVERIFY(daemon.start());
+    const QByteArray before = Board::bytes("eeprom/measure");
+    QVariantMap map = measure();
+    map["AdjustementCoefficients"] =
+        QVariant::fromValue(QList<uint>::fromVector(QVector<uint>(200000, 1)));
+
+    QCOMPARE(version.call(setMeasure, {map}), notWritten);
+
+    QVERIFY(version.call(getMeasure).contains("\"CRC\": <true>"));
+    QCOMPARE(Board::bytes("eeprom/measure"), before);
+    QCOMPARE(Board::get("eeprom/write_enabled"), QStringLiteral("0"));
+}
+
+void TestEeprom::setRefusesAnInstrumentMapWithAMissingKey_data()
+{
+    QTest::addColumn<QString>("key");
+    for (const QString &key : instrument().keys())
+        QTest::newRow(qPrintable(key)) << key;
+}
+
+void TestEeprom::setRefusesAnInstrumentMapWithAMissingKey()
+{
+    QFETCH(QString, key);
+    QVERIFY(daemon.start());
+    version.call(getInstrument);
+    const QByteArray before = Board::bytes("eeprom/instrument");
+    Board::clearJournal();
+    QVariantMap map = instrument();
+    map.remove(key);
+    map.insert(key.toLower(), 1);
+
+    QCOMPARE(version.call(setInstrument, {map}), notValid);
+
+    QCOMPARE(Board::journal(), QStringList());
+    QCOMPARE(Board::bytes("eeprom/instrument"), before);
+}
+
+void TestEeprom::setRefusesAMeasureMapWithAMissingKey_data()
+{
+    QTest::addColumn<QString>("key");
+    for (const QString &key : measure().keys())
+        QTest::newRow(qPrintable(key)) << key;
+}
+
+void TestEeprom::setRefusesAMeasureMapWithAMissingKey()
+{
+    QFETCH(QString, key);
+    QVERIFY(daemon.start());
+    const QByteArray before = Board::bytes("eeprom/measure");
+    Board::clearJournal();
+    QVariantMap map = measure();
+    map.remove(key);
+    // The usual spelling is not that of the key.
+    map.insert("AdjustmentSite", 1);
+
+    QCOMPARE(version.call(setMeasure, {map}), notValid);
+
+    QCOMPARE(Board::journal(), QStringList());
+    QCOMPARE(Board::bytes("eeprom/measure"), before);
+}
+
+void TestEeprom::aRefusedSetMakesTheNextGetReadAgain()
+{
+    QVERIFY(daemon.start());
+    version.call(getInstrument);
+    version.call(getMeasure);
+    Board::setBytes("eeprom/instrument", instrumentBytes);
+    Board::setBytes("eeprom/measure", measureBytes);
+    QVERIFY(version.call(getInstrument) != renderedInstrument);
+    QVERIFY(version.call(getMeasure) != renderedMeasure());
+
+    QCOMPARE(version.call(setInstrument, {QVariantMap()}), notValid);
+    QCOMPARE(version.call(getInstrument), renderedInstrument);
+    QVERIFY(version.call(getMeasure) != renderedMeasure());
+
+    QCOMPARE(version.call(setMeasure, {QVariantMap()}), notValid);
+    QCOMPARE(version.call(getMeasure), renderedMeasure());
+}
+
+void TestEeprom::protectionThatCannotBeLiftedStopsASet_data()
+{
+    QTest::addColumn<QString>("setter");
+    QTest::addColumn<QString>("getter");
+    QTest::addColumn<QVariantMap>("map");
+    QTest::addColumn<QString>("values");
+    QTest::newRow("instrument") << setInstrument << getInstrument << instrument()
+                                << renderedInstrument;
+    QTest::newRow("measure") << setMeasure << getMeasure << measure() << renderedMeasure();
+}
+
+void TestEeprom::protectionThatCannotBeLiftedStopsASet()
+{
+    QFETCH(QString, setter);
+    QFETCH(QString, getter);
+    QFETCH(QVariantMap, map);
+    QFETCH(QString, values);
+    QVERIFY(daemon.start());
+    Board::clearJournal();
+    Board::fault("KyEeprom.setWriteEnable", "1");
+
+    QCOMPARE(version.call(setter, {map}), notEnabled);
+    // What was to be written is kept, but not called valid.
+    QCOMPARE(version.call(getter), values.remove("\"CRC\": <true>, "));
+
+    QCOMPARE(Board::journal(), QStringList{"KyEeprom.setWriteEnable(true) = 1"});
+}
+
+void TestEeprom::aFailedWriteStillRestoresTheProtection_data()
+{
+    protectionThatCannotBeLiftedStopsASet_data();
+}
+
+void TestEeprom::aFailedWriteStillRestoresTheProtection()
+{
+    QFETCH(QString, setter);
+    QFETCH(QString, getter);
+    QFETCH(QVariantMap, map);
+    QFETCH(QString, values);
+    QVERIFY(daemon.start());
+    const QStringList before{Board::bytes("eeprom/instrument").toHex(),
+                             Board::bytes("eeprom/measure").toHex()};
+    Board::clearJournal();
+    Board::fault("KyEeprom.writeEeprom", "always");
+
+    QCOMPARE(version.call(setter, {map}), notWritten);
+    QCOMPARE(version.call(getter), values);
+
+    QCOMPARE(Board::journal().size(), 3);
+    QCOMPARE(Board::journal().first(), protectionLifted);
+    QCOMPARE(Board::journal().last(), protectionRestored);
+    QCOMPARE((QStringList{Board::bytes("eeprom/instrument").toHex(),
+                          Board::bytes("eeprom/measure").toHex()}),
+             before);
+}
+
+void TestEeprom::protectionThatCannotBeRestoredIsAWriteError_data()
+{
+    protectionThatCannotBeLiftedStopsASet_data();
+}
+
+void TestEeprom::protectionThatCannotBeRestoredIsAWriteError()
+{
+    QFETCH(QString, setter);
+    QFETCH(QString, getter);
+    QFETCH(QVariantMap, map);
+    QFETCH(QString, values);
+    QVERIFY(daemon.start());
+    Board::clearJournal();
+    BusMonitor monitor;
+
+    QCOMPARE(callWithoutRestore(setter, {map}), notDisabled);
+    QCOMPARE(version.call(getter), values);
+
+    QCOMPARE(monitor.takeFromDaemon().mid(0, 2),
+             (QStringList{errorLine(notDisabled), "return ()"}));
+    QCOMPARE(Board::journal().size(), 3);
+    QCOMPARE(Board::journal().last(), QStringLiteral("KyEeprom.setWriteEnable(false) = 1"));
+}
+
+void TestEeprom::aSetSendsEveryErrorItMeets_data()
+{
+    protectionThatCannotBeLiftedStopsASet_data();
+}
+
+void TestEeprom::aSetSendsEveryErrorItMeets()
+{
+    QFETCH(QString, setter);
+    QFETCH(QString, getter);
+    QFETCH(QVariantMap, map);
+    QFETCH(QString, values);
+    QVERIFY(daemon.start());
+    Board::fault("KyEeprom.writeEeprom", "always");
+    BusMonitor monitor;
+
+    QCOMPARE(callWithoutRestore(setter, {map}), notWritten);
+
+    QCOMPARE(monitor.takeFromDaemon(),
+             (QStringList{errorLine(notWritten), errorLine(notDisabled), "return ()"}));
+    QCOMPARE(version.call(getter), values);
+}
+
+void TestEeprom::invalidateSpoilsBothCrcsAndKeepsTheData()
+{
+    QVERIFY(daemon.start());
+    const QByteArray instrumentData = Board::bytes("eeprom/instrument").mid(2);
+    const QByteArray measureData = Board::bytes("eeprom/measure").mid(2);
+    Board::clearJournal();
+
+    QCOMPARE(version.call(invalidate), done);
+
+    QCOMPARE(Board::journal(),
+             (QStringList{protectionLifted, "KyEeprom.writeEeprom(0, 0000, 0, 2) = 0",
+                          "KyEeprom.writeEeprom(1, 0000, 0, 2) = 0", protectionRestored}));
+    QCOMPARE(Board::bytes("eeprom/instrument"), QByteArray(2, '\0') + instrumentData);
+    QCOMPARE(Board::bytes("eeprom/measure"), QByteArray(2, '\0') + measureData);
+}
+
+void TestEeprom::invalidateMakesBothRecordsInvalid()
+{
+    QVERIFY(daemon.start());
+    QVERIFY(version.call(getInstrument) != invalid);
+    QVERIFY(version.call(getMeasure) != invalid);
+    QCOMPARE(version.call(invalidate), done);
+    QCOMPARE(version.call(getInstrument), invalid);
+    QCOMPARE(version.call(getMeasure), invalid);
+}
+
+void TestEeprom::invalidateLeavesRecordsOfZerosValid()
+{
+    Board::setBytes("eeprom/instrument", QByteArray(128, '\0'));
+    Board::setBytes("eeprom/measure", QByteArray(4096, '\0'));
+    QVERIFY(daemon.start());
+    QCOMPARE(version.call(invalidate), done);
+    QVERIFY(version.call(getInstrument).contains("\"CRC\": <true>"));
+    QVERIFY(version.call(getMeasure).contains("\"CRC\": <true>"));
+}
+
+void TestEeprom::invalidateStopsWhenTheProtectionCannotBeLifted()
+{
+    QVERIFY(daemon.start());
+    version.call(getInstrument);
+    version.call(getMeasure);
+    Board::clearJournal();
+    Board::fault("KyEeprom.setWriteEnable", "1");
+    BusMonitor monitor;
+
+    QCOMPARE(version.call(invalidate), notEnabled);
+
+    QCOMPARE(monitor.takeFromDaemon(), (QStringList{errorLine(notEnabled), "return ()"}));
+    QCOMPARE(Board::journal(), QStringList{"KyEeprom.setWriteEnable(true) = 1"});
+    // Forgotten all the same: both are read again.
+    Board::setBytes("eeprom/instrument", instrumentBytes);
+    Board::setBytes("eeprom/measure", measureBytes);
+    QCOMPARE(version.call(getInstrument), renderedInstrument);
+    QCOMPARE(version.call(getMeasure), renderedMeasure());
+}
+
+void TestEeprom::invalidateWritesTheSecondRecordWhenTheFirstFails()
+{
+    QVERIFY(daemon.start());
+    Board::clearJournal();
+    Board::fault("KyEeprom.writeEeprom", "1");
+    BusMonitor monitor;
+
+    QCOMPARE(version.call(invalidate), notWritten);
+
+    QCOMPARE(monitor.takeFromDaemon(), (QStringList{errorLine(notWritten), "return ()"}));
+    QCOMPARE(Board::journal(),
+             (QStringList{protectionLifted, "KyEeprom.writeEeprom(0, 0000, 0, 2) = 1",
+                          "KyEeprom.writeEeprom(1, 0000, 0, 2) = 0", protectionRestored}));
+    QVERIFY(version.call(getInstrument) != invalid);
+    QCOMPARE(version.call(getMeasure), invalid);
+}
+
+void TestEeprom::invalidateReportsASecondRecordThatFails()
+{
+    // No file can be put in the place of a folder.
+    Board::remove("eeprom/measure");
+    QVERIFY(QDir().mkpath(Board::pathOf("eeprom/measure/in/the/way")));
+    QVERIFY(daemon.start());
+    Board::clearJournal();
+
+    QCOMPARE(version.call(invalidate), notWritten);
+    QCOMPARE(version.call(getInstrument), invalid);
+
+    QCOMPARE(Board::journal().mid(0, 4),
+             (QStringList{protectionLifted, "KyEeprom.writeEeprom(0, 0000, 0, 2) = 0",
+                          "KyEeprom.writeEeprom(1, 0000, 0, 2) = 1", protectionRestored}));
+}
+
+void TestEeprom::invalidateSendsEveryErrorItMeets()
+{
+    QVERIFY(daemon.start());
+    Board::clearJournal();
+    Board::fault("KyEeprom.writeEeprom", "always");
+    BusMonitor monitor;
+
+    QCOMPARE(callWithoutRestore(invalidate), notWritten);
+
+    QCOMPARE(monitor.takeFromDaemon(), (QStringList{errorLine(notWritten), errorLine(notWritten),
+                                                    errorLine(notDisabled), "return ()"}));
+    QCOMPARE(Board::journal(),
+             (QStringList{protectionLifted, "KyEeprom.writeEeprom(0, 0000, 0, 2) = 1",
+                          "KyEeprom.writeEeprom(1, 0000, 0, 2) = 1",
+                          "KyEeprom.setWriteEnable(false) = 1"}));
+}
+
+void TestEeprom::invalidateRefusesArguments()
+{
+    QVERIFY(daemon.start());
+    version.call(getInstrument);
+    Board::clearJournal();
+    QCOMPARE(version.call(invalidate, {"really"}),
+             QStringLiteral("org.freedesktop.DBus.Error.UnknownMethod: No such method "
+                            "'invalidateEepromsContent' in interface "
+                            "'com.orvendis.Strandel.BoardManager.Version' at object path "
+                            "'/KyDeviceMgr' (signature 's')"));
+    QVERIFY(version.call(getInstrument) != invalid);
+    QCOMPARE(Board::journal(), QStringList());
+}
+
+void TestEeprom::aChangedEepromShowsAfterAnInvalidation()
+{
+    QVERIFY(daemon.start());
+    version.call(getInstrument);
+    QCOMPARE(version.call(invalidate), done);
+    Board::setBytes("eeprom/instrument", instrumentBytes);
+    QCOMPARE(version.call(getInstrument), renderedInstrument);
+    Board::setBytes("eeprom/instrument", QByteArray(128, '\0'));
+    QCOMPARE(version.call(getInstrument), renderedInstrument);
+}
+
+WORLD_TEST_MAIN(TestEeprom)
+#include "test_eeprom.moc"
