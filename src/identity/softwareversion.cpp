@@ -42,7 +42,7 @@ bool readBspVersion(QByteArray &version)
         chunk = file.read(chunkSize);
         line += chunk;
     } while (!chunk.isEmpty() && !chunk.contains('\n') && line.size() <= longestVersion);
-    line = line.left(line.indexOf('\n'));
+    line = line.mid(0, line.indexOf('\n'));
     if (line.size() > longestVersion)
         return false;
     version = line.trimmed();
