@@ -150,8 +150,8 @@ void TestModeScript::anyOtherModeTakesTheAccessPointDown()
     for (const char *mode : {"0", "1"}) {
         QCOMPARE(switchMode("2"), 0);
         QCOMPARE(switchMode(mode), 0);
-        QVERIFY(!runs("hostapd"));
-        QVERIFY(!runs("dhcpd"));
+        QTRY_VERIFY(!runs("hostapd"));
+        QTRY_VERIFY(!runs("dhcpd"));
         QVERIFY(!QFile::exists("/sys/class/net/wifi_ap"));
     }
 }
