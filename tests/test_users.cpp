@@ -14,6 +14,7 @@ private Q_SLOTS:
     void getUserTakesTheNameFromTheLinkWhateverItIs_data();
     void getUserTakesTheNameFromTheLinkWhateverItIs();
     void getUserWithoutALinkIsAReadError();
+    void everyMethodRefusesOtherArguments();
 
     void startKeepsAValidUser();
     void startChoosesTheFirstUsableUser_data();
@@ -112,6 +113,22 @@ void TestUsers::getUserWithoutALinkIsAReadError()
 
     writeFile(system, "no link");
     QCOMPARE(users.call("getUser"), expected);
+}
+
+void TestUsers::everyMethodRefusesOtherArguments()
+{
+    QVERIFY(daemon.start());
+    SignalRecorder recorder("/KyConfigMgr");
+    const QString unknown = QStringLiteral("org.freedesktop.DBus.Error.UnknownMethod: ");
+
+    QVERIFY(users.call("getUser", {"user1"}).startsWith(unknown));
+    QVERIFY(users.call("setUser").startsWith(unknown));
+    QVERIFY(users.call("setUser", {2}).startsWith(unknown));
+    QVERIFY(users.call("setUser", {"user2", "user3"}).startsWith(unknown));
+    QVERIFY(users.call("factoryReset", {QStringList{"user2"}}).startsWith(unknown));
+
+    QCOMPARE(recorder.take(), QStringList());
+    QCOMPARE(QFile::symLinkTarget(system), profile("user1"));
 }
 
 void TestUsers::startKeepsAValidUser()

@@ -1,5 +1,6 @@
 #include "kyusermgr.h"
 
+#include "arguments.h"
 #include "error.h"
 #include "profilefolder.h"
 #include "settings.h"
@@ -64,6 +65,8 @@ KyUserMgr::KyUserMgr(QObject *parent) : QDBusAbstractAdaptor(parent)
 
 QString KyUserMgr::getUser(const QDBusMessage &message)
 {
+    if (!hasNoArguments(message))
+        return QString();
     QString user;
     const int code = readCurrentUser(user);
     if (code == Error::None)
