@@ -28,20 +28,6 @@ QList<QByteArrayList> listenerTable()
 }
 } // namespace
 
-void KernelEvents::send(const QList<QByteArray> &messages)
-{
-    const int descriptor = socket(AF_NETLINK, SOCK_RAW | SOCK_CLOEXEC, NETLINK_KOBJECT_UEVENT);
-    sockaddr_nl everybody = {};
-    everybody.nl_family = AF_NETLINK;
-    everybody.nl_groups = 1;
-    for (const QByteArray &message : messages) {
-        if (sendto(descriptor, message.constData(), static_cast<size_t>(message.size()), 0,
-                   reinterpret_cast<const sockaddr *>(&everybody), sizeof everybody) < 0)
-            qFatal("cannot send a device event: %s", strerror(errno));
-    }
-    close(descriptor);
-}
-
 int KernelEvents::listeners()
 {
     return listenerTable().size();

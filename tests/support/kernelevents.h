@@ -1,15 +1,9 @@
 #ifndef KERNELEVENTS_H
 #define KERNELEVENTS_H
 
-#include <QByteArray>
-#include <QList>
-
-/** The kernel's device events in the network of the test. */
+/** Who listens to the kernel's device events in the network of the test. */
 namespace KernelEvents
 {
-/** Sends @p messages to everybody who listens, just as the kernel sends its own. */
-void send(const QList<QByteArray> &messages);
-
 /** How many sockets listen. */
 int listeners();
 
