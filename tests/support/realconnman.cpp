@@ -1,0 +1,120 @@
+#include "realconnman.h"
+
+#include "listedobject.h"
+#include "remote.h"
+
+#include <QDBusConnection>
+#include <QDBusConnectionInterface>
+#include <QTest>
+
+#include <csignal>
+
+namespace
+{
+const QString network = QStringLiteral(SIMULATOR_FOLDER "/network/ethernet");
+
+void change(const QString &what)
+{
+    if (QProcess::execute(network, {what}) != 0)
+        qFatal("%s %s fails", qPrintable(network), qPrintable(what));
+}
+
+bool isOnTheBus()
+{
+    return QDBusConnection::systemBus().interface()->isServiceRegistered(
+        QStringLiteral("net.connman"));
+}
+
+QVariant propertyOf(const QString &path, const QString &list, const QString &name)
+{
+    const QDBusMessage reply = Remote("net.connman", "/", "net.connman.Manager").reply(list);
+    if (reply.signature() != QLatin1String("a(oa{sv})"))
+        return QVariant();
+    for (const ListedObject &object :
+         qdbus_cast<ListedObjects>(reply.arguments().at(0).value<QDBusArgument>())) {
+        if (object.path.path() == path)
+            return object.properties.value(name);
+    }
+    return QVariant();
+}
+} // namespace
+
+const QString RealConnman::technologyPath = QStringLiteral("/net/connman/technology/ethernet");
+const QString RealConnman::servicePath =
+    QStringLiteral("/net/connman/service/ethernet_02aabbccdd02_cable");
+
+RealConnman::~RealConnman()
+{
+    if (m_process.state() != QProcess::NotRunning)
+        kill();
+}
+
+void RealConnman::start()
+{
+    change(QStringLiteral("build"));
+    restart();
+    if (!QTest::qWaitFor([] { return service("State") == QLatin1String("ready"); }, 20000))
+        qFatal("ConnMan does not connect");
+}
+
+void RealConnman::restart()
+{
+    registerListedObjects();
+    m_process.setProcessChannelMode(QProcess::ForwardedErrorChannel);
+    m_process.start(network, {QStringLiteral("connmand")});
+    if (!m_process.waitForStarted() || !QTest::qWaitFor(isOnTheBus, 10000))
+        qFatal("ConnMan does not start");
+}
+
+void RealConnman::stop()
+{
+    m_process.terminate();
+    waitForEnd();
+}
+
+void RealConnman::kill()
+{
+    m_process.kill();
+    waitForEnd();
+}
+
+void RealConnman::waitForEnd()
+{
+    if (!m_process.waitForFinished(10000) || !QTest::qWaitFor([] { return !isOnTheBus(); }, 10000))
+        qFatal("ConnMan does not end");
+}
+
+void RealConnman::freeze()
+{
+    ::kill(pid_t(m_process.processId()), SIGSTOP);
+}
+
+void RealConnman::thaw()
+{
+    ::kill(pid_t(m_process.processId()), SIGCONT);
+}
+
+void RealConnman::plugCable()
+{
+    change(QStringLiteral("plug"));
+}
+
+void RealConnman::unplugCable()
+{
+    change(QStringLiteral("unplug"));
+}
+
+void RealConnman::setDhcpServerMute(bool mute)
+{
+    change(mute ? QStringLiteral("mute") : QStringLiteral("unmute"));
+}
+
+QVariant RealConnman::technology(const QString &name)
+{
+    return propertyOf(technologyPath, QStringLiteral("GetTechnologies"), name);
+}
+
+QVariant RealConnman::service(const QString &name)
+{
+    return propertyOf(servicePath, QStringLiteral("GetServices"), name);
+}
