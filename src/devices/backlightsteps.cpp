@@ -1,0 +1,31 @@
+#include "backlightsteps.h"
+
+namespace
+{
+const int lastEntry = 12;
+} // namespace
+
+int backlightStep(int percentage, const BacklightSteps &steps)
+{
+    // The search begins behind entry 0.
+    for (int step = 1; step <= lastEntry; ++step) {
+        if (steps.percentage[step] >= percentage)
+            return step;
+    }
+    return stepAboveAll;
+}
+
+bool hasBacklightEntry(int step)
+{
+    return step >= 0 && step <= lastEntry;
+}
+
+bool isBacklightStep(int step)
+{
+    return step >= 0 && step <= lastEntry + 1;
+}
+
+int backlightEntry(int step)
+{
+    return step < lastEntry ? step : lastEntry;
+}
