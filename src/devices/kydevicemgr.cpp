@@ -1,20 +1,56 @@
 #include "kydevicemgr.h"
 
+#include "arguments.h"
+#include "kyscreenbacklight.h"
+#include "screenmodel.h"
+
+#include <QDBusMessage>
+
 KyDeviceMgr::KyDeviceMgr(QObject *parent)
-    : QObject(parent),
+    : QDBusAbstractAdaptor(parent),
       m_alimentation(parent),
       m_led(parent),
       m_network(parent),
+      m_screenBacklight(nullptr),
       m_storage(parent),
       m_temperatureWatcher(parent),
       m_version(parent),
       m_watchdog(parent)
 {
+    if (readScreenPresence())
+        m_screenBacklight = new KyScreenBacklight(parent);
+    wireLeds();
+    showPresentState();
+}
+
+void KyDeviceMgr::prepareForShutdown(const QDBusMessage &message)
+{
+    if (!hasNoArguments(message))
+        return;
+    disconnect(&m_alimentation, &KyAlimentation::batteryStatus, &m_led, &KyLED::handleAlimentation);
+    disconnect(&m_alimentation, &KyAlimentation::batteryStatus, &m_led, &KyLED::handlePowerButton);
+    m_led.prepareForShutdown();
+    m_alimentation.prepareForShutdown();
+}
+
+/** Reads the instrument record, which also tells the board library the brand and the model. */
+bool KyDeviceMgr::readScreenPresence()
+{
+    const QVariantMap instrument = m_version.getEepromInstrument();
+    return hasScreen(instrument.value(QStringLiteral("Model")).toString());
+}
+
+void KyDeviceMgr::wireLeds()
+{
     connect(&m_alimentation, &KyAlimentation::batteryStatus, &m_led, &KyLED::handleAlimentation);
     connect(&m_alimentation, &KyAlimentation::batteryStatus, &m_led, &KyLED::handlePowerButton);
     connect(&m_storage, &KyStorage::deviceChangedMountState, &m_led, &KyLED::handleStorage);
+}
 
-    // Nothing may have changed for long, so nobody would tell the LEDs.
+/** Tells the LEDs what no event might tell them for long. */
+void KyDeviceMgr::showPresentState()
+{
     Q_EMIT m_alimentation.batteryStatus(m_alimentation.readBatteryStatus());
-    m_led.handleStorage(QStringLiteral("SD"), m_storage.isMounted(QStringLiteral("SD")));
+    const QString card = QStringLiteral("SD");
+    m_led.handleStorage(card, m_storage.isMounted(card));
 }

@@ -9,21 +9,51 @@
 #include "kyversion.h"
 #include "kywatchdog.h"
 
-#include <QObject>
+#include <QDBusAbstractAdaptor>
 
-/** The root of the device side: owns the adaptors of the board's devices and wires them up. */
-class KyDeviceMgr : public QObject
+class KyScreenBacklight;
+class QDBusMessage;
+
+/**
+ * The root of the device side: owns the adaptors of the board's devices, wires them to one another
+ * and prepares the board for power-off.
+ *
+ * All of them adapt the object that this one adapts.
+ */
+class KyDeviceMgr : public QDBusAbstractAdaptor
 {
     Q_OBJECT
+    Q_CLASSINFO("D-Bus Interface", "com.orvendis.Strandel.BoardManager.MGR")
 
 public:
-    /** Attaches the adaptors to @p parent and makes the LEDs show the present state. */
+    /**
+     * Initialises the devices and makes the LEDs show the present state.
+     *
+     * Screen backlight and light sensor are offered on the models that have a screen; an
+     * instrument record that cannot be read counts as one without.
+     */
     explicit KyDeviceMgr(QObject *parent);
 
+public Q_SLOTS:
+    /**
+     * Brings the LEDs and the battery monitor into the state in which power may be cut. From then
+     * on the battery status, which is still announced, no longer changes any LED.
+     *
+     * Never fails; a repeated call does the same again.
+     */
+    void prepareForShutdown(const QDBusMessage &message);
+
 private:
+    bool readScreenPresence();
+    void wireLeds();
+    void showPresentState();
+
+    // The devices are initialised in this order.
     KyAlimentation m_alimentation;
     KyLED m_led;
     KyNetwork m_network;
+    /** Null on a model without screen; the adapted object owns it. */
+    KyScreenBacklight *m_screenBacklight;
     KyStorage m_storage;
     KyTemperatureWatcher m_temperatureWatcher;
     KyVersion m_version;

@@ -3,6 +3,7 @@
 #include "files.h"
 
 #include "boardfolder.h"
+#include "records.h"
 
 #include <QFile>
 #include <QProcess>
@@ -78,6 +79,21 @@ QList<double> Board::times(const QString &call)
             times << line.leftRef(blank).toDouble();
     }
     return times;
+}
+
+void Board::setModel(ushort model)
+{
+    const int crcSize = 2;
+    const int recordSize = 74;
+    const int modelOffset = 6;
+    const QString file = QStringLiteral("eeprom/instrument");
+    QByteArray image = bytes(file);
+    image[modelOffset] = static_cast<char>(model >> 8);
+    image[modelOffset + 1] = static_cast<char>(model);
+    const ushort crc = board::crc16(image.mid(crcSize, recordSize - crcSize).toStdString());
+    image[0] = static_cast<char>(crc >> 8);
+    image[1] = static_cast<char>(crc);
+    setBytes(file, image);
 }
 
 QStringList Board::journal()

@@ -27,6 +27,9 @@ public:
 
     static void remove(const QString &path);
 
+    /** Makes the instrument record one of @p model, as in 0x8345. */
+    static void setModel(ushort model);
+
     /** Every library call since the last clearJournal(), without its time, in order. */
     static QStringList journal();
     static void clearJournal();
