@@ -10,7 +10,6 @@ class TestAlimentation : public DaemonTest
     Q_OBJECT
 
 private Q_SLOTS:
-    void theInterfaceIsThis();
     void theCheckCannotBeCalled();
 
     void theChargerIsReadAndToldAtTheStart_data();
@@ -79,14 +78,6 @@ QString TestAlimentation::status() const
 int TestAlimentation::measurements()
 {
     return Board::times("KyBatmonitor.getBatteryInfo()").size();
-}
-
-void TestAlimentation::theInterfaceIsThis()
-{
-    QVERIFY(daemon.start());
-    QCOMPARE(alimentation.members(),
-             (QStringList{"method getBatteryVoltage() u", "property batteryStatus s read",
-                          "signal batteryStatus(s)"}));
 }
 
 void TestAlimentation::theCheckCannotBeCalled()

@@ -10,7 +10,6 @@ class TestLed : public DaemonTest
     Q_OBJECT
 
 private Q_SLOTS:
-    void theInterfaceIsThis();
     void handlersOfOtherDevicesCannotBeCalled_data();
     void handlersOfOtherDevicesCannotBeCalled();
 
@@ -74,14 +73,6 @@ QStringList TestLed::ledSettings()
             settings << nameOf(match.captured(1).toInt()) + '=' + states[match.captured(2).toInt()];
     }
     return settings;
-}
-
-void TestLed::theInterfaceIsThis()
-{
-    QVERIFY(daemon.start());
-    QCOMPARE(led.members(),
-             (QStringList{"method getLEDStatus() a{sv}", "method prepareForShutdown()",
-                          "method setLEDStatus(ss)"}));
 }
 
 void TestLed::handlersOfOtherDevicesCannotBeCalled_data()

@@ -14,7 +14,6 @@ class TestStorage : public DaemonTest
     Q_OBJECT
 
 private Q_SLOTS:
-    void theInterfaceIsThis();
     void slotsOfTheListenerCannotBeCalled_data();
     void slotsOfTheListenerCannotBeCalled();
 
@@ -119,15 +118,6 @@ int TestStorage::threads() const
     return QDir(QStringLiteral("/proc/%1/task").arg(daemon.processId()))
         .entryList(QDir::Dirs | QDir::NoDotAndDotDot)
         .size();
-}
-
-void TestStorage::theInterfaceIsThis()
-{
-    QVERIFY(daemon.start());
-    QCOMPARE(storage.members(),
-             (QStringList{"method isMounted(s) b", "method umount(s)",
-                          "signal deviceChangedMountState(sb)", "signal sdcardPresence(b)",
-                          "signal usbKeyPresence(b)"}));
 }
 
 void TestStorage::slotsOfTheListenerCannotBeCalled_data()

@@ -10,7 +10,6 @@ class TestTemperature : public DaemonTest
     Q_OBJECT
 
 private Q_SLOTS:
-    void theInterfaceIsThis();
     void getTemperaturesReadsBothSensors();
     void getTemperaturesTakesAnyNumber();
     void aTemperatureAtOrAboveItsThresholdIsAnnounced_data();
@@ -60,15 +59,6 @@ QList<double> TestTemperature::readingTimes()
 bool TestTemperature::waitForReadings(int count) const
 {
     return QTest::qWaitFor([count] { return readingTimes().size() >= count; }, 30000);
-}
-
-void TestTemperature::theInterfaceIsThis()
-{
-    QVERIFY(daemon.start());
-    QCOMPARE(temperature.members(),
-             (QStringList{"method getTemperatures() a{sv}", "method periodicTemperatureCheck()",
-                          "method setInterval(i)", "method setTemperatureThreshold(si)",
-                          "signal temperatureReached(si)"}));
 }
 
 void TestTemperature::getTemperaturesReadsBothSensors()

@@ -3,45 +3,11 @@
 #include "render.h"
 
 #include <QDBusConnection>
-#include <QXmlStreamReader>
 
 namespace
 {
 const QString daemonName = QStringLiteral("com.orvendis.Strandel.BoardManager");
 const int replyTimeout = 30000;
-
-bool isMember(const QXmlStreamReader &reader)
-{
-    return reader.name() == QLatin1String("method") || reader.name() == QLatin1String("signal") ||
-           reader.name() == QLatin1String("property");
-}
-
-/** The member whose element has just begun, read to that element's end. */
-QString renderMember(QXmlStreamReader &reader)
-{
-    const auto attribute = [&reader](const char *name) {
-        return reader.attributes().value(QLatin1String(name)).toString();
-    };
-    const QString kind = reader.name().toString();
-    const QString start = kind + QLatin1Char(' ') + attribute("name");
-    if (kind == QLatin1String("property")) {
-        const QString property =
-            start + QLatin1Char(' ') + attribute("type") + QLatin1Char(' ') + attribute("access");
-        reader.skipCurrentElement();
-        return property;
-    }
-    QString in;
-    QString out;
-    while (reader.readNextStartElement()) {
-        const bool isResult =
-            kind == QLatin1String("method") && attribute("direction") == QLatin1String("out");
-        if (reader.name() == QLatin1String("arg"))
-            (isResult ? out : in) += attribute("type");
-        reader.skipCurrentElement();
-    }
-    return start + QLatin1Char('(') + in + QLatin1Char(')') +
-           (out.isEmpty() ? QString() : QLatin1Char(' ') + out);
-}
 } // namespace
 
 Remote::Remote(const QString &path, const QString &suffix)
@@ -70,29 +36,6 @@ QString Remote::property(const QString &name) const
 {
     return Remote(m_service, m_path, QStringLiteral("org.freedesktop.DBus.Properties"))
         .call(QStringLiteral("Get"), {m_interface, name});
-}
-
-QStringList Remote::members() const
-{
-    const QString document =
-        Remote(m_service, m_path, QStringLiteral("org.freedesktop.DBus.Introspectable"))
-            .reply(QStringLiteral("Introspect"))
-            .arguments()
-            .value(0)
-            .toString();
-    QXmlStreamReader reader(document);
-    QStringList members;
-    QString interface;
-    while (!reader.atEnd()) {
-        if (reader.readNext() != QXmlStreamReader::StartElement)
-            continue;
-        if (reader.name() == QLatin1String("interface"))
-            interface = reader.attributes().value(QStringLiteral("name")).toString();
-        else if (interface == m_interface && isMember(reader))
-            members << renderMember(reader);
-    }
-    members.sort();
-    return members;
 }
 
 QString renderReply(const QDBusMessage &reply)

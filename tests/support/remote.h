@@ -3,7 +3,6 @@
 
 #include <QDBusMessage>
 #include <QString>
-#include <QStringList>
 #include <QVariant>
 
 /** One interface of an object on the system bus, seen by a client. */
@@ -27,12 +26,6 @@ public:
 
     /** Reads a property through org.freedesktop.DBus.Properties; rendered as by call(). */
     QString property(const QString &name) const;
-
-    /**
-     * Everything that introspection says the interface offers, sorted: "method umount(s)",
-     * "method isMounted(s) b", "signal sdcardPresence(b)", "property batteryStatus s read".
-     */
-    QStringList members() const;
 
 private:
     QString m_service;
