@@ -82,7 +82,7 @@ private Q_SLOTS:
     void aChangedEepromShowsAfterAnInvalidation();
 
 private:
-    QStringList eepromCalls() const;
+    QStringList calls() const;
     QString set(const QString &method, const QString &values);
     QString callWithoutRestore(const QString &method, const QList<QVariant> &arguments = {});
 
@@ -227,10 +227,10 @@ TestEeprom::TestEeprom()
 {
 }
 
-/** What the daemon did with the EEPROMs. */
-QStringList TestEeprom::eepromCalls() const
+/** What the daemon did with the EEPROMs, and told the library of them. */
+QStringList TestEeprom::calls() const
 {
-    return Board::journal().filter(QStringLiteral("KyEeprom"));
+    return Board::journal().filter(QRegularExpression(QStringLiteral("KyEeprom|KyBoardRev")));
 }
 
 QString TestEeprom::set(const QString &method, const QString &values)
@@ -278,7 +278,7 @@ void TestEeprom::getReadsEachRecordOnce()
         QCOMPARE(version.call(getInstrument), renderedInstrument);
         QCOMPARE(version.call(getMeasure), renderedMeasure());
     }
-    QCOMPARE(eepromCalls(),
+    QCOMPARE(calls().filter("KyEeprom"),
              (QStringList{
                  QStringLiteral("KyEeprom.readEeprom(0, 0, 74) = 0 ") + instrumentBytes.toHex(),
                  QStringLiteral("KyEeprom.readEeprom(1, 0, 1196) = 0 ") + measureBytes.toHex()}));
@@ -291,10 +291,9 @@ void TestEeprom::getTellsTheLibraryBrandAndModelOnce()
     version.call(getInstrument);
     version.call(getInstrument);
     version.call(getMeasure);
-    const QStringList calls = Board::journal().filter(QRegularExpression("KyEeprom|KyBoardRev"));
-    QCOMPARE(calls.mid(1, 2),
+    QCOMPARE(calls().mid(1, 2),
              (QStringList{"KyBoardRev.setBrand(3) = 0", "KyBoardRev.setModel(1) = 0"}));
-    QCOMPARE(calls.size(), 4);
+    QCOMPARE(calls().size(), 4);
 }
 
 void TestEeprom::getTellsTheLibraryTheModel_data()
@@ -324,7 +323,7 @@ void TestEeprom::getTellsTheLibraryTheModel()
 
     QVERIFY(version.call(getInstrument).contains(QStringLiteral("\"Model\": <\"%1\">").arg(model)));
 
-    QCOMPARE(Board::journal().filter("KyBoardRev"),
+    QCOMPARE(calls().filter("KyBoardRev"),
              (QStringList{"KyBoardRev.setBrand(255) = 0",
                           QStringLiteral("KyBoardRev.setModel(%1) = 0").arg(number)}));
 }
@@ -336,7 +335,7 @@ void TestEeprom::aLibraryThatRefusesBrandAndModelIsIgnored()
     Board::fault("KyBoardRev.setModel", "always");
     QVERIFY(daemon.start());
     QCOMPARE(version.call(getInstrument), renderedInstrument);
-    QCOMPARE(Board::journal().filter("KyBoardRev").size(), 2);
+    QCOMPARE(calls().filter("KyBoardRev").size(), 2);
 }
 
 void TestEeprom::anEepromOfZerosIsValid()
@@ -386,7 +385,7 @@ void TestEeprom::anUnreadableEepromIsNotValid()
         QCOMPARE(version.call(getInstrument), invalid);
         QCOMPARE(version.call(getMeasure), invalid);
     }
-    QCOMPARE(eepromCalls().size(), 2);
+    QCOMPARE(calls().filter("KyEeprom").size(), 2);
 }
 
 void TestEeprom::aFailedReadStaysUntilASet()
@@ -425,7 +424,7 @@ void TestEeprom::nobodyIsToldOfAnInvalidRecord()
     version.call(getInstrument);
     Board::clearFaults();
     version.call(getInstrument);
-    QCOMPARE(Board::journal().filter("KyBoardRev"), QStringList());
+    QCOMPARE(calls().filter("KyBoardRev"), QStringList());
 }
 
 void TestEeprom::setWritesTheInstrumentRecord()
@@ -437,7 +436,7 @@ void TestEeprom::setWritesTheInstrumentRecord()
 
     QCOMPARE(version.call(setInstrument, {instrument()}), done);
 
-    QCOMPARE(Board::journal(),
+    QCOMPARE(calls(),
              (QStringList{protectionLifted, written(0, instrumentBytes), protectionRestored}));
     QCOMPARE(Board::bytes("eeprom/instrument"), instrumentBytes + behind);
     QCOMPARE(Board::bytes("eeprom/measure"), other);
@@ -453,7 +452,7 @@ void TestEeprom::setWritesTheMeasureRecord()
 
     QCOMPARE(version.call(setMeasure, {measure()}), done);
 
-    QCOMPARE(Board::journal(),
+    QCOMPARE(calls(),
              (QStringList{protectionLifted, written(1, measureBytes), protectionRestored}));
     QCOMPARE(Board::bytes("eeprom/measure"), measureBytes + behind);
     QCOMPARE(Board::bytes("eeprom/instrument"), other);
@@ -485,7 +484,7 @@ void TestEeprom::getAfterASetReturnsWhatWasSetUnread()
     QVERIFY(values.contains("\"SerialNumber\": <\"four\">"));
     QVERIFY(values.contains("\"Brand\": <1000>"));
     QVERIFY(values.contains("\"CRC\": <true>"));
-    QCOMPARE(Board::journal(), QStringList());
+    QCOMPARE(calls(), QStringList());
 }
 
 void TestEeprom::getAfterASetKeepsTheTypesOfTheCaller_data()
@@ -653,11 +652,11 @@ void TestEeprom::aModelThatWasSetIsToldAtTheNextRead()
     QCOMPARE(version.call(setInstrument, {map}), done);
     Board::clearJournal();
     version.call(getInstrument);
-    QCOMPARE(Board::journal(), QStringList());
+    QCOMPARE(calls(), QStringList());
 
     QCOMPARE(version.call(setInstrument, {QVariantMap()}), notValid);
     version.call(getInstrument);
-    QCOMPARE(Board::journal().mid(1),
+    QCOMPARE(calls().mid(1),
              (QStringList{"KyBoardRev.setBrand(3) = 0", "KyBoardRev.setModel(2) = 0"}));
 }
 
@@ -681,8 +680,8 @@ void TestEeprom::coefficientsAreTakenFromEveryList()
                                                                            "00000001"
                                                                            "00000002"
                                                                            "000000ff"));
-    QVERIFY(eepromCalls().contains(
-        written(1, encodeMeasureRecord(measureFields(measure()), {1, 2, 255}))));
+    QVERIFY(
+        calls().contains(written(1, encodeMeasureRecord(measureFields(measure()), {1, 2, 255}))));
 }
 
 void TestEeprom::coefficientsThatAreNoListAreNone_data()
@@ -698,9 +697,8 @@ void TestEeprom::coefficientsThatAreNoListAreNone()
     QVERIFY(daemon.start());
     Board::clearJournal();
     QCOMPARE(set(setMeasure, measureValues(value)), done);
-    QCOMPARE(Board::journal(),
-             (QStringList{protectionLifted, written(1, encodeMeasureRecord(measure(), {})),
-                          protectionRestored}));
+    QCOMPARE(calls(), (QStringList{protectionLifted, written(1, encodeMeasureRecord(measure(), {})),
+                                   protectionRestored}));
 }
 
 void TestEeprom::anotherNumberOfCoefficientsReadsBackInvalid_data()
@@ -759,7 +757,7 @@ void TestEeprom::setRefusesAnInstrumentMapWithAMissingKey()
 
     QCOMPARE(version.call(setInstrument, {map}), notValid);
 
-    QCOMPARE(Board::journal(), QStringList());
+    QCOMPARE(calls(), QStringList());
     QCOMPARE(Board::bytes("eeprom/instrument"), before);
 }
 
@@ -783,7 +781,7 @@ void TestEeprom::setRefusesAMeasureMapWithAMissingKey()
 
     QCOMPARE(version.call(setMeasure, {map}), notValid);
 
-    QCOMPARE(Board::journal(), QStringList());
+    QCOMPARE(calls(), QStringList());
     QCOMPARE(Board::bytes("eeprom/measure"), before);
 }
 
@@ -830,7 +828,7 @@ void TestEeprom::protectionThatCannotBeLiftedStopsASet()
     // What was to be written is kept, but not called valid.
     QCOMPARE(version.call(getter), values.remove("\"CRC\": <true>, "));
 
-    QCOMPARE(Board::journal(), QStringList{"KyEeprom.setWriteEnable(true) = 1"});
+    QCOMPARE(calls(), QStringList{"KyEeprom.setWriteEnable(true) = 1"});
 }
 
 void TestEeprom::aFailedWriteStillRestoresTheProtection_data()
@@ -853,9 +851,9 @@ void TestEeprom::aFailedWriteStillRestoresTheProtection()
     QCOMPARE(version.call(setter, {map}), notWritten);
     QCOMPARE(version.call(getter), values);
 
-    QCOMPARE(Board::journal().size(), 3);
-    QCOMPARE(Board::journal().first(), protectionLifted);
-    QCOMPARE(Board::journal().last(), protectionRestored);
+    QCOMPARE(calls().size(), 3);
+    QCOMPARE(calls().first(), protectionLifted);
+    QCOMPARE(calls().last(), protectionRestored);
     QCOMPARE((QStringList{Board::bytes("eeprom/instrument").toHex(),
                           Board::bytes("eeprom/measure").toHex()}),
              before);
@@ -881,8 +879,8 @@ void TestEeprom::protectionThatCannotBeRestoredIsAWriteError()
 
     QCOMPARE(monitor.takeFromDaemon().mid(0, 2),
              (QStringList{errorLine(notDisabled), "return ()"}));
-    QCOMPARE(Board::journal().size(), 3);
-    QCOMPARE(Board::journal().last(), QStringLiteral("KyEeprom.setWriteEnable(false) = 1"));
+    QCOMPARE(calls().size(), 3);
+    QCOMPARE(calls().last(), QStringLiteral("KyEeprom.setWriteEnable(false) = 1"));
 }
 
 void TestEeprom::aSetSendsEveryErrorItMeets_data()
@@ -916,9 +914,8 @@ void TestEeprom::invalidateSpoilsBothCrcsAndKeepsTheData()
 
     QCOMPARE(version.call(invalidate), done);
 
-    QCOMPARE(Board::journal(),
-             (QStringList{protectionLifted, "KyEeprom.writeEeprom(0, 0000, 0, 2) = 0",
-                          "KyEeprom.writeEeprom(1, 0000, 0, 2) = 0", protectionRestored}));
+    QCOMPARE(calls(), (QStringList{protectionLifted, "KyEeprom.writeEeprom(0, 0000, 0, 2) = 0",
+                                   "KyEeprom.writeEeprom(1, 0000, 0, 2) = 0", protectionRestored}));
     QCOMPARE(Board::bytes("eeprom/instrument"), QByteArray(2, '\0') + instrumentData);
     QCOMPARE(Board::bytes("eeprom/measure"), QByteArray(2, '\0') + measureData);
 }
@@ -955,7 +952,7 @@ void TestEeprom::invalidateStopsWhenTheProtectionCannotBeLifted()
     QCOMPARE(version.call(invalidate), notEnabled);
 
     QCOMPARE(monitor.takeFromDaemon(), (QStringList{errorLine(notEnabled), "return ()"}));
-    QCOMPARE(Board::journal(), QStringList{"KyEeprom.setWriteEnable(true) = 1"});
+    QCOMPARE(calls(), QStringList{"KyEeprom.setWriteEnable(true) = 1"});
     // Forgotten all the same: both are read again.
     Board::setBytes("eeprom/instrument", instrumentBytes);
     Board::setBytes("eeprom/measure", measureBytes);
@@ -973,9 +970,8 @@ void TestEeprom::invalidateWritesTheSecondRecordWhenTheFirstFails()
     QCOMPARE(version.call(invalidate), notWritten);
 
     QCOMPARE(monitor.takeFromDaemon(), (QStringList{errorLine(notWritten), "return ()"}));
-    QCOMPARE(Board::journal(),
-             (QStringList{protectionLifted, "KyEeprom.writeEeprom(0, 0000, 0, 2) = 1",
-                          "KyEeprom.writeEeprom(1, 0000, 0, 2) = 0", protectionRestored}));
+    QCOMPARE(calls(), (QStringList{protectionLifted, "KyEeprom.writeEeprom(0, 0000, 0, 2) = 1",
+                                   "KyEeprom.writeEeprom(1, 0000, 0, 2) = 0", protectionRestored}));
     QVERIFY(version.call(getInstrument) != invalid);
     QCOMPARE(version.call(getMeasure), invalid);
 }
@@ -991,7 +987,7 @@ void TestEeprom::invalidateReportsASecondRecordThatFails()
     QCOMPARE(version.call(invalidate), notWritten);
     QCOMPARE(version.call(getInstrument), invalid);
 
-    QCOMPARE(Board::journal().mid(0, 4),
+    QCOMPARE(calls().mid(0, 4),
              (QStringList{protectionLifted, "KyEeprom.writeEeprom(0, 0000, 0, 2) = 0",
                           "KyEeprom.writeEeprom(1, 0000, 0, 2) = 1", protectionRestored}));
 }
@@ -1007,10 +1003,9 @@ void TestEeprom::invalidateSendsEveryErrorItMeets()
 
     QCOMPARE(monitor.takeFromDaemon(), (QStringList{errorLine(notWritten), errorLine(notWritten),
                                                     errorLine(notDisabled), "return ()"}));
-    QCOMPARE(Board::journal(),
-             (QStringList{protectionLifted, "KyEeprom.writeEeprom(0, 0000, 0, 2) = 1",
-                          "KyEeprom.writeEeprom(1, 0000, 0, 2) = 1",
-                          "KyEeprom.setWriteEnable(false) = 1"}));
+    QCOMPARE(calls(), (QStringList{protectionLifted, "KyEeprom.writeEeprom(0, 0000, 0, 2) = 1",
+                                   "KyEeprom.writeEeprom(1, 0000, 0, 2) = 1",
+                                   "KyEeprom.setWriteEnable(false) = 1"}));
 }
 
 void TestEeprom::invalidateRefusesArguments()
@@ -1024,7 +1019,7 @@ void TestEeprom::invalidateRefusesArguments()
                             "'com.orvendis.Strandel.BoardManager.Version' at object path "
                             "'/KyDeviceMgr' (signature 's')"));
     QVERIFY(version.call(getInstrument) != invalid);
-    QCOMPARE(Board::journal(), QStringList());
+    QCOMPARE(calls(), QStringList());
 }
 
 void TestEeprom::aChangedEepromShowsAfterAnInvalidation()
