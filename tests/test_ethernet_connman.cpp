@@ -7,6 +7,8 @@
 #include <QJsonDocument>
 #include <QJsonObject>
 
+#include <csignal>
+
 /** Ethernet on the running daemon, against the real ConnMan and a real DHCP server. */
 class TestEthernetConnman : public DaemonTest
 {
@@ -18,6 +20,7 @@ private Q_SLOTS:
 
     void startPowersTheWiredTechnologyOff();
     void connectLeadsOnlineWithAnAddressOfTheDhcpServer();
+    void aLeaseThatIsFasterThanTheDaemonLeadsOnlineToo();
     void connectTwiceInARowChangesNothing();
     void manualSettingsEndOnTheInterfaceAndInConnMan();
     void manualSettingsTakeEffectOnlyWithTheNextConnection();
@@ -175,6 +178,22 @@ void TestEthernetConnman::connectLeadsOnlineWithAnAddressOfTheDhcpServer()
     QCOMPARE(script.log(), (QStringList{"start 0", "end 0"}));
     QCOMPARE(RealConnman::technology("Connected"), QVariant(true));
     QVERIFY(kernelAddress().startsWith("10.77.0."));
+}
+
+void TestEthernetConnman::aLeaseThatIsFasterThanTheDaemonLeadsOnlineToo()
+{
+    begin();
+    QVERIFY(reach("association"));
+    QTRY_COMPARE(RealConnman::technology("Powered"), QVariant(true));
+
+    ::kill(pid_t(daemon.processId()), SIGSTOP);
+    connman.plugCable();
+    QTRY_VERIFY(kernelAddress().startsWith("10.77.0."));
+    QTRY_COMPARE(RealConnman::service("State"), QVariant("ready"));
+    ::kill(pid_t(daemon.processId()), SIGCONT);
+
+    QVERIFY(waitForState("online"));
+    QCOMPARE(states, (QStringList{"association", "ready", "online"}));
 }
 
 void TestEthernetConnman::connectTwiceInARowChangesNothing()
