@@ -50,7 +50,7 @@ void TestEthernetSettings::setIPv4AsksForTheTechnologyAndSendsNothing()
     QCOMPARE(ethernet.call("setIPv4", {QVariantMap{{"Method", "dhcp"}, {"DNS1", "10.0.0.53"}}}),
              QString("()"));
     QCOMPARE(calls(), QStringList{getTechnologies});
-    QCOMPARE(settledSignals(), QStringList());
+    QCOMPARE(recorder.take(), QStringList());
 }
 
 void TestEthernetSettings::setIPv4RepairsManualSettings_data()
@@ -130,6 +130,10 @@ void TestEthernetSettings::setIPv4KeepsOtherSettingsAsTheyAre_data()
                                << "{\"Gateway\": <\"nowhere\">}";
     QTest::newRow("number") << QVariantMap{{"Netmask", 24}} << "{\"Netmask\": <\"24\">}";
     QTest::newRow("map") << QVariantMap{{"Method", lease}} << "{\"Method\": <\"\">}";
+    QTest::newRow("255 characters") << QVariantMap{{"Gateway", QString(255, '1')}}
+                                    << "{\"Gateway\": <\"" + QString(255, '1') + "\">}";
+    QTest::newRow("256 characters")
+        << QVariantMap{{"Gateway", QString(256, '1')}} << "{\"Gateway\": <\"\">}";
     QTest::newRow("other keys") << QVariantMap{{"method", "manual"}, {"MTU", 5}} << "{}";
 }
 
@@ -184,7 +188,9 @@ void TestEthernetSettings::setIPv4FailsWithoutTheTechnology_data()
     QTest::newRow("no technologies") << QVariantList{QVariant::fromValue(ListedObjects())};
     QTest::newRow("other technology") << list({{"Type", "wifi"}, {"Connected", true}});
     QTest::newRow("no Connected") << list({{"Type", "ethernet"}});
-    QTest::newRow("Connected of another type")
+    QTest::newRow("Connected that is a text")
+        << list({{"Type", "ethernet"}, {"Connected", "true"}});
+    QTest::newRow("Connected of an unreadable type")
         << list({{"Type", "ethernet"}, {"Connected", QVariant::fromValue(wired())}});
     QTest::newRow("no list") << QVariantList{"technologies"};
     QTest::newRow("nothing") << QVariantList();
@@ -264,7 +270,7 @@ void TestEthernetSettings::getIPv4IsEmptyWithoutAService()
 
     connectUntil("association");
     connman.emitServicesChanged();
-    QCOMPARE(settledSignals().last(), state("online", cable));
+    QCOMPARE(recorder.take().last(), state("online", cable));
     connman.setServices({wired(otherCable, lease)});
     QCOMPARE(ethernet.call("getIPv4"), QString("({})"));
 }

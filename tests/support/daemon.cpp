@@ -1,8 +1,39 @@
 #include "daemon.h"
 
+#include "files.h"
+
 #include <QDBusConnection>
 #include <QDBusConnectionInterface>
+#include <QDBusMessage>
 #include <QTest>
+
+#include <cstdio>
+
+namespace
+{
+const QString daemonName = QStringLiteral("com.orvendis.Strandel.BoardManager");
+const QString clockFile = QStringLiteral("/run/daemon-clock");
+
+void writeClock(int seconds)
+{
+    // The daemon must never read half of it.
+    writeFile(clockFile + QStringLiteral(".new"), '+' + QByteArray::number(seconds));
+    if (std::rename(qPrintable(clockFile + QStringLiteral(".new")), qPrintable(clockFile)) != 0)
+        qFatal("cannot set the clock");
+}
+
+/** Makes both threads of the daemon look at the clock as soon as they can. */
+void wakeDaemon()
+{
+    for (const char *name :
+         {"org.freedesktop.DBus.Peer.Ping", "org.freedesktop.DBus.Introspectable.Introspect"}) {
+        const QString method = QString::fromLatin1(name);
+        QDBusConnection::systemBus().asyncCall(
+            QDBusMessage::createMethodCall(daemonName, QStringLiteral("/KyComMgr"),
+                                           method.section('.', 0, -2), method.section('.', -1)));
+    }
+}
+} // namespace
 
 Daemon::Daemon()
 {
@@ -29,6 +60,22 @@ void Daemon::speedUp(int factor)
     // leave the daemon running when it is ended.
     setWrapper({QStringLiteral("env"), QStringLiteral("FAKETIME=+0 x%1").arg(factor),
                 QStringLiteral("LD_PRELOAD=/usr/$LIB/faketime/libfaketime.so.1")});
+}
+
+void Daemon::controlClock()
+{
+    m_secondsPassed = 0;
+    writeClock(0);
+    setWrapper({QStringLiteral("env"), QStringLiteral("FAKETIME_NO_CACHE=1"),
+                QStringLiteral("FAKETIME_TIMESTAMP_FILE=") + clockFile,
+                QStringLiteral("LD_PRELOAD=/usr/$LIB/faketime/libfaketime.so.1")});
+}
+
+void Daemon::letTimePass(int seconds)
+{
+    m_secondsPassed += seconds;
+    writeClock(m_secondsPassed);
+    wakeDaemon();
 }
 
 void Daemon::setEnvironment(const QString &name, const QString &value)

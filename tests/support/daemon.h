@@ -17,6 +17,12 @@ public:
     void setWrapper(const QStringList &wrapper);
     /** Makes time pass @p factor times as fast for the daemon. */
     void speedUp(int factor);
+    /**
+     * Gives the daemon a clock that letTimePass() sets forward. What becomes due then does not
+     * depend on how fast the machine is.
+     */
+    void controlClock();
+    void letTimePass(int seconds);
     /** A variable of the daemon's environment, on top of the test's own. */
     void setEnvironment(const QString &name, const QString &value);
     void resetEnvironment();
@@ -50,6 +56,7 @@ private:
 
     QProcess m_process;
     QStringList m_wrapper;
+    int m_secondsPassed = 0;
     QByteArray m_log;
     QByteArray m_output;
 };

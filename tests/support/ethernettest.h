@@ -57,9 +57,6 @@ protected:
     /** What the daemon asked of ConnMan for the wired interface since the last look. */
     QStringList calls();
 
-    /** The signals since the last look, when all that reached the daemon by now is dealt with. */
-    QStringList settledSignals();
-
     ConnmanStandIn connman;
     ModeScript script;
     SignalRecorder recorder{QStringLiteral("/KyComMgr")};
