@@ -1,0 +1,298 @@
+#include "board.h"
+#include "daemontest.h"
+
+#include <QJsonDocument>
+#include <QJsonObject>
+#include <QRegularExpression>
+#include <QXmlStreamReader>
+
+/** kyboardctl, the client, against the running daemon. */
+class TestKyboardctl : public DaemonTest
+{
+    Q_OBJECT
+
+private Q_SLOTS:
+    void valuesArePrinted();
+    void valuesForMachinesAreJson();
+    void whatIsSetIsSet();
+    void theDaemonsErrorsAreToldWithNameAndText();
+    void aWrongCommandLineSendsNothing_data();
+    void aWrongCommandLineSendsNothing();
+    void withoutTheDaemonItSaysSo_data();
+    void withoutTheDaemonItSaysSo();
+    void withoutABusItSaysSo();
+    void aModelWithoutAScreenHasNoBacklight();
+    void statusShowsTheWholeInstrument();
+    void statusForMachinesIsOneObject();
+    void monitorPrintsEverySignal();
+    void monitorNoticesTheDaemonComingAndGoing();
+    void everyMethodOfTheDaemonHasACommand();
+    void secretsComeFromStandardInput();
+
+private:
+    struct Result {
+        int status;
+        QString output;
+        QString complaint;
+    };
+    static Result run(const QStringList &arguments, const QByteArray &input = {},
+                      const QStringList &environment = {});
+};
+
+TestKyboardctl::Result TestKyboardctl::run(const QStringList &arguments, const QByteArray &input,
+                                           const QStringList &environment)
+{
+    QProcess client;
+    client.start("env", environment + QStringList{"kyboardctl"} + arguments);
+    client.write(input);
+    client.closeWriteChannel();
+    if (!client.waitForFinished(30000))
+        return {-1, QString(), QStringLiteral("no end")};
+    return {client.exitCode(), client.readAllStandardOutput(), client.readAllStandardError()};
+}
+
+void TestKyboardctl::valuesArePrinted()
+{
+    QVERIFY(daemon.start());
+    QCOMPARE(run({"user", "get"}).output, QStringLiteral("user1\n"));
+    QCOMPARE(run({"battery", "status"}).output, QStringLiteral("CHARGER_OFF_BAT_INF_80\n"));
+    QCOMPARE(run({"storage", "mounted", "SD"}).output, QStringLiteral("no\n"));
+    QCOMPARE(run({"temperature", "list"}).output,
+             QStringLiteral("ANALOG_CHAIN  38\nSOM           42\n"));
+    QCOMPARE(run({"user", "get"}).status, 0);
+}
+
+void TestKyboardctl::valuesForMachinesAreJson()
+{
+    QVERIFY(daemon.start());
+    QCOMPARE(run({"--json", "user", "get"}).output, QStringLiteral("\"user1\"\n"));
+    QCOMPARE(run({"storage", "mounted", "USB", "--json"}).output, QStringLiteral("false\n"));
+    QCOMPARE(run({"--json", "backlight", "get"}).output, QStringLiteral("55\n"));
+    const QJsonObject leds =
+        QJsonDocument::fromJson(run({"--json", "led", "list"}).output.toUtf8()).object();
+    QCOMPARE(leds.size(), 14);
+    QCOMPARE(leds.value("WIFI").toString(), QStringLiteral("OFF"));
+    QCOMPARE(run({"--json", "user", "set", "user1"}).output, QStringLiteral("null\n"));
+}
+
+void TestKyboardctl::whatIsSetIsSet()
+{
+    QVERIFY(daemon.start());
+    QCOMPARE(run({"user", "set", "user2"}).status, 0);
+    QCOMPARE(QFile::symLinkTarget("/tmp/User_part/system"), profile("user2"));
+    QCOMPARE(run({"led", "set", "WIFI", "BLINK_3HZ"}).status, 0);
+    QCOMPARE(Board::get("leds/WIFI"), QStringLiteral("BLINK_3HZ"));
+    QCOMPARE(run({"backlight", "set-step", "off", "0"}).status, 0);
+    QCOMPARE(Board::get("backlight/brightness"), QStringLiteral("15"));
+    QCOMPARE(run({"module", "power", "off"}).status, 0);
+    QCOMPARE(Board::get("powerman/wifi_supply"), QStringLiteral("0"));
+}
+
+void TestKyboardctl::theDaemonsErrorsAreToldWithNameAndText()
+{
+    QVERIFY(daemon.start());
+    Board::fault("KyLeds.setLedState", "always");
+    const Result result = run({"led", "set", "WIFI", "ON"});
+    QCOMPARE(result.status, 1);
+    QCOMPARE(result.complaint,
+             QStringLiteral("kyboardctl: Enable to set led WIFI to status ON "
+                            "(com.orvendis.Strandel.BoardManager.Error.Write)\n"));
+    QCOMPARE(result.output, QString());
+}
+
+void TestKyboardctl::aWrongCommandLineSendsNothing_data()
+{
+    QTest::addColumn<QStringList>("words");
+    QTest::addColumn<QString>("complaint");
+    QTest::newRow("command") << QStringList{"led", "light"}
+                             << "no command 'led light'; 'kyboardctl help' lists them";
+    QTest::newRow("argument") << QStringList{"led", "set", "wifi", "ON"}
+                              << "led set: LED: 'wifi' is not one of BAT_RS1, BAT_GS1, BAT_GS2, "
+                                 "BAT_GS3, BAT_GS4, BAT_GS5, UTC_SYNC, RECORDING, BT, WIFI, WPS, "
+                                 "POWER_Y, POWER_G, SD_STATUS";
+    QTest::newRow("option") << QStringList{"--loud", "led", "list"} << "unknown option --loud";
+    QTest::newRow("no secret") << QStringList{"wifi", "connect", "home"}
+                               << "wifi connect: no passphrase on standard input (--open for none)";
+}
+
+void TestKyboardctl::aWrongCommandLineSendsNothing()
+{
+    QFETCH(QStringList, words);
+    QFETCH(QString, complaint);
+    QVERIFY(daemon.start());
+    SignalRecorder recorder("/KyDeviceMgr");
+    Board::clearJournal();
+
+    const Result result = run(words);
+
+    QCOMPARE(result.status, 2);
+    QCOMPARE(result.complaint, "kyboardctl: " + complaint + '\n');
+    QCOMPARE(Board::journal(), QStringList());
+}
+
+void TestKyboardctl::withoutTheDaemonItSaysSo_data()
+{
+    QTest::addColumn<QStringList>("words");
+    QTest::newRow("method") << QStringList{"user", "get"};
+    QTest::newRow("property") << QStringList{"battery", "status"};
+    QTest::newRow("operation") << QStringList{"ethernet", "connect"};
+    QTest::newRow("status") << QStringList{"status"};
+}
+
+void TestKyboardctl::withoutTheDaemonItSaysSo()
+{
+    QFETCH(QStringList, words);
+    const Result result = run(words);
+    QCOMPARE(result.status, 3);
+    QCOMPARE(result.complaint,
+             QStringLiteral("kyboardctl: the board manager is not on the system bus\n"));
+}
+
+void TestKyboardctl::withoutABusItSaysSo()
+{
+    const QStringList noBus = {"DBUS_SYSTEM_BUS_ADDRESS=unix:path=/run/dbus/missing"};
+    QCOMPARE(run({"user", "get"}, {}, noBus).status, 3);
+    QCOMPARE(run({"status"}, {}, noBus).status, 3);
+    QCOMPARE(run({"monitor"}, {}, noBus).status, 3);
+}
+
+void TestKyboardctl::aModelWithoutAScreenHasNoBacklight()
+{
+    Board::fault("KyEeprom.readEeprom", "always");
+    QVERIFY(daemon.start());
+    const Result result = run({"backlight", "get"});
+    QCOMPARE(result.status, 4);
+    QVERIFY(result.complaint.startsWith("kyboardctl: this instrument has no such interface"));
+    const Result status = run({"status"});
+    QCOMPARE(status.status, 0);
+    QVERIFY(!status.output.contains("Backlight"));
+    QVERIFY(status.output.contains("Profile"));
+}
+
+void TestKyboardctl::statusShowsTheWholeInstrument()
+{
+    QVERIFY(daemon.start());
+    const Result result = run({"status"});
+    QCOMPARE(result.status, 0);
+    const QStringList expected = {"Profile\\s+user1",
+                                  "Battery\\s+CHARGER_OFF_BAT_INF_80",
+                                  "Battery voltage\\s+\\d+",
+                                  "LEDs\\s+BAT_GS1=ON.*POWER_Y=ON",
+                                  "Temperatures\\s+ANALOG_CHAIN=38, SOM=42",
+                                  "SD card mounted\\s+no",
+                                  "Backlight\\s+55",
+                                  "Ambient light\\s+120",
+                                  "Ethernet\\s+none",
+                                  "Software\\s+KyBoardManager=2.06",
+                                  "Revisions\\s+.*SOM="};
+    for (const QString &pattern : expected)
+        QVERIFY2(QRegularExpression('^' + pattern, QRegularExpression::MultilineOption)
+                     .match(result.output)
+                     .hasMatch(),
+                 qPrintable(pattern + "\n" + result.output));
+    QVERIFY(result.output.count('\n') <= 24);
+}
+
+void TestKyboardctl::statusForMachinesIsOneObject()
+{
+    QVERIFY(daemon.start());
+    const QJsonObject status =
+        QJsonDocument::fromJson(run({"status", "--json"}).output.toUtf8()).object();
+    QCOMPARE(status.value("profile").toString(), QStringLiteral("user1"));
+    QCOMPARE(status.value("backlight").toInt(), 55);
+    QCOMPARE(status.value("temperatures").toObject().value("SOM").toInt(), 42);
+}
+
+void TestKyboardctl::monitorPrintsEverySignal()
+{
+    QVERIFY(daemon.start());
+    QProcess monitor;
+    monitor.start("kyboardctl", {"monitor"});
+    QByteArray printed;
+    const auto hears = [&](const char *text) {
+        return QTest::qWaitFor(
+            [&] {
+                printed += monitor.readAllStandardOutput();
+                return printed.contains(text);
+            },
+            20000);
+    };
+    QVERIFY(hears("daemon.there"));
+    run({"user", "set", "user2"});
+    QVERIFY2(hears("Users.userChanged  user2\n"), printed.constData());
+    QVERIFY(printed.contains("Users.changingUser\n"));
+    run({"storage", "unmount", "SD"});
+    QVERIFY2(hears("Storage.sdcardPresence  no\n"), printed.constData());
+    QVERIFY(QRegularExpression("^\\d\\d:\\d\\d:\\d\\d\\.\\d{3}  daemon\\.there\n")
+                .match(printed)
+                .hasMatch());
+    monitor.terminate();
+    QVERIFY(monitor.waitForFinished());
+}
+
+void TestKyboardctl::monitorNoticesTheDaemonComingAndGoing()
+{
+    QProcess monitor;
+    monitor.start("kyboardctl", {"--json", "monitor"});
+    QByteArray printed;
+    const auto hears = [&](const char *text) {
+        return QTest::qWaitFor(
+            [&] {
+                printed += monitor.readAllStandardOutput();
+                return printed.contains(text);
+            },
+            20000);
+    };
+    QVERIFY(hears("\"signal\":\"away\""));
+    QVERIFY(daemon.start());
+    QVERIFY(hears("\"signal\":\"came\""));
+    daemon.stop();
+    QVERIFY(hears("\"signal\":\"left\""));
+    monitor.terminate();
+    QVERIFY(monitor.waitForFinished());
+}
+
+void TestKyboardctl::everyMethodOfTheDaemonHasACommand()
+{
+    QVERIFY(daemon.start());
+    const QString source = readFile(QStringLiteral(CLIENT_COMMANDS));
+    for (const char *path : {"/KyConfigMgr", "/KyComMgr", "/KyDeviceMgr"}) {
+        const QDBusMessage reply = Remote("com.orvendis.Strandel.BoardManager", path,
+                                          "org.freedesktop.DBus.Introspectable")
+                                       .reply("Introspect");
+        QXmlStreamReader reader(reply.arguments().value(0).toString());
+        QString interface;
+        int methods = 0;
+        while (!reader.atEnd()) {
+            if (reader.readNext() != QXmlStreamReader::StartElement)
+                continue;
+            const QString name = reader.attributes().value("name").toString();
+            if (reader.name() == "interface")
+                interface = name;
+            if (reader.name() != "method" || !interface.startsWith("com.orvendis.Strandel."))
+                continue;
+            ++methods;
+            QVERIFY2(source.contains('"' + name + '"'), qPrintable(interface + ' ' + name));
+        }
+        QVERIFY(methods > 0);
+    }
+}
+
+void TestKyboardctl::secretsComeFromStandardInput()
+{
+    QVERIFY(daemon.start());
+    const Result result =
+        run({"eeprom", "set-instrument", "Subsidiary=1", "Fabrication=2", "Brand=3", "Type=4",
+             "Model=8347", "SerialNumber=ABCDEFGH", "WarrantyNumber=123456789",
+             "TroubleshootingTag=5", "RelaunchTag=6", "FirstPassTag=7"},
+            "first secret\nsecond\n");
+    QCOMPARE(result.complaint, QString());
+    QCOMPARE(result.status, 0);
+    const QByteArray image = Board::bytes("eeprom/instrument");
+    QCOMPARE(image.mid(28, 30).left(13), QByteArray("first secret\0", 13));
+    QCOMPARE(image.mid(58, 16).left(7), QByteArray("second\0", 7));
+    QVERIFY(run({"eeprom", "instrument"}).output.contains("SerialNumber           ABCDEFGH\n"));
+}
+
+WORLD_TEST_MAIN(TestKyboardctl)
+#include "test_kyboardctl.moc"
