@@ -10,6 +10,8 @@ private Q_SLOTS:
     void theSensorIsSetUpInOrderAtTheStart();
     void theBandLiesAroundTheLightOfTheStart_data();
     void theBandLiesAroundTheLightOfTheStart();
+    void theBandGoesToTheSensorAsItsCodes_data();
+    void theBandGoesToTheSensorAsItsCodes();
     void theTimerIsCutToOneEvenByte_data();
     void theTimerIsCutToOneEvenByte();
     void levelsComeFromTheSettings();
@@ -104,6 +106,46 @@ void TestBrightness::theSensorIsSetUpInOrderAtTheStart()
 void TestBrightness::theBandLiesAroundTheLightOfTheStart_data()
 {
     QTest::addColumn<QString>("lux");
+    QTest::addColumn<int>("high");
+    QTest::addColumn<int>("low");
+
+    QTest::newRow("dark") << "0" << 15 << 0;
+    QTest::newRow("level 1") << "10" << 15 << 0;
+    QTest::newRow("level 2") << "12" << 25 << 10;
+    QTest::newRow("level 3") << "25" << 50 << 15;
+    QTest::newRow("level 4") << "50" << 75 << 25;
+    QTest::newRow("level 5") << "75" << 100 << 50;
+    QTest::newRow("level 6") << "100" << 150 << 75;
+    QTest::newRow("level 7") << "150" << 175 << 100;
+    QTest::newRow("level 8") << "175" << 200 << 150;
+    QTest::newRow("level 9") << "200" << 250 << 175;
+    QTest::newRow("level 10") << "250" << 300 << 200;
+    QTest::newRow("level 11") << "300" << 350 << 250;
+    QTest::newRow("level 12") << "350" << 400 << 300;
+    QTest::newRow("level 13") << "400" << 450 << 350;
+    QTest::newRow("level 14") << "450" << 500 << 400;
+    QTest::newRow("level 15") << "500" << 1000 << 450;
+    QTest::newRow("level 16") << "1000" << 10000 << 500;
+    QTest::newRow("above the table") << "20000" << 10000 << 500;
+}
+
+void TestBrightness::theBandLiesAroundTheLightOfTheStart()
+{
+    QFETCH(QString, lux);
+    QFETCH(int, high);
+    QFETCH(int, low);
+    setLux(lux);
+    QVERIFY(daemon.start());
+    const QString conversion = QStringLiteral("KyAls.convLuxInExponentMantissaByte(%1) = ");
+    const QStringList conversions = Board::journal().filter("KyAls.conv");
+    QCOMPARE(conversions.size(), 2);
+    QVERIFY2(conversions[0].startsWith(conversion.arg(high)), qPrintable(conversions[0]));
+    QVERIFY2(conversions[1].startsWith(conversion.arg(low)), qPrintable(conversions[1]));
+}
+
+void TestBrightness::theBandGoesToTheSensorAsItsCodes_data()
+{
+    QTest::addColumn<QString>("lux");
     QTest::addColumn<QString>("thresholds");
 
     // The codes of 15 and 0, 25 and 10, 500 and 400, 10000 and 500 lux.
@@ -117,13 +159,13 @@ void TestBrightness::theBandLiesAroundTheLightOfTheStart_data()
                                      << "195, 127";
 }
 
-void TestBrightness::theBandLiesAroundTheLightOfTheStart()
+void TestBrightness::theBandGoesToTheSensorAsItsCodes()
 {
     QFETCH(QString, lux);
     QFETCH(QString, thresholds);
     setLux(lux);
     QVERIFY(daemon.start());
-    QCOMPARE(Board::journal().filter("KyAls.").filter("setThresholds("),
+    QCOMPARE(Board::journal().filter("KyAls.setThresholds("),
              QStringList{QStringLiteral("KyAls.setThresholds(%1) = 0").arg(thresholds)});
 }
 

@@ -37,6 +37,8 @@ const ErrorText getBrightnessErrors[] = {
 BrightnessBounds readBounds()
 {
     BrightnessBounds bounds;
+    static_assert(sizeof bounds.level / sizeof(int) == sizeof levels / sizeof levels[0],
+                  "every level has its setting");
     int *level = bounds.level;
     for (const auto &row : levels)
         *level++ = Settings::instance().value(row.key, row.defaultLux).toInt();
@@ -73,10 +75,7 @@ double KyBrightness::getBrightness(const QDBusMessage &message)
     double lux = 0;
     if (!hasNoArguments(message))
         return lux;
-    const int code = readLight(lux);
-    if (code != Error::None)
-        sendErrorReply(code, errorText(code, getBrightnessErrors, QLatin1String(unhandledError)),
-                       message);
+    reportFailure(readLight(lux), getBrightnessErrors, message);
     return lux;
 }
 

@@ -48,17 +48,12 @@ const ErrorText setBacklightStepErrors[] = {
     {Error::Write, "Could not set the current backlight value"},
 };
 
-/** Answers @p message with the error that @p code stands for; a success is not answered. */
-template <size_t Rows>
-void answer(int code, const ErrorText (&table)[Rows], const QDBusMessage &message)
-{
-    if (code != Error::None)
-        sendErrorReply(code, errorText(code, table, QLatin1String(unhandledError)), message);
-}
-
 BacklightSteps readSteps()
 {
     BacklightSteps steps;
+    static_assert(sizeof steps.percentage / sizeof(int) ==
+                      sizeof stepSettings / sizeof stepSettings[0],
+                  "every step has its setting");
     int *percentage = steps.percentage;
     for (const auto &row : stepSettings)
         *percentage++ = Settings::instance().value(row.key, row.defaultPercentage).toInt();
@@ -82,20 +77,20 @@ int KyScreenBacklight::getBacklight(const QDBusMessage &message)
     int percentage = 0;
     if (!hasNoArguments(message))
         return percentage;
-    answer(readPercentage(percentage), getBacklightErrors, message);
+    reportFailure(readPercentage(percentage), getBacklightErrors, message);
     return percentage;
 }
 
 void KyScreenBacklight::setBacklight(int backlight, const QDBusMessage &message)
 {
-    answer(writePercentage(backlight), setBacklightErrors, message);
+    reportFailure(writePercentage(backlight), setBacklightErrors, message);
 }
 
 void KyScreenBacklight::enableBacklight(bool enable, const QDBusMessage &message)
 {
     KyBacklight backlight;
     const int code = backlight.enableBacklight(enable) == 0 ? Error::None : Error::Write;
-    answer(code, enableBacklightErrors, message);
+    reportFailure(code, enableBacklightErrors, message);
 }
 
 int KyScreenBacklight::getBacklightStep(const QDBusMessage &message)
@@ -104,7 +99,7 @@ int KyScreenBacklight::getBacklightStep(const QDBusMessage &message)
         return 0;
     int percentage;
     const int code = readPercentage(percentage);
-    answer(code, getBacklightStepErrors, message);
+    reportFailure(code, getBacklightStepErrors, message);
     return code == Error::None ? backlightStep(percentage, m_steps) : 0;
 }
 
@@ -112,7 +107,7 @@ void KyScreenBacklight::setBacklightStep(bool autoBacklight, int getBacklightSte
                                          const QDBusMessage &message)
 {
     m_autoBacklight = autoBacklight;
-    answer(applyStep(getBacklightStep), setBacklightStepErrors, message);
+    reportFailure(applyStep(getBacklightStep), setBacklightStepErrors, message);
 }
 
 /** In automatic mode, follows the ambient light to another step. */

@@ -17,14 +17,6 @@ const ErrorText hardResetErrors[] = {
     {Error::Write, "Fail to hard reset redpine"},
 };
 
-/** Answers with the error of @p code, unless it is none. */
-template <size_t Rows>
-void report(int code, const ErrorText (&table)[Rows], const QDBusMessage &message)
-{
-    if (code != Error::None)
-        sendErrorReply(code, errorText(code, table, QString::fromLatin1(unhandledError)), message);
-}
-
 int codeOf(int result)
 {
     return result == 0 ? Error::None : Error::Write;
@@ -35,19 +27,19 @@ KyNetwork::KyNetwork(QObject *parent) : QDBusAbstractAdaptor(parent) {}
 
 void KyNetwork::redpinePower(bool state, const QDBusMessage &message)
 {
-    report(power(state), powerErrors, message);
+    reportFailure(power(state), powerErrors, message);
 }
 
 void KyNetwork::redpineSoftReset(const QDBusMessage &message)
 {
     if (hasNoArguments(message))
-        report(softReset(), softResetErrors, message);
+        reportFailure(softReset(), softResetErrors, message);
 }
 
 void KyNetwork::redpineHardReset(const QDBusMessage &message)
 {
     if (hasNoArguments(message))
-        report(hardReset(), hardResetErrors, message);
+        reportFailure(hardReset(), hardResetErrors, message);
 }
 
 int KyNetwork::power(bool state)
