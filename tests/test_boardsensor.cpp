@@ -4,6 +4,7 @@
 
 #include <QCoreApplication>
 #include <QDir>
+#include <QElapsedTimer>
 #include <QFile>
 #include <QProcess>
 #include <QSocketNotifier>
@@ -94,7 +95,7 @@ private Q_SLOTS:
     void twoSensorsBothInterrupt();
 
     void aSensorDoesNotHoldUpTheProcess();
-    void aForkedChildCanDropTheSensor();
+    void aForkedChildThatDropsTheSensorLeavesItToUs();
     void theWatcherTakesNoSignals();
 
 private:
@@ -106,7 +107,7 @@ private:
     int m_line = -1;
 };
 
-/** A sensor in use at 120 lux, with a band of 100 to 175 lux and a persistence time of 5 s. */
+/** A sensor in use at 120 lux, with a band of 100 to 175 lux and a persistence time of 25.5 s. */
 void TestBoardSensor::init()
 {
     Board::reset();
@@ -116,7 +117,7 @@ void TestBoardSensor::init()
     QCOMPARE(m_sensor->setThresholds(m_sensor->convLuxInExponentMantissaByte(175),
                                      m_sensor->convLuxInExponentMantissaByte(100)),
              0);
-    QCOMPARE(m_sensor->setThresholdsTimer(50), 0);
+    QCOMPARE(m_sensor->setThresholdsTimer(255), 0);
     QCOMPARE(m_sensor->interruptEnable(true), 0);
     m_line = m_sensor->getinterruptHandler();
     QVERIFY(m_line >= 0);
@@ -309,13 +310,15 @@ void TestBoardSensor::lightThatStaysOutsideInterruptsAgain()
     QCOMPARE(m_sensor->setThresholdsTimer(1), 0);
     leaveBand();
     QCOMPARE(lux(), 500.0F);
-    QVERIFY(acknowledge());
 
-    QVERIFY(!isUrgent(m_line, 50));
-    QVERIFY(isUrgent(m_line, deadline));
-    drain(m_line);
-    QVERIFY(acknowledge());
-    QVERIFY(isUrgent(m_line, deadline));
+    for (int round = 0; round < 2; ++round) {
+        QElapsedTimer timer;
+        timer.start();
+        QVERIFY(acknowledge());
+        QVERIFY(isUrgent(m_line, deadline));
+        QVERIFY(timer.elapsed() >= 100);
+        drain(m_line);
+    }
 }
 
 void TestBoardSensor::lightThatIsBackInsideDoesNotInterruptAgain()
@@ -346,11 +349,13 @@ void TestBoardSensor::lightThatWasReadBeforeEnablingDoesNotInterruptAtOnce()
     QCOMPARE(m_sensor->interruptEnable(false), 0);
     Board::set("als/lux", "20000");
     QCOMPARE(lux(), 20000.0F);
+    QElapsedTimer timer;
+    timer.start();
 
     QCOMPARE(m_sensor->interruptEnable(true), 0);
 
-    QVERIFY(!isUrgent(m_line, 100));
     QVERIFY(isUrgent(m_line, deadline));
+    QVERIFY(timer.elapsed() >= 200);
 }
 
 void TestBoardSensor::lightThatChangedBeforeEnablingInterrupts()
@@ -490,7 +495,7 @@ void TestBoardSensor::aSensorDoesNotHoldUpTheProcess()
     QCOMPARE(process.exitCode(), 3);
 }
 
-void TestBoardSensor::aForkedChildCanDropTheSensor()
+void TestBoardSensor::aForkedChildThatDropsTheSensorLeavesItToUs()
 {
     const pid_t child = fork();
     if (child == 0) {
@@ -503,6 +508,8 @@ void TestBoardSensor::aForkedChildCanDropTheSensor()
 
     QVERIFY(WIFEXITED(status));
     QCOMPARE(WEXITSTATUS(status), 5);
+    Board::set("als/lux", "500");
+    QVERIFY(isUrgent(m_line, deadline));
 }
 
 void TestBoardSensor::theWatcherTakesNoSignals()
@@ -510,7 +517,10 @@ void TestBoardSensor::theWatcherTakesNoSignals()
     m_sensor.reset();
     const QStringList before = tasks();
     KyAls sensor;
-    QCOMPARE(sensor.init(), 0);
+    QCOMPARE(sensor.interruptEnable(true), 0);
+    // A new thread gets its mask only when it runs, which it has when the interrupt is here.
+    Board::set("als/interrupt", "1");
+    QVERIFY(isUrgent(sensor.getinterruptHandler(), deadline));
 
     QStringList after = tasks();
     for (const QString &task : before)
