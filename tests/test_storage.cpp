@@ -34,6 +34,7 @@ private Q_SLOTS:
     void theSdLedShowsTheStateFromTheStart();
     void theSdLedFollowsTheCard();
 
+    void theListenerHearsTheKernelAndOneMoreGroup();
     void eventsOfTheFirstPartitionsAreAnnounced_data();
     void eventsOfTheFirstPartitionsAreAnnounced();
     void otherEventsAreIgnored();
@@ -333,6 +334,12 @@ void TestStorage::theSdLedFollowsTheCard()
 
     QCOMPARE(Board::journal(),
              (QStringList{"KyLeds.setLedState(26, 3) = 0", "KyLeds.setLedState(26, 0) = 0"}));
+}
+
+void TestStorage::theListenerHearsTheKernelAndOneMoreGroup()
+{
+    QVERIFY(startListening());
+    QCOMPARE(KernelEvents::groups(), 0x11U);
 }
 
 void TestStorage::eventsOfTheFirstPartitionsAreAnnounced_data()

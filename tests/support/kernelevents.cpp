@@ -33,6 +33,14 @@ int KernelEvents::listeners()
     return listenerTable().size();
 }
 
+unsigned int KernelEvents::groups()
+{
+    unsigned int groups = 0;
+    for (const QByteArrayList &columns : listenerTable())
+        groups |= columns[3].toUInt(nullptr, 16);
+    return groups;
+}
+
 bool KernelEvents::waitForListeners(int count)
 {
     return QTest::qWaitFor([count] { return listeners() == count; }, deadline);

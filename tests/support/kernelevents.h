@@ -7,6 +7,9 @@ namespace KernelEvents
 /** How many sockets listen. */
 int listeners();
 
+/** The groups of events that they listen to, one bit each. */
+unsigned int groups();
+
 /** Waits until so many sockets listen; false after 20 s. */
 bool waitForListeners(int count);
 
