@@ -48,7 +48,7 @@ private Q_SLOTS:
 
 private:
     void installApplication(const QByteArray &script);
-    qint64 peakMemory() const;
+    int peakMemory() const;
 
     const Remote version{QStringLiteral("/KyDeviceMgr"), QStringLiteral("Version")};
     const QString ownVersionAlone = QStringLiteral("({\"KyBoardManager\": <\"2.06\">})");
@@ -81,12 +81,12 @@ void TestVersion::installApplication(const QByteArray &script)
 }
 
 /** The most memory that the daemon has had so far, in KiB. */
-qint64 TestVersion::peakMemory() const
+int TestVersion::peakMemory() const
 {
     const QByteArray status = readFile(QStringLiteral("/proc/%1/status").arg(daemon.processId()));
     const QByteArray label = "VmHWM:";
     const int start = status.indexOf(label) + label.size();
-    return status.mid(start, status.indexOf("kB", start) - start).trimmed().toLongLong();
+    return status.mid(start, status.indexOf("kB", start) - start).trimmed().toInt();
 }
 
 void TestVersion::revisionsAreThoseOfTheBoard()

@@ -126,7 +126,7 @@ QByteArray KyVersion::readRecord(e_eeprom eeprom, int size)
 }
 
 /** Writes @p record and marks @p cache, which holds its values, as valid. */
-void KyVersion::writeRecord(e_eeprom eeprom, QByteArray record, QVariantMap &cache,
+void KyVersion::writeRecord(e_eeprom eeprom, const QByteArray &record, QVariantMap &cache,
                             const QDBusMessage &message)
 {
     if (!liftWriteProtection(message))

@@ -83,7 +83,7 @@ public Q_SLOTS:
 
 private:
     QByteArray readRecord(e_eeprom eeprom, int size);
-    void writeRecord(e_eeprom eeprom, QByteArray record, QVariantMap &cache,
+    void writeRecord(e_eeprom eeprom, const QByteArray &record, QVariantMap &cache,
                      const QDBusMessage &message);
     bool liftWriteProtection(const QDBusMessage &message);
     void write(e_eeprom eeprom, QByteArray bytes, const QDBusMessage &message);

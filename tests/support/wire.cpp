@@ -167,12 +167,12 @@ QString Wire::call(const QString &service, const QString &path, const QString &i
         dbus_connection_send_with_reply_and_block(m_connection, message, replyTimeout, &error);
     dbus_message_unref(message);
     if (reply == nullptr) {
-        const QString text =
+        QString text =
             QString::fromUtf8(error.name) + QStringLiteral(": ") + QString::fromUtf8(error.message);
         dbus_error_free(&error);
         return text;
     }
-    const QString text =
+    QString text =
         QLatin1Char('(') + QString::fromUtf8(dbus_message_get_signature(reply)) + QLatin1Char(')');
     dbus_message_unref(reply);
     return text;
