@@ -1,0 +1,94 @@
+#include <QProcess>
+#include <QTest>
+
+/** The virtual instrument as ./run starts it, seen from outside. */
+class TestInstrument : public QObject
+{
+    Q_OBJECT
+
+private Q_SLOTS:
+    void aCommandRunsInsideAndItsStatusIsKept();
+    void theInstrumentHasWhatSurroundsTheDaemon();
+    void ethernetComesUpWithARealConnMan();
+    void inTheForegroundItShowsWhatIsUpAndEndsWhenAsked();
+
+private:
+    static QStringList arguments(const QStringList &command);
+    static QString output(const QStringList &command, int *status = nullptr);
+};
+
+QStringList TestInstrument::arguments(const QStringList &command)
+{
+    return QStringLiteral(WORLD_OPTIONS).split(' ') + QStringList{"--", INSTRUMENT} + command;
+}
+
+QString TestInstrument::output(const QStringList &command, int *status)
+{
+    QProcess world;
+    world.setProcessChannelMode(QProcess::MergedChannels);
+    world.start(WORLD, arguments(command));
+    if (!world.waitForFinished(60000))
+        return QStringLiteral("no end");
+    if (status)
+        *status = world.exitCode();
+    return world.readAll();
+}
+
+void TestInstrument::aCommandRunsInsideAndItsStatusIsKept()
+{
+    int status = -1;
+    QCOMPARE(output({"busctl", "--system", "call", "com.orvendis.Strandel.BoardManager",
+                     "/KyConfigMgr", "com.orvendis.Strandel.BoardManager.Users", "getUser"},
+                    &status),
+             QStringLiteral("s \"user1\"\n"));
+    QCOMPARE(status, 0);
+    output({"sh", "-c", "exit 42"}, &status);
+    QCOMPARE(status, 42);
+}
+
+void TestInstrument::theInstrumentHasWhatSurroundsTheDaemon()
+{
+    QCOMPARE(output({"sh", "-c",
+                     "ls /tmp/User_part; readlink /tmp/User_part/system;"
+                     "cat /tmp/User_part/user3_profile/measure/units.conf | head -1;"
+                     "kyboardctl version software"}),
+             QStringLiteral("default_user_profile\nsystem\nuser1_profile\nuser2_profile\n"
+                            "user3_profile\nuser4_profile\n/tmp/User_part/user1_profile\n"
+                            "[Units]\n"
+                            "BSP             Strandel BSP 3.2\nKyApp           4.1.0\n"
+                            "KyBoardManager  2.06\n"));
+}
+
+void TestInstrument::ethernetComesUpWithARealConnMan()
+{
+    const QString printed =
+        output({"sh", "-c", "kyboardctl ethernet connect && kyboardctl ethernet ipv4"});
+    QVERIFY2(printed.startsWith("online\nAddress  10.77.0."), qPrintable(printed));
+}
+
+void TestInstrument::inTheForegroundItShowsWhatIsUpAndEndsWhenAsked()
+{
+    QProcess world;
+    world.setProcessChannelMode(QProcess::MergedChannels);
+    world.start(WORLD, arguments({}));
+    QByteArray screen;
+    QVERIFY(QTest::qWaitFor(
+        [&] {
+            screen += world.readAll();
+            return screen.contains("Ctrl-C ends it. The daemon's log:\n");
+        },
+        60000));
+    QVERIFY(screen.contains("KyBoardManager, process"));
+    QVERIFY(screen.contains("active: user1\n"));
+    QCOMPARE(screen.count("  ./run -- "), 3);
+    QVERIFY(screen.count('\n') <= 24);
+
+    world.terminate();
+
+    QVERIFY(world.waitForFinished(20000));
+    QCOMPARE(world.exitStatus(), QProcess::NormalExit);
+    QCOMPARE(world.exitCode(), 0);
+}
+
+QTEST_GUILESS_MAIN(TestInstrument)
+#include "test_instrument.moc"
