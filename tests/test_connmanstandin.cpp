@@ -1,3 +1,4 @@
+#include "connmansignals.h"
 #include "connmanstandin.h"
 #include "daemontest.h"
 #include "render.h"
@@ -15,18 +16,36 @@ class TestAgent : public QObject
     Q_CLASSINFO("D-Bus Interface", "net.connman.Agent")
 
 public:
+    TestAgent()
+    {
+        QDBusConnection::systemBus().registerObject("/agent", this,
+                                                    QDBusConnection::ExportAllSlots);
+    }
+
+    /** What it is asked, in order. */
     QStringList asked;
-    bool cancels = false;
+    /** Its answers to come; without any left it cancels. */
+    QStringList passphrases;
 
 public Q_SLOTS:
     QVariantMap RequestInput(const QDBusMessage &message)
     {
         asked << render(message.arguments());
-        if (cancels)
-            QDBusConnection::systemBus().send(
-                message.createErrorReply("net.connman.Agent.Error.Canceled", QString()));
-        return {{"Passphrase", "secret"}};
+        if (!passphrases.isEmpty())
+            return {{"Passphrase", passphrases.takeFirst()}};
+        QDBusConnection::systemBus().send(
+            message.createErrorReply("net.connman.Agent.Error.Canceled", QString()));
+        return {};
     }
+
+    void ReportError(const QDBusMessage &message)
+    {
+        asked << "error " + render(message.arguments());
+        QDBusConnection::systemBus().send(
+            message.createErrorReply("net.connman.Agent.Error.Retry", QString()));
+    }
+
+    void Cancel() { asked << "cancel"; }
 };
 
 /** The stand-in for ConnMan: it is as good as the tests that rest on it. */
@@ -69,7 +88,18 @@ private Q_SLOTS:
     void theAgentsAnswerIsShown();
     void withoutAnAgentNobodyCanBeAsked();
 
+    void aLivelyTechnologyBringsItsNetworks();
+    void aLivelyNetworkIsJoined_data();
+    void aLivelyNetworkIsJoined();
+    void theWrongPassphraseFails();
+    void aMalformedPassphraseIsAskedForAgain();
+    void aLivelyNetworkIsForgotten();
+
 private:
+    void startLively();
+    QString joinHome();
+    QStringList stateOf(const QString &service, const QStringList &heard);
+
     QDBusPendingCall callLater(const QString &path, const char *interface, const char *method);
 
     ConnmanStandIn standIn;
@@ -77,41 +107,10 @@ private:
     const Remote ethernet{"net.connman", ConnmanStandIn::ethernetTechnology,
                           "net.connman.Technology"};
     const Remote wifi{"net.connman", ConnmanStandIn::wifiTechnology, "net.connman.Technology"};
+    const QString home = "/net/connman/service/wifi_02aabbccdd04_686f6d65_managed_psk";
+    const QString open = "/net/connman/service/wifi_02aabbccdd04_6f70656e_managed_none";
     const QString cable = "/net/connman/service/ethernet_02aabbccdd02_cable";
     const Remote wired{"net.connman", cable, "net.connman.Service"};
-};
-
-/** Everything that ConnMan sends, as it comes. */
-class Heard : public QObject
-{
-    Q_OBJECT
-
-public:
-    Heard()
-    {
-        for (const char *interface :
-             {"net.connman.Manager", "net.connman.Technology", "net.connman.Service", "any.Thing"})
-            QDBusConnection::systemBus().connect("net.connman", QString(), interface, QString(),
-                                                 this, SLOT(hear(QDBusMessage)));
-    }
-
-    QStringList take()
-    {
-        Remote("net.connman", "/standin", "org.freedesktop.DBus.Peer").reply("Ping");
-        QCoreApplication::processEvents();
-        QStringList heard;
-        heard.swap(m_heard);
-        return heard;
-    }
-
-private Q_SLOTS:
-    void hear(const QDBusMessage &message)
-    {
-        m_heard << message.path() + ' ' + message.member() + ' ' + render(message.arguments());
-    }
-
-private:
-    QStringList m_heard;
 };
 
 void TestConnmanStandIn::init()
@@ -209,7 +208,7 @@ void TestConnmanStandIn::callsAreRefusedAsConnManDoes_data()
     };
     const QString technology = ConnmanStandIn::ethernetTechnology;
     const QVariantMap badMethod = {{"Method", "automatic"}};
-    const QVariantMap badAddress = {{"Method", "manual"}, {"Address", "10.1.2"}};
+    const QVariantMap badAddress = {{"Method", "manual"}, {"Address", "10.1.2.x"}};
     const QString invalid = "InvalidArguments: Invalid arguments";
 
     QTest::newRow("Powered that is text")
@@ -284,7 +283,7 @@ void TestConnmanStandIn::scanIsForWifiOnly()
 
 void TestConnmanStandIn::nothingIsAnnouncedByItself()
 {
-    Heard heard;
+    ConnmanSignals heard;
     standIn.setServices({{QDBusObjectPath(cable), {}}});
     standIn.storeProperty(cable, "State", "ready");
     ethernet.call("SetProperty", {"Powered", QVariant::fromValue(QDBusVariant(true))});
@@ -294,7 +293,7 @@ void TestConnmanStandIn::nothingIsAnnouncedByItself()
 
 void TestConnmanStandIn::aChangedPropertyIsAnnounced()
 {
-    Heard heard;
+    ConnmanSignals heard;
     standIn.setProperty(ConnmanStandIn::ethernetTechnology, "Powered", true);
     QCOMPARE(heard.take(), QStringList{"/net/connman/technology/ethernet PropertyChanged "
                                        "(\"Powered\", <true>)"});
@@ -304,7 +303,7 @@ void TestConnmanStandIn::aChangedPropertyIsAnnounced()
 void TestConnmanStandIn::changedServicesComeWithWhatIsNewAndWhatIsGone()
 {
     const QString other = "/net/connman/service/wifi_02aabbccdd03_61_managed_psk";
-    Heard heard;
+    ConnmanSignals heard;
     standIn.setServices({{QDBusObjectPath(cable), {{"Type", "ethernet"}}}});
     standIn.emitServicesChanged();
     QCOMPARE(heard.take(), QStringList{QString("/ ServicesChanged ([(o:\"%1\", {\"Type\": "
@@ -328,8 +327,9 @@ void TestConnmanStandIn::changedServicesComeWithWhatIsNewAndWhatIsGone()
 
 void TestConnmanStandIn::anySignalCanBeSent()
 {
-    Heard heard;
-    standIn.emitSignal("/a/b", "any.Thing", "Happened", {7u, QVariant::fromValue(short(-1)), "x"});
+    ConnmanSignals heard;
+    standIn.emitSignal("/a/b", "net.connman.Service", "Happened",
+                       {7u, QVariant::fromValue(short(-1)), "x"});
     standIn.emitSignal("/", "net.connman.Manager", "ServicesChanged", {});
     QCOMPARE(heard.take(),
              (QStringList{"/a/b Happened (u:7, n:-1, \"x\")", "/ ServicesChanged ()"}));
@@ -424,7 +424,7 @@ void TestConnmanStandIn::aConnectionHasOneAgent()
 void TestConnmanStandIn::connectAnswersAfterTheAgent()
 {
     TestAgent agent;
-    QDBusConnection::systemBus().registerObject("/agent", &agent, QDBusConnection::ExportAllSlots);
+    agent.passphrases << "secret";
     manager.call("RegisterAgent", {QVariant::fromValue(QDBusObjectPath("/agent"))});
     standIn.setServices({{QDBusObjectPath(cable), {}}});
     standIn.askOnConnect(cable, {{"Passphrase", ConnmanStandIn::field("mandatory", "psk")}});
@@ -442,8 +442,6 @@ void TestConnmanStandIn::connectAnswersAfterTheAgent()
 void TestConnmanStandIn::connectIsAbortedWhenTheAgentCancels()
 {
     TestAgent agent;
-    agent.cancels = true;
-    QDBusConnection::systemBus().registerObject("/agent", &agent, QDBusConnection::ExportAllSlots);
     manager.call("RegisterAgent", {QVariant::fromValue(QDBusObjectPath("/agent"))});
     standIn.setServices({{QDBusObjectPath(cable), {}}});
     standIn.askOnConnect(cable, {{"Passphrase", ConnmanStandIn::field("mandatory", "psk")}});
@@ -456,7 +454,7 @@ void TestConnmanStandIn::connectIsAbortedWhenTheAgentCancels()
 void TestConnmanStandIn::theAgentsAnswerIsShown()
 {
     TestAgent agent;
-    QDBusConnection::systemBus().registerObject("/agent", &agent, QDBusConnection::ExportAllSlots);
+    agent.passphrases << "secret";
     manager.call("RegisterAgent", {QVariant::fromValue(QDBusObjectPath("/agent"))});
 
     // The agent lives in this very thread: nothing may block it.
@@ -475,6 +473,144 @@ void TestConnmanStandIn::withoutAnAgentNobodyCanBeAsked()
 {
     QCOMPARE(standIn.requestInput(cable, {}),
              QString("com.orvendis.Strandel.ConnManStandIn.NoAgent: no agent is registered"));
+}
+
+/** Wi-Fi powered on, with an open network and one at home that has a passphrase. */
+void TestConnmanStandIn::startLively()
+{
+    standIn.setLively(true);
+    standIn.addSurrounding(
+        {QDBusObjectPath(home),
+         {{"Type", "wifi"}, {"Name", "home"}, {"Security", QStringList("psk")}}});
+    standIn.addSurrounding(
+        {QDBusObjectPath(open),
+         {{"Type", "wifi"}, {"Name", "open"}, {"Security", QStringList("none")}}});
+    standIn.setPassphrase(home, "long enough");
+    ConnmanSignals heard;
+    wifi.call("SetProperty", {"Powered", QVariant::fromValue(QDBusVariant(true))});
+    QVERIFY(heard.waitFor("/ ServicesChanged"));
+    manager.call("RegisterAgent", {QVariant::fromValue(QDBusObjectPath("/agent"))});
+}
+
+/** The answer to Connect; the agent lives in this very thread and must not be blocked. */
+QString TestConnmanStandIn::joinHome()
+{
+    const QDBusPendingReply<> call = callLater(home, "net.connman.Service", "Connect");
+    return QTest::qWaitFor([&] { return call.isFinished(); }, 10000) ? renderReply(call.reply())
+                                                                     : "no answer";
+}
+
+/** Of what was heard, the properties of @p service. */
+QStringList TestConnmanStandIn::stateOf(const QString &service, const QStringList &heard)
+{
+    QStringList states;
+    for (const QString &signal : heard) {
+        if (signal.startsWith(service))
+            states << signal.mid(service.size() + qstrlen(" PropertyChanged "));
+    }
+    return states;
+}
+
+void TestConnmanStandIn::aLivelyTechnologyBringsItsNetworks()
+{
+    ConnmanSignals heard;
+    startLively();
+
+    const QStringList all = heard.take();
+    QCOMPARE(all.size(), 2);
+    QCOMPARE(all.at(0), QString("/net/connman/technology/wifi PropertyChanged "
+                                "(\"Powered\", <true>)"));
+    QVERIFY(all.at(1).startsWith(
+        QString("/ ServicesChanged ([(o:\"%1\", {\"Name\": <\"home\">, ").arg(home)));
+    QVERIFY(all.at(1).contains("\"State\": <\"idle\">"));
+
+    wifi.call("SetProperty", {"Powered", QVariant::fromValue(QDBusVariant(false))});
+    QVERIFY(heard.waitFor("/ ServicesChanged ([], ["));
+    QCOMPARE(manager.call("GetServices"), QString("([])"));
+}
+
+void TestConnmanStandIn::aLivelyNetworkIsJoined_data()
+{
+    QTest::addColumn<QString>("network");
+    QTest::addColumn<int>("questions");
+    QTest::newRow("with a passphrase") << home << 1;
+    QTest::newRow("open") << open << 0;
+}
+
+void TestConnmanStandIn::aLivelyNetworkIsJoined()
+{
+    QFETCH(QString, network);
+    QFETCH(int, questions);
+    TestAgent agent;
+    agent.passphrases << "long enough";
+    startLively();
+    ConnmanSignals heard;
+
+    const QDBusPendingReply<> call = callLater(network, "net.connman.Service", "Connect");
+    QTRY_VERIFY(call.isFinished());
+
+    QCOMPARE(renderReply(call.reply()), QString("()"));
+    QCOMPARE(agent.asked.size(), questions);
+    const QStringList all = heard.take();
+    QCOMPARE(stateOf(network, all),
+             (QStringList{"(\"State\", <\"association\">)", "(\"State\", <\"configuration\">)",
+                          "(\"State\", <\"ready\">)",
+                          "(\"IPv4\", <{\"Address\": <\"10.77.0.72\">, \"Method\": <\"dhcp\">, "
+                          "\"Netmask\": <\"255.255.255.0\">}>)",
+                          "(\"IPv4\", <{\"Address\": <\"10.77.0.72\">, \"Gateway\": "
+                          "<\"10.77.0.1\">, \"Method\": <\"dhcp\">, \"Netmask\": "
+                          "<\"255.255.255.0\">}>)"}));
+    QVERIFY(all.contains("/net/connman/technology/wifi PropertyChanged (\"Connected\", <true>)"));
+}
+
+void TestConnmanStandIn::theWrongPassphraseFails()
+{
+    TestAgent agent;
+    agent.passphrases << "wrong but long";
+    startLively();
+    ConnmanSignals heard;
+
+    QVERIFY(joinHome().startsWith("net.connman.Error.Failed: "));
+
+    QCOMPARE(stateOf(home, heard.take()),
+             (QStringList{"(\"State\", <\"association\">)", "(\"Error\", <\"invalid-key\">)",
+                          "(\"State\", <\"failure\">)", "(\"State\", <\"idle\">)"}));
+    QTRY_COMPARE(agent.asked.size(), 3);
+    QCOMPARE(agent.asked.mid(1),
+             (QStringList{QString("error (o:\"%1\", \"invalid-key\")").arg(home), "cancel"}));
+}
+
+void TestConnmanStandIn::aMalformedPassphraseIsAskedForAgain()
+{
+    TestAgent agent;
+    agent.passphrases << "short" << QString(64, 'x') << "long enough";
+    startLively();
+    ConnmanSignals heard;
+
+    QCOMPARE(joinHome(), QString("()"));
+
+    const QString error = QString("error (o:\"%1\", \"invalid-key\")").arg(home);
+    QCOMPARE(agent.asked.size(), 5);
+    QCOMPARE(agent.asked.at(1), error);
+    QCOMPARE(agent.asked.at(3), error);
+    QCOMPARE(stateOf(home, heard.take()).mid(0, 3),
+             (QStringList{"(\"Error\", <\"invalid-key\">)", "(\"Error\", <\"invalid-key\">)",
+                          "(\"State\", <\"association\">)"}));
+}
+
+void TestConnmanStandIn::aLivelyNetworkIsForgotten()
+{
+    TestAgent agent;
+    agent.passphrases << "long enough";
+    startLively();
+    QCOMPARE(joinHome(), QString("()"));
+    ConnmanSignals heard;
+
+    QCOMPARE(Remote("net.connman", home, "net.connman.Service").call("Remove"), QString("()"));
+
+    const QStringList all = heard.take();
+    QCOMPARE(stateOf(home, all).last(), QString("(\"State\", <\"idle\">)"));
+    QVERIFY(all.contains("/net/connman/technology/wifi PropertyChanged (\"Connected\", <false>)"));
 }
 
 WORLD_TEST_MAIN(TestConnmanStandIn)

@@ -1,6 +1,10 @@
 #include "busface.h"
 
-BusFace::BusFace() : m_connman(nullptr), m_calls(m_connman, nullptr), m_control(m_connman, m_calls)
+BusFace::BusFace()
+    : m_connman(nullptr),
+      m_lively(m_connman, nullptr),
+      m_calls(m_connman, nullptr),
+      m_control(m_connman, m_lively, m_calls)
 {
 }
 

@@ -4,6 +4,7 @@
 #include "calls.h"
 #include "connman.h"
 #include "control.h"
+#include "lively.h"
 
 #include <QDBusVirtualObject>
 
@@ -20,6 +21,7 @@ public:
 
 private:
     Connman m_connman;
+    Lively m_lively;
     Calls m_calls;
     Control m_control;
 };

@@ -1,5 +1,6 @@
 #include "connman.h"
 
+#include "lively.h"
 #include "reply.h"
 #include "serviceproperty.h"
 
@@ -21,7 +22,7 @@ void send(const QString &path, const QString &interface, const QString &member,
     QDBusConnection::systemBus().send(signal);
 }
 
-ListedObject *findIn(ListedObjects &objects, const QString &path)
+const ListedObject *findIn(const ListedObjects &objects, const QString &path)
 {
     const auto found =
         std::find_if(objects.begin(), objects.end(),
@@ -59,7 +60,7 @@ void Connman::serve(const QDBusMessage &call)
     if (const Method *method = findMethod(call))
         (this->*method->serve)(call);
     else
-        refuseUnknownMethod(call);
+        refuseUnknown(call, interfaceAt(call.path()).isEmpty() ? "UnknownObject" : "UnknownMethod");
 }
 
 const Connman::Method *Connman::findMethod(const QDBusMessage &call) const
@@ -80,20 +81,28 @@ const Connman::Method *Connman::findMethod(const QDBusMessage &call) const
 /** The interface of the object at @p path; empty where there is none. */
 QString Connman::interfaceAt(const QString &path) const
 {
-    const auto isThere = [&](const ListedObject &object) { return object.path.path() == path; };
     if (path == QLatin1String("/"))
         return managerInterface;
-    if (std::any_of(m_technologies.begin(), m_technologies.end(), isThere))
+    if (findIn(m_technologies, path))
         return technologyInterface;
-    if (std::any_of(m_services.begin(), m_services.end(), isThere))
-        return serviceInterface;
-    return QString();
+    return findIn(m_services, path) ? serviceInterface : QString();
+}
+
+const ListedObject *Connman::find(const QString &path) const
+{
+    const ListedObject *technology = findIn(m_technologies, path);
+    return technology ? technology : findIn(m_services, path);
 }
 
 ListedObject *Connman::find(const QString &path)
 {
-    ListedObject *technology = findIn(m_technologies, path);
-    return technology ? technology : findIn(m_services, path);
+    for (ListedObjects *objects : {&m_technologies, &m_services}) {
+        for (ListedObject &object : *objects) {
+            if (object.path.path() == path)
+                return &object;
+        }
+    }
+    return nullptr;
 }
 
 void Connman::setTechnologies(const ListedObjects &technologies)
@@ -104,6 +113,22 @@ void Connman::setTechnologies(const ListedObjects &technologies)
 void Connman::setServices(const ListedObjects &services)
 {
     m_services = services;
+}
+
+void Connman::setLively(Lively *lively)
+{
+    m_lively = lively;
+}
+
+void Connman::addService(const ListedObject &service)
+{
+    m_services.append(service);
+}
+
+void Connman::dropService(const QString &path)
+{
+    const auto isIt = [&](const ListedObject &service) { return service.path.path() == path; };
+    m_services.erase(std::remove_if(m_services.begin(), m_services.end(), isIt), m_services.end());
 }
 
 void Connman::setAsyncScan(bool exists)
@@ -117,6 +142,12 @@ bool Connman::storeProperty(const QString &path, const QString &name, const QVar
     if (object)
         object->properties.insert(name, value);
     return object;
+}
+
+QVariant Connman::property(const QString &path, const QString &name) const
+{
+    const ListedObject *object = find(path);
+    return object ? object->properties.value(name) : QVariant();
 }
 
 bool Connman::announceProperty(const QString &path, const QString &name)
@@ -145,23 +176,39 @@ void Connman::announceServices()
          {QVariant::fromValue(list), QVariant::fromValue(removed)});
 }
 
+bool Connman::isAnnounced(const QString &path) const
+{
+    return !findIn(m_services, path) || m_announced.contains(path);
+}
+
+void Connman::announceState()
+{
+    send(QStringLiteral("/"), managerInterface, QStringLiteral("PropertyChanged"),
+         {QStringLiteral("State"), QVariant::fromValue(QDBusVariant(state()))});
+}
+
 void Connman::askOnConnect(const QString &service, const QVariantMap &fields)
 {
     m_questions.insert(service, fields);
 }
 
-void Connman::getManagerProperties(const QDBusMessage &call)
+QString Connman::state() const
 {
     const auto isConnected = [](const ListedObject &technology) {
         return technology.properties.value(QStringLiteral("Connected")).toBool();
     };
-    const bool ready = std::any_of(m_technologies.begin(), m_technologies.end(), isConnected);
-    answer(call,
-           {QVariantMap{
-               {QStringLiteral("State"), ready ? QStringLiteral("ready") : QStringLiteral("idle")},
-               {QStringLiteral("OfflineMode"), false},
-               {QStringLiteral("SessionMode"), false},
-           }});
+    return std::any_of(m_technologies.begin(), m_technologies.end(), isConnected)
+               ? QStringLiteral("ready")
+               : QStringLiteral("idle");
+}
+
+void Connman::getManagerProperties(const QDBusMessage &call)
+{
+    answer(call, {QVariantMap{
+                     {QStringLiteral("State"), state()},
+                     {QStringLiteral("OfflineMode"), false},
+                     {QStringLiteral("SessionMode"), false},
+                 }});
 }
 
 void Connman::getTechnologies(const QDBusMessage &call)
@@ -203,7 +250,9 @@ void Connman::setTechnologyProperty(const QDBusMessage &call)
         return refuse(call, "InvalidProperty", "Invalid property");
     if (value.userType() != QMetaType::Bool)
         return refuse(call, "InvalidArguments", "Invalid arguments");
-    if (value != find(call.path())->properties.value(name)) {
+    if (value != property(call.path(), name)) {
+        if (m_lively)
+            return m_lively->setPowered(call, value.toBool());
         storeProperty(call.path(), name, value);
         return answer(call);
     }
@@ -214,10 +263,11 @@ void Connman::setTechnologyProperty(const QDBusMessage &call)
 
 void Connman::scan(const QDBusMessage &call)
 {
-    if (find(call.path())->properties.value(QStringLiteral("Type")) == QLatin1String("wifi"))
-        answer(call);
-    else
-        refuse(call, "NotSupported", "Not supported");
+    if (property(call.path(), QStringLiteral("Type")) != QLatin1String("wifi"))
+        return refuse(call, "NotSupported", "Not supported");
+    if (m_lively)
+        return m_lively->scan(call);
+    answer(call);
 }
 
 void Connman::setServiceProperty(const QDBusMessage &call)
@@ -230,6 +280,8 @@ void Connman::setServiceProperty(const QDBusMessage &call)
     case PropertyVerdict::InvalidArguments:
         return refuse(call, "InvalidArguments", "Invalid arguments");
     case PropertyVerdict::Accepted:
+        if (m_lively)
+            return m_lively->setServiceProperty(call, name, value);
         storeProperty(call.path(), name, value);
         return answer(call);
     }
@@ -237,6 +289,8 @@ void Connman::setServiceProperty(const QDBusMessage &call)
 
 void Connman::connectService(const QDBusMessage &call)
 {
+    if (m_lively)
+        return m_lively->connectService(call);
     if (!m_questions.contains(call.path()) || !m_agents.has(call.service()))
         return answer(call);
     const QList<QVariant> question = {QVariant::fromValue(QDBusObjectPath(call.path())),
@@ -252,13 +306,16 @@ void Connman::connectService(const QDBusMessage &call)
 
 void Connman::disconnectService(const QDBusMessage &call)
 {
+    if (m_lively)
+        return m_lively->disconnectService(call);
     answer(call);
 }
 
 void Connman::removeService(const QDBusMessage &call)
 {
-    if (find(call.path())->properties.value(QStringLiteral("Type")) == QLatin1String("ethernet"))
-        refuse(call, "NotSupported", "Not supported");
-    else
-        answer(call);
+    if (property(call.path(), QStringLiteral("Type")) == QLatin1String("ethernet"))
+        return refuse(call, "NotSupported", "Not supported");
+    if (m_lively)
+        return m_lively->removeService(call);
+    answer(call);
 }

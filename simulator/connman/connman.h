@@ -8,12 +8,14 @@
 #include <QObject>
 #include <QSet>
 
+class Lively;
+
 /**
  * What ConnMan keeps and does: its technologies, services and agents, and the methods of the
  * manager, of a technology and of a service.
  *
- * Calls change what is kept and answer as ConnMan does. Signals are sent only when somebody who
- * drives the stand-in asks for them.
+ * Calls change what is kept and answer as ConnMan does. Signals are sent, and anything else
+ * happens, only when somebody who drives the stand-in asks for it; or as Lively has it.
  */
 class Connman : public QObject
 {
@@ -28,6 +30,12 @@ public:
     void setTechnologies(const ListedObjects &technologies);
     void setServices(const ListedObjects &services);
 
+    /** Who does what follows from the calls; null where nothing does. */
+    void setLively(Lively *lively);
+
+    void addService(const ListedObject &service);
+    void dropService(const QString &path);
+
     /** Whether technologies have the method AsyncScan, which not every ConnMan has. */
     void setAsyncScan(bool exists);
 
@@ -38,6 +46,9 @@ public:
      */
     bool storeProperty(const QString &path, const QString &name, const QVariant &value);
 
+    /** A property of a service or a technology; invalid where there is none. */
+    QVariant property(const QString &path, const QString &name) const;
+
     /** Sends PropertyChanged of the service or the technology; false without such an object. */
     bool announceProperty(const QString &path, const QString &name);
 
@@ -46,6 +57,12 @@ public:
      * one held, none for the others, and the paths of those that are gone.
      */
     void announceServices();
+
+    /** Whether clients know the object; of a service they know when a list has been announced. */
+    bool isAnnounced(const QString &path) const;
+
+    /** Sends PropertyChanged of the manager's state. */
+    void announceState();
 
     /** Connect of this service asks the caller's agent for @p fields before it answers. */
     void askOnConnect(const QString &service, const QVariantMap &fields);
@@ -63,7 +80,9 @@ private:
 
     const Method *findMethod(const QDBusMessage &call) const;
     QString interfaceAt(const QString &path) const;
+    const ListedObject *find(const QString &path) const;
     ListedObject *find(const QString &path);
+    QString state() const;
 
     void getManagerProperties(const QDBusMessage &call);
     void getTechnologies(const QDBusMessage &call);
@@ -83,6 +102,7 @@ private:
     ListedObjects m_services;
     QSet<QString> m_announced;
     QMap<QString, QVariantMap> m_questions;
+    Lively *m_lively = nullptr;
     bool m_asyncScan = false;
 };
 

@@ -2,6 +2,7 @@
 
 #include "calls.h"
 #include "connman.h"
+#include "lively.h"
 #include "reply.h"
 
 #include <QDBusArgument>
@@ -37,6 +38,12 @@ const Control::Method Control::methods[] = {
     {"AskOnConnect", "oa{sv}", false, &Control::askOnConnect},
     // A method of the agent that was registered last, and its arguments; answers as the agent does.
     {"CallAgent", "s", true, &Control::callAgent},
+    // From now on things happen by themselves, to cables and networks that are added and removed
+    // (of their technology, which must be there), and whose passphrases are known.
+    {"SetLively", "b", false, &Control::setLively},
+    {"AddSurrounding", "oa{sv}", false, &Control::addSurrounding},
+    {"RemoveSurrounding", "o", false, &Control::removeSurrounding},
+    {"SetPassphrase", "os", false, &Control::setPassphrase},
     {"Journal", "", false, &Control::journal},
     {"ClearJournal", "", false, &Control::clearJournal},
 };
@@ -49,7 +56,7 @@ void Control::drive(const QDBusMessage &call)
             (method.open ? call.signature().startsWith(signature) : call.signature() == signature))
             return (this->*method.drive)(call);
     }
-    refuseUnknownMethod(call);
+    refuseUnknown(call, "UnknownMethod");
 }
 
 QString Control::description()
@@ -204,6 +211,30 @@ void Control::callAgent(const QDBusMessage &call)
                                 else
                                     refuse(call, reply.errorName(), reply.errorMessage());
                             });
+}
+
+void Control::setLively(const QDBusMessage &call)
+{
+    m_connman.setLively(call.arguments().at(0).toBool() ? &m_lively : nullptr);
+    answer(call);
+}
+
+void Control::addSurrounding(const QDBusMessage &call)
+{
+    m_lively.add({QDBusObjectPath(pathArgument(call)), mapOf(call.arguments().at(1))});
+    answer(call);
+}
+
+void Control::removeSurrounding(const QDBusMessage &call)
+{
+    m_lively.remove(pathArgument(call));
+    answer(call);
+}
+
+void Control::setPassphrase(const QDBusMessage &call)
+{
+    m_lively.setPassphrase(pathArgument(call), textArgument(call, 1));
+    answer(call);
 }
 
 void Control::journal(const QDBusMessage &call)

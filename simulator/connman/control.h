@@ -5,6 +5,7 @@
 
 class Calls;
 class Connman;
+class Lively;
 
 /** The object by which tests and people drive the stand-in. */
 class Control
@@ -13,7 +14,10 @@ public:
     static const QString path;
     static const QString interface;
 
-    Control(Connman &connman, Calls &calls) : m_connman(connman), m_calls(calls) {}
+    Control(Connman &connman, Lively &lively, Calls &calls)
+        : m_connman(connman), m_lively(lively), m_calls(calls)
+    {
+    }
 
     /** Does what @p call asks for and answers it. */
     void drive(const QDBusMessage &call);
@@ -35,6 +39,10 @@ private:
     void setTechnologies(const QDBusMessage &call);
     void setServices(const QDBusMessage &call);
     void setAsyncScan(const QDBusMessage &call);
+    void setLively(const QDBusMessage &call);
+    void addSurrounding(const QDBusMessage &call);
+    void removeSurrounding(const QDBusMessage &call);
+    void setPassphrase(const QDBusMessage &call);
     void storeProperty(const QDBusMessage &call);
     void changeProperty(const QDBusMessage &call);
     void announceServices(const QDBusMessage &call);
@@ -51,6 +59,7 @@ private:
     void clearJournal(const QDBusMessage &call);
 
     Connman &m_connman;
+    Lively &m_lively;
     Calls &m_calls;
 };
 

@@ -20,9 +20,9 @@ void refuse(const QDBusMessage &call, const char *name, const char *text)
     refuse(call, QStringLiteral("net.connman.Error.") + QLatin1String(name), QLatin1String(text));
 }
 
-void refuseUnknownMethod(const QDBusMessage &call)
+void refuseUnknown(const QDBusMessage &call, const char *what)
 {
-    refuse(call, QStringLiteral("org.freedesktop.DBus.Error.UnknownMethod"),
+    refuse(call, QStringLiteral("org.freedesktop.DBus.Error.") + QLatin1String(what),
            QStringLiteral("Method \"%1\" with signature \"%2\" on interface \"%3\" doesn't exist\n")
                .arg(call.member(), call.signature(), call.interface()));
 }

@@ -2,7 +2,7 @@
 
 #include "reply.h"
 
-#include <arpa/inet.h>
+#include <netdb.h>
 
 namespace
 {
@@ -20,10 +20,17 @@ const struct {
     {"mDNS.Configuration", "b"},
 };
 
+/** As the C library reads addresses: short forms such as 10.7 are addresses, too. */
 bool isAddress(const QVariant &value)
 {
-    in_addr address = {};
-    return inet_pton(AF_INET, qPrintable(value.toString()), &address) == 1;
+    addrinfo hints = {};
+    hints.ai_family = AF_INET;
+    hints.ai_flags = AI_NUMERICHOST;
+    addrinfo *found = nullptr;
+    if (getaddrinfo(qPrintable(value.toString()), nullptr, &hints, &found) != 0)
+        return false;
+    freeaddrinfo(found);
+    return true;
 }
 
 bool isAddressWherePresent(const QVariantMap &map, const QString &key)

@@ -191,6 +191,26 @@ QVariantMap ConnmanStandIn::field(const QString &requirement, const QString &typ
     return map;
 }
 
+void ConnmanStandIn::setLively(bool lively)
+{
+    drive("SetLively", {lively});
+}
+
+void ConnmanStandIn::addSurrounding(const ListedObject &service)
+{
+    drive("AddSurrounding", {QVariant::fromValue(service.path), service.properties});
+}
+
+void ConnmanStandIn::removeSurrounding(const QString &service)
+{
+    drive("RemoveSurrounding", {object(service)});
+}
+
+void ConnmanStandIn::setPassphrase(const QString &service, const QString &passphrase)
+{
+    drive("SetPassphrase", {object(service), passphrase});
+}
+
 QStringList ConnmanStandIn::journal()
 {
     return drive("Journal").arguments().at(0).toStringList();

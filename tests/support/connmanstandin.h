@@ -10,8 +10,9 @@
 /**
  * The stand-in for ConnMan, a process named connmand that owns net.connman.
  *
- * It serves ConnMan's methods and sends no signal unless told to. Every function here returns when
- * the stand-in has done what it says; one that cannot be done fails the test's process.
+ * It serves ConnMan's methods and sends no signal unless told to, or unless it is lively. Every
+ * function here returns when the stand-in has done what it says; one that cannot be done fails the
+ * test's process.
  *
  * Where a call is to be named, the name is the beginning of its line in the journal:
  * "Service.Connect" is every such call, "Service.Connect /net/connman/service/x" that of one
@@ -83,6 +84,17 @@ public:
 
     /** One field of RequestInput: {"Requirement": requirement}, with its "Type" where given. */
     static QVariantMap field(const QString &requirement, const QString &type = QString());
+
+    /**
+     * From now on things happen by themselves as they do with the real one, to the cables and
+     * networks that are added here; each is listed while its technology is powered.
+     */
+    void setLively(bool lively);
+    void addSurrounding(const ListedObject &service);
+    void removeSurrounding(const QString &service);
+
+    /** The passphrase by which a lively network can be joined; without one any will do. */
+    void setPassphrase(const QString &service, const QString &passphrase);
 
     /** The calls since the last clearJournal(), in order. */
     QStringList journal();

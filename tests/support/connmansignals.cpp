@@ -1,0 +1,45 @@
+#include "connmansignals.h"
+
+#include "remote.h"
+#include "render.h"
+
+#include <QCoreApplication>
+#include <QDBusConnection>
+#include <QTest>
+
+#include <algorithm>
+
+ConnmanSignals::ConnmanSignals()
+{
+    for (const char *interface : {"Manager", "Technology", "Service"})
+        QDBusConnection::systemBus().connect(QStringLiteral("net.connman"), QString(),
+                                             QStringLiteral("net.connman.") +
+                                                 QLatin1String(interface),
+                                             QString(), this, SLOT(record(QDBusMessage)));
+}
+
+QStringList ConnmanSignals::take()
+{
+    // The bus keeps the order of one sender: what was sent before this reply is here after it.
+    Remote("net.connman", "/", "net.connman.Manager").reply("GetTechnologies");
+    QCoreApplication::processEvents();
+    QStringList recorded;
+    recorded.swap(m_signals);
+    return recorded;
+}
+
+bool ConnmanSignals::waitFor(const QString &beginning)
+{
+    return QTest::qWaitFor(
+        [&] {
+            return std::any_of(m_signals.begin(), m_signals.end(),
+                               [&](const QString &signal) { return signal.startsWith(beginning); });
+        },
+        20000);
+}
+
+void ConnmanSignals::record(const QDBusMessage &message)
+{
+    m_signals << message.path() + QLatin1Char(' ') + message.member() + QLatin1Char(' ') +
+                     render(message.arguments());
+}

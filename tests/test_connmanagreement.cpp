@@ -1,0 +1,279 @@
+#include "connmansignals.h"
+#include "connmanstandin.h"
+#include "daemontest.h"
+#include "realconnman.h"
+#include "render.h"
+
+#include <QDBusVariant>
+#include <QRegularExpression>
+
+/** Whether the stand-in for ConnMan answers and announces as the real one does. */
+class TestConnmanAgreement : public QObject
+{
+    Q_OBJECT
+
+private Q_SLOTS:
+    void initTestCase();
+
+    void bothAnswerAlike_data();
+    void bothAnswerAlike();
+    void bothAnnounceAlike_data();
+    void bothAnnounceAlike();
+
+private:
+    /** Moves the cable; the two have different ways of it. */
+    using MoveCable = std::function<void(bool in)>;
+
+    using Answers = QMap<QString, QString>;
+    using Announcements = QMap<QString, QStringList>;
+
+    static Answers ask();
+    static Announcements observe(const MoveCable &moveCable);
+    static QStringList essence(const QStringList &heard);
+    static QStringList withoutService(const QStringList &heard);
+
+    Answers realAnswers;
+    Answers standInAnswers;
+    Announcements realAnnouncements;
+    Announcements standInAnnouncements;
+};
+
+namespace
+{
+const QString technology = "/net/connman/technology/ethernet";
+const QString service = "/net/connman/service/ethernet_02aabbccdd02_cable";
+const QString changed = " PropertyChanged ";
+
+struct Call {
+    const char *name;
+    QString path;
+    const char *interface;
+    const char *method;
+    QList<QVariant> arguments;
+};
+
+QVariant variant(const QVariant &value)
+{
+    return QVariant::fromValue(QDBusVariant(value));
+}
+
+QVariant path(const QString &text)
+{
+    return QVariant::fromValue(QDBusObjectPath(text));
+}
+
+const QVariantMap manual = {{"Method", "manual"},
+                            {"Address", "10.77.0.7"},
+                            {"Netmask", "255.255.255.0"},
+                            {"Gateway", "10.77.0.1"}};
+const QVariantMap badMethod = {{"Method", "automatic"}};
+const QVariantMap badAddress = {{"Method", "manual"}, {"Address", "10.77.0.256"}};
+const QVariantMap shortAddress = {{"Method", "manual"}, {"Address", "10.77.7"}};
+
+/** Calls to a ConnMan that is connected. */
+const QList<Call> calls = {
+    {"state", "/", "Manager", "GetProperties", {}},
+    {"unknown method", "/", "Manager", "Nothing", {}},
+    {"unknown interface", "/", "Nobody", "GetServices", {}},
+    {"service on a technology", technology, "Service", "Connect", {}},
+    {"unknown service", "/net/connman/service/none", "Service", "Connect", {}},
+    {"unknown technology", "/net/connman/technology/wifi", "Technology", "Scan", {}},
+    {"wrong arguments", technology, "Technology", "SetProperty", {"Powered"}},
+    {"powered on", technology, "Technology", "SetProperty", {"Powered", variant(true)}},
+    {"powered as text", technology, "Technology", "SetProperty", {"Powered", variant("true")}},
+    {"unknown property", technology, "Technology", "SetProperty", {"Nothing", variant(true)}},
+    {"scan by cable", technology, "Technology", "Scan", {}},
+    {"asynchronous scan", technology, "Technology", "AsyncScan", {}},
+    {"connected already", service, "Service", "Connect", {}},
+    {"forget the cable", service, "Service", "Remove", {}},
+    {"read-only property", service, "Service", "SetProperty", {"State", variant("idle")}},
+    {"unknown setting", service, "Service", "SetProperty", {"Nothing", variant("idle")}},
+    {"no settings",
+     service,
+     "Service",
+     "SetProperty",
+     {"IPv4.Configuration", variant(QVariantMap())}},
+    {"settings as text",
+     service,
+     "Service",
+     "SetProperty",
+     {"IPv4.Configuration", variant("dhcp")}},
+    {"unknown settings",
+     service,
+     "Service",
+     "SetProperty",
+     {"IPv4.Configuration", variant(badMethod)}},
+    {"bad address", service, "Service", "SetProperty", {"IPv4.Configuration", variant(badAddress)}},
+    {"short address",
+     service,
+     "Service",
+     "SetProperty",
+     {"IPv4.Configuration", variant(shortAddress)}},
+    {"name servers",
+     service,
+     "Service",
+     "SetProperty",
+     {"Nameservers.Configuration", variant(QStringList{"10.77.0.1"})}},
+    {"name servers as text",
+     service,
+     "Service",
+     "SetProperty",
+     {"Nameservers.Configuration", variant("10.77.0.1")}},
+    {"unknown agent", "/", "Manager", "UnregisterAgent", {path("/agent")}},
+    {"agent", "/", "Manager", "RegisterAgent", {path("/agent")}},
+    {"second agent", "/", "Manager", "RegisterAgent", {path("/agent")}},
+    {"agent's end", "/", "Manager", "UnregisterAgent", {path("/agent")}},
+};
+
+QString call(const Call &call)
+{
+    return Remote("net.connman", call.path, QString("net.connman.") + call.interface)
+        .call(call.method, call.arguments);
+}
+
+void order(const QString &object, const char *interface, const char *name, const QVariant &value)
+{
+    call({"", object, interface, "SetProperty", {name, variant(value)}});
+}
+
+/** Ends the test where ConnMan did not do what everything after it rests on. */
+void wait(bool done)
+{
+    if (!done)
+        qFatal("ConnMan does not get on");
+}
+
+bool isConnected()
+{
+    return render(RealConnman::service("IPv4")).contains("Gateway");
+}
+} // namespace
+
+void TestConnmanAgreement::initTestCase()
+{
+    RealConnman real;
+    ConnmanSignals heard;
+    real.start();
+    QVERIFY(heard.waitFor("/ ServicesChanged") && QTest::qWaitFor(isConnected, 20000));
+    realAnnouncements = observe([&](bool in) { in ? real.plugCable() : real.unplugCable(); });
+    real.kill();
+    // Some of the calls upset the connection, although they are refused.
+    real.start();
+    realAnswers = ask();
+    real.kill();
+
+    ConnmanStandIn standIn;
+    const ListedObject cable = {
+        QDBusObjectPath(service),
+        {{"Type", "ethernet"}, {"IPv4.Configuration", QVariantMap{{"Method", "dhcp"}}}}};
+    standIn.start();
+    standIn.setTechnologies({{QDBusObjectPath(technology),
+                              {{"Type", "ethernet"}, {"Powered", true}, {"Connected", false}}}});
+    standIn.setLively(true);
+    heard.take();
+    standIn.addSurrounding(cable);
+    QVERIFY(heard.waitFor("/ ServicesChanged"));
+    standInAnswers = ask();
+    standInAnnouncements = observe(
+        [&](bool in) { in ? standIn.addSurrounding(cable) : standIn.removeSurrounding(service); });
+    standIn.kill();
+}
+
+/** The answers of a ConnMan that is connected. */
+TestConnmanAgreement::Answers TestConnmanAgreement::ask()
+{
+    Answers answers;
+    for (const Call &each : calls)
+        answers.insert(each.name, call(each));
+    return answers;
+}
+
+/** What a ConnMan that is connected announces on the way down and up again. */
+TestConnmanAgreement::Announcements TestConnmanAgreement::observe(const MoveCable &moveCable)
+{
+    Announcements announcements;
+    ConnmanSignals heard;
+    order(technology, "Technology", "Powered", false);
+    wait(heard.waitFor("/ ServicesChanged"));
+    announcements.insert("power off", essence(heard.take()));
+    order(technology, "Technology", "Powered", true);
+    wait(heard.waitFor("/ ServicesChanged") && QTest::qWaitFor(isConnected, 20000));
+    announcements.insert("power on", withoutService(essence(heard.take())));
+
+    moveCable(false);
+    wait(heard.waitFor("/ ServicesChanged"));
+    announcements.insert("cable out", essence(heard.take()));
+
+    moveCable(true);
+    wait(heard.waitFor("/ ServicesChanged") && QTest::qWaitFor(isConnected, 20000));
+    announcements.insert("cable in", withoutService(essence(heard.take())));
+
+    order(service, "Service", "IPv4.Configuration", manual);
+    wait(heard.waitFor(service + changed + "(\"State\", <\"ready\">") &&
+         QTest::qWaitFor(isConnected, 20000));
+    announcements.insert("manual settings", essence(heard.take()));
+    return announcements;
+}
+
+/**
+ * What is the same every time: the signals of the link, the last of several that make an address
+ * known bit by bit, and of a list whether its services come with their properties.
+ */
+QStringList TestConnmanAgreement::essence(const QStringList &heard)
+{
+    const QRegularExpression link("PropertyChanged \\(\"(State|Connected|Powered|IPv4|"
+                                  "IPv4\\.Configuration)\", ");
+    const QString address = service + changed + "(\"IPv4\", ";
+    QStringList kept;
+    for (QString signal : heard) {
+        if (signal.startsWith("/ ServicesChanged"))
+            signal.replace(QRegularExpression("\\{\".*\\}"), "{...}");
+        else if (!link.match(signal).hasMatch())
+            continue;
+        if (!kept.isEmpty() && kept.last().startsWith(address) && signal.startsWith(address))
+            kept.removeLast();
+        kept << signal;
+    }
+    return kept;
+}
+
+/** How much of a new service is in the first list depends on how fast its lease came. */
+QStringList TestConnmanAgreement::withoutService(const QStringList &heard)
+{
+    QStringList kept;
+    for (const QString &signal : heard) {
+        if (!signal.startsWith(service) && !signal.startsWith("/ ServicesChanged"))
+            kept << signal;
+    }
+    return kept;
+}
+
+void TestConnmanAgreement::bothAnswerAlike_data()
+{
+    QTest::addColumn<QString>("name");
+    for (const QString &name : realAnswers.keys())
+        QTest::newRow(qPrintable(name)) << name;
+}
+
+void TestConnmanAgreement::bothAnswerAlike()
+{
+    QFETCH(QString, name);
+    QCOMPARE(standInAnswers.value(name), realAnswers.value(name));
+}
+
+void TestConnmanAgreement::bothAnnounceAlike_data()
+{
+    QTest::addColumn<QString>("name");
+    for (const QString &name : realAnnouncements.keys())
+        QTest::newRow(qPrintable(name)) << name;
+}
+
+void TestConnmanAgreement::bothAnnounceAlike()
+{
+    QFETCH(QString, name);
+    QVERIFY(!realAnnouncements.value(name).isEmpty());
+    QCOMPARE(standInAnnouncements.value(name), realAnnouncements.value(name));
+}
+
+WORLD_TEST_MAIN(TestConnmanAgreement)
+#include "test_connmanagreement.moc"
