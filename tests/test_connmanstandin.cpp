@@ -7,6 +7,7 @@
 #include <QDBusConnectionInterface>
 #include <QDBusMetaType>
 #include <QDBusPendingCall>
+#include <QDBusPendingCallWatcher>
 #include <QDBusPendingReply>
 
 /** Answers as an agent of ConnMan, from the test itself. */
@@ -89,6 +90,8 @@ private Q_SLOTS:
     void withoutAnAgentNobodyCanBeAsked();
 
     void aLivelyTechnologyBringsItsNetworks();
+    void poweringIsAnsweredBeforeItIsAnnouncedForWifiOnly_data();
+    void poweringIsAnsweredBeforeItIsAnnouncedForWifiOnly();
     void aLivelyNetworkIsJoined_data();
     void aLivelyNetworkIsJoined();
     void theWrongPassphraseFails();
@@ -527,6 +530,33 @@ void TestConnmanStandIn::aLivelyTechnologyBringsItsNetworks()
     wifi.call("SetProperty", {"Powered", QVariant::fromValue(QDBusVariant(false))});
     QVERIFY(heard.waitFor("/ ServicesChanged ([], ["));
     QCOMPARE(manager.call("GetServices"), QString("([])"));
+}
+
+void TestConnmanStandIn::poweringIsAnsweredBeforeItIsAnnouncedForWifiOnly_data()
+{
+    QTest::addColumn<QString>("technology");
+    QTest::addColumn<int>("announcedBefore");
+    QTest::newRow("wifi") << ConnmanStandIn::wifiTechnology << 0;
+    QTest::newRow("ethernet") << ConnmanStandIn::ethernetTechnology << 1;
+}
+
+void TestConnmanStandIn::poweringIsAnsweredBeforeItIsAnnouncedForWifiOnly()
+{
+    QFETCH(QString, technology);
+    QFETCH(int, announcedBefore);
+    standIn.setLively(true);
+    ConnmanSignals heard;
+    QDBusMessage call = QDBusMessage::createMethodCall("net.connman", technology,
+                                                       "net.connman.Technology", "SetProperty");
+    call << "Powered" << QVariant::fromValue(QDBusVariant(true));
+
+    QDBusPendingCallWatcher watcher(QDBusConnection::systemBus().asyncCall(call));
+    int announced = -1;
+    QObject::connect(&watcher, &QDBusPendingCallWatcher::finished,
+                     [&] { announced = heard.count(); });
+
+    QTRY_COMPARE(announced, announcedBefore);
+    QTRY_COMPARE(heard.count(), 1);
 }
 
 void TestConnmanStandIn::aLivelyNetworkIsJoined_data()
