@@ -70,7 +70,7 @@ void TestEthernetTimeout::anAttemptWithoutAServiceFailsEveryMinute()
         QCOMPARE(calls(), QStringList());
 
         daemon.letTimePass(2);
-        QCOMPARE(recorder.waitFor(1), QStringList{state("failure")});
+        QCOMPARE(recorder.waitFor(1, 2000), QStringList{state("failure")});
         QCOMPARE(calls(), QStringList{poweredOff});
     }
 }

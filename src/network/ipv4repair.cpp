@@ -8,15 +8,15 @@ namespace
 /** What stands in for a missing netmask or gateway, by the class of the address. */
 const struct AddressClass {
     int lastFirstNumber;
-    const char *netmask;
     /** How many numbers of the address begin the gateway, and what follows them. */
     int numbersKept;
     const char *gatewayEnd;
+    const char *netmask;
 } addressClasses[] = {
-    {127, "255.0.0.0", 1, ".0.0.1"},
-    {191, "255.255.0.0", 2, ".0.1"},
-    {223, "255.255.255.0", 3, ".1"},
-    {255, "255.255.255.255", 4, ""},
+    {127, 1, ".0.0.1", "255.0.0.0"},
+    {191, 2, ".0.1", "255.255.0.0"},
+    {223, 3, ".1", "255.255.255.0"},
+    {255, 4, "", "255.255.255.255"},
 };
 
 const AddressClass &classOf(const QStringList &numbers)
