@@ -646,6 +646,8 @@ void TestBacklight::automaticModeFollowsTheLightUpAndDown()
         {"105", "60", 5, 35, 4},      {"52", "30", 4, 30, 3},      {"26", "12", 2, 20, 1},
         {"11", "4", 1, 15, 0},
     };
+    // Light above every band interrupts again, but not while this test runs.
+    writeFile("/opt/settings.ini", "[Brightness]\ntimer=25\n");
     setLux("0");
     QVERIFY(daemon.start());
     SignalRecorder recorder("/KyDeviceMgr");

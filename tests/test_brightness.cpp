@@ -355,7 +355,7 @@ void TestBrightness::nonsenseFromTheSensorIsPassedOn()
 
     QCOMPARE(getBrightness(), QStringLiteral("(d:nan)"));
     raiseInterrupt();
-    QCOMPARE(onlyBrightness(recorder.waitFor(1)), QStringList{announced("d:nan, 16")});
+    QCOMPARE(onlyBrightness(recorder.waitFor(1)).value(0), announced("d:nan, 16"));
 }
 
 void TestBrightness::getBrightnessTakesNoArguments()

@@ -21,6 +21,10 @@ SignalRecorder::SignalRecorder(const QString &path) : m_path(path)
         QDBusConnection::systemBus().connect(QString(), path,
                                              daemonName + QLatin1Char('.') + QLatin1String(suffix),
                                              QString(), this, SLOT(record(QDBusMessage)));
+    // The library does not wait until the bus knows; this does.
+    Remote(QStringLiteral("org.freedesktop.DBus"), QStringLiteral("/org/freedesktop/DBus"),
+           QStringLiteral("org.freedesktop.DBus"))
+        .reply(QStringLiteral("GetId"));
 }
 
 QStringList SignalRecorder::take()
