@@ -1,3 +1,4 @@
+#include "busmonitor.h"
 #include "connmansignals.h"
 #include "connmanstandin.h"
 #include "daemontest.h"
@@ -7,7 +8,6 @@
 #include <QDBusConnectionInterface>
 #include <QDBusMetaType>
 #include <QDBusPendingCall>
-#include <QDBusPendingCallWatcher>
 #include <QDBusPendingReply>
 
 /** Answers as an agent of ConnMan, from the test itself. */
@@ -534,29 +534,35 @@ void TestConnmanStandIn::aLivelyTechnologyBringsItsNetworks()
 
 void TestConnmanStandIn::poweringIsAnsweredBeforeItIsAnnouncedForWifiOnly_data()
 {
+    const QString answer = "return ()";
+    const QString announcement = "signal net.connman.Technology.PropertyChanged(sv)";
     QTest::addColumn<QString>("technology");
-    QTest::addColumn<int>("announcedBefore");
-    QTest::newRow("wifi") << ConnmanStandIn::wifiTechnology << 0;
-    QTest::newRow("ethernet") << ConnmanStandIn::ethernetTechnology << 1;
+    QTest::addColumn<QStringList>("order");
+    QTest::newRow("wifi") << ConnmanStandIn::wifiTechnology << QStringList{answer, announcement};
+    QTest::newRow("ethernet") << ConnmanStandIn::ethernetTechnology
+                              << QStringList{announcement, answer};
 }
 
 void TestConnmanStandIn::poweringIsAnsweredBeforeItIsAnnouncedForWifiOnly()
 {
     QFETCH(QString, technology);
-    QFETCH(int, announcedBefore);
+    QFETCH(QStringList, order);
     standIn.setLively(true);
+    const QString sender =
+        QDBusConnection::systemBus().interface()->serviceOwner("net.connman").value();
     ConnmanSignals heard;
-    QDBusMessage call = QDBusMessage::createMethodCall("net.connman", technology,
-                                                       "net.connman.Technology", "SetProperty");
-    call << "Powered" << QVariant::fromValue(QDBusVariant(true));
+    BusMonitor monitor;
 
-    QDBusPendingCallWatcher watcher(QDBusConnection::systemBus().asyncCall(call));
-    int announced = -1;
-    QObject::connect(&watcher, &QDBusPendingCallWatcher::finished,
-                     [&] { announced = heard.count(); });
+    Remote("net.connman", technology, "net.connman.Technology")
+        .call("SetProperty", {"Powered", QVariant::fromValue(QDBusVariant(true))});
+    QVERIFY(heard.waitFor(technology));
 
-    QTRY_COMPARE(announced, announcedBefore);
-    QTRY_COMPARE(heard.count(), 1);
+    QStringList lines;
+    for (const BusMessage &message : monitor.take()) {
+        if (message.sender == sender)
+            lines << message.line();
+    }
+    QCOMPARE(lines, order);
 }
 
 void TestConnmanStandIn::aLivelyNetworkIsJoined_data()

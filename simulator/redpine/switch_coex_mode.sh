@@ -45,6 +45,16 @@ bring_interface_up() {
     told no-carrier || ip link set wifi_air up
 }
 
+# It leaves its starter before it has written its process number, by which it will be ended.
+start_hostapd() {
+    hostapd -B -P "$folder/hostapd.pid" "$configuration" || return 0
+    attempts=0
+    until [ -s "$folder/hostapd.pid" ] || [ "$attempts" -ge 500 ]; do
+        attempts=$((attempts + 1))
+        sleep 0.01
+    done
+}
+
 start_dhcpd() {
     network=${address%.*}
     cat >"$folder/dhcpd.conf" <<CONFIGURATION
@@ -62,7 +72,7 @@ bring_access_point_up() {
     address=$(sed -n 's/^own_ip_addr=\([0-9.]\{1,\}\)$/\1/p' "$configuration" | tail -n 1)
     address=${address:-192.168.2.1}
     told no-interface || bring_interface_up
-    told no-hostapd || hostapd -B -P "$folder/hostapd.pid" "$configuration"
+    told no-hostapd || start_hostapd
     told no-dhcpd || told no-interface || start_dhcpd
 }
 

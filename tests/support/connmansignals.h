@@ -19,9 +19,6 @@ public:
      */
     QStringList take();
 
-    /** How many have come since the last take(). */
-    int count() const { return m_signals.size(); }
-
     /** Waits until one that begins like this has come since the last take(). */
     bool waitFor(const QString &beginning);
 
