@@ -99,6 +99,8 @@ void TestIntrospection::everyMemberStandsInTheDocuments_data()
     QTest::newRow("with the other screen") << "/KyDeviceMgr" << 0x8347 << QStringList();
     QTest::newRow("without screen") << "/KyDeviceMgr" << 0x8346 << screen;
     QTest::newRow("configuration") << "/KyConfigMgr" << 0x8345 << QStringList();
+    QTest::newRow("network") << "/KyComMgr" << 0x8345 << QStringList();
+    QTest::newRow("agent") << "/KyComMgr/Agent" << 0x8345 << QStringList();
 }
 
 void TestIntrospection::everyMemberStandsInTheDocuments()

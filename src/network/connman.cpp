@@ -48,10 +48,15 @@ void registerType(const char *name)
 }
 
 // A proxy object would ask the peer for its introspection with one more blocking call.
+QDBusMessage methodCall(const QString &path, const QString &interface, const QString &method)
+{
+    return QDBusMessage::createMethodCall(serviceName, path, interface, method);
+}
+
 QDBusMessage call(const QString &path, const QString &interface, const QString &method,
                   const QVariantList &arguments = {})
 {
-    QDBusMessage message = QDBusMessage::createMethodCall(serviceName, path, interface, method);
+    QDBusMessage message = methodCall(path, interface, method);
     message.setArguments(arguments);
     return QDBusConnection::systemBus().call(message);
 }
@@ -122,6 +127,12 @@ QDBusError setTechnologyPowered(const QString &technology, bool powered)
 QDBusError setServiceProperty(const QString &path, const QString &name, const QVariant &value)
 {
     return setProperty(path, serviceInterface, name, value);
+}
+
+QDBusPendingCall connectService(const QString &path)
+{
+    return QDBusConnection::systemBus().asyncCall(
+        methodCall(path, serviceInterface, QStringLiteral("Connect")));
 }
 
 QDBusError remove(const QString &path)

@@ -4,6 +4,7 @@
 #include <QDBusArgument>
 #include <QDBusError>
 #include <QDBusObjectPath>
+#include <QDBusPendingCall>
 #include <QList>
 #include <QMap>
 #include <QMetaType>
@@ -34,7 +35,8 @@ Q_DECLARE_METATYPE(ManagedObjectList)
 /**
  * The network manager on the system bus, and the only place that calls it.
  *
- * Every call blocks for at most the bus library's default time-out and is made once.
+ * Every call but connectService() blocks for at most the bus library's default time-out, and each
+ * is made once.
  */
 namespace connman
 {
@@ -72,6 +74,13 @@ QDBusError setTechnologyPowered(const QString &technology, bool powered);
 
 /** Sets a property of the service at @p path. @return ConnMan's error, an invalid one on success */
 QDBusError setServiceProperty(const QString &path, const QString &name, const QVariant &value);
+
+/**
+ * Asks for a connection to the service at @p path; the only call that does not block.
+ *
+ * ConnMan replies when the connection stands or has failed, and only after its agent has answered.
+ */
+QDBusPendingCall connectService(const QString &path);
 
 /** Makes ConnMan forget the service at @p path. @return its error, an invalid one on success */
 QDBusError remove(const QString &path);

@@ -2,6 +2,8 @@
 #define KYCOMMGR_H
 
 #include "kyethernet.h"
+#include "kywifi.h"
+#include "kywifiap.h"
 
 #include <QObject>
 
@@ -15,6 +17,8 @@ public:
 
 private:
     KyEthernet m_ethernet;
+    KyWifi m_wifi;
+    KyWifiAp m_wifiAp;
 };
 
 #endif

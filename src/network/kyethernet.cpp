@@ -2,7 +2,6 @@
 
 #include "arguments.h"
 #include "connman.h"
-#include "error.h"
 #include "ipv4repair.h"
 #include "programs.h"
 
@@ -36,8 +35,7 @@ void KyEthernet::connect(const QDBusMessage &message)
     if (switchMode(QStringLiteral("0")) == 0)
         return;
     // The text names the Wi-Fi station's mode, with which it is shared; clients rely on it.
-    sendErrorReply(QDBusError::errorString(QDBusError::Failed),
-                   QStringLiteral("Cannot switch in mode '1' (WLAN STATION)"), message);
+    sendFailure(QStringLiteral("Cannot switch in mode '1' (WLAN STATION)"), message);
     setState(KyTcpIpState::Failure);
 }
 
@@ -48,8 +46,7 @@ void KyEthernet::disconnect(const QDBusMessage &message)
     setState(KyTcpIpState::Disconnect);
     const QDBusError error = setTechnologyPowered(false);
     if (error.isValid())
-        sendErrorReply(QDBusError::errorString(QDBusError::Failed),
-                       QStringLiteral("Cannot set property Powered: ") + error.message(), message);
+        sendFailure(QStringLiteral("Cannot set property Powered: ") + error.message(), message);
     setState(KyTcpIpState::Idle);
 }
 
@@ -89,11 +86,6 @@ void KyEthernet::timeoutMonitoring()
 {
     setState(KyTcpIpState::Failure);
     setTechnologyPowered(false);
-}
-
-bool KyEthernet::acceptsConnect() const
-{
-    return m_state == KyTcpIpState::Idle || m_state == KyTcpIpState::Failure;
 }
 
 /** Takes the wired service, where ConnMan has one by now, and hands it the IPv4 settings. */

@@ -45,7 +45,6 @@ private Q_SLOTS:
     void timeoutMonitoring();
 
 private:
-    bool acceptsConnect() const;
     void useService();
     void checkOnline(const QVariantMap &ipv4);
 

@@ -50,8 +50,7 @@ void KyTcpIp::setIPv4(const QVariantMap &settings, const QDBusMessage &message)
     const ConnmanObject technology =
         connman::findObject(connman::technologies(), QStringLiteral("Type"), m_technology);
     if (technology.properties.value(QStringLiteral("Connected")).type() != QVariant::Bool) {
-        sendErrorReply(QDBusError::errorString(QDBusError::Failed),
-                       QStringLiteral("Cannot get property Connected"), message);
+        sendFailure(QStringLiteral("Cannot get property Connected"), message);
         return;
     }
 
@@ -87,6 +86,16 @@ QVariantMap KyTcpIp::getHardwareInfos()
             {QStringLiteral("Interface"), m_interfaceName},
             {QStringLiteral("Address"), interface.hardwareAddress()},
             {QStringLiteral("MTU"), QVariant::fromValue(maximumTransmissionUnit(interface))}};
+}
+
+void KyTcpIp::sendFailure(const QString &text, const QDBusMessage &message)
+{
+    sendErrorReply(QDBusError::errorString(QDBusError::Failed), text, message);
+}
+
+bool KyTcpIp::acceptsConnect() const
+{
+    return m_state == KyTcpIpState::Idle || m_state == KyTcpIpState::Failure;
 }
 
 void KyTcpIp::setState(int state)

@@ -76,6 +76,12 @@ Q_SIGNALS:
     void propertyChanged(const QString &objectPath, const QString &name, const QDBusVariant &value);
 
 protected:
+    /** Answers @p message with the bus's standard error for what failed, as all of these do. */
+    static void sendFailure(const QString &text, const QDBusMessage &message);
+
+    /** Whether the state is "idle" or "failure". */
+    bool acceptsConnect() const;
+
     /** Enters a KyTcpIpState::State and announces it. */
     void setState(int state);
 

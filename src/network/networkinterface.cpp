@@ -2,6 +2,30 @@
 
 #include <QFile>
 
+#include <cstring>
+#include <net/if.h>
+#include <sys/ioctl.h>
+#include <sys/socket.h>
+#include <unistd.h>
+
+namespace
+{
+/** The kernel's flags of an interface; none where it has no such interface. */
+int kernelFlags(const QNetworkInterface &interface)
+{
+    ifreq request = {};
+    const QByteArray name = interface.name().toLocal8Bit();
+    const int descriptor = socket(AF_UNIX, SOCK_DGRAM | SOCK_CLOEXEC, 0);
+    if (descriptor < 0)
+        return 0;
+    std::memcpy(request.ifr_name, name.constData(),
+                qMin(size_t(name.size()), IFNAMSIZ - size_t(1)));
+    const bool known = ioctl(descriptor, SIOCGIFFLAGS, &request) == 0;
+    close(descriptor);
+    return known ? request.ifr_flags : 0;
+}
+} // namespace
+
 QNetworkInterface findNetworkInterface(const QString &name)
 {
     const QList<QNetworkInterface> interfaces = QNetworkInterface::allInterfaces();
@@ -10,6 +34,16 @@ QNetworkInterface findNetworkInterface(const QString &name)
             return interface;
     }
     return QNetworkInterface();
+}
+
+bool isUp(const QNetworkInterface &interface)
+{
+    return kernelFlags(interface) & IFF_UP;
+}
+
+bool isRunning(const QNetworkInterface &interface)
+{
+    return kernelFlags(interface) & IFF_RUNNING;
 }
 
 ushort maximumTransmissionUnit(const QNetworkInterface &interface)

@@ -52,15 +52,20 @@ const QString ConnmanStandIn::wifiTechnology = QStringLiteral("/net/connman/tech
 
 ConnmanStandIn::~ConnmanStandIn()
 {
-    if (m_process.state() != QProcess::NotRunning)
+    if (isRunning())
         kill();
 }
 
-void ConnmanStandIn::start()
+void ConnmanStandIn::start(const QString &program)
 {
     registerListedObjects();
     m_process.setProcessChannelMode(QProcess::ForwardedChannels);
-    m_process.start(QStringLiteral(CONNMAN_STAND_IN), QStringList());
+    QString path = QStringLiteral(CONNMAN_STAND_IN);
+    if (program != QLatin1String("connmand")) {
+        path = QStringLiteral("/tmp/") + program;
+        QFile::copy(QStringLiteral(CONNMAN_STAND_IN), path);
+    }
+    m_process.start(path, QStringList());
     if (!m_process.waitForStarted() || !QTest::qWaitFor(isOnTheBus, 10000))
         qFatal("the ConnMan stand-in does not start");
     setTechnologies({technology(ethernetTechnology, "Wired", "ethernet"),
@@ -77,6 +82,11 @@ void ConnmanStandIn::kill()
 {
     m_process.kill();
     waitForEnd();
+}
+
+bool ConnmanStandIn::isRunning() const
+{
+    return m_process.state() != QProcess::NotRunning;
 }
 
 void ConnmanStandIn::waitForEnd()

@@ -27,12 +27,17 @@ public:
 
     ~ConnmanStandIn();
 
-    /** Starts it, without services, with the two technologies powered off; waits for its name. */
-    void start();
+    /**
+     * Starts it, without services, with the two technologies powered off; waits for its name.
+     *
+     * @param program what pidof is to know it by
+     */
+    void start(const QString &program = QStringLiteral("connmand"));
 
     /** Ends it as at shutdown, or at once; waits until its name is gone from the bus. */
     void stop();
     void kill();
+    bool isRunning() const;
 
     /** Stops it in its tracks (SIGSTOP), and lets it go on. */
     void freeze();

@@ -94,16 +94,23 @@ void ModeScript::hold()
         qFatal("the scripts are held already");
 }
 
+void ModeScript::letOthersPass()
+{
+    if (!QFile::rename(control + "hold", control + "held"))
+        qFatal("the scripts are not held");
+}
+
 void ModeScript::release()
 {
+    const QString path = control + (QFile::exists(control + "held") ? "held" : "hold");
     int fifo = -1;
-    const auto somebodyWaits = [&fifo] {
-        fifo = open(qPrintable(control + "hold"), O_WRONLY | O_NONBLOCK | O_CLOEXEC);
+    const auto somebodyWaits = [&] {
+        fifo = open(qPrintable(path), O_WRONLY | O_NONBLOCK | O_CLOEXEC);
         return fifo >= 0;
     };
     if (!QTest::qWaitFor(somebodyWaits, 10000))
         qFatal("no script waits");
-    QFile::remove(control + "hold");
+    QFile::remove(path);
     if (write(fifo, "\n", 1) != 1)
         qFatal("the waiting script is gone");
     close(fifo);

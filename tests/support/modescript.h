@@ -39,6 +39,9 @@ public:
     /** The scripts started from now on wait after "start". */
     void hold();
 
+    /** The scripts started from now on do not wait, but those that wait do until release(). */
+    void letOthersPass();
+
     /** Lets one waiting script go on, and those to come not wait; waits for that one. */
     void release();
 

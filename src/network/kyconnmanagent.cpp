@@ -1,0 +1,31 @@
+#include "kyconnmanagent.h"
+
+#include "error.h"
+
+#include <QDBusMessage>
+
+KyConnmanAgent::KyConnmanAgent(QObject *parent) : QDBusAbstractAdaptor(parent) {}
+
+void KyConnmanAgent::setCredentials(const QString &identity, const QString &passphrase)
+{
+    m_credentials = {identity, passphrase};
+    m_remainingRequests = 3;
+}
+
+QVariantMap KyConnmanAgent::RequestInput(QDBusObjectPath, QVariantMap fields,
+                                         const QDBusMessage &message)
+{
+    // Stops at zero: ConnMan may ask thousands of times a second.
+    if (m_remainingRequests > 0)
+        --m_remainingRequests;
+    if (m_remainingRequests < 1) {
+        sendErrorReply(QStringLiteral("net.connman.Agent.Error.Canceled"), QString(), message);
+        return QVariantMap();
+    }
+    return agentAnswer(fields, m_credentials);
+}
+
+void KyConnmanAgent::ReportError(QDBusObjectPath, QString, const QDBusMessage &message)
+{
+    sendErrorReply(QStringLiteral("net.connman.Agent.Error.Retry"), QString(), message);
+}

@@ -1,0 +1,96 @@
+#ifndef KYWIFI_H
+#define KYWIFI_H
+
+#include "kytcpip.h"
+
+#include <QTimer>
+
+class KyConnmanAgent;
+
+/**
+ * The Wi-Fi station: scans for networks and joins one through ConnMan.
+ *
+ * A scan or a connect begins with the mode script of the Wi-Fi module and is followed through
+ * ConnMan's signals. Every step is announced as a change of the link state or, for a scan, by
+ * servicesListChanged(), and is appended to the trace file.
+ */
+class KyWifi : public KyTcpIp
+{
+    Q_OBJECT
+    Q_CLASSINFO("D-Bus Interface", "com.orvendis.Strandel.BoardManager.WIFI")
+
+public:
+    /** Listens to ConnMan, powers the technology off and offers the agent. */
+    explicit KyWifi(QObject *parent);
+
+public Q_SLOTS:
+    /**
+     * Joins the network "Service" of @p settings, with the user name "User" and the pass phrase
+     * "Password"; ignored unless the state is "idle" or "failure".
+     *
+     * Fails with "Cannot switch in mode '1' (WLAN STATION)", and the state "failure", when the mode
+     * script still runs or cannot be started. Whatever goes wrong later shows in the state alone.
+     */
+    void connect(const QVariantMap &settings, const QDBusMessage &message);
+
+    /**
+     * Leaves and forgets the network.
+     *
+     * Fails with "Cannot remove service" when ConnMan does not forget it, else with "Cannot set
+     * property Powered: " and ConnMan's text when it refuses to power the technology off. The state
+     * becomes "idle" in any case: when the technology is off, or at once where it is off already or
+     * ConnMan has refused.
+     */
+    void disconnect(const QDBusMessage &message);
+
+    /**
+     * Scans for networks; ignored unless the state is "idle" or "failure". The outcome comes with
+     * servicesListChanged(), after 15 s at the latest once the module is switched.
+     *
+     * Fails as connect() does.
+     */
+    void scan(const QDBusMessage &message);
+
+    /** "Strength" of the current service, as ConnMan gives it; empty without one. */
+    QVariantMap getStrength();
+
+Q_SIGNALS:
+    /** The networks that a scan found; see wifiScanList(). */
+    void servicesListChanged(const QVariantMap &services);
+
+private Q_SLOTS:
+    void slotLoadFirmwareFinished(int exitCode, QProcess::ExitStatus exitStatus) override;
+    void slotLoadFirmwareFinishedDelayed();
+    void technologyPropertyChangedSlot(const QString &name, const QDBusVariant &value);
+    void servicesChangedSlot();
+    void servicePropertyChangedSlot(const QString &name, const QDBusVariant &value) override;
+    void timeoutMonitoring();
+
+private:
+    enum Operation { NoOperation, Scan, Connect };
+    class Step;
+
+    void offerAgent();
+    void switchToStation(const QDBusMessage &message);
+    void usePoweredTechnology();
+    void finishScan();
+    void judgeConnect();
+    void associate(const QString &path);
+    void configure(const QString &path);
+    QVariant technologyProperty(const QString &name) const;
+    void sendRequestScan();
+    void sendRequestConnect(const QString &path);
+    void registerAgent();
+    void unregisterAgent();
+
+    KyConnmanAgent *m_agent = nullptr;
+    /** The name of the network that the last connect named. */
+    QString m_requestedService;
+    Operation m_operation = NoOperation;
+    /** Bounds the operation under way. */
+    QTimer m_monitoringTimer;
+    /** Bounds the wait for the technology to be off. */
+    QTimer m_disconnectTimer;
+};
+
+#endif

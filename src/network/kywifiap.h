@@ -1,0 +1,52 @@
+#ifndef KYWIFIAP_H
+#define KYWIFIAP_H
+
+#include "kytcpip.h"
+
+/**
+ * The Wi-Fi access point: writes hostapd's configuration, has the module's mode script start it
+ * and watches the network interface until it is on line.
+ *
+ * It does not talk to ConnMan, and starts neither hostapd nor dhcpd itself: the script does.
+ */
+class KyWifiAp : public KyTcpIp
+{
+    Q_OBJECT
+    Q_CLASSINFO("D-Bus Interface", "com.orvendis.Strandel.BoardManager.WIFIAP")
+
+public:
+    explicit KyWifiAp(QObject *parent);
+
+public Q_SLOTS:
+    /**
+     * Starts the access point.
+     *
+     * @param parameters "Channel" (its low 16 bits), "SSID", "Password", "Security" ("WPA2", or
+     *        anything else for an open network) and "IP"; a missing one is 0 or empty, and nothing
+     *        is validated
+     *
+     * Fails with "Cannot connect, wap busy" unless the state is "idle" or "failure"; with "Cannot
+     * create hostapd conf file" when the template cannot be read or the configuration not written;
+     * with "Cannot switch in mode '2' (WLAN ACCESS POINT)" when the mode script still runs or
+     * cannot be started. The state is "failure" after the latter two. Whatever goes wrong later
+     * shows in the state alone.
+     */
+    void connect(const QVariantMap &parameters, const QDBusMessage &message);
+
+    /**
+     * Stops the access point; the state is "idle" afterwards, while the script still runs.
+     *
+     * Fails with "Cannot disconnect WAP, already disconnected" in the state "idle".
+     */
+    void disconnect(const QDBusMessage &message);
+
+    /** Accepted, and does nothing in this version. */
+    void wpsEnable();
+
+private Q_SLOTS:
+    void slotLoadFirmwareFinished(int exitCode, QProcess::ExitStatus exitStatus) override;
+    void slotLoadFirmwareFinishedDelayed();
+    void slotToSignalInterfaceIsOnLine();
+};
+
+#endif

@@ -1,0 +1,26 @@
+#include "regularfile.h"
+
+#include <fcntl.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+namespace
+{
+bool isRegular(int descriptor)
+{
+    struct stat status = {};
+    return fstat(descriptor, &status) == 0 && S_ISREG(status.st_mode);
+}
+} // namespace
+
+int openRegularFile(const char *path, int flags, mode_t mode)
+{
+    const int descriptor = open(
+        path, O_WRONLY | O_CREAT | O_NOFOLLOW | O_NONBLOCK | O_CLOEXEC | (flags & ~O_TRUNC), mode);
+    if (descriptor < 0)
+        return -1;
+    if (isRegular(descriptor) && (!(flags & O_TRUNC) || ftruncate(descriptor, 0) == 0))
+        return descriptor;
+    close(descriptor);
+    return -1;
+}

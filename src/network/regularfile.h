@@ -1,0 +1,19 @@
+#ifndef REGULARFILE_H
+#define REGULARFILE_H
+
+#include <sys/types.h>
+
+/**
+ * Opens the regular file @p path for writing, making it where it is missing.
+ *
+ * For files in folders to which others may write: a link in the last place of the path is not
+ * followed, and nothing else that is planted there (a fifo, a device) is written to or waited for.
+ *
+ * @param flags open flags besides those for writing and making the file; O_TRUNC takes effect only
+ *        where the file turns out to be a regular one
+ * @param mode permission bits of a new file, before the process's mask
+ * @return the descriptor, not inherited by child processes; -1 when it cannot be opened
+ */
+int openRegularFile(const char *path, int flags, mode_t mode);
+
+#endif

@@ -1,0 +1,124 @@
+#include "networktest.h"
+
+namespace
+{
+const QString traceFile = QStringLiteral("/tmp/logkywifi");
+
+/** The number of @p process's children that run, or whose end it has not seen yet. */
+int childrenOf(qint64 process)
+{
+    int children = 0;
+    for (const QString &entry : QDir(QStringLiteral("/proc")).entryList(QDir::Dirs)) {
+        const QByteArray status = readFile(QStringLiteral("/proc/%1/stat").arg(entry));
+        // After the name, which is in parentheses: its state, then its parent.
+        if (status.mid(status.lastIndexOf(')')).split(' ').value(2).toLongLong() == process)
+            ++children;
+    }
+    return children;
+}
+} // namespace
+
+void NetworkTest::init()
+{
+    DaemonTest::init();
+    script.install();
+    connman.start();
+    daemon.controlClock();
+}
+
+void NetworkTest::cleanup()
+{
+    DaemonTest::cleanup();
+    recorder.reset();
+    if (connman.isRunning())
+        connman.kill();
+    script.clear();
+}
+
+void NetworkTest::begin()
+{
+    QVERIFY(daemon.start());
+    if (connman.isRunning())
+        connman.clearJournal();
+    recorder.reset(new SignalRecorder(QStringLiteral("/KyComMgr")));
+}
+
+void NetworkTest::settle()
+{
+    // Served by the thread that handles ConnMan's signals, after them, and asks nobody.
+    Remote(QStringLiteral("/KyConfigMgr"), QStringLiteral("Users")).call(QStringLiteral("getUser"));
+}
+
+void NetworkTest::waitForScripts(int running)
+{
+    QVERIFY(QTest::qWaitFor([&] { return childrenOf(daemon.processId()) == running; }, 10000));
+    settle();
+}
+
+void NetworkTest::passModuleDelay()
+{
+    waitForScripts();
+    daemon.letTimePass(2);
+}
+
+QStringList NetworkTest::announced()
+{
+    // Timers that are due are served after the calls that came before.
+    settle();
+    return recorder->take();
+}
+
+QStringList NetworkTest::orders()
+{
+    QStringList calls;
+    for (const QString &call : connman.journal()) {
+        if (!call.startsWith(QLatin1String("Manager.Get")))
+            calls << call;
+    }
+    connman.clearJournal();
+    return calls;
+}
+
+QString NetworkTest::state(const char *interface, const QString &path, const char *name)
+{
+    return QStringLiteral("%1.propertyChanged(\"%2\", \"State\", <\"%3\">)")
+        .arg(QLatin1String(interface), path, QLatin1String(name));
+}
+
+ListedObject NetworkTest::network(const QString &name, const QString &serviceState)
+{
+    return {QDBusObjectPath(networkPath(name)),
+            {{"Type", "wifi"},
+             {"Name", name},
+             {"State", serviceState},
+             {"Strength", QVariant::fromValue(uchar(70))},
+             {"Security", QStringList("psk")}}};
+}
+
+QString NetworkTest::networkPath(const QString &name)
+{
+    return QStringLiteral("/net/connman/service/wifi_02aabbccdd04_%1_managed_psk")
+        .arg(QString::fromLatin1(name.toUtf8().toHex()));
+}
+
+QStringList NetworkTest::trace()
+{
+    QStringList records;
+    const QString text = QString::fromUtf8(readFile(traceFile));
+    for (const QString &record : text.split(QStringLiteral("----------------------------\n")))
+        records << record.split(QLatin1Char('\n')).mid(0, 4).join(QLatin1Char(' '));
+    records.removeFirst();
+    return records;
+}
+
+bool NetworkTest::waitForTrace(const QString &method, int count)
+{
+    return QTest::qWaitFor(
+        [&] {
+            int found = 0;
+            for (const QString &record : trace())
+                found += record.startsWith(method + QLatin1Char(' ')) ? 1 : 0;
+            return found >= count;
+        },
+        10000);
+}

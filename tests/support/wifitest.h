@@ -1,0 +1,57 @@
+#ifndef WIFITEST_H
+#define WIFITEST_H
+
+#include "networktest.h"
+
+/** Base of the tests on the Wi-Fi station that join the network "Lab". */
+class WifiTest : public NetworkTest
+{
+    Q_OBJECT
+
+protected:
+    /** Joins a network as a client would, as the user "me" with the pass phrase "secret". */
+    QString join(const QString &name = QStringLiteral("Lab"));
+
+    /** Waits until the station has dealt with the module that its script has switched. */
+    void letModuleSwitch();
+
+    /**
+     * Starts the daemon and joins "Lab" until the state is "association", "configuration" or
+     * "online"; forgets what happened on the way.
+     */
+    void reach(const QString &name);
+
+    /** Gives the service of "Lab" another state, and announces that the services changed. */
+    void announceService(const QString &serviceState);
+
+    const QString lab = networkPath(QStringLiteral("Lab"));
+    const QVariantMap address = {{QStringLiteral("Method"), QStringLiteral("dhcp")},
+                                 {QStringLiteral("Address"), QStringLiteral("10.0.0.7")}};
+
+    // The announcements of states, with the service that goes with them.
+    const QString association = state("WIFI", QString(), "association");
+    const QString configuration = state("WIFI", lab, "configuration");
+    const QString online = state("WIFI", lab, "online");
+    const QString failure = state("WIFI", QString(), "failure");
+    const QString labFailure = state("WIFI", lab, "failure");
+
+    // The orders to ConnMan.
+    const QString powerOn = technology("SetProperty", "\"Powered\", <true>");
+    const QString powerOff = technology("SetProperty", "\"Powered\", <false>");
+    const QString asyncScan = technology("AsyncScan", "");
+    const QString registerAgent = agent("RegisterAgent");
+    const QString unregisterAgent = agent("UnregisterAgent");
+    const QString connectLab = service("Connect", "");
+    const QString removeLab = service("Remove", "");
+    const QString nameservers = service("SetProperty", "\"Nameservers.Configuration\", <[]>");
+    const QString settings = service("SetProperty", "\"IPv4.Configuration\", <{}>");
+
+    const QString cannotSwitch = failed(QStringLiteral("Cannot switch in mode '1' (WLAN STATION)"));
+
+private:
+    static QString technology(const char *method, const char *values);
+    static QString agent(const char *method);
+    static QString service(const char *method, const char *values);
+};
+
+#endif

@@ -1,0 +1,160 @@
+#include "files.h"
+#include "regularfile.h"
+
+#include <QFile>
+#include <QTemporaryDir>
+#include <QTest>
+
+#include <fcntl.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+/** Opening files in folders to which others may write. */
+class TestRegularFile : public QObject
+{
+    Q_OBJECT
+
+private Q_SLOTS:
+    void init();
+
+    void aMissingFileIsMadeWithItsMode();
+    void aFileIsAppendedTo();
+    void aFileIsTruncated();
+    void aFileThatIsNotTruncatedKeepsItsEnd();
+    void aLinkIsNotFollowed();
+    void aLinkToNowhereMakesNoFile();
+    void aFifoIsNotWaitedFor();
+    void aFifoWithAReaderIsNotWrittenTo();
+    void aDeviceIsNotWrittenTo();
+    void aFolderIsRefused();
+    void aMissingFolderIsNotMade();
+    void childrenDoNotInheritTheDescriptor();
+
+private:
+    bool append(const QByteArray &text, int flags = O_APPEND);
+
+    QScopedPointer<QTemporaryDir> m_folder;
+    QString m_path;
+};
+
+void TestRegularFile::init()
+{
+    m_folder.reset(new QTemporaryDir);
+    m_path = m_folder->filePath(QStringLiteral("file"));
+}
+
+/** Opens the file and writes @p text; false when it was not opened. */
+bool TestRegularFile::append(const QByteArray &text, int flags)
+{
+    const int descriptor = openRegularFile(qPrintable(m_path), flags, 0640);
+    if (descriptor < 0)
+        return false;
+    const bool written = write(descriptor, text.constData(), size_t(text.size())) == text.size();
+    close(descriptor);
+    return written;
+}
+
+void TestRegularFile::aMissingFileIsMadeWithItsMode()
+{
+    const mode_t mask = umask(0);
+    QVERIFY(append("text"));
+    umask(mask);
+
+    struct stat status = {};
+    QCOMPARE(stat(qPrintable(m_path), &status), 0);
+    QCOMPARE(status.st_mode, mode_t(S_IFREG | 0640));
+    QCOMPARE(readFile(m_path), QByteArray("text"));
+}
+
+void TestRegularFile::aFileIsAppendedTo()
+{
+    writeFile(m_path, "old ");
+    QVERIFY(append("new"));
+    QCOMPARE(readFile(m_path), QByteArray("old new"));
+}
+
+void TestRegularFile::aFileIsTruncated()
+{
+    writeFile(m_path, "something long");
+    QVERIFY(append("new", O_TRUNC));
+    QCOMPARE(readFile(m_path), QByteArray("new"));
+}
+
+void TestRegularFile::aFileThatIsNotTruncatedKeepsItsEnd()
+{
+    writeFile(m_path, "something long");
+    QVERIFY(append("new", 0));
+    QCOMPARE(readFile(m_path), QByteArray("newething long"));
+}
+
+void TestRegularFile::aLinkIsNotFollowed()
+{
+    const QString target = m_folder->filePath(QStringLiteral("target"));
+    writeFile(target, "precious");
+    QVERIFY(QFile::link(target, m_path));
+
+    QVERIFY(!append("new"));
+    QVERIFY(!append("new", O_TRUNC));
+
+    QCOMPARE(readFile(target), QByteArray("precious"));
+}
+
+void TestRegularFile::aLinkToNowhereMakesNoFile()
+{
+    const QString target = m_folder->filePath(QStringLiteral("target"));
+    QVERIFY(QFile::link(target, m_path));
+
+    QVERIFY(!append("new"));
+
+    QVERIFY(!QFile::exists(target));
+}
+
+void TestRegularFile::aFifoIsNotWaitedFor()
+{
+    QCOMPARE(mkfifo(qPrintable(m_path), 0666), 0);
+    QVERIFY(!append("new"));
+}
+
+void TestRegularFile::aFifoWithAReaderIsNotWrittenTo()
+{
+    QCOMPARE(mkfifo(qPrintable(m_path), 0666), 0);
+    const int reader = open(qPrintable(m_path), O_RDONLY | O_NONBLOCK);
+    QVERIFY(reader >= 0);
+
+    QVERIFY(!append("new"));
+
+    char byte = 0;
+    QCOMPARE(read(reader, &byte, 1), ssize_t(0));
+    close(reader);
+}
+
+void TestRegularFile::aDeviceIsNotWrittenTo()
+{
+    m_path = QStringLiteral("/dev/null");
+    QVERIFY(!append("new"));
+    QVERIFY(!append("new", O_TRUNC));
+}
+
+void TestRegularFile::aFolderIsRefused()
+{
+    m_path = m_folder->path();
+    QVERIFY(!append("new"));
+}
+
+void TestRegularFile::aMissingFolderIsNotMade()
+{
+    m_path = m_folder->filePath(QStringLiteral("folder/file"));
+    QVERIFY(!append("new"));
+    QVERIFY(!QFile::exists(m_folder->filePath(QStringLiteral("folder"))));
+}
+
+void TestRegularFile::childrenDoNotInheritTheDescriptor()
+{
+    const int descriptor = openRegularFile(qPrintable(m_path), O_APPEND, 0640);
+    QVERIFY(descriptor >= 0);
+    QVERIFY(fcntl(descriptor, F_GETFD) & FD_CLOEXEC);
+    close(descriptor);
+}
+
+QTEST_GUILESS_MAIN(TestRegularFile)
+#include "test_regularfile.moc"

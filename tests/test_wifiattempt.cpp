@@ -1,0 +1,331 @@
+#include "wifitest.h"
+
+#include <QElapsedTimer>
+
+/** How an attempt to join a network is bounded, and what may cross it; on the running daemon. */
+class TestWifiAttempt : public WifiTest
+{
+    Q_OBJECT
+
+private Q_SLOTS:
+    void afterAMinuteWithoutAnythingItFails();
+    void afterAMinuteOfAssociatingItFails();
+    void afterAMinuteAReadyServiceIsTaken();
+    void afterAMinuteAnOnlineServiceIsTaken();
+    void afterAMinuteOfConfiguringNothingIsDecided();
+    void afterAMinuteAScriptThatRunsFails();
+    void withinAMinuteNothingIsDecided();
+
+    void otherCallsAreAnsweredWhileConnectIsOutstanding();
+    void theAgentAnswersWhileConnectIsOutstanding();
+    void aFailedConnectDecidesNothing();
+    void aConnectThatTimesOutDecidesNothing();
+    void anEarlierConnectsReplyDoesNotDisturbALaterOne();
+
+    void aConnectUnderWayIsLeftAlone_data();
+    void aConnectUnderWayIsLeftAlone();
+    void aConnectWhileTheScriptRunsFails();
+    void aConnectWithoutAScriptFails();
+    void aConnectWithoutConnmandFailsAndAsksNothing();
+    void aConnectDuringTheTwoSecondsIsEvaluatedThen();
+    void changesWhileTheScriptRunsLeaveOnlyATrace();
+    void aConnectMayFollowAFailure();
+};
+
+void TestWifiAttempt::afterAMinuteWithoutAnythingItFails()
+{
+    begin();
+    join();
+    letModuleSwitch();
+    QVERIFY(connman.waitForCall(powerOn));
+
+    daemon.letTimePass(58);
+
+    QCOMPARE(recorder->waitFor(1), QStringList{failure});
+    QCOMPARE(trace().mid(3), (QStringList{"servicesChangedSlot OP:none failure Lab",
+                                          "timeoutMonitoring OP:none failure Lab"}));
+}
+
+void TestWifiAttempt::afterAMinuteOfAssociatingItFails()
+{
+    reach("association");
+
+    daemon.letTimePass(58);
+
+    QCOMPARE(recorder->waitFor(1), QStringList{failure});
+    QCOMPARE(trace().mid(6), (QStringList{"servicesChangedSlot OP:connect association Lab",
+                                          "timeoutMonitoring OP:none failure Lab"}));
+    announceService("ready");
+    QCOMPARE(announced(), QStringList());
+    QCOMPARE(orders(), QStringList());
+}
+
+void TestWifiAttempt::afterAMinuteAReadyServiceIsTaken()
+{
+    reach("association");
+    connman.storeProperty(lab, "State", "ready");
+
+    daemon.letTimePass(58);
+
+    QCOMPARE(recorder->waitFor(1), QStringList{configuration});
+}
+
+void TestWifiAttempt::afterAMinuteAnOnlineServiceIsTaken()
+{
+    reach("configuration");
+    connman.storeProperty(lab, "State", "online");
+
+    daemon.letTimePass(58);
+
+    QCOMPARE(recorder->waitFor(1), QStringList{online});
+}
+
+void TestWifiAttempt::afterAMinuteOfConfiguringNothingIsDecided()
+{
+    reach("configuration");
+    connman.storeProperty(lab, "State", "ready");
+
+    daemon.letTimePass(58);
+
+    QVERIFY(waitForTrace("timeoutMonitoring"));
+    QCOMPARE(announced(), QStringList());
+    QCOMPARE(trace().last(), QString("timeoutMonitoring OP:connect configuration Lab"));
+}
+
+void TestWifiAttempt::afterAMinuteAScriptThatRunsFails()
+{
+    connman.setServices({network("Lab", "idle")});
+    begin();
+    script.hold();
+    join();
+
+    daemon.letTimePass(60);
+    QCOMPARE(recorder->waitFor(1), QStringList{failure});
+
+    script.release();
+    letModuleSwitch();
+    QCOMPARE(announced(), QStringList());
+    QCOMPARE(orders(), QStringList());
+}
+
+void TestWifiAttempt::withinAMinuteNothingIsDecided()
+{
+    reach("association");
+    const int records = trace().size();
+
+    daemon.letTimePass(55);
+
+    QCOMPARE(announced(), QStringList());
+    QCOMPARE(trace().size(), records);
+}
+
+void TestWifiAttempt::otherCallsAreAnsweredWhileConnectIsOutstanding()
+{
+    connman.holdMethod(connectLab);
+    reach("association");
+
+    QElapsedTimer timer;
+    qint64 slowest = 0;
+    for (int call = 0; call < 20; ++call) {
+        timer.start();
+        QCOMPARE(wifi.call("getStrength"), QString("({})"));
+        slowest = qMax(slowest, timer.elapsed());
+    }
+    QVERIFY2(slowest < 50, qPrintable(QString::number(slowest)));
+    QCOMPARE(wifi.call("scan"), QString("()"));
+    QCOMPARE(announced(), QStringList());
+}
+
+void TestWifiAttempt::theAgentAnswersWhileConnectIsOutstanding()
+{
+    connman.setServices({network("Lab", "idle")});
+    connman.askOnConnect(lab, {{"Passphrase", ConnmanStandIn::field("mandatory", "psk")}});
+    begin();
+    join();
+    letModuleSwitch();
+    QVERIFY(connman.waitForCall(connectLab));
+
+    QCOMPARE(connman.requestInput(lab, {{"Identity", ConnmanStandIn::field("mandatory")}}),
+             QString("({\"Identity\": <\"me\">})"));
+
+    // Both answers of one connect are given: the stand-in's own question was the first.
+    QCOMPARE(connman.requestInput(lab, {{"Identity", ConnmanStandIn::field("mandatory")}}),
+             QString("net.connman.Agent.Error.Canceled: "));
+    QCOMPARE(announced(), QStringList{association});
+}
+
+void TestWifiAttempt::aFailedConnectDecidesNothing()
+{
+    connman.failMethod(connectLab, "net.connman.Error.Failed", "Input/output error");
+    reach("association");
+    QVERIFY(daemon.waitForLog("Input/output error"));
+
+    QCOMPARE(announced(), QStringList());
+    announceService("ready");
+    QCOMPARE(announced(), QStringList{configuration});
+}
+
+void TestWifiAttempt::aConnectThatTimesOutDecidesNothing()
+{
+    connman.holdMethod(connectLab);
+    reach("association");
+
+    daemon.letTimePass(25);
+    QVERIFY(daemon.waitForLog("Connect:"));
+
+    QCOMPARE(announced(), QStringList());
+    connman.releaseMethod(connectLab);
+    announceService("ready");
+    QCOMPARE(announced(), QStringList{configuration});
+}
+
+void TestWifiAttempt::anEarlierConnectsReplyDoesNotDisturbALaterOne()
+{
+    connman.holdMethod(connectLab);
+    reach("association");
+    announceService("failure");
+    connman.setServices({network("Lab", "failure"), network("Office", "idle")});
+    join("Office");
+    letModuleSwitch();
+    QVERIFY(connman.waitForCall("Service.Connect " + networkPath("Office")));
+    QCOMPARE(announced(), (QStringList{failure, association}));
+
+    connman.failMethod(connectLab, "net.connman.Error.OperationAborted", "Operation aborted");
+    connman.releaseMethod(connectLab);
+    QVERIFY(daemon.waitForLog("Connect:"));
+
+    QCOMPARE(announced(), QStringList());
+    connman.storeProperty(networkPath("Office"), "State", "ready");
+    connman.emitServicesChanged();
+    QCOMPARE(announced(), QStringList{state("WIFI", networkPath("Office"), "configuration")});
+}
+
+void TestWifiAttempt::aConnectUnderWayIsLeftAlone_data()
+{
+    QTest::addColumn<QString>("name");
+    for (const char *name : {"association", "configuration", "online"})
+        QTest::newRow(name) << name;
+}
+
+void TestWifiAttempt::aConnectUnderWayIsLeftAlone()
+{
+    QFETCH(QString, name);
+    reach(name);
+    const int records = trace().size();
+
+    QCOMPARE(join("Office"), QString("()"));
+    QCOMPARE(wifi.call("scan"), QString("()"));
+
+    QCOMPARE(announced(), QStringList());
+    QCOMPARE(orders(), QStringList());
+    QCOMPARE(script.log(), (QStringList{"start 1", "end 1"}));
+    QCOMPARE(trace().mid(records), (QStringList{"connect OP:connect " + name + " Lab",
+                                                "scan OP:connect " + name + " Lab"}));
+}
+
+void TestWifiAttempt::aConnectWhileTheScriptRunsFails()
+{
+    connman.setServices({network("Lab", "idle")});
+    begin();
+    script.hold();
+    join();
+    QVERIFY(script.waitFor("start 1"));
+
+    QCOMPARE(join("Office"), cannotSwitch);
+
+    QCOMPARE(announced(), QStringList{failure});
+    script.release();
+    letModuleSwitch();
+    QCOMPARE(announced(), QStringList());
+    QCOMPARE(orders(), QStringList());
+    QCOMPARE(script.log(), (QStringList{"start 1", "end 1"}));
+}
+
+void TestWifiAttempt::aConnectWithoutAScriptFails()
+{
+    script.remove();
+    begin();
+
+    QCOMPARE(join(), cannotSwitch);
+
+    QCOMPARE(announced(), QStringList{failure});
+    QCOMPARE(trace(), QStringList{"connect OP:connect failure Lab"});
+}
+
+void TestWifiAttempt::aConnectWithoutConnmandFailsAndAsksNothing()
+{
+    // On the bus all the same, under a name that pidof does not look for.
+    connman.kill();
+    connman.start("networkd");
+    connman.setServices({network("Lab", "idle")});
+    begin();
+
+    QCOMPARE(join(), QString("()"));
+    letModuleSwitch();
+
+    QCOMPARE(announced(), QStringList{failure});
+    QCOMPARE(connman.journal(), QStringList());
+    QCOMPARE(trace().last(), QString("slotLoadFirmwareFinishedDelayed OP:connect failure Lab"));
+}
+
+void TestWifiAttempt::aConnectDuringTheTwoSecondsIsEvaluatedThen()
+{
+    connman.setServices({network("Lab", "idle"), network("Office", "idle")});
+    begin();
+    join();
+    waitForScripts();
+
+    QCOMPARE(join("Office"), QString("()"));
+    letModuleSwitch();
+
+    QVERIFY(connman.waitForCall("Service.Connect"));
+    QCOMPARE(announced(), QStringList{association});
+    QCOMPARE(orders(),
+             (QStringList{registerAgent, "Service.Connect " + networkPath("Office") + " ()"}));
+    QCOMPARE(script.log(), (QStringList{"start 1", "end 1", "start 1", "end 1"}));
+}
+
+void TestWifiAttempt::changesWhileTheScriptRunsLeaveOnlyATrace()
+{
+    reach("configuration");
+    connman.setProperty(lab, "Error", "connect-failed");
+    QCOMPARE(announced(), QStringList{labFailure});
+    orders();
+    const int records = trace().size();
+    script.hold();
+    join();
+
+    connman.emitServicesChanged();
+    connman.setProperty(ConnmanStandIn::wifiTechnology, "Powered", true);
+    connman.setProperty(ConnmanStandIn::wifiTechnology, "Connected", true);
+    connman.setProperty(lab, "IPv4", address);
+    connman.setProperty(lab, "Error", "connect-failed");
+    connman.setProperty(lab, "Strength", QVariant::fromValue(uchar(41)));
+
+    QCOMPARE(announced(), QStringList());
+    QCOMPARE(connman.journal(), QStringList());
+    QStringList expected;
+    for (const char *method : {"connect", "servicesChangedSlot", "technologyPropertyChangedSlot",
+                               "technologyPropertyChangedSlot", "servicePropertyChangedSlot",
+                               "servicePropertyChangedSlot", "servicePropertyChangedSlot"})
+        expected << method + QString(" OP:connect idle Lab");
+    QCOMPARE(trace().mid(records), expected);
+}
+
+void TestWifiAttempt::aConnectMayFollowAFailure()
+{
+    reach("association");
+    announceService("failure");
+    QCOMPARE(announced(), QStringList{failure});
+    connman.storeProperty(lab, "State", "idle");
+
+    QCOMPARE(join(), QString("()"));
+    letModuleSwitch();
+
+    QVERIFY(connman.waitForCall(connectLab));
+    QCOMPARE(announced(), QStringList{association});
+    QCOMPARE(orders(), (QStringList{registerAgent, connectLab}));
+}
+
+WORLD_TEST_MAIN(TestWifiAttempt)
+#include "test_wifiattempt.moc"

@@ -1,0 +1,511 @@
+#include "wifitest.h"
+
+#include <QDBusMetaType>
+
+using Texts = QMap<QString, QString>;
+Q_DECLARE_METATYPE(Texts)
+
+/** Joining a Wi-Fi network, on the running daemon. */
+class TestWifiConnect : public WifiTest
+{
+    Q_OBJECT
+
+private Q_SLOTS:
+    void initTestCase();
+
+    void aNetworkIsJoined();
+    void theTraceTellsEachStep();
+    void aNetworkThatTheScanBringsIsJoined();
+    void aTechnologyThatIsConnectedIsNotAskedToConnect();
+    void aTechnologyThatConnectsByItselfIsTaken();
+    void aTechnologyThatConnectsWithoutARequestIsNot();
+    void connectAnnouncesNothingByItself();
+    void missingKeysAreEmptyTexts();
+    void valuesOfOtherTypesAreEmptyTexts();
+
+    void aNetworkThatIsNotListedFails_data();
+    void aNetworkThatIsNotListedFails();
+    void aNetworkThatVanishesFails();
+    void theServiceDecidesWhileIdle_data();
+    void theServiceDecidesWhileIdle();
+    void theServiceDecidesWhileAssociating_data();
+    void theServiceDecidesWhileAssociating();
+    void theServiceDecidesWhileConfiguring_data();
+    void theServiceDecidesWhileConfiguring();
+    void afterOnlineByTheServiceNothingIsJudged();
+    void anOnlineServiceIsOnlineAgain();
+
+    void anAddressMakesItOnline_data();
+    void anAddressMakesItOnline();
+    void anAddressThatIsThereMakesItOnlineAtOnce();
+    void settingsThatWereJustHandedOverAreWaitedFor();
+    void settingsThatWereRefusedAreNotWaitedFor();
+    void settingsAreHandedOverOnceConnected();
+
+    void anErrorOfTheServiceFails();
+    void anErrorThatIsForgottenIsNone();
+    void theStrengthIsPassedOn();
+    void aStrengthThatIsNoneIsNotPassedOn_data();
+    void aStrengthThatIsNoneIsNotPassedOn();
+    void theServiceBeforeIsNoLongerHeard();
+    void otherPropertiesAreIgnored();
+};
+
+void TestWifiConnect::initTestCase()
+{
+    qDBusRegisterMetaType<Texts>();
+}
+
+void TestWifiConnect::aNetworkIsJoined()
+{
+    connman.setAsyncScan(true);
+    begin();
+
+    QCOMPARE(join(), QString("()"));
+    letModuleSwitch();
+    QVERIFY(connman.waitForCall(powerOn));
+    QCOMPARE(script.log(), (QStringList{"start 1", "end 1"}));
+    connman.setProperty(ConnmanStandIn::wifiTechnology, "Powered", true);
+    QVERIFY(connman.waitForCall(asyncScan));
+    connman.setServices({network("Lab", "idle")});
+    connman.emitServicesChanged();
+    QVERIFY(connman.waitForCall(connectLab));
+    QCOMPARE(announced(), QStringList{association});
+    QCOMPARE(orders(), (QStringList{powerOn, asyncScan, registerAgent, connectLab}));
+
+    announceService("ready");
+    QCOMPARE(announced(), QStringList{configuration});
+    QCOMPARE(orders(), (QStringList{nameservers, settings}));
+
+    connman.setProperty(lab, "IPv4", address);
+    QCOMPARE(announced(), QStringList{online});
+    QCOMPARE(orders(), QStringList());
+}
+
+void TestWifiConnect::theTraceTellsEachStep()
+{
+    reach("online");
+    announceService("online");
+    settle();
+
+    QByteArray expected;
+    for (const char *record :
+         {"connect\nOP:connect\nidle", "slotLoadFirmwareFinished\nOP:connect\nidle",
+          "registerAgent\nOP:connect\nassociation", "sendRequestConnect\nOP:connect\nassociation",
+          "servicesChangedSlot\nOP:connect\nassociation",
+          "slotLoadFirmwareFinishedDelayed\nOP:connect\nassociation",
+          "servicesChangedSlot\nOP:connect\nconfiguration",
+          "servicePropertyChangedSlot\nOP:connect\nonline", "servicesChangedSlot\nOP:none\nonline"})
+        expected += QByteArray("----------------------------\n") + record + "\nLab\n";
+    QCOMPARE(readFile("/tmp/logkywifi"), expected);
+}
+
+void TestWifiConnect::aNetworkThatTheScanBringsIsJoined()
+{
+    begin();
+    join();
+    letModuleSwitch();
+    QVERIFY(connman.waitForCall(powerOn));
+    connman.setServices({network("Office", "idle"), network("Lab", "idle")});
+
+    connman.setProperty(ConnmanStandIn::wifiTechnology, "Powered", true);
+
+    QVERIFY(connman.waitForCall(connectLab));
+    QCOMPARE(announced(), QStringList{association});
+    QCOMPARE(orders(), (QStringList{powerOn, registerAgent, connectLab}));
+}
+
+void TestWifiConnect::aTechnologyThatIsConnectedIsNotAskedToConnect()
+{
+    connman.setServices({network("Lab", "idle")});
+    connman.storeProperty(ConnmanStandIn::wifiTechnology, "Connected", true);
+    begin();
+
+    join();
+    letModuleSwitch();
+
+    QCOMPARE(announced(), (QStringList{association, configuration}));
+    settle();
+    QCOMPARE(orders(), (QStringList{nameservers, settings}));
+}
+
+void TestWifiConnect::aTechnologyThatConnectsByItselfIsTaken()
+{
+    connman.setServices({network("Lab", "association")});
+    begin();
+    join();
+    letModuleSwitch();
+    QCOMPARE(announced(), QStringList());
+
+    connman.setProperty(ConnmanStandIn::wifiTechnology, "Connected", true);
+
+    QCOMPARE(announced(), QStringList{configuration});
+    QCOMPARE(orders(), (QStringList{nameservers, settings}));
+}
+
+void TestWifiConnect::aTechnologyThatConnectsWithoutARequestIsNot()
+{
+    connman.setServices({network("Lab", "idle")});
+    begin();
+    wifi.call("scan");
+    letModuleSwitch();
+    announced();
+
+    connman.setProperty(ConnmanStandIn::wifiTechnology, "Connected", true);
+
+    QCOMPARE(announced(), QStringList());
+}
+
+void TestWifiConnect::connectAnnouncesNothingByItself()
+{
+    script.remove();
+    begin();
+    join();
+    QCOMPARE(announced(), QStringList{failure});
+    script.install();
+    script.hold();
+
+    QCOMPARE(join(), QString("()"));
+
+    QCOMPARE(announced(), QStringList());
+    QCOMPARE(trace().last(), QString("connect OP:connect idle Lab"));
+}
+
+void TestWifiConnect::missingKeysAreEmptyTexts()
+{
+    connman.setServices({network("", "idle")});
+    begin();
+
+    QCOMPARE(wifi.call("connect", {QVariantMap()}), QString("()"));
+    letModuleSwitch();
+
+    QVERIFY(connman.waitForCall("Service.Connect"));
+    QCOMPARE(connman.requestInput(lab, {{"Passphrase", ConnmanStandIn::field("mandatory")},
+                                        {"Identity", ConnmanStandIn::field("mandatory")}}),
+             QString("({\"Identity\": <\"\">, \"Passphrase\": <\"\">})"));
+}
+
+void TestWifiConnect::valuesOfOtherTypesAreEmptyTexts()
+{
+    connman.setServices({network("", "idle")});
+    begin();
+
+    QCOMPARE(
+        wifi.call("connect", {QVariantMap{{"Service", QVariant::fromValue(Texts{{"Lab", "Lab"}})},
+                                          {"User", QVariantMap{{"User", "me"}}},
+                                          {"Password", QVariantList{1, "secret"}},
+                                          {"Other", QVariant::fromValue(Texts{{"a", "b"}})}}}),
+        QString("()"));
+    letModuleSwitch();
+
+    QVERIFY(connman.waitForCall("Service.Connect"));
+    QCOMPARE(connman.requestInput(lab, {{"Passphrase", ConnmanStandIn::field("mandatory")},
+                                        {"Username", ConnmanStandIn::field("mandatory")}}),
+             QString("({\"Passphrase\": <\"\">, \"Username\": <\"\">})"));
+}
+
+void TestWifiConnect::aNetworkThatIsNotListedFails_data()
+{
+    QTest::addColumn<QString>("name");
+    QTest::newRow("other") << "Office";
+    QTest::newRow("another case") << "lab";
+    QTest::newRow("a cable's name") << "Wired";
+    QTest::newRow("hidden, without a name") << "";
+    QTest::newRow("longer than any") << QString(100000, QLatin1Char('a'));
+}
+
+void TestWifiConnect::aNetworkThatIsNotListedFails()
+{
+    QFETCH(QString, name);
+    connman.setServices({{QDBusObjectPath("/net/connman/service/ethernet_02_cable"),
+                          {{"Type", "ethernet"}, {"Name", "Wired"}, {"State", "idle"}}},
+                         {QDBusObjectPath("/net/connman/service/wifi_02_hidden_managed_psk"),
+                          {{"Type", "wifi"}, {"State", "idle"}}},
+                         network("Lab", "idle")});
+    begin();
+
+    QCOMPARE(join(name), QString("()"));
+    letModuleSwitch();
+
+    QCOMPARE(announced(), QStringList{failure});
+    QCOMPARE(orders(), QStringList());
+    QCOMPARE(trace().last(), "slotLoadFirmwareFinishedDelayed OP:none failure " + name.left(255));
+}
+
+void TestWifiConnect::aNetworkThatVanishesFails()
+{
+    reach("association");
+
+    connman.setServices({network("Office", "idle")});
+    connman.emitServicesChanged();
+    QCOMPARE(announced(), QStringList{failure});
+
+    connman.setServices({network("Lab", "ready")});
+    connman.emitServicesChanged();
+    QCOMPARE(announced(), QStringList());
+    QCOMPARE(orders(), QStringList());
+}
+
+void TestWifiConnect::theServiceDecidesWhileIdle_data()
+{
+    QTest::addColumn<QString>("serviceState");
+    QTest::addColumn<QStringList>("expected");
+    QTest::newRow("idle") << "idle" << QStringList{association};
+    for (const char *name : {"failure", "association", "configuration", "ready", "disconnect"})
+        QTest::newRow(name) << name << QStringList();
+    QTest::newRow("online") << "online" << QStringList{state("WIFI", "", "online")};
+}
+
+void TestWifiConnect::theServiceDecidesWhileIdle()
+{
+    QFETCH(QString, serviceState);
+    QFETCH(QStringList, expected);
+    connman.setServices({network("Lab", serviceState)});
+    begin();
+
+    join();
+    letModuleSwitch();
+
+    QCOMPARE(announced(), expected);
+    QCOMPARE(orders(),
+             serviceState == "idle" ? (QStringList{registerAgent, connectLab}) : QStringList());
+}
+
+void TestWifiConnect::theServiceDecidesWhileAssociating_data()
+{
+    QTest::addColumn<QString>("serviceState");
+    QTest::addColumn<QStringList>("expected");
+    for (const char *name : {"idle", "association", "configuration", "disconnect"})
+        QTest::newRow(name) << name << QStringList();
+    QTest::newRow("failure") << "failure" << QStringList{failure};
+    QTest::newRow("ready") << "ready" << QStringList{configuration};
+    QTest::newRow("online") << "online" << QStringList{state("WIFI", "", "online")};
+}
+
+void TestWifiConnect::theServiceDecidesWhileAssociating()
+{
+    QFETCH(QString, serviceState);
+    QFETCH(QStringList, expected);
+    reach("association");
+
+    announceService(serviceState);
+
+    QCOMPARE(announced(), expected);
+    QCOMPARE(orders(),
+             serviceState == "ready" ? (QStringList{nameservers, settings}) : QStringList());
+}
+
+void TestWifiConnect::theServiceDecidesWhileConfiguring_data()
+{
+    QTest::addColumn<QString>("serviceState");
+    QTest::addColumn<QStringList>("expected");
+    for (const char *name :
+         {"idle", "failure", "association", "configuration", "ready", "disconnect"})
+        QTest::newRow(name) << name << QStringList();
+    QTest::newRow("online") << "online" << QStringList{online};
+}
+
+void TestWifiConnect::theServiceDecidesWhileConfiguring()
+{
+    QFETCH(QString, serviceState);
+    QFETCH(QStringList, expected);
+    reach("configuration");
+
+    announceService(serviceState);
+
+    QCOMPARE(announced(), expected);
+    QCOMPARE(orders(), QStringList());
+}
+
+void TestWifiConnect::afterOnlineByTheServiceNothingIsJudged()
+{
+    reach("configuration");
+    announceService("online");
+    QCOMPARE(announced(), QStringList{online});
+
+    connman.setServices({});
+    connman.emitServicesChanged();
+
+    QCOMPARE(announced(), QStringList());
+    QCOMPARE(trace().last(), QString("servicesChangedSlot OP:none online Lab"));
+}
+
+void TestWifiConnect::anOnlineServiceIsOnlineAgain()
+{
+    reach("online");
+
+    announceService("online");
+    announceService("online");
+
+    QCOMPARE(announced(), QStringList{online});
+}
+
+void TestWifiConnect::anAddressMakesItOnline_data()
+{
+    QTest::addColumn<QVariant>("ipv4");
+    QTest::addColumn<bool>("isAddress");
+    QTest::newRow("address") << QVariant(address) << true;
+    QTest::newRow("none yet") << QVariant(QVariantMap{{"Method", "dhcp"}}) << false;
+    QTest::newRow("empty") << QVariant(QVariantMap()) << false;
+    QTest::newRow("text") << QVariant("Address") << false;
+    QTest::newRow("number") << QVariant(1) << false;
+    QTest::newRow("list") << QVariant(QStringList("Address")) << false;
+    QTest::newRow("map of texts") << QVariant::fromValue(Texts{{"Address", "10.0.0.7"}}) << false;
+}
+
+void TestWifiConnect::anAddressMakesItOnline()
+{
+    QFETCH(QVariant, ipv4);
+    QFETCH(bool, isAddress);
+    reach("configuration");
+
+    connman.setProperty(lab, "IPv4", ipv4);
+
+    QCOMPARE(announced(), isAddress ? QStringList{online} : QStringList());
+}
+
+void TestWifiConnect::anAddressThatIsThereMakesItOnlineAtOnce()
+{
+    reach("association");
+    connman.storeProperty(lab, "IPv4", address);
+
+    announceService("ready");
+
+    QCOMPARE(announced(), (QStringList{configuration, online}));
+    QCOMPARE(orders(), (QStringList{nameservers, settings}));
+}
+
+void TestWifiConnect::settingsThatWereJustHandedOverAreWaitedFor()
+{
+    reach("association");
+    wifi.call("setIPv4", {QVariantMap{{"Method", "manual"}, {"Address", "10.0.0.8"}}});
+    connman.storeProperty(lab, "IPv4", address);
+
+    announceService("ready");
+
+    QCOMPARE(announced(), QStringList{configuration});
+    connman.setProperty(lab, "IPv4", QVariantMap{{"Method", "manual"}, {"Address", "10.0.0.8"}});
+    QCOMPARE(announced(), QStringList{online});
+}
+
+void TestWifiConnect::settingsThatWereRefusedAreNotWaitedFor()
+{
+    reach("association");
+    wifi.call("setIPv4", {QVariantMap{{"Method", "manual"}, {"Address", "10.0.0.8"}}});
+    connman.storeProperty(lab, "IPv4", address);
+    connman.failMethod("Service.SetProperty", "net.connman.Error.InvalidArguments", "no");
+
+    announceService("ready");
+
+    QCOMPARE(announced(), (QStringList{configuration, online}));
+}
+
+void TestWifiConnect::settingsAreHandedOverOnceConnected()
+{
+    reach("association");
+    QCOMPARE(wifi.call("setIPv4", {QVariantMap{{"Method", "manual"},
+                                               {"Address", "10.0.0.8"},
+                                               {"DNS1", "10.0.0.1"},
+                                               {"DNS2", "10.0.0.2"}}}),
+             QString("()"));
+    QCOMPARE(orders(), QStringList());
+
+    announceService("ready");
+
+    QCOMPARE(announced(), QStringList{configuration});
+    QCOMPARE(orders(),
+             (QStringList{"Service.SetProperty " + lab +
+                              " (\"Nameservers.Configuration\", <[\"10.0.0.1\", \"10.0.0.2\"]>)",
+                          "Service.SetProperty " + lab +
+                              " (\"IPv4.Configuration\", <{\"Address\": <\"10.0.0.8\">, "
+                              "\"Gateway\": <\"10.0.0.1\">, \"Method\": <\"manual\">, "
+                              "\"Netmask\": <\"255.0.0.0\">}>)"}));
+}
+
+void TestWifiConnect::anErrorOfTheServiceFails()
+{
+    reach("configuration");
+
+    connman.setProperty(lab, "Error", "invalid-key");
+
+    QCOMPARE(announced(), QStringList{labFailure});
+    QCOMPARE(orders(), QStringList{powerOff});
+    QCOMPARE(trace().last(), QString("servicePropertyChangedSlot OP:none failure Lab"));
+}
+
+void TestWifiConnect::anErrorThatIsForgottenIsNone()
+{
+    reach("configuration");
+
+    connman.setProperty(lab, "Error", "");
+
+    QCOMPARE(announced(), QStringList());
+    QCOMPARE(orders(), QStringList());
+}
+
+void TestWifiConnect::theStrengthIsPassedOn()
+{
+    reach("online");
+
+    connman.setProperty(lab, "Strength", QVariant::fromValue(uchar(41)));
+
+    QCOMPARE(announced(),
+             QStringList{"WIFI.propertyChanged(\"" + lab + "\", \"Strength\", <y:41>)"});
+    QCOMPARE(wifi.call("getStrength"), QString("({\"Strength\": <y:41>})"));
+}
+
+void TestWifiConnect::aStrengthThatIsNoneIsNotPassedOn_data()
+{
+    QTest::addColumn<QVariant>("strength");
+    QTest::newRow("map") << QVariant(QVariantMap{{"Strength", 1}});
+    QTest::newRow("map of texts") << QVariant::fromValue(Texts{{"Strength", "1"}});
+    QTest::newRow("list") << QVariant(QStringList("1"));
+}
+
+void TestWifiConnect::aStrengthThatIsNoneIsNotPassedOn()
+{
+    QFETCH(QVariant, strength);
+    reach("online");
+
+    connman.setProperty(lab, "Strength", strength);
+
+    QCOMPARE(announced(), QStringList());
+    QCOMPARE(wifi.call("getStrength"), QString("({})"));
+}
+
+void TestWifiConnect::theServiceBeforeIsNoLongerHeard()
+{
+    reach("configuration");
+    connman.setProperty(lab, "Error", "connect-failed");
+    connman.setServices({network("Lab", "idle"), network("Office", "idle")});
+    join("Office");
+    letModuleSwitch();
+    QVERIFY(connman.waitForCall("Service.Connect " + networkPath("Office")));
+    connman.storeProperty(networkPath("Office"), "State", "ready");
+    connman.emitServicesChanged();
+    QCOMPARE(announced(), (QStringList{labFailure, state("WIFI", lab, "association"),
+                                       state("WIFI", networkPath("Office"), "configuration")}));
+
+    connman.setProperty(lab, "Error", "connect-failed");
+    connman.setProperty(lab, "IPv4", address);
+    connman.setProperty(lab, "Strength", QVariant::fromValue(uchar(41)));
+
+    QCOMPARE(announced(), QStringList());
+}
+
+void TestWifiConnect::otherPropertiesAreIgnored()
+{
+    reach("configuration");
+
+    connman.setProperty(lab, "State", "online");
+    connman.setProperty(lab, "Name", "Office");
+    connman.setProperty(lab, "Ethernet", address);
+    connman.setProperty(ConnmanStandIn::wifiTechnology, "Connected", true);
+    connman.setProperty(ConnmanStandIn::wifiTechnology, "Powered", false);
+
+    QCOMPARE(announced(), QStringList());
+    QCOMPARE(orders(), QStringList());
+}
+
+WORLD_TEST_MAIN(TestWifiConnect)
+#include "test_wificonnect.moc"

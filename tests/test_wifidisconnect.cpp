@@ -1,0 +1,336 @@
+#include "busmonitor.h"
+#include "wifitest.h"
+
+/** Leaving a Wi-Fi network, and what is known of it; on the running daemon. */
+class TestWifiDisconnect : public WifiTest
+{
+    Q_OBJECT
+
+private Q_SLOTS:
+    void theNetworkIsForgottenAndTheTechnologyPoweredOff();
+    void idleFollowsWhenTheTechnologyIsOff();
+    void theTraceTellsEachStep();
+    void anAttemptIsEnded();
+    void withoutAServiceNothingIsForgotten();
+    void aNetworkCanBeJoinedAfterwards();
+    void argumentsAreRefused();
+
+    void aServiceThatIsNotForgottenIsReported();
+    void aTechnologyThatStaysOnIsReportedAndEndsIdle();
+    void theCallerSeesTheFirstOfTwoErrors();
+    void aTechnologyThatIsOffAlreadyEndsIdle();
+    void aTechnologyThatIsOffWithoutSayingSoEndsIdle();
+    void withoutConnManItEndsIdle();
+    void aConnManThatDiesMeanwhileEndsIdle();
+    void aScriptThatRunsDoesNotHinderTheEnd();
+    void theServiceThatIsLeftDecidesNothing();
+    void nothingElseIsStartedMeanwhile();
+
+    void withoutAServiceThereIsNoStrength();
+    void theStrengthIsConnMans();
+    void theAddressesAreTheServices();
+    void withoutAServiceTheHardwareIsTheInterfaces();
+    void settingsNeedTheTechnology();
+
+private:
+    QString disconnect() { return wifi.call("disconnect"); }
+    void power(bool on) { connman.setProperty(ConnmanStandIn::wifiTechnology, "Powered", on); }
+    void reachPowered(const QString &name);
+
+    const QString disconnecting = state("WIFI", lab, "disconnect");
+    const QString idle = state("WIFI", lab, "idle");
+};
+
+/** reach() with a technology that ConnMan says to be on. */
+void TestWifiDisconnect::reachPowered(const QString &name)
+{
+    reach(name);
+    connman.storeProperty(ConnmanStandIn::wifiTechnology, "Powered", true);
+}
+
+void TestWifiDisconnect::theNetworkIsForgottenAndTheTechnologyPoweredOff()
+{
+    reachPowered("online");
+
+    QCOMPARE(disconnect(), QString("()"));
+
+    QCOMPARE(announced(), QStringList{disconnecting});
+    QCOMPARE(orders(), (QStringList{removeLab, powerOff, unregisterAgent}));
+    QCOMPARE(script.log(), (QStringList{"start 1", "end 1"}));
+}
+
+void TestWifiDisconnect::idleFollowsWhenTheTechnologyIsOff()
+{
+    reachPowered("online");
+    disconnect();
+    QCOMPARE(announced(), QStringList{disconnecting});
+
+    power(false);
+    power(false);
+
+    QCOMPARE(announced(), QStringList{idle});
+    QCOMPARE(trace().last(), QString("technologyPropertyChangedSlot OP:none idle Lab"));
+}
+
+void TestWifiDisconnect::theTraceTellsEachStep()
+{
+    reachPowered("online");
+    const int records = trace().size();
+
+    disconnect();
+    power(false);
+    settle();
+
+    QCOMPARE(trace().mid(records), (QStringList{"unregisterAgent OP:none disconnect Lab",
+                                                "disconnect OP:none disconnect Lab",
+                                                "technologyPropertyChangedSlot OP:none idle Lab"}));
+}
+
+void TestWifiDisconnect::anAttemptIsEnded()
+{
+    reachPowered("association");
+    QCOMPARE(disconnect(), QString("()"));
+    announceService("ready");
+    power(false);
+
+    QCOMPARE(announced(),
+             (QStringList{state("WIFI", "", "disconnect"), state("WIFI", "", "idle")}));
+    QCOMPARE(orders(), (QStringList{powerOff, unregisterAgent}));
+}
+
+void TestWifiDisconnect::withoutAServiceNothingIsForgotten()
+{
+    begin();
+    connman.storeProperty(ConnmanStandIn::wifiTechnology, "Powered", true);
+
+    QCOMPARE(disconnect(), QString("()"));
+
+    QCOMPARE(announced(), QStringList{state("WIFI", "", "disconnect")});
+    QCOMPARE(orders(), (QStringList{powerOff, unregisterAgent}));
+}
+
+void TestWifiDisconnect::aNetworkCanBeJoinedAfterwards()
+{
+    reachPowered("online");
+    disconnect();
+    power(false);
+    announced();
+    orders();
+    connman.storeProperty(lab, "State", "idle");
+
+    QCOMPARE(join(), QString("()"));
+    letModuleSwitch();
+
+    QVERIFY(connman.waitForCall(connectLab));
+    QCOMPARE(announced(), QStringList{state("WIFI", lab, "association")});
+    QCOMPARE(orders(), (QStringList{registerAgent, connectLab}));
+}
+
+void TestWifiDisconnect::argumentsAreRefused()
+{
+    reachPowered("online");
+
+    for (const char *method : {"disconnect", "scan", "getStrength"})
+        QVERIFY(
+            wifi.call(method, {"any"}).startsWith("org.freedesktop.DBus.Error.UnknownMethod: "));
+
+    QCOMPARE(announced(), QStringList());
+    QCOMPARE(orders(), QStringList());
+}
+
+void TestWifiDisconnect::aServiceThatIsNotForgottenIsReported()
+{
+    reachPowered("online");
+    connman.failMethod(removeLab, "net.connman.Error.NotSupported", "Not supported");
+
+    QCOMPARE(disconnect(), failed("Cannot remove service"));
+
+    QCOMPARE(orders(), (QStringList{removeLab, powerOff, unregisterAgent}));
+    power(false);
+    QCOMPARE(announced(), (QStringList{disconnecting, idle}));
+}
+
+void TestWifiDisconnect::aTechnologyThatStaysOnIsReportedAndEndsIdle()
+{
+    reachPowered("online");
+    connman.failMethod(powerOff, "net.connman.Error.PermissionDenied", "Permission denied");
+
+    QCOMPARE(disconnect(), failed("Cannot set property Powered: Permission denied"));
+
+    QCOMPARE(announced(), (QStringList{disconnecting, idle}));
+    QCOMPARE(orders(), (QStringList{removeLab, powerOff, unregisterAgent}));
+}
+
+void TestWifiDisconnect::theCallerSeesTheFirstOfTwoErrors()
+{
+    reachPowered("online");
+    connman.failMethod(removeLab, "net.connman.Error.NotSupported", "Not supported");
+    connman.failMethod(powerOff, "net.connman.Error.PermissionDenied", "Permission denied");
+    BusMonitor monitor;
+
+    QCOMPARE(disconnect(), failed("Cannot remove service"));
+
+    int errors = 0;
+    for (const QString &line : monitor.takeFromDaemon())
+        errors += line.startsWith("error ") ? 1 : 0;
+    QCOMPARE(errors, 1);
+    QCOMPARE(announced(), (QStringList{disconnecting, idle}));
+    QCOMPARE(orders(), (QStringList{removeLab, powerOff, unregisterAgent}));
+}
+
+void TestWifiDisconnect::aTechnologyThatIsOffAlreadyEndsIdle()
+{
+    reach("online");
+
+    QVERIFY(disconnect().startsWith(failed("Cannot set property Powered: ")));
+
+    QCOMPARE(announced(), (QStringList{disconnecting, idle}));
+}
+
+void TestWifiDisconnect::aTechnologyThatIsOffWithoutSayingSoEndsIdle()
+{
+    reach("online");
+    connman.replyToMethod("Technology.SetProperty", {});
+
+    QCOMPARE(disconnect(), QString("()"));
+
+    QCOMPARE(announced(), (QStringList{disconnecting, idle}));
+}
+
+void TestWifiDisconnect::withoutConnManItEndsIdle()
+{
+    reachPowered("online");
+    connman.kill();
+
+    QCOMPARE(disconnect(), failed("Cannot remove service"));
+    QCOMPARE(announced(), (QStringList{disconnecting, idle}));
+
+    // Without a service to forget it is the power that fails.
+    daemon.stop();
+    begin();
+    QVERIFY(disconnect().startsWith(failed("Cannot set property Powered: ")));
+    QCOMPARE(announced(),
+             (QStringList{state("WIFI", "", "disconnect"), state("WIFI", "", "idle")}));
+}
+
+void TestWifiDisconnect::aConnManThatDiesMeanwhileEndsIdle()
+{
+    reachPowered("online");
+    QCOMPARE(disconnect(), QString("()"));
+    QCOMPARE(announced(), QStringList{disconnecting});
+    connman.kill();
+    daemon.letTimePass(10);
+    QCOMPARE(announced(), QStringList());
+
+    daemon.letTimePass(5);
+
+    QCOMPARE(recorder->waitFor(1), QStringList{idle});
+}
+
+void TestWifiDisconnect::aScriptThatRunsDoesNotHinderTheEnd()
+{
+    connman.setServices({network("Lab", "idle")});
+    begin();
+    connman.storeProperty(ConnmanStandIn::wifiTechnology, "Powered", true);
+    script.hold();
+    join();
+    QVERIFY(script.waitFor("start 1"));
+    QCOMPARE(disconnect(), QString("()"));
+
+    power(false);
+
+    QCOMPARE(announced(),
+             (QStringList{state("WIFI", "", "disconnect"), state("WIFI", "", "idle")}));
+    // The module is evaluated for nobody.
+    orders();
+    script.release();
+    letModuleSwitch();
+    QCOMPARE(announced(), QStringList());
+    QCOMPARE(orders(), QStringList());
+}
+
+void TestWifiDisconnect::theServiceThatIsLeftDecidesNothing()
+{
+    reachPowered("online");
+    disconnect();
+
+    connman.setProperty(lab, "IPv4", address);
+    connman.setProperty(lab, "Error", "connect-failed");
+    power(true);
+    connman.setProperty(ConnmanStandIn::wifiTechnology, "Connected", false);
+    QCOMPARE(announced(), QStringList{disconnecting});
+
+    power(false);
+    QCOMPARE(announced(), QStringList{idle});
+    QCOMPARE(orders(), (QStringList{removeLab, powerOff, unregisterAgent}));
+}
+
+void TestWifiDisconnect::nothingElseIsStartedMeanwhile()
+{
+    reachPowered("online");
+    disconnect();
+    announced();
+    const int records = trace().size();
+
+    QCOMPARE(join("Office"), QString("()"));
+    QCOMPARE(wifi.call("scan"), QString("()"));
+
+    QCOMPARE(announced(), QStringList());
+    QCOMPARE(script.log(), (QStringList{"start 1", "end 1"}));
+    QCOMPARE(trace().mid(records),
+             (QStringList{"connect OP:none disconnect Lab", "scan OP:none disconnect Lab"}));
+}
+
+void TestWifiDisconnect::withoutAServiceThereIsNoStrength()
+{
+    connman.setServices({network("Lab", "idle")});
+    begin();
+    QCOMPARE(wifi.call("getStrength"), QString("({})"));
+    QVERIFY(!QFile::exists("/tmp/logkywifi"));
+}
+
+void TestWifiDisconnect::theStrengthIsConnMans()
+{
+    reach("configuration");
+    QCOMPARE(wifi.call("getStrength"), QString("({\"Strength\": <y:70>})"));
+    connman.setServices({});
+    QCOMPARE(wifi.call("getStrength"), QString("({})"));
+}
+
+void TestWifiDisconnect::theAddressesAreTheServices()
+{
+    reach("online");
+    connman.storeProperty(lab, "Ethernet",
+                          QVariantMap{{"Method", "auto"}, {"Interface", "wifi_sta"}});
+
+    QCOMPARE(wifi.call("getIPv4"),
+             QString("({\"Address\": <\"10.0.0.7\">, \"Method\": <\"dhcp\">})"));
+    QCOMPARE(wifi.call("getHardwareInfos"),
+             QString("({\"Interface\": <\"wifi_sta\">, \"Method\": <\"auto\">})"));
+}
+
+void TestWifiDisconnect::withoutAServiceTheHardwareIsTheInterfaces()
+{
+    begin();
+    QCOMPARE(wifi.call("getHardwareInfos"), QString("({})"));
+    QCOMPARE(QProcess::execute("ip", {"link", "add", "wifi_sta", "address", "02:aa:bb:cc:dd:04",
+                                      "mtu", "1400", "type", "veth"}),
+             0);
+
+    const QString infos = wifi.call("getHardwareInfos");
+
+    QProcess::execute("ip", {"link", "delete", "wifi_sta"});
+    QCOMPARE(infos, QString("({\"Address\": <\"02:AA:BB:CC:DD:04\">, \"Interface\": "
+                            "<\"wifi_sta\">, \"MTU\": <q:1400>, \"Method\": <\"\">})"));
+}
+
+void TestWifiDisconnect::settingsNeedTheTechnology()
+{
+    begin();
+    connman.setTechnologies({});
+    QCOMPARE(wifi.call("setIPv4", {QVariantMap{{"Method", "dhcp"}}}),
+             failed("Cannot get property Connected"));
+}
+
+WORLD_TEST_MAIN(TestWifiDisconnect)
+#include "test_wifidisconnect.moc"
