@@ -57,7 +57,8 @@ void Monitor::printLine(const QString &interface, const QString &signal,
     const QDateTime now = QDateTime::currentDateTime();
     if (m_asJson) {
         QJsonObject line;
-        line.insert(QStringLiteral("time"), now.toString(Qt::ISODateWithMs));
+        line.insert(QStringLiteral("time"),
+                    now.toString(QStringLiteral("yyyy-MM-ddTHH:mm:ss.zzz")));
         line.insert(QStringLiteral("interface"), interface);
         line.insert(QStringLiteral("signal"), signal);
         line.insert(QStringLiteral("arguments"), toJson(arguments));
