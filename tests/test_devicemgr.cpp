@@ -213,7 +213,8 @@ void TestDeviceMgr::theHardwareIsInitialisedInOrder()
     QVERIFY(daemon.start());
 
     QStringList operations;
-    for (QString line : Board::journal())
+    const QStringList journal = Board::journal();
+    for (const QString &line : journal)
         operations << line.left(line.indexOf('('));
     operations.removeDuplicates();
     QCOMPARE(

@@ -47,7 +47,10 @@ BrightnessBounds readBounds()
 } // namespace
 
 KyBrightness::KyBrightness(QObject *parent)
-    : QDBusAbstractAdaptor(parent), m_initError(Error::None), m_bounds(readBounds())
+    : QDBusAbstractAdaptor(parent),
+      m_initError(Error::None),
+      m_notifier(nullptr),
+      m_bounds(readBounds())
 {
     setAutoRelaySignals(false);
     m_initError = setUp();
@@ -129,8 +132,8 @@ bool KyBrightness::watchInterrupt()
     if (descriptor < 0)
         return descriptor != noInterrupt;
     // The edge of an interrupt line shows as urgent data.
-    auto notifier = new QSocketNotifier(descriptor, QSocketNotifier::Exception, parent());
-    connect(notifier, SIGNAL(activated(int)), SLOT(handleAlsActivation(int)));
+    m_notifier = new QSocketNotifier(descriptor, QSocketNotifier::Exception, parent());
+    connect(m_notifier, SIGNAL(activated(int)), SLOT(handleAlsActivation(int)));
     return true;
 }
 

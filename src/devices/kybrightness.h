@@ -7,6 +7,7 @@
 #include <QDBusAbstractAdaptor>
 
 class QDBusMessage;
+class QSocketNotifier;
 
 /**
  * The ambient light: its illuminance, and the announcement that it changed by a level.
@@ -64,6 +65,8 @@ private:
 
     int m_initError;
     KyAls m_als;
+    /** Null where no interrupt is watched; the adapted object owns it. */
+    QSocketNotifier *m_notifier;
     BrightnessBounds m_bounds;
 };
 
