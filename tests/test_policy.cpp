@@ -8,6 +8,7 @@ class TestPolicy : public DaemonTest
 private Q_SLOTS:
     void rootMayCall();
     void aMemberOfTheGroupMayCall();
+    void onlyRootMayAskTheAgent();
     void aStrangerMayOnlyLookAndPing();
     void nobodyElseMayOwnTheName();
     void everybodyHearsSignals();
@@ -54,6 +55,21 @@ void TestPolicy::aMemberOfTheGroupMayCall()
     QCOMPARE(busctl("member", call(users, "getUser")), QStringLiteral("s \"user1\""));
     QCOMPARE(busctl("member", call(users, "setUser", {"s", "user2"})), QString());
     QCOMPARE(QFile::symLinkTarget("/tmp/User_part/system"), profile("user2"));
+}
+
+void TestPolicy::onlyRootMayAskTheAgent()
+{
+    QVERIFY(daemon.start());
+    const QStringList request = {
+        "call", service, "/KyComMgr/Agent", "net.connman.Agent", "RequestInput", "oa{sv}",
+        "/s",   "0"};
+    QVERIFY2(busctl("root", request).contains("net.connman.Agent.Error.Canceled") ||
+                 busctl("root", request).startsWith("Call failed"),
+             qPrintable(busctl("root", request)));
+    for (const char *user : {"member", "stranger"}) {
+        const QString answer = busctl(user, request);
+        QVERIFY2(answer.contains("Access") || answer.contains("rejected"), qPrintable(answer));
+    }
 }
 
 void TestPolicy::aStrangerMayOnlyLookAndPing()

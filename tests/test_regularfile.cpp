@@ -23,6 +23,7 @@ private Q_SLOTS:
     void aFileThatIsNotTruncatedKeepsItsEnd();
     void aLinkIsNotFollowed();
     void aLinkToNowhereMakesNoFile();
+    void aSecondNameOfAFileIsRefused();
     void aFifoIsNotWaitedFor();
     void aFifoWithAReaderIsNotWrittenTo();
     void aDeviceIsNotWrittenTo();
@@ -107,6 +108,16 @@ void TestRegularFile::aLinkToNowhereMakesNoFile()
     QVERIFY(!append("new"));
 
     QVERIFY(!QFile::exists(target));
+}
+
+void TestRegularFile::aSecondNameOfAFileIsRefused()
+{
+    const QString precious = m_folder->filePath(QStringLiteral("precious"));
+    writeFile(precious, "keep");
+    QCOMPARE(link(qPrintable(precious), qPrintable(m_path)), 0);
+    QVERIFY(!append("text"));
+    QVERIFY(!append("text", O_TRUNC));
+    QCOMPARE(readFile(precious), QByteArray("keep"));
 }
 
 void TestRegularFile::aFifoIsNotWaitedFor()

@@ -58,7 +58,7 @@ void TestWifiApConfiguration::init()
 
 QString TestWifiApConfiguration::start(const QVariantMap &parameters)
 {
-    const QString reply = wifiAp.call("connect", {parameters});
+    QString reply = wifiAp.call("connect", {parameters});
     waitForScripts();
     return reply;
 }

@@ -17,6 +17,7 @@ public:
 
 private:
     KyEthernet m_ethernet;
+    // Before the access point, which shares the module with it.
     KyWifi m_wifi;
     KyWifiAp m_wifiAp;
 };

@@ -12,7 +12,7 @@ void KyConnmanAgent::setCredentials(const QString &identity, const QString &pass
     m_remainingRequests = 3;
 }
 
-QVariantMap KyConnmanAgent::RequestInput(QDBusObjectPath, QVariantMap fields,
+QVariantMap KyConnmanAgent::RequestInput(const QDBusObjectPath &, const QVariantMap &fields,
                                          const QDBusMessage &message)
 {
     // Stops at zero: ConnMan may ask thousands of times a second.
@@ -25,7 +25,8 @@ QVariantMap KyConnmanAgent::RequestInput(QDBusObjectPath, QVariantMap fields,
     return agentAnswer(fields, m_credentials);
 }
 
-void KyConnmanAgent::ReportError(QDBusObjectPath, QString, const QDBusMessage &message)
+void KyConnmanAgent::ReportError(const QDBusObjectPath &, const QString &,
+                                 const QDBusMessage &message)
 {
     sendErrorReply(QStringLiteral("net.connman.Agent.Error.Retry"), QString(), message);
 }

@@ -33,14 +33,15 @@ public Q_SLOTS:
      * net.connman.Agent.Error.Canceled, with an empty text, for the third request after
      * setCredentials() and for every later one, and before the first setCredentials().
      */
-    QVariantMap RequestInput(QDBusObjectPath service, QVariantMap fields,
+    QVariantMap RequestInput(const QDBusObjectPath &service, const QVariantMap &fields,
                              const QDBusMessage &message);
 
     /**
      * Asks ConnMan to try again, whatever the error was: net.connman.Agent.Error.Retry, with an
      * empty text, always.
      */
-    void ReportError(QDBusObjectPath service, QString error, const QDBusMessage &message);
+    void ReportError(const QDBusObjectPath &service, const QString &error,
+                     const QDBusMessage &message);
 
 private:
     Credentials m_credentials;

@@ -25,6 +25,9 @@ const int startTimeout = 1000;
 // No address, name or method is longer; more would make messages too big for the bus.
 const int longestSetting = 255;
 
+// The name servers of every setIPv4() are kept; no resolver asks as many as this.
+const int mostNameservers = 64;
+
 const auto processFinished =
     static_cast<void (QProcess::*)(int, QProcess::ExitStatus)>(&QProcess::finished);
 
@@ -63,6 +66,8 @@ void KyTcpIp::setIPv4(const QVariantMap &settings, const QDBusMessage &message)
         const QString key = QString::fromLatin1(name);
         if (settings.contains(key))
             m_nameservers << settingText(settings.value(key));
+        if (m_nameservers.size() > mostNameservers)
+            m_nameservers.removeFirst();
     }
     if (m_ipv4Configuration.value(QStringLiteral("Method")) == QStringLiteral("manual"))
         m_ipv4Configuration = repairedIPv4(m_ipv4Configuration);

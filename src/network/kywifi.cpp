@@ -77,8 +77,10 @@ KyWifi::KyWifi(QObject *parent)
     QObject::connect(&m_monitoringTimer, &QTimer::timeout, this, &KyWifi::timeoutMonitoring);
     m_disconnectTimer.setSingleShot(true);
     QObject::connect(&m_disconnectTimer, &QTimer::timeout, this, [this] {
-        if (m_state == KyTcpIpState::Disconnect)
-            setState(KyTcpIpState::Idle);
+        if (m_state != KyTcpIpState::Disconnect)
+            return;
+        const Step step(*this, "timeoutMonitoring");
+        setState(KyTcpIpState::Idle);
     });
 
     QDBusConnection bus = QDBusConnection::systemBus();
@@ -114,9 +116,9 @@ void KyWifi::connect(const QVariantMap &settings, const QDBusMessage &message)
 
 void KyWifi::disconnect(const QDBusMessage &message)
 {
-    const Step step(*this, "disconnect");
     if (!hasNoArguments(message))
         return;
+    const Step step(*this, "disconnect");
     m_operation = NoOperation;
     setState(KyTcpIpState::Disconnect);
 
@@ -140,8 +142,10 @@ void KyWifi::disconnect(const QDBusMessage &message)
 
 void KyWifi::scan(const QDBusMessage &message)
 {
+    if (!hasNoArguments(message))
+        return;
     const Step step(*this, "scan");
-    if (!hasNoArguments(message) || !acceptsConnect())
+    if (!acceptsConnect())
         return;
     m_monitoringTimer.start(scanTimeout);
     setState(KyTcpIpState::Idle);
@@ -167,7 +171,7 @@ void KyWifi::slotLoadFirmwareFinished(int, QProcess::ExitStatus)
 {
     const Step step(*this, "slotLoadFirmwareFinished");
     forgetScript();
-    QTimer::singleShot(moduleDelay, this, &KyWifi::slotLoadFirmwareFinishedDelayed);
+    QTimer::singleShot(moduleDelay, this, SLOT(slotLoadFirmwareFinishedDelayed()));
 }
 
 void KyWifi::slotLoadFirmwareFinishedDelayed()
@@ -176,6 +180,9 @@ void KyWifi::slotLoadFirmwareFinishedDelayed()
     m_firmwareLoaded = 1;
     if (m_state != KyTcpIpState::Idle)
         return;
+    // A scan whose time was over before the module was ready still has to come to its end.
+    if (m_operation == Scan && !m_monitoringTimer.isActive())
+        m_monitoringTimer.start(scanTimeout);
     if (!isProgramRunning(QStringLiteral("connmand")))
         setState(KyTcpIpState::Failure);
     else if (wifiServices(connman::services()).isEmpty())
@@ -225,7 +232,7 @@ void KyWifi::servicesChangedSlot()
 
 void KyWifi::finishScan()
 {
-    const QVariantMap list = wifiScanList(wifiServices(connman::services()));
+    const QVariantMap list = wifiScanList(connman::services());
     m_operation = NoOperation;
     Q_EMIT servicesListChanged(list);
     setTechnologyPowered(false);
@@ -310,11 +317,15 @@ void KyWifi::sendRequestConnect(const QString &path)
     // joined and no client served in the meantime. The outcome shows in ConnMan's signals, so the
     // reply, which may even come in a later attempt, decides nothing.
     auto *reply = new QDBusPendingCallWatcher(connman::connectService(path), this);
-    QObject::connect(reply, &QDBusPendingCallWatcher::finished, reply, [reply] {
-        if (reply->isError())
-            qDebug() << "Connect:" << reply->error().message();
-        reply->deleteLater();
-    });
+    QObject::connect(reply, SIGNAL(finished(QDBusPendingCallWatcher *)), this,
+                     SLOT(connectAnswered(QDBusPendingCallWatcher *)));
+}
+
+void KyWifi::connectAnswered(QDBusPendingCallWatcher *reply)
+{
+    if (reply->isError())
+        qDebug() << "Connect:" << reply->error().message();
+    reply->deleteLater();
 }
 
 void KyWifi::registerAgent()

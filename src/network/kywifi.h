@@ -6,6 +6,7 @@
 #include <QTimer>
 
 class KyConnmanAgent;
+class QDBusPendingCallWatcher;
 
 /**
  * The Wi-Fi station: scans for networks and joins one through ConnMan.
@@ -65,6 +66,7 @@ private Q_SLOTS:
     void servicesChangedSlot();
     void servicePropertyChangedSlot(const QString &name, const QDBusVariant &value) override;
     void timeoutMonitoring();
+    void connectAnswered(QDBusPendingCallWatcher *reply);
 
 private:
     enum Operation { NoOperation, Scan, Connect };

@@ -95,7 +95,7 @@ void KyWifiAp::wpsEnable() {}
 void KyWifiAp::slotLoadFirmwareFinished(int, QProcess::ExitStatus)
 {
     forgetScript();
-    QTimer::singleShot(moduleDelay, this, &KyWifiAp::slotLoadFirmwareFinishedDelayed);
+    QTimer::singleShot(moduleDelay, this, SLOT(slotLoadFirmwareFinishedDelayed()));
 }
 
 void KyWifiAp::slotLoadFirmwareFinishedDelayed()
@@ -109,7 +109,7 @@ void KyWifiAp::slotLoadFirmwareFinishedDelayed()
         return;
     }
     setState(KyTcpIpState::Ready);
-    QTimer::singleShot(onLineDelay, this, &KyWifiAp::slotToSignalInterfaceIsOnLine);
+    QTimer::singleShot(onLineDelay, this, SLOT(slotToSignalInterfaceIsOnLine()));
 }
 
 // Whatever the state is by now: clients know that a check may come after a disconnect.
@@ -121,5 +121,5 @@ void KyWifiAp::slotToSignalInterfaceIsOnLine()
     else if (isRunning(interface))
         setState(KyTcpIpState::Online);
     else
-        QTimer::singleShot(onLineDelay, this, &KyWifiAp::slotToSignalInterfaceIsOnLine);
+        QTimer::singleShot(onLineDelay, this, SLOT(slotToSignalInterfaceIsOnLine()));
 }

@@ -6,10 +6,11 @@
 
 namespace
 {
+/** A file under a second name may be somebody else's, linked here to be written by us. */
 bool isRegular(int descriptor)
 {
     struct stat status = {};
-    return fstat(descriptor, &status) == 0 && S_ISREG(status.st_mode);
+    return fstat(descriptor, &status) == 0 && S_ISREG(status.st_mode) && status.st_nlink == 1;
 }
 } // namespace
 

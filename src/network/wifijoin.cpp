@@ -7,14 +7,14 @@ namespace
 const int anyState = -1;
 
 const struct {
-    int state;
     const char *serviceState;
+    int state;
     JoinStep step;
 } steps[] = {
-    {KyTcpIpState::Idle, "idle", JoinStep::Associate},
-    {KyTcpIpState::Association, "failure", JoinStep::Fail},
-    {KyTcpIpState::Association, "ready", JoinStep::Configure},
-    {anyState, "online", JoinStep::GoOnline},
+    {"idle", KyTcpIpState::Idle, JoinStep::Associate},
+    {"failure", KyTcpIpState::Association, JoinStep::Fail},
+    {"ready", KyTcpIpState::Association, JoinStep::Configure},
+    {"online", anyState, JoinStep::GoOnline},
 };
 } // namespace
 
