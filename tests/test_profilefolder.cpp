@@ -5,6 +5,7 @@
 #include <QTemporaryDir>
 #include <QTest>
 
+#include <fcntl.h>
 #include <sys/stat.h>
 #include <unistd.h>
 
@@ -20,6 +21,7 @@ private Q_SLOTS:
     void extraEntriesAndOtherContentsDoNotMatter();
     void aMissingFileIsNoticed();
     void aMissingHiddenFileInASubfolderIsNoticed();
+    void aMissingHiddenFileIsNoticed();
     void aFileInPlaceOfAFolderIsNoticed();
     void everythingIsCompleteAgainstAMissingReference();
     void aReferenceThatContainsItselfEndsTheComparison();
@@ -37,6 +39,8 @@ private Q_SLOTS:
     void aSourceThatContainsItselfIsRefused();
     void aDestinationThatIsAFileIsRefusedAndKept();
 
+    void aFolderTooDeepToReachIsNotCopiedInSilence();
+    void foldersInsideEachOtherAreTold();
     void aFolderWithALoopIsNotReadable();
     void aMissingFolderIsReadable();
 
@@ -80,6 +84,13 @@ void TestProfileFolder::aMissingHiddenFileInASubfolderIsNoticed()
 {
     copyFolder(path("default"), path("user"));
     QVERIFY(QFile::remove(path("user/.cache/deep/c")));
+    QVERIFY(!isFolderComplete(path("default"), path("user")));
+}
+
+void TestProfileFolder::aMissingHiddenFileIsNoticed()
+{
+    copyFolder(path("default"), path("user"));
+    QVERIFY(QFile::remove(path("user/.hidden")));
     QVERIFY(!isFolderComplete(path("default"), path("user")));
 }
 
@@ -199,6 +210,36 @@ void TestProfileFolder::aDestinationThatIsAFileIsRefusedAndKept()
     QCOMPARE(eraseFolder(path("user")), int(Error::None));
     QCOMPARE(copyFolder(path("default"), path("user")), int(Error::Write));
     QCOMPARE(readFile(path("user")), QByteArray("no folder"));
+}
+
+void TestProfileFolder::aFolderTooDeepToReachIsNotCopiedInSilence()
+{
+    // One name further and the path is longer than the kernel takes.
+    const QByteArray name(200, 'd');
+    const int start = open(".", O_RDONLY | O_DIRECTORY);
+    QCOMPARE(chdir(qPrintable(path("default"))), 0);
+    for (int level = 0; level < 25; ++level) {
+        QCOMPARE(mkdir(name.constData(), 0700), 0);
+        QCOMPARE(chdir(name.constData()), 0);
+    }
+    QCOMPARE(fchdir(start), 0);
+    close(start);
+
+    QVERIFY(!isFolderReadable(path("default")));
+    QCOMPARE(copyFolder(path("default"), path("user")), int(Error::Write));
+}
+
+void TestProfileFolder::foldersInsideEachOtherAreTold()
+{
+    writeFile(path("defaults/a"), "A");
+    QVERIFY(QFile::link(path("default"), path("link")));
+    QVERIFY(isInsideEachOther(path("default"), path("default")));
+    QVERIFY(isInsideEachOther(path("default"), path("link")));
+    QVERIFY(isInsideEachOther(path("default/sub"), path("link")));
+    QVERIFY(isInsideEachOther(path("default"), path("default/sub")));
+    QVERIFY(!isInsideEachOther(path("default"), path("defaults")));
+    QVERIFY(!isInsideEachOther(path("default"), path("missing")));
+    QVERIFY(!isInsideEachOther(path("missing"), path("default")));
 }
 
 void TestProfileFolder::aFolderWithALoopIsNotReadable()

@@ -4,6 +4,21 @@
 
 #include <sys/mount.h>
 
+/** A small file system at a path, for as long as the object lives. */
+class SmallDisk
+{
+public:
+    SmallDisk(const QString &path, const char *size) : m_path(path)
+    {
+        if (mount("tmpfs", qPrintable(m_path), "tmpfs", 0, size) != 0)
+            qFatal("cannot mount a tmpfs at %s", qPrintable(m_path));
+    }
+    ~SmallDisk() { umount2(qPrintable(m_path), MNT_DETACH); }
+
+private:
+    const QString m_path;
+};
+
 /** The user profiles, on the running daemon. */
 class TestUsers : public DaemonTest
 {
@@ -36,6 +51,11 @@ private Q_SLOTS:
     void setUserReplacesAFileInTheLinksPlace();
     void aLinkThatCannotBeMadeInvalidatesTheUser();
     void aLinkThatCannotBeMadeLeavesNoActiveProfile();
+    void aResetIsOnTheDiskWithOneSync();
+    void theDefaultProfileIsNeverErased_data();
+    void theDefaultProfileIsNeverErased();
+    void aProfileFolderThatLeadsNowhereIsRefused();
+    void nobodyCanBeActivated();
     void aProfileFolderThatIsAFileInvalidatesTheUserAndIsKept();
     void aDiskThatIsFullInMidCopyInvalidatesTheUserAndKeepsTheLink();
     void anUnreadableDefaultProfileCostsNoUserItsFiles();
@@ -53,6 +73,7 @@ private Q_SLOTS:
     void factoryResetDoesNotFollowALinkOutOfTheProfile();
 
 private:
+    static QStringList traced(const char *calls, const char *injection);
     bool isUserValid(const QString &user) const;
     void removeDefaultFileAccess();
 
@@ -74,6 +95,20 @@ void TestUsers::removeDefaultFileAccess()
                        QStringLiteral("-dac_override,-dac_read_search")});
 }
 
+/** Starts the daemon with some of the kernel's @p calls answered as @p injection says. */
+QStringList TestUsers::traced(const char *calls, const char *injection)
+{
+    return {"strace",
+            "-D",
+            "-f",
+            "-o",
+            "/dev/null",
+            "-e",
+            QStringLiteral("trace=") + calls,
+            "-e",
+            QStringLiteral("inject=") + injection};
+}
+
 void TestUsers::getUserNamesTheActiveProfile()
 {
     QVERIFY(daemon.start());
@@ -89,6 +124,14 @@ void TestUsers::getUserTakesTheNameFromTheLinkWhateverItIs_data()
                              << "/nowhere";
     QTest::newRow("repeated") << "/tmp/User_part/user2_profile_profile"
                               << "user2";
+    QTest::newRow("path again") << "/tmp/User_part/a/tmp/User_part/b"
+                                << "ab";
+    QTest::newRow("other case") << "/tmp/User_part/user2_PROFILE"
+                                << "user2_PROFILE";
+    QTest::newRow("nothing left") << "/tmp/User_part/_profile"
+                                  << "";
+    QTest::newRow("relative") << "user3_profile"
+                              << "user3";
     QTest::newRow("elsewhere") << "/media/user3_profile"
                                << "/media/user3";
 }
@@ -200,6 +243,9 @@ void TestUsers::startWithoutAnyFolderServesAllTheSame()
 void TestUsers::setUserSwitchesToACompleteProfileAsItIs()
 {
     QVERIFY(daemon.start());
+    QTRY_VERIFY(QFile::exists("/opt/settings.ini"));
+    // What the start stored is out of the way: the switch stores its own.
+    QFile::remove("/opt/settings.ini");
     const QStringList before = snapshot(profile("user2"));
     SignalRecorder recorder("/KyConfigMgr");
 
@@ -210,9 +256,7 @@ void TestUsers::setUserSwitchesToACompleteProfileAsItIs()
     QCOMPARE(QFile::symLinkTarget(system), profile("user2"));
     QCOMPARE(snapshot(profile("user2")), before);
     QCOMPARE(users.call("getUser"), QStringLiteral("(\"user2\")"));
-    daemon.stop();
-    QCOMPARE(QSettings("/opt/settings.ini", QSettings::IniFormat).value("Users/stateuser2"),
-             QVariant("true"));
+    QTRY_COMPARE(readFile("/opt/settings.ini"), QByteArray("[Users]\nstateuser2=true\n"));
 }
 
 void TestUsers::setUserToTheActiveUserDoesNothing()
@@ -300,7 +344,10 @@ void TestUsers::setUserWithoutADefaultProfileTakesAnyFolder()
     QCOMPARE(users.call("setUser", {"user2"}), QStringLiteral("()"));
     QCOMPARE(readFile(profile("user2") + "/measure.conf"), QByteArray("user2"));
     QCOMPARE(users.call("setUser", {"user4"}), QStringLiteral("()"));
+    QVERIFY(QFileInfo(profile("user4")).isDir());
     QCOMPARE(snapshot(profile("user4")), QStringList());
+    QCOMPARE(users.call("factoryReset", {"user2"}), QStringLiteral("()"));
+    QCOMPARE(snapshot(profile("user2")), QStringList());
     QVERIFY(!QFile::exists(profile("default_user")));
 }
 
@@ -343,12 +390,81 @@ void TestUsers::aLinkThatCannotBeMadeInvalidatesTheUser()
 
 void TestUsers::aLinkThatCannotBeMadeLeavesNoActiveProfile()
 {
-    // A file system that holds no further name, once the link has been removed.
-    emptyFolder("/tmp/User_part");
-    QCOMPARE(mount("tmpfs", "/tmp/User_part", "tmpfs", 0, "nr_inodes=2"), 0);
+    // The old link is gone by the time the new one fails.
+    daemon.setWrapper(traced("symlink,symlinkat", "symlink,symlinkat:error=ENOSPC"));
     QVERIFY(daemon.start());
-    QCOMPARE(umount("/tmp/User_part"), 0);
+
+    QCOMPARE(users.call("setUser", {"user2"}),
+             failure("Write", "Not able to overwrite the current user symlink."));
+
     QCOMPARE(users.call("getUser"), failure("Read", "Not able to read the current user."));
+    QVERIFY(!QFileInfo(system).isSymLink());
+}
+
+void TestUsers::aResetIsOnTheDiskWithOneSync()
+{
+    daemon.setWrapper(
+        {"strace", "-D", "-f", "-o", "/tmp/trace", "-e", "trace=syncfs,sync,fsync,fdatasync"});
+    QVERIFY(daemon.start());
+    QTRY_VERIFY(QFile::exists("/opt/settings.ini"));
+    QTRY_VERIFY(!QFile::exists("/opt/settings.ini.lock"));
+    writeFile("/tmp/trace", "");
+
+    QCOMPARE(users.call("factoryReset", {"user2"}), QStringLiteral("()"));
+
+    const QByteArray trace = readFile("/tmp/trace");
+    QVERIFY2(trace.count("sync") == 1 && trace.contains("syncfs("), trace.constData());
+}
+
+void TestUsers::theDefaultProfileIsNeverErased_data()
+{
+    QTest::addColumn<QString>("link");
+    QTest::addColumn<QString>("target");
+    QTest::newRow("user's folder leads to it") << profile("user2") << profile("default_user");
+    QTest::newRow("it leads to the user's") << profile("default_user") << profile("user2");
+    QTest::newRow("user's folder leads into it")
+        << profile("user2") << profile("default_user") + "/display";
+}
+
+void TestUsers::theDefaultProfileIsNeverErased()
+{
+    QFETCH(QString, link);
+    QFETCH(QString, target);
+    removePath(link);
+    QVERIFY(QFile::link(target, link));
+    const QStringList before = snapshot(target);
+    QVERIFY(daemon.start());
+
+    QCOMPARE(users.call("factoryReset", {"user2"}),
+             failure("Write", "The copy of the default folder did not went as expected"));
+
+    QCOMPARE(snapshot(target), before);
+}
+
+void TestUsers::aProfileFolderThatLeadsNowhereIsRefused()
+{
+    removePath(profile("user2"));
+    QVERIFY(QFile::link("/opt/nowhere", profile("user2")));
+    QVERIFY(daemon.start());
+    QCOMPARE(users.call("factoryReset", {"user2"}),
+             failure("Write", "The copy of the default folder did not went as expected"));
+    QCOMPARE(users.call("setUser", {"user2"}),
+             failure("Process", "Error while forcing a reload of the user configurations."));
+    QVERIFY(!QFile::exists("/opt/nowhere"));
+    QCOMPARE(QFile::symLinkTarget(system), profile("user1"));
+}
+
+void TestUsers::nobodyCanBeActivated()
+{
+    QFile::remove(system);
+    for (const char *user : {"user1", "user2", "user3", "user4"}) {
+        removePath(profile(user));
+        writeFile(profile(user), "no folder");
+    }
+    QVERIFY(daemon.start());
+    QCOMPARE(users.call("getUser"), failure("Read", "Not able to read the current user."));
+    for (const char *user : {"user1", "user2", "user3", "user4"})
+        QCOMPARE(users.call("setUser", {user}), invalid);
 }
 
 void TestUsers::aProfileFolderThatIsAFileInvalidatesTheUserAndIsKept()
@@ -368,7 +484,7 @@ void TestUsers::aProfileFolderThatIsAFileInvalidatesTheUserAndIsKept()
 void TestUsers::aDiskThatIsFullInMidCopyInvalidatesTheUserAndKeepsTheLink()
 {
     writeFile(profile("default_user") + "/large", QByteArray(300000, 'x'));
-    QCOMPARE(mount("tmpfs", qPrintable(profile("user2")), "tmpfs", 0, "size=128k"), 0);
+    const SmallDisk disk(profile("user2"), "size=128k");
     QVERIFY(daemon.start());
     SignalRecorder recorder("/KyConfigMgr");
 
@@ -379,7 +495,6 @@ void TestUsers::aDiskThatIsFullInMidCopyInvalidatesTheUserAndKeepsTheLink()
     QCOMPARE(users.call("getUser"), QStringLiteral("(\"user1\")"));
     QCOMPARE(readFile(profile("user1") + "/measure.conf"), QByteArray("user1"));
     QCOMPARE(users.call("setUser", {"user3"}), QStringLiteral("()"));
-    QCOMPARE(umount(qPrintable(profile("user2"))), 0);
 }
 
 void TestUsers::anUnreadableDefaultProfileCostsNoUserItsFiles()
@@ -482,7 +597,7 @@ void TestUsers::factoryResetRefusesAnInvalidUser()
 void TestUsers::factoryResetReportsWhatCannotBeErased()
 {
     QVERIFY(QDir().mkpath(profile("user2") + "/mounted"));
-    QCOMPARE(mount("tmpfs", qPrintable(profile("user2") + "/mounted"), "tmpfs", 0, ""), 0);
+    const SmallDisk disk(profile("user2") + "/mounted", "");
     QVERIFY(daemon.start());
     SignalRecorder recorder("/KyConfigMgr");
 
@@ -491,13 +606,12 @@ void TestUsers::factoryResetReportsWhatCannotBeErased()
 
     QCOMPARE(recorder.take(), QStringList{"Users.changingUser()"});
     QVERIFY(isUserValid("user2"));
-    QCOMPARE(umount(qPrintable(profile("user2") + "/mounted")), 0);
 }
 
 void TestUsers::factoryResetReportsAFailedCopy()
 {
     writeFile(profile("default_user") + "/large", QByteArray(300000, 'x'));
-    QCOMPARE(mount("tmpfs", qPrintable(profile("user2")), "tmpfs", 0, "size=128k"), 0);
+    const SmallDisk disk(profile("user2"), "size=128k");
     QVERIFY(daemon.start());
     SignalRecorder recorder("/KyConfigMgr");
 
@@ -506,7 +620,6 @@ void TestUsers::factoryResetReportsAFailedCopy()
 
     QCOMPARE(recorder.take(), QStringList{"Users.changingUser()"});
     QVERIFY(isUserValid("user2"));
-    QCOMPARE(umount(qPrintable(profile("user2"))), 0);
 }
 
 void TestUsers::factoryResetReportsAnUnreadableDefaultProfileAndErasesNothing()

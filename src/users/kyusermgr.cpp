@@ -40,6 +40,13 @@ QString folderOf(const QString &user)
     return KyUserMgr::M_userFolderPath + user + KyUserMgr::M_userFolderSuffix;
 }
 
+/** Nothing is erased that could not be replaced, and never the default profile itself. */
+bool canReplace(const QString &folder)
+{
+    return isFolderReadable(KyUserMgr::M_defaultFolder) &&
+           !isInsideEachOther(KyUserMgr::M_defaultFolder, folder);
+}
+
 QString usabilityKey(const QString &user)
 {
     return USER_STATE + user;
@@ -104,14 +111,13 @@ void KyUserMgr::factoryReset(QString user, const QDBusMessage &message)
     Q_EMIT changingUser();
 
     const QString folder = folderOf(user);
-    // Nothing is erased that could not be replaced.
-    const bool isDefaultReadable = isFolderReadable(M_defaultFolder);
-    if (isDefaultReadable && eraseFolder(folder) != Error::None) {
+    const bool isReplaceable = canReplace(folder);
+    if (isReplaceable && eraseFolder(folder) != Error::None) {
         sendErrorReply(Error::Process,
                        QStringLiteral("Was not able to erase previous configuration"), message);
         return;
     }
-    const int copied = isDefaultReadable ? copyFolder(M_defaultFolder, folder) : Error::Write;
+    const int copied = isReplaceable ? copyFolder(M_defaultFolder, folder) : Error::Write;
     if (copied != Error::None) {
         sendErrorReply(copied,
                        QStringLiteral("The copy of the default folder did not went as expected"),
@@ -180,8 +186,7 @@ int KyUserMgr::activate(const QString &user)
 {
     const QString folder = folderOf(user);
     const bool isUsable = QFileInfo(folder).isDir() && isFolderComplete(M_defaultFolder, folder);
-    // Nothing is erased that could not be replaced.
-    if (!isUsable && (!isFolderReadable(M_defaultFolder) || eraseFolder(folder) != Error::None ||
+    if (!isUsable && (!canReplace(folder) || eraseFolder(folder) != Error::None ||
                       copyFolder(M_defaultFolder, folder) != Error::None))
         return Error::Process;
 

@@ -3,6 +3,7 @@
 #include "error.h"
 
 #include <QFile>
+#include <QFileInfo>
 
 #include <fcntl.h>
 #include <filesystem>
@@ -31,6 +32,12 @@ bool isAbsence(const std::error_code &error)
     return error == std::errc::no_such_file_or_directory || error == std::errc::not_a_directory;
 }
 
+/** A link to nowhere, or round in a circle, stands for nothing. */
+bool isDangling(const std::error_code &error)
+{
+    return isAbsence(error) || error == std::errc::too_many_symbolic_link_levels;
+}
+
 /** Lists @p folder; false when it is there and cannot be listed. */
 bool list(const fs::path &folder, Listing &listing)
 {
@@ -39,6 +46,8 @@ bool list(const fs::path &folder, Listing &listing)
     for (; !error && entry != fs::directory_iterator(); entry.increment(error)) {
         std::error_code statusError;
         const fs::file_status status = entry->status(statusError);
+        if (statusError && !isDangling(statusError))
+            return false;
         if (fs::is_regular_file(status))
             listing.files.push_back(entry->path().filename());
         else if (fs::is_directory(status))
@@ -147,6 +156,13 @@ bool synchronise(const fs::path &folder)
 bool isFolderComplete(const QString &reference, const QString &folder)
 {
     return isComplete(toPath(reference), toPath(folder), nullptr);
+}
+
+bool isInsideEachOther(const QString &first, const QString &second)
+{
+    const QString one = QFileInfo(first).canonicalFilePath() + QLatin1Char('/');
+    const QString other = QFileInfo(second).canonicalFilePath() + QLatin1Char('/');
+    return one.size() > 1 && other.size() > 1 && (one.startsWith(other) || other.startsWith(one));
 }
 
 bool isFolderReadable(const QString &folder)

@@ -18,6 +18,12 @@
  */
 bool isFolderComplete(const QString &reference, const QString &folder);
 
+/**
+ * Whether one of the two folders is the other one or lies in it, links resolved: erasing the one
+ * would then cost the other its files. False where one of them does not exist.
+ */
+bool isInsideEachOther(const QString &first, const QString &second);
+
 /** Whether every file and subfolder of @p folder, at every depth, can be read. */
 bool isFolderReadable(const QString &folder);
 

@@ -33,6 +33,12 @@ void wakeDaemon()
                                            method.section('.', 0, -2), method.section('.', -1)));
     }
 }
+
+bool isNameOwned()
+{
+    return QDBusConnection::systemBus().interface()->isServiceRegistered(
+        QStringLiteral("com.orvendis.Strandel.BoardManager"));
+}
 } // namespace
 
 Daemon::Daemon()
@@ -92,12 +98,11 @@ void Daemon::resetEnvironment()
 
 bool Daemon::start(const QStringList &arguments)
 {
+    // Until the bus has noticed the end of the daemon before, that one's name would pass for ours.
+    if (!waitUntil([] { return !isNameOwned(); }))
+        return false;
     launch(arguments);
-    return waitUntil([this] {
-               return !isRunning() || QDBusConnection::systemBus().interface()->isServiceRegistered(
-                                          QStringLiteral("com.orvendis.Strandel.BoardManager"));
-           }) &&
-           isRunning();
+    return waitUntil([this] { return !isRunning() || isNameOwned(); }) && isRunning();
 }
 
 void Daemon::launch(const QStringList &arguments)
