@@ -44,6 +44,7 @@ void KyVersion::setEepromInstrument(const QVariantMap &map, const QDBusMessage &
         return;
     }
     m_instrument = withoutDescriptors(map);
+    m_instrument.remove(crc);
     writeRecord(EEPROM_INSTRUMENT, encodeInstrumentRecord(basicMap(fields)), m_instrument, message);
 }
 
@@ -63,6 +64,7 @@ void KyVersion::setEepromMesure(const QVariantMap &map, const QDBusMessage &mess
         return;
     }
     m_measure = withoutDescriptors(map);
+    m_measure.remove(crc);
     const QVector<quint32> coefficients =
         toNumbers(fields.value(QStringLiteral("AdjustementCoefficients")));
     writeRecord(EEPROM_MESURE, encodeMeasureRecord(basicMap(fields), coefficients), m_measure,
