@@ -93,6 +93,9 @@ void KyBrightness::handleAlsActivation(int socket)
     const int level = levelOf(lux);
 
     char event[8];
+    // The kernel keeps the event of a value file until that is read from its beginning; a socket
+    // has none, and refuses.
+    lseek(socket, 0, SEEK_SET);
     // Only drains the event; whatever it holds, the sensor is asked itself.
     const ssize_t drained = read(socket, event, sizeof event);
     static_cast<void>(drained);
