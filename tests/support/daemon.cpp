@@ -7,6 +7,7 @@
 #include <QDBusMessage>
 #include <QTest>
 
+#include <csignal>
 #include <cstdio>
 
 namespace
@@ -113,25 +114,30 @@ void Daemon::launch(const QStringList &arguments)
     command << QStringLiteral("KyBoardManager") << arguments;
     const QString program = command.takeFirst();
     m_process.start(program, command);
-    m_process.waitForStarted();
+    m_isMeantToRun = m_process.waitForStarted();
 }
 
 int Daemon::waitForExit()
 {
-    waitUntil([this] { return !isRunning(); });
+    if (waitUntil([this] { return !isRunning(); }))
+        m_isMeantToRun = false;
     return !isRunning() && m_process.exitStatus() == QProcess::NormalExit ? m_process.exitCode()
                                                                           : -1;
 }
 
 void Daemon::stop()
 {
-    if (!isRunning())
+    if (!m_isMeantToRun)
         return;
+    m_isMeantToRun = false;
     m_process.terminate();
-    if (!m_process.waitForFinished(5000)) {
+    if (isRunning() && !m_process.waitForFinished(5000)) {
         m_process.kill();
         m_process.waitForFinished();
     }
+    const bool isEndedByUs = m_process.exitStatus() == QProcess::CrashExit &&
+                             (m_process.exitCode() == SIGTERM || m_process.exitCode() == SIGKILL);
+    QVERIFY2(isEndedByUs, "the daemon has ended by itself");
 }
 
 bool Daemon::isRunning() const

@@ -36,7 +36,10 @@ public:
     /** Waits for its own end; its exit status, or -1 when it was killed or is still running. */
     int waitForExit();
 
-    /** Ends it as the system does at shutdown. */
+    /**
+     * Ends it as the system does at shutdown. The test fails when it has already ended by itself,
+     * unless waitForExit() has told the test.
+     */
     void stop();
 
     bool isRunning() const;
@@ -56,6 +59,7 @@ private:
 
     QProcess m_process;
     QStringList m_wrapper;
+    bool m_isMeantToRun = false;
     int m_secondsPassed = 0;
     QByteArray m_log;
     QByteArray m_output;
