@@ -1,4 +1,5 @@
 #include "networktest.h"
+#include "programs.h"
 
 /** The Wi-Fi access point, on the running daemon. */
 class TestWifiAp : public NetworkTest
@@ -12,10 +13,11 @@ private Q_SLOTS:
 
     void aScriptThatRunsFails();
     void aScriptThatIsMissingFails();
-    void theScriptsEndIsWhatCounts();
+    void howTheScriptEndsDoesNotMatter();
     void nothingIsCheckedBeforeTheModuleHadTwoSeconds();
     void whateverIsLeftOutFails_data();
     void whateverIsLeftOutFails();
+    void anInterfaceThatIsMissingFails();
     void anInterfaceThatIsDownFails();
 
     void itIsOnLineThreeSecondsLater();
@@ -161,15 +163,18 @@ void TestWifiAp::aScriptThatIsMissingFails()
     QVERIFY(written().contains("\nssid=Lab\n"));
 }
 
-void TestWifiAp::theScriptsEndIsWhatCounts()
+void TestWifiAp::howTheScriptEndsDoesNotMatter()
 {
-    script.setFailure(3);
+    const QString file = "/usr/share/redpine/switch_coex_mode.sh";
+    QVERIFY(QFile::rename(file, "/usr/share/redpine/switch.sh"));
+    writeFile(file, "#!/bin/sh\n/usr/share/redpine/switch.sh \"$@\"\nexit 3\n");
+    QVERIFY(QFile::setPermissions(file, QFile::ReadOwner | QFile::ExeOwner));
     begin();
 
     QCOMPARE(start(lab), QString("()"));
     passModuleDelay();
 
-    QCOMPARE(recorder->waitFor(2), failing);
+    QCOMPARE(recorder->waitFor(2), aps({"configuration", "ready"}));
     QCOMPARE(script.log(), (QStringList{"start 2", "end 2"}));
 }
 
@@ -193,7 +198,7 @@ void TestWifiAp::nothingIsCheckedBeforeTheModuleHadTwoSeconds()
 void TestWifiAp::whateverIsLeftOutFails_data()
 {
     QTest::addColumn<QString>("part");
-    for (const char *part : {"interface", "hostapd", "dhcpd"})
+    for (const char *part : {"hostapd", "dhcpd"})
         QTest::newRow(part) << part;
 }
 
@@ -205,6 +210,20 @@ void TestWifiAp::whateverIsLeftOutFails()
 
     QCOMPARE(start(lab), QString("()"));
     passModuleDelay();
+
+    QCOMPARE(recorder->waitFor(2), failing);
+}
+
+void TestWifiAp::anInterfaceThatIsMissingFails()
+{
+    begin();
+    start(lab);
+    waitForScripts();
+    script.removeInterface();
+    // The interface alone is what is missing.
+    QVERIFY(isProgramRunning("hostapd") && isProgramRunning("dhcpd"));
+
+    daemon.letTimePass(2);
 
     QCOMPARE(recorder->waitFor(2), failing);
 }
