@@ -40,6 +40,9 @@ QString technologyPath(const QString &technology)
 
 namespace
 {
+const QString propertyChanged = QStringLiteral("PropertyChanged");
+const QString propertyChangedSignature = QStringLiteral("sv");
+
 template <typename Type>
 void registerType(const char *name)
 {
@@ -106,6 +109,23 @@ QList<ConnmanObject> services()
 QList<ConnmanObject> technologies()
 {
     return listObjects(QStringLiteral("GetTechnologies"));
+}
+
+// Without its signature given, a signal with other arguments is delivered as well, and the bus
+// library ends the process when it cannot read them as the slot's.
+void watchProperties(const QString &path, const QString &interface, QObject *receiver,
+                     const char *slot)
+{
+    QDBusConnection::systemBus().connect(serviceName, path, interface, propertyChanged,
+                                         QStringList(), propertyChangedSignature, receiver, slot);
+}
+
+void unwatchProperties(const QString &path, const QString &interface, QObject *receiver,
+                       const char *slot)
+{
+    QDBusConnection::systemBus().disconnect(serviceName, path, interface, propertyChanged,
+                                            QStringList(), propertyChangedSignature, receiver,
+                                            slot);
 }
 
 ConnmanObject findObject(const QList<ConnmanObject> &objects, const QString &name,

@@ -11,6 +11,8 @@
 #include <QString>
 #include <QVariant>
 
+class QObject;
+
 /** A service or technology as ConnMan lists it. On the bus: (oa{sv}). */
 struct ConnmanObject {
     QDBusObjectPath path;
@@ -64,6 +66,17 @@ QList<ConnmanObject> services();
 
 /** The technologies; otherwise as services(). */
 QList<ConnmanObject> technologies();
+
+/**
+ * Calls @p slot, which takes a QString and a QDBusVariant, at every "PropertyChanged" of the object
+ * at @p path. A signal of that name with other arguments is not delivered.
+ */
+void watchProperties(const QString &path, const QString &interface, QObject *receiver,
+                     const char *slot);
+
+/** Takes watchProperties() back. */
+void unwatchProperties(const QString &path, const QString &interface, QObject *receiver,
+                       const char *slot);
 
 /** The first of @p objects whose property @p name is @p value; one without path where none is. */
 ConnmanObject findObject(const QList<ConnmanObject> &objects, const QString &name,

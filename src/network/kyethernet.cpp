@@ -18,12 +18,11 @@ KyEthernet::KyEthernet(QObject *parent)
 {
     QObject::connect(&m_monitoringTimer, &QTimer::timeout, this, &KyEthernet::timeoutMonitoring);
 
-    QDBusConnection bus = QDBusConnection::systemBus();
-    bus.connect(connman::serviceName, connman::technologyPath(m_technology),
-                connman::technologyInterface, QStringLiteral("PropertyChanged"), this,
-                SLOT(technologyPropertyChangedSlot(QString, QDBusVariant)));
-    bus.connect(connman::serviceName, connman::managerPath, connman::managerInterface,
-                QStringLiteral("ServicesChanged"), this, SLOT(servicesChangedSlot(QDBusMessage)));
+    connman::watchProperties(connman::technologyPath(m_technology), connman::technologyInterface,
+                             this, SLOT(technologyPropertyChangedSlot(QString, QDBusVariant)));
+    QDBusConnection::systemBus().connect(
+        connman::serviceName, connman::managerPath, connman::managerInterface,
+        QStringLiteral("ServicesChanged"), this, SLOT(servicesChangedSlot(QDBusMessage)));
     setTechnologyPowered(false);
 }
 

@@ -118,15 +118,12 @@ QDBusError KyTcpIp::setTechnologyPowered(bool powered)
 
 void KyTcpIp::watchService(const QString &path)
 {
-    const QString signal = QStringLiteral("PropertyChanged");
     const char *slot = SLOT(servicePropertyChangedSlot(QString, QDBusVariant));
-    QDBusConnection bus = QDBusConnection::systemBus();
     // The signals of a service that is no longer the current one are none of ours.
     if (!m_servicePath.isEmpty() && path != m_servicePath)
-        bus.disconnect(connman::serviceName, m_servicePath, connman::serviceInterface, signal, this,
-                       slot);
+        connman::unwatchProperties(m_servicePath, connman::serviceInterface, this, slot);
     m_servicePath = path;
-    bus.connect(connman::serviceName, path, connman::serviceInterface, signal, this, slot);
+    connman::watchProperties(path, connman::serviceInterface, this, slot);
 }
 
 QDBusError KyTcpIp::applyIPv4()

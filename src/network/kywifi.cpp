@@ -83,12 +83,11 @@ KyWifi::KyWifi(QObject *parent)
         setState(KyTcpIpState::Idle);
     });
 
-    QDBusConnection bus = QDBusConnection::systemBus();
-    bus.connect(connman::serviceName, connman::technologyPath(m_technology),
-                connman::technologyInterface, QStringLiteral("PropertyChanged"), this,
-                SLOT(technologyPropertyChangedSlot(QString, QDBusVariant)));
-    bus.connect(connman::serviceName, connman::managerPath, connman::managerInterface,
-                QStringLiteral("ServicesChanged"), this, SLOT(servicesChangedSlot()));
+    connman::watchProperties(connman::technologyPath(m_technology), connman::technologyInterface,
+                             this, SLOT(technologyPropertyChangedSlot(QString, QDBusVariant)));
+    QDBusConnection::systemBus().connect(
+        connman::serviceName, connman::managerPath, connman::managerInterface,
+        QStringLiteral("ServicesChanged"), this, SLOT(servicesChangedSlot()));
     setTechnologyPowered(false);
     offerAgent();
 }
