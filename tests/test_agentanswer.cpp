@@ -1,5 +1,7 @@
 #include "agentanswer.h"
+#include "kyconnmanagent.h"
 
+#include <QDBusMessage>
 #include <QTest>
 
 /** Choosing the answer to a request for credentials. */
@@ -13,6 +15,7 @@ private Q_SLOTS:
     void identityAndUsernameBothGetTheIdentity();
     void emptyCredentialsAreAnsweredEmpty();
     void thousandsOfOtherFieldsChangeNothing();
+    void thousandsOfRequestsLeadToNoThirdAnswer();
 };
 
 namespace
@@ -92,6 +95,23 @@ void TestAgentAnswer::thousandsOfOtherFieldsChangeNothing()
         fields.insert(QStringLiteral("Field%1").arg(field), requirement("mandatory"));
 
     QCOMPARE(agentAnswer(fields, credentials), (QVariantMap{{"Passphrase", "secret"}}));
+}
+
+void TestAgentAnswer::thousandsOfRequestsLeadToNoThirdAnswer()
+{
+    // Nobody is asking: the refusals reach no bus.
+    qputenv("DBUS_SYSTEM_BUS_ADDRESS", "unix:path=/nonexistent");
+    QObject host;
+    KyConnmanAgent agent(&host);
+    agent.setCredentials(credentials.identity, credentials.passphrase);
+    const QVariantMap fields = {{"Passphrase", requirement("mandatory")}};
+
+    int answers = 0;
+    // More than a 16-bit number can count down.
+    for (int request = 0; request < 70000; ++request)
+        answers += agent.RequestInput({}, fields, QDBusMessage()).isEmpty() ? 0 : 1;
+
+    QCOMPARE(answers, 2);
 }
 
 QTEST_GUILESS_MAIN(TestAgentAnswer)
