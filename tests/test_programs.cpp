@@ -85,16 +85,19 @@ void TestPrograms::pidofIsGivenTheNameAlone()
 void TestPrograms::aPidofThatHangsIsEndedAfterASecond()
 {
     makePidof("echo $$ >" + path("pid").toLocal8Bit() + "\nexec sleep 60");
-    QElapsedTimer timer;
-    timer.start();
+    pid_t pid = 0;
+    // A busy machine may end it before it has said who it is.
+    for (int attempt = 0; attempt < 20 && pid == 0; ++attempt) {
+        QElapsedTimer timer;
+        timer.start();
+        QVERIFY(!isProgramRunning("connmand"));
+        QVERIFY(timer.elapsed() >= 900);
+        QVERIFY(timer.elapsed() < 30000);
+        pid = readFile(path("pid")).trimmed().toInt();
+    }
 
-    QVERIFY(!isProgramRunning("connmand"));
-
-    QVERIFY(timer.elapsed() >= 900);
-    const pid_t pid = readFile(path("pid")).trimmed().toInt();
     QVERIFY(pid > 0);
     QTRY_VERIFY(::kill(pid, 0) != 0);
-    QVERIFY(timer.elapsed() < 30000);
 }
 
 void TestPrograms::theRealPidofKnowsThisTest()
