@@ -42,7 +42,9 @@ private Q_SLOTS:
     void settingsThatWereRefusedAreNotWaitedFor();
     void settingsAreHandedOverOnceConnected();
 
+    void configurationIsAnnouncedBeforeTheSettingsAreHandedOver();
     void anErrorOfTheServiceFails();
+    void aFailureIsAnnouncedBeforeTheTechnologyIsPoweredOff();
     void anErrorThatIsForgottenIsNone();
     void theStrengthIsPassedOn();
     void aStrengthThatIsNoneIsNotPassedOn_data();
@@ -422,6 +424,18 @@ void TestWifiConnect::settingsAreHandedOverOnceConnected()
                               "\"Netmask\": <\"255.0.0.0\">}>)"}));
 }
 
+void TestWifiConnect::configurationIsAnnouncedBeforeTheSettingsAreHandedOver()
+{
+    reach("association");
+    connman.holdMethod("Service.SetProperty");
+
+    announceService("ready");
+
+    QVERIFY(connman.waitForCall("Service.SetProperty"));
+    QTRY_COMPARE(recorder->recorded(), QStringList{configuration});
+    connman.releaseMethod("Service.SetProperty");
+}
+
 void TestWifiConnect::anErrorOfTheServiceFails()
 {
     reach("configuration");
@@ -431,6 +445,18 @@ void TestWifiConnect::anErrorOfTheServiceFails()
     QCOMPARE(announced(), QStringList{labFailure});
     QCOMPARE(orders(), QStringList{powerOff});
     QCOMPARE(trace().last(), QString("servicePropertyChangedSlot OP:none failure Lab"));
+}
+
+void TestWifiConnect::aFailureIsAnnouncedBeforeTheTechnologyIsPoweredOff()
+{
+    reach("configuration");
+    connman.holdMethod(powerOff);
+
+    connman.setProperty(lab, "Error", "invalid-key");
+
+    QVERIFY(connman.waitForCall(powerOff));
+    QTRY_COMPARE(recorder->recorded(), QStringList{labFailure});
+    connman.releaseMethod(powerOff);
 }
 
 void TestWifiConnect::anErrorThatIsForgottenIsNone()

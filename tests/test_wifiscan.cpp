@@ -22,8 +22,10 @@ private Q_SLOTS:
     void aScanSwitchesTheModulePowersItAndListsWhatComes();
     void networksThatAreKnownAreListedWithoutPowering();
     void networksThatComeWithThePowerAreListedWithoutAsking();
+    void aTechnologyThatCannotBeAskedMayBringNetworks();
     void aCableDoesNotHinderAScan();
     void theListLeavesHiddenNetworksOutAndNamesEachOnce();
+    void theListIsGivenBeforeTheTechnologyIsPoweredOff();
     void aScanGivesItsListOnce();
     void aScanMayFollowAScan();
     void aScanAfterAFailureAnnouncesIdle();
@@ -151,6 +153,21 @@ void TestWifiScan::networksThatComeWithThePowerAreListedWithoutAsking()
     QCOMPARE(orders(), (QStringList{powerOn, powerOff}));
 }
 
+void TestWifiScan::aTechnologyThatCannotBeAskedMayBringNetworks()
+{
+    begin();
+    startScan();
+    connman.setProperty(ConnmanStandIn::wifiTechnology, "Powered", true);
+    QVERIFY(waitForTrace("sendRequestScan"));
+    QCOMPARE(announced(), QStringList{idle});
+    QCOMPARE(orders(), (QStringList{powerOn, asyncScan}));
+
+    announceServices({network("Lab", "idle")});
+
+    QCOMPARE(announced(), QStringList{list(labEntry)});
+    QCOMPARE(orders(), QStringList{powerOff});
+}
+
 void TestWifiScan::aCableDoesNotHinderAScan()
 {
     const ListedObject cable = {QDBusObjectPath("/net/connman/service/ethernet_02_cable"),
@@ -188,6 +205,19 @@ void TestWifiScan::theListLeavesHiddenNetworksOutAndNamesEachOnce()
                                      "\"Open\": <[\"%3\", \"9\", \"none\"]>")
                                  .arg(networkPath("Caf\u00e9"), labEntry, networkPath("Open"));
     QCOMPARE(announced(), (QStringList{idle, list(expected)}));
+}
+
+void TestWifiScan::theListIsGivenBeforeTheTechnologyIsPoweredOff()
+{
+    begin();
+    startScan();
+    connman.holdMethod(powerOff);
+
+    announceServices({network("Lab", "idle")});
+
+    QVERIFY(connman.waitForCall(powerOff));
+    QTRY_COMPARE(recorder->recorded(), (QStringList{idle, list(labEntry)}));
+    connman.releaseMethod(powerOff);
 }
 
 void TestWifiScan::aScanGivesItsListOnce()
