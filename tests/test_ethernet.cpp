@@ -42,6 +42,7 @@ private Q_SLOTS:
     void malformedServiceListsAreNothingFound_data();
     void malformedServiceListsAreNothingFound();
     void readyHandsTheSettingsToTheService();
+    void readyIsAnnouncedBeforeTheSettingsAreHandedOver();
     void onlineWhenTheTechnologyIsConnected();
     void readyStaysWithoutAValidAddressAndNetmask_data();
     void readyStaysWithoutAValidAddressAndNetmask();
@@ -60,6 +61,7 @@ private Q_SLOTS:
     void settingsThatAreInForceAlreadyAreNotWaitedFor();
     void refusedSettingsAreNotWaitedFor();
     void disconnectPowersTheTechnologyOff();
+    void disconnectIsAnnouncedBeforeTheTechnologyIsPoweredOff();
     void disconnectEndsIdleWhenConnManRefuses();
     void disconnectEndsIdleWithoutConnMan();
     void disconnectWhileIdleIsTheSame();
@@ -493,6 +495,19 @@ void TestEthernet::readyHandsTheSettingsToTheService()
                           getServices}));
 }
 
+void TestEthernet::readyIsAnnouncedBeforeTheSettingsAreHandedOver()
+{
+    startDaemon();
+    connectUntil("association");
+    connman.holdMethod("Service.SetProperty");
+
+    connman.emitServicesChanged();
+
+    QVERIFY(connman.waitForCall("Service.SetProperty"));
+    QTRY_COMPARE(recorder.recorded(), QStringList{state("ready")});
+    connman.releaseMethod("Service.SetProperty");
+}
+
 void TestEthernet::onlineWhenTheTechnologyIsConnected()
 {
     startDaemon();
@@ -725,6 +740,21 @@ void TestEthernet::disconnectPowersTheTechnologyOff()
     QCOMPARE(ethernet.call("disconnect"), QString("()"));
     QCOMPARE(recorder.take(), (QStringList{state("disconnect", cable), state("idle", cable)}));
     QCOMPARE(calls(), QStringList{poweredOff});
+}
+
+void TestEthernet::disconnectIsAnnouncedBeforeTheTechnologyIsPoweredOff()
+{
+    startDaemon();
+    connectUntil("association");
+    connman.holdMethod(poweredOff);
+
+    const QDBusPendingCall reply = ethernet.start("disconnect");
+
+    QVERIFY(connman.waitForCall(poweredOff));
+    QTRY_COMPARE(recorder.recorded(), QStringList{state("disconnect")});
+    QVERIFY(!reply.isFinished());
+    connman.releaseMethod(poweredOff);
+    QCOMPARE(recorder.waitFor(2), (QStringList{state("disconnect"), state("idle")}));
 }
 
 void TestEthernet::disconnectEndsIdleWhenConnManRefuses()

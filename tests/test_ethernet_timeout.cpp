@@ -1,13 +1,9 @@
 #include "ethernettest.h"
 
-#include <QDBusConnection>
-#include <QDBusPendingCall>
-
 namespace
 {
-/** How long a connection attempt may take, and how long a call to ConnMan, in seconds. */
+/** How long a connection attempt may take, in seconds. */
 const int attempt = 60;
-const int call = 25;
 } // namespace
 
 /** What time brings about on the wired interface. */
@@ -20,6 +16,7 @@ private Q_SLOTS:
 
     void anAttemptWithoutAServiceFailsEveryMinute();
     void anAttemptWithoutAnAddressFails();
+    void theFailureIsAnnouncedBeforeTheTechnologyIsPoweredOff();
     void aScriptThatHangsFailsTheAttempt();
     void aFailedStartOfTheScriptFailsOnceMore();
     void aServiceThatTellsItsAddressDoesNotEndTheAttempt();
@@ -45,16 +42,8 @@ void TestEthernetTimeout::init()
 /** The reply to a call of ours during which ConnMan lets the daemon's own call time out. */
 QString TestEthernetTimeout::callWithoutAnswer(const QString &method, const QVariantList &values)
 {
-    QDBusMessage message =
-        QDBusMessage::createMethodCall("com.orvendis.Strandel.BoardManager", "/KyComMgr",
-                                       "com.orvendis.Strandel.BoardManager.Ethernet", method);
-    message.setArguments(values);
-    const QDBusPendingCall pending = QDBusConnection::systemBus().asyncCall(message);
-    // When the daemon begins to wait cannot be seen; a while that passes earlier is no help to it.
-    for (int times = 0; times < 100 && !pending.isFinished(); ++times) {
-        daemon.letTimePass(call);
-        static_cast<void>(QTest::qWaitFor([&] { return pending.isFinished(); }, 100));
-    }
+    const QDBusPendingCall pending = ethernet.start(method, values);
+    daemon.letTimePassUntil([&] { return pending.isFinished(); });
     return renderReply(pending.reply());
 }
 
@@ -70,7 +59,7 @@ void TestEthernetTimeout::anAttemptWithoutAServiceFailsEveryMinute()
         QCOMPARE(calls(), QStringList());
 
         daemon.letTimePass(2);
-        QCOMPARE(recorder.waitFor(1, 2000), QStringList{state("failure")});
+        QCOMPARE(recorder.waitFor(1), QStringList{state("failure")});
         QCOMPARE(calls(), QStringList{poweredOff});
     }
 }
@@ -82,6 +71,19 @@ void TestEthernetTimeout::anAttemptWithoutAnAddressFails()
     daemon.letTimePass(attempt);
     QCOMPARE(recorder.waitFor(1), QStringList{state("failure", cable)});
     QCOMPARE(calls(), QStringList{poweredOff});
+}
+
+void TestEthernetTimeout::theFailureIsAnnouncedBeforeTheTechnologyIsPoweredOff()
+{
+    startDaemon();
+    connectUntil("association");
+    connman.holdMethod(poweredOff);
+
+    daemon.letTimePass(attempt);
+
+    QVERIFY(connman.waitForCall(poweredOff));
+    QTRY_COMPARE(recorder.recorded(), QStringList{state("failure")});
+    connman.releaseMethod(poweredOff);
 }
 
 void TestEthernetTimeout::aScriptThatHangsFailsTheAttempt()

@@ -85,6 +85,16 @@ void Daemon::letTimePass(int seconds)
     wakeDaemon();
 }
 
+void Daemon::letTimePassUntil(const std::function<bool()> &condition)
+{
+    const int call = 25;
+    // When the daemon begins to wait cannot be seen; a while that passes earlier is no help to it.
+    for (int times = 0; times < 100 && !condition(); ++times) {
+        letTimePass(call);
+        static_cast<void>(QTest::qWaitFor(condition, 100));
+    }
+}
+
 void Daemon::setEnvironment(const QString &name, const QString &value)
 {
     QProcessEnvironment environment = m_process.processEnvironment();

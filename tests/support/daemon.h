@@ -23,6 +23,8 @@ public:
      */
     void controlClock();
     void letTimePass(int seconds);
+    /** Lets the time of one call to a peer pass again and again, until @p condition holds. */
+    void letTimePassUntil(const std::function<bool()> &condition);
     /** A variable of the daemon's environment, on top of the test's own. */
     void setEnvironment(const QString &name, const QString &value);
     void resetEnvironment();

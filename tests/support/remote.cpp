@@ -27,9 +27,20 @@ QString Remote::call(const QString &method, const QList<QVariant> &arguments) co
 
 QDBusMessage Remote::reply(const QString &method, const QList<QVariant> &arguments) const
 {
-    QDBusMessage message = QDBusMessage::createMethodCall(m_service, m_path, m_interface, method);
-    message.setArguments(arguments);
-    return QDBusConnection::systemBus().call(message, QDBus::Block, replyTimeout);
+    return QDBusConnection::systemBus().call(message(method, arguments), QDBus::Block,
+                                             replyTimeout);
+}
+
+QDBusPendingCall Remote::start(const QString &method, const QList<QVariant> &arguments) const
+{
+    return QDBusConnection::systemBus().asyncCall(message(method, arguments), replyTimeout);
+}
+
+QDBusMessage Remote::message(const QString &method, const QList<QVariant> &arguments) const
+{
+    QDBusMessage call = QDBusMessage::createMethodCall(m_service, m_path, m_interface, method);
+    call.setArguments(arguments);
+    return call;
 }
 
 QString Remote::property(const QString &name) const

@@ -2,6 +2,7 @@
 #define REMOTE_H
 
 #include <QDBusMessage>
+#include <QDBusPendingCall>
 #include <QString>
 #include <QVariant>
 
@@ -24,10 +25,15 @@ public:
     /** The same, with the reply as it came. */
     QDBusMessage reply(const QString &method, const QList<QVariant> &arguments = {}) const;
 
+    /** Calls @p method without waiting for the reply. */
+    QDBusPendingCall start(const QString &method, const QList<QVariant> &arguments = {}) const;
+
     /** Reads a property through org.freedesktop.DBus.Properties; rendered as by call(). */
     QString property(const QString &name) const;
 
 private:
+    QDBusMessage message(const QString &method, const QList<QVariant> &arguments) const;
+
     QString m_service;
     QString m_path;
     QString m_interface;
