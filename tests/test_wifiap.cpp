@@ -17,6 +17,8 @@ private Q_SLOTS:
     void nothingIsCheckedBeforeTheModuleHadTwoSeconds();
     void whateverIsLeftOutFails_data();
     void whateverIsLeftOutFails();
+    void theProgramsAreAskedForInOrder_data();
+    void theProgramsAreAskedForInOrder();
     void anInterfaceThatIsMissingFails();
     void anInterfaceThatIsDownFails();
 
@@ -212,6 +214,41 @@ void TestWifiAp::whateverIsLeftOutFails()
     passModuleDelay();
 
     QCOMPARE(recorder->waitFor(2), failing);
+}
+
+void TestWifiAp::theProgramsAreAskedForInOrder_data()
+{
+    QTest::addColumn<QByteArray>("pidof");
+    QTest::addColumn<QByteArray>("asked");
+    QTest::addColumn<bool>("found");
+    const QByteArray both = "hostapd\ndhcpd\n";
+    const auto row = [](const char *name, const QByteArray &pidof, const QByteArray &asked,
+                        bool found) { QTest::newRow(name) << pidof << asked << found; };
+    row("both run", "exit 0", both, true);
+    row("hostapd does not run", "[ $1 != hostapd ]", "hostapd\n", false);
+    row("dhcpd does not run", "[ $1 != dhcpd ]", both, false);
+    row("pidof crashes", "kill -SEGV $$", "hostapd\n", false);
+    row("pidof crashes on the second", "[ $1 = hostapd ] || kill -SEGV $$", both, false);
+    row("pidof hangs on the second", "[ $1 = hostapd ] || exec sleep 60", both, false);
+}
+
+void TestWifiAp::theProgramsAreAskedForInOrder()
+{
+    QFETCH(QByteArray, pidof);
+    QFETCH(QByteArray, asked);
+    QFETCH(bool, found);
+    removePath("/tmp/programs");
+    writeFile("/tmp/programs/pidof",
+              "#!/bin/sh\necho \"$*\" >>/tmp/programs/asked\n" + pidof + '\n');
+    QFile::setPermissions("/tmp/programs/pidof", QFile::ReadOwner | QFile::ExeOwner);
+    daemon.setEnvironment("PATH", "/tmp/programs:" + qEnvironmentVariable("PATH"));
+    begin();
+    start(lab);
+
+    passModuleDelay();
+
+    QCOMPARE(recorder->waitFor(2), aps({"configuration", found ? "ready" : "failure"}));
+    QCOMPARE(readFile("/tmp/programs/asked"), asked);
 }
 
 void TestWifiAp::anInterfaceThatIsMissingFails()
