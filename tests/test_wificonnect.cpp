@@ -14,6 +14,7 @@ private Q_SLOTS:
     void initTestCase();
 
     void aNetworkIsJoined();
+    void joiningAsksConnManForNoMore();
     void theTraceTellsEachStep();
     void aNetworkThatTheScanBringsIsJoined();
     void aTechnologyThatIsConnectedIsNotAskedToConnect();
@@ -82,6 +83,23 @@ void TestWifiConnect::aNetworkIsJoined()
     connman.setProperty(lab, "IPv4", address);
     QCOMPARE(announced(), QStringList{online});
     QCOMPARE(orders(), QStringList());
+}
+
+void TestWifiConnect::joiningAsksConnManForNoMore()
+{
+    connman.setServices({network("Lab", "idle")});
+    begin();
+    join();
+    letModuleSwitch();
+    QVERIFY(connman.waitForCall(connectLab));
+    announceService("ready");
+    settle();
+    connman.setProperty(lab, "IPv4", address);
+    QCOMPARE(announced(), (QStringList{association, configuration, online}));
+
+    QCOMPARE(connman.journal(),
+             (QStringList{getServices, getServices, getTechnologies, registerAgent, connectLab,
+                          getServices, nameservers, settings, getServices}));
 }
 
 void TestWifiConnect::theTraceTellsEachStep()

@@ -8,6 +8,7 @@ class TestWifiDisconnect : public WifiTest
 
 private Q_SLOTS:
     void theNetworkIsForgottenAndTheTechnologyPoweredOff();
+    void disconnectIsAnnouncedBeforeAnythingIsAsked();
     void idleFollowsWhenTheTechnologyIsOff();
     void theTraceTellsEachStep();
     void anAttemptIsEnded();
@@ -22,6 +23,8 @@ private Q_SLOTS:
     void aTechnologyThatIsOffWithoutSayingSoEndsIdle();
     void withoutConnManItEndsIdle();
     void aConnManThatDiesMeanwhileEndsIdle();
+    void aConnManThatStandsStillDoesNotHinderTheEnd_data();
+    void aConnManThatStandsStillDoesNotHinderTheEnd();
     void aScriptThatRunsDoesNotHinderTheEnd();
     void theServiceThatIsLeftDecidesNothing();
     void nothingElseIsStartedMeanwhile();
@@ -55,8 +58,22 @@ void TestWifiDisconnect::theNetworkIsForgottenAndTheTechnologyPoweredOff()
     QCOMPARE(disconnect(), QString("()"));
 
     QCOMPARE(announced(), QStringList{disconnecting});
-    QCOMPARE(orders(), (QStringList{removeLab, powerOff, unregisterAgent}));
+    QCOMPARE(connman.journal(),
+             (QStringList{removeLab, getTechnologies, powerOff, unregisterAgent}));
     QCOMPARE(script.log(), (QStringList{"start 1", "end 1"}));
+}
+
+void TestWifiDisconnect::disconnectIsAnnouncedBeforeAnythingIsAsked()
+{
+    reachPowered("online");
+    connman.holdMethod(removeLab);
+
+    const QDBusPendingCall reply = wifi.start("disconnect");
+
+    QVERIFY(connman.waitForCall(removeLab));
+    QTRY_COMPARE(recorder->recorded(), QStringList{disconnecting});
+    QVERIFY(!reply.isFinished());
+    connman.releaseMethod(removeLab);
 }
 
 void TestWifiDisconnect::idleFollowsWhenTheTechnologyIsOff()
@@ -225,6 +242,44 @@ void TestWifiDisconnect::aConnManThatDiesMeanwhileEndsIdle()
     daemon.letTimePass(5);
 
     QCOMPARE(recorder->waitFor(1), QStringList{idle});
+}
+
+void TestWifiDisconnect::aConnManThatStandsStillDoesNotHinderTheEnd_data()
+{
+    QTest::addColumn<QString>("name");
+    QTest::addColumn<QString>("service");
+    QTest::addColumn<QString>("text");
+    const QString power = "Cannot set property Powered: Did not receive a reply.";
+    QTest::newRow("idle") << "idle" << QString() << power;
+    QTest::newRow("association") << "association" << QString() << power;
+    QTest::newRow("configuration") << "configuration" << lab << "Cannot remove service";
+    QTest::newRow("online") << "online" << lab << "Cannot remove service";
+}
+
+void TestWifiDisconnect::aConnManThatStandsStillDoesNotHinderTheEnd()
+{
+    QFETCH(QString, name);
+    QFETCH(QString, service);
+    QFETCH(QString, text);
+    if (name == "idle")
+        begin();
+    else
+        reachPowered(name);
+    connman.freeze();
+
+    const QDBusPendingCall reply = wifi.start("disconnect");
+    daemon.letTimePassUntil([&] { return reply.isFinished(); });
+
+    QVERIFY(renderReply(reply.reply()).startsWith(failed(text)));
+    QCOMPARE(recorder->waitFor(2),
+             (QStringList{state("WIFI", service, "disconnect"), state("WIFI", service, "idle")}));
+
+    connman.thaw();
+    connman.setServices({network("Lab", "idle")});
+    QCOMPARE(join(), QString("()"));
+    letModuleSwitch();
+    QVERIFY(connman.waitForCall(connectLab));
+    QCOMPARE(announced(), QStringList{state("WIFI", service, "association")});
 }
 
 void TestWifiDisconnect::aScriptThatRunsDoesNotHinderTheEnd()

@@ -16,10 +16,11 @@ class TestWifiScan : public WifiTest
 private Q_SLOTS:
     void initTestCase();
 
-    void startPowersTheTechnologyOff();
+    void startPowersTheCableOffThenTheWirelessAndNothingElse();
     void startSucceedsWithoutConnMan();
 
     void aScanSwitchesTheModulePowersItAndListsWhatComes();
+    void theWholeScanAsksConnManForNoMore();
     void networksThatAreKnownAreListedWithoutPowering();
     void networksThatComeWithThePowerAreListedWithoutAsking();
     void aTechnologyThatCannotBeAskedMayBringNetworks();
@@ -92,11 +93,13 @@ QString TestWifiScan::list(const QString &entries)
     return "WIFI.servicesListChanged({" + entries + "})";
 }
 
-void TestWifiScan::startPowersTheTechnologyOff()
+void TestWifiScan::startPowersTheCableOffThenTheWirelessAndNothingElse()
 {
     QVERIFY(daemon.start());
-    QCOMPARE(connman.journal().count(powerOff), 1);
-    QVERIFY(!connman.journal().join(' ').contains("RegisterAgent"));
+    settle();
+    QString cableOff = powerOff;
+    cableOff.replace(ConnmanStandIn::wifiTechnology, ConnmanStandIn::ethernetTechnology);
+    QCOMPARE(connman.journal(), (QStringList{cableOff, powerOff}));
     QVERIFY(!QFile::exists("/tmp/logkywifi"));
 }
 
@@ -128,6 +131,21 @@ void TestWifiScan::aScanSwitchesTheModulePowersItAndListsWhatComes()
     announceServices({network("Lab", "idle")});
     QCOMPARE(announced(), QStringList{list(labEntry)});
     QCOMPARE(orders(), QStringList{powerOff});
+}
+
+void TestWifiScan::theWholeScanAsksConnManForNoMore()
+{
+    connman.setAsyncScan(true);
+    begin();
+    startScan();
+    connman.setProperty(ConnmanStandIn::wifiTechnology, "Powered", true);
+    QVERIFY(connman.waitForCall(asyncScan));
+    announceServices({network("Lab", "idle")});
+    connman.setProperty(ConnmanStandIn::wifiTechnology, "Powered", false);
+    settle();
+
+    QCOMPARE(connman.journal(),
+             (QStringList{getServices, powerOn, getServices, asyncScan, getServices, powerOff}));
 }
 
 void TestWifiScan::networksThatAreKnownAreListedWithoutPowering()

@@ -35,7 +35,9 @@ protected:
     const QString failure = state("WIFI", QString(), "failure");
     const QString labFailure = state("WIFI", lab, "failure");
 
-    // The orders to ConnMan.
+    // Calls as ConnMan's journal shows them.
+    const QString getServices = QStringLiteral("Manager.GetServices / ()");
+    const QString getTechnologies = QStringLiteral("Manager.GetTechnologies / ()");
     const QString powerOn = technology("SetProperty", "\"Powered\", <true>");
     const QString powerOff = technology("SetProperty", "\"Powered\", <false>");
     const QString asyncScan = technology("AsyncScan", "");
