@@ -1,0 +1,51 @@
+# For the scripts beside it: the network namespace "peer", where the other ends of the instrument's
+# links are, each with a DHCP server of its own.
+
+make_peer() {
+    [ ! -e /run/netns/peer ] || return 0
+    mkdir -p /run/netns
+    ip netns add peer
+    ip -n peer link set lo up
+}
+
+count_servers() {
+    ip netns exec peer grep -c ':0043 ' /proc/net/udp || :
+}
+
+# start_server PIDFILE INTERFACE NETWORK: gives the interface, which is up, the first address of the
+# network (such as 10.77.0), and lets a server lease 50 to 99.
+# In the foreground it keeps its user and its groups, which an ordinary user's world cannot change.
+start_server() {
+    ip -n peer address add "$3.1/24" dev "$2"
+    # ConnMan drops DHCP offers without the checksum that a veth leaves to hardware it has not.
+    ip netns exec peer ethtool --offload "$2" tx off >/dev/null
+    servers=$(count_servers)
+    ip netns exec peer dnsmasq --no-daemon --conf-file=/dev/null --user=root --port=0 \
+        --no-ping --interface="$2" --bind-interfaces --dhcp-authoritative \
+        --dhcp-range="$3.50,$3.99,255.255.255.0,1h" \
+        --dhcp-option=option:router,"$3.1" --dhcp-option=option:dns-server,"$3.1" \
+        --dhcp-leasefile="$1.leases" >"$1.log" 2>&1 &
+    echo $! >"$1"
+    # ConnMan's first question would be lost on a server that does not listen yet.
+    attempt=0
+    until [ "$(count_servers)" -gt "$servers" ]; do
+        attempt=$((attempt + 1))
+        if [ "$attempt" -gt 500 ]; then
+            echo "the DHCP server on $2 does not start: $(cat "$1.log")" >&2
+            exit 1
+        fi
+        sleep 0.01
+    done
+}
+
+# stop_server PIDFILE: ends the server, if it runs, even if it is muted.
+stop_server() {
+    [ -e "$1" ] || return 0
+    old=$(cat "$1")
+    rm "$1"
+    kill -CONT "$old" && kill -KILL "$old" || return 0
+    # Its socket would be taken for that of the next one.
+    while readlink "/proc/$old/exe" >/dev/null; do
+        sleep 0.01
+    done
+}

@@ -1,0 +1,114 @@
+#include "air.h"
+
+#include <QDir>
+#include <QFile>
+
+#include <cstdio>
+#include <cstdlib>
+
+namespace
+{
+/** No file of an access point is longer. */
+const qint64 longestText = 1000;
+
+struct Default {
+    const char *folder;
+    const char *ssid;
+    const char *signal;
+    const char *security;
+    const char *passphrase;
+    const char *hidden;
+    const char *refuses;
+};
+
+const Default defaults[] = {
+    {"cafe", "Cafe", "-55", "open", "", "0", "0"},
+    {"workshop", "Workshop", "-48", "wpa2", "seven seas", "0", "0"},
+    {"vault", "Vault", "-62", "wpa2", "open sesame", "1", "0"},
+    {"hall_near", "Hall", "-58", "wpa2", "echo chamber", "0", "0"},
+    {"hall_far", "Hall", "-79", "wpa2", "echo chamber", "0", "0"},
+    {"grumpy", "Grumpy", "-70", "wpa2", "never ever", "0", "1"},
+};
+
+void write(const QString &path, const char *text)
+{
+    QFile file(path);
+    if (!file.open(QIODevice::WriteOnly) || file.write(QByteArray(text) + '\n') < 0) {
+        std::fprintf(stderr, "wpa_supplicant: cannot write %s\n", qPrintable(path));
+        std::exit(EXIT_FAILURE);
+    }
+}
+
+void create(const QString &air)
+{
+    for (const Default &accessPoint : defaults) {
+        const QString folder = air + '/' + QLatin1String(accessPoint.folder);
+        QDir().mkpath(folder);
+        write(folder + QStringLiteral("/ssid"), accessPoint.ssid);
+        write(folder + QStringLiteral("/signal"), accessPoint.signal);
+        write(folder + QStringLiteral("/security"), accessPoint.security);
+        write(folder + QStringLiteral("/passphrase"), accessPoint.passphrase);
+        write(folder + QStringLiteral("/hidden"), accessPoint.hidden);
+        write(folder + QStringLiteral("/in_range"), "1");
+        write(folder + QStringLiteral("/refuses"), accessPoint.refuses);
+    }
+}
+
+/** The first line of every file in @p folder. */
+QMap<QString, QByteArray> texts(const QString &folder)
+{
+    QMap<QString, QByteArray> result;
+    for (const QString &name : QDir(folder).entryList(QDir::Files)) {
+        QFile file(folder + '/' + name);
+        if (!file.open(QIODevice::ReadOnly))
+            continue;
+        QByteArray line = file.readLine(longestText);
+        if (line.endsWith('\n'))
+            line.chop(1);
+        result.insert(name, line);
+    }
+    return result;
+}
+} // namespace
+
+Air::Air() : m_folder(qEnvironmentVariable("STRANDEL_AIR", QStringLiteral("/run/strandel-air")))
+{
+    if (!QDir(m_folder).exists())
+        create(m_folder);
+    QObject::connect(&m_watcher, &QFileSystemWatcher::directoryChanged, this, &Air::changed);
+    QObject::connect(&m_watcher, &QFileSystemWatcher::fileChanged, this, &Air::changed);
+    read();
+}
+
+const AccessPoints &Air::accessPoints()
+{
+    read();
+    return m_accessPoints;
+}
+
+void Air::read()
+{
+    // What is written from here on is announced, and what was written before is read.
+    watch();
+    AccessPoints found;
+    for (const QString &name : QDir(m_folder).entryList(QDir::Dirs | QDir::NoDotAndDotDot)) {
+        const AccessPoint accessPoint =
+            accessPointFrom(texts(m_folder + '/' + name), m_accessPoints.value(name));
+        if (!accessPoint.ssid.isEmpty())
+            found.insert(name, accessPoint);
+    }
+    m_accessPoints = found;
+}
+
+void Air::watch()
+{
+    QStringList paths{m_folder};
+    for (const QString &name : QDir(m_folder).entryList(QDir::Dirs | QDir::NoDotAndDotDot)) {
+        const QDir folder(m_folder + '/' + name);
+        paths << folder.path();
+        for (const QString &file : folder.entryList(QDir::Files))
+            paths << folder.filePath(file);
+    }
+    for (const QString &path : paths)
+        m_watcher.addPath(path);
+}

@@ -1,0 +1,85 @@
+#include "scanresults.h"
+
+namespace
+{
+bool isSameObject(const ScanResults::Result &one, const ScanResults::Result &other)
+{
+    QVariantMap properties = one.properties;
+    const QString signal = QStringLiteral("Signal");
+    properties.insert(signal, other.properties.value(signal));
+    return one.folder == other.folder && one.isNamed == other.isNamed &&
+           properties == other.properties;
+}
+} // namespace
+
+ScanResults::ScanResults(const QString &interfacePath) : m_interfacePath(interfacePath) {}
+
+ScanResults::Difference ScanResults::update(const AccessPoints &air,
+                                            const QList<QByteArray> &askedFor)
+{
+    QList<Result> results;
+    Difference difference;
+    for (auto entry = air.begin(); entry != air.end(); ++entry) {
+        if (!entry->isInRange)
+            continue;
+        const QVariantMap properties = bssProperties(entry.key(), *entry, !entry->isHidden);
+        find({entry.key(), !entry->isHidden, {}, properties}, results, difference);
+        if (entry->isHidden && askedFor.contains(entry->ssid))
+            find({entry.key(), true, {}, bssProperties(entry.key(), *entry, true)}, results,
+                 difference);
+    }
+    for (const Result &result : m_results) {
+        bool isLeft = false;
+        for (const Result &found : results)
+            isLeft = isLeft || found.path == result.path;
+        if (!isLeft)
+            difference.removed << result.path;
+    }
+    m_results = results;
+    return difference;
+}
+
+/** Adds what was found to @p results, as the object that it was before or as a new one. */
+void ScanResults::find(const Result &result, QList<Result> &results, Difference &difference)
+{
+    Result found = result;
+    for (const Result &before : m_results) {
+        if (!isSameObject(before, found))
+            continue;
+        found.path = before.path;
+        if (before.properties != found.properties)
+            difference.changed << found;
+    }
+    if (found.path.path().isEmpty()) {
+        found.path =
+            QDBusObjectPath(QStringLiteral("%1/BSSs/%2").arg(m_interfacePath).arg(++m_lastNumber));
+        difference.added << found;
+    }
+    results << found;
+}
+
+QList<QDBusObjectPath> ScanResults::paths() const
+{
+    QList<QDBusObjectPath> result;
+    for (const Result &entry : m_results)
+        result << entry.path;
+    return result;
+}
+
+QDBusObjectPath ScanResults::pathOf(const QString &folder) const
+{
+    for (const Result &entry : m_results) {
+        if (entry.folder == folder && entry.isNamed)
+            return entry.path;
+    }
+    return QDBusObjectPath(QStringLiteral("/"));
+}
+
+QVariantMap ScanResults::properties(const QString &path) const
+{
+    for (const Result &entry : m_results) {
+        if (entry.path.path() == path)
+            return entry.properties;
+    }
+    return QVariantMap();
+}
