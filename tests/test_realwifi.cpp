@@ -66,7 +66,6 @@ private Q_SLOTS:
     void anAccessPointThatIsGoneCannotBeJoined();
 
 private:
-    static QVariantMap propertiesOf(const QString &path);
     static QString state(const QString &path);
     static QString listing();
     void powerOn();
@@ -98,7 +97,7 @@ void TestRealWifi::init()
     supplicant.start();
     connman.start();
     QCOMPARE(manager.call("RegisterAgent", {QVariant::fromValue(QDBusObjectPath("/agent"))}), done);
-    QTRY_VERIFY(!propertiesOf(technologyPath).isEmpty());
+    QTRY_VERIFY(!RealConnman::properties(technologyPath).isEmpty());
 }
 
 void TestRealWifi::cleanup()
@@ -107,23 +106,9 @@ void TestRealWifi::cleanup()
     supplicant.kill();
 }
 
-QVariantMap TestRealWifi::propertiesOf(const QString &path)
-{
-    const QString method = path == technologyPath ? "GetTechnologies" : "GetServices";
-    const QDBusMessage reply = Remote("net.connman", "/", "net.connman.Manager").reply(method);
-    if (reply.signature() != "a(oa{sv})")
-        return QVariantMap();
-    for (const ListedObject &object :
-         qdbus_cast<ListedObjects>(reply.arguments().at(0).value<QDBusArgument>())) {
-        if (object.path.path() == path)
-            return object.properties;
-    }
-    return QVariantMap();
-}
-
 QString TestRealWifi::state(const QString &path)
 {
-    return propertiesOf(path).value("State").toString();
+    return RealConnman::properties(path).value("State").toString();
 }
 
 /** The wireless networks, sorted: "Workshop 72 psk". */
@@ -170,7 +155,7 @@ QString TestRealWifi::address()
 
 void TestRealWifi::theTechnologyAppears()
 {
-    QCOMPARE(render(propertiesOf(technologyPath)),
+    QCOMPARE(render(RealConnman::properties(technologyPath)),
              QStringLiteral("{\"Connected\": <false>, \"Name\": <\"WiFi\">, \"Powered\": <false>, "
                             "\"Tethering\": <false>, \"TetheringFreq\": <0>, "
                             "\"Type\": <\"wifi\">}"));
@@ -185,9 +170,9 @@ void TestRealWifi::poweringOnAndOffSwitchesTheInterface()
     QVERIFY(!isUp());
     powerOn();
     QVERIFY(isUp());
-    QTRY_COMPARE(propertiesOf(technologyPath).value("Powered").toBool(), true);
+    QTRY_COMPARE(RealConnman::properties(technologyPath).value("Powered").toBool(), true);
     QCOMPARE(wifi.call("SetProperty", {"Powered", QVariant::fromValue(QDBusVariant(false))}), done);
-    QTRY_COMPARE(propertiesOf(technologyPath).value("Powered").toBool(), false);
+    QTRY_COMPARE(RealConnman::properties(technologyPath).value("Powered").toBool(), false);
     QVERIFY(!isUp());
     QCOMPARE(listing(), QString());
 }
@@ -245,6 +230,8 @@ void TestRealWifi::aWrongKeyIsRefusedAndTheRightOneAccepted()
     QCOMPARE(connectTo(workshop), QStringLiteral("net.connman.Error.Failed: Input/output error"));
     QTRY_COMPARE(agent.errors, QStringList{"invalid-key"});
     QCOMPARE(state(workshop), QStringLiteral("idle"));
+    QCOMPARE(RealConnman::properties(workshop).value("Error").toString(),
+             QStringLiteral("invalid-key"));
     QCOMPARE(address(), QString());
     agent.answer = {{"Passphrase", "seven seas"}};
     QCOMPARE(connectTo(workshop), done);

@@ -24,19 +24,6 @@ bool isOnTheBus()
     return QDBusConnection::systemBus().interface()->isServiceRegistered(
         QStringLiteral("net.connman"));
 }
-
-QVariant propertyOf(const QString &path, const QString &list, const QString &name)
-{
-    const QDBusMessage reply = Remote("net.connman", "/", "net.connman.Manager").reply(list);
-    if (reply.signature() != QLatin1String("a(oa{sv})"))
-        return QVariant();
-    for (const ListedObject &object :
-         qdbus_cast<ListedObjects>(reply.arguments().at(0).value<QDBusArgument>())) {
-        if (object.path.path() == path)
-            return object.properties.value(name);
-    }
-    return QVariant();
-}
 } // namespace
 
 const QString RealConnman::technologyPath = QStringLiteral("/net/connman/technology/ethernet");
@@ -109,12 +96,28 @@ void RealConnman::setDhcpServerMute(bool mute)
     change(mute ? QStringLiteral("mute") : QStringLiteral("unmute"));
 }
 
+QVariantMap RealConnman::properties(const QString &path)
+{
+    const QString list = path.startsWith(QStringLiteral("/net/connman/technology/"))
+                             ? QStringLiteral("GetTechnologies")
+                             : QStringLiteral("GetServices");
+    const QDBusMessage reply = Remote("net.connman", "/", "net.connman.Manager").reply(list);
+    if (reply.signature() != QLatin1String("a(oa{sv})"))
+        return QVariantMap();
+    for (const ListedObject &object :
+         qdbus_cast<ListedObjects>(reply.arguments().at(0).value<QDBusArgument>())) {
+        if (object.path.path() == path)
+            return object.properties;
+    }
+    return QVariantMap();
+}
+
 QVariant RealConnman::technology(const QString &name)
 {
-    return propertyOf(technologyPath, QStringLiteral("GetTechnologies"), name);
+    return properties(technologyPath).value(name);
 }
 
 QVariant RealConnman::service(const QString &name)
 {
-    return propertyOf(servicePath, QStringLiteral("GetServices"), name);
+    return properties(servicePath).value(name);
 }

@@ -42,7 +42,11 @@ public:
     /** Whether the DHCP server answers anybody. */
     void setDhcpServerMute(bool mute);
 
-    /** A property as ConnMan gives it; invalid where there is no such object or property. */
+    /** What ConnMan says of a technology or a service; empty where there is no such object. */
+    static QVariantMap properties(const QString &path);
+
+    /** A property of the wired ones as ConnMan gives it; invalid where there is no such object or
+     * property. */
     static QVariant technology(const QString &name);
     static QVariant service(const QString &name);
 

@@ -1,0 +1,255 @@
+#include "daemontest.h"
+#include "modescript.h"
+#include "realconnman.h"
+#include "supplicantstandin.h"
+
+#include <QRegularExpression>
+
+namespace
+{
+/** How long a state may take: connects that fail otherwise do so after a minute. */
+const int deadline = 20000;
+} // namespace
+
+/** The Wi-Fi station of the running daemon, against the real ConnMan, without a radio. */
+class TestWifiConnman : public DaemonTest
+{
+    Q_OBJECT
+
+private Q_SLOTS:
+    void init();
+    void cleanup();
+
+    void aScanListsTheNetworks();
+    void everyScanListsTheNetworksAnew();
+    void anOpenNetworkLeadsOnline();
+    void aProtectedNetworkLeadsOnlineWithItsKey();
+    void aWrongKeyFailsAndTheRightOneThenLeadsOnline();
+    void aNetworkThatRefusesEveryKeyFails();
+    void aNetworkThatIsNotThereFails();
+    void disconnectForgetsTheNetwork();
+    void fromOneNetworkToAnother();
+    void manualSettingsEndOnTheInterface();
+    void outOfRangeTheAddressIsGone();
+
+private:
+    static QString path(const char *ssid, const char *security);
+    QString join(const QString &name, const QString &key = QString());
+    bool waitForRefusal(const QString &service);
+    bool waitForState(const QString &state);
+    QString scan();
+    static QString kernelAddress();
+
+    const Remote wifi{"/KyComMgr", "WIFI"};
+    const QString done = "()";
+    const QString workshop = path("Workshop", "psk");
+    RealConnman connman;
+    SupplicantStandIn supplicant;
+    ModeScript script;
+    QScopedPointer<SignalRecorder> recorder;
+    /** The announcements since the last call, and how many of them were waited for. */
+    QStringList signalsSeen;
+};
+
+void TestWifiConnman::init()
+{
+    DaemonTest::init();
+    script.install();
+    supplicant.start();
+    connman.start();
+    daemon.controlClock();
+    QVERIFY(daemon.start());
+    recorder.reset(new SignalRecorder("/KyComMgr"));
+    signalsSeen.clear();
+}
+
+void TestWifiConnman::cleanup()
+{
+    DaemonTest::cleanup();
+    recorder.reset();
+    connman.kill();
+    supplicant.kill();
+    script.clear();
+}
+
+QString TestWifiConnman::path(const char *ssid, const char *security)
+{
+    return QStringLiteral("/net/connman/service/wifi_02aabbccdd03_%1_managed_%2")
+        .arg(QString::fromLatin1(QByteArray(ssid).toHex()), QLatin1String(security));
+}
+
+QString TestWifiConnman::join(const QString &name, const QString &key)
+{
+    return wifi.call("connect",
+                     {QVariantMap{{"Service", name}, {"User", QString()}, {"Password", key}}});
+}
+
+/** Waits until ConnMan knows that the key of @p service is wrong. */
+bool TestWifiConnman::waitForRefusal(const QString &service)
+{
+    return waitForState("association") &&
+           QTest::qWaitFor(
+               [&] {
+                   return RealConnman::properties(service).value("Error").toString() ==
+                          QLatin1String("invalid-key");
+               },
+               deadline);
+}
+
+/** Waits until @p state is announced, and forgets it and all that was announced before. */
+bool TestWifiConnman::waitForState(const QString &state)
+{
+    const QRegularExpression change("^WIFI\\.propertyChanged\\(\".*\", \"State\", <\"" + state +
+                                    "\">\\)$");
+    return QTest::qWaitFor(
+        [&] {
+            signalsSeen << recorder->take();
+            const int found = signalsSeen.indexOf(change);
+            signalsSeen = signalsSeen.mid(found + 1);
+            return found >= 0;
+        },
+        deadline);
+}
+
+/** Scans; the list as it is announced. */
+QString TestWifiConnman::scan()
+{
+    if (wifi.call("scan") != done)
+        return QStringLiteral("refused");
+    QString list;
+    const auto isListed = [&] {
+        for (const QString &signal : recorder->take()) {
+            if (signal.startsWith("WIFI.servicesListChanged("))
+                list = signal.section('(', 1).section(')', 0, -2);
+        }
+        return !list.isEmpty();
+    };
+    return QTest::qWaitFor(isListed, deadline) ? list : QStringLiteral("none");
+}
+
+/** The address of wifi_sta with the length of its prefix; empty without one. */
+QString TestWifiConnman::kernelAddress()
+{
+    QProcess ip;
+    ip.start("ip", {"-4", "-oneline", "address", "show", "dev", "wifi_sta"});
+    ip.waitForFinished();
+    return QString::fromUtf8(ip.readAllStandardOutput()).section(' ', 6, 6);
+}
+
+void TestWifiConnman::aScanListsTheNetworks()
+{
+    const auto entry = [](const char *name, const char *strength, const char *connmanSecurity,
+                          const char *security) {
+        return QStringLiteral("\"%1\": <[\"%2\", \"%3\", \"%4\"]>")
+            .arg(QLatin1String(name), path(name, connmanSecurity), QLatin1String(strength),
+                 QLatin1String(security));
+    };
+    const QStringList expected = {
+        entry("Cafe", "65", "none", "none"), entry("Grumpy", "50", "psk", "psk"),
+        entry("Hall", "62", "psk", "psk"), entry("Workshop", "72", "psk", "psk")};
+    QCOMPARE(scan(), '{' + expected.join(", ") + '}');
+    QTRY_COMPARE(readFile("/sys/class/net/wifi_sta/operstate"), QByteArray("down\n"));
+}
+
+void TestWifiConnman::everyScanListsTheNetworksAnew()
+{
+    QVERIFY(scan().contains("\"Cafe\""));
+    supplicant.set("cafe/in_range", "0");
+    supplicant.set("kitchen/ssid", "Kitchen");
+    const QString second = scan();
+    QVERIFY2(second.contains("\"Kitchen\"") && !second.contains("\"Cafe\""), qPrintable(second));
+}
+
+void TestWifiConnman::anOpenNetworkLeadsOnline()
+{
+    QCOMPARE(join("Cafe"), done);
+    QVERIFY(waitForState("association"));
+    QVERIFY(waitForState("configuration"));
+    QVERIFY(waitForState("online"));
+    QVERIFY2(kernelAddress().startsWith("10.78.0."), qPrintable(kernelAddress()));
+    QCOMPARE(wifi.call("getStrength"), QStringLiteral("({\"Strength\": <y:65>})"));
+}
+
+void TestWifiConnman::aProtectedNetworkLeadsOnlineWithItsKey()
+{
+    QCOMPARE(join("Workshop", "seven seas"), done);
+    QVERIFY(waitForState("online"));
+    QVERIFY2(kernelAddress().startsWith("10.78.0."), qPrintable(kernelAddress()));
+}
+
+void TestWifiConnman::aWrongKeyFailsAndTheRightOneThenLeadsOnline()
+{
+    QCOMPARE(join("Workshop", "eight seas"), done);
+    QVERIFY(waitForRefusal(workshop));
+    daemon.letTimePass(60);
+    QVERIFY(waitForState("failure"));
+    QCOMPARE(kernelAddress(), QString());
+    QCOMPARE(join("Workshop", "seven seas"), done);
+    QVERIFY(waitForState("online"));
+}
+
+void TestWifiConnman::aNetworkThatRefusesEveryKeyFails()
+{
+    QCOMPARE(join("Grumpy", "never ever"), done);
+    QVERIFY(waitForRefusal(path("Grumpy", "psk")));
+    daemon.letTimePass(60);
+    QVERIFY(waitForState("failure"));
+    QCOMPARE(kernelAddress(), QString());
+}
+
+void TestWifiConnman::aNetworkThatIsNotThereFails()
+{
+    QCOMPARE(join("Nowhere"), done);
+    QVERIFY(waitForState("failure"));
+}
+
+void TestWifiConnman::disconnectForgetsTheNetwork()
+{
+    const QString memory = "/var/lib/connman/" + workshop.section('/', -1) + "/settings";
+    join("Workshop", "seven seas");
+    QVERIFY(waitForState("online"));
+    QVERIFY(readFile(memory).contains("Passphrase=seven seas\n"));
+    QCOMPARE(wifi.call("disconnect"), done);
+    QVERIFY(waitForState("idle"));
+    QTRY_COMPARE(kernelAddress(), QString());
+    QVERIFY(!readFile(memory).contains("Passphrase"));
+    join("Workshop", "eight seas");
+    // Told at once: the station still follows this service.
+    QVERIFY(waitForState("failure"));
+}
+
+void TestWifiConnman::fromOneNetworkToAnother()
+{
+    join("Cafe");
+    QVERIFY(waitForState("online"));
+    wifi.call("disconnect");
+    QVERIFY(waitForState("idle"));
+    join("Hall", "echo chamber");
+    QVERIFY(waitForState("online"));
+    QVERIFY2(kernelAddress().startsWith("10.78.0."), qPrintable(kernelAddress()));
+}
+
+void TestWifiConnman::manualSettingsEndOnTheInterface()
+{
+    QCOMPARE(wifi.call("setIPv4", {QVariantMap{{"Method", "manual"},
+                                               {"Address", "10.78.0.7"},
+                                               {"Netmask", "255.255.255.0"},
+                                               {"Gateway", "10.78.0.1"}}}),
+             done);
+    join("Cafe");
+    QVERIFY(waitForState("online"));
+    QTRY_COMPARE(kernelAddress(), QStringLiteral("10.78.0.7/24"));
+}
+
+void TestWifiConnman::outOfRangeTheAddressIsGone()
+{
+    join("Cafe");
+    QVERIFY(waitForState("online"));
+    supplicant.set("cafe/in_range", "0");
+    QTRY_COMPARE_WITH_TIMEOUT(kernelAddress(), QString(), deadline);
+    QTRY_COMPARE(wifi.call("getIPv4").contains("\"Address\""), false);
+}
+
+WORLD_TEST_MAIN(TestWifiConnman)
+
+#include "test_wifi_connman.moc"
