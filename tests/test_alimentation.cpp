@@ -1,4 +1,5 @@
 #include "board.h"
+#include "busmonitor.h"
 #include "daemontest.h"
 #include "timing.h"
 
@@ -35,6 +36,7 @@ private Q_SLOTS:
     void allHardwareFailingIsAnUnknownBattery();
     void slowHardwareOnlyTakesTime();
 
+    void aNewStatusIsAnnouncedBeforeItIsReturned();
     void theCheckRunsElevenTimesEveryTenSecondsAndThenEveryFiveMinutes();
     void eachCheckAnnouncesTheStatusOnce();
     void theLedsFollowTheChecks();
@@ -381,8 +383,24 @@ void TestAlimentation::slowHardwareOnlyTakesTime()
     QCOMPARE(status(), QStringLiteral("CHARGER_ON_BAT_FULL"));
 }
 
+void TestAlimentation::aNewStatusIsAnnouncedBeforeItIsReturned()
+{
+    setBattery(0, 1, 0, "50");
+    QVERIFY(daemon.start());
+    Board::set("charger/present", "1");
+    BusMonitor monitor;
+
+    QCOMPARE(status(), QStringLiteral("CHARGER_ON_BAT_FULL"));
+
+    QCOMPARE(monitor.takeFromDaemon(),
+             (QStringList{"signal com.orvendis.Strandel.BoardManager.Alimentation.batteryStatus(s)",
+                          "return (v)"}));
+}
+
 void TestAlimentation::theCheckRunsElevenTimesEveryTenSecondsAndThenEveryFiveMinutes()
 {
+    // Clients may find this key in the file, but it is not read.
+    writeFile("/opt/settings.ini", "[Alimentation]\nintervalBattery=1\n");
     setBattery(0, 1, 0, "50");
     daemon.controlClock();
     QVERIFY(daemon.start());
