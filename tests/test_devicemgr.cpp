@@ -1,6 +1,7 @@
 #include "board.h"
 #include "daemontest.h"
 #include "introspection.h"
+#include "kernelevents.h"
 
 #include <QDBusArgument>
 #include <QDBusConnection>
@@ -37,6 +38,9 @@ private Q_SLOTS:
     void shutdownPreparesLedsAndBatteryInOrder();
     void afterItTheBatteryIsAnnouncedAndNoLedChanges();
     void afterItThePeriodicCheckGoesOnAndNoLedChanges();
+    void afterItTheTemperaturesAreStillChecked();
+    void afterItTheCardIsStillAnnounced();
+    void afterItTheBacklightStillFollowsTheLight();
     void afterItTheOtherDevicesGoOn();
     void preparedTwiceItRepeatsItsSteps();
     void preparationNeverFails();
@@ -375,6 +379,49 @@ void TestDeviceMgr::afterItThePeriodicCheckGoesOnAndNoLedChanges()
     QCOMPARE(recorder.waitFor(1),
              QStringList{"Alimentation.batteryStatus(\"CHARGER_OFF_BAT_PRWT\")"});
     QCOMPARE(changes(), QStringList());
+}
+
+void TestDeviceMgr::afterItTheTemperaturesAreStillChecked()
+{
+    daemon.controlClock();
+    QVERIFY(daemon.start());
+    QCOMPARE(prepare(), QStringLiteral("()"));
+    SignalRecorder recorder(path);
+    Board::set("temperature/SOM", "80");
+
+    daemon.letTimePass(300);
+
+    QVERIFY(Board::waitForJournal("KyTemperature.getTemperature(0) = 0 80"));
+    QCOMPARE(recorder.take().filter("Temperature."),
+             QStringList{"Temperature.temperatureReached(\"SOM\", 80)"});
+}
+
+void TestDeviceMgr::afterItTheCardIsStillAnnounced()
+{
+    QVERIFY(daemon.start());
+    QVERIFY(KernelEvents::waitForListeners(1));
+    QCOMPARE(prepare(), QStringLiteral("()"));
+    SignalRecorder recorder(path);
+
+    QVERIFY(Board::storage("insert", "SD"));
+
+    QCOMPARE(recorder.waitFor(2), (QStringList{"Storage.deviceChangedMountState(\"SD\", true)",
+                                               "Storage.sdcardPresence(true)"}));
+    QCOMPARE(Board::get("leds/SD_STATUS"), QStringLiteral("ON"));
+}
+
+void TestDeviceMgr::afterItTheBacklightStillFollowsTheLight()
+{
+    QVERIFY(daemon.start());
+    QCOMPARE(backlight.call("setBacklightStep", {true, 0}), QStringLiteral("()"));
+    QCOMPARE(prepare(), QStringLiteral("()"));
+    SignalRecorder recorder(path);
+
+    Board::set("als/lux", "60");
+
+    QCOMPARE(recorder.waitFor(2).filter("Backlight."),
+             QStringList{"Backlight.backlightChanged(35, 4)"});
+    QCOMPARE(Board::get("backlight/brightness"), QStringLiteral("35"));
 }
 
 void TestDeviceMgr::afterItTheOtherDevicesGoOn()
