@@ -1,4 +1,5 @@
 #include "board.h"
+#include "busmonitor.h"
 #include "daemontest.h"
 #include "kernelevents.h"
 #include "kystorage.h"
@@ -24,6 +25,8 @@ private Q_SLOTS:
     void umountUnmountsAndAnnouncesTheDevice();
     void umountAnnouncesTheDeviceEvenWhenItFails_data();
     void umountAnnouncesTheDeviceEvenWhenItFails();
+    void aFailedUmountIsToldThenAnnouncedThenReturned_data();
+    void aFailedUmountIsToldThenAnnouncedThenReturned();
     void umountRefusesAnUnknownName_data();
     void umountRefusesAnUnknownName();
     void failingHardwareMeansNotMounted();
@@ -234,6 +237,33 @@ void TestStorage::umountAnnouncesTheDeviceEvenWhenItFails()
     QCOMPARE(storage.call("isMounted", {device}), QStringLiteral("(true)"));
 }
 
+void TestStorage::aFailedUmountIsToldThenAnnouncedThenReturned_data()
+{
+    QTest::addColumn<QString>("device");
+    QTest::addColumn<QString>("presence");
+    QTest::newRow("SD") << "SD"
+                        << "sdcardPresence";
+    QTest::newRow("USB") << "USB"
+                         << "usbKeyPresence";
+}
+
+void TestStorage::aFailedUmountIsToldThenAnnouncedThenReturned()
+{
+    QFETCH(QString, device);
+    QFETCH(QString, presence);
+    const QString notUnmounted = failure("Write", "Umount failed");
+    Board::fault("KyFaccess.unmountDevice", "always");
+    QVERIFY(daemon.start());
+    BusMonitor monitor;
+
+    QCOMPARE(storage.call("umount", {device}), notUnmounted);
+
+    const QString signal = "signal com.orvendis.Strandel.BoardManager.Storage.";
+    QCOMPARE(monitor.takeFromDaemon(),
+             (QStringList{"error " + notUnmounted, signal + "deviceChangedMountState(sb)",
+                          signal + presence + "(b)", "return ()"}));
+}
+
 void TestStorage::umountRefusesAnUnknownName_data()
 {
     isMountedOfAnUnknownNameIsFalse_data();
@@ -430,8 +460,11 @@ void TestStorage::aDeviceIsAnnouncedWhenItIsPluggedInAndOut()
 
     QVERIFY(Board::storage("insert", device));
     QCOMPARE(recorder.waitFor(in.size()), in);
+    // Only the card has a LED.
+    QCOMPARE(Board::get("leds/SD_STATUS"), QString(device == "SD" ? "ON" : "OFF"));
     QVERIFY(Board::storage("remove", device));
     QCOMPARE(recorder.waitFor(out.size()), out);
+    QCOMPARE(Board::get("leds/SD_STATUS"), QStringLiteral("OFF"));
 }
 
 void TestStorage::theKernelsOwnEventsAreAnnounced_data()
