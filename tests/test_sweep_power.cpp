@@ -5,7 +5,8 @@
 
 /**
  * What no client should send: calls of a wrong signature and endless names, to the interfaces of
- * the power supply, the LEDs, the storage and the temperatures.
+ * the power supply, the screen, the light, the LEDs, the storage and the temperatures, and to that
+ * of the shutdown.
  */
 class TestSweepPower : public DaemonTest
 {
@@ -57,10 +58,19 @@ void TestSweepPower::wrongSignaturesAreRefused_data()
     const Arguments text = {"SD"};
     const Arguments number = {1000};
     const Arguments texts = {"WIFI", "ON"};
+    const Arguments flag = {true};
+    const Arguments step = {true, 3};
     addRow("Alimentation", "getBatteryVoltage", {text, number, texts});
+    addRow("Backlight", "getBacklight", {text, number, texts, flag, step});
+    addRow("Backlight", "setBacklight", {none, text, texts, flag, step});
+    addRow("Backlight", "enableBacklight", {none, text, number, texts, step});
+    addRow("Backlight", "getBacklightStep", {text, number, texts, flag, step});
+    addRow("Backlight", "setBacklightStep", {none, text, number, texts, flag, {3, true}});
+    addRow("Brightness", "getBrightness", {text, number, texts, flag, step});
     addRow("LED", "setLEDStatus", {none, text, number});
     addRow("LED", "getLEDStatus", {text, number, texts});
     addRow("LED", "prepareForShutdown", {text, number, texts});
+    addRow("MGR", "prepareForShutdown", {text, number, texts, flag, step});
     addRow("Storage", "umount", {none, number, texts});
     addRow("Storage", "isMounted", {none, number, texts});
     addRow("Temperature", "getTemperatures", {text, number, texts});
