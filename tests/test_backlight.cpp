@@ -1,4 +1,5 @@
 #include "board.h"
+#include "busmonitor.h"
 #include "daemontest.h"
 
 #include <climits>
@@ -189,7 +190,9 @@ void TestBacklight::setBacklightRefusesWhatIsNoPercentage()
 {
     QFETCH(int, percentage);
     QVERIFY(daemon.start());
+    BusMonitor monitor;
     QCOMPARE(backlight.call("setBacklight", {percentage}), invalid);
+    QCOMPARE(monitor.takeFromDaemon(), (QStringList{"error " + invalid, "return ()"}));
     QCOMPARE(Board::journal().filter("KyBacklight."), QStringList());
 }
 
@@ -664,6 +667,10 @@ void TestBacklight::automaticModeFollowsTheLightUpAndDown()
         QCOMPARE(onlyLight(recorder.waitFor(expected.size())).join('\n'), expected.join('\n'));
     }
     QCOMPARE(percentage(), QStringLiteral("15"));
+
+    // Step 0 is never told from the percentage, so each interrupt applies it again.
+    Board::set("als/interrupt", "1");
+    QCOMPARE(onlyLight(recorder.waitFor(2)), (QStringList{changed(15, 0), reached("4", 1)}));
 }
 
 void TestBacklight::theLightCannotBeFakedOverTheBus()
