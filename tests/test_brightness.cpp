@@ -1,4 +1,5 @@
 #include "board.h"
+#include "busmonitor.h"
 #include "daemontest.h"
 
 /** The ambient light, on the running daemon. */
@@ -342,7 +343,10 @@ void TestBrightness::aFailedReadingIsAReadError()
 {
     QVERIFY(daemon.start());
     Board::fault("KyAls.readLux", "1");
-    QCOMPARE(getBrightness(), failure("Read", "Could not get the current brightness value"));
+    const QString unreadable = failure("Read", "Could not get the current brightness value");
+    BusMonitor monitor;
+    QCOMPARE(getBrightness(), unreadable);
+    QCOMPARE(monitor.takeFromDaemon(), (QStringList{"error " + unreadable, "return (d)"}));
     QCOMPARE(getBrightness(), QStringLiteral("(d:120)"));
 }
 

@@ -1,4 +1,5 @@
 #include "board.h"
+#include "busmonitor.h"
 #include "daemontest.h"
 #include "kyled.h"
 
@@ -155,8 +156,12 @@ void TestLed::setLedStatusRefusesAnUnknownStatus()
 void TestLed::setLedStatusTellsTheUnknownLedFirst()
 {
     QVERIFY(daemon.start());
-    QCOMPARE(led.call("setLEDStatus", {"wifi", "on"}),
-             failure("InvalidArguments", "The LED is unknown"));
+    const QString unknownLed = failure("InvalidArguments", "The LED is unknown");
+    BusMonitor monitor;
+
+    QCOMPARE(led.call("setLEDStatus", {"wifi", "on"}), unknownLed);
+
+    QCOMPARE(monitor.takeFromDaemon(), (QStringList{"error " + unknownLed, "return ()"}));
 }
 
 void TestLed::setLedStatusReportsAnLedThatCannotBeSet()

@@ -1,4 +1,5 @@
 #include "board.h"
+#include "busmonitor.h"
 #include "daemontest.h"
 #include "timing.h"
 
@@ -15,6 +16,7 @@ private Q_SLOTS:
     void aTemperatureAtOrAboveItsThresholdIsAnnounced_data();
     void aTemperatureAtOrAboveItsThresholdIsAnnounced();
     void bothSensorsAreAnnouncedInOrder();
+    void aTemperatureIsAnnouncedBeforeItIsReturned();
     void theCheckAnnouncesEveryTime();
     void eachSensorHasItsOwnThreshold();
     void aThresholdMayBeAnyNumber();
@@ -136,6 +138,20 @@ void TestTemperature::bothSensorsAreAnnouncedInOrder()
                           "Temperature.temperatureReached(\"ANALOG_CHAIN\", 95)"}));
 }
 
+void TestTemperature::aTemperatureIsAnnouncedBeforeItIsReturned()
+{
+    Board::set("temperature/SOM", "80");
+    QVERIFY(daemon.start());
+    BusMonitor monitor;
+
+    temperature.call("getTemperatures");
+
+    QCOMPARE(monitor.takeFromDaemon(),
+             (QStringList{"signal com.orvendis.Strandel.BoardManager.Temperature."
+                          "temperatureReached(si)",
+                          "return (a{sv})"}));
+}
+
 void TestTemperature::theCheckAnnouncesEveryTime()
 {
     QVERIFY(daemon.start());
@@ -226,7 +242,9 @@ void TestTemperature::anIntervalBelowOneSecondIsRefused()
 {
     QFETCH(int, interval);
     QVERIFY(daemon.start());
+    BusMonitor monitor;
     QCOMPARE(temperature.call("setInterval", {interval}), shortInterval);
+    QCOMPARE(monitor.takeFromDaemon(), (QStringList{"error " + shortInterval, "return ()"}));
 }
 
 void TestTemperature::anIntervalFromOneSecondIsAccepted()

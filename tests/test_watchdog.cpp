@@ -1,4 +1,5 @@
 #include "board.h"
+#include "busmonitor.h"
 #include "daemontest.h"
 
 /** The instrument's application keeping itself alive, on the running daemon. */
@@ -112,7 +113,9 @@ void TestWatchdog::aRefusedAcknowledgementStopsTheCall()
 {
     QVERIFY(daemon.start());
     Board::fault("KyPowerman.setAckWatchdog", "always");
+    BusMonitor monitor;
     QCOMPARE(watchdog.call(keepAlive), notAcknowledged);
+    QCOMPARE(monitor.takeFromDaemon(), (QStringList{"error " + notAcknowledged, "return ()"}));
     QCOMPARE(calls(), (QStringList{hpsRead, "KyPowerman.setAckWatchdog() = 1"}));
 }
 
