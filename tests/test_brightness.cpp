@@ -1,6 +1,7 @@
 #include "board.h"
 #include "busmonitor.h"
 #include "daemontest.h"
+#include "thresholdcode.h"
 
 /** The ambient light, on the running daemon. */
 class TestBrightness : public DaemonTest
@@ -67,6 +68,14 @@ void configure(const QByteArray &lines)
 void setLux(const QString &lux)
 {
     Board::set(QStringLiteral("als/lux"), lux);
+}
+
+/** The light's code lies within the thresholds that the sensor has. */
+bool isWithinBand(const QString &lux)
+{
+    const int code = board::thresholdCode(lux.toFloat());
+    return code >= Board::get(QStringLiteral("als/threshold_low")).toInt() &&
+           code <= Board::get(QStringLiteral("als/threshold_high")).toInt();
 }
 
 /** Makes the sensor interrupt, whatever the light. */
@@ -395,8 +404,10 @@ void TestBrightness::lightThatStaysInItsBandIsNotAnnounced()
     QVERIFY(daemon.start());
     SignalRecorder recorder("/KyDeviceMgr");
 
-    for (const char *lux : {"10", "25", "11.5", "15", "24", "16"})
+    for (const char *lux : {"10", "25", "11.5", "15", "24", "16"}) {
         setLux(lux);
+        QVERIFY2(isWithinBand(lux), lux);
+    }
     setLux("60");
 
     QCOMPARE(onlyBrightness(recorder.waitFor(1)), QStringList{announced("d:60, 5")});
