@@ -10,6 +10,7 @@ private Q_SLOTS:
     void aCommandRunsInsideAndItsStatusIsKept();
     void theInstrumentHasWhatSurroundsTheDaemon();
     void ethernetComesUpWithARealConnMan();
+    void wifiComesUpWithoutARadio();
     void inTheForegroundItShowsWhatIsUpAndEndsWhenAsked();
 
 private:
@@ -64,6 +65,14 @@ void TestInstrument::ethernetComesUpWithARealConnMan()
     const QString printed =
         output({"sh", "-c", "kyboardctl ethernet connect && kyboardctl ethernet ipv4"});
     QVERIFY2(printed.startsWith("online\nAddress  10.77.0."), qPrintable(printed));
+}
+
+void TestInstrument::wifiComesUpWithoutARadio()
+{
+    const QString printed = output({"sh", "-c",
+                                    "echo seven seas | kyboardctl wifi connect Workshop && "
+                                    "kyboardctl wifi ipv4"});
+    QVERIFY2(printed.contains("online\nAddress  10.78.0."), qPrintable(printed));
 }
 
 void TestInstrument::inTheForegroundItShowsWhatIsUpAndEndsWhenAsked()

@@ -1,3 +1,4 @@
+# shellcheck shell=sh
 # For the scripts beside it: the network namespace "peer", where the other ends of the instrument's
 # links are, each with a DHCP server of its own.
 
