@@ -25,6 +25,8 @@ QString inlineText(const QVariant &value)
     switch (value.userType()) {
     case QMetaType::QByteArray:
         return bytesText(value.toByteArray());
+    case QMetaType::UChar:
+        return QString::number(value.toUInt());
     case QMetaType::Bool:
         return value.toBool() ? QStringLiteral("yes") : QStringLiteral("no");
     case QMetaType::QVariantMap: {

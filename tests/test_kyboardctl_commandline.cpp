@@ -249,6 +249,7 @@ void TestKyboardctlCommandLine::valuesForPeople_data()
     QTest::newRow("text") << QVariantList{"user1"} << "user1\n";
     QTest::newRow("boolean") << QVariantList{true} << "yes\n";
     QTest::newRow("number") << QVariantList{-3} << "-3\n";
+    QTest::newRow("byte") << QVariantList{QVariant::fromValue(uchar(72))} << "72\n";
     QTest::newRow("text bytes") << QVariantList{QByteArray("AB\0\0", 4)} << "AB\n";
     QTest::newRow("other bytes") << QVariantList{QByteArray("\x01\xff", 2)} << "0x01ff\n";
     QTest::newRow("list") << QVariantList{QVariantList{1u, 2u}} << "1, 2\n";
