@@ -27,9 +27,10 @@ QString readMember(QXmlStreamReader &reader)
     while (reader.readNextStartElement()) {
         const QString usual = kind == QLatin1String("signal") ? "out" : "in";
         const QString direction = attribute(reader, "direction");
-        QStringList words = {direction.isEmpty() ? usual : direction, attribute(reader, "type"),
-                             attribute(reader, "name")};
-        words.removeAll(QString());
+        QStringList words = {direction.isEmpty() ? usual : direction, attribute(reader, "type")};
+        // The results of methods have no names in the daemon itself.
+        if (kind == QLatin1String("signal") || words.first() == QLatin1String("in"))
+            words << attribute(reader, "name");
         if (reader.name() == QLatin1String("arg"))
             arguments[words.first()] << words.join(QLatin1Char(' '));
         reader.skipCurrentElement();
@@ -41,8 +42,12 @@ QString readMember(QXmlStreamReader &reader)
 QStringList readInterface(QXmlStreamReader &reader)
 {
     QStringList members;
-    while (reader.readNextStartElement())
-        members << readMember(reader);
+    while (reader.readNextStartElement()) {
+        if (reader.name() == QLatin1String("annotation"))
+            reader.skipCurrentElement();
+        else
+            members << readMember(reader);
+    }
     members.sort();
     return members;
 }

@@ -11,7 +11,8 @@ struct Introspection {
     QString path;
     /**
      * The members of each interface, sorted: "method isMounted(in s device, out b)", "signal
-     * userChanged(out s user)", "property batteryStatus s read".
+     * userChanged(out s user)", "property batteryStatus s read". Results of methods are without
+     * their names.
      */
     QMap<QString, QStringList> interfaces;
     /** Why the document cannot be read; empty where it can. */
