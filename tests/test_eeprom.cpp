@@ -9,10 +9,7 @@
 #include <QDBusPendingCallWatcher>
 #include <QRegularExpression>
 
-#include <fcntl.h>
 #include <memory>
-#include <sys/file.h>
-#include <unistd.h>
 
 /** The identification records, on the running daemon. */
 class TestEeprom : public DaemonTest
@@ -185,23 +182,6 @@ QString errorLine(const QString &failure)
 {
     return QStringLiteral("error ") + failure;
 }
-
-/** Keeps every write to the board waiting as long as it lives. */
-class HeldBoard
-{
-public:
-    HeldBoard() : m_folder(open(qPrintable(Board::pathOf(QString())), O_RDONLY | O_DIRECTORY))
-    {
-        if (flock(m_folder, LOCK_EX) != 0)
-            qFatal("cannot hold the board");
-    }
-    ~HeldBoard() { close(m_folder); }
-    HeldBoard(const HeldBoard &) = delete;
-    HeldBoard &operator=(const HeldBoard &) = delete;
-
-private:
-    int m_folder;
-};
 
 /** A complete map of an instrument record, written for the wire, with the value of @p key. */
 QString instrumentValues(const QString &key, const QString &value)

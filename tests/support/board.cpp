@@ -9,6 +9,10 @@
 #include <QProcess>
 #include <QTest>
 
+#include <fcntl.h>
+#include <sys/file.h>
+#include <unistd.h>
+
 namespace
 {
 const QString journalFile = QStringLiteral("journal");
@@ -144,4 +148,16 @@ bool Board::sendKernelEvent(const QByteArray &message, int count)
 QString Board::pathOf(const QString &path)
 {
     return QString::fromStdString(board::pathOf(path.toStdString()));
+}
+
+HeldBoard::HeldBoard()
+    : m_folder(open(qPrintable(Board::pathOf(QString())), O_RDONLY | O_DIRECTORY))
+{
+    if (flock(m_folder, LOCK_EX) != 0)
+        qFatal("cannot hold the board");
+}
+
+HeldBoard::~HeldBoard()
+{
+    close(m_folder);
 }

@@ -59,4 +59,17 @@ public:
     static QString pathOf(const QString &path);
 };
 
+/** Keeps every write to the board waiting as long as it lives. */
+class HeldBoard
+{
+public:
+    HeldBoard();
+    ~HeldBoard();
+    HeldBoard(const HeldBoard &) = delete;
+    HeldBoard &operator=(const HeldBoard &) = delete;
+
+private:
+    int m_folder;
+};
+
 #endif

@@ -1,13 +1,28 @@
 #include "remote.h"
 
+#include "documentederrors.h"
 #include "render.h"
 
 #include <QDBusConnection>
+#include <QTest>
 
 namespace
 {
 const QString daemonName = QStringLiteral("com.orvendis.Strandel.BoardManager");
 const int replyTimeout = 30000;
+
+/** Fails the test when the daemon, not the bus, has sent an error that clients are not told of. */
+void expectDocumented(const QDBusMessage &call, const QDBusMessage &reply)
+{
+    if (call.service() == daemonName && reply.type() == QDBusMessage::ErrorMessage &&
+        reply.service().startsWith(QLatin1Char(':')) &&
+        !isDocumentedError(call.interface(), call.member(), reply.errorName(),
+                           reply.errorMessage()))
+        QTest::qFail(qPrintable(call.interface() + QLatin1Char('.') + call.member() +
+                                QStringLiteral(" sent an error that is not documented: ") +
+                                renderReply(reply)),
+                     __FILE__, __LINE__);
+}
 } // namespace
 
 Remote::Remote(const QString &path, const QString &suffix)
@@ -27,8 +42,10 @@ QString Remote::call(const QString &method, const QList<QVariant> &arguments) co
 
 QDBusMessage Remote::reply(const QString &method, const QList<QVariant> &arguments) const
 {
-    return QDBusConnection::systemBus().call(message(method, arguments), QDBus::Block,
-                                             replyTimeout);
+    const QDBusMessage call = message(method, arguments);
+    const QDBusMessage reply = QDBusConnection::systemBus().call(call, QDBus::Block, replyTimeout);
+    expectDocumented(call, reply);
+    return reply;
 }
 
 QDBusPendingCall Remote::start(const QString &method, const QList<QVariant> &arguments) const
