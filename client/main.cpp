@@ -167,7 +167,7 @@ int main(int argc, char *argv[])
 {
     QCoreApplication application(argc, argv);
     QCoreApplication::setApplicationName(QStringLiteral("kyboardctl"));
-    QCoreApplication::setApplicationVersion(QStringLiteral("2.06"));
+    QCoreApplication::setApplicationVersion(QStringLiteral(KYBOARDMANAGER_VERSION));
 
     QStringList words = QCoreApplication::arguments().mid(1);
     if (words.value(0) == QLatin1String("complete")) {
@@ -182,7 +182,7 @@ int main(int argc, char *argv[])
         return argc > 1 ? Success : BadUsage;
     }
     if (words.first() == QLatin1String("--version")) {
-        print(QStringLiteral("kyboardctl 2.06\n"));
+        print(QStringLiteral("kyboardctl " KYBOARDMANAGER_VERSION "\n"));
         return Success;
     }
 

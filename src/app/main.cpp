@@ -21,7 +21,7 @@ int main(int argc, char *argv[])
     QCoreApplication application(argc, argv);
     QCoreApplication::setOrganizationName(QStringLiteral("Orvendis"));
     QCoreApplication::setApplicationName(QStringLiteral("KyBoardManager"));
-    QCoreApplication::setApplicationVersion(QStringLiteral("2.06"));
+    QCoreApplication::setApplicationVersion(QStringLiteral(KYBOARDMANAGER_VERSION));
 
     QCommandLineParser parser;
     parser.setApplicationDescription(QStringLiteral("Board manager of the Strandel."));
