@@ -31,16 +31,19 @@ private Q_SLOTS:
     void fromOneNetworkToAnother();
     void manualSettingsEndOnTheInterface();
     void outOfRangeTheAddressIsGone();
+    void toTheAccessPointAndBackToTheStation();
 
 private:
     static QString path(const char *ssid, const char *security);
     QString join(const QString &name, const QString &key = QString());
     bool waitForRefusal(const QString &service);
-    bool waitForState(const QString &state);
+    bool waitForState(const QString &state, const char *interface = "WIFI");
     QString scan();
-    static QString kernelAddress();
+    static bool runs(const char *program);
+    static QString kernelAddress(const char *interface = "wifi_sta");
 
     const Remote wifi{"/KyComMgr", "WIFI"};
+    const Remote accessPoint{"/KyComMgr", "WIFIAP"};
     const QString done = "()";
     const QString workshop = path("Workshop", "psk");
     RealConnman connman;
@@ -97,9 +100,10 @@ bool TestWifiConnman::waitForRefusal(const QString &service)
 }
 
 /** Waits until @p state is announced, and forgets it and all that was announced before. */
-bool TestWifiConnman::waitForState(const QString &state)
+bool TestWifiConnman::waitForState(const QString &state, const char *interface)
 {
-    const QRegularExpression change("^WIFI\\.propertyChanged\\(\".*\", \"State\", <\"" + state +
+    const QRegularExpression change('^' + QLatin1String(interface) +
+                                    "\\.propertyChanged\\(\".*\", \"State\", <\"" + state +
                                     "\">\\)$");
     return QTest::qWaitFor(
         [&] {
@@ -127,13 +131,18 @@ QString TestWifiConnman::scan()
     return QTest::qWaitFor(isListed, deadline) ? list : QStringLiteral("none");
 }
 
-/** The address of wifi_sta with the length of its prefix; empty without one. */
-QString TestWifiConnman::kernelAddress()
+/** The address of @p interface with the length of its prefix; empty without one. */
+QString TestWifiConnman::kernelAddress(const char *interface)
 {
     QProcess ip;
-    ip.start("ip", {"-4", "-oneline", "address", "show", "dev", "wifi_sta"});
+    ip.start("ip", {"-4", "-oneline", "address", "show", "dev", QLatin1String(interface)});
     ip.waitForFinished();
     return QString::fromUtf8(ip.readAllStandardOutput()).section(' ', 6, 6);
+}
+
+bool TestWifiConnman::runs(const char *program)
+{
+    return QProcess::execute("pidof", {"-q", program}) == 0;
 }
 
 void TestWifiConnman::aScanListsTheNetworks()
@@ -248,6 +257,42 @@ void TestWifiConnman::outOfRangeTheAddressIsGone()
     supplicant.set("cafe/in_range", "0");
     QTRY_COMPARE_WITH_TIMEOUT(kernelAddress(), QString(), deadline);
     QTRY_COMPARE(wifi.call("getIPv4").contains("\"Address\""), false);
+}
+
+void TestWifiConnman::toTheAccessPointAndBackToTheStation()
+{
+    join("Workshop", "seven seas");
+    QVERIFY(waitForState("online"));
+    QCOMPARE(wifi.call("disconnect"), done);
+    QVERIFY(waitForState("idle"));
+
+    QCOMPARE(accessPoint.call("connect", {QVariantMap{{"SSID", "Strandel 12"},
+                                                      {"Channel", 6},
+                                                      {"Security", "WPA2"},
+                                                      {"Password", "under the dome"},
+                                                      {"IP", "192.168.7.1"}}}),
+             done);
+    QVERIFY(waitForState("configuration", "WIFIAP"));
+    QVERIFY(waitForState("ready", "WIFIAP"));
+    QVERIFY(waitForState("online", "WIFIAP"));
+    QVERIFY(runs("hostapd") && runs("dhcpd"));
+    QCOMPARE(kernelAddress("wifi_ap"), QStringLiteral("192.168.7.1/24"));
+    QCOMPARE(kernelAddress(), QString());
+    const QByteArray configuration = readFile("/tmp/User_part/hostapd.conf");
+    for (const char *line :
+         {"ssid=Strandel 12\n", "channel=6\n", "wpa=2\n", "wpa_passphrase=under the dome\n"})
+        QVERIFY2(configuration.contains(line), configuration.constData());
+
+    QCOMPARE(accessPoint.call("disconnect"), done);
+    QVERIFY(waitForState("idle", "WIFIAP"));
+    QVERIFY(script.waitFor("end 0"));
+    QVERIFY(!runs("hostapd") && !runs("dhcpd"));
+    QVERIFY(!QFile::exists("/sys/class/net/wifi_ap"));
+
+    QVERIFY2(scan().contains("\"Workshop\""), "the access point is in the station's way");
+    QCOMPARE(join("Workshop", "seven seas"), done);
+    QVERIFY(waitForState("online"));
+    QVERIFY2(kernelAddress().startsWith("10.78.0."), qPrintable(kernelAddress()));
 }
 
 WORLD_TEST_MAIN(TestWifiConnman)
