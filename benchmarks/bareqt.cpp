@@ -1,0 +1,153 @@
+/*
+ * A Qt service without a purpose: as many adaptors on as many objects as the daemon has, the same
+ * libraries, and methods that answer with values of the same types as the daemon's. What the daemon
+ * costs beyond this it costs by its own doing.
+ */
+
+#include "bareqt.h"
+
+#include <QCoreApplication>
+#include <QDBusConnection>
+#include <QDBusConnectionInterface>
+#include <QDBusError>
+#include <QDBusMessage>
+#include <QDBusMetaType>
+#include <QDebug>
+#include <QNetworkInterface>
+
+namespace
+{
+const char *const leds[] = {"BAT_RS1", "BAT_GS1",  "BAT_GS2",   "BAT_GS3",  "BAT_GS4",
+                            "BAT_GS5", "UTC_SYNC", "RECORDING", "BT",       "WIFI",
+                            "WPS",     "POWER_Y",  "POWER_G",   "SD_STATUS"};
+
+struct ListedService {
+    QDBusObjectPath path;
+    QVariantMap properties;
+};
+
+QDBusArgument &operator<<(QDBusArgument &argument, const ListedService &service)
+{
+    argument.beginStructure();
+    argument << service.path << service.properties;
+    argument.endStructure();
+    return argument;
+}
+
+const QDBusArgument &operator>>(const QDBusArgument &argument, ListedService &service)
+{
+    argument.beginStructure();
+    argument >> service.path >> service.properties;
+    argument.endStructure();
+    return argument;
+}
+} // namespace
+
+Q_DECLARE_METATYPE(ListedService)
+
+QString BareUsers::getUser(const QDBusMessage &)
+{
+    return QStringLiteral("user1");
+}
+
+QVariantMap BareLed::getLEDStatus()
+{
+    QVariantMap shown;
+    for (const char *led : leds)
+        shown.insert(QString::fromLatin1(led), QStringLiteral("OFF"));
+    return shown;
+}
+
+QVariantMap BareTemperature::getTemperatures()
+{
+    return {{QStringLiteral("SOM"), 42}, {QStringLiteral("ANALOG_CHAIN"), 38}};
+}
+
+QString BareAlimentation::batteryStatus()
+{
+    return QStringLiteral("CHARGER_OFF_BAT_60_80");
+}
+
+BareVersion::BareVersion(QObject *parent)
+    : Bare(parent),
+      m_instrument{{QStringLiteral("Brand"), 1U},
+                   {QStringLiteral("CRC"), true},
+                   {QStringLiteral("Fabrication"), 1U},
+                   {QStringLiteral("FirstPassTag"), 0U},
+                   {QStringLiteral("IrdInstrumentPassword"), QByteArray(30, 'p')},
+                   {QStringLiteral("IrdSessionPassword"), QByteArray(16, 'p')},
+                   {QStringLiteral("Model"), QStringLiteral("8345")},
+                   {QStringLiteral("RelaunchTag"), 0U},
+                   {QStringLiteral("SerialNumber"), QByteArray(8, '1')},
+                   {QStringLiteral("Subsidiary"), 1U},
+                   {QStringLiteral("TroubleshootingTag"), 0U},
+                   {QStringLiteral("Type"), 1U},
+                   {QStringLiteral("WarrantyNumber"), QByteArray(9, '1')}}
+{
+}
+
+QVariantMap BareVersion::getEepromInstrument()
+{
+    return m_instrument;
+}
+
+void BareWatchdog::keepAlive(const QDBusMessage &) {}
+
+/** The address of the wired service, as the daemon gets it: by two calls, and a list to look into.
+ */
+QVariantMap BareEthernet::getIPv4()
+{
+    QDBusConnection bus = QDBusConnection::systemBus();
+    const QString connman = QStringLiteral("net.connman");
+    if (!bus.interface()->isServiceRegistered(connman))
+        return QVariantMap();
+    const QDBusMessage reply = bus.call(QDBusMessage::createMethodCall(
+        connman, QStringLiteral("/"), QStringLiteral("net.connman.Manager"),
+        QStringLiteral("GetServices")));
+    const auto services = qdbus_cast<QList<ListedService>>(reply.arguments().value(0));
+    for (const ListedService &service : services) {
+        if (service.properties.value(QStringLiteral("Type")).toString() ==
+            QLatin1String("ethernet"))
+            return qdbus_cast<QVariantMap>(service.properties.value(QStringLiteral("IPv4")));
+    }
+    return QVariantMap();
+}
+
+int main(int argc, char *argv[])
+{
+    QCoreApplication application(argc, argv);
+    qDBusRegisterMetaType<ListedService>();
+    qDBusRegisterMetaType<QList<ListedService>>();
+    // Without a use of it the linker would leave the library out.
+    static_cast<void>(QNetworkInterface().isValid());
+
+    QObject configRoot;
+    QObject deviceRoot;
+    QObject comRoot;
+    new BareUsers(&configRoot);
+    new BareEthernet(&comRoot);
+    new BareWifi(&comRoot);
+    new BareWifiAp(&comRoot);
+    new BareManager(&deviceRoot);
+    new BareAlimentation(&deviceRoot);
+    new BareLed(&deviceRoot);
+    new BareNetwork(&deviceRoot);
+    new BareStorage(&deviceRoot);
+    new BareTemperature(&deviceRoot);
+    new BareVersion(&deviceRoot);
+    new BareWatchdog(&deviceRoot);
+    new BareBacklight(&deviceRoot);
+    new BareBrightness(&deviceRoot);
+
+    QDBusConnection bus = QDBusConnection::systemBus();
+    if (!bus.registerService(QStringLiteral("com.orvendis.Strandel.Bare"))) {
+        qCritical() << bus.lastError().message();
+        return EXIT_FAILURE;
+    }
+    bus.registerObject(QStringLiteral("/KyConfigMgr"), &configRoot,
+                       QDBusConnection::ExportAdaptors);
+    bus.registerObject(QStringLiteral("/KyComMgr"), &comRoot, QDBusConnection::ExportAdaptors);
+    bus.registerObject(QStringLiteral("/KyDeviceMgr"), &deviceRoot,
+                       QDBusConnection::ExportAdaptors);
+    return QCoreApplication::exec();
+}

@@ -1,0 +1,169 @@
+#ifndef BAREQT_H
+#define BAREQT_H
+
+#include <QDBusAbstractAdaptor>
+#include <QVariantMap>
+
+class QDBusMessage;
+
+/** An adaptor that anybody may make. */
+class Bare : public QDBusAbstractAdaptor
+{
+public:
+    explicit Bare(QObject *parent) : QDBusAbstractAdaptor(parent) {}
+};
+
+/*
+ * The adaptors of the bare service: seven with a method of the daemon's, seven with none.
+ */
+
+class BareUsers : public Bare
+{
+    Q_OBJECT
+    Q_CLASSINFO("D-Bus Interface", "com.orvendis.Strandel.Bare.Users")
+
+public:
+    using Bare::Bare;
+
+public Q_SLOTS:
+    QString getUser(const QDBusMessage &message);
+};
+
+class BareLed : public Bare
+{
+    Q_OBJECT
+    Q_CLASSINFO("D-Bus Interface", "com.orvendis.Strandel.Bare.LED")
+
+public:
+    using Bare::Bare;
+
+public Q_SLOTS:
+    QVariantMap getLEDStatus();
+};
+
+class BareTemperature : public Bare
+{
+    Q_OBJECT
+    Q_CLASSINFO("D-Bus Interface", "com.orvendis.Strandel.Bare.Temperature")
+
+public:
+    using Bare::Bare;
+
+public Q_SLOTS:
+    QVariantMap getTemperatures();
+};
+
+class BareAlimentation : public Bare
+{
+    Q_OBJECT
+    Q_CLASSINFO("D-Bus Interface", "com.orvendis.Strandel.Bare.Alimentation")
+    Q_PROPERTY(QString batteryStatus READ batteryStatus)
+
+public:
+    using Bare::Bare;
+    QString batteryStatus();
+};
+
+class BareVersion : public Bare
+{
+    Q_OBJECT
+    Q_CLASSINFO("D-Bus Interface", "com.orvendis.Strandel.Bare.Version")
+
+public:
+    explicit BareVersion(QObject *parent);
+
+public Q_SLOTS:
+    QVariantMap getEepromInstrument();
+
+private:
+    const QVariantMap m_instrument;
+};
+
+class BareWatchdog : public Bare
+{
+    Q_OBJECT
+    Q_CLASSINFO("D-Bus Interface", "com.orvendis.Strandel.Bare.Watchdog")
+
+public:
+    using Bare::Bare;
+
+public Q_SLOTS:
+    void keepAlive(const QDBusMessage &message);
+};
+
+class BareEthernet : public Bare
+{
+    Q_OBJECT
+    Q_CLASSINFO("D-Bus Interface", "com.orvendis.Strandel.Bare.Ethernet")
+
+public:
+    using Bare::Bare;
+
+public Q_SLOTS:
+    QVariantMap getIPv4();
+};
+
+class BareWifi : public Bare
+{
+    Q_OBJECT
+    Q_CLASSINFO("D-Bus Interface", "com.orvendis.Strandel.Bare.WIFI")
+
+public:
+    using Bare::Bare;
+};
+
+class BareWifiAp : public Bare
+{
+    Q_OBJECT
+    Q_CLASSINFO("D-Bus Interface", "com.orvendis.Strandel.Bare.WIFIAP")
+
+public:
+    using Bare::Bare;
+};
+
+class BareManager : public Bare
+{
+    Q_OBJECT
+    Q_CLASSINFO("D-Bus Interface", "com.orvendis.Strandel.Bare.MGR")
+
+public:
+    using Bare::Bare;
+};
+
+class BareNetwork : public Bare
+{
+    Q_OBJECT
+    Q_CLASSINFO("D-Bus Interface", "com.orvendis.Strandel.Bare.Network")
+
+public:
+    using Bare::Bare;
+};
+
+class BareStorage : public Bare
+{
+    Q_OBJECT
+    Q_CLASSINFO("D-Bus Interface", "com.orvendis.Strandel.Bare.Storage")
+
+public:
+    using Bare::Bare;
+};
+
+class BareBacklight : public Bare
+{
+    Q_OBJECT
+    Q_CLASSINFO("D-Bus Interface", "com.orvendis.Strandel.Bare.Backlight")
+
+public:
+    using Bare::Bare;
+};
+
+class BareBrightness : public Bare
+{
+    Q_OBJECT
+    Q_CLASSINFO("D-Bus Interface", "com.orvendis.Strandel.Bare.Brightness")
+
+public:
+    using Bare::Bare;
+};
+
+#endif
