@@ -1,5 +1,7 @@
 #include "commands.h"
 
+#include "bus.h"
+
 #include <limits>
 
 namespace
@@ -103,6 +105,7 @@ QVector<Command> makeCommands()
     const QString accessPoint = text("WIFIAP");
     const Outcome online = {text("online"), text("failure"), 75};
     const Outcome idle = {text("idle"), QString(), 30};
+    const Outcome networks = {QString(), QString(), 30};
 
     QVector<Command> made;
     const auto method = [&made, &none](const char *words, const QString &path,
@@ -209,7 +212,7 @@ QVector<Command> makeCommands()
     operation("wifi connect", wifi, "connect",
               {argument("NETWORK", Kind::Text, "name of the network")}, online, "join a network");
     operation("wifi disconnect", wifi, "disconnect", {}, idle, "leave and forget the network");
-    operation("wifi scan", wifi, "scan", {}, none, "list the networks in reach");
+    operation("wifi scan", wifi, "scan", {}, networks, "list the networks in reach");
     method("wifi strength", com, wifi, "getStrength", {}, "strength of the joined network");
     tcpIp("wifi", wifi);
 
@@ -225,7 +228,57 @@ QVector<Command> makeCommands()
     tcpIp("ap", accessPoint);
     return made;
 }
+
+Command ownCommand(const char *words, const QVector<Argument> &arguments, const char *help)
+{
+    return {text(words), text(help), {}, {}, {}, {}, arguments, {}};
+}
 } // namespace
+
+const QVector<Command> &ownCommands()
+{
+    static const QVector<Command> table = {
+        ownCommand("status", {}, "the whole instrument on one screen"),
+        ownCommand("monitor", {}, "every signal, a line each, until it is ended"),
+        ownCommand("help",
+                   {argument("[COMMAND]", Kind::Text, "a command, or the first of its words")},
+                   "what there is, or what a command takes"),
+    };
+    return table;
+}
+
+const QVector<Option> &options()
+{
+    static const QVector<Option> table = {
+        {text("--json"), {}, text("print values for machines"), Scope::Every},
+        {text("--timeout"), text("SECONDS"),
+         text("how long to wait for the outcome of a network operation"), Scope::Operation},
+        {text("--no-wait"),
+         {},
+         text("start a network operation without waiting for its outcome"),
+         Scope::Operation},
+        {text("--open"), {}, text("the network needs no passphrase"), Scope::WifiConnect},
+        {text("--user"), text("NAME"), text("user name for an enterprise network"),
+         Scope::WifiConnect},
+        {text("--help"), {}, text("print help and end"), Scope::Every},
+        {text("--version"), {}, text("print the version and end"), Scope::Every},
+    };
+    return table;
+}
+
+const QVector<StatusMeaning> &exitStatuses()
+{
+    static const QVector<StatusMeaning> table = {
+        {Success, text("done")},
+        {DaemonError, text("the daemon answered with an error")},
+        {BadUsage, text("the command line was wrong, and nothing was sent")},
+        {DaemonAway, text("the daemon is away, or the system bus cannot be reached")},
+        {InterfaceAbsent, text("this model of the instrument has no such interface")},
+        {OutcomeFailed, text("the operation failed")},
+        {OutcomeMissing, text("the operation came to no end in time")},
+    };
+    return table;
+}
 
 const QVector<Command> &commands()
 {
@@ -233,13 +286,24 @@ const QVector<Command> &commands()
     return table;
 }
 
+const Option *findOption(const QString &name)
+{
+    for (const Option &option : options()) {
+        if (option.name == name)
+            return &option;
+    }
+    return nullptr;
+}
+
 const Command *findCommand(const QStringList &words, int *used)
 {
-    for (const Command &command : commands()) {
-        const QStringList name = command.words.split(QLatin1Char(' '));
-        if (words.mid(0, name.size()) == name) {
-            *used = name.size();
-            return &command;
+    for (const QVector<Command> *table : {&ownCommands(), &commands()}) {
+        for (const Command &command : *table) {
+            const QStringList name = command.words.split(QLatin1Char(' '));
+            if (words.mid(0, name.size()) == name) {
+                *used = name.size();
+                return &command;
+            }
         }
     }
     return nullptr;

@@ -36,6 +36,27 @@ struct Argument {
     bool required;
 };
 
+/** What an option belongs to. */
+enum class Scope {
+    Every,       ///< every command
+    Operation,   ///< commands that have an outcome to wait for
+    WifiConnect, ///< wifi connect alone
+};
+
+struct Option {
+    QString name;
+    /** What its value is called; empty for an option without one. */
+    QString value;
+    QString help;
+    Scope scope;
+};
+
+/** What the program ends with, see ExitStatus. */
+struct StatusMeaning {
+    int status;
+    QString meaning;
+};
+
 /** How the outcome of a command that only starts something is told: by the "State" signals. */
 struct Outcome {
     QString success;
@@ -54,12 +75,25 @@ struct Command {
     QString method;
     QString property;
     QVector<Argument> arguments;
-    /** Without a success state there is nothing to wait for. */
+    /** Of a scan, which brings networks and no state: without the states. */
     Outcome outcome;
+
+    /** Whether it only starts something, whose outcome signals tell. */
+    bool isOperation() const { return outcome.seconds > 0; }
 };
 
 /** Every command that is one call of the daemon. */
 const QVector<Command> &commands();
+
+/** The other ones, by their words, or words and argument. */
+const QVector<Command> &ownCommands();
+
+const QVector<Option> &options();
+
+/** The option of that name; nullptr where there is none. */
+const Option *findOption(const QString &name);
+
+const QVector<StatusMeaning> &exitStatuses();
 
 /** The command whose words begin @p words; nullptr where there is none. @p used: how many words. */
 const Command *findCommand(const QStringList &words, int *used);

@@ -3,6 +3,9 @@
 #include "busvalue.h"
 #include "terminal.h"
 
+#include <QCoreApplication>
+#include <QDBusConnection>
+#include <QDBusServiceWatcher>
 #include <QEventLoop>
 #include <QTimer>
 
@@ -16,6 +19,21 @@ Follower::Follower(const Command &command)
               SLOT(takeProperty(QDBusMessage)));
     subscribe(command.path, command.interface, QStringLiteral("servicesListChanged"), this,
               SLOT(takeNetworks(QDBusMessage)));
+    auto watcher = new QDBusServiceWatcher(daemonService, QDBusConnection::systemBus(),
+                                           QDBusServiceWatcher::WatchForUnregistration, this);
+    QObject::connect(watcher, &QDBusServiceWatcher::serviceUnregistered, this, [this] {
+        if (!m_hasEnded)
+            end(DaemonAway);
+    });
+    // Signals are held back until the event loop has run once.
+    QCoreApplication::processEvents();
+}
+
+bool Follower::hasStarted()
+{
+    // What was announced before the reply has arrived by now, and waits to be taken.
+    QCoreApplication::processEvents();
+    return m_hasEnded || !m_states.isEmpty();
 }
 
 ExitStatus Follower::wait(int seconds)

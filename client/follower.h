@@ -19,6 +19,9 @@ class Follower : public QObject
 public:
     explicit Follower(const Command &command);
 
+    /** Whether anything was announced since the start, the reply to which has come. */
+    bool hasStarted();
+
     /** Waits for the outcome; what it ends with is the program's exit status. */
     ExitStatus wait(int seconds);
 

@@ -5,31 +5,6 @@
 
 namespace
 {
-const char introduction[] =
-    "usage: kyboardctl [OPTION...] COMMAND [ARGUMENT...]\n"
-    "\n"
-    "Asks the board manager of the instrument, and tells it what to do.\n"
-    "\n"
-    "Options:\n"
-    "  --json             print values for machines\n"
-    "  --timeout SECONDS  how long to wait for the outcome of a network operation\n"
-    "  --no-wait          start a network operation without waiting for its outcome\n"
-    "  --open             wifi connect: the network needs no passphrase\n"
-    "  --user NAME        wifi connect: user name for enterprise networks\n"
-    "  --help, --version\n"
-    "\n"
-    "Passphrases come from a prompt or from standard input, never from the command line.\n"
-    "\n"
-    "Commands:\n"
-    "  status   the whole instrument on one screen\n"
-    "  monitor  every signal, a line each\n";
-
-const char exitStatuses[] =
-    "\n"
-    "Exit status: 0 done, 1 the daemon answered an error, 2 wrong command line,\n"
-    "3 the daemon is away, 4 this model has no such interface, 5 the operation\n"
-    "failed, 6 the operation came to no end in time.\n";
-
 QString valuesText(const Argument &argument)
 {
     switch (argument.kind) {
@@ -64,62 +39,135 @@ QString commandHelp(const Command &command)
     return QStringLiteral("kyboardctl %1\n  %2\n").arg(synopsis(command), command.help) +
            lines.text(QStringLiteral("    "));
 }
+
+QStringList wordsOf(const Command &command)
+{
+    return command.words.split(QLatin1Char(' '));
+}
+
+QString optionHelp(const Option &option)
+{
+    return option.scope == Scope::WifiConnect ? QStringLiteral("wifi connect: ") + option.help
+                                              : option.help;
+}
+
+/** What may stand in the place of an argument: the values that are known beforehand. */
+QStringList candidatesFor(const Argument &argument)
+{
+    QStringList candidates = argument.choices;
+    if (argument.kind == Kind::Switch)
+        candidates << QStringLiteral("on") << QStringLiteral("off");
+    for (const Argument &key : argument.keys) {
+        if (key.kind == Kind::Secret || key.kind == Kind::SecretBytes)
+            continue;
+        candidates << key.name + QLatin1Char('=');
+        for (const QString &choice : key.choices)
+            candidates << key.name + QLatin1Char('=') + choice;
+    }
+    return candidates;
+}
+
+/** The words of a command line without its options and their values. */
+QStringList withoutOptions(const QStringList &words)
+{
+    QStringList rest;
+    for (int index = 0; index < words.size(); ++index) {
+        if (!words.at(index).startsWith(QLatin1String("--"))) {
+            rest << words.at(index);
+            continue;
+        }
+        const Option *option = findOption(words.at(index));
+        index += option && !option->value.isEmpty() ? 1 : 0;
+    }
+    return rest;
+}
+
+/** Words and values of @p command that may follow the words @p before. */
+QStringList candidatesAfter(const QStringList &before, const Command &command)
+{
+    const QStringList name = wordsOf(command);
+    if (before.size() < name.size())
+        return name.mid(0, before.size()) == before ? QStringList{name.at(before.size())}
+                                                    : QStringList();
+    if (before.mid(0, name.size()) != name || command.arguments.isEmpty())
+        return QStringList();
+    const Argument &last = command.arguments.last();
+    const int index = before.size() - name.size();
+    if (last.kind == Kind::Settings)
+        return candidatesFor(last);
+    return index < command.arguments.size() ? candidatesFor(command.arguments.at(index))
+                                            : QStringList();
+}
+
+/** Whether it is the next step from @p begun: first a key with its equals sign, then its values. */
+bool isNext(const QString &candidate, const QString &begun)
+{
+    if (!candidate.startsWith(begun))
+        return false;
+    const QString rest = candidate.mid(begun.size());
+    const int equals = rest.indexOf(QLatin1Char('='));
+    return rest.isEmpty() ? !begun.endsWith(QLatin1Char('='))
+                          : equals < 0 || equals == rest.size() - 1;
+}
 } // namespace
+
+QString helpText()
+{
+    Lines optionLines;
+    for (const Option &option : options())
+        optionLines.add(QStringLiteral("%1 %2").arg(option.name, option.value).trimmed(),
+                        optionHelp(option));
+    Lines commandLines;
+    for (const QVector<Command> *table : {&ownCommands(), &commands()}) {
+        for (const Command &command : *table)
+            commandLines.add(synopsis(command), command.help);
+    }
+    Lines statusLines;
+    for (const StatusMeaning &status : exitStatuses())
+        statusLines.add(QString::number(status.status), status.meaning);
+    const QString indent = QStringLiteral("  ");
+    return QStringLiteral("usage: kyboardctl [OPTION...] COMMAND [ARGUMENT...]\n\n"
+                          "Asks the board manager of the instrument, and tells it what to do.\n\n"
+                          "Options:\n") +
+           optionLines.text(indent) +
+           QStringLiteral("\nPassphrases come from a prompt or from standard input, never from the "
+                          "command line.\n\n"
+                          "Commands:\n") +
+           commandLines.text(indent) + QStringLiteral("\nExit status:\n") +
+           statusLines.text(indent);
+}
 
 QString helpText(const QStringList &words)
 {
-    QList<const Command *> chosen;
-    for (const Command &command : commands()) {
-        if (command.words.split(QLatin1Char(' ')).mid(0, words.size()) == words)
-            chosen << &command;
-    }
-    if (words.isEmpty() || chosen.isEmpty()) {
-        Lines lines;
-        for (const Command &command : commands())
-            lines.add(synopsis(command), command.help);
-        return QString::fromLatin1(introduction) + lines.text(QStringLiteral("  ")) +
-               QString::fromLatin1(exitStatuses);
-    }
     QString text;
-    for (const Command *command : chosen)
-        text += commandHelp(*command);
+    for (const QVector<Command> *table : {&ownCommands(), &commands()}) {
+        for (const Command &command : *table) {
+            if (wordsOf(command).mid(0, words.size()) == words)
+                text += commandHelp(command);
+        }
+    }
     return text;
 }
 
 QStringList completions(const QStringList &words)
 {
     const QString begun = words.isEmpty() ? QString() : words.last();
-    const QStringList before = words.mid(0, words.size() - 1);
+    QStringList before = withoutOptions(words.mid(0, words.size() - 1));
+    if (before.value(0) == QLatin1String("help"))
+        before.removeFirst();
     QStringList candidates;
-    if (before.isEmpty())
-        candidates << QStringLiteral("status") << QStringLiteral("monitor")
-                   << QStringLiteral("help");
-    for (const Command &command : commands()) {
-        const QStringList name = command.words.split(QLatin1Char(' '));
-        if (before.size() < name.size() && name.mid(0, before.size()) == before)
-            candidates << name.at(before.size());
-        if (before.size() < name.size() || before.mid(0, name.size()) != name)
-            continue;
-        const int index = before.size() - name.size();
-        if (command.arguments.isEmpty())
-            continue;
-        const Argument &last = command.arguments.last();
-        if (last.kind == Kind::Settings) {
-            for (const Argument &key : last.keys) {
-                if (key.kind != Kind::Secret && key.kind != Kind::SecretBytes)
-                    candidates << key.name + QLatin1Char('=');
-            }
-        } else if (index < command.arguments.size()) {
-            const Argument &argument = command.arguments.at(index);
-            if (argument.kind == Kind::Switch)
-                candidates << QStringLiteral("on") << QStringLiteral("off");
-            candidates << argument.choices;
-        }
+    for (const QVector<Command> *table : {&ownCommands(), &commands()}) {
+        for (const Command &command : *table)
+            candidates << candidatesAfter(before, command);
+    }
+    if (begun.startsWith(QLatin1Char('-'))) {
+        for (const Option &option : options())
+            candidates << option.name;
     }
     candidates.removeDuplicates();
     QStringList fitting;
     for (const QString &candidate : candidates) {
-        if (candidate.startsWith(begun))
+        if (isNext(candidate, begun))
             fitting << candidate;
     }
     return fitting;

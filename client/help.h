@@ -4,7 +4,10 @@
 #include <QString>
 #include <QStringList>
 
-/** Help on the commands whose words begin with @p words; on everything where there are none. */
+/** Help on everything. */
+QString helpText();
+
+/** Help on the commands whose words begin with @p words; empty where there are none. */
 QString helpText(const QStringList &words);
 
 /** What may follow @p words, the last of which is the beginning of a word. */

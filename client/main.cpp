@@ -21,6 +21,8 @@ struct Options {
     bool waits = true;
     int seconds = 0;
     QString user;
+    /** All that were given, in order. */
+    QStringList given;
 };
 
 void printJson(const QJsonValue &value)
@@ -73,46 +75,97 @@ bool complete(const Command &command, const Options &options, QVariantList &argu
     return true;
 }
 
-/** Starts what takes time and waits for its outcome. */
-int runOperation(const Command &command, const Options &options, const QVariantList &arguments)
+/**
+ * Why @p command would be ignored: the daemon answers a connect while it is connected as any other,
+ * and does nothing. Empty where nothing is known against it.
+ */
+QString objection(const Command &command)
 {
-    const bool isScan = command.outcome.success.isEmpty();
-    const int seconds = options.seconds > 0 ? options.seconds
-                        : isScan            ? 30
-                                            : command.outcome.seconds;
-    Follower follower(command);
-    const Answer answer = call(command.path, command.interface, command.method, arguments);
-    if (!answer.isGood()) {
-        complain(answer.complaint());
-        return answer.status;
-    }
-    const ExitStatus status = options.waits ? follower.wait(seconds) : Success;
+    if (command.method != QLatin1String("connect") || command.interface == QLatin1String("WIFIAP"))
+        return QString();
+    const Answer answer = call(command.path, command.interface, QStringLiteral("getIPv4"));
+    const QVariant address =
+        answer.values.value(0).toMap().value(QStringLiteral("Address"), QString());
+    if (address.toString().isEmpty())
+        return QString();
+    const QString group = command.words.section(QLatin1Char(' '), 0, 0);
+    return QStringLiteral("connected already, as %1; 'kyboardctl %2 disconnect' first")
+        .arg(address.toString(), group);
+}
+
+ExitStatus fail(const Command &command, ExitStatus status, const QString &complaint)
+{
+    complain(command.words + QStringLiteral(": ") + complaint);
+    return status;
+}
+
+/** Tells how an operation ended, which took at most so many seconds. */
+ExitStatus reportOutcome(const Command &command, const Options &options, const Follower &follower,
+                         ExitStatus status, int seconds)
+{
+    if (status == DaemonAway)
+        fail(command, status, QStringLiteral("the board manager went away"));
     if (status == OutcomeMissing)
-        complain(QStringLiteral("%1: no outcome within %2 s").arg(command.words).arg(seconds));
+        fail(command, status, QStringLiteral("no outcome within %1 s").arg(seconds));
     if (status == OutcomeFailed)
-        complain(command.words + QStringLiteral(": failed"));
-    if (!options.waits)
-        return Success;
+        fail(command, status, QStringLiteral("failed"));
+    const bool bringsNetworks = command.outcome.success.isEmpty();
     if (options.asJson)
-        printJson(isScan ? toJson(follower.networks())
-                         : QJsonValue(QJsonArray::fromStringList(follower.states())));
-    else if (isScan && status == Success)
+        printJson(bringsNetworks ? toJson(follower.networks())
+                                 : QJsonValue(QJsonArray::fromStringList(follower.states())));
+    else if (bringsNetworks && status == Success)
         printNetworks(follower.networks());
     else if (!follower.states().isEmpty())
         print(follower.states().last() + QLatin1Char('\n'));
     return status;
 }
 
-int runCommand(const Command &command, const Options &options, const QStringList &words)
+/** Starts what takes time and waits for its outcome. */
+ExitStatus runOperation(const Command &command, const Options &options,
+                        const QVariantList &arguments)
+{
+    const QString complaint = objection(command);
+    if (!complaint.isEmpty())
+        return fail(command, OutcomeFailed, complaint);
+    Follower follower(command);
+    const Answer answer = call(command.path, command.interface, command.method, arguments);
+    if (!answer.isGood()) {
+        complain(answer.complaint());
+        return answer.status;
+    }
+    // Of all operations this is the one whose beginning is announced.
+    if (command.method == QLatin1String("scan") && !follower.hasStarted())
+        return fail(command, OutcomeFailed,
+                    QStringLiteral("not while it is connected or busy with something else"));
+    if (!options.waits)
+        return Success;
+    const int seconds = options.seconds > 0 ? options.seconds : command.outcome.seconds;
+    const ExitStatus status = follower.wait(seconds);
+    return reportOutcome(command, options, follower, status, seconds);
+}
+
+/** What is wrong with the options of @p command; empty where nothing is. */
+QString misplacedOption(const Command &command, const Options &options)
+{
+    for (const Option &option : ::options()) {
+        const bool fits =
+            option.scope == Scope::Every ||
+            (option.scope == Scope::Operation && command.isOperation()) ||
+            (option.scope == Scope::WifiConnect && command.words == QLatin1String("wifi connect"));
+        if (!fits && options.given.contains(option.name))
+            return option.name + QStringLiteral(" does not belong here");
+    }
+    return QString();
+}
+
+ExitStatus runCommand(const Command &command, const Options &options, const QStringList &words)
 {
     QVariantList arguments;
-    QString complaint;
-    if (!parseArguments(command, words, readSecret, arguments, complaint) ||
-        !complete(command, options, arguments, complaint)) {
-        complain(QStringLiteral("%1: %2").arg(command.words, complaint));
-        return BadUsage;
-    }
-    if (command.outcome.seconds > 0 || command.words == QLatin1String("wifi scan"))
+    QString complaint = misplacedOption(command, options);
+    if (!complaint.isEmpty() || !parseArguments(command, words, readSecret, arguments, complaint) ||
+        !complete(command, options, arguments, complaint))
+        return fail(command, BadUsage, complaint);
+    if (command.isOperation())
         return runOperation(command, options, arguments);
 
     const Answer answer = command.property.isEmpty()
@@ -129,37 +182,111 @@ int runCommand(const Command &command, const Options &options, const QStringList
     return Success;
 }
 
-/** Takes the options out of @p words; false, with a complaint, where one is wrong. */
-bool takeOptions(QStringList &words, Options &options)
+/** status and monitor, which are more than one call. */
+int runOwnCommand(const Command &command, const Options &options, const QStringList &words)
+{
+    QVariantList none;
+    QString complaint = misplacedOption(command, options);
+    if (!complaint.isEmpty() || !parseArguments(command, words, readSecret, none, complaint))
+        return fail(command, BadUsage, complaint);
+    return command.words == QLatin1String("status") ? showStatus(options.asJson)
+                                                    : Monitor(options.asJson).run();
+}
+
+/** Takes one option's meaning; false where its value makes no sense. */
+bool takeOption(const QString &name, const QString &value, Options &options)
+{
+    options.given << name;
+    options.asJson = options.asJson || name == QLatin1String("--json");
+    options.isOpen = options.isOpen || name == QLatin1String("--open");
+    options.waits = options.waits && name != QLatin1String("--no-wait");
+    if (name == QLatin1String("--user"))
+        options.user = value;
+    if (name != QLatin1String("--timeout"))
+        return true;
+    options.seconds = value.toInt();
+    return options.seconds > 0;
+}
+
+/** Takes the options out of @p words; what is wrong with them, if anything is. */
+QString takeOptions(QStringList &words, Options &options)
 {
     QStringList rest;
     while (!words.isEmpty()) {
         const QString word = words.takeFirst();
-        bool isNumber = true;
-        if (word == QLatin1String("--json"))
-            options.asJson = true;
-        else if (word == QLatin1String("--open"))
-            options.isOpen = true;
-        else if (word == QLatin1String("--no-wait"))
-            options.waits = false;
-        else if (word == QLatin1String("--user") && !words.isEmpty())
-            options.user = words.takeFirst();
-        else if (word == QLatin1String("--timeout") && !words.isEmpty())
-            options.seconds = words.takeFirst().toInt(&isNumber);
-        else if (word == QLatin1String("--"))
+        if (word == QLatin1String("--"))
             break;
-        else if (word.startsWith(QLatin1String("--"))) {
-            complain(QStringLiteral("unknown option ") + word);
-            return false;
-        } else
+        // Behind a command, a word with one dash may be a negative number.
+        if (!word.startsWith(QLatin1String("--")) &&
+            (!rest.isEmpty() || !word.startsWith(QLatin1Char('-')))) {
             rest << word;
-        if (!isNumber || options.seconds < 0) {
-            complain(QStringLiteral("--timeout wants a number of seconds"));
-            return false;
+            continue;
         }
+        const Option *option = findOption(word);
+        if (!option)
+            return QStringLiteral("unknown option ") + word;
+        if (!option->value.isEmpty() && words.isEmpty())
+            return QStringLiteral("%1 wants %2").arg(word, option->value);
+        const QString value = option->value.isEmpty() ? QString() : words.takeFirst();
+        if (!takeOption(word, value, options))
+            return QStringLiteral("%1: '%2' is not a number of seconds").arg(word, value);
     }
     words = rest + words;
-    return true;
+    return QString();
+}
+
+QString noSuchCommand(const QStringList &words)
+{
+    const QString complaint = QStringLiteral("no command '%1'; 'kyboardctl help%2' lists them");
+    const QString group = words.first();
+    return complaint.arg(words.join(QLatin1Char(' ')),
+                         helpText({group}).isEmpty() ? QString() : QLatin1Char(' ') + group);
+}
+
+ExitStatus showHelp(const QStringList &words)
+{
+    const QString text = words.isEmpty() ? helpText() : helpText(words);
+    if (text.isEmpty()) {
+        complain(noSuchCommand(words));
+        return BadUsage;
+    }
+    print(text);
+    return Success;
+}
+
+int run(QStringList words)
+{
+    if (words.value(0) == QLatin1String("complete")) {
+        for (const QString &candidate : completions(words.mid(1)))
+            print(candidate + QLatin1Char('\n'));
+        return Success;
+    }
+    Options options;
+    const QString complaint = takeOptions(words, options);
+    if (!complaint.isEmpty()) {
+        complain(complaint);
+        return BadUsage;
+    }
+    if (options.given.contains(QStringLiteral("--version"))) {
+        print(QStringLiteral("kyboardctl %1\n").arg(QCoreApplication::applicationVersion()));
+        return Success;
+    }
+    if (options.given.contains(QStringLiteral("--help")))
+        return showHelp(words);
+    if (words.value(0) == QLatin1String("help"))
+        return showHelp(words.mid(1));
+    if (words.isEmpty()) {
+        complain(QStringLiteral("no command is given; 'kyboardctl help' lists them"));
+        return BadUsage;
+    }
+    int used = 0;
+    const Command *command = findCommand(words, &used);
+    if (!command) {
+        complain(noSuchCommand(words));
+        return BadUsage;
+    }
+    return command->interface.isEmpty() ? runOwnCommand(*command, options, words.mid(used))
+                                        : runCommand(*command, options, words.mid(used));
 }
 } // namespace
 
@@ -168,37 +295,5 @@ int main(int argc, char *argv[])
     QCoreApplication application(argc, argv);
     QCoreApplication::setApplicationName(QStringLiteral("kyboardctl"));
     QCoreApplication::setApplicationVersion(QStringLiteral(KYBOARDMANAGER_VERSION));
-
-    QStringList words = QCoreApplication::arguments().mid(1);
-    if (words.value(0) == QLatin1String("complete")) {
-        print(completions(words.mid(1)).join(QLatin1Char('\n')) + QLatin1Char('\n'));
-        return Success;
-    }
-    if (words.isEmpty() || words.contains(QStringLiteral("--help")) ||
-        words.first() == QLatin1String("help")) {
-        words.removeAll(QStringLiteral("--help"));
-        words.removeAll(QStringLiteral("help"));
-        print(helpText(words));
-        return argc > 1 ? Success : BadUsage;
-    }
-    if (words.first() == QLatin1String("--version")) {
-        print(QStringLiteral("kyboardctl " KYBOARDMANAGER_VERSION "\n"));
-        return Success;
-    }
-
-    Options options;
-    if (!takeOptions(words, options))
-        return BadUsage;
-    if (words == QStringList{QStringLiteral("status")})
-        return showStatus(options.asJson);
-    if (words == QStringList{QStringLiteral("monitor")})
-        return Monitor(options.asJson).run();
-    int used = 0;
-    const Command *command = findCommand(words, &used);
-    if (!command) {
-        complain(QStringLiteral("no command '%1'; 'kyboardctl help' lists them")
-                     .arg(words.join(QLatin1Char(' '))));
-        return BadUsage;
-    }
-    return runCommand(*command, options, words.mid(used));
+    return run(QCoreApplication::arguments().mid(1));
 }

@@ -10,7 +10,75 @@
 
 namespace
 {
-/** One part of the screen: what is asked, and the name under which it is shown. */
+const QString accessDenied = QStringLiteral("org.freedesktop.DBus.Error.AccessDenied");
+
+/** LEDs that are off are the usual thing: only the others are worth a place on the screen. */
+QString ledText(const QVariant &value)
+{
+    QStringList lit;
+    const QVariantMap leds = value.toMap();
+    for (auto led = leds.constBegin(); led != leds.constEnd(); ++led) {
+        if (led.value().toString() != QLatin1String("OFF"))
+            lit << led.key() + QLatin1Char('=') + led.value().toString();
+    }
+    return lit.isEmpty() ? QStringLiteral("all off") : lit.join(QStringLiteral(", "));
+}
+
+QString percentText(const QVariant &value)
+{
+    return inlineText(value) + QStringLiteral(" %");
+}
+
+QString luxText(const QVariant &value)
+{
+    return inlineText(value) + QStringLiteral(" lux");
+}
+
+QString strengthText(const QVariant &value)
+{
+    const QVariantMap strength = value.toMap();
+    return strength.isEmpty() ? QStringLiteral("none") : percentText(strength.first());
+}
+
+/** An interface has an address exactly as long as it is connected. */
+QString ipv4Text(const QVariant &value)
+{
+    const QVariantMap ipv4 = value.toMap();
+    QStringList texts{inlineText(ipv4.value(QStringLiteral("Address")))};
+    if (texts.first().isEmpty())
+        return QStringLiteral("not connected");
+    for (const char *key : {"Netmask", "Gateway"}) {
+        const QString name = QLatin1String(key);
+        if (ipv4.contains(name))
+            texts << name.toLower() + QLatin1Char(' ') + inlineText(ipv4.value(name));
+    }
+    return QStringLiteral("%1 (%2)").arg(texts.join(QStringLiteral(", ")),
+                                         inlineText(ipv4.value(QStringLiteral("Method"))));
+}
+
+QString interfaceText(const QVariant &value)
+{
+    const QVariantMap interface = value.toMap();
+    if (interface.isEmpty())
+        return QStringLiteral("no interface");
+    return QStringLiteral("%1, %2, MTU %3")
+        .arg(inlineText(interface.value(QStringLiteral("Interface"))),
+             inlineText(interface.value(QStringLiteral("Address"))),
+             inlineText(interface.value(QStringLiteral("MTU"))));
+}
+
+/** Its interface is there only while the module is an access point. */
+QString accessPointText(const QVariant &value)
+{
+    return value.toMap().isEmpty() ? QStringLiteral("off") : interfaceText(value);
+}
+
+QString mapText(const QVariant &value)
+{
+    return value.toMap().isEmpty() ? QStringLiteral("none") : inlineText(value);
+}
+
+/** One line of the screen: what is asked, the name under which it is shown, and how. */
 struct Question {
     const char *title;
     const char *key;
@@ -19,6 +87,7 @@ struct Question {
     const char *method; ///< null: the property of the next column
     const char *property;
     const char *argument; ///< null: none
+    QString (*text)(const QVariant &value);
 };
 
 const char config[] = "/KyConfigMgr";
@@ -26,27 +95,31 @@ const char com[] = "/KyComMgr";
 const char device[] = "/KyDeviceMgr";
 
 const Question questions[] = {
-    {"Profile", "profile", config, "Users", "getUser", nullptr, nullptr},
-    {"Battery", "battery", device, "Alimentation", nullptr, "batteryStatus", nullptr},
+    {"Profile", "profile", config, "Users", "getUser", nullptr, nullptr, inlineText},
+    {"Battery", "battery", device, "Alimentation", nullptr, "batteryStatus", nullptr, inlineText},
     {"Battery voltage", "batteryVoltage", device, "Alimentation", "getBatteryVoltage", nullptr,
-     nullptr},
-    {"LEDs", "leds", device, "LED", "getLEDStatus", nullptr, nullptr},
-    {"Temperatures", "temperatures", device, "Temperature", "getTemperatures", nullptr, nullptr},
-    {"SD card mounted", "sdMounted", device, "Storage", "isMounted", nullptr, "SD"},
-    {"USB key mounted", "usbMounted", device, "Storage", "isMounted", nullptr, "USB"},
-    {"Backlight", "backlight", device, "Backlight", "getBacklight", nullptr, nullptr},
-    {"Backlight step", "backlightStep", device, "Backlight", "getBacklightStep", nullptr, nullptr},
-    {"Ambient light", "brightness", device, "Brightness", "getBrightness", nullptr, nullptr},
-    {"Ethernet", "ethernet", com, "Ethernet", "getIPv4", nullptr, nullptr},
-    {"Ethernet hardware", "ethernetHardware", com, "Ethernet", "getHardwareInfos", nullptr,
-     nullptr},
-    {"Wi-Fi", "wifi", com, "WIFI", "getIPv4", nullptr, nullptr},
-    {"Wi-Fi hardware", "wifiHardware", com, "WIFI", "getHardwareInfos", nullptr, nullptr},
-    {"Wi-Fi strength", "wifiStrength", com, "WIFI", "getStrength", nullptr, nullptr},
-    {"Access point hardware", "accessPointHardware", com, "WIFIAP", "getHardwareInfos", nullptr,
-     nullptr},
-    {"Software", "software", device, "Version", "getSoftwareVersions", nullptr, nullptr},
-    {"Revisions", "revisions", device, "Version", "getRevision", nullptr, nullptr},
+     nullptr, inlineText},
+    {"LEDs", "leds", device, "LED", "getLEDStatus", nullptr, nullptr, ledText},
+    {"Temperatures", "temperatures", device, "Temperature", "getTemperatures", nullptr, nullptr,
+     mapText},
+    {"SD card mounted", "sdMounted", device, "Storage", "isMounted", nullptr, "SD", inlineText},
+    {"USB key mounted", "usbMounted", device, "Storage", "isMounted", nullptr, "USB", inlineText},
+    {"Backlight", "backlight", device, "Backlight", "getBacklight", nullptr, nullptr, percentText},
+    {"Backlight step", "backlightStep", device, "Backlight", "getBacklightStep", nullptr, nullptr,
+     inlineText},
+    {"Ambient light", "brightness", device, "Brightness", "getBrightness", nullptr, nullptr,
+     luxText},
+    {"Ethernet", "ethernet", com, "Ethernet", "getIPv4", nullptr, nullptr, ipv4Text},
+    {"Ethernet hardware", "ethernetHardware", com, "Ethernet", "getHardwareInfos", nullptr, nullptr,
+     interfaceText},
+    {"Wi-Fi", "wifi", com, "WIFI", "getIPv4", nullptr, nullptr, ipv4Text},
+    {"Wi-Fi hardware", "wifiHardware", com, "WIFI", "getHardwareInfos", nullptr, nullptr,
+     interfaceText},
+    {"Wi-Fi strength", "wifiStrength", com, "WIFI", "getStrength", nullptr, nullptr, strengthText},
+    {"Access point", "accessPointHardware", com, "WIFIAP", "getHardwareInfos", nullptr, nullptr,
+     accessPointText},
+    {"Software", "software", device, "Version", "getSoftwareVersions", nullptr, nullptr, mapText},
+    {"Revisions", "revisions", device, "Version", "getRevision", nullptr, nullptr, mapText},
 };
 
 Answer ask(const Question &question)
@@ -61,29 +134,10 @@ Answer ask(const Question &question)
     return call(path, interface, QString::fromLatin1(question.method), arguments);
 }
 
-/** LEDs that are off are the usual thing: only the others are worth a place on the screen. */
-QString ledText(const QVariant &value)
-{
-    QStringList lit;
-    const QVariantMap leds = value.toMap();
-    for (auto led = leds.constBegin(); led != leds.constEnd(); ++led) {
-        if (led.value().toString() != QLatin1String("OFF"))
-            lit << led.key() + QLatin1Char('=') + led.value().toString();
-    }
-    return lit.isEmpty() ? QStringLiteral("all off") : lit.join(QStringLiteral(", "));
-}
-
 QString answerText(const Question &question, const Answer &answer)
 {
-    if (!answer.isGood())
-        return QStringLiteral("not available: ") + answer.complaint();
-    const QVariant value = answer.values.value(0);
-    const bool isMap = value.userType() == QMetaType::QVariantMap;
-    if (question.method && QLatin1String(question.method) == QLatin1String("getLEDStatus"))
-        return ledText(value);
-    if (isMap && value.toMap().isEmpty())
-        return QStringLiteral("none");
-    return inlineText(value);
+    return answer.isGood() ? question.text(answer.values.value(0))
+                           : QStringLiteral("not available: ") + answer.complaint();
 }
 } // namespace
 
@@ -97,9 +151,10 @@ int showStatus(bool asJson)
     QJsonObject object;
     for (const Question &question : questions) {
         const Answer answer = ask(question);
-        if (answer.status == DaemonAway) {
+        // Who may not ask one thing may ask nothing.
+        if (answer.status == DaemonAway || answer.errorName == accessDenied) {
             complain(answer.complaint());
-            return DaemonAway;
+            return answer.status;
         }
         // A model without a screen has no backlight and no light sensor, which is no failure.
         if (answer.status == InterfaceAbsent)

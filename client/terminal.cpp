@@ -1,5 +1,6 @@
 #include "terminal.h"
 
+#include <csignal>
 #include <cstdio>
 #include <termios.h>
 #include <unistd.h>
@@ -19,6 +20,37 @@ bool readLine(QByteArray &line)
             return true;
         line += byte;
     }
+}
+
+termios shown = {};
+
+/** Whoever ends the program at the prompt keeps a terminal that shows what is typed. */
+void restoreTerminal(int signal)
+{
+    tcsetattr(STDIN_FILENO, TCSANOW, &shown);
+    raise(signal);
+}
+
+/** Hides what is typed, until the program ends or showInput() is called. */
+void hideInput()
+{
+    for (const int signal : {SIGINT, SIGTERM, SIGHUP, SIGQUIT}) {
+        struct sigaction action = {};
+        action.sa_handler = restoreTerminal;
+        // The signal that is raised in the handler comes after it, and ends the program.
+        action.sa_flags = static_cast<int>(SA_RESETHAND);
+        sigaction(signal, &action, nullptr);
+    }
+    termios hidden = shown;
+    hidden.c_lflag &= ~tcflag_t(ECHO);
+    tcsetattr(STDIN_FILENO, TCSAFLUSH, &hidden);
+}
+
+void showInput()
+{
+    tcsetattr(STDIN_FILENO, TCSAFLUSH, &shown);
+    for (const int signal : {SIGINT, SIGTERM, SIGHUP, SIGQUIT})
+        std::signal(signal, SIG_DFL);
 }
 
 void write(std::FILE *stream, const QString &text)
@@ -53,18 +85,15 @@ void clearProgress()
 
 bool readSecret(const QString &prompt, QString &secret)
 {
-    termios shown = {};
     const bool isTerminal = isatty(STDIN_FILENO) && tcgetattr(STDIN_FILENO, &shown) == 0;
     if (isTerminal) {
         write(stderr, prompt + QStringLiteral(": "));
-        termios hidden = shown;
-        hidden.c_lflag &= ~tcflag_t(ECHO);
-        tcsetattr(STDIN_FILENO, TCSAFLUSH, &hidden);
+        hideInput();
     }
     QByteArray line;
     const bool isRead = readLine(line);
     if (isTerminal) {
-        tcsetattr(STDIN_FILENO, TCSAFLUSH, &shown);
+        showInput();
         write(stderr, QStringLiteral("\n"));
     }
     secret = QString::fromUtf8(line);

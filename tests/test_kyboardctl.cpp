@@ -138,12 +138,31 @@ void TestKyboardctl::aWrongCommandLineSendsNothing_data()
     QTest::addColumn<QStringList>("words");
     QTest::addColumn<QString>("complaint");
     QTest::newRow("command") << QStringList{"led", "light"}
-                             << "no command 'led light'; 'kyboardctl help' lists them";
+                             << "no command 'led light'; 'kyboardctl help led' lists them";
+    QTest::newRow("no command") << QStringList{}
+                                << "no command is given; 'kyboardctl help' lists "
+                                   "them";
+    QTest::newRow("help") << QStringList{"help", "lights"}
+                          << "no command 'lights'; 'kyboardctl help' lists them";
+    QTest::newRow("status") << QStringList{"status", "now"} << "status: 'now' is one word too many";
     QTest::newRow("argument") << QStringList{"led", "set", "wifi", "ON"}
                               << "led set: LED: 'wifi' is not one of BAT_RS1, BAT_GS1, BAT_GS2, "
                                  "BAT_GS3, BAT_GS4, BAT_GS5, UTC_SYNC, RECORDING, BT, WIFI, WPS, "
                                  "POWER_Y, POWER_G, SD_STATUS";
     QTest::newRow("option") << QStringList{"--loud", "led", "list"} << "unknown option --loud";
+    QTest::newRow("short option") << QStringList{"-j", "led", "list"} << "unknown option -j";
+    QTest::newRow("option's value")
+        << QStringList{"wifi", "scan", "--timeout"} << "--timeout wants SECONDS";
+    QTest::newRow("no number") << QStringList{"wifi", "scan", "--timeout", "soon"}
+                               << "--timeout: 'soon' is not a number of seconds";
+    QTest::newRow("no time") << QStringList{"wifi", "scan", "--timeout", "0"}
+                             << "--timeout: '0' is not a number of seconds";
+    QTest::newRow("option of an operation")
+        << QStringList{"led", "list", "--no-wait"} << "led list: --no-wait does not belong here";
+    QTest::newRow("option of another command")
+        << QStringList{"wifi", "scan", "--open"} << "wifi scan: --open does not belong here";
+    QTest::newRow("option of a call")
+        << QStringList{"status", "--timeout", "3"} << "status: --timeout does not belong here";
     QTest::newRow("no secret") << QStringList{"wifi", "connect", "home"}
                                << "wifi connect: no passphrase on standard input (--open for none)";
 }
@@ -213,9 +232,11 @@ void TestKyboardctl::statusShowsTheWholeInstrument()
                                   "LEDs\\s+BAT_GS1=ON.*POWER_Y=ON",
                                   "Temperatures\\s+ANALOG_CHAIN=38, SOM=42",
                                   "SD card mounted\\s+no",
-                                  "Backlight\\s+55",
-                                  "Ambient light\\s+120",
-                                  "Ethernet\\s+none",
+                                  "Backlight\\s+55 %",
+                                  "Ambient light\\s+120 lux",
+                                  "Ethernet\\s+not connected",
+                                  "Wi-Fi strength\\s+none",
+                                  "Access point\\s+off",
                                   "Software\\s+KyBoardManager=2.06",
                                   "Revisions\\s+.*SOM="};
     for (const QString &pattern : expected)

@@ -22,6 +22,7 @@ private Q_SLOTS:
     void numbersComeFromAFileToo();
     void everyCommandIsFoundByItsWords();
     void helpNamesEveryCommand();
+    void helpNamesEveryOptionAndStatus();
     void completionKnowsWhatMayFollow_data();
     void completionKnowsWhatMayFollow();
     void valuesForPeople_data();
@@ -208,7 +209,7 @@ void TestKyboardctlCommandLine::everyCommandIsFoundByItsWords()
 
 void TestKyboardctlCommandLine::helpNamesEveryCommand()
 {
-    const QString text = helpText({});
+    const QString text = helpText();
     for (const Command &each : commands()) {
         QVERIFY2(text.contains("  " + synopsis(each)), qPrintable(each.words));
         QVERIFY(!each.help.isEmpty());
@@ -216,6 +217,16 @@ void TestKyboardctlCommandLine::helpNamesEveryCommand()
     QVERIFY(helpText({"led"}).contains("BAT_RS1, BAT_GS1"));
     QVERIFY(!helpText({"led"}).contains("kyboardctl user"));
     QVERIFY(!helpText({"led", "set"}).contains("kyboardctl led list"));
+    QCOMPARE(helpText({"lights"}), QString());
+}
+
+void TestKyboardctlCommandLine::helpNamesEveryOptionAndStatus()
+{
+    const QString text = helpText();
+    for (const Option &option : options())
+        QVERIFY2(text.contains("  " + option.name + ' '), qPrintable(option.name));
+    for (const StatusMeaning &status : exitStatuses())
+        QVERIFY(text.contains(QString("  %1  %2\n").arg(status.status).arg(status.meaning)));
 }
 
 void TestKyboardctlCommandLine::completionKnowsWhatMayFollow_data()
@@ -231,6 +242,19 @@ void TestKyboardctlCommandLine::completionKnowsWhatMayFollow_data()
     QTest::newRow("switch") << QStringList{"module", "power", ""} << QStringList{"on", "off"};
     QTest::newRow("key") << QStringList{"wifi", "set-ipv4", "Method=dhcp", "DNS"}
                          << QStringList{"DNS1=", "DNS2="};
+    QTest::newRow("whole key") << QStringList{"wifi", "set-ipv4", "Meth"} << QStringList{"Method="};
+    QTest::newRow("value of a key") << QStringList{"wifi", "set-ipv4", "Method="}
+                                    << QStringList{"Method=dhcp", "Method=manual", "Method=off"};
+    QTest::newRow("begun value of a key")
+        << QStringList{"wifi", "set-ipv4", "Method=m"} << QStringList{"Method=manual"};
+    QTest::newRow("key without known values")
+        << QStringList{"wifi", "set-ipv4", "Address="} << QStringList();
+    QTest::newRow("option") << QStringList{"wifi", "connect", "Cafe", "--o"}
+                            << QStringList{"--open"};
+    QTest::newRow("behind an option") << QStringList{"--json", "wifi", "sc"} << QStringList{"scan"};
+    QTest::newRow("behind an option's value")
+        << QStringList{"--timeout", "5", "ap", "sta"} << QStringList{"start"};
+    QTest::newRow("help") << QStringList{"help", "wifi", "sc"} << QStringList{"scan"};
     QTest::newRow("nothing") << QStringList{"user", "get", ""} << QStringList();
 }
 

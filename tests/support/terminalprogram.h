@@ -1,0 +1,47 @@
+#ifndef TERMINALPROGRAM_H
+#define TERMINALPROGRAM_H
+
+#include <QByteArray>
+#include <QProcess>
+
+/** A program on a terminal of its own, at which the test sits. */
+class TerminalProgram
+{
+public:
+    /** Starts @p program with the terminal as its input and output. */
+    TerminalProgram(const QString &program, const QStringList &arguments);
+    ~TerminalProgram();
+    TerminalProgram(const TerminalProgram &) = delete;
+    TerminalProgram &operator=(const TerminalProgram &) = delete;
+
+    /** Waits until the terminal has shown @p text. */
+    bool shows(const QByteArray &text);
+
+    /** All that the terminal has shown. */
+    QByteArray shown();
+
+    /** Whether what is typed shows. */
+    bool echoes() const;
+
+    void type(const QByteArray &keys);
+
+    /** Waits for the end: the exit status, minus the signal that ended it, or -1000. */
+    int waitForEnd();
+
+private:
+    class Process : public QProcess
+    {
+    public:
+        int terminal = -1;
+
+    protected:
+        void setupChildProcess() override;
+    };
+
+    int m_master;
+    int m_slave;
+    Process m_process;
+    QByteArray m_shown;
+};
+
+#endif

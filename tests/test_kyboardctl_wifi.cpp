@@ -1,0 +1,290 @@
+#include "daemontest.h"
+#include "modescript.h"
+#include "realconnman.h"
+#include "supplicantstandin.h"
+#include "terminalprogram.h"
+
+#include <QJsonArray>
+#include <QJsonDocument>
+#include <QJsonObject>
+#include <QRegularExpression>
+
+#include <csignal>
+
+/** kyboardctl's networks, the whole way: daemon, real ConnMan, no radio, DHCP. */
+class TestKyboardctlWifi : public DaemonTest
+{
+    Q_OBJECT
+
+private Q_SLOTS:
+    void init();
+    void cleanup();
+
+    void scanListsTheNetworks();
+    void scanForMachinesIsOneObject();
+    void anEmptyAirIsNoFailure();
+    void anOpenNetworkIsJoined();
+    void aPassphraseComesFromStandardInput();
+    void aPassphraseComesFromAPromptThatDoesNotShowIt();
+    void endedAtThePromptItLeavesAnOrdinaryTerminal();
+    void aWrongPassphraseFailsAndTheRightOneThenLeadsOnline();
+    void anAbsentNetworkFails();
+    void disconnectLeadsToIdle();
+    void whileConnectedNothingElseIsTried();
+    void withoutAnAddressThereIsNoOutcome();
+    void withoutWaitingItEndsAtOnce();
+    void withoutTheModulesScriptTheDaemonsErrorIsTold();
+    void aDaemonThatGoesAwayEndsTheWait();
+    void theAccessPointStartsAndStops();
+
+private:
+    struct Result {
+        int status;
+        QString output;
+        QString complaint;
+    };
+    static void start(QProcess &client, const QStringList &arguments, const QByteArray &input);
+    static Result resultOf(QProcess &client);
+    static Result run(const QStringList &arguments, const QByteArray &input = {});
+
+    RealConnman connman;
+    SupplicantStandIn supplicant;
+    ModeScript script;
+};
+
+void TestKyboardctlWifi::init()
+{
+    DaemonTest::init();
+    script.install();
+    supplicant.start();
+    connman.start();
+    daemon.controlClock();
+    QVERIFY(daemon.start());
+}
+
+void TestKyboardctlWifi::cleanup()
+{
+    DaemonTest::cleanup();
+    connman.kill();
+    supplicant.kill();
+    script.clear();
+}
+
+void TestKyboardctlWifi::start(QProcess &client, const QStringList &arguments,
+                               const QByteArray &input)
+{
+    client.start("kyboardctl", arguments);
+    client.write(input);
+    client.closeWriteChannel();
+}
+
+TestKyboardctlWifi::Result TestKyboardctlWifi::resultOf(QProcess &client)
+{
+    if (client.state() != QProcess::NotRunning && !client.waitForFinished(60000))
+        return {-1, QString(), QStringLiteral("no end")};
+    return {client.exitCode(), client.readAllStandardOutput(), client.readAllStandardError()};
+}
+
+TestKyboardctlWifi::Result TestKyboardctlWifi::run(const QStringList &arguments,
+                                                   const QByteArray &input)
+{
+    QProcess client;
+    start(client, arguments, input);
+    return resultOf(client);
+}
+
+void TestKyboardctlWifi::scanListsTheNetworks()
+{
+    const Result result = run({"wifi", "scan"});
+    QCOMPARE(result.output, QStringLiteral("Cafe       65 %  none\n"
+                                           "Grumpy     50 %  psk\n"
+                                           "Hall       62 %  psk\n"
+                                           "Workshop   72 %  psk\n"));
+    QCOMPARE(result.complaint, QString());
+    QCOMPARE(result.status, 0);
+}
+
+void TestKyboardctlWifi::scanForMachinesIsOneObject()
+{
+    const QJsonObject networks =
+        QJsonDocument::fromJson(run({"--json", "wifi", "scan"}).output.toUtf8()).object();
+    QCOMPARE(networks.keys(), (QStringList{"Cafe", "Grumpy", "Hall", "Workshop"}));
+    const QJsonArray hall = networks.value("Hall").toArray();
+    QCOMPARE(hall.at(1).toString(), QStringLiteral("62"));
+    QCOMPARE(hall.at(2).toString(), QStringLiteral("psk"));
+}
+
+void TestKyboardctlWifi::anEmptyAirIsNoFailure()
+{
+    for (const char *folder : {"cafe", "grumpy", "hall_near", "hall_far", "workshop", "vault"})
+        supplicant.set(QLatin1String(folder) + "/in_range", "0");
+    const Result result = run({"wifi", "scan"});
+    QCOMPARE(result.output, QStringLiteral("no network in reach\n"));
+    QCOMPARE(result.status, 0);
+}
+
+void TestKyboardctlWifi::anOpenNetworkIsJoined()
+{
+    const Result result = run({"wifi", "connect", "Cafe", "--open", "--json"});
+    QCOMPARE(result.complaint, QString());
+    QCOMPARE(result.status, 0);
+    QCOMPARE(QJsonDocument::fromJson(result.output.toUtf8()).array(),
+             (QJsonArray{"association", "configuration", "online"}));
+    QVERIFY(run({"wifi", "ipv4"}).output.startsWith("Address  10.78.0."));
+    QCOMPARE(run({"wifi", "strength"}).output, QStringLiteral("Strength  65\n"));
+    const QString status = run({"status"}).output;
+    QVERIFY2(QRegularExpression("\nWi-Fi +10\\.78\\.0\\.\\d+, netmask 255\\.255\\.255\\.0"
+                                ".* \\(dhcp\\)\n")
+                 .match(status)
+                 .hasMatch(),
+             qPrintable(status));
+    QVERIFY2(status.contains(QRegularExpression("\nWi-Fi strength +65 %\n")), qPrintable(status));
+}
+
+void TestKyboardctlWifi::aPassphraseComesFromStandardInput()
+{
+    const Result result = run({"wifi", "connect", "Workshop"}, "seven seas\n");
+    QCOMPARE(result.output, QStringLiteral("online\n"));
+    QCOMPARE(result.complaint, QString());
+    QCOMPARE(result.status, 0);
+}
+
+void TestKyboardctlWifi::aPassphraseComesFromAPromptThatDoesNotShowIt()
+{
+    TerminalProgram client("kyboardctl", {"wifi", "connect", "Workshop"});
+    QVERIFY(client.shows("Passphrase: "));
+    QTRY_VERIFY(!client.echoes());
+    client.type("seven seas\n");
+    QVERIFY2(client.shows("\r\033[Kwifi connect: association"), client.shown().constData());
+    QCOMPARE(client.waitForEnd(), 0);
+    QVERIFY2(client.shown().endsWith("\r\033[Konline\r\n"), client.shown().constData());
+    QVERIFY(!client.shown().contains("seven"));
+    QVERIFY(client.echoes());
+}
+
+void TestKyboardctlWifi::endedAtThePromptItLeavesAnOrdinaryTerminal()
+{
+    TerminalProgram client("kyboardctl", {"wifi", "connect", "Workshop"});
+    QVERIFY(client.shows("Passphrase: "));
+    QTRY_VERIFY(!client.echoes());
+    client.type("seven\x03");
+    QCOMPARE(client.waitForEnd(), -SIGINT);
+    QVERIFY(client.echoes());
+    QCOMPARE(script.log(), QStringList());
+}
+
+void TestKyboardctlWifi::aWrongPassphraseFailsAndTheRightOneThenLeadsOnline()
+{
+    const QString workshop = "/net/connman/service/wifi_02aabbccdd03_576f726b73686f70_managed_psk";
+    QProcess client;
+    start(client, {"wifi", "connect", "Workshop"}, "eight seas\n");
+    QTRY_COMPARE_WITH_TIMEOUT(RealConnman::properties(workshop).value("Error").toString(),
+                              QStringLiteral("invalid-key"), 30000);
+    daemon.letTimePass(60);
+    const Result result = resultOf(client);
+    QCOMPARE(result.status, 5);
+    QCOMPARE(result.output, QStringLiteral("failure\n"));
+    QCOMPARE(result.complaint, QStringLiteral("kyboardctl: wifi connect: failed\n"));
+
+    QCOMPARE(run({"wifi", "connect", "Workshop"}, "seven seas\n").status, 0);
+}
+
+void TestKyboardctlWifi::anAbsentNetworkFails()
+{
+    const Result result = run({"wifi", "connect", "Nowhere", "--open"});
+    QCOMPARE(result.status, 5);
+    QCOMPARE(result.complaint, QStringLiteral("kyboardctl: wifi connect: failed\n"));
+}
+
+void TestKyboardctlWifi::disconnectLeadsToIdle()
+{
+    QCOMPARE(run({"wifi", "connect", "Cafe", "--open"}).status, 0);
+    const Result result = run({"wifi", "disconnect"});
+    QCOMPARE(result.output, QStringLiteral("idle\n"));
+    QCOMPARE(result.status, 0);
+    QVERIFY(run({"status"}).output.contains(QRegularExpression("\nWi-Fi +not connected\n")));
+}
+
+void TestKyboardctlWifi::whileConnectedNothingElseIsTried()
+{
+    QCOMPARE(run({"wifi", "connect", "Cafe", "--open"}).status, 0);
+    const Result again = run({"wifi", "connect", "Workshop"}, "seven seas\n");
+    QCOMPARE(again.status, 5);
+    QVERIFY2(QRegularExpression("^kyboardctl: wifi connect: connected already, as 10\\.78\\.0\\."
+                                "\\d+; 'kyboardctl wifi disconnect' first\n$")
+                 .match(again.complaint)
+                 .hasMatch(),
+             qPrintable(again.complaint));
+    const Result scan = run({"wifi", "scan"});
+    QCOMPARE(scan.status, 5);
+    QCOMPARE(scan.complaint, QStringLiteral("kyboardctl: wifi scan: not while it is connected or "
+                                            "busy with something else\n"));
+    QCOMPARE(script.log(), (QStringList{"start 1", "end 1"}));
+}
+
+void TestKyboardctlWifi::withoutAnAddressThereIsNoOutcome()
+{
+    supplicant.setDhcpServerMute(true);
+    const Result result = run({"wifi", "connect", "Cafe", "--open", "--timeout", "5"});
+    QCOMPARE(result.status, 6);
+    QCOMPARE(result.complaint, QStringLiteral("kyboardctl: wifi connect: no outcome within 5 s\n"));
+}
+
+void TestKyboardctlWifi::withoutWaitingItEndsAtOnce()
+{
+    script.hold();
+    const Result result = run({"wifi", "connect", "Cafe", "--open", "--no-wait"});
+    QCOMPARE(result.status, 0);
+    QCOMPARE(result.output + result.complaint, QString());
+    script.release();
+}
+
+void TestKyboardctlWifi::withoutTheModulesScriptTheDaemonsErrorIsTold()
+{
+    script.remove();
+    const Result result = run({"wifi", "scan"});
+    QCOMPARE(result.status, 1);
+    QCOMPARE(result.complaint,
+             QStringLiteral("kyboardctl: Cannot switch in mode '1' (WLAN STATION) "
+                            "(org.freedesktop.DBus.Error.Failed)\n"));
+}
+
+void TestKyboardctlWifi::aDaemonThatGoesAwayEndsTheWait()
+{
+    script.hold();
+    QProcess client;
+    start(client, {"wifi", "connect", "Cafe", "--open"}, {});
+    QVERIFY(script.waitFor("start 1"));
+    daemon.stop();
+    const Result result = resultOf(client);
+    QCOMPARE(result.status, 3);
+    QCOMPARE(result.complaint,
+             QStringLiteral("kyboardctl: wifi connect: the board manager went away\n"));
+}
+
+void TestKyboardctlWifi::theAccessPointStartsAndStops()
+{
+    const QStringList start = {"ap",        "start",         "SSID=Strandel 12",
+                               "Channel=6", "Security=WPA2", "IP=192.168.7.1"};
+    const Result result = run(start, "under the dome\n");
+    QCOMPARE(result.output, QStringLiteral("online\n"));
+    QCOMPARE(result.status, 0);
+    QVERIFY(readFile("/tmp/User_part/hostapd.conf").contains("wpa_passphrase=under the dome\n"));
+    QVERIFY(run({"status"})
+                .output.contains(
+                    QRegularExpression("\nAccess point +wifi_ap, 02:AA:BB:CC:DD:03, MTU 1500\n")));
+
+    const Result again = run(start, "under the dome\n");
+    QCOMPARE(again.status, 1);
+    QVERIFY(again.complaint.contains("Cannot connect, wap busy"));
+
+    QCOMPARE(run({"ap", "stop"}).output, QStringLiteral("idle\n"));
+    QVERIFY(script.waitFor("end 0"));
+    QVERIFY(run({"status"}).output.contains(QRegularExpression("\nAccess point +off\n")));
+    const Result stopped = run({"ap", "stop"});
+    QCOMPARE(stopped.status, 1);
+    QVERIFY(stopped.complaint.contains("Cannot disconnect WAP, already disconnected"));
+}
+
+WORLD_TEST_MAIN(TestKyboardctlWifi)
+#include "test_kyboardctl_wifi.moc"
