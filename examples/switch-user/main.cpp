@@ -1,0 +1,30 @@
+#include <KyBoardManagerClient/boardmanager.h>
+#include <KyBoardManagerClient/boardmanagerusers.h>
+
+#include <QCoreApplication>
+
+#include <cstdio>
+
+// switch-user NAME: makes another profile the active one, and ends when that is done.
+int main(int argc, char *argv[])
+{
+    QCoreApplication application(argc, argv);
+    const QString name = application.arguments().value(1);
+    BoardManagerUsers users(BoardManager::service(), BoardManager::usersPath(),
+                            QDBusConnection::systemBus());
+
+    // The daemon announces nothing when that profile is the active one already.
+    if (users.getUser().value() == name)
+        return 0;
+    QObject::connect(&users, &BoardManagerUsers::userChanged, [&](const QString &user) {
+        std::printf("The active profile is that of %s\n", qPrintable(user));
+        application.quit();
+    });
+    QDBusPendingReply<> reply = users.setUser(name);
+    reply.waitForFinished();
+    if (!reply.isError())
+        return application.exec();
+    std::fprintf(stderr, "%s: %s\n", qPrintable(reply.error().name()),
+                 qPrintable(reply.error().message()));
+    return 1;
+}
