@@ -1,0 +1,116 @@
+#include <QFile>
+#include <QProcess>
+#include <QTemporaryDir>
+#include <QTest>
+
+/** The instrument has Qt 5.4: the daemon and the client use nothing newer. */
+class TestQtNewer : public QObject
+{
+    Q_OBJECT
+
+private:
+    struct Finding {
+        QStringList lines;
+        int status = -1;
+    };
+    static Finding check(const QStringList &arguments);
+
+private slots:
+    void theDaemonAndTheClientUseNothingNewer();
+    void everyListedNameIsFound();
+    void commentsAndLongerNamesAreNotFound();
+    void functionsOfTheLibrariesAreFoundInAProgram();
+    void aProgramWithoutQtIsNoProof();
+};
+
+TestQtNewer::Finding TestQtNewer::check(const QStringList &arguments)
+{
+    QProcess process;
+    process.setProcessChannelMode(QProcess::ForwardedErrorChannel);
+    process.start(SOURCES "/tools/qt-newer", arguments);
+    if (!process.waitForFinished() || process.exitStatus() != QProcess::NormalExit)
+        return {};
+    const QString output = QString::fromUtf8(process.readAllStandardOutput());
+    return {output.split('\n', Qt::SkipEmptyParts), process.exitCode()};
+}
+
+void TestQtNewer::theDaemonAndTheClientUseNothingNewer()
+{
+    const Finding finding = check({SOURCES "/src", SOURCES "/client", "--", DAEMON, CLIENT});
+    QCOMPARE(finding.lines, QStringList());
+    QCOMPARE(finding.status, 0);
+}
+
+void TestQtNewer::everyListedNameIsFound()
+{
+    QFile list(SOURCES "/tools/qt-newer-names");
+    QVERIFY(list.open(QIODevice::ReadOnly));
+    const QTemporaryDir folder;
+    const QString source = folder.filePath("all.cpp");
+    QFile file(source);
+    QVERIFY(file.open(QIODevice::WriteOnly));
+    QStringList expected;
+    while (!list.atEnd()) {
+        const QList<QByteArray> entry = list.readLine().trimmed().split(' ');
+        if (entry.first().startsWith('#'))
+            continue;
+        QCOMPARE(entry.size(), 2);
+        file.write("    value = " + entry.last() + ";\n");
+        expected << QStringLiteral("%1:%2: %3 is of Qt %4")
+                        .arg(source, QString::number(expected.size() + 1),
+                             QString::fromLatin1(entry.last()), QString::fromLatin1(entry.first()));
+    }
+    file.close();
+    QVERIFY(expected.size() > 150);
+
+    const Finding finding = check({folder.path()});
+
+    QCOMPARE(finding.lines, expected);
+    QCOMPARE(finding.status, 1);
+}
+
+void TestQtNewer::commentsAndLongerNamesAreNotFound()
+{
+    const QTemporaryDir folder;
+    QFile file(folder.filePath("other.h"));
+    QVERIFY(file.open(QIODevice::WriteOnly));
+    file.write("value = 1; // not QStringView\n"
+               "/** Not qAsConst,\n"
+               " * and not Q_ENUM. */\n"
+               "Q_ENUMS(Kind) myQStringView QString::SkipEmptyParts unchopped(1)\n");
+    file.close();
+
+    const Finding finding = check({folder.path()});
+
+    QCOMPARE(finding.lines, QStringList());
+    QCOMPARE(finding.status, 0);
+}
+
+void TestQtNewer::functionsOfTheLibrariesAreFoundInAProgram()
+{
+    const QTemporaryDir folder;
+    const Finding finding = check({folder.path(), "--", NEWER_PROGRAM});
+    const auto found = [](const char *function) {
+        return QStringLiteral(NEWER_PROGRAM ": ") + QString::fromLatin1(function);
+    };
+    // What the headers make of it, as the split, has no newer name in the source.
+    QCOMPARE(finding.lines,
+             (QStringList{found("QDir::isEmpty(QFlags<QDir::Filter>) const is of Qt 5.9"),
+                          found("QMessageLogger::info() const is of Qt 5.5")}));
+    QCOMPARE(finding.status, 1);
+    QCOMPARE(check({SOURCES "/tests/support/newerqt.cpp"}).lines,
+             (QStringList{SOURCES "/tests/support/newerqt.cpp:12: qInfo is of Qt 5.5",
+                          SOURCES "/tests/support/newerqt.cpp:13: Qt::SkipEmptyParts is of Qt 5.14",
+                          SOURCES "/tests/support/newerqt.cpp:14: chopped is of Qt 5.10"}));
+}
+
+void TestQtNewer::aProgramWithoutQtIsNoProof()
+{
+    const QTemporaryDir folder;
+    const Finding finding = check({folder.path(), "--", "/bin/true"});
+    QCOMPARE(finding.lines, QStringList("/bin/true calls nothing of Qt: it cannot be checked"));
+    QCOMPARE(finding.status, 1);
+}
+
+QTEST_APPLESS_MAIN(TestQtNewer)
+#include "test_qtnewer.moc"
