@@ -319,6 +319,8 @@ private Q_SLOTS:
     void aFaultIsForItsOperationOnly();
     void aDelayedCallDoesItsWork();
     void aDelayedFailureDoesNothing();
+    void aFaultMayComeLater();
+    void aHeldCallWaitsForItsRelease();
 
     void withoutAJournalNoneIsMade();
     void theJournalIsInOrderOverLibrariesAndProcesses();
@@ -965,6 +967,37 @@ void TestBoard::aDelayedFailureDoesNothing()
 
     QVERIFY(timer.elapsed() >= 50);
     QCOMPARE(Board::get("powerman/wifi_supply"), QStringLiteral("0"));
+}
+
+void TestBoard::aFaultMayComeLater()
+{
+    Board::fault("KyTemperature.getTemperature", "1 after 2");
+
+    QStringList readings;
+    for (int call = 0; call < 4; ++call)
+        readings << readTemperature(TEMPDEV_SOM);
+
+    QCOMPARE(readings, (QStringList{"0 42", "0 42", "1", "0 42"}));
+    QVERIFY(!QFile::exists(Board::pathOf("faults/KyTemperature.getTemperature")));
+}
+
+void TestBoard::aHeldCallWaitsForItsRelease()
+{
+    Board::fault("KyPowerman.wifiPower", "hold");
+    int status = -1;
+    std::thread caller([&status] { status = KyPowerman().wifiPower(true); });
+
+    const bool isHeld = Board::waitFor("held", "KyPowerman.wifiPower");
+    const QStringList journal = Board::journal();
+    Board::clearFaults();
+    caller.join();
+
+    QVERIFY(isHeld);
+    QCOMPARE(journal, QStringList());
+    QCOMPARE(status, 0);
+    QCOMPARE(Board::journal(), QStringList{"KyPowerman.wifiPower(true) = 0"});
+    QCOMPARE(Board::get("powerman/wifi_supply"), QStringLiteral("1"));
+    QCOMPARE(Board::get("held"), QString());
 }
 
 void TestBoard::withoutAJournalNoneIsMade()

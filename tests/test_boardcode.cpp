@@ -136,11 +136,15 @@ void TestBoardCode::faultsAreWords_data()
     QTest::newRow("garbage") << "garbage" << int(Fault::Garbage) << 0 << -1;
     QTest::newRow("garbage twice") << "garbage 2" << int(Fault::Garbage) << 0 << 2;
     QTest::newRow("slow garbage") << "garbage delay 7" << int(Fault::Garbage) << 7 << -1;
+    QTest::newRow("later") << "2 after 5" << int(Fault::Failure) << 0 << 2;
+    QTest::newRow("held") << "hold" << int(Fault::None) << 0 << -1;
+    QTest::newRow("held garbage") << "hold garbage" << int(Fault::Garbage) << 0 << -1;
     QTest::newRow("nothing") << "" << int(Fault::Failure) << 0 << -1;
     QTest::newRow("unknown word") << "sometimes" << int(Fault::Failure) << 0 << -1;
     QTest::newRow("negative") << "-3" << int(Fault::Failure) << 0 << -1;
     QTest::newRow("too many") << "99999999999999999999" << int(Fault::Failure) << 0 << -1;
     QTest::newRow("delay of nothing") << "2 delay" << int(Fault::Failure) << 0 << -1;
+    QTest::newRow("after nothing") << "2 after" << int(Fault::Failure) << 0 << -1;
     QTest::newRow("delay of a word") << "2 delay long" << int(Fault::Failure) << 0 << -1;
     QTest::newRow("delay of a day") << "delay 86400000" << int(Fault::Failure) << 0 << -1;
 }
@@ -162,7 +166,8 @@ void TestBoardCode::aFaultIsWrittenAsItIsRead_data()
 {
     QTest::addColumn<QString>("words");
 
-    for (const char *words : {"2", "2 delay 5", "2 garbage", "2 garbage delay 5"})
+    for (const char *words : {"2", "2 delay 5", "2 garbage", "2 garbage delay 5", "always after 3",
+                              "1 hold after 3", "garbage", "delay 5", "hold"})
         QTest::newRow(words) << QString::fromLatin1(words);
 }
 

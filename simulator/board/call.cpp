@@ -17,6 +17,8 @@ Fault Call::begin(const char *operation)
     const Fault fault = takeFault(operation);
     timespec left = {static_cast<time_t>(fault.delay / 1000),
                      static_cast<long>(fault.delay % 1000 * 1000000)};
+    if (fault.isHeld)
+        waitForRelease(operation);
     while (fault.delay > 0 && nanosleep(&left, &left) != 0 && errno == EINTR) {
     }
     return fault;

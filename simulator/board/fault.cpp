@@ -4,6 +4,7 @@
 #include "value.h"
 
 #include <cstdlib>
+#include <ctime>
 #include <sstream>
 #include <unistd.h>
 
@@ -35,9 +36,13 @@ FaultWords parseFault(const std::string &words)
     for (std::string word; stream >> word; isEmpty = false) {
         if (word == "garbage") {
             isGarbage = true;
-        } else if (word == "delay") {
-            asked.fault.delay = stream >> word ? numberIn(word, longestDelay) : -1;
-            if (asked.fault.delay < 0)
+        } else if (word == "hold") {
+            asked.fault.isHeld = true;
+        } else if (word == "delay" || word == "after") {
+            const bool isDelay = word == "delay";
+            long long &number = isDelay ? asked.fault.delay : asked.after;
+            number = stream >> word ? numberIn(word, isDelay ? longestDelay : mostCalls) : -1;
+            if (number < 0)
                 return notUnderstood;
         } else {
             if (word != "always" && (asked.calls = numberIn(word, mostCalls)) < 0)
@@ -54,8 +59,21 @@ FaultWords parseFault(const std::string &words)
 
 std::string faultText(const FaultWords &asked)
 {
-    return std::to_string(asked.calls) + (asked.fault.kind == Fault::Garbage ? " garbage" : "") +
-           (asked.fault.delay > 0 ? " delay " + std::to_string(asked.fault.delay) : "");
+    std::string words;
+    if (asked.calls >= 0)
+        words = " " + std::to_string(asked.calls);
+    else if (asked.fault.kind == Fault::Failure)
+        words = " always";
+    if (asked.fault.kind == Fault::Garbage)
+        words += " garbage";
+    if (asked.fault.isHeld)
+        words += " hold";
+    if (asked.after > 0)
+        words += " after " + std::to_string(asked.after);
+    // Whatever is asked for, some word has to say so.
+    if (asked.fault.delay > 0 || words.empty())
+        words += " delay " + std::to_string(asked.fault.delay);
+    return words.substr(1);
 }
 
 Fault takeFault(const std::string &operation)
@@ -70,6 +88,11 @@ Fault takeFault(const std::string &operation)
     if (!words && access(path.c_str(), F_OK) != 0)
         return {};
     FaultWords asked = parseFault(words.value_or(std::string()));
+    if (asked.after > 0) {
+        --asked.after;
+        writeText(file, faultText(asked));
+        return {};
+    }
     if (asked.calls < 0)
         return asked.fault;
     const Fault fault = asked.calls > 0 ? asked.fault : Fault();
@@ -79,5 +102,15 @@ Fault takeFault(const std::string &operation)
     else
         unlink(path.c_str());
     return fault;
+}
+
+void waitForRelease(const std::string &operation)
+{
+    const std::string path = pathOf("faults/" + operation);
+    const timespec moment = {0, 2000000};
+    writeText("held", operation);
+    while (access(path.c_str(), F_OK) == 0)
+        nanosleep(&moment, nullptr);
+    unlink(pathOf("held").c_str());
 }
 } // namespace board
