@@ -40,6 +40,7 @@ private Q_SLOTS:
     void anInterruptWithoutAChangeIsAnnouncedToo();
     void aFailedReadingCountsAsMinusOneLux();
     void anInterruptThatCannotBeReadIsOnlyLogged();
+    void anInterruptThatCannotBeReadIsNotTheLast();
     void aBandThatCannotBeSetIsOnlyLoggedAndKept();
     void aBandOutOfOrderIsOnlyLogged();
     void aBurstOfInterruptsEndsAtTheLastLight();
@@ -450,6 +451,35 @@ void TestBrightness::anInterruptThatCannotBeReadIsOnlyLogged()
     QCOMPARE(Board::get("als/threshold_high"), QStringLiteral("82"));
     QVERIFY(daemon.waitForLog(handler + "Read interrupt ALS failed\n"));
     QCOMPARE(daemon.log().count('\n'), 1);
+}
+
+void TestBrightness::anInterruptThatCannotBeReadIsNotTheLast()
+{
+    daemon.controlClock();
+    setLux("12");
+    QVERIFY(daemon.start());
+    SignalRecorder recorder("/KyDeviceMgr");
+    Board::fault("KyAls.interruptRead", "2");
+    setLux("30");
+    QCOMPARE(onlyBrightness(recorder.waitFor(1)), QStringList{announced("d:30, 4")});
+    QVERIFY(Board::waitForJournal("KyAls.interruptRead() = 1"));
+    Board::clearJournal();
+
+    // The first repetition fails, too.
+    daemon.letTimePass(1);
+    QVERIFY(Board::waitForJournal("KyAls.interruptRead() = 1"));
+    recorder.take();
+    daemon.letTimePass(1);
+    QVERIFY(Board::waitForJournal("KyAls.interruptRead() = 0 true"));
+    setLux("900");
+
+    QCOMPARE(onlyBrightness(recorder.waitFor(1)), QStringList{announced("d:900, 16")});
+    // No repetition after a success.
+    Board::clearJournal();
+    daemon.letTimePass(2);
+    recorder.take();
+    QCOMPARE(Board::journal().filter("interruptRead"), QStringList());
+    QCOMPARE(daemon.log().count(handler), 1);
 }
 
 void TestBrightness::aBandThatCannotBeSetIsOnlyLoggedAndKept()
