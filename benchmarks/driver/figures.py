@@ -1,0 +1,30 @@
+"""Figures of several rounds: their median and their spread."""
+
+import statistics
+
+
+def summary(values):
+    """Median, lowest and highest of one figure's rounds."""
+    values = list(values)
+    return {"median": statistics.median(values), "low": min(values), "high": max(values)}
+
+
+def ratio(values, references):
+    """The summary of a figure's ratio to another that was measured in the same rounds."""
+    return summary(value / reference for value, reference in zip(values, references))
+
+
+def number(value):
+    """A figure to three or four significant places, without an exponent."""
+    size = abs(value)
+    places = 0 if size >= 100 else 1 if size >= 10 else 2
+    return f"{value:,.{places}f}"
+
+
+def shown(figure, places=None):
+    """A summary as text, with its spread in brackets."""
+    texts = [number(figure[key]) if places is None else f"{figure[key]:,.{places}f}"
+             for key in ("median", "low", "high")]
+    if texts[1] == texts[2]:
+        return texts[0]
+    return f"{texts[0]} ({texts[1]} to {texts[2]})"

@@ -1,0 +1,107 @@
+"""What a call costs, method by method, beside the same call of the bare service."""
+
+from contextlib import ExitStack
+
+import services
+from figures import ratio, summary
+from services import BARE, DAEMON
+
+ROUNDS = 7
+CALLS = 2500
+PIPELINED = 2500
+WINDOW = 64
+TRACED = 300
+
+PROPERTIES = "org.freedesktop.DBus.Properties.Get"
+METHODS = {
+    "getUser": lambda name: services.own_method(name, "/KyConfigMgr", "Users.getUser"),
+    "getLEDStatus": lambda name: services.own_method(name, "/KyDeviceMgr", "LED.getLEDStatus"),
+    "getTemperatures": lambda name: services.own_method(
+        name, "/KyDeviceMgr", "Temperature.getTemperatures"),
+    "batteryStatus": lambda name: [name, "/KyDeviceMgr", PROPERTIES, f"{name}.Alimentation",
+                                   "batteryStatus"],
+    "getEepromInstrument": lambda name: services.own_method(
+        name, "/KyDeviceMgr", "Version.getEepromInstrument"),
+    "keepAlive": lambda name: services.own_method(name, "/KyDeviceMgr", "Watchdog.keepAlive"),
+    "getIPv4": lambda name: services.own_method(name, "/KyComMgr", "Ethernet.getIPv4"),
+}
+FEW = {"getIPv4": 4}
+
+FIGURES = ("latency", "p99", "per_second", "cpu")
+
+
+class Row:
+    """One method of one service, and the figures of each round."""
+
+    def __init__(self, service, words, share=1):
+        self.service = service
+        self.words = words
+        self.share = share
+        self.rounds = {name: [] for name in FIGURES}
+        self.system_calls = None
+
+    def measure(self):
+        before = self.service.cpu_time()
+        one_by_one = services.call(self.words, CALLS // self.share)
+        spent = self.service.cpu_time() - before
+        at_once = services.call(self.words, PIPELINED // self.share, window=WINDOW)
+        self.rounds["latency"].append(one_by_one["median"])
+        self.rounds["p99"].append(one_by_one["p99"])
+        self.rounds["per_second"].append(at_once["calls"] / at_once["seconds"])
+        self.rounds["cpu"].append(spent / one_by_one["calls"])
+
+    def trace(self):
+        self.system_calls = services.system_calls(self.service, self.words, TRACED)
+
+    def result(self, reference=None):
+        figures = {name: summary(values) for name, values in self.rounds.items()}
+        figures["system_calls"] = self.system_calls
+        if reference:
+            figures["ratio"] = {name: ratio(self.rounds[name], reference.rounds[name])
+                                for name in FIGURES}
+        return figures
+
+
+def take_rounds(rows):
+    for row in rows:
+        services.call(row.words, CALLS // row.share)
+    for _ in range(ROUNDS):
+        for row in rows:
+            row.measure()
+    for row in rows:
+        row.trace()
+
+
+def measure_methods():
+    """The daemon's methods beside the bare service's."""
+    with ExitStack() as stack:
+        standin = stack.enter_context(services.ConnmanStandIn())
+        daemon = stack.enter_context(services.daemon())
+        bare = stack.enter_context(services.bare())
+        services.use_wired_service(standin)
+        pairs = {method: (Row(daemon, words(DAEMON), FEW.get(method, 1)),
+                          Row(bare, words(BARE), FEW.get(method, 1)))
+                 for method, words in METHODS.items()}
+        take_rounds([row for pair in pairs.values() for row in pair])
+        return {method: {"daemon": own.result(other), "bare": other.result()}
+                for method, (own, other) in pairs.items()}
+
+
+def measure_peers():
+    """The daemon's getUser beside what other services answer."""
+    with ExitStack() as stack:
+        rows = {}
+        for service, words in (
+                (services.echo(), [services.ECHO, "/", "com.orvendis.Strandel.Echo.getUser"]),
+                (services.bare(), METHODS["getUser"](BARE)),
+                (services.connman(), [services.CONNMAN, "/",
+                                      "net.connman.Manager.GetTechnologies"]),
+                (services.upower(), [services.UPOWER, "/org/freedesktop/UPower", PROPERTIES,
+                                     services.UPOWER, "OnBattery"])):
+            rows[service.label] = Row(stack.enter_context(service), words)
+        rows["daemon getUser"] = Row(stack.enter_context(services.daemon()),
+                                     METHODS["getUser"](DAEMON))
+        rows["daemon batteryStatus"] = Row(rows["daemon getUser"].service,
+                                           METHODS["batteryStatus"](DAEMON))
+        take_rounds(list(rows.values()))
+        return {label: row.result(rows["libdbus echo"]) for label, row in rows.items()}

@@ -1,0 +1,128 @@
+"""The results as tables, for reading or for docs/performance.md."""
+
+from figures import number, shown
+
+
+def of_methods(figures):
+    head = ["method", "round trip µs", "p99 µs", "bare Qt µs", "ratio", "CPU µs", "ratio",
+            "calls/s", "ratio", "system calls", "bare Qt"]
+    rows = []
+    for method, row in figures.items():
+        own, bare = row["daemon"], row["bare"]
+        rows.append([method, number(own["latency"]["median"]), number(own["p99"]["median"]),
+                     number(bare["latency"]["median"]), shown(own["ratio"]["latency"], 3),
+                     number(own["cpu"]["median"]), shown(own["ratio"]["cpu"], 3),
+                     number(own["per_second"]["median"]), shown(own["ratio"]["per_second"], 3),
+                     f"{own['system_calls']:.1f}", f"{bare['system_calls']:.1f}"])
+    yield "Methods", head, rows
+
+
+def of_peers(figures):
+    head = ["service", "round trip µs", "p99 µs", "to libdbus", "CPU µs", "calls/s",
+            "system calls"]
+    rows = [[label, number(row["latency"]["median"]), number(row["p99"]["median"]),
+             shown(row["ratio"]["latency"], 2), number(row["cpu"]["median"]),
+             number(row["per_second"]["median"]), f"{row['system_calls']:.1f}"]
+            for label, row in figures.items()]
+    yield "Other services", head, rows
+
+
+def of_start(figures):
+    head = ["service", "ms to its name", "to bare Qt"]
+    rows = [[label if "Qt" in label or "with" not in label else f"daemon {label}", shown(row),
+             shown(row["ratio"], 2) if "ratio" in row else ""] for label, row in figures.items()]
+    yield "Start", head, rows
+
+
+def of_memory(figures):
+    head = ["service", "calls", "RSS kB", "PSS kB", "private dirty kB", "threads", "descriptors"]
+    rows = [[name, f"{int(calls):,}", *(f"{at[key]:,}" for key in (
+        "Rss", "Pss", "Private_Dirty", "threads", "descriptors"))]
+        for name, points in figures.items() for calls, at in points.items()]
+    yield "Memory", head, rows
+
+
+def of_idleness(figures):
+    head = ["what", f"in {figures['seconds']} s"]
+    rows = [["battery checks", figures["battery_checks"]],
+            ["moments awake", figures["moments"]],
+            *([f"wake-ups of the thread {name}", count]
+              for name, count in figures["wake_ups"].items())]
+    yield "Idle", head, [[label, str(count)] for label, count in rows]
+
+
+def of_holds(figures):
+    yield ("How long another client waits at most", ["while the daemon does", "ms"],
+           [[label, shown(figure)] for label, figure in figures.items()])
+
+
+def of_signals(figures):
+    head = ["subscribed clients", "CPU µs of the daemon per signal", "µs until all have it"]
+    yield "Signals", head, [[str(clients), shown(row["cpu"]), shown(row["delivered"])]
+                            for clients, row in figures.items()]
+
+
+def of_services(figures):
+    head = ["services", "CPU µs per announcement", "µs until handled", "storm of 100: median ms",
+            "p99 ms", "longest ms"]
+    yield "ConnMan's announcements", head, [
+        [str(count), shown(row["cpu"]), shown(row["elapsed"]),
+         *(shown(row["storm"][name]) for name in ("median", "p99", "longest"))]
+        for count, row in figures.items()]
+
+
+def of_profiles(figures):
+    head = ["files", "bytes each", "on", "copy ms", "cp -a ms", "ratio", "cp -a and sync ms",
+            "ratio", "erase ms", "rm -r ms", "ratio"]
+    yield "Profiles", head, [
+        [f"{row['files']:,}", f"{row['size']:,}", row["place"], number(row["copy"]["median"]),
+         number(row["cp"]["median"]), shown(row["copy_ratio"], 2),
+         number(row["cp and sync"]["median"]), shown(row["synchronised_ratio"], 2),
+         number(row["erase"]["median"]), number(row["rm"]["median"]),
+         shown(row["erase_ratio"], 2)] for row in figures]
+
+
+def of_events(figures):
+    head = ["burst", "CPU µs per event", "µs per event until heard"]
+    yield "Kernel events", head, [
+        [f"{figures['events']:,} of a card", shown(figures["cpu"]), shown(figures["elapsed"])],
+        [f"{figures['events']:,} of other devices", shown(figures["others_cpu"]), ""]]
+
+
+def of_clients(figures):
+    head = ["clients at once", "median ms", "p99 ms", "longest ms", "calls/s", "to bare Qt"]
+    yield "Many clients", head, [[str(figures["clients"]), *(shown(figures[name]) for name in (
+        "median", "p99", "longest", "per_second")), shown(figures["ratio"], 2)]]
+
+
+def of_goals(goals):
+    yield "Goals", ["goal", "measured", ""], [
+        [each["goal"], each["measured"], "met" if each["reached"] else "missed"]
+        for each in goals]
+
+
+SECTIONS = {"methods": of_methods, "peers": of_peers, "start": of_start, "memory": of_memory,
+            "idleness": of_idleness, "holds": of_holds, "signals": of_signals,
+            "services": of_services, "profiles": of_profiles, "events": of_events,
+            "clients": of_clients, "goals": of_goals}
+
+
+def as_text(title, head, rows):
+    widths = [max(len(line[column]) for line in [head, *rows]) for column in range(len(head))]
+    lines = ["  ".join(cell.ljust(width) if column == 0 else cell.rjust(width)
+                       for column, (cell, width) in enumerate(zip(line, widths))).rstrip()
+             for line in [head, *rows]]
+    return "\n".join([title, *(f"  {line}" for line in lines), ""])
+
+
+def as_markdown(title, head, rows):
+    lines = [f"| {' | '.join(line)} |" for line in [head, ["---"] * len(head), *rows]]
+    return "\n".join([f"### {title}", "", *lines, ""])
+
+
+def render(results, layout):
+    """All tables of the results, one after another."""
+    machine = results["machine"]
+    tables = [layout(*table) for section, of_section in SECTIONS.items() if section in results
+              for table in of_section(results[section])]
+    return "\n".join([", ".join(machine.values()) + ".", "", *tables])
