@@ -2,6 +2,7 @@
 
 #include "arguments.h"
 #include "error.h"
+#include "linktarget.h"
 #include "profilefolder.h"
 #include "settings.h"
 
@@ -147,7 +148,7 @@ void KyUserMgr::factoryReset(QString user, const QDBusMessage &message)
 /** Gives the name that the link's target stands for; Error::Read when there is no link. */
 int KyUserMgr::readCurrentUser(QString &user) const
 {
-    user = QFile::symLinkTarget(M_systemFileName);
+    user = linkTarget(M_systemFileName);
     if (user.isEmpty())
         return Error::Read;
     user.remove(M_userFolderPath);

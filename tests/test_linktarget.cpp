@@ -1,0 +1,78 @@
+#include "linktarget.h"
+
+#include <QDir>
+#include <QFile>
+#include <QTemporaryDir>
+#include <QTest>
+
+#include <unistd.h>
+
+/** Where a symbolic link points to. */
+class TestLinkTarget : public QObject
+{
+    Q_OBJECT
+
+private Q_SLOTS:
+    void linksPointToAbsoluteCleanPaths_data();
+    void linksPointToAbsoluteCleanPaths();
+    void aLinkThatIsNoneHasNoTarget_data();
+    void aLinkThatIsNoneHasNoTarget();
+
+private:
+    QString pathOf(const QString &name) const { return m_folder.filePath(name); }
+
+    QTemporaryDir m_folder;
+};
+
+void TestLinkTarget::linksPointToAbsoluteCleanPaths_data()
+{
+    QTest::addColumn<QByteArray>("held");
+    QTest::addColumn<QString>("target");
+
+    QTest::newRow("absolute") << QByteArray("/tmp/User_part/user1_profile")
+                              << "/tmp/User_part/user1_profile";
+    QTest::newRow("a slash at the end")
+        << QByteArray("/nowhere/user1_profile/") << "/nowhere/user1_profile";
+    QTest::newRow("dots and doubled slashes")
+        << QByteArray("/nowhere//user1/./../user2") << "/nowhere/user2";
+    QTest::newRow("the root") << QByteArray("/") << "/";
+    const QByteArray accented = "/nowhere/\xc3\xa9t\xc3\xa9";
+    QTest::newRow("a name that is not ASCII") << accented << QFile::decodeName(accented);
+    QTest::newRow("relative") << QByteArray("user1_profile") << pathOf("user1_profile");
+    QTest::newRow("relative, to a folder") << QByteArray("folder") << pathOf("folder");
+    QTest::newRow("relative, upwards") << QByteArray("folder/../user1") << pathOf("user1");
+}
+
+void TestLinkTarget::linksPointToAbsoluteCleanPaths()
+{
+    QFETCH(QByteArray, held);
+    QFETCH(QString, target);
+    const QString link = pathOf(QStringLiteral("link"));
+    QFile::remove(link);
+    QDir(m_folder.path()).mkdir(QStringLiteral("folder"));
+    QCOMPARE(symlink(held.constData(), QFile::encodeName(link).constData()), 0);
+
+    QCOMPARE(linkTarget(link), target);
+    QCOMPARE(QFile::symLinkTarget(link), target);
+}
+
+void TestLinkTarget::aLinkThatIsNoneHasNoTarget_data()
+{
+    QTest::addColumn<QString>("name");
+
+    QTest::newRow("nothing") << "nothing";
+    QTest::newRow("a folder") << ".";
+    QTest::newRow("a file") << "file";
+}
+
+void TestLinkTarget::aLinkThatIsNoneHasNoTarget()
+{
+    QFETCH(QString, name);
+    QFile file(pathOf(QStringLiteral("file")));
+    QVERIFY(file.open(QIODevice::WriteOnly));
+
+    QCOMPARE(linkTarget(pathOf(name)), QString());
+}
+
+QTEST_GUILESS_MAIN(TestLinkTarget)
+#include "test_linktarget.moc"
