@@ -53,14 +53,15 @@ QVariantMap KyLED::getLEDStatus()
 {
     QVariantMap shown;
     const QMetaEnum leds = ledNames();
+    const QMetaEnum states = stateNames();
     for (int index = 0; index < leds.keyCount(); ++index) {
         e_led_state state = LED_UNKNOWN;
         if (m_leds.getLedState(static_cast<e_leds>(leds.value(index)), &state) != 0)
             continue;
-        const QString name = enumName(stateNames(), static_cast<int>(state));
+        const QString name = enumName(states, static_cast<int>(state));
         // A number that the library should not give still gets a name that clients know.
         shown.insert(QString::fromLatin1(leds.key(index)),
-                     name.isEmpty() ? enumName(stateNames(), UNKNOWN) : name);
+                     name.isEmpty() ? enumName(states, UNKNOWN) : name);
     }
     return shown;
 }
