@@ -1,5 +1,6 @@
 """What a call costs, method by method, beside the same call of the bare service."""
 
+import statistics
 from contextlib import ExitStack
 
 import services
@@ -7,10 +8,13 @@ from figures import ratio, summary
 from services import BARE, DAEMON
 
 ROUNDS = 7
-CALLS = 2500
-PIPELINED = 2500
+# What is compared takes turns within a round, too: what disturbs the machine disturbs all alike.
+TURNS = 5
+CALLS = 500
+PIPELINED = 500
 WINDOW = 64
 TRACED = 300
+WARMING = 2000
 
 PROPERTIES = "org.freedesktop.DBus.Properties.Get"
 METHODS = {
@@ -37,18 +41,23 @@ class Row:
         self.service = service
         self.words = words
         self.share = share
+        self.turns = []
         self.rounds = {name: [] for name in FIGURES}
         self.system_calls = None
 
-    def measure(self):
+    def take_turn(self):
         before = self.service.cpu_time()
         one_by_one = services.call(self.words, CALLS // self.share)
         spent = self.service.cpu_time() - before
         at_once = services.call(self.words, PIPELINED // self.share, window=WINDOW)
-        self.rounds["latency"].append(one_by_one["median"])
-        self.rounds["p99"].append(one_by_one["p99"])
-        self.rounds["per_second"].append(at_once["calls"] / at_once["seconds"])
-        self.rounds["cpu"].append(spent / one_by_one["calls"])
+        self.turns.append({"latency": one_by_one["median"], "p99": one_by_one["p99"],
+                           "per_second": at_once["calls"] / at_once["seconds"],
+                           "cpu": spent / one_by_one["calls"]})
+
+    def end_round(self):
+        for name in FIGURES:
+            self.rounds[name].append(statistics.median(turn[name] for turn in self.turns))
+        self.turns = []
 
     def trace(self):
         self.system_calls = services.system_calls(self.service, self.words, TRACED)
@@ -62,14 +71,21 @@ class Row:
         return figures
 
 
-def take_rounds(rows):
-    for row in rows:
-        services.call(row.words, CALLS // row.share)
-    for _ in range(ROUNDS):
+def take_rounds(groups):
+    """Rounds of the rows of each group, by turns."""
+    for rows in groups:
         for row in rows:
-            row.measure()
-    for row in rows:
-        row.trace()
+            services.call(row.words, WARMING // row.share)
+    for _ in range(ROUNDS):
+        for rows in groups:
+            for _ in range(TURNS):
+                for row in rows:
+                    row.take_turn()
+            for row in rows:
+                row.end_round()
+    for rows in groups:
+        for row in rows:
+            row.trace()
 
 
 def measure_methods():
@@ -82,7 +98,7 @@ def measure_methods():
         pairs = {method: (Row(daemon, words(DAEMON), FEW.get(method, 1)),
                           Row(bare, words(BARE), FEW.get(method, 1)))
                  for method, words in METHODS.items()}
-        take_rounds([row for pair in pairs.values() for row in pair])
+        take_rounds(pairs.values())
         return {method: {"daemon": own.result(other), "bare": other.result()}
                 for method, (own, other) in pairs.items()}
 
@@ -103,5 +119,5 @@ def measure_peers():
                                      METHODS["getUser"](DAEMON))
         rows["daemon batteryStatus"] = Row(rows["daemon getUser"].service,
                                            METHODS["batteryStatus"](DAEMON))
-        take_rounds(list(rows.values()))
+        take_rounds([list(rows.values())])
         return {label: row.result(rows["libdbus echo"]) for label, row in rows.items()}
