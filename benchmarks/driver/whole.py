@@ -1,7 +1,5 @@
 """The daemon as a whole: start, memory, idleness, and how long its event loop is held."""
 
-import pathlib
-import shutil
 import time
 from contextlib import ExitStack
 
@@ -53,7 +51,7 @@ def measure_start():
     with services.connman():
         take(with_ConnMan=services.daemon(), with_ConnMan_and_the_simulated_board=simulated)
     with services.ConnmanStandIn() as standin:
-        standin.drive("Delay", "Technology.SetProperty", str(SLOW))
+        standin.drive("Delay", "Technology.SetProperty", f"uint32 {SLOW}")
         take(**{f"with_a_ConnMan_that_takes_{SLOW}_ms_for_each_call": services.daemon()})
     result["libdbus echo"] = summary(time_of_start(services.echo()) for _ in range(START_ROUNDS))
     result["upowerd"] = summary(time_of_start(services.upower()) for _ in range(START_ROUNDS))
@@ -108,12 +106,6 @@ def hold(label, operation, result):
             operation()
         longest.append(probe.result["longest"] / 1000)
     result[label] = summary(longest)
-
-
-def end_of_attempt(standin):
-    operate = services.operate
-    operate("Ethernet.disconnect")
-    standin.drive("ClearJournal")
 
 
 def measure_holds():
