@@ -1,4 +1,13 @@
 #include "daemontest.h"
+#include "introspection.h"
+
+#include <QDBusConnection>
+#include <QDBusMessage>
+#include <QXmlStreamReader>
+
+#include <grp.h>
+#include <pwd.h>
+#include <unistd.h>
 
 /** Who may do what with the daemon under the stock rules of the system bus and our policy. */
 class TestPolicy : public DaemonTest
@@ -12,6 +21,9 @@ private Q_SLOTS:
     void aStrangerMayOnlyLookAndPing();
     void nobodyElseMayOwnTheName();
     void everybodyHearsSignals();
+    void everyRuleNamesItsDestination();
+    void memberByMember_data();
+    void memberByMember();
 
 private:
     /** What busctl, run as @p user, prints; the first line of its complaint where it failed. */
@@ -121,6 +133,130 @@ void TestPolicy::everybodyHearsSignals()
         20000));
     listener.kill();
     listener.waitForFinished();
+}
+
+namespace
+{
+/** A connection to the system bus, as @p user with all groups of that user. */
+QDBusConnection connectAs(const char *user)
+{
+    const passwd *entry = getpwnam(user);
+    const bool isTheUser = entry && initgroups(user, entry->pw_gid) == 0 &&
+                           setegid(entry->pw_gid) == 0 && seteuid(entry->pw_uid) == 0;
+    QDBusConnection bus = QDBusConnection::connectToBus(QDBusConnection::SystemBus, user);
+    if (!isTheUser || seteuid(0) != 0 || setegid(0) != 0 || initgroups("root", 0) != 0)
+        qFatal("cannot become %s and root again", user);
+    return bus;
+}
+
+/** Whether the bus lets @p call of @p user through to the daemon, whatever that answers. */
+QString fate(const char *user, const QDBusMessage &call)
+{
+    QDBusConnection bus(user);
+    const QDBusMessage reply =
+        (bus.isConnected() ? bus : connectAs(user)).call(call, QDBus::Block, 20000);
+    if (reply.type() != QDBusMessage::ErrorMessage)
+        return QStringLiteral("through");
+    if (reply.errorName() == QLatin1String("org.freedesktop.DBus.Error.AccessDenied"))
+        return QStringLiteral("refused");
+    return reply.errorName() == QLatin1String("org.freedesktop.DBus.Error.NoReply")
+               ? QStringLiteral("no reply")
+               : QStringLiteral("through");
+}
+
+/** The name in "method isMounted(in s device, out b)"; empty for what is no method. */
+QString methodName(const QString &member)
+{
+    return member.startsWith(QLatin1String("method ")) ? member.section(' ', 1).section('(', 0, 0)
+                                                       : QString();
+}
+
+void addRow(const QString &path, const QString &interface, const QString &method,
+            const QString &member, const QString &stranger)
+{
+    QTest::newRow(qPrintable(path + ' ' + interface + '.' + method))
+        << path << interface << method << member << stranger;
+}
+} // namespace
+
+/** A rule without one would hold for every service of the bus. */
+void TestPolicy::everyRuleNamesItsDestination()
+{
+    QXmlStreamReader rules(readFile(QStringLiteral(POLICY)));
+    int count = 0;
+    while (!rules.atEnd()) {
+        rules.readNext();
+        const bool isRule = rules.isStartElement() && (rules.name() == QLatin1String("allow") ||
+                                                       rules.name() == QLatin1String("deny"));
+        if (!isRule || rules.attributes().hasAttribute(QStringLiteral("own")))
+            continue;
+        ++count;
+        QCOMPARE(rules.attributes().value(QLatin1String("send_destination")).toString(), service);
+    }
+    QVERIFY2(!rules.hasError(), qPrintable(rules.errorString()));
+    QVERIFY(count > 0);
+}
+
+void TestPolicy::memberByMember_data()
+{
+    QTest::addColumn<QString>("path");
+    QTest::addColumn<QString>("interface");
+    QTest::addColumn<QString>("method");
+    QTest::addColumn<QString>("member");
+    QTest::addColumn<QString>("stranger");
+
+    const QString through = QStringLiteral("through");
+    const QString refused = QStringLiteral("refused");
+    const QString agent = QStringLiteral("/KyComMgr/Agent");
+    QSet<QString> paths;
+    const QStringList documents =
+        QDir(QStringLiteral(DOCUMENTS)).entryList({QStringLiteral("*.xml")}, QDir::Files);
+    for (const QString &file : documents) {
+        const Introspection document =
+            readIntrospection(readFile(QStringLiteral(DOCUMENTS "/") + file));
+        paths << document.path;
+        const QString interface = document.interfaces.firstKey();
+        const QString member = document.path == agent ? refused : through;
+        for (const QString &text : document.interfaces.first()) {
+            const QString method = methodName(text);
+            if (method.isEmpty())
+                continue;
+            addRow(document.path, interface, method, member, refused);
+            addRow(document.path, QString(), method, member, refused);
+        }
+    }
+    QCOMPARE(paths, (QSet<QString>{"/KyConfigMgr", "/KyComMgr", "/KyDeviceMgr", agent}));
+
+    const QStringList objects = paths.values();
+    for (const QString &path : objects) {
+        const QString member = path == agent ? refused : through;
+        for (const char *method : {"Get", "GetAll", "Set"})
+            addRow(path, "org.freedesktop.DBus.Properties", method, member, refused);
+        addRow(path, "org.freedesktop.DBus.Introspectable", "Introspect", through, through);
+        addRow(path, "org.freedesktop.DBus.Peer", "Ping", through, through);
+        addRow(path, "org.freedesktop.DBus.Peer", "GetMachineId", member, refused);
+        addRow(path, "net.connman.Agent", "Release", member, refused);
+        addRow(path, "com.orvendis.Strandel.BoardManager.Future", "act", member, refused);
+    }
+}
+
+/**
+ * The rules do not look at arguments: the calls have some that no method takes, so that nothing
+ * happens where they come through.
+ */
+void TestPolicy::memberByMember()
+{
+    QFETCH(QString, path);
+    QFETCH(QString, interface);
+    QFETCH(QString, method);
+    QFETCH(QString, member);
+    QFETCH(QString, stranger);
+    QVERIFY(daemon.start());
+    QDBusMessage call = QDBusMessage::createMethodCall(service, path, interface, method);
+    call << 1.5 << 1.5 << 1.5 << 1.5;
+    QCOMPARE(fate("root", call), QStringLiteral("through"));
+    QCOMPARE(fate("member", call), member);
+    QCOMPARE(fate("stranger", call), stranger);
 }
 
 WORLD_TEST_MAIN(TestPolicy)
