@@ -4,6 +4,7 @@
 #include "render.h"
 #include "wire.h"
 
+#include <QDBusArgument>
 #include <QDBusConnection>
 #include <QDBusVariant>
 #include <QTimer>
@@ -26,6 +27,7 @@ private Q_SLOTS:
     void plainValueOfADeepValue();
     void plainValueOfALongList();
     void plainMapConvertsEveryEntry();
+    void ofSeveralEntriesOfAKeyTheLastCounts();
     void basicValueOfEveryType_data();
     void basicValueOfEveryType();
     void basicMapConvertsEveryEntry();
@@ -223,6 +225,20 @@ void TestBusValue::plainMapConvertsEveryEntry()
                           {"d", "as it is"}};
     QCOMPARE(render(QVariant(plainMap(map))),
              QStringLiteral("{\"a\": <1>, \"b\": <?>, \"c\": <[<\"x\">]>, \"d\": <\"as it is\">}"));
+}
+
+void TestBusValue::ofSeveralEntriesOfAKeyTheLastCounts()
+{
+    const auto map = qdbus_cast<QVariantMap>(receive("a{sv} 4 a i 1 b h 0 b s new a i 2"));
+    QCOMPARE(map.value("a"), QVariant(2));
+    QCOMPARE(render(QVariant(plainMap(map))), QStringLiteral("{\"a\": <2>, \"b\": <\"new\">}"));
+    QCOMPARE(render(QVariant(basicMap(map))), QStringLiteral("{\"a\": <2>, \"b\": <\"new\">}"));
+    QCOMPARE(render(QVariant(sendableMap(map))), QStringLiteral("{\"a\": <2>, \"b\": <\"new\">}"));
+    QCOMPARE(render(QVariant(withoutDescriptors(map))),
+             QStringLiteral("{\"a\": <2>, \"b\": <\"new\">}"));
+
+    const auto other = qdbus_cast<QVariantMap>(receive("a{sv} 2 b s old b h 0"));
+    QCOMPARE(withoutDescriptors(other), QVariantMap());
 }
 
 void TestBusValue::basicValueOfEveryType_data()

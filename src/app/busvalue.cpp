@@ -7,6 +7,20 @@
 
 namespace
 {
+/**
+ * Lets @p take have the key and the value of each entry, and of several with one key the last.
+ *
+ * A peer may send a key again and again, and the bus library keeps all of its values, of which
+ * a look-up finds the last.
+ */
+template <typename Take>
+void forEachEntry(const QVariantMap &map, Take take)
+{
+    for (auto entry = map.constBegin(); entry != map.constEnd();
+         entry = map.upperBound(entry.key()))
+        take(entry.key(), entry.value());
+}
+
 /** Reads an array of numbers, keeping the numbers' type. */
 template <typename Number>
 QVariant readNumbers(const QDBusArgument &argument)
@@ -175,8 +189,9 @@ QVariant plainValue(const QVariant &value)
 QVariantMap plainMap(const QVariantMap &map)
 {
     QVariantMap plain;
-    for (auto entry = map.constBegin(); entry != map.constEnd(); ++entry)
-        plain.insert(entry.key(), plainValue(entry.value()));
+    forEachEntry(map, [&plain](const QString &key, const QVariant &value) {
+        plain.insert(key, plainValue(value));
+    });
     return plain;
 }
 
@@ -190,8 +205,9 @@ QVariant basicValue(const QVariant &value)
 QVariantMap basicMap(const QVariantMap &map)
 {
     QVariantMap basic;
-    for (auto entry = map.constBegin(); entry != map.constEnd(); ++entry)
-        basic.insert(entry.key(), basicValue(entry.value()));
+    forEachEntry(map, [&basic](const QString &key, const QVariant &value) {
+        basic.insert(key, basicValue(value));
+    });
     return basic;
 }
 
@@ -227,10 +243,10 @@ QVariant sendableValue(const QVariant &value)
 QVariantMap sendableMap(const QVariantMap &map)
 {
     QVariantMap sendable;
-    for (auto entry = map.constBegin(); entry != map.constEnd(); ++entry) {
-        if (entry.value().isValid())
-            sendable.insert(entry.key(), sendableValue(entry.value()));
-    }
+    forEachEntry(map, [&sendable](const QString &key, const QVariant &value) {
+        if (value.isValid())
+            sendable.insert(key, sendableValue(value));
+    });
     return sendable;
 }
 
@@ -252,9 +268,9 @@ QVector<quint32> toNumbers(const QVariant &value)
 QVariantMap withoutDescriptors(const QVariantMap &map)
 {
     QVariantMap kept;
-    for (auto entry = map.constBegin(); entry != map.constEnd(); ++entry) {
-        if (!holdsDescriptor(entry.value()))
-            kept.insert(entry.key(), entry.value());
-    }
+    forEachEntry(map, [&kept](const QString &key, const QVariant &value) {
+        if (!holdsDescriptor(value))
+            kept.insert(key, value);
+    });
     return kept;
 }
