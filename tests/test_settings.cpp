@@ -15,6 +15,8 @@ private Q_SLOTS:
     void aFileThatCannotBeUsedIsAnEmptyOne_data();
     void aFileThatCannotBeUsedIsAnEmptyOne();
     void aFileThatCannotBeWrittenIsNotReported();
+    void aLockThatAPowerCutHasLeftIsNotWaitedFor_data();
+    void aLockThatAPowerCutHasLeftIsNotWaitedFor();
     void theFileIsNeverFilledWithDefaults();
     void aChangeOfTheFileIsNotSeenBeforeTheNextStart();
 
@@ -135,6 +137,33 @@ void TestSettings::aFileThatCannotBeWrittenIsNotReported()
     QCOMPARE(users.call("getUser"), QStringLiteral("(\"user2\")"));
     QCOMPARE(daemon.log(), QString());
     QCOMPARE(snapshot("/opt/settings.ini"), QStringList{"folder"});
+}
+
+void TestSettings::aLockThatAPowerCutHasLeftIsNotWaitedFor_data()
+{
+    QTest::addColumn<QString>("content");
+    QTest::newRow("no content") << QString();
+    QTest::newRow("half of its content") << "1234\nKyBoard";
+    QTest::newRow("the same process number")
+        << "%1\nKyBoardManager\n" + QSysInfo::machineHostName() + '\n';
+}
+
+void TestSettings::aLockThatAPowerCutHasLeftIsNotWaitedFor()
+{
+    QFETCH(QString, content);
+    const QString file = "/opt/settings.ini";
+    const QString lock = file + ".lock";
+    // The shell's process number is the daemon's; a lock of the future is an old one only later.
+    writeFile("/run/lock-content", content.toUtf8());
+    daemon.setWrapper({"sh", "-c",
+                       "sed \"s/%1/$$/\" /run/lock-content >$0 && touch -d '25 seconds' $0 && "
+                       "exec \"$@\"",
+                       lock});
+    QVERIFY(daemon.start());
+
+    QCOMPARE(Remote("/KyConfigMgr", "Users").call("getUser"), QStringLiteral("(\"user1\")"));
+    QTRY_VERIFY(QFile::exists(file));
+    QTRY_VERIFY(!QFile::exists(lock));
 }
 
 void TestSettings::theFileIsNeverFilledWithDefaults()

@@ -1,6 +1,34 @@
 #include "settings.h"
 
-Settings::Settings() : QSettings(QStringLiteral("/opt/settings.ini"), QSettings::IniFormat) {}
+#include <QCoreApplication>
+#include <QFile>
+#include <QLockFile>
+
+namespace
+{
+const QString settingsFile = QStringLiteral("/opt/settings.ini");
+
+/**
+ * Removes what a power cut has left of the lock under which the settings are written: one without
+ * content, or with the number that this process happens to have. The library would take either for
+ * somebody else's, and wait for half a minute.
+ */
+void removeStrayLock()
+{
+    const QString lockFile = settingsFile + QStringLiteral(".lock");
+    qint64 process = 0;
+    QString host;
+    QString application;
+    const bool hasOwner = QLockFile(lockFile).getLockInfo(&process, &host, &application);
+    if (!hasOwner || process == QCoreApplication::applicationPid())
+        QFile::remove(lockFile);
+}
+} // namespace
+
+Settings::Settings() : QSettings(settingsFile, QSettings::IniFormat)
+{
+    removeStrayLock();
+}
 
 Settings &Settings::instance()
 {
