@@ -51,7 +51,11 @@ private Q_SLOTS:
     void setUserReplacesAFileInTheLinksPlace();
     void aLinkThatCannotBeMadeInvalidatesTheUser();
     void aLinkThatCannotBeMadeLeavesNoActiveProfile();
-    void aResetIsOnTheDiskWithOneSync();
+    void aResetIsOnTheDiskWithTwoSyncs();
+    void anInterruptedResetOfTheActiveUserIsFinishedAtStart();
+    void anInterruptedRebuildIsBegunAgainByTheNextSwitch();
+    void aFailedRebuildIsBegunAgainByTheNextSwitch();
+    void anInterruptedResetWithoutADefaultProfileToReadIsLeftAsItIs();
     void theDefaultProfileIsNeverErased_data();
     void theDefaultProfileIsNeverErased();
     void aProfileFolderThatLeadsNowhereIsRefused();
@@ -76,6 +80,7 @@ private:
     static QStringList traced(const char *calls, const char *injection);
     bool isUserValid(const QString &user) const;
     void removeDefaultFileAccess();
+    static QString mark(const QString &user);
 
     const Remote users{QStringLiteral("/KyConfigMgr"), QStringLiteral("Users")};
     const QString invalid = failure("InvalidArguments", QStringLiteral("User name is invalid."));
@@ -86,6 +91,12 @@ private:
 bool TestUsers::isUserValid(const QString &user) const
 {
     return users.call(QStringLiteral("factoryReset"), {user}) != invalid;
+}
+
+/** What is there while a user's profile is being rebuilt. */
+QString TestUsers::mark(const QString &user)
+{
+    return QStringLiteral("/tmp/User_part/.%1_profile.rebuild").arg(user);
 }
 
 /** Makes the daemon obey the modes of files, as root otherwise need not. */
@@ -401,7 +412,7 @@ void TestUsers::aLinkThatCannotBeMadeLeavesNoActiveProfile()
     QVERIFY(!QFileInfo(system).isSymLink());
 }
 
-void TestUsers::aResetIsOnTheDiskWithOneSync()
+void TestUsers::aResetIsOnTheDiskWithTwoSyncs()
 {
     daemon.setWrapper(
         {"strace", "-D", "-f", "-o", "/tmp/trace", "-e", "trace=syncfs,sync,fsync,fdatasync"});
@@ -412,8 +423,67 @@ void TestUsers::aResetIsOnTheDiskWithOneSync()
 
     QCOMPARE(users.call("factoryReset", {"user2"}), QStringLiteral("()"));
 
+    // One for the mark beside the folder, and one for whatever the folder holds.
     const QByteArray trace = readFile("/tmp/trace");
-    QVERIFY2(trace.count("sync") == 1 && trace.contains("syncfs("), trace.constData());
+    QVERIFY2(trace.count("sync") == 2 && trace.indexOf("fsync(") < trace.indexOf("syncfs("),
+             trace.constData());
+}
+
+void TestUsers::anInterruptedResetOfTheActiveUserIsFinishedAtStart()
+{
+    writeFile(mark("user1"), QByteArray());
+    writeFile(profile("user1") + "/added", "user1");
+    QVERIFY(daemon.start());
+    QCOMPARE(users.call("getUser"), QStringLiteral("(\"user1\")"));
+    QCOMPARE(snapshot(profile("user1")), snapshot(profile("default_user")));
+    QVERIFY(!QFile::exists(mark("user1")));
+}
+
+void TestUsers::anInterruptedRebuildIsBegunAgainByTheNextSwitch()
+{
+    writeFile(mark("user2"), QByteArray());
+    writeFile(profile("user2") + "/measure.conf", "cut sho");
+    QVERIFY(daemon.start());
+    QCOMPARE(readFile(profile("user2") + "/measure.conf"), QByteArray("cut sho"));
+
+    QCOMPARE(users.call("setUser", {"user2"}), QStringLiteral("()"));
+
+    QCOMPARE(snapshot(profile("user2")), snapshot(profile("default_user")));
+    QVERIFY(!QFile::exists(mark("user2")));
+}
+
+void TestUsers::aFailedRebuildIsBegunAgainByTheNextSwitch()
+{
+    writeFile(profile("default_user") + "/display/theme.conf", QByteArray(100000, 'd'));
+    QFile::remove(profile("user2") + "/measure.conf");
+    QVERIFY(daemon.start());
+    {
+        SmallDisk disk(profile("user2"), "size=40k");
+        QCOMPARE(users.call("setUser", {"user2"}),
+                 failure("Process", "Error while forcing a reload of the user configurations."));
+    }
+    QVERIFY(QFile::exists(mark("user2")));
+    daemon.stop();
+    // All names are there, but what they stand for was not copied.
+    writeFile(profile("user2") + "/measure.conf", QByteArray());
+
+    QVERIFY(daemon.start());
+    QCOMPARE(users.call("setUser", {"user2"}), QStringLiteral("()"));
+
+    QCOMPARE(snapshot(profile("user2")), snapshot(profile("default_user")));
+    QVERIFY(!QFile::exists(mark("user2")));
+}
+
+void TestUsers::anInterruptedResetWithoutADefaultProfileToReadIsLeftAsItIs()
+{
+    writeFile(mark("user1"), QByteArray());
+    QVERIFY(QFile::setPermissions(profile("default_user") + "/measure.conf", {}));
+    const QStringList before = snapshot(profile("user1"));
+    removeDefaultFileAccess();
+    QVERIFY(daemon.start());
+    QCOMPARE(users.call("getUser"), QStringLiteral("(\"user1\")"));
+    QCOMPARE(snapshot(profile("user1")), before);
+    QVERIFY(QFile::exists(mark("user1")));
 }
 
 void TestUsers::theDefaultProfileIsNeverErased_data()

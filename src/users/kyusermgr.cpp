@@ -4,6 +4,7 @@
 #include "error.h"
 #include "linktarget.h"
 #include "profilefolder.h"
+#include "rebuildmark.h"
 #include "settings.h"
 
 #include <QDebug>
@@ -32,6 +33,11 @@ const ErrorText setUserErrors[] = {
     {Error::Write, "Not able to overwrite the current user symlink."},
 };
 
+const ErrorText rebuildErrors[] = {
+    {Error::Process, "Was not able to erase previous configuration"},
+    {Error::Write, "The copy of the default folder did not went as expected"},
+};
+
 const ErrorText factoryResetErrors[] = {
     {Error::Process, "Error while forcing a reload of the user configurations."},
 };
@@ -46,6 +52,25 @@ bool canReplace(const QString &folder)
 {
     return isFolderReadable(KyUserMgr::M_defaultFolder) &&
            !isInsideEachOther(KyUserMgr::M_defaultFolder, folder);
+}
+
+/**
+ * Replaces the content of @p folder by a copy of the default profile.
+ *
+ * @return Error::None; Process where the old content cannot be removed, Write where the new one
+ *         cannot be copied
+ */
+int rebuild(const QString &folder)
+{
+    if (!canReplace(folder))
+        return Error::Write;
+    setRebuildMark(folder);
+    const bool isErased = eraseFolder(folder) == Error::None;
+    // What a failed copy leaves stays marked: a file may be there that is cut short.
+    if (isErased && copyFolder(KyUserMgr::M_defaultFolder, folder) != Error::None)
+        return Error::Write;
+    clearRebuildMark(folder);
+    return isErased ? Error::None : Error::Process;
 }
 
 QString usabilityKey(const QString &user)
@@ -63,8 +88,12 @@ KyUserMgr::KyUserMgr(QObject *parent) : QDBusAbstractAdaptor(parent)
     for (const QString &user : users)
         settings.setValue(usabilityKey(user), true);
 
-    if (isValidUser(current))
+    if (isValidUser(current)) {
+        // The power was cut while it was being reset.
+        if (isRebuildMarked(folderOf(current)))
+            rebuild(folderOf(current));
         return;
+    }
     for (const QString &user : users) {
         if (switchUser(user) == Error::None)
             return;
@@ -111,18 +140,9 @@ void KyUserMgr::factoryReset(QString user, const QDBusMessage &message)
     }
     Q_EMIT changingUser();
 
-    const QString folder = folderOf(user);
-    const bool isReplaceable = canReplace(folder);
-    if (isReplaceable && eraseFolder(folder) != Error::None) {
-        sendErrorReply(Error::Process,
-                       QStringLiteral("Was not able to erase previous configuration"), message);
-        return;
-    }
-    const int copied = isReplaceable ? copyFolder(M_defaultFolder, folder) : Error::Write;
-    if (copied != Error::None) {
-        sendErrorReply(copied,
-                       QStringLiteral("The copy of the default folder did not went as expected"),
-                       message);
+    const int rebuilt = rebuild(folderOf(user));
+    if (rebuilt != Error::None) {
+        sendErrorReply(rebuilt, errorText(rebuilt, rebuildErrors, QString()), message);
         return;
     }
 
@@ -186,9 +206,9 @@ int KyUserMgr::switchUser(const QString &user)
 int KyUserMgr::activate(const QString &user)
 {
     const QString folder = folderOf(user);
-    const bool isUsable = QFileInfo(folder).isDir() && isFolderComplete(M_defaultFolder, folder);
-    if (!isUsable && (!canReplace(folder) || eraseFolder(folder) != Error::None ||
-                      copyFolder(M_defaultFolder, folder) != Error::None))
+    const bool isUsable = QFileInfo(folder).isDir() && !isRebuildMarked(folder) &&
+                          isFolderComplete(M_defaultFolder, folder);
+    if (!isUsable && rebuild(folder) != Error::None)
         return Error::Process;
 
     // A link that cannot be removed shows when the new one is made.
