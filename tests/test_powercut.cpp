@@ -1,0 +1,271 @@
+#include "daemontest.h"
+#include "figures.h"
+
+#include <QDBusPendingCall>
+
+/**
+ * The power is cut at each call to the file system that a switch of the profile, or a reset, makes.
+ * The next start always finds an active profile, whole, and every profile can be switched to.
+ *
+ * FAULTS=all in the environment takes every call, and profiles of more files.
+ */
+class TestPowerCut : public DaemonTest
+{
+    Q_OBJECT
+
+private Q_SLOTS:
+    void initTestCase();
+    void init();
+    void cleanupTestCase();
+
+    void theNextStartHasAnActiveProfile_data();
+    void theNextStartHasAnActiveProfile();
+
+private:
+    struct Scenario {
+        QString name;
+        /** The user who is active before, and what a client calls. */
+        QString active;
+        QString method;
+        QString user;
+        /** Whether the profile that is switched to lacks a file. */
+        bool isIncomplete;
+    };
+
+    void layOut(const Scenario &scenario);
+    void startWithCut(int call);
+    QStringList callsOf(const Scenario &scenario);
+    QString whatIsLeft(const Scenario &scenario) const;
+    void verifyProfile(const QString &user);
+    QByteArray contentOf(const QString &user) const;
+    void settleSettings();
+
+    static const QList<Scenario> scenarios;
+
+    const Remote users{QStringLiteral("/KyConfigMgr"), QStringLiteral("Users")};
+    const bool m_isLong = qEnvironmentVariable("FAULTS") == QLatin1String("all");
+    QMap<QString, QStringList> m_calls;
+    QMap<QString, QMap<QString, int>> m_left;
+    int m_cuts = 0;
+    int m_survived = 0;
+};
+
+const QList<TestPowerCut::Scenario> TestPowerCut::scenarios = {
+    {"switch", "user1", "setUser", "user2", false},
+    {"switch and rebuild", "user1", "setUser", "user2", true},
+    {"reset of the active user", "user1", "factoryReset", "user1", false},
+    {"reset of another user", "user1", "factoryReset", "user2", false},
+};
+
+namespace
+{
+const QString control = QStringLiteral("/run/powercut");
+const QString settingsFile = QStringLiteral("/opt/settings.ini");
+const QString systemLink = QStringLiteral("/tmp/User_part/system");
+const QStringList everyUser = {"user1", "user2", "user3", "user4"};
+
+QStringList log()
+{
+    QStringList lines = QString::fromUtf8(readFile(control + ".log")).split('\n');
+    lines.removeAll(QString());
+    return lines;
+}
+
+void arm(int call)
+{
+    writeFile(control + ".new", QByteArray::number(call) + '\n');
+    QFile::remove(control);
+    QFile::rename(control + ".new", control);
+}
+} // namespace
+
+void TestPowerCut::init()
+{
+    DaemonTest::init();
+    // What the last cut has left of settings that were being written; nobody ever looks at it.
+    for (const QString &part : QDir("/opt").entryList({"settings.ini.*"}, QDir::Files))
+        QFile::remove("/opt/" + part);
+    QFile::remove(control);
+    QFile::remove(control + ".log");
+}
+
+/** What every file of a profile holds. */
+QByteArray TestPowerCut::contentOf(const QString &user) const
+{
+    return QByteArray(m_isLong ? 5000 : 50, user.right(1).at(0).toLatin1());
+}
+
+/** Profiles of which each file tells whose it is, the user's or the default one's. */
+void TestPowerCut::layOut(const Scenario &scenario)
+{
+    QStringList files = {"/measure.conf", "/display/theme.conf", "/display/.hidden",
+                         "/network/wifi"};
+    for (int index = 0; m_isLong && index < 20; ++index)
+        files << QStringLiteral("/more/%1/file%2").arg(index / 5).arg(index);
+    removePath("/tmp/User_part");
+    for (const QString &user : QStringList("default_user") + everyUser) {
+        for (const QString &file : files)
+            writeFile(profile(user) + file, contentOf(user));
+    }
+    if (scenario.isIncomplete)
+        QFile::remove(profile(scenario.user) + "/display/theme.conf");
+    QFile::link(profile(scenario.active), systemLink);
+}
+
+/** The settings are written some time after they have changed. */
+void TestPowerCut::settleSettings()
+{
+    QTRY_VERIFY_WITH_TIMEOUT(QFile::exists(settingsFile), 20000);
+    QTRY_VERIFY_WITH_TIMEOUT(!QFile::exists(settingsFile + ".lock"), 20000);
+}
+
+/** Starts the daemon with the power to be cut at that call after now. */
+void TestPowerCut::startWithCut(int call)
+{
+    daemon.setWrapper({POWERCUT, control, "/tmp/User_part", "/opt", "--"});
+    QVERIFY(daemon.start());
+    settleSettings();
+    arm(call);
+}
+
+/** Every call to the file system, in order, of a call that nothing disturbs. */
+QStringList TestPowerCut::callsOf(const Scenario &scenario)
+{
+    layOut(scenario);
+    startWithCut(0);
+    const QString reply = users.call(scenario.method, {scenario.user});
+    const QString last = scenario.method == "setUser" ? "unlink /opt/settings.ini.lock" : " close ";
+    if (reply != "()" || !QTest::qWaitFor([&] { return log().filter(last).size() > 0; }, 20000))
+        return {};
+    return log();
+}
+
+void TestPowerCut::initTestCase()
+{
+    for (const Scenario &scenario : scenarios) {
+        init();
+        m_calls.insert(scenario.name, callsOf(scenario));
+        daemon.stop();
+        QVERIFY2(!m_calls.value(scenario.name).isEmpty(), qPrintable(scenario.name));
+    }
+}
+
+void TestPowerCut::cleanupTestCase()
+{
+    for (const Scenario &scenario : scenarios) {
+        const QMap<QString, int> left = m_left.value(scenario.name);
+        for (auto kind = left.begin(); kind != left.end(); ++kind)
+            qInfo("%s: %d times %s", qPrintable(scenario.name), kind.value(),
+                  qPrintable(kind.key()));
+    }
+    int calls = 0;
+    for (const QStringList &each : m_calls)
+        calls += each.size();
+    reportFigures(QStringLiteral("power cuts: %1 calls to the file system, %2 cuts, %3 survived")
+                      .arg(calls)
+                      .arg(m_cuts)
+                      .arg(m_survived));
+}
+
+void TestPowerCut::theNextStartHasAnActiveProfile_data()
+{
+    QTest::addColumn<int>("scenario");
+    QTest::addColumn<int>("call");
+    for (int index = 0; index < scenarios.size(); ++index) {
+        const QStringList calls = m_calls.value(scenarios.at(index).name);
+        for (int call = 1; call <= calls.size(); ++call) {
+            const QString name = calls.at(call - 1).section(' ', 1, 1);
+            // A call that changes nothing leaves behind what the one before it does.
+            static const QStringList reading = {
+                "stat",  "lstat", "newfstatat", "statx",      "access",     "readlink",
+                "close", "read",  "faccessat2", "getdents64", "readlinkat", "faccessat"};
+            if (m_isLong || !reading.contains(name))
+                QTest::newRow(qPrintable(scenarios.at(index).name + ", " + calls.at(call - 1)))
+                    << index << call;
+        }
+    }
+}
+
+/** What the cut has left behind, in the words of the documentation. */
+QString TestPowerCut::whatIsLeft(const Scenario &scenario) const
+{
+    QStringList left;
+    const QStringList now = snapshot(profile(scenario.user));
+    const QStringList whole = snapshot(profile("default_user"));
+    int missing = 0;
+    for (const QString &line : whole) {
+        if (!now.contains(line))
+            ++missing;
+    }
+    if (now.isEmpty())
+        left << "an empty profile folder";
+    else if (now == whole)
+        left << "the new profile, whole";
+    else if (missing < whole.size() && !now.filter("=rrr").isEmpty())
+        left << "a part of the new profile";
+    else if (now.filter("=").size() <
+             snapshot(profile("user3")).filter("=").size() - (scenario.isIncomplete ? 1 : 0))
+        left << "a part of the old profile";
+    else
+        left << "the old profile";
+    const QString target = QFile::symLinkTarget(systemLink);
+    left << (target.isEmpty()
+                 ? "no link"
+                 : "the link to " + QString(target == profile(scenario.active) ? "the old user"
+                                                                               : "the new user"));
+    for (const QString &file : QDir("/opt").entryList({"settings.ini?*"}, QDir::Files))
+        left << (file.endsWith(".lock") ? "the lock of the settings" : "a part of the settings");
+    for (const QString &entry : QDir("/tmp/User_part").entryList(QDir::Files | QDir::Hidden)) {
+        if (entry != "system")
+            left << "a mark";
+    }
+    return left.join(", ");
+}
+
+/** The profile is the user's own, untouched, or the default one: whole in any case. */
+void TestPowerCut::verifyProfile(const QString &user)
+{
+    const QStringList whole = snapshot(profile("default_user"));
+    QStringList own = whole;
+    own.replaceInStrings(contentOf("default_user"), contentOf(user));
+    const QStringList now = snapshot(profile(user));
+    QVERIFY2(now == whole || now == own, qPrintable(now.join('\n').left(2000)));
+}
+
+void TestPowerCut::theNextStartHasAnActiveProfile()
+{
+    QFETCH(int, scenario);
+    QFETCH(int, call);
+    const Scenario &cut = scenarios.at(scenario);
+    ++m_cuts;
+    layOut(cut);
+    startWithCut(call);
+
+    QDBusPendingCall pending = users.start(cut.method, {cut.user});
+    QCOMPARE(daemon.waitForExit(), -1);
+    QVERIFY(!daemon.isRunning());
+    ++m_left[cut.name][whatIsLeft(cut)];
+    QFile::remove(control);
+    daemon.setWrapper({});
+
+    QVERIFY(daemon.start());
+    const QString active = users.call("getUser").section('"', 1, 1);
+    QVERIFY2(everyUser.contains(active), qPrintable(active));
+    QCOMPARE(QFile::symLinkTarget(systemLink), profile(active));
+    verifyProfile(active);
+    QVERIFY(!QTest::currentTestFailed());
+    for (const QString &user : {QStringLiteral("user3"), cut.user, cut.active}) {
+        QCOMPARE(users.call("setUser", {user}), QStringLiteral("()"));
+        verifyProfile(user);
+        QVERIFY(!QTest::currentTestFailed());
+    }
+    settleSettings();
+    QCOMPARE(QDir("/tmp/User_part")
+                 .entryList(QDir::AllEntries | QDir::Hidden | QDir::NoDotAndDotDot)
+                 .size(),
+             6);
+    ++m_survived;
+}
+
+WORLD_TEST_MAIN(TestPowerCut)
+#include "test_powercut.moc"
