@@ -1,0 +1,840 @@
+#include "board.h"
+#include "daemontest.h"
+#include "figures.h"
+#include "introspection.h"
+#include "render.h"
+
+#include <QDBusConnection>
+#include <QDBusObjectPath>
+#include <QDBusPendingCall>
+#include <QProcess>
+#include <QRegularExpression>
+#include <QStandardPaths>
+#include <QXmlStreamReader>
+
+#include <functional>
+
+/**
+ * Every operation of the hardware libraries, times every fault, times every method, property,
+ * timer, interrupt and kernel event that reaches it.
+ *
+ * Nothing here is a list of operations or of methods. The operations are what the hardware
+ * libraries export, the methods what the daemon's objects say of themselves; which reaches which is
+ * what the board's journal says. A new operation that nothing reaches, and a new method whose
+ * arguments nobody has given, make the test fail.
+ *
+ * FAULTS=all in the environment lets every single call of an operation fail instead of the first
+ * and the last of each stimulus, and lets hangs last three seconds.
+ */
+class TestFaultMatrix : public DaemonTest
+{
+    Q_OBJECT
+
+private Q_SLOTS:
+    void initTestCase();
+    void init();
+    void cleanupTestCase();
+
+    void everyOperationIsReached();
+    void everyFaultIsSurvived_data();
+    void everyFaultIsSurvived();
+
+private:
+    /** What makes the daemon use the hardware. */
+    struct Stimulus {
+        QString name;
+        /** Brings the daemon, which runs by then, to where the stimulus reaches the hardware. */
+        std::function<void()> prepare;
+        /** Begins it; waits for nothing. */
+        std::function<void()> trigger;
+        /** Waits until the daemon is done with it; what it answered. */
+        std::function<QString()> finish;
+        /** The next successful cycle after a fault; the stimulus itself where there is none. */
+        std::function<void()> heal;
+        bool isStart = false;
+    };
+
+    /** What a stimulus does while nothing is wrong. */
+    struct Reference {
+        QStringList operations;
+        QMap<QString, int> calls;
+        QString reply;
+        QStringList state;
+        int descriptors = 0;
+    };
+
+    void addMethods(const QString &path);
+    void addMethod(const QString &path, const QString &interface, const QString &member);
+    void addProperty(const QString &path, const QString &interface, const QString &name);
+    void addEvents();
+    Stimulus callStimulus(const QString &name, const Remote &remote, const QString &method,
+                          const QVariantList &arguments);
+    Stimulus event(const QString &name, const QString &marker, const std::function<void()> &happen);
+    Reference observe(const Stimulus &stimulus);
+    void begin(const Stimulus &stimulus);
+    void heal(const Stimulus &stimulus);
+    QStringList state();
+    bool waitForState(const QStringList &expected, QStringList &last);
+    int descriptors() const;
+    void settle();
+    void addGetter(const Remote &remote, const QString &name, const QString &method);
+
+    QList<Stimulus> m_stimuli;
+    QMap<QString, Reference> m_references;
+    QMap<QString, std::function<QString()>> m_getters;
+    QDBusPendingCall m_pending = QDBusPendingCall::fromError(QDBusError());
+    const bool m_isLong = qEnvironmentVariable("FAULTS") == QLatin1String("all");
+    int m_pairs = 0;
+    int m_faults = 0;
+    int m_survived = 0;
+};
+
+namespace
+{
+const QString daemonName = QStringLiteral("com.orvendis.Strandel.BoardManager");
+const int deadline = 20000;
+
+/** How an operation is told to misbehave. */
+const QString always = QStringLiteral("always");
+const QString nonsense = QStringLiteral("nonsense");
+
+/** Operations that no stimulus reaches, with the reason. */
+const QMap<QString, QString> unreached = {};
+
+/** The valid arguments of every method that takes any; several lists are several stimuli. */
+struct Arguments {
+    const char *method;
+    QList<QVariantList> lists;
+};
+
+QVariantMap instrumentRecord()
+{
+    QVariantMap map;
+    for (const char *key : {"Subsidiary", "Fabrication", "Brand", "Type", "SerialNumber",
+                            "WarrantyNumber", "TroubleshootingTag", "RelaunchTag", "FirstPassTag",
+                            "IrdInstrumentPassword", "IrdSessionPassword"})
+        map.insert(QLatin1String(key), 1);
+    map.insert(QStringLiteral("Model"), QStringLiteral("8345"));
+    return map;
+}
+
+QVariantMap measureRecord()
+{
+    return {{"AdjustementSite", 7},
+            {"AdjustementDate", 8},
+            {"NextAdjustementDate", 9},
+            {"AdjustementCoefficients", QVariantList{1u, 2u, 3u}}};
+}
+
+const QList<Arguments> validArguments = {
+    {"Users.setUser", {{"user2"}}},
+    {"Users.factoryReset", {{"user2"}}},
+    {"Ethernet.setIPv4", {{QVariantMap()}}},
+    {"WIFI.setIPv4", {{QVariantMap()}}},
+    {"WIFI.connect", {{QVariantMap()}}},
+    {"WIFIAP.setIPv4", {{QVariantMap()}}},
+    {"WIFIAP.connect", {{QVariantMap()}}},
+    {"Agent.RequestInput", {{QVariant::fromValue(QDBusObjectPath("/a")), QVariantMap()}}},
+    {"Agent.ReportError", {{QVariant::fromValue(QDBusObjectPath("/a")), "invalid-key"}}},
+    {"Backlight.setBacklight", {{40}}},
+    {"Backlight.enableBacklight", {{false}}},
+    {"Backlight.setBacklightStep", {{false, 3}, {true, 3}}},
+    {"LED.setLEDStatus", {{"WIFI", "ON"}}},
+    {"Network.redpinePower", {{true}}},
+    {"Storage.umount", {{"SD"}, {"USB"}}},
+    {"Storage.isMounted", {{"SD"}, {"USB"}}},
+    {"Temperature.setTemperatureThreshold", {{"SOM", 50}}},
+    {"Temperature.setInterval", {{2000}}},
+    {"Version.setEepromInstrument", {{instrumentRecord()}}},
+    {"Version.setEepromMesure", {{measureRecord()}}},
+};
+
+/**
+ * What a stimulus answers while an operation has a fault. Where no row is for it, the answer is
+ * that of a board in order: the first row that matches counts. An empty fault is any failure.
+ */
+struct Answer {
+    const char *stimulus;
+    const char *operation;
+    const char *fault;
+    QString answer;
+};
+
+QList<Answer> answersToFaults()
+{
+    const QString backlightUnread = failure("Read", "Could not get the current backlight value");
+    const QString backlightUnset = failure("Write", "Could not set the current backlight value");
+    const QString lightUnread = failure("Read", "Could not get the current brightness value");
+    const QString noWriting =
+        failure("Initialisation", "Not able to enable write permission in eeprom");
+    const QString notWritten = failure("Write", "Not able to write in eeprom");
+    const QString notProtected = failure("Write", "Not able to disable write permission in eeprom");
+    const QString badRecord = QStringLiteral("({\"CRC\": <false>})");
+    return {
+        {"Alimentation.batteryStatus", "KyBatmonitor.getBatteryInfo", "",
+         "(<\"CHARGER_OFF_UNKNOWN_BAT\">)"},
+        {"Alimentation.batteryStatus", "KyBatmonitor.getBatteryInfo", "nonsense",
+         "(<\"CHARGER_OFF_BAT_PRWT\">)"},
+        {"Alimentation.batteryStatus", "KySocManager.getSoCRegister", "nonsense",
+         "(<\"CHARGER_ON_BAT_FULL\">)"},
+        {"Alimentation.batteryStatus with a charger that came", "KyBatmonitor.getBatteryInfo", "",
+         "(<\"CHARGER_OFF_UNKNOWN_BAT\">)"},
+        {"Alimentation.batteryStatus with a charger that came", "KyBatmonitor.getBatteryInfo",
+         "nonsense", "(<\"CHARGER_OFF_UNKNOWN_BAT\">)"},
+        {"Alimentation.batteryStatus with a charger that came", "KyBatmonitor.getCmeterType", "",
+         "(<\"CHARGER_ON_NO_BAT\">)"},
+        {"Alimentation.batteryStatus with a charger that came", "KyBatmonitor.getCmeterType",
+         "nonsense", "(<\"CHARGER_ON_NO_BAT\">)"},
+        // A supply that cannot be read counts as absent.
+        {"Alimentation.batteryStatus with a charger that came", "KySocManager.getSoCRegister", "",
+         "(<\"CHARGER_OFF_BAT_INF_80\">)"},
+        {"Backlight.getBacklight", "KyBacklight.getBrightness", "", backlightUnread},
+        {"Backlight.getBacklight", "KyBacklight.getBrightness", "nonsense", "(31337)"},
+        {"Backlight.getBacklightStep", "KyBacklight.getBrightness", "", backlightUnread},
+        {"Backlight.getBacklightStep", "KyBacklight.getBrightness", "nonsense", "(15)"},
+        {"Backlight.setBacklight(40)", "KyBacklight.setBrightness", "", backlightUnset},
+        {"Backlight.enableBacklight(false)", "KyBacklight.enableBacklight", "", backlightUnset},
+        {"Backlight.setBacklightStep(false, 3)", "KyBacklight.setBrightness", "", backlightUnset},
+        // In automatic mode a refused percentage is announced, not answered.
+        {"Backlight.setBacklightStep(true, 3)", "KyAls.readLux", "", lightUnread},
+        {"Brightness.getBrightness", "KyAls.readLux", "", lightUnread},
+        {"Brightness.getBrightness", "KyAls.readLux", "nonsense", "(d:nan)"},
+        {"LED.setLEDStatus(\"WIFI\", \"ON\")", "KyLeds.setLedState", "",
+         failure("Write", "Enable to set led WIFI to status ON")},
+        {"LED.getLEDStatus", "KyLeds.getLedState", "always", "({})"},
+        {"Network.redpinePower(true)", "KyPowerman.wifiPower", "",
+         failure("Write", "Fail to change redpine power state")},
+        {"Network.redpineSoftReset", "KyPowerman.wifiSoftReset", "",
+         failure("Write", "Fail to soft reset redpine")},
+        {"Network.redpineHardReset", "KyPowerman.wifiHardReset", "",
+         failure("Write", "Fail to hard reset redpine")},
+        {"Storage.umount(\"SD\")", "KyFaccess.unmountDevice", "",
+         failure("Write", "Umount failed")},
+        {"Storage.umount(\"USB\")", "KyFaccess.unmountDevice", "",
+         failure("Write", "Umount failed")},
+        {"Storage.isMounted(\"SD\")", "KyFaccess.isMounted", "", "(false)"},
+        {"Storage.isMounted(\"USB\")", "KyFaccess.isMounted", "nonsense", "(true)"},
+        {"Temperature.getTemperatures", "KyTemperature.getTemperature", "always", "({})"},
+        {"Temperature.getTemperatures", "KyTemperature.getTemperature", "call 0",
+         "({\"ANALOG_CHAIN\": <38>})"},
+        {"Temperature.getTemperatures", "KyTemperature.getTemperature", "call 1",
+         "({\"SOM\": <42>})"},
+        {"Temperature.getTemperatures", "KyTemperature.getTemperature", "nonsense",
+         "({\"ANALOG_CHAIN\": <-2147483648>, \"SOM\": <-2147483648>})"},
+        {"Version.getEepromInstrument", "KyEeprom.readEeprom", "", badRecord},
+        {"Version.getEepromInstrument", "KyEeprom.readEeprom", "nonsense", badRecord},
+        {"Version.getEepromMesure", "KyEeprom.readEeprom", "", badRecord},
+        {"Version.getEepromMesure", "KyEeprom.readEeprom", "nonsense", badRecord},
+        {"Version.getRevision", "KyBoardRev.getRevision", "always", "({})"},
+        {"Version.getRevision", "KyBoardRev.getRevision", "call 0",
+         "({\"FPGA\": <\"2.3\">, \"HPS\": <u:1>, \"MESURE_CARD\": <u:2>})"},
+        {"Version.getRevision", "KyBoardRev.getRevision", "call 1",
+         "({\"FPGA\": <\"2.3\">, \"MESURE_CARD\": <u:2>, \"SOM\": <u:3>})"},
+        {"Version.getRevision", "KyBoardRev.getRevision", "call 2",
+         "({\"HPS\": <u:1>, \"MESURE_CARD\": <u:2>, \"SOM\": <u:3>})"},
+        {"Version.getRevision", "KyBoardRev.getRevision", "call 3",
+         "({\"FPGA\": <\"2.3\">, \"HPS\": <u:1>, \"SOM\": <u:3>})"},
+        {"Version.getRevision", "KyBoardRev.getRevision", "nonsense",
+         "({\"FPGA\": <\"65535.65535\">, \"HPS\": <u:4294967295>, \"MESURE_CARD\": <u:4294967295>, "
+         "\"SOM\": <u:4294967295>})"},
+        {"Version.setEeprom*", "KyEeprom.setWriteEnable", "always", noWriting},
+        {"Version.setEeprom*", "KyEeprom.setWriteEnable", "call 0", noWriting},
+        {"Version.setEeprom*", "KyEeprom.setWriteEnable", "call 1", notProtected},
+        {"Version.setEeprom*", "KyEeprom.writeEeprom", "", notWritten},
+        // A board that only says it lifted the protection refuses what is written then.
+        {"Version.setEeprom*", "KyEeprom.setWriteEnable", "nonsense", notWritten},
+        {"Version.invalidateEepromsContent", "KyEeprom.setWriteEnable", "always", noWriting},
+        {"Version.invalidateEepromsContent", "KyEeprom.setWriteEnable", "call 0", noWriting},
+        {"Version.invalidateEepromsContent", "KyEeprom.setWriteEnable", "call 1", notProtected},
+        {"Version.invalidateEepromsContent", "KyEeprom.setWriteEnable", "nonsense", notWritten},
+        {"Version.invalidateEepromsContent", "KyEeprom.writeEeprom", "", notWritten},
+        {"Watchdog.keepAlive", "KySocManager.getSoCRegister", "always",
+         failure("Initialisation", "Fail to read the HPS initialisation state")},
+        {"Watchdog.keepAlive", "KySocManager.getSoCRegister", "call 0",
+         failure("Initialisation", "Fail to read the HPS initialisation state")},
+        {"Watchdog.keepAlive", "KySocManager.getSoCRegister", "call 1",
+         failure("Write", "Fail to transfert the keepalive signal to the FPGA")},
+        {"Watchdog.keepAlive", "KyPowerman.setAckWatchdog", "",
+         failure("Initialisation", "Fail to prevent the MSP430 from rebooting the sysem")},
+        {"Watchdog.keepAlive again", "KySocManager.getSoCRegister", "",
+         failure("Write", "Fail to transfert the keepalive signal to the FPGA")},
+    };
+}
+
+/**
+ * Faults whose traces stay until the daemon's next start, as the clients expect: what is read once
+ * is read once, and a sensor that could not be set up stays unused. An empty fault is any failure.
+ */
+struct Lasting {
+    const char *stimulus;
+    const char *operation;
+    const char *fault;
+};
+
+const QList<Lasting> lasting = {
+    // A light sensor that could not be set up is not used until the next start.
+    {"start", "KyAls.init", ""},
+    {"start", "KyAls.readLux", ""},
+    {"start", "KyAls.setThresholds", ""},
+    {"start", "KyAls.setThresholdsTimer", ""},
+    {"start", "KyAls.interruptEnable", ""},
+    {"start", "KyAls.getinterruptHandler", ""},
+    // So is one that said it was set up and was not.
+    {"start", "KyAls.setThresholds", "nonsense"},
+    {"start", "KyAls.setThresholdsTimer", "nonsense"},
+    {"start", "KyAls.interruptEnable", "nonsense"},
+    // A conversion has no way to tell that it failed: darkness counts as the lower bound.
+    {"start", "KyAls.convLuxInExponentMantissaByte", "last call"},
+    {"light interrupt*", "KyAls.convLuxInExponentMantissaByte", "last call"},
+    // An interrupt that is said to be acknowledged, and is not, is the last one.
+    {"light interrupt*", "KyAls.interruptRead", "nonsense"},
+    // The instrument's record is read once, and without it there is no screen.
+    {"start", "KyEeprom.readEeprom", ""},
+    {"start", "KyEeprom.readEeprom", "nonsense"},
+    // The library is told once per reading of the record.
+    {"start", "KyBoardRev.setBrand", ""},
+    {"start", "KyBoardRev.setBrand", "nonsense"},
+    {"start", "KyBoardRev.setModel", ""},
+    {"start", "KyBoardRev.setModel", "nonsense"},
+    // The card's LED is shown again when the card comes or goes.
+    {"start", "KyLeds.setLedState", "last call"},
+    {"start", "KyLeds.setLedState", "always"},
+    {"start", "KyLeds.setLedState", "nonsense"},
+    {"start", "KyFaccess.isMounted", ""},
+    {"Version.getEepromInstrument", "KyEeprom.readEeprom", ""},
+    {"Version.getEepromInstrument", "KyEeprom.readEeprom", "nonsense"},
+    {"Version.getEepromMesure", "KyEeprom.readEeprom", ""},
+    {"Version.getEepromMesure", "KyEeprom.readEeprom", "nonsense"},
+    // A revision that was missing when another one was there stays missing.
+    {"Version.getRevision", "KyBoardRev.getRevision", "call *"},
+    {"Version.getRevision", "KyBoardRev.getRevision", "nonsense"},
+    {"Version.getRevision", "KyBoardRev.setSoMRevision", ""},
+    {"Version.getRevision", "KyBoardRev.setSoMRevision", "nonsense"},
+};
+
+bool matches(const char *pattern, const QString &text)
+{
+    const QString glob = QLatin1String(pattern);
+    return glob.endsWith(QLatin1Char('*')) ? text.startsWith(glob.left(glob.size() - 1))
+                                           : text == glob;
+}
+
+bool isFailure(const QString &fault)
+{
+    return fault == always || fault.startsWith(QLatin1String("call "));
+}
+
+bool isFault(const char *pattern, const QString &fault)
+{
+    return *pattern ? matches(pattern, fault) : isFailure(fault);
+}
+
+/** The LEDs in the order in which they are asked for. */
+const char *const leds[] = {"BAT_RS1", "BAT_GS1",  "BAT_GS2",   "BAT_GS3",  "BAT_GS4",
+                            "BAT_GS5", "UTC_SYNC", "RECORDING", "BT",       "WIFI",
+                            "WPS",     "POWER_Y",  "POWER_G",   "SD_STATUS"};
+
+/** What an LED that cannot be read, or shows what none can show, makes of the answer @p usual. */
+QString ledAnswer(const QString &fault, QString usual)
+{
+    if (fault == nonsense)
+        return usual.replace(QRegularExpression(QStringLiteral("<\"\\w+\">")),
+                             QStringLiteral("<\"UNKNOWN\">"));
+    const QString led = QLatin1String(leds[fault.section(QLatin1Char(' '), 1).toInt()]);
+    return usual.remove(QRegularExpression(
+        QStringLiteral("\"%1\": <\"\\w+\">, |, \"%1\": <\"\\w+\">(?=})").arg(led)));
+}
+
+QString expectedAnswer(const QString &stimulus, const QString &operation, const QString &fault,
+                       const QString &usual)
+{
+    for (const Answer &answer : answersToFaults()) {
+        if (matches(answer.stimulus, stimulus) && operation == QLatin1String(answer.operation) &&
+            isFault(answer.fault, fault))
+            return answer.answer;
+    }
+    return stimulus == QLatin1String("LED.getLEDStatus") ? ledAnswer(fault, usual) : usual;
+}
+
+/** Counts and times, which an earlier attempt changes as well. */
+bool isCount(const QString &line)
+{
+    static const QRegularExpression counts(QStringLiteral(
+        "^(journal|held|faults|powerman/.*_(resets|acknowledgements)|battery/shutdowns_prepared)"));
+    return counts.match(line).hasMatch();
+}
+
+/** The lines that the two have not in common. */
+QString difference(const QStringList &expected, const QStringList &found)
+{
+    QStringList lines;
+    for (const QString &line : expected) {
+        if (!found.contains(line))
+            lines << QStringLiteral("missing: ") + line;
+    }
+    for (const QString &line : found) {
+        if (!expected.contains(line))
+            lines << QStringLiteral("instead: ") + line;
+    }
+    return lines.isEmpty() ? QStringLiteral("everything agrees") : lines.join(QLatin1Char('\n'));
+}
+
+/** The operations that the hardware libraries export, as the journal names them. */
+QStringList exportedOperations()
+{
+    QStringList operations;
+    for (const char *library : {"libKyBoard.so.1", "libKyFileaccess.so.1", "libKySoC.so.1"}) {
+        QProcess nm;
+        nm.start(QStringLiteral("nm"),
+                 {QStringLiteral("--dynamic"), QStringLiteral("--defined-only"),
+                  QStringLiteral("--demangle"),
+                  qEnvironmentVariable("LD_LIBRARY_PATH") + '/' + QLatin1String(library)});
+        nm.waitForFinished();
+        static const QRegularExpression function(QStringLiteral(" T (Ky\\w+)::(\\w+)\\("));
+        auto found = function.globalMatch(QString::fromLatin1(nm.readAllStandardOutput()));
+        while (found.hasNext()) {
+            const QRegularExpressionMatch match = found.next();
+            if (match.captured(1) != match.captured(2))
+                operations << match.captured(1) + '.' + match.captured(2);
+        }
+    }
+    operations.removeDuplicates();
+    operations.sort();
+    return operations;
+}
+} // namespace
+
+void TestFaultMatrix::initTestCase()
+{
+    init();
+    QVERIFY(daemon.start());
+    for (const char *path : {"/KyConfigMgr", "/KyComMgr", "/KyComMgr/Agent", "/KyDeviceMgr"})
+        addMethods(QString::fromLatin1(path));
+    addEvents();
+    daemon.stop();
+
+    for (const Stimulus &stimulus : m_stimuli) {
+        init();
+        m_references.insert(stimulus.name, observe(stimulus));
+        QVERIFY(!QTest::currentTestFailed());
+        daemon.stop();
+    }
+}
+
+void TestFaultMatrix::init()
+{
+    DaemonTest::init();
+    daemon.controlClock();
+    // A card is there whose LED shows it, and the sensor repeats its interrupts at once.
+    Board::set("storage/SD/inserted", "1");
+    Board::set("storage/SD/mounted", "1");
+    writeFile("/opt/settings.ini", "[Brightness]\ntimer=0\n");
+}
+
+void TestFaultMatrix::cleanupTestCase()
+{
+    QSet<QString> operations;
+    for (const Reference &reference : m_references) {
+        for (const QString &operation : reference.operations)
+            operations.insert(operation);
+    }
+    reportFigures(
+        QStringLiteral("faults of the hardware: %1 operations, %2 stimuli, %3 pairs, %4 faults, "
+                       "%5 survived")
+            .arg(operations.size())
+            .arg(m_stimuli.size())
+            .arg(m_pairs)
+            .arg(m_faults)
+            .arg(m_survived));
+}
+
+/** Adds the methods and properties that the object at @p path says it has. */
+void TestFaultMatrix::addMethods(const QString &path)
+{
+    const Introspection object = introspect(path);
+    QVERIFY2(object.error.isEmpty(), qPrintable(object.error));
+    for (auto interface = object.interfaces.begin(); interface != object.interfaces.end();
+         ++interface) {
+        if (interface.key().startsWith(QLatin1String("org.freedesktop.DBus")))
+            continue;
+        for (const QString &member : interface.value()) {
+            const QString name = member.section(QRegularExpression("[ (]"), 1, 1);
+            if (member.startsWith(QLatin1String("method ")))
+                addMethod(path, interface.key(), member);
+            else if (member.startsWith(QLatin1String("property ")))
+                addProperty(path, interface.key(), name);
+        }
+    }
+}
+
+void TestFaultMatrix::addMethod(const QString &path, const QString &interface,
+                                const QString &member)
+{
+    const QString method = member.section(QRegularExpression("[ (]"), 1, 1);
+    const QString name = interface.section('.', -1) + '.' + method;
+    const Remote remote(daemonName, path, interface);
+    const bool takesArguments = member.contains(QLatin1String("(in "));
+    QList<QVariantList> lists = {{}};
+    if (takesArguments) {
+        lists.clear();
+        for (const Arguments &row : validArguments) {
+            if (name == QLatin1String(row.method))
+                lists = row.lists;
+        }
+        QVERIFY2(!lists.isEmpty(), qPrintable("no valid arguments are known for " + name));
+    } else if (member.contains(QLatin1String("(out "))) {
+        m_getters.insert(name, [remote, method] { return remote.call(method); });
+    }
+    for (const QVariantList &arguments : lists)
+        m_stimuli << callStimulus(takesArguments ? name + render(arguments) : name, remote, method,
+                                  arguments);
+}
+
+void TestFaultMatrix::addProperty(const QString &path, const QString &interface,
+                                  const QString &name)
+{
+    const Remote remote(daemonName, path, interface);
+    const Remote properties(daemonName, path, QStringLiteral("org.freedesktop.DBus.Properties"));
+    const QString title = interface.section('.', -1) + '.' + name;
+    m_getters.insert(title, [remote, name] { return remote.property(name); });
+    m_stimuli << callStimulus(title, properties, QStringLiteral("Get"), {interface, name});
+}
+
+TestFaultMatrix::Stimulus TestFaultMatrix::callStimulus(const QString &name, const Remote &remote,
+                                                        const QString &method,
+                                                        const QVariantList &arguments)
+{
+    Stimulus stimulus;
+    stimulus.name = name;
+    stimulus.trigger = [=] { m_pending = remote.start(method, arguments); };
+    stimulus.finish = [this] {
+        m_pending.waitForFinished();
+        const QString reply = renderReply(m_pending.reply());
+        settle();
+        return reply;
+    };
+    return stimulus;
+}
+
+/** A stimulus that nobody answers; @p marker is an operation that it reaches in any case. */
+TestFaultMatrix::Stimulus TestFaultMatrix::event(const QString &name, const QString &marker,
+                                                 const std::function<void()> &happen)
+{
+    Stimulus stimulus;
+    stimulus.name = name;
+    stimulus.trigger = [happen] {
+        Board::clearJournal();
+        happen();
+    };
+    stimulus.finish = [this, marker] {
+        const bool isDone = QTest::qWaitFor(
+            [&] {
+                return !Board::journal()
+                            .filter(QRegularExpression('^' + QRegularExpression::escape(marker)))
+                            .isEmpty();
+            },
+            deadline);
+        settle();
+        return isDone ? QStringLiteral("done") : QStringLiteral("not done");
+    };
+    return stimulus;
+}
+
+/** What comes without a call, and the calls that something has to happen before. */
+void TestFaultMatrix::addEvents()
+{
+    const Stimulus battery =
+        event("battery timer", "KyBatmonitor.update", [this] { daemon.letTimePass(10); });
+    const auto checkBattery = [battery] {
+        battery.trigger();
+        battery.finish();
+    };
+    m_stimuli << battery;
+
+    const Remote version("/KyDeviceMgr", "Version");
+    const Remote backlight("/KyDeviceMgr", "Backlight");
+    const Remote temperature("/KyDeviceMgr", "Temperature");
+    const Remote watchdog("/KyDeviceMgr", "Watchdog");
+    for (int index = 0, count = m_stimuli.size(); index < count; ++index) {
+        Stimulus stimulus = m_stimuli.at(index);
+        if (stimulus.name == QLatin1String("Version.getEepromInstrument")) {
+            // A map that is refused empties the cache.
+            m_stimuli[index].prepare = [=] {
+                version.call("setEepromInstrument", {QVariantMap()});
+            };
+        } else if (stimulus.name == QLatin1String("Alimentation.batteryStatus")) {
+            // Reading the status shows it on the LEDs only where the charger came or went.
+            stimulus.heal = m_stimuli[index].heal = checkBattery;
+            stimulus.name += QStringLiteral(" with a charger that came");
+            stimulus.prepare = [] { Board::set("charger/present", "1"); };
+            m_stimuli << stimulus;
+        } else if (stimulus.name == QLatin1String("Watchdog.keepAlive")) {
+            stimulus.name += QStringLiteral(" again");
+            stimulus.prepare = [=] { watchdog.call("keepAlive"); };
+            m_stimuli << stimulus;
+        }
+    }
+
+    Stimulus temperatures = event("temperature timer", "KyTemperature.getTemperature",
+                                  [this] { daemon.letTimePass(1); });
+    temperatures.prepare = [=] { temperature.call("setInterval", {1000}); };
+    m_stimuli << temperatures;
+
+    Stimulus light =
+        event("light interrupt", "KyAls.interruptRead", [] { Board::set("als/lux", "900"); });
+    light.heal = [this] {
+        // An interrupt that could not be acknowledged is acknowledged now.
+        daemon.letTimePass(1);
+        settle();
+        Board::set("als/lux", "30");
+    };
+    m_stimuli << light;
+    light.name = "light interrupt in automatic mode";
+    light.prepare = [=] { backlight.call("setBacklightStep", {true, 3}); };
+    light.trigger = [] {
+        Board::clearJournal();
+        Board::set("als/lux", "60");
+    };
+    m_stimuli << light;
+
+    const auto insert = [] { Board::storage("insert", "SD"); };
+    const auto remove = [] { Board::storage("remove", "SD"); };
+    Stimulus inserted = event("card inserted", "KyLeds.setLedState", insert);
+    inserted.heal = [=] {
+        remove();
+        insert();
+    };
+    m_stimuli << inserted;
+    Stimulus removed = event("card removed", "KyLeds.setLedState", remove);
+    removed.prepare = insert;
+    removed.heal = [=] {
+        insert();
+        remove();
+    };
+    m_stimuli << removed;
+
+    Stimulus start;
+    start.name = "start";
+    start.isStart = true;
+    start.trigger = [this] { daemon.launch(); };
+    start.finish = [this] {
+        const bool isUp = QTest::qWaitFor(
+            [] { return Remote("/KyConfigMgr", "Users").call("getUser") == "(\"user1\")"; },
+            deadline);
+        settle();
+        return isUp ? QStringLiteral("up") : QStringLiteral("not up");
+    };
+    start.heal = checkBattery;
+    m_stimuli << start;
+}
+
+/** Waits until the daemon is done with everything that has reached it by now. */
+void TestFaultMatrix::settle()
+{
+    for (int times = 0; times < 2; ++times)
+        Remote(daemonName, "/KyDeviceMgr", "org.freedesktop.DBus.Introspectable")
+            .reply("Introspect");
+}
+
+int TestFaultMatrix::descriptors() const
+{
+    return QDir(QStringLiteral("/proc/%1/fd").arg(daemon.processId()))
+        .entryList(QDir::NoDotAndDotDot | QDir::AllEntries | QDir::System)
+        .size();
+}
+
+/** What the daemon answers to every question without arguments, and what the board shows. */
+QStringList TestFaultMatrix::state()
+{
+    QStringList lines;
+    for (auto getter = m_getters.begin(); getter != m_getters.end(); ++getter)
+        lines << getter.key() + QLatin1Char(' ') + getter.value()();
+    for (const QString &line : snapshot(Board::pathOf(QString()))) {
+        if (!isCount(line))
+            lines << line;
+    }
+    return lines;
+}
+
+bool TestFaultMatrix::waitForState(const QStringList &expected, QStringList &last)
+{
+    last = state();
+    return last == expected || QTest::qWaitFor(
+                                   [&] {
+                                       last = state();
+                                       return last == expected;
+                                   },
+                                   4000);
+}
+
+/** Brings the daemon to where @p stimulus can begin. */
+void TestFaultMatrix::begin(const Stimulus &stimulus)
+{
+    if (stimulus.isStart)
+        return;
+    QVERIFY(daemon.start());
+    if (stimulus.prepare)
+        stimulus.prepare();
+    settle();
+}
+
+void TestFaultMatrix::heal(const Stimulus &stimulus)
+{
+    if (stimulus.heal) {
+        stimulus.heal();
+    } else {
+        stimulus.trigger();
+        stimulus.finish();
+    }
+    settle();
+}
+
+TestFaultMatrix::Reference TestFaultMatrix::observe(const Stimulus &stimulus)
+{
+    Reference reference;
+    begin(stimulus);
+    Board::clearJournal();
+    const int before = stimulus.isStart ? 0 : descriptors();
+    stimulus.trigger();
+    reference.reply = stimulus.finish();
+    for (const QString &line : Board::journal()) {
+        const QString operation = line.section('(', 0, 0);
+        if (!reference.calls.contains(operation))
+            reference.operations << operation;
+        ++reference.calls[operation];
+    }
+    heal(stimulus);
+    // What is still on its way, such as the sensor's own registers, comes to rest.
+    QStringList previous;
+    do {
+        previous = reference.state;
+        reference.state = state();
+    } while (previous != reference.state);
+    reference.descriptors = descriptors() - before;
+    return reference;
+}
+
+void TestFaultMatrix::everyOperationIsReached()
+{
+    const QStringList operations = exportedOperations();
+    QVERIFY(operations.contains("KyAls.readLux"));
+    QSet<QString> reached;
+    for (const Reference &reference : m_references) {
+        for (const QString &operation : reference.operations) {
+            QVERIFY2(operations.contains(operation), qPrintable(operation));
+            reached.insert(operation);
+        }
+    }
+    for (const QString &operation : operations)
+        QVERIFY2(reached.contains(operation) != unreached.contains(operation),
+                 qPrintable(operation));
+    for (const QString &operation : unreached.keys())
+        QVERIFY2(operations.contains(operation), qPrintable(operation));
+}
+
+void TestFaultMatrix::everyFaultIsSurvived_data()
+{
+    QTest::addColumn<int>("index");
+    QTest::addColumn<QString>("operation");
+    QTest::addColumn<QString>("fault");
+    for (int index = 0; index < m_stimuli.size(); ++index) {
+        const QString name = m_stimuli.at(index).name;
+        const Reference reference = m_references.value(name);
+        for (const QString &operation : reference.operations) {
+            ++m_pairs;
+            const int calls = reference.calls.value(operation);
+            QStringList faults = {always, nonsense};
+            for (int call = 0; call < calls; ++call) {
+                if (m_isLong || call == 0 || call == calls - 1)
+                    faults << QStringLiteral("call %1").arg(call);
+                if (m_isLong || call == 0)
+                    faults << QStringLiteral("hang %1").arg(call);
+            }
+            for (const QString &fault : faults)
+                QTest::newRow(qPrintable(name + ", " + operation + ", " + fault))
+                    << index << operation << fault;
+        }
+    }
+}
+
+void TestFaultMatrix::everyFaultIsSurvived()
+{
+    QFETCH(int, index);
+    QFETCH(QString, operation);
+    QFETCH(QString, fault);
+    const Stimulus &stimulus = m_stimuli.at(index);
+    const Reference reference = m_references.value(stimulus.name);
+    const QString number = fault.section(' ', 1);
+    const bool isHang = fault.startsWith(QLatin1String("hang "));
+    ++m_faults;
+
+    // Given: the daemon is where the stimulus can begin, and then the operation gets its fault.
+    begin(stimulus);
+    const int before = stimulus.isStart ? 0 : descriptors();
+    Board::clearJournal();
+    if (fault == always)
+        Board::fault(operation, "always");
+    else if (fault == nonsense)
+        Board::fault(operation, "garbage");
+    else
+        Board::fault(operation, (isHang ? "hold after " : "1 after ") + number);
+
+    // When: the stimulus comes. The daemon waits for a hardware that hangs, and so do its clients.
+    stimulus.trigger();
+    QDBusPendingCall other = QDBusPendingCall::fromError(QDBusError());
+    if (isHang) {
+        QVERIFY(Board::waitFor("held", operation));
+        if (!stimulus.isStart)
+            other = Remote("/KyConfigMgr", "Users").start("getUser");
+        if (m_isLong)
+            QTest::qWait(3000);
+        Board::clearFaults();
+    }
+    const QString reply = stimulus.finish();
+
+    // Then: it lives, and has answered what it is to answer.
+    QVERIFY(daemon.isRunning());
+    QCOMPARE(reply, isHang ? reference.reply
+                           : expectedAnswer(stimulus.name, operation, fault, reference.reply));
+    if (isHang && !stimulus.isStart) {
+        other.waitForFinished();
+        QCOMPARE(renderReply(other.reply()), QStringLiteral("(\"user1\")"));
+    }
+    QCOMPARE(Remote("/KyConfigMgr", "Users").call("getUser"), QStringLiteral("(\"user1\")"));
+
+    // And with the fault gone the next successful cycle has it agree with the board, or the next
+    // start where that is what clients know.
+    Board::clearFaults();
+    heal(stimulus);
+    bool isLasting = false;
+    for (const Lasting &row : lasting) {
+        const bool isLastCall =
+            fault == QStringLiteral("call %1").arg(reference.calls.value(operation) - 1);
+        isLasting =
+            isLasting ||
+            (matches(row.stimulus, stimulus.name) && operation == QLatin1String(row.operation) &&
+             (isFault(row.fault, fault) || (row.fault == QByteArray("last call") && isLastCall)));
+    }
+    QStringList state;
+    if (isLasting)
+        QVERIFY2((state = this->state()) != reference.state, "no trace of the fault has stayed");
+    else
+        QVERIFY2(waitForState(reference.state, state),
+                 qPrintable(difference(reference.state, state)));
+    QVERIFY2(
+        QTest::qWaitFor([&] { return descriptors() - before <= reference.descriptors; }, deadline),
+        "descriptors are left open");
+    if (isLasting) {
+        daemon.stop();
+        begin(stimulus);
+        stimulus.trigger();
+        stimulus.finish();
+        heal(stimulus);
+        QVERIFY2(waitForState(reference.state, state),
+                 qPrintable(difference(reference.state, state)));
+    }
+    ++m_survived;
+}
+
+WORLD_TEST_MAIN(TestFaultMatrix)
+#include "test_faultmatrix.moc"
