@@ -180,6 +180,7 @@ void TestKyboardctl::aWrongCommandLineSendsNothing()
     QCOMPARE(result.status, 2);
     QCOMPARE(result.complaint, "kyboardctl: " + complaint + '\n');
     QCOMPARE(Board::journal(), QStringList());
+    QCOMPARE(recorder.take(), QStringList());
 }
 
 void TestKyboardctl::withoutTheDaemonItSaysSo_data()

@@ -41,7 +41,7 @@ FaultWords parseFault(const std::string &words)
         } else if (word == "delay" || word == "after") {
             const bool isDelay = word == "delay";
             long long &number = isDelay ? asked.fault.delay : asked.after;
-            number = stream >> word ? numberIn(word, isDelay ? longestDelay : mostCalls) : -1;
+            number = (stream >> word) ? numberIn(word, isDelay ? longestDelay : mostCalls) : -1;
             if (number < 0)
                 return notUnderstood;
         } else {

@@ -38,7 +38,7 @@ const ErrorText getBrightnessErrors[] = {
 
 BrightnessBounds readBounds()
 {
-    BrightnessBounds bounds;
+    BrightnessBounds bounds{};
     static_assert(sizeof bounds.level / sizeof(int) == sizeof levels / sizeof levels[0],
                   "every level has its setting");
     int *level = bounds.level;

@@ -50,7 +50,7 @@ const ErrorText setBacklightStepErrors[] = {
 
 BacklightSteps readSteps()
 {
-    BacklightSteps steps;
+    BacklightSteps steps{};
     static_assert(sizeof steps.percentage / sizeof(int) ==
                       sizeof stepSettings / sizeof stepSettings[0],
                   "every step has its setting");

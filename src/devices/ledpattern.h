@@ -11,6 +11,7 @@ struct LedSetting {
     KyLED::Led led;
     KyLED::State state;
 };
+Q_DECLARE_TYPEINFO(LedSetting, Q_PRIMITIVE_TYPE);
 
 /** What the battery gauge shows for @p status: its LEDs in the order in which they are to be set.
  */

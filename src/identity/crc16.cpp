@@ -9,14 +9,14 @@ const unsigned int reflectedPolynomial = 0xA001;
 /** What one byte contributes to the CRC, for every byte. */
 constexpr std::array<quint16, 256> makeTable()
 {
-    std::array<quint16, 256> table{};
+    std::array<quint16, 256> contributions{};
     for (unsigned int byte = 0; byte < 256; ++byte) {
         unsigned int remainder = byte;
         for (int bit = 0; bit < 8; ++bit)
             remainder = (remainder >> 1) ^ ((remainder & 1) != 0 ? reflectedPolynomial : 0);
-        table[byte] = static_cast<quint16>(remainder);
+        contributions[byte] = static_cast<quint16>(remainder);
     }
-    return table;
+    return contributions;
 }
 
 constexpr std::array<quint16, 256> table = makeTable();
