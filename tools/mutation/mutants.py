@@ -1,0 +1,143 @@
+"""The small mistakes that can be made in a source file, each of which a test should notice."""
+
+import collections
+import hashlib
+import itertools
+import re
+
+Mutant = collections.namedtuple('Mutant', 'identity file line kind before after content')
+
+LEXEMES = re.compile(r'''
+    //[^\n]* | /\*.*?\*/ | ^[ \t]*\#[^\n]*  # hidden from the operators: comments, directives
+    | "(?:\\.|[^"\\])*"                     # a text
+    | '(?:\\.|[^'\\])*'                     # a character
+    ''', re.VERBOSE | re.DOTALL | re.MULTILINE)
+
+SWAPPED = {
+    ' == ': ' != ', ' != ': ' == ', ' < ': ' <= ', ' <= ': ' < ', ' > ': ' >= ', ' >= ': ' > ',
+    ' && ': ' || ', ' || ': ' && ', ' + ': ' - ', ' - ': ' + ', ' += ': ' -= ', ' -= ': ' += ',
+    ' * ': ' / ', ' / ': ' * ', ' % ': ' * ', ' & ': ' | ', ' | ': ' & ', ' ^ ': ' & ',
+    ' << ': ' >> ', ' >> ': ' << ',
+}
+OPERATOR = re.compile(r'(?<=[\w)\]\'"}])\s(?:==|!=|<=|>=|<<|>>|<|>|&&|\|\||\+=|-=|[-+*/%&|^])\s(?=[\w(!"\'&*~{-])')
+# Not the index of the element that a size is asked of.
+NUMBER = re.compile(r'(?<![\w.])(?<!\w\[(?=0\]))(?:0[xX][0-9a-fA-F]+|\d+)(?![\w.])')
+# What can begin a statement that does something, instead of declaring or deciding something.
+CALL_STATEMENT = re.compile(r'(?<=[;{}:\n])(?P<blank>\s*\n[ ]+)(?P<call>(?!(?:return|if|else|for|while|'
+                            r'switch|case|default|const|auto|static|using|delete|public|private|'
+                            r'struct|class|namespace|do|throw)\b)[A-Za-z_*][^;{}]*;)')
+DECLARATION = re.compile(r'[\w:<>*&, ]*[\w>]\s+[*&]?\w+\s*(?:[=;(\[]|$)')
+SCOPED_NAME = re.compile(r'\b(Error|KyTcpIpState|JoinStep|StorageEvent|KyLED)::([A-Z]\w*)\b(?!\s*\()')
+
+
+def masked(text):
+    """The text with its comments, directives, texts and characters blotted out, at equal length."""
+    def blot(match):
+        lexeme = match.group()
+        if lexeme[0] in '"\'':
+            return lexeme[0] + '?' * (len(lexeme) - 2) + lexeme[0]
+        return re.sub(r'[^\n]', ' ', lexeme)
+    return LEXEMES.sub(blot, text)
+
+
+def texts(text):
+    """Where the file's texts are, without their quotation marks."""
+    for match in LEXEMES.finditer(text):
+        if match.group()[0] == '"':
+            yield match.start() + 1, match.end() - 1
+
+
+def closing(code, opening):
+    """The position of the bracket that closes the one at the given position."""
+    depth = 0
+    for position in range(opening, len(code)):
+        if code[position] == '(':
+            depth += 1
+        elif code[position] == ')':
+            depth -= 1
+            if depth == 0:
+                return position
+    return None
+
+
+def call_statements(code):
+    """The statements that are not declarations and end in a call or an assignment."""
+    for match in CALL_STATEMENT.finditer(code):
+        call = match.group('call')
+        if code[:match.start()].count('(') - code[:match.start()].count(')') != 0:
+            continue
+        if DECLARATION.match(call) or call.startswith(('Q_DISABLE', 'Q_UNUSED', 'static_')):
+            continue
+        if call in ('break;', 'continue;') or '(' in call or '=' in call or '++' in call:
+            yield match.start('call'), match.end('call')
+
+
+def other_numbers(digits):
+    """The neighbours of a number; of a large one, which is a time or a size, the half and double."""
+    value = int(digits, 8 if re.fullmatch('0[0-7]+', digits) else 0)
+    if value >= 1000 and digits.isdecimal():
+        return [value // 2, value * 2]
+    return [value + 1, value - 1] if value > 0 else [value + 1]
+
+
+def edits(text, names):
+    """Yields kind, start, end and replacement of every edit."""
+    code = masked(text)
+    for match in OPERATOR.finditer(code):
+        operator = ' ' + match.group().strip() + ' '
+        yield 'operator', match.start(), match.end(), \
+            match.group().replace(operator.strip(), SWAPPED[operator].strip())
+    for match in re.finditer(r'\+\+|--(?=\w)', code):
+        yield 'operator', match.start(), match.end(), '--' if match.group() == '++' else '++'
+    for match in re.finditer(r'\b(true|false)\b', code):
+        yield 'truth', match.start(), match.end(), 'false' if match.group() == 'true' else 'true'
+    for match in re.finditer(r'(?<![\w)\]])!(?=[A-Za-z_(])', code):
+        yield 'truth', match.start(), match.end(), ''
+    for match in re.finditer(r'\b(?:if|while) \(', code):
+        end = closing(code, match.end() - 1)
+        condition = text[match.end():end]
+        # Without the exclamation mark, it is the same mistake once more.
+        if not condition.startswith('!') or '&&' in condition or '||' in condition:
+            yield 'condition', match.end(), end, '!(' + condition + ')'
+    for match in NUMBER.finditer(code):
+        for number in other_numbers(match.group()):
+            yield 'number', match.start(), match.end(), str(number)
+    for start, end in texts(text):
+        yield 'text', start, end, text[start:end] + '~'
+    for match in SCOPED_NAME.finditer(code):
+        scope, name = match.groups()
+        known = names[scope]
+        other = known[(known.index(name) + 1) % len(known)]
+        if other != name:
+            yield 'name', match.start(2), match.end(2), other
+    statements = list(call_statements(code))
+    for start, end in statements:
+        yield 'removed', start, end, ';'
+    for (start, end), (next_start, next_end) in itertools.pairwise(statements):
+        between = text[end:next_start]
+        if not between.strip() and text[start:end] != text[next_start:next_end]:
+            yield 'swapped', start, next_end, text[next_start:next_end] + between + text[start:end]
+
+
+def scoped_names(contents):
+    """The names that are seen of each scope whose names are exchanged for one another."""
+    names = collections.defaultdict(set)
+    for text in contents:
+        for scope, name in SCOPED_NAME.findall(masked(text)):
+            names[scope].add(name)
+    return {scope: sorted(found) for scope, found in names.items()}
+
+
+def mutants(files, read):
+    """All mutants of the files, in the files' order."""
+    contents = {file: read(file) for file in files}
+    names = scoped_names(contents.values())
+    found = []
+    for file, text in contents.items():
+        for kind, start, end, replacement in edits(text, names):
+            content = text[:start] + replacement + text[end:]
+            identity = hashlib.sha256((file + '\0' + content).encode()).hexdigest()[:12]
+            found.append(Mutant(identity, file, text.count('\n', 0, start) + 1, kind,
+                                ' '.join(text[start:end].split()), ' '.join(replacement.split()),
+                                content))
+    return found
