@@ -54,7 +54,8 @@ private Q_SLOTS:
     void aResetIsOnTheDiskWithTwoSyncs();
     void anInterruptedResetOfTheActiveUserIsFinishedAtStart();
     void anInterruptedRebuildIsBegunAgainByTheNextSwitch();
-    void aFailedRebuildIsBegunAgainByTheNextSwitch();
+    void aFailedRebuildIsNoInterruptedOne();
+    void anInterruptedResetThatCannotBeFinishedIsTriedAgain();
     void anInterruptedResetWithoutADefaultProfileToReadIsLeftAsItIs();
     void theDefaultProfileIsNeverErased_data();
     void theDefaultProfileIsNeverErased();
@@ -452,7 +453,7 @@ void TestUsers::anInterruptedRebuildIsBegunAgainByTheNextSwitch()
     QVERIFY(!QFile::exists(mark("user2")));
 }
 
-void TestUsers::aFailedRebuildIsBegunAgainByTheNextSwitch()
+void TestUsers::aFailedRebuildIsNoInterruptedOne()
 {
     writeFile(profile("default_user") + "/display/theme.conf", QByteArray(100000, 'd'));
     QFile::remove(profile("user2") + "/measure.conf");
@@ -462,16 +463,33 @@ void TestUsers::aFailedRebuildIsBegunAgainByTheNextSwitch()
         QCOMPARE(users.call("setUser", {"user2"}),
                  failure("Process", "Error while forcing a reload of the user configurations."));
     }
-    QVERIFY(QFile::exists(mark("user2")));
+    QVERIFY(!QFile::exists(mark("user2")));
     daemon.stop();
-    // All names are there, but what they stand for was not copied.
-    writeFile(profile("user2") + "/measure.conf", QByteArray());
+    // Whoever was told of the failure has put a profile there.
+    writeFile(profile("user2") + "/measure.conf", "own");
+    writeFile(profile("user2") + "/display/theme.conf", "own");
 
     QVERIFY(daemon.start());
     QCOMPARE(users.call("setUser", {"user2"}), QStringLiteral("()"));
 
-    QCOMPARE(snapshot(profile("user2")), snapshot(profile("default_user")));
-    QVERIFY(!QFile::exists(mark("user2")));
+    QCOMPARE(readFile(profile("user2") + "/measure.conf"), QByteArray("own"));
+}
+
+void TestUsers::anInterruptedResetThatCannotBeFinishedIsTriedAgain()
+{
+    writeFile(profile("default_user") + "/display/theme.conf", QByteArray(100000, 'd'));
+    writeFile(mark("user1"), QByteArray());
+    {
+        SmallDisk disk(profile("user1"), "size=40k");
+        QVERIFY(daemon.start());
+    }
+    QVERIFY(QFile::exists(mark("user1")));
+    daemon.stop();
+
+    QVERIFY(daemon.start());
+
+    QCOMPARE(snapshot(profile("user1")), snapshot(profile("default_user")));
+    QVERIFY(!QFile::exists(mark("user1")));
 }
 
 void TestUsers::anInterruptedResetWithoutADefaultProfileToReadIsLeftAsItIs()

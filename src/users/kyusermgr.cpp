@@ -65,12 +65,14 @@ int rebuild(const QString &folder)
     if (!canReplace(folder))
         return Error::Write;
     setRebuildMark(folder);
-    const bool isErased = eraseFolder(folder) == Error::None;
-    // What a failed copy leaves stays marked: a file may be there that is cut short.
-    if (isErased && copyFolder(KyUserMgr::M_defaultFolder, folder) != Error::None)
-        return Error::Write;
+    int code = Error::None;
+    if (eraseFolder(folder) != Error::None)
+        code = Error::Process;
+    else if (copyFolder(KyUserMgr::M_defaultFolder, folder) != Error::None)
+        code = Error::Write;
+    // Who asked for it learns of a failure, and may put a profile there by other means.
     clearRebuildMark(folder);
-    return isErased ? Error::None : Error::Process;
+    return code;
 }
 
 QString usabilityKey(const QString &user)
@@ -89,9 +91,10 @@ KyUserMgr::KyUserMgr(QObject *parent) : QDBusAbstractAdaptor(parent)
         settings.setValue(usabilityKey(user), true);
 
     if (isValidUser(current)) {
-        // The power was cut while it was being reset.
-        if (isRebuildMarked(folderOf(current)))
-            rebuild(folderOf(current));
+        // The power was cut while it was being reset; a failure is tried again at the next start.
+        const QString folder = folderOf(current);
+        if (isRebuildMarked(folder) && rebuild(folder) != Error::None)
+            setRebuildMark(folder);
         return;
     }
     for (const QString &user : users) {
