@@ -5,6 +5,7 @@
 #include <QDBusConnection>
 #include <QDBusConnectionInterface>
 #include <QDBusMessage>
+#include <QDir>
 #include <QTest>
 
 #include <csignal>
@@ -158,6 +159,18 @@ bool Daemon::isRunning() const
 qint64 Daemon::processId() const
 {
     return m_process.processId();
+}
+
+int Daemon::children() const
+{
+    int children = 0;
+    for (const QString &entry : QDir(QStringLiteral("/proc")).entryList(QDir::Dirs)) {
+        const QByteArray status = readFile(QStringLiteral("/proc/%1/stat").arg(entry));
+        // After the name, which is in parentheses: its state, then its parent.
+        if (status.mid(status.lastIndexOf(')')).split(' ').value(2).toLongLong() == processId())
+            ++children;
+    }
+    return children;
 }
 
 QString Daemon::log()

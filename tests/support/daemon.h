@@ -47,6 +47,9 @@ public:
     bool isRunning() const;
     qint64 processId() const;
 
+    /** The number of its children that run, or whose end it has not seen yet. */
+    int children() const;
+
     /** Everything it has logged, and everything it has printed, since it was started. */
     QString log();
     QString output();

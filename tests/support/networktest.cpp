@@ -3,19 +3,6 @@
 namespace
 {
 const QString traceFile = QStringLiteral("/tmp/logkywifi");
-
-/** The number of @p process's children that run, or whose end it has not seen yet. */
-int childrenOf(qint64 process)
-{
-    int children = 0;
-    for (const QString &entry : QDir(QStringLiteral("/proc")).entryList(QDir::Dirs)) {
-        const QByteArray status = readFile(QStringLiteral("/proc/%1/stat").arg(entry));
-        // After the name, which is in parentheses: its state, then its parent.
-        if (status.mid(status.lastIndexOf(')')).split(' ').value(2).toLongLong() == process)
-            ++children;
-    }
-    return children;
-}
 } // namespace
 
 void NetworkTest::init()
@@ -51,7 +38,7 @@ void NetworkTest::settle()
 
 void NetworkTest::waitForScripts(int running)
 {
-    QVERIFY(QTest::qWaitFor([&] { return childrenOf(daemon.processId()) == running; }, 10000));
+    QVERIFY(QTest::qWaitFor([&] { return daemon.children() == running; }, 10000));
     settle();
 }
 

@@ -1,0 +1,597 @@
+#include "board.h"
+#include "daemontest.h"
+#include "modescript.h"
+#include "realconnman.h"
+#include "supplicantstandin.h"
+
+#include <QJsonArray>
+#include <QJsonDocument>
+#include <QJsonObject>
+#include <QRegularExpression>
+
+#include <cstdio>
+#include <memory>
+#include <unistd.h>
+#include <vector>
+
+namespace
+{
+const int deadline = 20000;
+const int minute = 60;
+const int minutesOfRound = 10;
+/** From here on nothing may grow: every kind of round was there once. */
+const int warmUpRounds = 3;
+/** What the allocator may still gather after that, in kB. */
+const long allowedGrowth = 512;
+
+/** How many hours the instrument lives, and how many clients listen to all signals. */
+int hours = 1;
+int clients = 3;
+
+/** What the battery gauge and the power button show: BAT_RS1, BAT_GS1 to 5, POWER_Y, POWER_G. */
+struct Pattern {
+    const char *status;
+    const char *leds;
+};
+const Pattern patterns[] = {
+    {"CHARGER_OFF_BAT_PRWT", "1.....1."},   {"CHARGER_OFF_BAT_INF_20", "*.....*."},
+    {"CHARGER_OFF_BAT_INF_40", ".**...*."}, {"CHARGER_OFF_BAT_INF_60", ".***..*."},
+    {"CHARGER_OFF_BAT_INF_80", ".****.*."}, {"CHARGER_OFF_BAT_INF_100", ".******."},
+    {"CHARGER_ON_BAT_INF_20", ".1.....1"},  {"CHARGER_ON_BAT_INF_40", ".*1....1"},
+    {"CHARGER_ON_BAT_INF_60", ".**1...1"},  {"CHARGER_ON_BAT_INF_80", ".***1..1"},
+    {"CHARGER_ON_BAT_INF_100", ".****1.1"}, {"CHARGER_ON_BAT_FULL", ".*****.*"},
+};
+const char *const batteryLeds[] = {"BAT_RS1", "BAT_GS1", "BAT_GS2", "BAT_GS3",
+                                   "BAT_GS4", "BAT_GS5", "POWER_Y", "POWER_G"};
+
+/** The lines of figures go to descriptor 3, where whoever collects them has opened it. */
+void tell(const QString &line)
+{
+    const QByteArray bytes = line.toUtf8() + '\n';
+    if (write(3, bytes.constData(), size_t(bytes.size())) != bytes.size())
+        std::fputs(bytes.constData(), stdout);
+}
+
+/** A client in a process of its own that prints every signal. */
+class Listener
+{
+public:
+    Listener()
+    {
+        m_process.start("kyboardctl", {"monitor", "--json"});
+        if (!m_process.waitForReadyRead(deadline))
+            qFatal("a listener does not start");
+    }
+    ~Listener()
+    {
+        m_process.terminate();
+        m_process.waitForFinished();
+    }
+
+    /** Takes in what it has printed: "INTERFACE SIGNAL [ARGUMENTS]", without the times. */
+    const QStringList &lines()
+    {
+        while (m_process.waitForReadyRead(0)) {
+        }
+        m_pending += m_process.readAllStandardOutput();
+        while (m_pending.contains('\n')) {
+            const int end = m_pending.indexOf('\n');
+            const QJsonObject line = QJsonDocument::fromJson(m_pending.left(end)).object();
+            m_pending.remove(0, end + 1);
+            m_lines << line.value("interface").toString() + ' ' + line.value("signal").toString() +
+                           ' ' +
+                           QJsonDocument(line.value("arguments").toArray())
+                               .toJson(QJsonDocument::Compact);
+        }
+        return m_lines;
+    }
+
+private:
+    QProcess m_process;
+    QByteArray m_pending;
+    QStringList m_lines;
+};
+} // namespace
+
+/**
+ * An instrument's life, hours of it in minutes: the battery drains and is charged, the light
+ * changes, card and key come and go, networks too, profiles switch. Time is set forward in steps in
+ * which no timer of the daemon is missed; what ConnMan does takes the time that it takes.
+ */
+class InstrumentLife : public DaemonTest
+{
+    Q_OBJECT
+
+private Q_SLOTS:
+    void init();
+    void cleanup();
+    void hoursPass();
+
+private:
+    struct Holdings {
+        int descriptors;
+        int threads;
+        int children;
+        int processes;
+        long memory;
+    };
+
+    void live(int round);
+    void switchProfile(int round);
+    void changeLight(int round);
+    void useCard(int round);
+    void useKey();
+    void useWifi(int round);
+    void joinAndLoseIt();
+    void joinWithAKey(const char *network, const char *key);
+    void failToJoinFirst();
+    void useEthernet();
+    void beAnAccessPoint();
+
+    void pass(int seconds);
+    void spendMinute();
+    void settle();
+    void passModuleDelay();
+    bool announces(const QString &pattern);
+    void leave();
+    void waitForRadioOff();
+    void compare();
+    void compareBattery();
+    void compareDevices();
+    void compareNetworks();
+    Holdings holdings() const;
+    static QString batteryStatus();
+    static QString address(const char *interface);
+    static QString addressOf(const Remote &interface);
+
+    const Remote users{"/KyConfigMgr", "Users"};
+    const Remote ethernet{"/KyComMgr", "Ethernet"};
+    const Remote wifi{"/KyComMgr", "WIFI"};
+    const Remote accessPoint{"/KyComMgr", "WIFIAP"};
+    const Remote alimentation{"/KyDeviceMgr", "Alimentation"};
+    const Remote led{"/KyDeviceMgr", "LED"};
+    const Remote storage{"/KyDeviceMgr", "Storage"};
+    const Remote temperature{"/KyDeviceMgr", "Temperature"};
+    const Remote backlight{"/KyDeviceMgr", "Backlight"};
+    const Remote brightness{"/KyDeviceMgr", "Brightness"};
+    const Remote watchdog{"/KyDeviceMgr", "Watchdog"};
+    const Remote module{"/KyDeviceMgr", "Network"};
+    const QString done = "()";
+    const QString cafe = "/net/connman/service/wifi_02aabbccdd03_43616665_managed_none";
+    const QString workshop = "/net/connman/service/wifi_02aabbccdd03_576f726b73686f70_managed_psk";
+
+    RealConnman connman;
+    SupplicantStandIn supplicant;
+    ModeScript script;
+    std::vector<std::unique_ptr<Listener>> listeners;
+    int heard = 0;
+    qint64 secondsLived = 0;
+    int percent = 80;
+    bool isCharging = false;
+};
+
+void InstrumentLife::init()
+{
+    DaemonTest::init();
+    // The journal would grow without bounds.
+    Board::remove("journal");
+    script.install();
+    supplicant.start();
+    connman.start();
+    daemon.controlClock();
+    QVERIFY(daemon.start());
+    for (int count = 0; count < clients; ++count)
+        listeners.push_back(std::make_unique<Listener>());
+}
+
+void InstrumentLife::cleanup()
+{
+    listeners.clear();
+    DaemonTest::cleanup();
+    connman.kill();
+    supplicant.kill();
+    script.clear();
+}
+
+#define DO(step)                                                                                   \
+    do {                                                                                           \
+        step;                                                                                      \
+        if (QTest::currentTestFailed())                                                            \
+            return;                                                                                \
+    } while (false)
+
+void InstrumentLife::hoursPass()
+{
+    Holdings before = {};
+    for (int round = 0; secondsLived < qint64(hours) * 60 * minute; ++round) {
+        if (round == warmUpRounds)
+            before = holdings();
+        DO(live(round));
+        DO(compare());
+    }
+    const Holdings after = holdings();
+    tell(QString("life: %1 h with %2 clients, %3 signals each; descriptors %4 to %5, threads %6 to "
+                 "%7, children %8 to %9, processes %10 to %11, memory %12 to %13 kB")
+             .arg(hours)
+             .arg(clients)
+             .arg(heard)
+             .arg(before.descriptors)
+             .arg(after.descriptors)
+             .arg(before.threads)
+             .arg(after.threads)
+             .arg(before.children)
+             .arg(after.children)
+             .arg(before.processes)
+             .arg(after.processes)
+             .arg(before.memory)
+             .arg(after.memory));
+    QCOMPARE(after.descriptors, before.descriptors);
+    QCOMPARE(after.threads, before.threads);
+    QCOMPARE(after.children, before.children);
+    QCOMPARE(after.processes, before.processes);
+    QVERIFY(after.memory - before.memory <= allowedGrowth);
+}
+
+/** Ten minutes, or a little more. */
+void InstrumentLife::live(int round)
+{
+    const qint64 start = secondsLived;
+    DO(switchProfile(round));
+    spendMinute();
+    DO(changeLight(round));
+    spendMinute();
+    DO(useCard(round));
+    spendMinute();
+    DO(useKey());
+    spendMinute();
+    DO(useWifi(round));
+    spendMinute();
+    DO(useEthernet());
+    spendMinute();
+    if (round % 3 == 1)
+        DO(beAnAccessPoint());
+    while (secondsLived - start < minutesOfRound * minute)
+        spendMinute();
+}
+
+void InstrumentLife::switchProfile(int round)
+{
+    const QString user = QString("user%1").arg((round + 1) % 4 + 1);
+    QCOMPARE(users.call("setUser", {user}), done);
+    QVERIFY(announces(QString("Users userChanged .*\"%1\"").arg(user)));
+    if (round % 3 == 2)
+        QCOMPARE(users.call("factoryReset", {user}), done);
+}
+
+void InstrumentLife::changeLight(int round)
+{
+    const bool isAutomatic = round % 2 == 0;
+    QCOMPARE(backlight.call("setBacklightStep", {isAutomatic, 3}), done);
+    for (const char *lux : {"5", "900", "60", "120"}) {
+        Board::set("als/lux", lux);
+        QVERIFY(announces(QString("Brightness reachedBrightnessThreshold .*\\b%1,").arg(lux)));
+    }
+    QCOMPARE(module.call("redpinePower", {isAutomatic}), done);
+    Board::set("temperature/SOM", round % 2 == 0 ? "85" : "41");
+    QCOMPARE(temperature.call("periodicTemperatureCheck"), done);
+    if (round % 2 == 0)
+        QVERIFY(announces("Temperature temperatureReached .*SOM"));
+}
+
+void InstrumentLife::useCard(int round)
+{
+    QVERIFY(Board::storage("insert", "SD"));
+    QVERIFY(announces("Storage sdcardPresence .*true"));
+    QVERIFY(Board::storage("mount", "SD"));
+    spendMinute();
+    QCOMPARE(storage.call("isMounted", {"SD"}), QString("(true)"));
+    QCOMPARE(Board::get("leds/SD_STATUS"), QString("ON"));
+    if (round % 2 == 0) {
+        QCOMPARE(storage.call("umount", {"SD"}), done);
+        QVERIFY(announces("Storage sdcardPresence .*false"));
+    }
+    QVERIFY(Board::storage("remove", "SD"));
+    QVERIFY(announces("Storage sdcardPresence .*false"));
+}
+
+void InstrumentLife::useKey()
+{
+    QVERIFY(Board::storage("insert", "USB"));
+    QVERIFY(announces("Storage usbKeyPresence .*true"));
+    QVERIFY(Board::storage("mount", "USB"));
+    QCOMPARE(storage.call("isMounted", {"USB"}), QString("(true)"));
+    QCOMPARE(storage.call("umount", {"USB"}), done);
+    QVERIFY(Board::storage("remove", "USB"));
+    QVERIFY(announces("Storage usbKeyPresence .*false"));
+}
+
+void InstrumentLife::useWifi(int round)
+{
+    const bool isKitchenThere = round % 2 == 0;
+    supplicant.set("kitchen/ssid", "Kitchen");
+    supplicant.set("kitchen/in_range", isKitchenThere ? "1" : "0");
+    QCOMPARE(wifi.call("scan"), done);
+    DO(passModuleDelay());
+    QVERIFY(announces(isKitchenThere ? "WIFI servicesListChanged .*\"Kitchen\""
+                                     : "WIFI servicesListChanged (?!.*\"Kitchen\").*\"Workshop\""));
+    DO(waitForRadioOff());
+    if (round % 3 == 0)
+        DO(joinAndLoseIt());
+    else if (round % 3 == 1)
+        DO(joinWithAKey("Workshop", "seven seas"));
+    else
+        DO(failToJoinFirst());
+    DO(leave());
+}
+
+void InstrumentLife::joinAndLoseIt()
+{
+    QCOMPARE(wifi.call("connect", {QVariantMap{{"Service", "Cafe"}}}), done);
+    DO(passModuleDelay());
+    QVERIFY(announces("WIFI propertyChanged .*\"online\""));
+    DO(compareNetworks());
+    supplicant.set("cafe/in_range", "0");
+    QTRY_COMPARE_WITH_TIMEOUT(address("wifi_sta"), QString(), deadline);
+    supplicant.set("cafe/in_range", "1");
+}
+
+void InstrumentLife::joinWithAKey(const char *network, const char *key)
+{
+    QCOMPARE(wifi.call("connect", {QVariantMap{{"Service", network}, {"Password", key}}}), done);
+    DO(passModuleDelay());
+    QVERIFY(announces("WIFI propertyChanged .*\"online\""));
+    DO(compareNetworks());
+    spendMinute();
+}
+
+void InstrumentLife::failToJoinFirst()
+{
+    const QString hall = "/net/connman/service/wifi_02aabbccdd03_48616c6c_managed_psk";
+    QCOMPARE(wifi.call("connect", {QVariantMap{{"Service", "Hall"}, {"Password", "only noise"}}}),
+             done);
+    DO(passModuleDelay());
+    QTRY_VERIFY_WITH_TIMEOUT(
+        RealConnman::properties(hall).value("Error").toString() == "invalid-key", deadline);
+    spendMinute();
+    QVERIFY(announces("WIFI propertyChanged .*\"failure\""));
+    DO(joinWithAKey("Hall", "echo chamber"));
+}
+
+/** Leaves the Wi-Fi network, if need be one that is gone already. */
+void InstrumentLife::leave()
+{
+    const QString answer = wifi.call("disconnect");
+    QVERIFY2(answer == done || answer == failed("Cannot remove service"), qPrintable(answer));
+    QVERIFY(announces("WIFI propertyChanged .*\"idle\""));
+    DO(waitForRadioOff());
+    QTRY_COMPARE_WITH_TIMEOUT(address("wifi_sta"), QString(), deadline);
+}
+
+/** Gives ConnMan the time that passes for it before the module has switched once more. */
+void InstrumentLife::waitForRadioOff()
+{
+    const QString technology = "/net/connman/technology/wifi";
+    QTRY_VERIFY_WITH_TIMEOUT(!RealConnman::properties(technology).value("Powered").toBool(),
+                             deadline);
+    QTRY_VERIFY_WITH_TIMEOUT(RealConnman::properties(workshop).isEmpty(), deadline);
+}
+
+void InstrumentLife::useEthernet()
+{
+    QCOMPARE(ethernet.call("connect"), done);
+    QVERIFY(announces("Ethernet propertyChanged .*\"online\""));
+    DO(compareNetworks());
+    connman.unplugCable();
+    QTRY_COMPARE_WITH_TIMEOUT(address("eth0"), QString(), deadline);
+    connman.plugCable();
+    QTRY_VERIFY_WITH_TIMEOUT(!address("eth0").isEmpty(), deadline);
+    QCOMPARE(ethernet.call("disconnect"), done);
+    QTRY_COMPARE_WITH_TIMEOUT(address("eth0"), QString(), deadline);
+}
+
+void InstrumentLife::beAnAccessPoint()
+{
+    QCOMPARE(accessPoint.call("connect", {QVariantMap{{"SSID", "Strandel"},
+                                                      {"Channel", 6},
+                                                      {"Security", "WPA2"},
+                                                      {"Password", "under the dome"},
+                                                      {"IP", "192.168.7.1"}}}),
+             done);
+    DO(passModuleDelay());
+    QVERIFY(announces("WIFIAP propertyChanged .*\"ready\""));
+    pass(3);
+    QVERIFY(announces("WIFIAP propertyChanged .*\"online\""));
+    DO(compareNetworks());
+    QCOMPARE(accessPoint.call("disconnect"), done);
+    DO(passModuleDelay());
+    QVERIFY(!QFile::exists("/sys/class/net/wifi_ap"));
+}
+
+/** Lets time pass for the daemon, never so much that a timer would be skipped. */
+void InstrumentLife::pass(int seconds)
+{
+    const int longestStep = 10;
+    for (int left = seconds; left > 0; left -= longestStep) {
+        // A call to ConnMan that is under way would take this time, too.
+        settle();
+        daemon.letTimePass(std::min(left, longestStep));
+        settle();
+    }
+    secondsLived += seconds;
+}
+
+void InstrumentLife::spendMinute()
+{
+    if (percent <= 4 || percent >= 100)
+        isCharging = percent <= 4;
+    percent += isCharging ? 4 : -4;
+    const bool isFull = percent >= 100;
+    Board::set("battery/charge", QString::number(isCharging && !isFull ? -percent : percent));
+    Board::set("battery/voltage", QString::number(6400 + 16 * percent));
+    Board::set("charger/present", isCharging ? "1" : "0");
+    QCOMPARE(watchdog.call("keepAlive"), done);
+    pass(minute);
+}
+
+/** Waits until the daemon has done everything that reached it by now. */
+void InstrumentLife::settle()
+{
+    users.call("getUser");
+}
+
+void InstrumentLife::passModuleDelay()
+{
+    QTRY_COMPARE_WITH_TIMEOUT(daemon.children(), 0, deadline);
+    pass(2);
+}
+
+/** Waits until every listener has printed a line like that, after those that were waited for. */
+bool InstrumentLife::announces(const QString &pattern)
+{
+    const QRegularExpression line(pattern + ".*");
+    const auto isHeard = [&](Listener &listener) {
+        return QTest::qWaitFor([&] { return listener.lines().indexOf(line, heard) >= 0; },
+                               deadline);
+    };
+    for (const auto &listener : listeners) {
+        if (!isHeard(*listener)) {
+            qWarning("not heard: %s", qPrintable(pattern));
+            return false;
+        }
+    }
+    heard = listeners.front()->lines().indexOf(line, heard) + 1;
+    return true;
+}
+
+void InstrumentLife::compare()
+{
+    DO(compareBattery());
+    DO(compareDevices());
+    DO(compareNetworks());
+    settle();
+    const QStringList expected = listeners.front()->lines();
+    for (const auto &listener : listeners) {
+        QTRY_VERIFY_WITH_TIMEOUT(listener->lines().size() >= expected.size(), deadline);
+        QVERIFY2(listener->lines().mid(0, expected.size()) == expected,
+                 "a listener has heard something else");
+    }
+    heard = expected.size();
+}
+
+QString InstrumentLife::batteryStatus()
+{
+    const bool isCharger = Board::get("charger/present") == "1";
+    const int charge = Board::get("battery/charge").toInt();
+    if (isCharger && charge >= 0)
+        return QStringLiteral("CHARGER_ON_BAT_FULL");
+    if (!isCharger && charge <= 10)
+        return QStringLiteral("CHARGER_OFF_BAT_PRWT");
+    // Upwards to the next multiple of 20.
+    const int bound = (std::abs(charge) + 19) / 20 * 20;
+    return QStringLiteral("CHARGER_%1_BAT_INF_%2").arg(isCharger ? "ON" : "OFF").arg(bound);
+}
+
+void InstrumentLife::compareBattery()
+{
+    // The steady check comes every five minutes, a new charger or charge in between is told by
+    // nobody: a while with nothing new makes the LEDs catch up.
+    pass(5 * minute);
+    const QString status = batteryStatus();
+    QCOMPARE(alimentation.property("batteryStatus"), "(<\"" + status + "\">)");
+    QCOMPARE(alimentation.call("getBatteryVoltage"), "(u:" + Board::get("battery/voltage") + ')');
+    QByteArray shown;
+    for (const char *name : batteryLeds) {
+        const QString state = Board::get(QString("leds/") + name);
+        shown += state == "ON" ? '*' : state == "OFF" ? '.' : state == "BLINK_1HZ" ? '1' : '?';
+    }
+    QByteArray expected = "no such status";
+    for (const Pattern &pattern : patterns) {
+        if (status == QLatin1String(pattern.status))
+            expected = pattern.leds;
+    }
+    QCOMPARE(shown, expected);
+}
+
+void InstrumentLife::compareDevices()
+{
+    QStringList leds;
+    for (const QString &name : QDir(Board::pathOf("leds")).entryList(QDir::Files))
+        leds << QString("\"%1\": <\"%2\">").arg(name, Board::get("leds/" + name));
+    QCOMPARE(leds.size(), 14);
+    QCOMPARE(led.call("getLEDStatus"), "({" + leds.join(", ") + "})");
+    QCOMPARE(temperature.call("getTemperatures"),
+             QString("({\"ANALOG_CHAIN\": <%1>, \"SOM\": <%2>})")
+                 .arg(Board::get("temperature/ANALOG_CHAIN"), Board::get("temperature/SOM")));
+    for (const char *device : {"SD", "USB"})
+        QCOMPARE(storage.call("isMounted", {device}),
+                 Board::get(QString("storage/%1/mounted").arg(device)) == "1" ? QString("(true)")
+                                                                              : QString("(false)"));
+    QCOMPARE(backlight.call("getBacklight"), '(' + Board::get("backlight/brightness") + ')');
+    QCOMPARE(brightness.reply("getBrightness").arguments().value(0).toDouble(),
+             Board::get("als/lux").toDouble());
+    // The start is acknowledged once in a life.
+    QCOMPARE(Board::get("powerman/watchdog_acknowledgements"), QString("1"));
+    QCOMPARE(
+        users.call("getUser"),
+        "(\"" +
+            QFileInfo(QFile::symLinkTarget("/tmp/User_part/system")).fileName().section('_', 0, 0) +
+            "\")");
+}
+
+void InstrumentLife::compareNetworks()
+{
+    QTRY_COMPARE_WITH_TIMEOUT(addressOf(ethernet), address("eth0"), deadline);
+    QTRY_COMPARE_WITH_TIMEOUT(addressOf(wifi), address("wifi_sta"), deadline);
+    QCOMPARE(accessPoint.call("getHardwareInfos").contains("\"wifi_ap\""),
+             QFile::exists("/sys/class/net/wifi_ap"));
+}
+
+/** The address that the kernel has for @p interface; empty without one. */
+QString InstrumentLife::address(const char *interface)
+{
+    QProcess ip;
+    ip.start("ip", {"-4", "-oneline", "address", "show", "dev", QLatin1String(interface)});
+    ip.waitForFinished();
+    return QString::fromUtf8(ip.readAllStandardOutput()).section(' ', 6, 6).section('/', 0, 0);
+}
+
+/** The address that the daemon tells. */
+QString InstrumentLife::addressOf(const Remote &interface)
+{
+    return interface.call("getIPv4").section("\"Address\": <\"", 1).section('"', 0, 0);
+}
+
+InstrumentLife::Holdings InstrumentLife::holdings() const
+{
+    const QString process = QStringLiteral("/proc/%1/").arg(daemon.processId());
+    const auto count = [&](const char *folder) {
+        return QDir(process + QLatin1String(folder))
+            .entryList(QDir::AllEntries | QDir::System | QDir::NoDotAndDotDot)
+            .size();
+    };
+    const QString memory =
+        QString::fromLatin1(readFile(process + "status")).section("RssAnon:", 1).trimmed();
+    const int processes =
+        QDir("/proc").entryList(QDir::Dirs).filter(QRegularExpression("^\\d+$")).size();
+    return {count("fd"), count("task"), daemon.children(), processes,
+            memory.section(' ', 0, 0).toLong()};
+}
+
+int main(int argc, char *argv[])
+{
+    if (!QFile::exists(QStringLiteral("/run/private-world")))
+        qFatal("this test writes to /opt and /tmp: run it in a private world");
+    if (argc == 3) {
+        hours = std::atoi(argv[1]);
+        clients = std::atoi(argv[2]);
+    }
+    if (hours < 1 || clients < 1) {
+        std::fputs("usage: life [HOURS CLIENTS]\n", stderr);
+        return 2;
+    }
+    QCoreApplication application(argc, argv);
+    InstrumentLife life;
+    return QTest::qExec(&life, 1, argv);
+}
+
+#include "life.moc"
