@@ -15,7 +15,6 @@ FILES_PER_FOLDER = 500
 
 FOLDER = pathlib.Path("/tmp/User_part")
 DEFAULT = FOLDER / "default_user_profile"
-ASIDE = FOLDER / "default_user_profile.aside"
 TARGET = FOLDER / "user4_profile"
 COPY = FOLDER / "copy"
 
@@ -32,14 +31,15 @@ def fill(folder, files, size):
 @contextlib.contextmanager
 def default_profile(files, size):
     """Another default profile for a while."""
-    DEFAULT.rename(ASIDE)
+    aside = FOLDER / f"aside-{files}-{size}"
+    DEFAULT.rename(aside)
     DEFAULT.mkdir()
     fill(DEFAULT, files, size)
     try:
         yield
     finally:
         shutil.rmtree(DEFAULT)
-        ASIDE.rename(DEFAULT)
+        aside.rename(DEFAULT)
 
 
 @contextlib.contextmanager
