@@ -206,7 +206,8 @@ QVector<Command> makeCommands()
            "bring LEDs and battery monitor into the state for power-off");
 
     operation("ethernet connect", ethernet, "connect", {}, online, "bring the wired interface up");
-    operation("ethernet disconnect", ethernet, "disconnect", {}, idle, "take it down");
+    operation("ethernet disconnect", ethernet, "disconnect", {}, idle,
+              "take the wired interface down");
     tcpIp("ethernet", ethernet);
 
     operation("wifi connect", wifi, "connect",

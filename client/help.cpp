@@ -1,6 +1,5 @@
 #include "help.h"
 
-#include "commands.h"
 #include "present.h"
 
 namespace
@@ -22,11 +21,7 @@ QString valuesText(const Argument &argument)
 
 void describe(const Argument &argument, Lines &lines)
 {
-    QString text = argument.help;
-    const QString values = valuesText(argument);
-    if (!values.isEmpty())
-        text += text.isEmpty() ? values : QStringLiteral(": ") + values;
-    lines.add(argument.name, text);
+    lines.add(argument.name, argumentText(argument));
     for (const Argument &key : argument.keys)
         describe(key, lines);
 }
@@ -110,6 +105,14 @@ bool isNext(const QString &candidate, const QString &begun)
                           : equals < 0 || equals == rest.size() - 1;
 }
 } // namespace
+
+QString argumentText(const Argument &argument)
+{
+    const QString values = valuesText(argument);
+    if (values.isEmpty() || argument.help.isEmpty())
+        return argument.help + values;
+    return argument.help + QStringLiteral(": ") + values;
+}
 
 QString helpText()
 {

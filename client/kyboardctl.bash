@@ -1,7 +1,19 @@
 # Bash completion of kyboardctl: the program itself knows what may follow.
 _kyboardctl() {
-    local IFS=$'\n'
-    mapfile -t COMPREPLY < <(kyboardctl complete "${COMP_WORDS[@]:1:COMP_CWORD}" 2>/dev/null)
-    [[ ${COMPREPLY[0]-} == *= ]] && compopt -o nospace
+    local words=() word index
+    # Bash takes KEY=VALUE for three words.
+    for ((index = 1; index <= COMP_CWORD; ++index)); do
+        word=${COMP_WORDS[index]}
+        if [[ ${#words[@]} -gt 0 && ($word == '=' || ${words[-1]} == *=) ]]; then
+            words[-1]+=$word
+        else
+            words+=("$word")
+        fi
+    done
+    mapfile -t COMPREPLY < <(kyboardctl complete "${words[@]}" 2>/dev/null)
+    [[ ${COMPREPLY[0]-} != *= ]] || compopt -o nospace 2>/dev/null
+    # What is before the value stands there already.
+    word=${words[-1]}
+    [[ $word != *=* ]] || COMPREPLY=("${COMPREPLY[@]#"${word%%=*}="}")
 }
 complete -F _kyboardctl kyboardctl

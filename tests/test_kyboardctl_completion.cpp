@@ -1,0 +1,107 @@
+#include "commands.h"
+#include "terminalprogram.h"
+
+#include <QProcess>
+#include <QTest>
+
+/** The completion of kyboardctl in bash. */
+class TestKyboardctlCompletion : public QObject
+{
+    Q_OBJECT
+
+private Q_SLOTS:
+    void initTestCase();
+    void bashIsOfferedWhatMayFollow_data();
+    void bashIsOfferedWhatMayFollow();
+    void everyCommandIsOffered();
+    void aKeyPressCompletes();
+
+private:
+    static QStringList replies(const QStringList &words);
+};
+
+void TestKyboardctlCompletion::initTestCase()
+{
+    qputenv("TERM", "dumb");
+    qputenv("PATH", QByteArray(PROGRAMS ":") + qgetenv("PATH"));
+}
+
+/** What bash is offered for the last of the words, into which it has split the command line. */
+QStringList TestKyboardctlCompletion::replies(const QStringList &words)
+{
+    QProcess bash;
+    bash.start("bash", QStringList{"--norc", "-c",
+                                   ". " COMPLETION "; COMP_WORDS=(kyboardctl \"$@\"); "
+                                   "COMP_CWORD=$#; _kyboardctl; "
+                                   "for reply in \"${COMPREPLY[@]}\"; do echo \"$reply\"; done",
+                                   "bash"} +
+                           words);
+    if (!bash.waitForFinished() || bash.exitCode() != 0 || !bash.readAllStandardError().isEmpty())
+        return {QStringLiteral("bash fails")};
+    QStringList lines = QString::fromUtf8(bash.readAllStandardOutput()).split('\n');
+    lines.removeLast();
+    return lines;
+}
+
+void TestKyboardctlCompletion::bashIsOfferedWhatMayFollow_data()
+{
+    QTest::addColumn<QStringList>("words");
+    QTest::addColumn<QStringList>("expected");
+    QTest::newRow("group") << QStringList{"us"} << QStringList{"user"};
+    QTest::newRow("verb") << QStringList{"user", ""} << QStringList{"get", "set", "reset"};
+    QTest::newRow("argument") << QStringList{"led", "set", "WI"} << QStringList{"WIFI"};
+    QTest::newRow("option") << QStringList{"--js"} << QStringList{"--json"};
+    QTest::newRow("key") << QStringList{"wifi", "set-ipv4", "Meth"} << QStringList{"Method="};
+    QTest::newRow("value") << QStringList{"wifi", "set-ipv4", "Method", "="}
+                           << QStringList{"dhcp", "manual", "off"};
+    QTest::newRow("begun value") << QStringList{"wifi", "set-ipv4", "Method", "=", "m"}
+                                 << QStringList{"manual"};
+    QTest::newRow("key behind a value")
+        << QStringList{"wifi", "set-ipv4", "Method", "=", "manual", "Addr"}
+        << QStringList{"Address="};
+    QTest::newRow("nothing") << QStringList{"user", "get", ""} << QStringList();
+    QTest::newRow("unknown") << QStringList{"lights", ""} << QStringList();
+}
+
+void TestKyboardctlCompletion::bashIsOfferedWhatMayFollow()
+{
+    QFETCH(QStringList, words);
+    QFETCH(QStringList, expected);
+    QCOMPARE(replies(words), expected);
+}
+
+void TestKyboardctlCompletion::everyCommandIsOffered()
+{
+    QMap<QString, QStringList> verbs;
+    QStringList groups;
+    for (const QVector<Command> *table : {&ownCommands(), &commands()}) {
+        for (const Command &command : *table) {
+            const QStringList words = command.words.split(' ');
+            groups << words.first();
+            if (words.size() > 1)
+                verbs[words.first()] << words.at(1);
+        }
+    }
+    groups.removeDuplicates();
+    QCOMPARE(replies({""}), groups);
+    for (auto group = verbs.constBegin(); group != verbs.constEnd(); ++group)
+        QCOMPARE(replies({group.key(), ""}), group.value());
+}
+
+void TestKyboardctlCompletion::aKeyPressCompletes()
+{
+    TerminalProgram bash("bash", {"--norc", "--noprofile", "-i"});
+    bash.type("PS1='ready> '; . " COMPLETION "\n");
+    QVERIFY(bash.shows("\nready> "));
+    bash.type("kyboardctl wi\t");
+    QVERIFY2(bash.shows("kyboardctl wifi "), bash.shown().constData());
+    bash.type("set-i\t");
+    QVERIFY2(bash.shows("kyboardctl wifi set-ipv4 "), bash.shown().constData());
+    bash.type("Meth\t");
+    QVERIFY2(bash.shows("set-ipv4 Method="), bash.shown().constData());
+    bash.type("m\t");
+    QVERIFY2(bash.shows("set-ipv4 Method=manual "), bash.shown().constData());
+}
+
+QTEST_GUILESS_MAIN(TestKyboardctlCompletion)
+#include "test_kyboardctl_completion.moc"

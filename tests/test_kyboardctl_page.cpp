@@ -1,0 +1,142 @@
+#include "commands.h"
+#include "files.h"
+#include "help.h"
+
+#include <QMap>
+#include <QProcess>
+#include <QRegularExpression>
+#include <QTest>
+
+/** The manual page of kyboardctl tells of everything that the program knows, and of nothing else.
+ */
+class TestKyboardctlPage : public QObject
+{
+    Q_OBJECT
+
+private Q_SLOTS:
+    void initTestCase();
+    void thePageIsWellFormed();
+    void everyOptionIsThere();
+    void everyCommandIsThere();
+    void everyExitStatusIsThere();
+    void everyExampleIsACommand();
+
+private:
+    static QString plain(QString text);
+    static QString sentence(const QString &help);
+    void read(const QString &line);
+
+    /** By section: "HEADING: text", followed by " | HEADING: text" of each argument. */
+    QMap<QString, QStringList> entries;
+    QStringList examples;
+    QString section;
+    bool isHeading = false;
+    bool isInside = false;
+};
+
+/** @p text of the page's source as it is shown. */
+QString TestKyboardctlPage::plain(QString text)
+{
+    return text.remove(QRegularExpression("\\\\f[A-Z]"))
+        .remove(QRegularExpression("^\\.[BI] "))
+        .replace("\\-", "-")
+        .replace("\\e", "\\");
+}
+
+QString TestKyboardctlPage::sentence(const QString &help)
+{
+    return help.left(1).toUpper() + help.mid(1) + '.';
+}
+
+void TestKyboardctlPage::initTestCase()
+{
+    const QString page = QString::fromUtf8(readFile(PAGE));
+    QVERIFY(!page.isEmpty());
+    for (const QString &line : page.split('\n'))
+        read(line);
+}
+
+void TestKyboardctlPage::read(const QString &line)
+{
+    if (line.startsWith(".SH ")) {
+        section = line.mid(4);
+    } else if (line == ".TP") {
+        isHeading = true;
+    } else if (line == ".RS" || line == ".RE") {
+        isInside = line == ".RS";
+    } else if (isHeading && isInside) {
+        entries[section].last() += " | " + plain(line) + ':';
+        isHeading = false;
+    } else if (isHeading) {
+        entries[section] << plain(line) + ':';
+        isHeading = false;
+    } else if (section == "EXAMPLES" && line.startsWith("kyboardctl ")) {
+        examples << plain(line);
+    } else if (!line.startsWith('.') && entries.contains(section)) {
+        entries[section].last() += ' ' + plain(line);
+    }
+}
+
+void TestKyboardctlPage::thePageIsWellFormed()
+{
+    QProcess groff;
+    groff.start("groff", {"-man", "-ww", "-z", "-Tutf8", PAGE});
+    QVERIFY2(groff.waitForFinished(), "no groff");
+    QCOMPARE(QString::fromUtf8(groff.readAllStandardError()), QString());
+    QCOMPARE(groff.exitCode(), 0);
+}
+
+void TestKyboardctlPage::everyOptionIsThere()
+{
+    QStringList expected;
+    for (const Option &option : options()) {
+        const QString heading = QString("%1 %2").arg(option.name, option.value).trimmed();
+        expected << heading + ": " +
+                        (option.scope == Scope::WifiConnect
+                             ? "With wifi connect: " + option.help + '.'
+                             : sentence(option.help));
+    }
+    QCOMPARE(entries.value("OPTIONS"), expected);
+}
+
+void TestKyboardctlPage::everyCommandIsThere()
+{
+    QStringList expected;
+    for (const Command &command : ownCommands())
+        expected << synopsis(command) + ": " + sentence(command.help);
+    for (const Command &command : commands()) {
+        QString entry = synopsis(command) + ": " + sentence(command.help);
+        for (const Argument &argument : command.arguments) {
+            const bool isWord = argument.kind != Kind::Settings;
+            for (const Argument &each : isWord ? QVector<Argument>{argument} : argument.keys)
+                entry += " | " + each.name + ": " + sentence(argumentText(each));
+        }
+        expected << entry;
+    }
+    QStringList actual = entries.value("COMMANDS");
+    actual.sort();
+    expected.sort();
+    QCOMPARE(actual, expected);
+}
+
+void TestKyboardctlPage::everyExitStatusIsThere()
+{
+    QStringList expected;
+    for (const StatusMeaning &status : exitStatuses())
+        expected << QString("%1: %2").arg(status.status).arg(sentence(status.meaning));
+    QCOMPARE(entries.value("EXIT STATUS"), expected);
+}
+
+void TestKyboardctlPage::everyExampleIsACommand()
+{
+    QVERIFY(!examples.isEmpty());
+    for (const QString &example : examples) {
+        QStringList words = example.split(' ').mid(1);
+        words.removeAll("--json");
+        int used = 0;
+        QVERIFY2(findCommand(words, &used), qPrintable(example));
+    }
+}
+
+QTEST_GUILESS_MAIN(TestKyboardctlPage)
+#include "test_kyboardctl_page.moc"
