@@ -3,6 +3,7 @@
 #include "kycommgr.h"
 #include "kydevicemgr.h"
 #include "kyusermgr.h"
+#include "slotcache.h"
 
 #include <QCommandLineParser>
 #include <QCoreApplication>
@@ -36,6 +37,8 @@ int main(int argc, char *argv[])
     new KyUserMgr(&configRoot);
     new KyDeviceMgr(&deviceRoot);
     new KyComMgr(&comRoot);
+    for (QObject *root : {&configRoot, &deviceRoot, &comRoot})
+        limitSlotCaches(root);
 
     QDBusConnection bus = QDBusConnection::systemBus();
     if (!bus.registerService(QStringLiteral("com.orvendis.Strandel.BoardManager"))) {

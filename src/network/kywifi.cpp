@@ -6,6 +6,7 @@
 #include "ipv4repair.h"
 #include "kyconnmanagent.h"
 #include "programs.h"
+#include "slotcache.h"
 #include "wifijoin.h"
 #include "wifiservices.h"
 #include "wifitrace.h"
@@ -96,6 +97,7 @@ void KyWifi::offerAgent()
 {
     auto *host = new QObject(this);
     m_agent = new KyConnmanAgent(host);
+    limitSlotCaches(host);
     QDBusConnection::systemBus().registerObject(agentPath, host, QDBusConnection::ExportAdaptors);
 }
 

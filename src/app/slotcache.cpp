@@ -1,0 +1,42 @@
+#include "slotcache.h"
+
+#include <QDynamicPropertyChangeEvent>
+#include <QObject>
+#include <QVariant>
+
+const int mostCachedSlots = 100;
+
+namespace
+{
+/** The property of an adaptor in which the bus library keeps what it has looked up. */
+const char cacheProperty[] = "_qdbus_slotCache";
+
+/** Counts the look-ups of one adaptor, and empties its cache. */
+class CacheLimit : public QObject
+{
+public:
+    explicit CacheLimit(QObject *adaptor) : QObject(adaptor) { adaptor->installEventFilter(this); }
+
+    bool eventFilter(QObject *adaptor, QEvent *event) override
+    {
+        if (event->type() == QEvent::DynamicPropertyChange &&
+            static_cast<QDynamicPropertyChangeEvent *>(event)->propertyName() == cacheProperty &&
+            ++m_lookUps > mostCachedSlots) {
+            // Emptying it counts as a look-up, too.
+            m_lookUps = -1;
+            adaptor->setProperty(cacheProperty, QVariant());
+        }
+        return false;
+    }
+
+private:
+    int m_lookUps = 0;
+};
+} // namespace
+
+void limitSlotCaches(QObject *root)
+{
+    const QObjectList children = root->children();
+    for (QObject *child : children)
+        new CacheLimit(child);
+}

@@ -1,0 +1,86 @@
+#include "daemontest.h"
+
+#include <QDBusConnection>
+#include <QDBusMessage>
+#include <QDBusPendingCall>
+#include <QDBusPendingReply>
+
+/** What clients call that is not there leaves nothing behind. */
+class TestSlotCache : public DaemonTest
+{
+    Q_OBJECT
+
+private Q_SLOTS:
+    void callsOfUnknownMethodsDoNotMakeTheDaemonBigger_data();
+    void callsOfUnknownMethodsDoNotMakeTheDaemonBigger();
+    void aMethodIsFoundAfterManyUnknownOnes();
+
+private:
+    void callUnknownMethods(const QString &path, int first, int count);
+    int privateMemory() const;
+};
+
+/** Calls so many methods of different names, many at a time, and waits for all the replies. */
+void TestSlotCache::callUnknownMethods(const QString &path, int first, int count)
+{
+    for (int done = 0; done < count;) {
+        QList<QDBusPendingCall> calls;
+        for (; calls.size() < 50 && done < count; ++done) {
+            const QString name = QStringLiteral("unknown%1").arg(first + done);
+            calls << QDBusConnection::systemBus().asyncCall(QDBusMessage::createMethodCall(
+                "com.orvendis.Strandel.BoardManager", path, "", name.leftJustified(250, 'x')));
+        }
+        for (QDBusPendingCall &call : calls) {
+            call.waitForFinished();
+            QCOMPARE(call.error().type(), QDBusError::UnknownMethod);
+        }
+    }
+}
+
+/** The pages that the daemon alone has, in KB. */
+int TestSlotCache::privateMemory() const
+{
+    QFile file(QStringLiteral("/proc/%1/smaps_rollup").arg(daemon.processId()));
+    if (!file.open(QIODevice::ReadOnly))
+        return 0;
+    const QList<QByteArray> lines = file.readAll().split('\n');
+    for (const QByteArray &line : lines) {
+        if (line.startsWith("Private_Dirty:"))
+            return line.mid(14).trimmed().split(' ').first().toInt();
+    }
+    return 0;
+}
+
+void TestSlotCache::callsOfUnknownMethodsDoNotMakeTheDaemonBigger_data()
+{
+    QTest::addColumn<QString>("path");
+    for (const char *path : {"/KyConfigMgr", "/KyComMgr", "/KyComMgr/Agent", "/KyDeviceMgr"})
+        QTest::newRow(path) << QString::fromLatin1(path);
+}
+
+void TestSlotCache::callsOfUnknownMethodsDoNotMakeTheDaemonBigger()
+{
+    QFETCH(QString, path);
+    QVERIFY(daemon.start());
+    callUnknownMethods(path, 0, 500);
+    const int before = privateMemory();
+    callUnknownMethods(path, 500, 2500);
+    QVERIFY(before > 0);
+    // Remembered they would be 700 bytes each, for each adaptor of the object.
+    const int grown = privateMemory() - before;
+    QVERIFY2(grown < 600, qPrintable(QString::number(grown)));
+}
+
+void TestSlotCache::aMethodIsFoundAfterManyUnknownOnes()
+{
+    const Remote users(QStringLiteral("/KyConfigMgr"), QStringLiteral("Users"));
+    QVERIFY(daemon.start());
+    for (int round = 0; round < 3; ++round) {
+        QCOMPARE(users.call("getUser"), QStringLiteral("(\"user1\")"));
+        callUnknownMethods(QStringLiteral("/KyConfigMgr"), 1000 * round, 101 + round);
+        QCOMPARE(users.call("getUser"), QStringLiteral("(\"user1\")"));
+    }
+}
+
+WORLD_TEST_MAIN(TestSlotCache)
+#include "test_slotcache.moc"
