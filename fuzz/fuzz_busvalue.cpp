@@ -1,0 +1,77 @@
+#include "busvalue.h"
+#include "peer.h"
+#include "render.h"
+#include "require.h"
+
+#include <QDBusArgument>
+#include <QDBusUnixFileDescriptor>
+#include <QDBusVariant>
+
+namespace
+{
+bool isPlain(const QVariant &value)
+{
+    const QVariantList elements = value.userType() == QMetaType::QVariantMap
+                                      ? value.toMap().values()
+                                  : value.userType() == QMetaType::QVariantList ? value.toList()
+                                                                                : QVariantList();
+    for (const QVariant &element : elements) {
+        if (!isPlain(element))
+            return false;
+    }
+    return value.userType() != qMetaTypeId<QDBusArgument>() &&
+           value.userType() != qMetaTypeId<QDBusVariant>();
+}
+
+void checkNumbers(const QVariant &value)
+{
+    const int count = toNumbers(value).size();
+    const QVariant plain = plainValue(value);
+    if (plain.userType() == QMetaType::QByteArray)
+        require(count == plain.toByteArray().size(), "every byte is a number");
+    if (plain.userType() == QMetaType::QVariantList)
+        require(count == plain.toList().size(), "every element is a number");
+}
+
+void checkValue(const QVariant &value)
+{
+    const QVariant plain = plainValue(value);
+    const QString text = render(plain);
+    require(isPlain(plain), "a plain value is plain at every depth");
+    require(render(plainValue(plain)) == text, "a plain value stays as it is");
+    require(render(plainValue(value)) == text, "a value can be read again");
+
+    const QVariant basic = basicValue(value);
+    require(!basic.isValid() || render(basic) == text, "a basic value is the plain one");
+    checkNumbers(value);
+
+    const QVariantMap map = toMap(value);
+    require(map.isEmpty() || render(map) == text, "only what is a map is one");
+    const QVariantMap sendable = sendableMap(withoutDescriptors(map));
+    require(Peer::instance().canSend({sendable}), "a sendable map can be sent");
+}
+} // namespace
+
+/** Values of every type, as clients and ConnMan send them. */
+extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t *data, std::size_t size)
+{
+    Choices choices(data, size);
+    for (const QVariant &value : Peer::instance().receiveAnything(choices))
+        checkValue(value);
+
+    const QVariantMap sent = firstMap(Peer::instance().receive("a{sv}", choices));
+    for (const QVariant &value : sent)
+        checkValue(value);
+    const QVariantMap plain = plainMap(sent);
+    for (auto entry = plain.constBegin(); entry != plain.constEnd(); ++entry)
+        require(render(entry.value()) == render(plainValue(sent.value(entry.key()))),
+                "of several entries of a key the last counts");
+
+    const QVariantMap kept = withoutDescriptors(sent);
+    require(
+        !render(QVariant(kept))
+             .contains(QLatin1String(QMetaType::typeName(qMetaTypeId<QDBusUnixFileDescriptor>()))),
+        "no descriptor is kept");
+    require(Peer::instance().canSend({kept}), "what is kept can be sent");
+    return 0;
+}

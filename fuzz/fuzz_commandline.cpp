@@ -1,0 +1,52 @@
+#include "choices.h"
+#include "commandline.h"
+#include "require.h"
+
+namespace
+{
+QString word(Choices &choices, const Command &command)
+{
+    QString made = QString::fromStdString(choices.text());
+    for (const Argument &argument : command.arguments) {
+        if (choices.oneIn(3) && !argument.keys.isEmpty())
+            made = argument.keys[int(choices.below(quint32(argument.keys.size())))].name +
+                   QLatin1Char('=') + made;
+        if (choices.oneIn(3) && !argument.choices.isEmpty())
+            made = argument.choices[int(choices.below(quint32(argument.choices.size())))];
+    }
+    // Every file of the machine could be named behind this.
+    return made.contains(QLatin1Char('@')) ? QString() : made;
+}
+
+bool readSecret(const QString &prompt, QString &secret)
+{
+    secret = prompt;
+    return true;
+}
+} // namespace
+
+/** What a person or a script writes behind "kyboardctl". */
+extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t *data, std::size_t size)
+{
+    Choices choices(data, size);
+    const QVector<Command> &all = commands();
+    const Command &command = all[int(choices.below(quint32(all.size())))];
+    QStringList words;
+    for (quint32 left = choices.below(8); left > 0; --left)
+        words << word(choices, command);
+
+    int used = 0;
+    require(findCommand(command.words.split(QLatin1Char(' ')) + words, &used) != nullptr,
+            "a command is found, whatever follows it");
+
+    QVariantList arguments;
+    QString complaint;
+    if (parseArguments(command, words, readSecret, arguments, complaint)) {
+        require(arguments.size() == command.arguments.size(), "every argument has a value");
+        for (const QVariant &argument : arguments)
+            require(argument.isValid(), "every value can be sent");
+    } else {
+        require(!complaint.isEmpty(), "there is a complaint about what is wrong");
+    }
+    return 0;
+}

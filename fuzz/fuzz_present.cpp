@@ -1,0 +1,23 @@
+#include "busvalue.h"
+#include "peer.h"
+#include "present.h"
+#include "require.h"
+
+#include <QJsonDocument>
+#include <QJsonObject>
+
+/** Replies of any content, as kyboardctl shows them. */
+extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t *data, std::size_t size)
+{
+    Choices choices(data, size);
+    QVariantList values;
+    for (const QVariant &value : Peer::instance().receiveAnything(choices))
+        values << plainValue(value);
+
+    const QString text = replyText(values);
+    require(text.isEmpty() || text.endsWith(QLatin1Char('\n')), "a reply ends its line");
+    const QByteArray json =
+        QJsonDocument(QJsonObject{{QStringLiteral("reply"), replyJson(values)}}).toJson();
+    require(!QJsonDocument::fromJson(json).isNull(), "machines can read a reply");
+    return 0;
+}

@@ -1,0 +1,76 @@
+#include "busvalue.h"
+#include "instrumentrecord.h"
+#include "measurerecord.h"
+#include "peer.h"
+#include "require.h"
+
+#include <QDBusArgument>
+
+namespace
+{
+/** A map with a value for each of @p keys, of any type, and sometimes one without. */
+template <std::size_t count>
+QVariantMap mapOf(const char *const (&keys)[count], Choices &choices)
+{
+    QVariantMap map = firstMap(Peer::instance().receive("a{sv}", choices));
+    for (const char *key : keys) {
+        if (!choices.oneIn(40))
+            map[QLatin1String(key)] =
+                Peer::instance().receive(choices.oneIn(2) ? "av" : "v", choices).value(0);
+    }
+    return map;
+}
+
+const char *const instrumentKeys[] = {
+    "Subsidiary",
+    "Fabrication",
+    "Brand",
+    "Type",
+    "Model",
+    "SerialNumber",
+    "WarrantyNumber",
+    "FirstPassTag",
+    "TroubleshootingTag",
+    "RelaunchTag",
+    "IrdInstrumentPassword",
+    "IrdSessionPassword",
+};
+
+const char *const measureKeys[] = {"AdjustementSite", "AdjustementDate", "NextAdjustementDate",
+                                   "AdjustementCoefficients"};
+
+void checkInstrument(const QVariantMap &map)
+{
+    const QVariantMap fields = instrumentFields(map);
+    if (fields.isEmpty())
+        return;
+    const QByteArray record = encodeInstrumentRecord(basicMap(fields));
+    require(record.size() == instrumentRecordSize, "a record has its size, whatever is in it");
+    const QVariantMap decoded = decodeInstrumentRecord(record);
+    require(decoded.value(QStringLiteral("CRC")).toBool(), "a record has its checksum");
+    require(encodeInstrumentRecord(decoded) == record, "a record that was read can be written");
+}
+
+void checkMeasure(const QVariantMap &map)
+{
+    const QVariantMap fields = measureFields(map);
+    if (fields.isEmpty())
+        return;
+    const QVector<quint32> coefficients =
+        toNumbers(fields.value(QStringLiteral("AdjustementCoefficients")));
+    const QByteArray record = encodeMeasureRecord(basicMap(fields), coefficients);
+    require(record.size() == 12 + 4 * coefficients.size(), "every coefficient is in the record");
+    const QVariantMap decoded = decodeMeasureRecord(record);
+    require(decoded.value(QStringLiteral("CRC")).toBool() == (record.size() == measureRecordSize),
+            "a record of the right size can be read");
+}
+} // namespace
+
+/** The maps from which clients let the EEPROMs be written. */
+extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t *data, std::size_t size)
+{
+    Choices choices(data, size);
+    checkInstrument(mapOf(instrumentKeys, choices));
+    checkMeasure(mapOf(measureKeys, choices));
+    return 0;
+}

@@ -1,0 +1,55 @@
+#include "choices.h"
+#include "instrumentrecord.h"
+#include "measurerecord.h"
+#include "recordframe.h"
+#include "require.h"
+
+namespace
+{
+const QString crc = QStringLiteral("CRC");
+
+QVector<quint32> coefficientsOf(const QVariantMap &map)
+{
+    QVector<quint32> coefficients;
+    for (const QVariant &element : map.value(QStringLiteral("AdjustementCoefficients")).toList())
+        coefficients << element.toUInt();
+    return coefficients;
+}
+
+void checkInstrument(const QByteArray &bytes)
+{
+    const QVariantMap map = decodeInstrumentRecord(bytes);
+    const bool isGood = map.value(crc).toBool();
+    require(isGood || map.size() == 1, "a record without its checksum has no fields");
+    require(isGood == !unframed(bytes, instrumentRecordSize).isNull(), "the checksum decides");
+    if (isGood)
+        require(encodeInstrumentRecord(map) == bytes, "what is read can be written again");
+}
+
+void checkMeasure(const QByteArray &bytes)
+{
+    const QVariantMap map = decodeMeasureRecord(bytes);
+    const bool isGood = map.value(crc).toBool();
+    require(isGood || map.size() == 1, "a record without its checksum has no fields");
+    if (isGood)
+        require(encodeMeasureRecord(map, coefficientsOf(map)) == bytes,
+                "what is read can be written again");
+}
+} // namespace
+
+/** EEPROMs of any content: worn out, half written, of another size, or well. */
+extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t *data, std::size_t size)
+{
+    Choices choices(data, size);
+    const quint32 kind = choices.below(4);
+    QByteArray bytes = QByteArray::fromStdString(choices.rest());
+    if (kind == 1)
+        bytes = bytes.leftJustified(instrumentRecordSize - 2, '\xff', true);
+    else if (kind == 2)
+        bytes = bytes.leftJustified(measureRecordSize - 2, '\0', true);
+    if (kind != 0)
+        bytes = framed(bytes);
+    checkInstrument(bytes);
+    checkMeasure(bytes);
+    return 0;
+}

@@ -1,0 +1,63 @@
+#include "backlightsteps.h"
+#include "brightnesslevels.h"
+#include "choices.h"
+#include "require.h"
+#include "settings.h"
+
+#include <QSettings>
+
+#include <fstream>
+#include <string>
+#include <unistd.h>
+
+namespace
+{
+/** A file of a new name each time: the library keeps what it read under a name. */
+class TemporaryFile
+{
+public:
+    explicit TemporaryFile(const std::string &content)
+        : m_path("/dev/shm/settings-" + std::to_string(getpid()) + '-' + std::to_string(++m_count))
+    {
+        std::ofstream(m_path) << content;
+    }
+    ~TemporaryFile() { unlink(m_path.c_str()); }
+    TemporaryFile(const TemporaryFile &) = delete;
+    TemporaryFile &operator=(const TemporaryFile &) = delete;
+
+    QString path() const { return QString::fromStdString(m_path); }
+
+private:
+    static inline int m_count = 0;
+    const std::string m_path;
+};
+} // namespace
+
+/** Settings files of any content, read as the daemon reads its own. */
+extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t *data, std::size_t size)
+{
+    Choices choices(data, size);
+    const TemporaryFile file(choices.rest());
+    const QSettings settings(file.path(), QSettings::IniFormat);
+
+    BrightnessBounds bounds;
+    for (int level = 0; level < 18; ++level)
+        bounds.level[level] =
+            settings.value(BRIGHTNESS + QStringLiteral("level%1").arg(level), level).toInt();
+    const int level = brightnessLevel(100, bounds);
+    require(level >= 1 && level <= 16, "light has a level");
+    BrightnessBand band = {0, 0};
+    if (brightnessBand(level, bounds, band) == 0)
+        require(band.low >= 0 && band.low <= band.high, "a band is in order");
+    thresholdTimerByte(settings.value(BRIGHTNESS_TIMER, 5).toUInt());
+
+    BacklightSteps steps;
+    for (int step = 0; step < 13; ++step)
+        steps.percentage[step] =
+            settings.value(SCREEN_BACKLIGHT + QStringLiteral("step%1").arg(step + 3), step).toInt();
+    const int step = backlightStep(50, steps);
+    require(hasBacklightEntry(step) || step == stepAboveAll, "a percentage has a step");
+
+    settings.value(USER_STATE + QStringLiteral("user1"), false).toBool();
+    return 0;
+}

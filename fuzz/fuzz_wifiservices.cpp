@@ -1,0 +1,59 @@
+#include "busvalue.h"
+#include "connman.h"
+#include "kytcpip.h"
+#include "peer.h"
+#include "require.h"
+#include "wifijoin.h"
+#include "wifiservices.h"
+
+namespace
+{
+/** ConnMan's list as connman::services() reads it. */
+QList<ConnmanObject> readObjects(Choices &choices)
+{
+    static const bool isRegistered = [] {
+        connman::registerTypes();
+        return true;
+    }();
+    static_cast<void>(isRegistered);
+    auto objects =
+        qdbus_cast<QList<ConnmanObject>>(Peer::instance().receive("a(oa{sv})", choices).value(0));
+    for (ConnmanObject &object : objects) {
+        object.properties = plainMap(object.properties);
+        // A word alone is a network only rarely.
+        if (choices.oneIn(2))
+            object.properties[QStringLiteral("Type")] = QStringLiteral("wifi");
+        if (choices.oneIn(2))
+            object.properties[QStringLiteral("Name")] = anyText(choices);
+    }
+    return objects;
+}
+} // namespace
+
+/** The services that ConnMan, or whoever has its name, lists. */
+extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t *data, std::size_t size)
+{
+    Choices choices(data, size);
+    const QList<ConnmanObject> services = readObjects(choices);
+    const QList<ConnmanObject> networks = wifiServices(services);
+    require(networks.size() <= services.size(), "no network is made up");
+
+    const QVariantMap list = wifiScanList(services);
+    require(list.size() <= services.size(), "a scan lists each network once");
+    for (auto entry = list.constBegin(); entry != list.constEnd(); ++entry)
+        require(entry.value().toStringList().size() == 3, "a network has three texts");
+    require(Peer::instance().canSend({list}), "the outcome of a scan can be sent");
+
+    const QString name = anyText(choices);
+    const ConnmanObject named = wifiServiceNamed(networks, name);
+    require(named.path.path().isEmpty() ||
+                named.properties.value(QStringLiteral("Name")).toString() == name,
+            "the network that is found has the name");
+    const ConnmanObject found = connman::findObject(services, QStringLiteral("Type"), name);
+    require(found.path.path().isEmpty() ||
+                found.properties.value(QStringLiteral("Type")).toString() == name,
+            "the object that is found has the property");
+    for (int state = KyTcpIpState::Idle; state <= KyTcpIpState::Online; ++state)
+        nextJoinStep(state, named.properties.value(QStringLiteral("State")).toString());
+    return 0;
+}

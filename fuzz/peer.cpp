@@ -1,0 +1,123 @@
+#include "peer.h"
+
+#include "require.h"
+#include "wirevalue.h"
+
+#include <QCoreApplication>
+#include <QDBusArgument>
+
+namespace
+{
+const QString path = QStringLiteral("/values");
+const QString interface = QStringLiteral("com.orvendis.Strandel.Values");
+const QString member = QStringLiteral("value");
+
+/** The event loop that the bus library needs; it outlives everything. */
+QCoreApplication &application()
+{
+    static int count = 1;
+    static char name[] = "fuzzer";
+    static char *arguments[] = {name, nullptr};
+    static auto *made = new QCoreApplication(count, arguments);
+    return *made;
+}
+} // namespace
+
+Peer &Peer::instance()
+{
+    application();
+    static auto *peer = new Peer;
+    return *peer;
+}
+
+Peer::Peer() : m_server(QStringLiteral("unix:tmpdir=/tmp")), m_receiver(QString())
+{
+    connect(&m_server, &QDBusServer::newConnection, this, &Peer::accept);
+    DBusError error = DBUS_ERROR_INIT;
+    m_sender = dbus_connection_open_private(m_server.address().toUtf8().constData(), &error);
+    require(m_sender != nullptr, "a connection within the process");
+    dbus_connection_set_exit_on_disconnect(m_sender, false);
+    while (!m_receiver.isConnected() || !dbus_connection_get_is_authenticated(m_sender)) {
+        drain();
+        QCoreApplication::processEvents(QEventLoop::AllEvents, 10);
+    }
+}
+
+void Peer::accept(const QDBusConnection &connection)
+{
+    m_receiver = connection;
+    require(m_receiver.connect(QString(), path, interface, member, this, SLOT(keep(QDBusMessage))),
+            "the peer can listen");
+}
+
+void Peer::keep(const QDBusMessage &message)
+{
+    m_values = message.arguments();
+    m_isDelivered = true;
+}
+
+QVariantList Peer::receive(const std::string &signature, Choices &choices)
+{
+    DBusMessage *message = newMessage();
+    ValueWriter writer(message, choices);
+    writer.append(signature);
+    return deliver(message, writer.isSendable());
+}
+
+QVariantList Peer::receiveAnything(Choices &choices)
+{
+    DBusMessage *message = newMessage();
+    ValueWriter writer(message, choices);
+    writer.appendAnything();
+    return deliver(message, writer.isSendable());
+}
+
+bool Peer::canSend(const QVariantList &values)
+{
+    QDBusMessage message = QDBusMessage::createSignal(path, interface, member);
+    message.setArguments(values);
+    const bool isSent = m_receiver.send(message);
+    drain();
+    return isSent;
+}
+
+DBusMessage *Peer::newMessage()
+{
+    return dbus_message_new_signal(qPrintable(path), qPrintable(interface), qPrintable(member));
+}
+
+/** What no bus would pass on is not received: there are no values then. */
+QVariantList Peer::deliver(DBusMessage *message, bool isSendable)
+{
+    m_isDelivered = !isSendable;
+    if (isSendable)
+        dbus_connection_send(m_sender, message, nullptr);
+    dbus_message_unref(message);
+    dbus_connection_flush(m_sender);
+    while (!m_isDelivered) {
+        QCoreApplication::processEvents(QEventLoop::WaitForMoreEvents);
+        drain();
+        require(dbus_connection_get_is_connected(m_sender), "the message can be received");
+    }
+    QVariantList values;
+    values.swap(m_values);
+    return values;
+}
+
+/** Takes in what was sent back. */
+void Peer::drain()
+{
+    dbus_connection_read_write(m_sender, 0);
+    while (DBusMessage *message = dbus_connection_pop_message(m_sender))
+        dbus_message_unref(message);
+}
+
+QString anyText(Choices &choices)
+{
+    return QString::fromStdString(choices.text());
+}
+
+QVariantMap firstMap(const QVariantList &values)
+{
+    return qdbus_cast<QVariantMap>(values.value(0));
+}
