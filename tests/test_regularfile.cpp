@@ -1,6 +1,7 @@
 #include "files.h"
 #include "regularfile.h"
 
+#include <QDir>
 #include <QFile>
 #include <QTemporaryDir>
 #include <QTest>
@@ -30,6 +31,10 @@ private Q_SLOTS:
     void aFolderIsRefused();
     void aMissingFolderIsNotMade();
     void childrenDoNotInheritTheDescriptor();
+
+    void aFileIsReadAlsoThroughALink();
+    void nothingElseIsRead_data();
+    void nothingElseIsRead();
 
 private:
     bool append(const QByteArray &text, int flags = O_APPEND);
@@ -165,6 +170,38 @@ void TestRegularFile::childrenDoNotInheritTheDescriptor()
     QVERIFY(descriptor >= 0);
     QVERIFY(fcntl(descriptor, F_GETFD) & FD_CLOEXEC);
     close(descriptor);
+}
+
+void TestRegularFile::aFileIsReadAlsoThroughALink()
+{
+    const QString target = m_folder->filePath("target");
+    const QString link = m_folder->filePath("link");
+    writeFile(target, "a\r\nb");
+    QVERIFY(QFile::link(target, link));
+    for (const QString &path : {target, link}) {
+        QFile file;
+        QVERIFY(openForReading(file, path, QIODevice::ReadOnly | QIODevice::Text));
+        QCOMPARE(file.readAll(), QByteArray("a\nb"));
+    }
+}
+
+void TestRegularFile::nothingElseIsRead_data()
+{
+    QTest::addColumn<QString>("path");
+    QTest::newRow("nothing") << "missing";
+    QTest::newRow("folder") << ".";
+    QTest::newRow("fifo") << "fifo";
+    QTest::newRow("device") << "/dev/zero";
+}
+
+void TestRegularFile::nothingElseIsRead()
+{
+    QFETCH(QString, path);
+    if (path == "fifo")
+        QCOMPARE(mkfifo(qPrintable(m_folder->filePath(path)), 0600), 0);
+    QFile file;
+    QVERIFY(!openForReading(file, QDir(m_folder->path()).filePath(path), QIODevice::ReadOnly));
+    QVERIFY(!file.isOpen());
 }
 
 QTEST_GUILESS_MAIN(TestRegularFile)

@@ -2,6 +2,7 @@
 
 #include <QCoreApplication>
 #include <QFile>
+#include <QFileInfo>
 #include <QLockFile>
 
 namespace
@@ -23,9 +24,20 @@ void removeStrayLock()
     if (!hasOwner || process == QCoreApplication::applicationPid())
         QFile::remove(lockFile);
 }
+
+/**
+ * The settings file. The library would wait for whoever writes into a fifo in its place: something
+ * below it is named then, which is no more to be had than the file itself.
+ */
+QString usableSettingsFile()
+{
+    const QFileInfo info(settingsFile);
+    const bool isUsable = !info.exists() || info.isFile() || info.isDir();
+    return isUsable ? settingsFile : settingsFile + QStringLiteral("/none");
+}
 } // namespace
 
-Settings::Settings() : QSettings(settingsFile, QSettings::IniFormat)
+Settings::Settings() : QSettings(usableSettingsFile(), QSettings::IniFormat)
 {
     removeStrayLock();
 }

@@ -1,5 +1,7 @@
 #include "softwareversion.h"
 
+#include "regularfile.h"
+
 #include <QElapsedTimer>
 #include <QFile>
 #include <QProcess>
@@ -33,8 +35,9 @@ void waitForEnd(QProcess &process)
 
 bool readBspVersion(QByteArray &version)
 {
-    QFile file(QStringLiteral("/etc/sw_version"));
-    if (!file.open(QIODevice::ReadOnly | QIODevice::Text))
+    QFile file;
+    if (!openForReading(file, QStringLiteral("/etc/sw_version"),
+                        QIODevice::ReadOnly | QIODevice::Text))
         return false;
     QByteArray line;
     QByteArray chunk;

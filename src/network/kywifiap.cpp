@@ -48,8 +48,9 @@ bool writeConfiguration(const QByteArray &text)
 /** Writes hostapd's configuration from the template that goes with @p security. */
 bool createConfiguration(const QString &security, const AccessPointParameters &parameters)
 {
-    QFile file(templateFolder + hostapdTemplateName(security));
-    return file.open(QIODevice::ReadOnly | QIODevice::Text) &&
+    QFile file;
+    return openForReading(file, templateFolder + hostapdTemplateName(security),
+                          QIODevice::ReadOnly | QIODevice::Text) &&
            writeConfiguration(hostapdConfiguration(file.readAll(), parameters));
 }
 } // namespace

@@ -1,5 +1,7 @@
 #include "regularfile.h"
 
+#include <QFile>
+
 #include <fcntl.h>
 #include <sys/stat.h>
 #include <unistd.h>
@@ -24,4 +26,18 @@ int openRegularFile(const char *path, int flags, mode_t mode)
         return descriptor;
     close(descriptor);
     return -1;
+}
+
+bool openForReading(QFile &file, const QString &path, QIODevice::OpenMode mode)
+{
+    const int descriptor =
+        open(QFile::encodeName(path).constData(), O_RDONLY | O_NONBLOCK | O_CLOEXEC);
+    struct stat status = {};
+    if (descriptor < 0)
+        return false;
+    if (fstat(descriptor, &status) == 0 && S_ISREG(status.st_mode) &&
+        file.open(descriptor, mode, QFileDevice::AutoCloseHandle))
+        return true;
+    close(descriptor);
+    return false;
 }

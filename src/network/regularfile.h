@@ -1,7 +1,12 @@
 #ifndef REGULARFILE_H
 #define REGULARFILE_H
 
+#include <QIODevice>
+
 #include <sys/types.h>
+
+class QFile;
+class QString;
 
 /**
  * Opens the regular file @p path for writing, making it where it is missing.
@@ -15,5 +20,11 @@
  * @return the descriptor, not inherited by child processes; -1 when it cannot be opened
  */
 int openRegularFile(const char *path, int flags, mode_t mode);
+
+/**
+ * Opens the regular file @p path, or the one that it links to, for reading; false for anything
+ * else, which could keep whoever reads it waiting, or have no end.
+ */
+bool openForReading(QFile &file, const QString &path, QIODevice::OpenMode mode);
 
 #endif
