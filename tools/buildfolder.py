@@ -1,0 +1,117 @@
+"""What the build folder knows of how things are compiled, linked and tested; for scripts that make
+other variants of some of it."""
+
+import json
+import os
+import shlex
+import signal
+import subprocess
+import threading
+
+LIBRARY = 'src/libboardmanager.a'
+DAEMON = 'src/KyBoardManager'
+TREE = os.path.dirname(os.path.dirname(os.path.abspath(__file__)))
+
+
+class Build:
+    """The build folder. Nothing in it is changed."""
+
+    def __init__(self, folder):
+        self.folder = os.path.abspath(folder)
+        with open(self.path('compile_commands.json'), encoding='utf-8') as file:
+            self.compile_commands = {command['file']: command['command']
+                                     for command in json.load(file)}
+        listing = json.loads(self.output('ctest', '--show-only=json-v1'))
+        self.tests = {test['name']: test for test in listing['tests']}
+
+    def path(self, *names):
+        return os.path.join(self.folder, *names)
+
+    def output(self, *command):
+        return subprocess.run(command, cwd=self.folder, check=True, text=True,
+                              stdout=subprocess.PIPE).stdout
+
+    def run_quietly(self, command):
+        return subprocess.run(command, cwd=self.folder, check=False, stdout=subprocess.DEVNULL,
+                              stderr=subprocess.DEVNULL).returncode
+
+    def object_of(self, file):
+        """The object file of a source of the daemon, as it is called in the library."""
+        name = os.path.splitext(os.path.relpath(file, 'src'))[0]
+        target = 'KyBoardManager' if name == 'app/main' else 'boardmanager'
+        return f'src/CMakeFiles/{target}.dir/{name}.cpp.o'
+
+    def compile(self, file, source, compiled, options):
+        """Compiles the source as the given file of the tree is, with other options for the code."""
+        command = shlex.split(self.compile_commands[os.path.join(TREE, file)])
+        while os.path.basename(command[0]) in ('ccache', 'nice'):
+            command.pop(0)
+        command = [word for word in command if word not in ('-Werror', '-g', '-O2')]
+        command[command.index('-o') + 1] = compiled
+        command[command.index('-c') + 1] = source
+        if '-MF' in command:
+            command[command.index('-MF') + 1] = compiled + '.d'
+        return self.run_quietly(command + options) == 0
+
+    def link(self, target, program, replaced, options=()):
+        """Links a target anew, with other files in the place of some of those it is made of."""
+        line = self.output('ninja', '-t', 'commands', '-s', target).strip()
+        command = [replaced.get(word, word)
+                   for word in shlex.split(line.removeprefix(': && ').removesuffix(' && :'))]
+        command[command.index('-o') + 1] = program
+        if self.run_quietly(command + list(options)) != 0:
+            raise RuntimeError('cannot link ' + target)
+
+    def holds_library(self, program, objects=None):
+        """Whether a program contains code of the daemon's library, or of some of its objects."""
+        wanted = set()
+        for name in objects or [LIBRARY]:
+            wanted |= self.defined(name)
+        return bool(wanted & self.defined(program))
+
+    def defined(self, binary):
+        lines = self.output('nm', '--defined-only', '--extern-only', '--format=posix', binary)
+        return {line.split()[0] for line in lines.splitlines()
+                if line.split()[1:2] in (['T'], ['D'], ['B'], ['R'])}
+
+    def test_command(self, name, programs, program=None):
+        """How a test runs with the daemon in the given folder and, if need be, another program."""
+        command = list(self.tests[name]['command'])
+        if '--' in command:
+            command[command.index('--'):command.index('--')] = ['--programs', programs]
+        if program:
+            command[-1] = program
+        return command
+
+    def run_test(self, name, command, deadline):
+        """Runs a test, until its first failure. Returns whether it passed, and what it printed."""
+        properties = {entry['name']: entry['value']
+                      for entry in self.tests[name].get('properties', [])}
+        environment = dict(os.environ)
+        environment.update(entry.split('=', 1) for entry in properties.get('ENVIRONMENT', []))
+        printed = []
+        failed = False
+        with subprocess.Popen(command, cwd=properties.get('WORKING_DIRECTORY', self.folder),
+                              env=environment, stdin=subprocess.DEVNULL, stdout=subprocess.PIPE,
+                              stderr=subprocess.STDOUT, start_new_session=True) as process:
+            timer = threading.Timer(deadline, end, [process])
+            timer.start()
+            for line in process.stdout:
+                printed.append(line)
+                if line.startswith((b'FAIL!', b'QFATAL', b'XPASS', b'SKIP')) and not failed:
+                    failed = True
+                    threading.Thread(target=end, args=[process], daemon=True).start()
+            status = process.wait()
+            timer.cancel()
+        return status == 0 and not failed, b''.join(printed).decode(errors='replace')
+
+
+def end(process):
+    """Ends a test and its world; the world takes everything along that was started in it."""
+    try:
+        os.killpg(process.pid, signal.SIGTERM)
+        process.wait(5)
+    except subprocess.TimeoutExpired:
+        os.killpg(process.pid, signal.SIGKILL)
+    except ProcessLookupError:
+        pass
