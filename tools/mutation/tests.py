@@ -25,7 +25,7 @@ PURE = {
     'network/hostapdtemplate': ['test_hostapdtemplate'],
     'network/ipv4repair': ['test_ipv4repair'],
     'network/programs': ['test_programs', 'test_wifiap'],
-    'network/regularfile': ['test_regularfile', 'test_wifiapconfiguration'],
+    'app/regularfile': ['test_regularfile', 'test_wifiapconfiguration'],
     'network/wifijoin': ['test_wifijoin'],
     'network/wifiservices': ['test_wifiservices'],
     'network/wifitrace': ['test_wifitrace', 'test_wifiscan'],
