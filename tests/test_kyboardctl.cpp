@@ -6,6 +6,7 @@
 #include <QJsonObject>
 #include <QRegularExpression>
 #include <QSet>
+#include <QStandardPaths>
 #include <QXmlStreamReader>
 
 /** kyboardctl's monitor, running beside the test. */
@@ -54,6 +55,7 @@ private Q_SLOTS:
     void withoutTheDaemonItSaysSo_data();
     void withoutTheDaemonItSaysSo();
     void withoutABusItSaysSo();
+    void whoMayNotAskIsToldOnce();
     void aModelWithoutAScreenHasNoBacklight();
     void statusShowsTheWholeInstrument();
     void statusForMachinesIsOneObject();
@@ -207,6 +209,29 @@ void TestKyboardctl::withoutABusItSaysSo()
     QCOMPARE(run({"user", "get"}, {}, noBus).status, 3);
     QCOMPARE(run({"status"}, {}, noBus).status, 3);
     QCOMPARE(run({"monitor"}, {}, noBus).status, 3);
+}
+
+void TestKyboardctl::whoMayNotAskIsToldOnce()
+{
+    QVERIFY(daemon.start());
+    // The tree need not be open to others.
+    const QString copy = "/tmp/kyboardctl";
+    QFile::remove(copy);
+    QVERIFY(QFile::copy(QStandardPaths::findExecutable("kyboardctl"), copy));
+    for (const QStringList &words : {QStringList{"status"}, QStringList{"user", "get"}}) {
+        QProcess client;
+        client.start("setpriv",
+                     QStringList{"--reuid=stranger", "--regid=61186", "--init-groups", copy} +
+                         words);
+        QVERIFY(client.waitForFinished(30000));
+        QCOMPARE(client.exitCode(), 1);
+        QCOMPARE(client.readAllStandardOutput(), QByteArray());
+        const QString complaint = QString::fromUtf8(client.readAllStandardError());
+        QVERIFY2(complaint.startsWith("kyboardctl: ") &&
+                     complaint.endsWith("(org.freedesktop.DBus.Error.AccessDenied)\n"),
+                 qPrintable(complaint));
+        QCOMPARE(complaint.count('\n'), 1);
+    }
 }
 
 void TestKyboardctl::aModelWithoutAScreenHasNoBacklight()
