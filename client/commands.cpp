@@ -211,7 +211,8 @@ QVector<Command> makeCommands()
     tcpIp("ethernet", ethernet);
 
     operation("wifi connect", wifi, "connect",
-              {argument("NETWORK", Kind::Text, "name of the network")}, online, "join a network");
+              {argument("NETWORK", Kind::Text, "name of the network")}, online,
+              "join a network, whose passphrase is asked for");
     operation("wifi disconnect", wifi, "disconnect", {}, idle, "leave and forget the network");
     operation("wifi scan", wifi, "scan", {}, networks, "list the networks in reach");
     method("wifi strength", com, wifi, "getStrength", {}, "strength of the joined network");
@@ -308,6 +309,18 @@ const Command *findCommand(const QStringList &words, int *used)
         }
     }
     return nullptr;
+}
+
+bool belongsTo(const Option &option, const Command &command)
+{
+    switch (option.scope) {
+    case Scope::Operation:
+        return command.isOperation();
+    case Scope::WifiConnect:
+        return command.words == QLatin1String("wifi connect");
+    default:
+        return true;
+    }
 }
 
 QString synopsis(const Command &command)

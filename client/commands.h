@@ -98,6 +98,9 @@ const QVector<StatusMeaning> &exitStatuses();
 /** The command whose words begin @p words; nullptr where there is none. @p used: how many words. */
 const Command *findCommand(const QStringList &words, int *used);
 
+/** Whether @p option means anything to @p command. */
+bool belongsTo(const Option &option, const Command &command);
+
 /** The synopsis of @p command: its words and the names of its arguments. */
 QString synopsis(const Command &command);
 

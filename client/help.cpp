@@ -26,11 +26,20 @@ void describe(const Argument &argument, Lines &lines)
         describe(key, lines);
 }
 
+QString optionName(const Option &option)
+{
+    return QStringLiteral("%1 %2").arg(option.name, option.value).trimmed();
+}
+
 QString commandHelp(const Command &command)
 {
     Lines lines;
     for (const Argument &argument : command.arguments)
         describe(argument, lines);
+    for (const Option &option : options()) {
+        if (option.scope != Scope::Every && belongsTo(option, command))
+            lines.add(optionName(option), option.help);
+    }
     return QStringLiteral("kyboardctl %1\n  %2\n").arg(synopsis(command), command.help) +
            lines.text(QStringLiteral("    "));
 }
@@ -118,8 +127,7 @@ QString helpText()
 {
     Lines optionLines;
     for (const Option &option : options())
-        optionLines.add(QStringLiteral("%1 %2").arg(option.name, option.value).trimmed(),
-                        optionHelp(option));
+        optionLines.add(optionName(option), optionHelp(option));
     Lines commandLines;
     for (const QVector<Command> *table : {&ownCommands(), &commands()}) {
         for (const Command &command : *table)

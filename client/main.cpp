@@ -148,11 +148,7 @@ ExitStatus runOperation(const Command &command, const Options &options,
 QString misplacedOption(const Command &command, const Options &options)
 {
     for (const Option &option : ::options()) {
-        const bool fits =
-            option.scope == Scope::Every ||
-            (option.scope == Scope::Operation && command.isOperation()) ||
-            (option.scope == Scope::WifiConnect && command.words == QLatin1String("wifi connect"));
-        if (!fits && options.given.contains(option.name))
+        if (!belongsTo(option, command) && options.given.contains(option.name))
             return option.name + QStringLiteral(" does not belong here");
     }
     return QString();

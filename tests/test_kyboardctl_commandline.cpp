@@ -218,6 +218,10 @@ void TestKyboardctlCommandLine::helpNamesEveryCommand()
     QVERIFY(!helpText({"led"}).contains("kyboardctl user"));
     QVERIFY(!helpText({"led", "set"}).contains("kyboardctl led list"));
     QCOMPARE(helpText({"lights"}), QString());
+    QVERIFY(helpText({"wifi", "connect"}).contains("    --open "));
+    QVERIFY(helpText({"wifi", "scan"}).contains("    --timeout SECONDS  "));
+    QVERIFY(!helpText({"wifi", "scan"}).contains("--open"));
+    QVERIFY(!helpText({"led"}).contains("--"));
 }
 
 void TestKyboardctlCommandLine::helpNamesEveryOptionAndStatus()
