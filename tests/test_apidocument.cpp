@@ -1,3 +1,4 @@
+#include "error.h"
 #include "files.h"
 
 #include <QDir>
@@ -12,6 +13,7 @@ class TestApiDocument : public QObject
 
 private Q_SLOTS:
     void theDocumentIsWhatTheProgramPrints();
+    void everyErrorNameHasItsMeaning();
     void whatIsLeftOutIsNoticed_data();
     void whatIsLeftOutIsNoticed();
     void everyTextIsNeeded_data();
@@ -65,6 +67,15 @@ void TestApiDocument::theDocumentIsWhatTheProgramPrints()
     QCOMPARE(result.complaint, QByteArray());
     QCOMPARE(result.status, 0);
     QCOMPARE(readFile(QStringLiteral(DOCUMENT)), result.document);
+}
+
+void TestApiDocument::everyErrorNameHasItsMeaning()
+{
+    const QByteArray document = readFile(QStringLiteral(DOCUMENT));
+    for (int code = Error::None; code <= Error::Initialisation; ++code) {
+        const QString name = Error::nameOf(code).section(QLatin1Char('.'), -1);
+        QVERIFY2(document.contains("\n| `" + name.toLatin1() + "` | "), qPrintable(name));
+    }
 }
 
 void TestApiDocument::whatIsLeftOutIsNoticed_data()
