@@ -23,8 +23,8 @@ public:
     QString call(const QString &method, const QList<QVariant> &arguments = {}) const;
 
     /**
-     * The same, with the reply as it came. An error of the daemon's that the introspection documents
-     * do not list fails the test.
+     * The same, with the reply as it came. An error of the daemon's that the introspection
+     * documents do not list fails the test.
      */
     QDBusMessage reply(const QString &method, const QList<QVariant> &arguments = {}) const;
 
