@@ -20,7 +20,8 @@ private:
 
 QStringList TestInstrument::arguments(const QStringList &command)
 {
-    return QStringLiteral(WORLD_OPTIONS).split(' ') + QStringList{"--", INSTRUMENT} + command;
+    return QString::fromLocal8Bit(qgetenv("WORLD_OPTIONS")).split(' ') + QStringList{INSTRUMENT} +
+           command;
 }
 
 QString TestInstrument::output(const QStringList &command, int *status)

@@ -1,5 +1,7 @@
-// Runs a program to which the kernel refuses one of the calls that a listener to device events
-// makes: refuse socket|bind|receive PROGRAM [ARGUMENT...]
+// Runs a program to which the kernel refuses one of its calls:
+//   refuse socket|bind|receive PROGRAM [ARGUMENT...]   one that a listener to device events makes
+//   refuse pidfd PROGRAM [ARGUMENT...]                 to wait for a child by a descriptor, as a
+//                                                      kernel does that knows no such descriptors
 
 #include <cerrno>
 #include <cstddef>
@@ -11,34 +13,39 @@
 #include <sys/prctl.h>
 #include <sys/socket.h>
 #include <sys/syscall.h>
+#include <sys/wait.h>
 #include <unistd.h>
 
 namespace
 {
-/** A call, told from those of the same name that others make by its third argument. */
+/** A call, told from those of the same name that others make by one of its arguments. */
 struct Refusal {
     const char *name;
     unsigned int call;
-    unsigned int thirdArgument;
+    unsigned int index;
+    unsigned int argument;
+    unsigned int error;
 };
 
 const Refusal refusals[] = {
-    {"socket", SYS_socket, NETLINK_KOBJECT_UEVENT},
-    {"bind", SYS_bind, sizeof(sockaddr_nl)},
+    {"socket", SYS_socket, 2, NETLINK_KOBJECT_UEVENT, EIO},
+    {"bind", SYS_bind, 2, sizeof(sockaddr_nl), EIO},
     // The bus connection receives with flags.
-    {"receive", SYS_recvmsg, 0},
+    {"receive", SYS_recvmsg, 2, 0, EIO},
+    {"pidfd", SYS_waitid, 0, P_PIDFD, EINVAL},
 };
 
 bool refuse(const Refusal &refusal)
 {
-    // The lower half of the third argument, on a little-endian machine.
-    const unsigned int thirdArgument = offsetof(seccomp_data, args) + 2 * sizeof(__u64);
+    // The lower half of the argument, on a little-endian machine.
+    const auto argument =
+        static_cast<unsigned int>(offsetof(seccomp_data, args) + refusal.index * sizeof(__u64));
     sock_filter filter[] = {
         BPF_STMT(BPF_LD | BPF_W | BPF_ABS, offsetof(seccomp_data, nr)),
         BPF_JUMP(BPF_JMP | BPF_JEQ | BPF_K, refusal.call, 0, 3),
-        BPF_STMT(BPF_LD | BPF_W | BPF_ABS, thirdArgument),
-        BPF_JUMP(BPF_JMP | BPF_JEQ | BPF_K, refusal.thirdArgument, 0, 1),
-        BPF_STMT(BPF_RET | BPF_K, SECCOMP_RET_ERRNO | EIO),
+        BPF_STMT(BPF_LD | BPF_W | BPF_ABS, argument),
+        BPF_JUMP(BPF_JMP | BPF_JEQ | BPF_K, refusal.argument, 0, 1),
+        BPF_STMT(BPF_RET | BPF_K, SECCOMP_RET_ERRNO | refusal.error),
         BPF_STMT(BPF_RET | BPF_K, SECCOMP_RET_ALLOW),
     };
     const sock_fprog program = {sizeof filter / sizeof filter[0], filter};
@@ -57,6 +64,6 @@ int main(int argc, char *argv[])
         std::perror(argv[2]);
         return 126;
     }
-    std::fputs("usage: refuse socket|bind|receive PROGRAM [ARGUMENT...]\n", stderr);
+    std::fputs("usage: refuse socket|bind|receive|pidfd PROGRAM [ARGUMENT...]\n", stderr);
     return 126;
 }
