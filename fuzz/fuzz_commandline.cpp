@@ -1,5 +1,7 @@
 #include "choices.h"
 #include "commandline.h"
+#include "commands.h"
+#include "help.h"
 #include "require.h"
 
 namespace
@@ -38,6 +40,13 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t *data, std::size_t size
     int used = 0;
     require(findCommand(command.words.split(QLatin1Char(' ')) + words, &used) != nullptr,
             "a command is found, whatever follows it");
+
+    const QStringList begun = command.words.split(QLatin1Char(' ')).mid(0, 1) + words;
+    for (const QString &completion : completions(begun))
+        require(completion.startsWith(begun.last()), "what is completed goes on as it began");
+    // It writes everything there is, nearly always.
+    if (choices.oneIn(20))
+        helpText(words);
 
     QVariantList arguments;
     QString complaint;

@@ -1,4 +1,5 @@
 #include "choices.h"
+#include "crc16.h"
 #include "instrumentrecord.h"
 #include "measurerecord.h"
 #include "recordframe.h"
@@ -49,6 +50,9 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t *data, std::size_t size
         bytes = bytes.leftJustified(measureRecordSize - 2, '\0', true);
     if (kind != 0)
         bytes = framed(bytes);
+    const quint16 checksum = crc16(bytes);
+    require(crc16(bytes + char(checksum & 0xFF) + char(checksum >> 8)) == 0,
+            "data with its checksum behind it has none");
     checkInstrument(bytes);
     checkMeasure(bytes);
     return 0;

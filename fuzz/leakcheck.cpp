@@ -1,6 +1,7 @@
 #include <csignal>
 #include <cstddef>
 #include <cstdio>
+#include <cstdlib>
 #include <fcntl.h>
 #include <sanitizer/lsan_interface.h>
 #include <unistd.h>
@@ -37,6 +38,8 @@ void lookForLeaks(int)
 
 [[gnu::constructor]] void listen()
 {
+    // The programs that it starts are not checked.
+    unsetenv("LD_PRELOAD");
     signal(SIGUSR1, tellAllocated);
     signal(SIGUSR2, lookForLeaks);
 }

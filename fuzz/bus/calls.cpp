@@ -7,7 +7,7 @@
 namespace
 {
 /** Those that copy profiles, or start scripts that the daemon then waits for: one in so many. */
-const std::uint32_t rarity = 60;
+const std::uint32_t rarity = 20;
 
 bool isHeavy(const Method &method)
 {
