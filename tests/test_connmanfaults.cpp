@@ -39,7 +39,6 @@ private:
                       const QString &answer);
     void comeToRest(const QString &adaptor);
     void verifyOnline(const QString &adaptor);
-    int descriptors() const;
     const Remote &remote(const QString &adaptor) const;
 
     const Remote *m_remote = nullptr;
@@ -80,13 +79,6 @@ ListedObjects oddObjects()
 const Remote &TestConnmanFaults::remote(const QString &adaptor) const
 {
     return adaptor == "Ethernet" ? ethernet : adaptor == "WIFI" ? wifi : wifiAp;
-}
-
-int TestConnmanFaults::descriptors() const
-{
-    return QDir(QStringLiteral("/proc/%1/fd").arg(daemon.processId()))
-        .entryList(QDir::NoDotAndDotDot | QDir::AllEntries | QDir::System)
-        .size();
 }
 
 void TestConnmanFaults::reachEthernet(const QString &name)
@@ -355,7 +347,7 @@ void TestConnmanFaults::theAdaptorGetsOnlineAfterwards()
 
     reachState(adaptor, name);
     QVERIFY(!QTest::currentTestFailed());
-    const int before = descriptors();
+    const int before = daemon.settledDescriptors();
     haveFault(fault);
     callEverything(adaptor, fault);
     QVERIFY(!QTest::currentTestFailed());
@@ -364,7 +356,7 @@ void TestConnmanFaults::theAdaptorGetsOnlineAfterwards()
     QVERIFY(daemon.isRunning());
     QCOMPARE(Remote("/KyConfigMgr", "Users").call("getUser"), QString("(\"user1\")"));
     comeToRest(adaptor);
-    QVERIFY(QTest::qWaitFor([&] { return descriptors() <= before; }, 20000));
+    QVERIFY(QTest::qWaitFor([&] { return daemon.descriptors() <= before; }, 20000));
     verifyOnline(adaptor);
     QVERIFY(!QTest::currentTestFailed());
     ++m_survived;

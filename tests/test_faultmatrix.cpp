@@ -75,7 +75,6 @@ private:
     void heal(const Stimulus &stimulus);
     QStringList state();
     bool waitForState(const QStringList &expected, QStringList &last);
-    int descriptors() const;
     void settle();
     void addGetter(const Remote &remote, const QString &name, const QString &method);
 
@@ -636,13 +635,6 @@ void TestFaultMatrix::settle()
             .reply("Introspect");
 }
 
-int TestFaultMatrix::descriptors() const
-{
-    return QDir(QStringLiteral("/proc/%1/fd").arg(daemon.processId()))
-        .entryList(QDir::NoDotAndDotDot | QDir::AllEntries | QDir::System)
-        .size();
-}
-
 /** What the daemon answers to every question without arguments, and what the board shows. */
 QStringList TestFaultMatrix::state()
 {
@@ -694,7 +686,7 @@ TestFaultMatrix::Reference TestFaultMatrix::observe(const Stimulus &stimulus)
     Reference reference;
     begin(stimulus);
     Board::clearJournal();
-    const int before = stimulus.isStart ? 0 : descriptors();
+    const int before = stimulus.isStart ? 0 : daemon.settledDescriptors();
     stimulus.trigger();
     reference.reply = stimulus.finish();
     for (const QString &line : Board::journal()) {
@@ -710,7 +702,7 @@ TestFaultMatrix::Reference TestFaultMatrix::observe(const Stimulus &stimulus)
         previous = reference.state;
         reference.state = state();
     } while (previous != reference.state);
-    reference.descriptors = descriptors() - before;
+    reference.descriptors = daemon.descriptors() - before;
     return reference;
 }
 
@@ -770,7 +762,7 @@ void TestFaultMatrix::everyFaultIsSurvived()
 
     // Given: the daemon is where the stimulus can begin, and then the operation gets its fault.
     begin(stimulus);
-    const int before = stimulus.isStart ? 0 : descriptors();
+    const int before = stimulus.isStart ? 0 : daemon.settledDescriptors();
     Board::clearJournal();
     if (fault == always)
         Board::fault(operation, "always");
@@ -821,9 +813,9 @@ void TestFaultMatrix::everyFaultIsSurvived()
     else
         QVERIFY2(waitForState(reference.state, state),
                  qPrintable(difference(reference.state, state)));
-    QVERIFY2(
-        QTest::qWaitFor([&] { return descriptors() - before <= reference.descriptors; }, deadline),
-        "descriptors are left open");
+    QVERIFY2(QTest::qWaitFor([&] { return daemon.descriptors() - before <= reference.descriptors; },
+                             deadline),
+             "descriptors are left open");
     if (isLasting) {
         daemon.stop();
         begin(stimulus);

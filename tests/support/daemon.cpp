@@ -173,6 +173,29 @@ int Daemon::children() const
     return children;
 }
 
+int Daemon::descriptors() const
+{
+    return QDir(QStringLiteral("/proc/%1/fd").arg(processId()))
+        .entryList(QDir::NoDotAndDotDot | QDir::AllEntries | QDir::System)
+        .size();
+}
+
+int Daemon::settledDescriptors()
+{
+    const QDir folder(QStringLiteral("/proc/%1/fd").arg(processId()));
+    const bool isSettled = waitUntil([&] {
+        for (const QFileInfo &entry :
+             folder.entryInfoList(QDir::NoDotAndDotDot | QDir::AllEntries | QDir::System)) {
+            if (entry.symLinkTarget().endsWith(QLatin1String("anon_inode:inotify")))
+                return true;
+        }
+        return false;
+    });
+    if (!isSettled)
+        qFatal("the light sensor does not watch");
+    return descriptors();
+}
+
 QString Daemon::log()
 {
     drain();

@@ -50,6 +50,15 @@ public:
     /** The number of its children that run, or whose end it has not seen yet. */
     int children() const;
 
+    /** How many descriptors it has open. */
+    int descriptors() const;
+
+    /**
+     * Waits until the thread of the light sensor, which the daemon has on an instrument with a
+     * screen, has opened its own; then as descriptors().
+     */
+    int settledDescriptors();
+
     /** Everything it has logged, and everything it has printed, since it was started. */
     QString log();
     QString output();
