@@ -16,6 +16,31 @@ QMetaEnum stateNames()
     return registeredEnum(KyLED::staticMetaObject, "State");
 }
 
+/** An LED or a state of one, by its name as a text that need not be made again for each reply. */
+struct Named {
+    int value;
+    QString name;
+};
+
+QVector<Named> listNames(const QMetaEnum &enumeration)
+{
+    QVector<Named> names;
+    for (int index = 0; index < enumeration.keyCount(); ++index)
+        names.append({enumeration.value(index), QString::fromLatin1(enumeration.key(index))});
+    return names;
+}
+
+/** A number that the library should not give still gets a name that clients know. */
+QString stateName(e_led_state state)
+{
+    static const QVector<Named> states = listNames(stateNames());
+    for (const Named &known : states) {
+        if (known.value == static_cast<int>(state))
+            return known.name;
+    }
+    return enumName(stateNames(), KyLED::UNKNOWN);
+}
+
 std::optional<KyAlimentation::BatteryStatus> batteryStatusNamed(const QString &name)
 {
     const std::optional<int> value =
@@ -52,16 +77,11 @@ void KyLED::setLEDStatus(QString led, QString status, const QDBusMessage &messag
 QVariantMap KyLED::getLEDStatus()
 {
     QVariantMap shown;
-    const QMetaEnum leds = ledNames();
-    const QMetaEnum states = stateNames();
-    for (int index = 0; index < leds.keyCount(); ++index) {
+    static const QVector<Named> leds = listNames(ledNames());
+    for (const Named &led : leds) {
         e_led_state state = LED_UNKNOWN;
-        if (m_leds.getLedState(static_cast<e_leds>(leds.value(index)), &state) != 0)
-            continue;
-        const QString name = enumName(states, static_cast<int>(state));
-        // A number that the library should not give still gets a name that clients know.
-        shown.insert(QString::fromLatin1(leds.key(index)),
-                     name.isEmpty() ? enumName(states, UNKNOWN) : name);
+        if (m_leds.getLedState(static_cast<e_leds>(led.value), &state) == 0)
+            shown.insert(led.name, stateName(state));
     }
     return shown;
 }

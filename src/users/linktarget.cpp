@@ -6,6 +6,15 @@
 #include <climits>
 #include <unistd.h>
 
+namespace
+{
+/** Whether cleaning would leave an absolute path as it is; it may be said of too few. */
+bool isClean(const QByteArray &path)
+{
+    return !path.contains("/.") && !path.contains("//") && !path.endsWith('/');
+}
+} // namespace
+
 QString linkTarget(const QString &path)
 {
     char target[PATH_MAX];
@@ -13,5 +22,6 @@ QString linkTarget(const QString &path)
     // What is relative, and what has to be seen in full, is the library's to put together.
     if (length <= 0 || length == sizeof target || target[0] != '/')
         return QFile::symLinkTarget(path);
-    return QDir::cleanPath(QFile::decodeName(QByteArray(target, static_cast<int>(length))));
+    const QByteArray held = QByteArray::fromRawData(target, static_cast<int>(length));
+    return isClean(held) ? QFile::decodeName(held) : QDir::cleanPath(QFile::decodeName(held));
 }
