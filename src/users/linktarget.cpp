@@ -4,14 +4,15 @@
 #include <QFile>
 
 #include <climits>
+#include <cstring>
 #include <unistd.h>
 
 namespace
 {
 /** Whether cleaning would leave an absolute path as it is; it may be said of too few. */
-bool isClean(const QByteArray &path)
+bool isClean(const char *path, size_t length)
 {
-    return !path.contains("/.") && !path.contains("//") && !path.endsWith('/');
+    return !std::strstr(path, "/.") && !std::strstr(path, "//") && path[length - 1] != '/';
 }
 } // namespace
 
@@ -22,6 +23,7 @@ QString linkTarget(const QString &path)
     // What is relative, and what has to be seen in full, is the library's to put together.
     if (length <= 0 || length == sizeof target || target[0] != '/')
         return QFile::symLinkTarget(path);
-    const QByteArray held = QByteArray::fromRawData(target, static_cast<int>(length));
-    return isClean(held) ? QFile::decodeName(held) : QDir::cleanPath(QFile::decodeName(held));
+    target[length] = '\0';
+    const QString held = QFile::decodeName(target);
+    return isClean(target, static_cast<size_t>(length)) ? held : QDir::cleanPath(held);
 }
