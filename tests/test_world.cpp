@@ -17,6 +17,7 @@ private Q_SLOTS:
     void theStatusIsTheCommands();
     void inputAndOutputAreTheCommands();
     void nothingWrittenThereReachesTheMachine();
+    void theMachinesDevicesCannotBeReplaced();
     void itHasItsOwnProcessesAndNetwork();
     void itHasItsOwnBus();
     void aFolderThatIsKeptIsSeenAndSafe();
@@ -98,6 +99,17 @@ void TestWorld::nothingWrittenThereReachesTheMachine()
     QCOMPARE(result.output, QStringLiteral("/opt:\n%1\n\n/usr/share/redpine:\n%1\n").arg(name));
     for (const QString &folder : folders)
         QVERIFY2(!QFile::exists(folder + '/' + name), qPrintable(folder));
+}
+
+void TestWorld::theMachinesDevicesCannotBeReplaced()
+{
+    const Result result = run({"sh", "-c",
+                               "echo x > /tmp/file; for device in /dev/*; do test ! -c $device || "
+                               "mv /tmp/file $device 2>/dev/null && echo $device; done; "
+                               "echo x > /dev/shm/file; echo x > /dev/file; "
+                               "head -c 3 /dev/zero | wc -c"});
+    QCOMPARE(result.output, QStringLiteral("3\n"));
+    QVERIFY(!QFile::exists("/dev/file"));
 }
 
 void TestWorld::itHasItsOwnProcessesAndNetwork()
