@@ -68,8 +68,8 @@ void TestScreens::start(QProcess &world, const QStringList &command)
 {
     world.setWorkingDirectory(TREE);
     world.setProcessChannelMode(QProcess::MergedChannels);
-    world.start(WORLD,
-                QStringLiteral(WORLD_OPTIONS).split(' ') + QStringList{"--", INSTRUMENT} + command);
+    world.start(WORLD, QString::fromLocal8Bit(qgetenv("WORLD_OPTIONS")).split(' ') +
+                           QStringList{INSTRUMENT} + command);
 }
 
 /** Without what is another one each time: addresses that are leased, and process numbers. */
