@@ -5,8 +5,9 @@
 /** What arrives at the socket of the kernel's events, from whomever. */
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t *data, std::size_t size)
 {
-    static const std::string pieces[] = {"",     "add@",      "remove@",   "change@",
-                                         "sda1", "mmcblk0p1", "/devices/", std::string(1, '\0')};
+    static const std::string pieces[] = {
+        "",       "add@", "remove@",   "change@",   "add",
+        "remove", "sda1", "mmcblk0p1", "/devices/", std::string(1, '\0')};
     Choices choices(data, size);
     std::string message;
     for (std::uint32_t left = choices.below(6); left > 0; --left)
