@@ -111,7 +111,7 @@ QList<Expectation> expectations()
     const QString invalid = failure("InvalidArguments", "User name is invalid.");
     return {
         {"getUser", "\\(\"user1\"\\)",
-         "\\(\"\\w+\"\\)|" + oneOf({failure("Read", "Not able to read the current user.")})},
+         "\\(\"[^\"]*\"\\)|" + oneOf({failure("Read", "Not able to read the current user.")})},
         {"setUser", "\\(\\)",
          oneOf({invalid,
                 failure("Process", "Error while forcing a reload of the user configurations."),

@@ -65,6 +65,8 @@ private Q_SLOTS:
     void aDiskThatIsFullInMidCopyInvalidatesTheUserAndKeepsTheLink();
     void anUnreadableDefaultProfileCostsNoUserItsFiles();
     void anUnreadableDefaultProfileDoesNotHinderACompleteProfile();
+    void usersStayValidWhenTheSettingsVanish();
+    void anInvalidUserStaysInvalidWhenTheSettingsVanish();
     void anInvalidUserCanBeUsedAfterARestart();
 
     void factoryResetOfAnotherUserLeavesTheLink();
@@ -608,6 +610,35 @@ void TestUsers::anUnreadableDefaultProfileDoesNotHinderACompleteProfile()
     QVERIFY(daemon.start());
     QCOMPARE(users.call("setUser", {"user2"}), QStringLiteral("()"));
     QCOMPARE(readFile(profile("user2") + "/measure.conf"), QByteArray("user2"));
+}
+
+void TestUsers::usersStayValidWhenTheSettingsVanish()
+{
+    const QString settings = "/opt/settings.ini";
+    QVERIFY(daemon.start());
+    QTRY_VERIFY(QFile::exists(settings) && !QFile::exists(settings + ".lock"));
+    QFile::remove(settings);
+    QCOMPARE(users.call("setUser", {"user2"}), QStringLiteral("()"));
+    QTRY_VERIFY(QFile::exists(settings) && !QFile::exists(settings + ".lock"));
+
+    for (const char *user : {"user3", "user4", "user1", "user2"})
+        QCOMPARE(users.call("setUser", {user}), QStringLiteral("()"));
+}
+
+void TestUsers::anInvalidUserStaysInvalidWhenTheSettingsVanish()
+{
+    const QString settings = "/opt/settings.ini";
+    removePath(profile("user2"));
+    writeFile(profile("user2"), "a file");
+    QVERIFY(daemon.start());
+    users.call("setUser", {"user2"});
+    QTRY_VERIFY(readFile(settings).contains("stateuser2=false"));
+    QTRY_VERIFY(!QFile::exists(settings + ".lock"));
+    QFile::remove(settings);
+    QCOMPARE(users.call("setUser", {"user3"}), QStringLiteral("()"));
+    QTRY_VERIFY(QFile::exists(settings) && !QFile::exists(settings + ".lock"));
+
+    QCOMPARE(users.call("setUser", {"user2"}), invalid);
 }
 
 void TestUsers::anInvalidUserCanBeUsedAfterARestart()

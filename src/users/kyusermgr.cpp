@@ -83,12 +83,11 @@ QString usabilityKey(const QString &user)
 
 KyUserMgr::KyUserMgr(QObject *parent) : QDBusAbstractAdaptor(parent)
 {
-    Settings &settings = Settings::instance();
     QString current;
     if (readCurrentUser(current) != Error::None)
         qDebug() << "Init of KyUsers failed: failed to get the current user";
     for (const QString &user : users)
-        settings.setValue(usabilityKey(user), true);
+        storeUsability(user, true);
 
     if (isValidUser(current)) {
         // The power was cut while it was being reset; a failure is tried again at the next start.
@@ -183,9 +182,21 @@ bool KyUserMgr::isValidUser(const QString &user) const
 {
     for (const QString &known : users) {
         if (user == known)
-            return Settings::instance().value(usabilityKey(user), false).toBool();
+            return Settings::instance()
+                .value(usabilityKey(user), m_usability.value(user, false))
+                .toBool();
     }
     return false;
+}
+
+/**
+ * Stores whether @p user is usable. It is remembered, too: whenever the settings are written, the
+ * library takes over what the file holds by then, and that may be nothing.
+ */
+void KyUserMgr::storeUsability(const QString &user, bool isUsable)
+{
+    Settings::instance().setValue(usabilityKey(user), isUsable);
+    m_usability[user] = isUsable;
 }
 
 /** Error::None, or InvalidArgument, Process or Write; only the latter two make @p user invalid. */
@@ -199,7 +210,7 @@ int KyUserMgr::switchUser(const QString &user)
 
     Q_EMIT changingUser();
     const int code = activate(user);
-    Settings::instance().setValue(usabilityKey(user), code == Error::None);
+    storeUsability(user, code == Error::None);
     if (code == Error::None)
         Q_EMIT userChanged(user);
     return code;

@@ -2,6 +2,7 @@
 #define KYUSERMGR_H
 
 #include <QDBusAbstractAdaptor>
+#include <QMap>
 #include <QString>
 
 class QDBusMessage;
@@ -70,9 +71,13 @@ Q_SIGNALS:
 private:
     int readCurrentUser(QString &user) const;
     bool isValidUser(const QString &user) const;
+    void storeUsability(const QString &user, bool isUsable);
     int switchUser(const QString &user);
     int activate(const QString &user);
     int reloadUserConfiguration();
+
+    /** What was stored last of each user's usability. */
+    QMap<QString, bool> m_usability;
 };
 
 #endif
