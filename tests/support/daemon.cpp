@@ -1,6 +1,7 @@
 #include "daemon.h"
 
 #include "files.h"
+#include "kernelevents.h"
 
 #include <QDBusConnection>
 #include <QDBusConnectionInterface>
@@ -191,8 +192,8 @@ int Daemon::settledDescriptors()
         }
         return false;
     });
-    if (!isSettled)
-        qFatal("the light sensor does not watch");
+    if (!isSettled || !KernelEvents::waitForListeners(1))
+        qFatal("the light sensor does not watch, or nobody listens to device events");
     return descriptors();
 }
 

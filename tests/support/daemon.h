@@ -54,8 +54,8 @@ public:
     int descriptors() const;
 
     /**
-     * Waits until the thread of the light sensor, which the daemon has on an instrument with a
-     * screen, has opened its own; then as descriptors().
+     * Waits until the threads have opened their own, that of device events and that of the light
+     * sensor, which there is on an instrument with a screen; then as descriptors().
      */
     int settledDescriptors();
 
