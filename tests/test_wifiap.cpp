@@ -1,3 +1,4 @@
+#include "networkinterface.h"
 #include "networktest.h"
 #include "programs.h"
 
@@ -39,6 +40,7 @@ private Q_SLOTS:
     void disconnectTakesNoArguments();
     void wpsIsAcceptedAndDoesNothing();
     void theInheritedMethodsAnswer();
+    void askingAnInterfaceForItsFlagsLeavesNothingOpen();
 
 private:
     QString start(const QVariantMap &parameters = QVariantMap());
@@ -462,6 +464,20 @@ void TestWifiAp::theInheritedMethodsAnswer()
              QString("({\"Address\": <\"02:AA:BB:CC:DD:03\">, \"Interface\": <\"wifi_ap\">, "
                      "\"MTU\": <q:1500>, \"Method\": <\"\">})"));
     QCOMPARE(wifiAp.call("setIPv4", {QVariantMap{{"Method", "dhcp"}}}), QString("()"));
+}
+
+void TestWifiAp::askingAnInterfaceForItsFlagsLeavesNothingOpen()
+{
+    const QNetworkInterface loopback = findNetworkInterface("lo");
+    const auto descriptors = [] {
+        return QDir("/proc/self/fd").entryList(QDir::NoDotAndDotDot | QDir::AllEntries).size();
+    };
+    const int before = descriptors();
+
+    QVERIFY(isUp(loopback));
+    QVERIFY(isRunning(loopback));
+
+    QCOMPARE(descriptors(), before);
 }
 
 WORLD_TEST_MAIN(TestWifiAp)

@@ -1,9 +1,12 @@
 #include "wifitest.h"
+#include "wifitrace.h"
 
 #include <QDBusConnection>
 #include <QDBusMetaType>
 
+#include <fcntl.h>
 #include <sys/stat.h>
+#include <unistd.h>
 
 using Texts = QMap<QString, QString>;
 Q_DECLARE_METATYPE(Texts)
@@ -50,6 +53,7 @@ private Q_SLOTS:
     void theTraceTellsEachStep();
     void theTraceIsMadeForEveryone();
     void theTraceIsAppendedTo();
+    void aStandardStreamThatWasClosedDoesNotBecomeTheTrace();
     void aPlantedTraceIsNotWrittenTo_data();
     void aPlantedTraceIsNotWrittenTo();
 
@@ -504,6 +508,20 @@ void TestWifiScan::theTraceIsAppendedTo()
     wifi.call("scan");
 
     QVERIFY(readFile("/tmp/logkywifi").startsWith("earlier\n------"));
+}
+
+void TestWifiScan::aStandardStreamThatWasClosedDoesNotBecomeTheTrace()
+{
+    const int kept = dup(STDIN_FILENO);
+    close(STDIN_FILENO);
+    appendWifiTrace({"scan", "OP:scan", "idle", "Lab"});
+    const bool isOpen = fcntl(STDIN_FILENO, F_GETFD) >= 0;
+    dup2(kept, STDIN_FILENO);
+    close(kept);
+
+    QVERIFY(!isOpen);
+    QVERIFY(QFile::exists("/tmp/logkywifi"));
+    QCOMPARE(readFile("/tmp/logkywifi"), QByteArray());
 }
 
 void TestWifiScan::aPlantedTraceIsNotWrittenTo_data()
