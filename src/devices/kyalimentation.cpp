@@ -45,7 +45,7 @@ QString KyAlimentation::readBatteryStatus()
         m_chargerPresent = present;
         m_batmonitor.update(present);
     }
-    const QString status = enumName(registeredEnum(staticMetaObject, "BatteryStatus"), measure());
+    QString status = enumName(registeredEnum(staticMetaObject, "BatteryStatus"), measure());
     if (changed)
         Q_EMIT batteryStatus(status);
     return status;
