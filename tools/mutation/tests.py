@@ -29,6 +29,7 @@ PURE = {
     'network/wifijoin': ['test_wifijoin'],
     'network/wifiservices': ['test_wifiservices'],
     'network/wifitrace': ['test_wifitrace', 'test_wifiscan'],
+    'users/linktarget': ['test_linktarget', 'test_users'],
     'users/profilefolder': ['test_profilefolder', 'test_users'],
 }
 
@@ -68,4 +69,5 @@ ADAPTORS = {
     'network/networkinterface': ['test_ethernet_settings', 'test_ethernet', 'test_wifiap',
                                  'test_wifiscan'],
     'users/kyusermgr': ['test_users', 'test_settings', 'test_startup'],
+    'users/rebuildmark': ['test_users'],
 }
