@@ -14,6 +14,7 @@ private Q_SLOTS:
     void setIPv4KeepsWhatIsNotGivenAgain();
     void setIPv4RepairsWhatWasGivenEarlier();
     void setIPv4AddsNameServers();
+    void setIPv4KeepsTheLast64NameServers();
     void setIPv4FailsWithoutTheTechnology_data();
     void setIPv4FailsWithoutTheTechnology();
     void setIPv4FailsWithoutConnMan();
@@ -176,6 +177,23 @@ void TestEthernetSettings::setIPv4AddsNameServers()
     QCOMPARE(calls().filter("Nameservers"),
              QStringList{setNameservers(
                  cable, "[\"10.0.0.1\", \"10.0.0.2\", \"10.0.0.4\", \"10.0.0.1\"]")});
+}
+
+void TestEthernetSettings::setIPv4KeepsTheLast64NameServers()
+{
+    startDaemon();
+    QStringList kept;
+    for (int last = 1; last <= 66; last += 2) {
+        const QString first = QStringLiteral("10.0.0.%1").arg(last);
+        const QString second = QStringLiteral("10.0.0.%1").arg(last + 1);
+        QCOMPARE(ethernet.call("setIPv4", {QVariantMap{{"DNS1", first}, {"DNS2", second}}}),
+                 QString("()"));
+        kept << '"' + first + '"' << '"' + second + '"';
+    }
+    connectUntil("association");
+    connman.emitServicesChanged();
+    QCOMPARE(calls().filter("Nameservers"),
+             QStringList{setNameservers(cable, '[' + kept.mid(2).join(", ") + ']')});
 }
 
 void TestEthernetSettings::setIPv4FailsWithoutTheTechnology_data()
