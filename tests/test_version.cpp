@@ -28,6 +28,7 @@ private Q_SLOTS:
     void bspVersionIsLeftOutWithoutAFile();
     void bspVersionIsLeftOutForAFolder();
     void bspVersionMayBeLong();
+    void theLongestBspVersionIsGivenAndALongerOneLeftOut();
     void bspVersionIsLeftOutWhenItFitsNoMessage();
 
     void ownVersion();
@@ -256,6 +257,19 @@ void TestVersion::bspVersionMayBeLong()
     writeFile(bspFile, line + "\nsecond\n");
     QVERIFY(daemon.start());
     QCOMPARE(version.call(getVersions), withBsp(line));
+}
+
+void TestVersion::theLongestBspVersionIsGivenAndALongerOneLeftOut()
+{
+    const QByteArray longest(8 * 1024 * 1024, 'x');
+    QVERIFY(daemon.start());
+    writeFile(bspFile, longest + '\n');
+    QVERIFY(version.call(getVersions) == withBsp(longest));
+    daemon.stop();
+
+    writeFile(bspFile, longest + "x\n");
+    QVERIFY(daemon.start());
+    QCOMPARE(version.call(getVersions), ownVersionAlone);
 }
 
 void TestVersion::bspVersionIsLeftOutWhenItFitsNoMessage()
