@@ -45,11 +45,22 @@ def describe_machine():
             "load": f"load {os.getloadavg()[0]:.1f} at the start"}
 
 
+def document(text):
+    """Puts the tables between the marks of the document, in the place of those before."""
+    path = services.TREE / "docs/performance.md"
+    marks = "<!-- from here on as ./bench prints it -->", "<!-- as far as here -->"
+    before, _, rest = path.read_text().partition(marks[0])
+    _, _, after = rest.partition(marks[1])
+    path.write_text(f"{before}{marks[0]}\n\n{text}\n{marks[1]}{after}")
+
+
 def main():
     parser = argparse.ArgumentParser(description=__doc__, prog="./bench")
     layout = parser.add_mutually_exclusive_group()
     layout.add_argument("--json", action="store_true", help="the results for a machine")
     layout.add_argument("--markdown", action="store_true", help="the tables for a document")
+    layout.add_argument("--document", action="store_true",
+                        help="puts the tables into docs/performance.md")
     parser.add_argument("sections", nargs="*", metavar="SECTION", choices=[*SECTIONS, []],
                         help=f"{', '.join(SECTIONS)}; all of them unless some are named")
     options = parser.parse_args()
@@ -61,7 +72,9 @@ def main():
         results[section] = SECTIONS[section]()
         print(f"bench: {section} took {time.monotonic() - start:.0f} s", file=sys.stderr)
     results["goals"] = goals.judge(results)
-    if options.json:
+    if options.document:
+        document(tables.render(results, tables.as_markdown))
+    elif options.json:
         print(json.dumps(results, indent=1))
     else:
         print(tables.render(results, tables.as_markdown if options.markdown else tables.as_text))

@@ -3,20 +3,23 @@
 import contextlib
 import os
 import pathlib
-import shutil
 import time
 
 import services
 from figures import ratio, summary
 
 ROUNDS = 5
-SIZES = [(10, 2048), (100, 2048), (1000, 2048), (5000, 2048), (20000, 2048), (20, 5000000)]
+SIZES = [(10, 2048), (100, 2048), (1000, 2048), (20000, 2048), (20, 5000000)]
 FILES_PER_FOLDER = 500
 
 FOLDER = pathlib.Path("/tmp/User_part")
 DEFAULT = FOLDER / "default_user_profile"
 TARGET = FOLDER / "user4_profile"
 COPY = FOLDER / "copy"
+
+
+def remove(folder):
+    services.run("rm", "-rf", folder)
 
 
 def fill(folder, files, size):
@@ -38,7 +41,7 @@ def default_profile(files, size):
     try:
         yield
     finally:
-        shutil.rmtree(DEFAULT)
+        remove(DEFAULT)
         aside.rename(DEFAULT)
 
 
@@ -46,14 +49,14 @@ def default_profile(files, size):
 def on_disk():
     """The profiles on the disk that the tree is on, instead of in memory."""
     disk = services.BUILD / "bench-disk"
-    shutil.rmtree(disk, ignore_errors=True)
+    remove(disk)
     services.run("cp", "-a", FOLDER, disk)
     services.run("mount", "--bind", disk, FOLDER)
     try:
         yield
     finally:
         services.run("umount", "--lazy", FOLDER)
-        shutil.rmtree(disk)
+        remove(disk)
 
 
 def milliseconds(*command):
@@ -75,7 +78,7 @@ def settle():
 
 def round_of(rounds):
     """Copies and erases the default profile, as the daemon and as the programs do."""
-    shutil.rmtree(TARGET)
+    remove(TARGET)
     settle()
     rounds["copy"].append(reset())
     settle()
@@ -85,7 +88,7 @@ def round_of(rounds):
     services.run("cp", "-a", DEFAULT, FOLDER / "second")
     settle()
     rounds["cp and sync"].append((time.monotonic() - start) * 1000)
-    shutil.rmtree(FOLDER / "second")
+    remove(FOLDER / "second")
     settle()
     rounds["rm"].append(milliseconds("rm", "-r", COPY))
     with default_profile(0, 0):

@@ -125,4 +125,4 @@ def render(results, layout):
     machine = results["machine"]
     tables = [layout(*table) for section, of_section in SECTIONS.items() if section in results
               for table in of_section(results[section])]
-    return "\n".join([", ".join(machine.values()) + ".", "", *tables])
+    return "\n".join([", ".join(machine.values()) + ".", "", *tables]).rstrip()
