@@ -5,6 +5,8 @@
 #include <QDBusUnixFileDescriptor>
 #include <QDBusVariant>
 
+#include <iterator>
+
 namespace
 {
 /**
@@ -186,13 +188,17 @@ QVariant plainValue(const QVariant &value)
     return value;
 }
 
-QVariantMap plainMap(const QVariantMap &map)
+QVariantMap plainMap(QVariantMap map)
 {
-    QVariantMap plain;
-    forEachEntry(map, [&plain](const QString &key, const QVariant &value) {
-        plain.insert(key, plainValue(value));
-    });
-    return plain;
+    // In its place: a map that nobody else holds is not made again.
+    for (auto entry = map.begin(); entry != map.end();) {
+        entry.value() = plainValue(entry.value());
+        auto next = std::next(entry);
+        while (next != map.end() && next.key() == entry.key())
+            next = map.erase(next);
+        entry = next;
+    }
+    return map;
 }
 
 QVariant basicValue(const QVariant &value)

@@ -9,6 +9,8 @@
 #include <QDBusReply>
 #include <QDBusVariant>
 
+#include <utility>
+
 QDBusArgument &operator<<(QDBusArgument &argument, const ConnmanObject &object)
 {
     argument.beginStructure();
@@ -88,7 +90,7 @@ QList<ConnmanObject> listObjects(const QString &method)
         return {};
     auto objects = qdbus_cast<QList<ConnmanObject>>(reply.arguments().at(0));
     for (ConnmanObject &object : objects)
-        object.properties = plainMap(object.properties);
+        object.properties = plainMap(std::move(object.properties));
     return objects;
 }
 } // namespace
