@@ -96,9 +96,10 @@ def of_clients(figures):
 
 
 def of_goals(goals):
-    yield "Goals", ["goal", "measured", ""], [
-        [each["goal"], each["measured"], "met" if each["reached"] else "missed"]
-        for each in goals]
+    if goals:
+        yield "Goals", ["goal", "measured", ""], [
+            [each["goal"], each["measured"], "met" if each["reached"] else "missed"]
+            for each in goals]
 
 
 SECTIONS = {"methods": of_methods, "peers": of_peers, "start": of_start, "memory": of_memory,
