@@ -1,3 +1,4 @@
+#include "busmonitor.h"
 #include "ethernettest.h"
 
 #include <QDBusUnixFileDescriptor>
@@ -29,6 +30,7 @@ private Q_SLOTS:
     void connectIsIgnoredUnlessIdleOrFailed();
     void aScriptThatCannotBeStartedFailsTheConnect_data();
     void aScriptThatCannotBeStartedFailsTheConnect();
+    void aFailureIsAnsweredThenAnnouncedThenReturned();
     void connectWorksAgainOnceTheScriptCanBeStarted();
     void aSecondConnectWhileTheScriptRunsFails();
     void theEndOfTheScriptIsHandledOnceAfterSeveralConnects();
@@ -277,6 +279,20 @@ void TestEthernet::aScriptThatCannotBeStartedFailsTheConnect()
 
     QCOMPARE(recorder.take(), QStringList{state("failure")});
     QCOMPARE(calls(), QStringList());
+}
+
+void TestEthernet::aFailureIsAnsweredThenAnnouncedThenReturned()
+{
+    script.remove();
+    startDaemon();
+    BusMonitor monitor;
+
+    QCOMPARE(ethernet.call("connect"), failed(cannotSwitch));
+
+    QStringList kinds;
+    for (const QString &line : monitor.takeFromDaemon())
+        kinds << line.section(' ', 0, 0);
+    QCOMPARE(kinds, (QStringList{"error", "signal", "return"}));
 }
 
 void TestEthernet::connectWorksAgainOnceTheScriptCanBeStarted()
