@@ -85,10 +85,14 @@ def measure_idleness():
         time.sleep(SETTLING)
         first = before = daemon.sleeps()
         moments = 0
+        was_awake = False
         for _ in range(IDLE_SECONDS * SAMPLES_PER_SECOND):
             time.sleep(1 / SAMPLES_PER_SECOND)
             counts = daemon.sleeps()
-            moments += counts != before
+            is_awake = counts != before
+            # What falls on the border of two samples is one moment.
+            moments += is_awake and not was_awake
+            was_awake = is_awake
             before = counts
         woken = {}
         for thread, count in before.items():
