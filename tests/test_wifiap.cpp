@@ -1,3 +1,4 @@
+#include "busmonitor.h"
 #include "networkinterface.h"
 #include "networktest.h"
 #include "programs.h"
@@ -14,6 +15,7 @@ private Q_SLOTS:
 
     void aScriptThatRunsFails();
     void aScriptThatIsMissingFails();
+    void aFailureIsAnsweredThenAnnouncedThenReturned();
     void howTheScriptEndsDoesNotMatter();
     void nothingIsCheckedBeforeTheModuleHadTwoSeconds();
     void whateverIsLeftOutFails_data();
@@ -165,6 +167,21 @@ void TestWifiAp::aScriptThatIsMissingFails()
 
     QCOMPARE(announced(), failing);
     QVERIFY(written().contains("\nssid=Lab\n"));
+}
+
+void TestWifiAp::aFailureIsAnsweredThenAnnouncedThenReturned()
+{
+    script.remove();
+    begin();
+    BusMonitor monitor;
+
+    QCOMPARE(start(lab), cannotSwitch);
+
+    QStringList kinds;
+    for (const QString &line : monitor.takeFromDaemon())
+        kinds << line.section(' ', 0, 0);
+    // The first signal is that of the configuration.
+    QCOMPARE(kinds, (QStringList{"signal", "error", "signal", "return"}));
 }
 
 void TestWifiAp::howTheScriptEndsDoesNotMatter()
