@@ -306,6 +306,8 @@ void TestFileFaults::theDaemonDoesWithout()
     if (!isRunning)
         have(condition, place.path);
     QVERIFY(daemon.start());
+    // What the start stores has been written.
+    settle();
     if (isRunning)
         have(condition, place.path);
     settle();

@@ -15,6 +15,8 @@ private Q_SLOTS:
     void aFileThatCannotBeUsedIsAnEmptyOne_data();
     void aFileThatCannotBeUsedIsAnEmptyOne();
     void aFileThatCannotBeWrittenIsNotReported();
+    void whatIsNoFileIsNeitherReadNorWrittenWhileTheDaemonRuns_data();
+    void whatIsNoFileIsNeitherReadNorWrittenWhileTheDaemonRuns();
     void aLockThatAPowerCutHasLeftIsNotWaitedFor_data();
     void aLockThatAPowerCutHasLeftIsNotWaitedFor();
     void theFileIsNeverFilledWithDefaults();
@@ -137,6 +139,37 @@ void TestSettings::aFileThatCannotBeWrittenIsNotReported()
     QCOMPARE(users.call("getUser"), QStringLiteral("(\"user2\")"));
     QCOMPARE(daemon.log(), QString());
     QCOMPARE(snapshot("/opt/settings.ini"), QStringList{"folder"});
+}
+
+void TestSettings::whatIsNoFileIsNeitherReadNorWrittenWhileTheDaemonRuns_data()
+{
+    QTest::addColumn<QStringList>("command");
+    QTest::newRow("fifo") << QStringList{"mkfifo"};
+    QTest::newRow("device without an end") << QStringList{"ln", "-s", "/dev/zero"};
+}
+
+void TestSettings::whatIsNoFileIsNeitherReadNorWrittenWhileTheDaemonRuns()
+{
+    QFETCH(QStringList, command);
+    const QString file = "/opt/settings.ini";
+    // A device is read into memory, which should be the daemon's own alone.
+    daemon.setWrapper({"prlimit", "--as=1000000000"});
+    QVERIFY(daemon.start());
+    QTRY_COMPARE(readFile(file), fourUsers);
+    QVERIFY(QFile::remove(file));
+    command << file;
+    QCOMPARE(QProcess::execute(command.takeFirst(), command), 0);
+
+    QCOMPARE(users.call("setUser", {"user2"}), QStringLiteral("()"));
+    QCOMPARE(users.call("getUser"), QStringLiteral("(\"user2\")"));
+    const QFileInfo info(file);
+    QVERIFY(!info.isFile() && (info.exists() || info.isSymLink()));
+
+    // What cannot be stored holds all the same, until the next start.
+    const QString link = "/tmp/User_part/system";
+    QVERIFY(QFile::remove(link) && QDir().mkpath(link + "/folder"));
+    QVERIFY(users.call("setUser", {"user3"}).contains("Not able to overwrite"));
+    QVERIFY(users.call("setUser", {"user3"}).contains("User name is invalid."));
 }
 
 void TestSettings::aLockThatAPowerCutHasLeftIsNotWaitedFor_data()

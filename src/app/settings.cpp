@@ -26,14 +26,19 @@ void removeStrayLock()
 }
 
 /**
- * The settings file. The library would wait for whoever writes into a fifo in its place: something
- * below it is named then, which is no more to be had than the file itself.
+ * Whether the library may look at the settings file. It would wait for whoever writes into a fifo
+ * in its place, and read a device without an end to its end.
  */
-QString usableSettingsFile()
+bool isUsable()
 {
     const QFileInfo info(settingsFile);
-    const bool isUsable = !info.exists() || info.isFile() || info.isDir();
-    return isUsable ? settingsFile : settingsFile + QStringLiteral("/none");
+    return !info.exists() || info.isFile() || info.isDir();
+}
+
+/** The settings file, or, where it is not usable, something below it, which nobody has. */
+QString usableSettingsFile()
+{
+    return isUsable() ? settingsFile : settingsFile + QStringLiteral("/none");
 }
 } // namespace
 
@@ -46,6 +51,13 @@ Settings &Settings::instance()
 {
     static Settings settings;
     return settings;
+}
+
+void Settings::store(const QString &key, const QVariant &value)
+{
+    // The library reads the file again before it writes.
+    if (isUsable())
+        setValue(key, value);
 }
 
 const QString USER = QStringLiteral("Users/");

@@ -17,6 +17,12 @@ public:
     /** The one instance of the process, made on first use. */
     static Settings &instance();
 
+    /**
+     * Stores @p value under @p key; it is in the file soon afterwards. Where no file can be, as
+     * behind a link to a device, it is not stored, and the value that was read stays.
+     */
+    void store(const QString &key, const QVariant &value);
+
 private:
     Settings();
 };

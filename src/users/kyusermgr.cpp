@@ -181,21 +181,22 @@ int KyUserMgr::readCurrentUser(QString &user) const
 bool KyUserMgr::isValidUser(const QString &user) const
 {
     for (const QString &known : users) {
-        if (user == known)
-            return Settings::instance()
-                .value(usabilityKey(user), m_usability.value(user, false))
-                .toBool();
+        if (user == known) {
+            const bool isUsable = m_usability.value(user, false);
+            return isUsable && Settings::instance().value(usabilityKey(user), isUsable).toBool();
+        }
     }
     return false;
 }
 
 /**
- * Stores whether @p user is usable. It is remembered, too: whenever the settings are written, the
- * library takes over what the file holds by then, and that may be nothing.
+ * Stores whether @p user is usable. It is remembered, too: it may be that nothing can be stored,
+ * and whenever the settings are written, the library takes over what the file holds by then, which
+ * may be nothing.
  */
 void KyUserMgr::storeUsability(const QString &user, bool isUsable)
 {
-    Settings::instance().setValue(usabilityKey(user), isUsable);
+    Settings::instance().store(usabilityKey(user), isUsable);
     m_usability[user] = isUsable;
 }
 
