@@ -17,6 +17,7 @@ private Q_SLOTS:
     void linksPointToAbsoluteCleanPaths();
     void aLinkThatIsNoneHasNoTarget_data();
     void aLinkThatIsNoneHasNoTarget();
+    void noTargetIsLeftFromTheLinkBefore();
 
 private:
     QString pathOf(const QString &name) const { return m_folder.filePath(name); }
@@ -72,6 +73,19 @@ void TestLinkTarget::aLinkThatIsNoneHasNoTarget()
     QVERIFY(file.open(QIODevice::WriteOnly));
 
     QCOMPARE(linkTarget(pathOf(name)), QString());
+}
+
+void TestLinkTarget::noTargetIsLeftFromTheLinkBefore()
+{
+    const QByteArray link = QFile::encodeName(pathOf(QStringLiteral("absolute")));
+    QCOMPARE(symlink("/nowhere/user1_profile", link.constData()), 0);
+    const QString present = pathOf(QStringLiteral("absolute"));
+    const QString missing = pathOf(QStringLiteral("missing"));
+
+    const QString targets[] = {linkTarget(present), linkTarget(missing)};
+
+    QCOMPARE(targets[0], QStringLiteral("/nowhere/user1_profile"));
+    QCOMPARE(targets[1], QString());
 }
 
 QTEST_GUILESS_MAIN(TestLinkTarget)
