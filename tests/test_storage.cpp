@@ -49,6 +49,7 @@ private Q_SLOTS:
     void theKernelsOwnEventsAreAnnounced();
     void aBurstLosesNothingAndLeavesTheDaemonAnswering();
     void aListenerThatDoesNotGetToRunLosesNothing();
+    void aListenerThatLosesEventsHearsTheNextOnes();
 
     void withoutItsEventsTheDaemonServesInSilence_data();
     void withoutItsEventsTheDaemonServesInSilence();
@@ -533,6 +534,22 @@ void TestStorage::aListenerThatDoesNotGetToRunLosesNothing()
     QCOMPARE(kill(process, SIGCONT), 0);
 
     verifyBurstIsAnnounced(recorder);
+}
+
+void TestStorage::aListenerThatLosesEventsHearsTheNextOnes()
+{
+    QVERIFY(startListening());
+    SignalRecorder recorder("/KyDeviceMgr");
+    const pid_t process = static_cast<pid_t>(daemon.processId());
+
+    QCOMPARE(kill(process, SIGSTOP), 0);
+    while (KernelEvents::undelivered() == 0)
+        QVERIFY(Board::sendKernelEvent(kernelEvent("change", card) + QByteArray(8000, 'x'), 1000));
+    QCOMPARE(kill(process, SIGCONT), 0);
+    QVERIFY(KernelEvents::waitForEmptyQueues());
+    send({kernelEvent("add", keyPartition)});
+
+    QCOMPARE(recorder.waitFor(1), QStringList(keyIn));
 }
 
 void TestStorage::withoutItsEventsTheDaemonServesInSilence_data()

@@ -4,6 +4,7 @@
 
 #include <QTest>
 
+#include <algorithm>
 #include <linux/netlink.h>
 #include <sys/socket.h>
 #include <unistd.h>
@@ -52,6 +53,16 @@ int KernelEvents::undelivered()
     for (const QByteArrayList &columns : listenerTable())
         drops += columns[8].toInt();
     return drops;
+}
+
+bool KernelEvents::waitForEmptyQueues()
+{
+    const auto areEmpty = [] {
+        const QList<QByteArrayList> table = listenerTable();
+        return std::all_of(table.begin(), table.end(),
+                           [](const QByteArrayList &columns) { return columns[4] == "0"; });
+    };
+    return QTest::qWaitFor(areEmpty, deadline);
 }
 
 bool KernelEvents::isRoomUnlimited()

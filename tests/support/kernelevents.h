@@ -16,6 +16,9 @@ bool waitForListeners(int count);
 /** How many events the kernel could not deliver to those who listen now. */
 int undelivered();
 
+/** Waits until those who listen have taken all events that wait for them; false after 20 s. */
+bool waitForEmptyQueues();
+
 /** Whether programs of ours may make the room for undelivered events as large as they want. */
 bool isRoomUnlimited();
 } // namespace KernelEvents
