@@ -2,6 +2,7 @@
 #include "files.h"
 #include "profilefolder.h"
 
+#include <QDir>
 #include <QTemporaryDir>
 #include <QTest>
 
@@ -29,6 +30,8 @@ private Q_SLOTS:
     void erasingLeavesTheFolderItself();
     void erasingRemovesLinksNotTheirTargets();
     void aMissingFolderIsErased();
+    void whatCannotBeErasedIsTold_data();
+    void whatCannotBeErasedIsTold();
 
     void copyingMakesTheDestinationWithItsParents();
     void copyingTakesHiddenFilesAndFolders();
@@ -139,6 +142,22 @@ void TestProfileFolder::aMissingFolderIsErased()
 {
     QCOMPARE(eraseFolder(path("missing")), int(Error::None));
     QVERIFY(!QFile::exists(path("missing")));
+}
+
+void TestProfileFolder::whatCannotBeErasedIsTold_data()
+{
+    QTest::addColumn<QString>("folder");
+    // The kernel lets nobody remove anything there.
+    QTest::newRow("files") << "/proc/self/fdinfo";
+    QTest::newRow("folders") << "/proc/self/task";
+    QTest::newRow("a link to itself") << "circle";
+}
+
+void TestProfileFolder::whatCannotBeErasedIsTold()
+{
+    QFETCH(QString, folder);
+    QVERIFY(QFile::link(path("circle"), path("circle")));
+    QCOMPARE(eraseFolder(QDir(m_root->path()).absoluteFilePath(folder)), int(Error::Write));
 }
 
 void TestProfileFolder::copyingMakesTheDestinationWithItsParents()

@@ -7,6 +7,7 @@
 #include <QTest>
 
 #include <csignal>
+#include <malloc.h>
 
 /** Asking pidof for a program; a script of the test's own is the pidof that is found. */
 class TestPrograms : public QObject
@@ -23,6 +24,7 @@ private Q_SLOTS:
     void aProgramDoesNotRunWithoutPidof();
     void pidofIsGivenTheNameAlone();
     void aPidofThatHangsIsEndedAfterASecond();
+    void aMissingPidofLeavesNothingBehind();
     void theRealPidofKnowsThisTest();
 
 private:
@@ -98,6 +100,21 @@ void TestPrograms::aPidofThatHangsIsEndedAfterASecond()
 
     QVERIFY(pid > 0);
     QTRY_VERIFY(::kill(pid, 0) != 0);
+}
+
+void TestPrograms::aMissingPidofLeavesNothingBehind()
+{
+    qputenv("PATH", m_folder->path().toLocal8Bit());
+    const auto memoryAfterAsking = [](int times) {
+        for (int i = 0; i < times; ++i)
+            isProgramRunning("connmand");
+        QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
+        return mallinfo2().uordblks;
+    };
+    const size_t before = memoryAfterAsking(10);
+    // What is not deleted takes 1500 bytes each time; the library itself forgets 100.
+    const size_t grown = memoryAfterAsking(200) - before;
+    QVERIFY2(grown < size_t(200) * 500, qPrintable(QString::number(grown)));
 }
 
 void TestPrograms::theRealPidofKnowsThisTest()
