@@ -408,8 +408,11 @@ void TestAlimentation::theCheckRunsElevenTimesEveryTenSecondsAndThenEveryFiveMin
     const QStringList check = {announced("CHARGER_OFF_BAT_INF_60")};
 
     for (int number = 1; number <= 11; ++number) {
-        daemon.letTimePass(10);
-        QCOMPARE(recorder.waitFor(1), check);
+        // In two steps, so that a check that is due too early has a time of its own.
+        daemon.letTimePass(6);
+        const QStringList early = recorder.take();
+        daemon.letTimePass(4);
+        QCOMPARE(early + recorder.waitFor(1 - early.size()), check);
     }
     for (int number = 12; number <= 13; ++number) {
         daemon.letTimePass(270);

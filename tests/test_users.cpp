@@ -486,6 +486,9 @@ void TestUsers::anInterruptedResetThatCannotBeFinishedIsTriedAgain()
         QVERIFY(daemon.start());
     }
     QVERIFY(QFile::exists(mark("user1")));
+    // It is the daemon's own.
+    const QFile::Permissions ofUser = QFile::ReadUser | QFile::WriteUser | QFile::ExeUser;
+    QCOMPARE(QFile::permissions(mark("user1")) & ~ofUser, QFile::ReadOwner | QFile::WriteOwner);
     daemon.stop();
 
     QVERIFY(daemon.start());
