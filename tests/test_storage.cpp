@@ -614,9 +614,10 @@ void TestStorage::theStorageWaitsForItsListener()
     delete adaptor;
     isDestroyed = true;
 
-    QCOMPARE(KernelEvents::listeners(), 0);
+    // Until it is a program of its own, what the sender starts holds the listener's socket, too.
     QVERIFY(sender->wait(10000));
     delete sender;
+    QCOMPARE(KernelEvents::listeners(), 0);
 }
 
 WORLD_TEST_MAIN(TestStorage)
