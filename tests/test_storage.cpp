@@ -400,6 +400,8 @@ void TestStorage::eventsOfTheFirstPartitionsAreAnnounced_data()
     QTest::newRow("key in") << kernelEvent("add", keyPartition) << QStringList{keyIn};
     QTest::newRow("key out") << kernelEvent("remove", keyPartition) << QStringList{keyOut};
     QTest::newRow("header only") << QByteArray("add@/sda1") << QStringList{keyIn};
+    QTest::newRow("header of the greatest length")
+        << QByteArray("add@") + QByteArray(4087, 'd') + "sda1" << QStringList{keyIn};
     QTest::newRow("longer than the buffer")
         << kernelEvent("remove", keyPartition) + QByteArray(8000, 'x') << QStringList{keyOut};
 }
