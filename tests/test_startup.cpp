@@ -24,6 +24,7 @@ private Q_SLOTS:
     void theLogHasOneTextPerLineAndNothingElse();
 
     void versionIsPrintedAndNothingElseHappens();
+    void versionNamesTheDaemonUnderWhateverNameItIsStarted();
     void helpIsPrintedAndNothingElseHappens();
     void anUnknownOptionIsRefusedAndNothingElseHappens();
 
@@ -117,6 +118,14 @@ void TestStartup::versionIsPrintedAndNothingElseHappens()
     QCOMPARE(daemon.waitForExit(), 0);
     QCOMPARE(daemon.output(), QStringLiteral("KyBoardManager 2.06\n"));
     verifyNothingWasTouched();
+}
+
+void TestStartup::versionNamesTheDaemonUnderWhateverNameItIsStarted()
+{
+    daemon.setWrapper({"bash", "-c", "exec -a other \"$@\"", "bash"});
+    daemon.launch({"--version"});
+    QCOMPARE(daemon.waitForExit(), 0);
+    QCOMPARE(daemon.output(), QStringLiteral("KyBoardManager 2.06\n"));
 }
 
 void TestStartup::helpIsPrintedAndNothingElseHappens()
