@@ -84,6 +84,8 @@ void TestRegularFile::aFileIsTruncated()
     writeFile(m_path, "something long");
     QVERIFY(append("new", O_TRUNC));
     QCOMPARE(readFile(m_path), QByteArray("new"));
+    QVERIFY(append(QByteArray(), O_TRUNC));
+    QCOMPARE(readFile(m_path), QByteArray());
 }
 
 void TestRegularFile::aFileThatIsNotTruncatedKeepsItsEnd()

@@ -254,7 +254,7 @@ void TestWifiAttempt::aConnectThatTimesOutDecidesNothing()
     reach("association");
 
     daemon.letTimePass(25);
-    QVERIFY(daemon.waitForLog("Connect:"));
+    QVERIFY(daemon.waitForLog("Connect: \""));
 
     QCOMPARE(announced(), QStringList());
     connman.releaseMethod(connectLab);
@@ -275,7 +275,7 @@ void TestWifiAttempt::anEarlierConnectsReplyDoesNotDisturbALaterOne()
 
     connman.failMethod(connectLab, "net.connman.Error.OperationAborted", "Operation aborted");
     connman.releaseMethod(connectLab);
-    QVERIFY(daemon.waitForLog("Connect:"));
+    QVERIFY(daemon.waitForLog("Connect: \""));
 
     QCOMPARE(announced(), QStringList());
     connman.storeProperty(networkPath("Office"), "State", "ready");
