@@ -7,7 +7,7 @@
 
 void fail(const char *what, const char *why)
 {
-    fprintf(stderr, "%s: %s\n", what, why);
+    (void)fprintf(stderr, "%s: %s\n", what, why);
     exit(1);
 }
 

@@ -71,8 +71,8 @@ int main(int argc, char **argv)
     polled[clientCount].fd = STDIN_FILENO;
     polled[clientCount].events = POLLIN;
 
-    puts("ready");
-    fflush(stdout);
+    if (puts("ready") == EOF || fflush(stdout) != 0)
+        fail("standard output", "cannot be written");
     const double start = now();
     // What came while the last of them subscribed has been read already.
     for (int index = 0; index < clientCount; ++index)
@@ -88,5 +88,7 @@ int main(int argc, char **argv)
     for (int index = 1; index < clientCount; ++index)
         fewest = clients[index].received < fewest ? clients[index].received : fewest;
     printf("{\"received\": %d, \"seconds\": %.6f}\n", fewest, last > 0 ? (last - start) / 1e6 : 0);
+    free(polled);
+    free(clients);
     return 0;
 }

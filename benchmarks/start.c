@@ -37,7 +37,10 @@ int main(int argc, char **argv)
     DBusError error = DBUS_ERROR_INIT;
     DBusConnection *connection = connectToBus();
     char rule[300];
-    snprintf(rule, sizeof rule, "type='signal',member='NameOwnerChanged',arg0='%s'", argv[1]);
+    const int length =
+        snprintf(rule, sizeof rule, "type='signal',member='NameOwnerChanged',arg0='%s'", argv[1]);
+    if (length < 0 || (size_t)length >= sizeof rule)
+        fail("not a name of the bus", argv[1]);
     dbus_connection_add_filter(connection, notice, argv[1], NULL);
     dbus_bus_add_match(connection, rule, &error);
     if (dbus_error_is_set(&error))

@@ -45,8 +45,9 @@ Answer send(const QDBusMessage &message)
     const QDBusMessage reply = bus.call(message, QDBus::Block, replyTimeout);
     if (reply.type() == QDBusMessage::ErrorMessage)
         return {statusOf(reply), {}, reply.errorName(), reply.errorMessage()};
+    const QVariantList arguments = reply.arguments();
     QVariantList values;
-    for (const QVariant &value : reply.arguments())
+    for (const QVariant &value : arguments)
         values << plainValue(value);
     return {Success, values, {}, {}};
 }

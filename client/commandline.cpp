@@ -31,8 +31,9 @@ bool parseNumbers(const QString &word, QVariant &value)
             return false;
         text = QString::fromLatin1(file.readAll()).simplified();
     }
+    const QStringList parts = text.split(QRegExp(QStringLiteral("[, ]+")));
     QVariantList numbers;
-    for (const QString &part : text.split(QRegExp(QStringLiteral("[, ]+")))) {
+    for (const QString &part : parts) {
         bool isNumber = false;
         numbers << part.toUInt(&isNumber);
         if (!isNumber)

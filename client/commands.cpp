@@ -52,16 +52,6 @@ const qlonglong int32Minimum = std::numeric_limits<qint32>::min();
 const qlonglong int32Maximum = std::numeric_limits<qint32>::max();
 const qlonglong uint32Maximum = std::numeric_limits<quint32>::max();
 
-const QStringList users = {text("user1"), text("user2"), text("user3"), text("user4")};
-const QStringList storages = {text("SD"), text("USB")};
-const QStringList sensors = {text("SOM"), text("ANALOG_CHAIN")};
-const QStringList leds = {text("BAT_RS1"), text("BAT_GS1"),  text("BAT_GS2"),  text("BAT_GS3"),
-                          text("BAT_GS4"), text("BAT_GS5"),  text("UTC_SYNC"), text("RECORDING"),
-                          text("BT"),      text("WIFI"),     text("WPS"),      text("POWER_Y"),
-                          text("POWER_G"), text("SD_STATUS")};
-const QStringList ledStates = {text("OFF"), text("BLINK_1HZ"), text("BLINK_3HZ"), text("ON"),
-                               text("UNKNOWN")};
-
 QVector<Argument> ipv4Keys()
 {
     return {choice("Method", {text("dhcp"), text("manual"), text("off")}, "how the address is got"),
@@ -99,6 +89,15 @@ QVector<Argument> measureKeys()
 
 QVector<Command> makeCommands()
 {
+    const QStringList users = {text("user1"), text("user2"), text("user3"), text("user4")};
+    const QStringList storages = {text("SD"), text("USB")};
+    const QStringList sensors = {text("SOM"), text("ANALOG_CHAIN")};
+    const QStringList leds = {
+        text("BAT_RS1"), text("BAT_GS1"),  text("BAT_GS2"),   text("BAT_GS3"),  text("BAT_GS4"),
+        text("BAT_GS5"), text("UTC_SYNC"), text("RECORDING"), text("BT"),       text("WIFI"),
+        text("WPS"),     text("POWER_Y"),  text("POWER_G"),   text("SD_STATUS")};
+    const QStringList ledStates = {text("OFF"), text("BLINK_1HZ"), text("BLINK_3HZ"), text("ON"),
+                                   text("UNKNOWN")};
     const Outcome none = {};
     const QString ethernet = text("Ethernet");
     const QString wifi = text("WIFI");

@@ -2,6 +2,8 @@
 
 #include "present.h"
 
+#include <utility>
+
 namespace
 {
 QString valuesText(const Argument &argument)
@@ -177,7 +179,7 @@ QStringList completions(const QStringList &words)
     }
     candidates.removeDuplicates();
     QStringList fitting;
-    for (const QString &candidate : candidates) {
+    for (const QString &candidate : std::as_const(candidates)) {
         if (isNext(candidate, begun))
             fitting << candidate;
     }

@@ -110,13 +110,14 @@ ExitStatus reportOutcome(const Command &command, const Options &options, const F
     if (status == OutcomeFailed)
         fail(command, status, QStringLiteral("failed"));
     const bool bringsNetworks = command.outcome.success.isEmpty();
+    const QStringList states = follower.states();
     if (options.asJson)
         printJson(bringsNetworks ? toJson(follower.networks())
-                                 : QJsonValue(QJsonArray::fromStringList(follower.states())));
+                                 : QJsonValue(QJsonArray::fromStringList(states)));
     else if (bringsNetworks && status == Success)
         printNetworks(follower.networks());
-    else if (!follower.states().isEmpty())
-        print(follower.states().last() + QLatin1Char('\n'));
+    else if (!states.isEmpty())
+        print(states.last() + QLatin1Char('\n'));
     return status;
 }
 
@@ -234,7 +235,7 @@ QString takeOptions(QStringList &words, Options &options)
 QString noSuchCommand(const QStringList &words)
 {
     const QString complaint = QStringLiteral("no command '%1'; 'kyboardctl help%2' lists them");
-    const QString group = words.first();
+    const QString &group = words.first();
     return complaint.arg(words.join(QLatin1Char(' ')),
                          helpText({group}).isEmpty() ? QString() : QLatin1Char(' ') + group);
 }
@@ -253,7 +254,8 @@ ExitStatus showHelp(const QStringList &words)
 int run(QStringList words)
 {
     if (words.value(0) == QLatin1String("complete")) {
-        for (const QString &candidate : completions(words.mid(1)))
+        const QStringList candidates = completions(words.mid(1));
+        for (const QString &candidate : candidates)
             print(candidate + QLatin1Char('\n'));
         return Success;
     }

@@ -45,10 +45,11 @@ int Monitor::run()
 
 void Monitor::take(const QDBusMessage &message)
 {
-    QVariantList arguments;
-    for (const QVariant &argument : message.arguments())
-        arguments << plainValue(argument);
-    printLine(message.interface().mid(daemonService.size() + 1), message.member(), arguments);
+    const QVariantList arguments = message.arguments();
+    QVariantList values;
+    for (const QVariant &argument : arguments)
+        values << plainValue(argument);
+    printLine(message.interface().mid(daemonService.size() + 1), message.member(), values);
 }
 
 void Monitor::printLine(const QString &interface, const QString &signal,

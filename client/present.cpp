@@ -40,10 +40,11 @@ QString inlineText(const QVariant &value)
         break;
     }
     if (value.userType() != QMetaType::QString && value.canConvert<QVariantList>()) {
-        QStringList elements;
-        for (const QVariant &element : value.value<QVariantList>())
-            elements << inlineText(element);
-        return elements.join(QStringLiteral(", "));
+        const QVariantList elements = value.value<QVariantList>();
+        QStringList texts;
+        for (const QVariant &element : elements)
+            texts << inlineText(element);
+        return texts.join(QStringLiteral(", "));
     }
     return value.toString();
 }
@@ -75,8 +76,9 @@ QJsonValue toJson(const QVariant &value)
         return object;
     }
     if (value.userType() != QMetaType::QString && value.canConvert<QVariantList>()) {
+        const QVariantList elements = value.value<QVariantList>();
         QJsonArray array;
-        for (const QVariant &element : value.value<QVariantList>())
+        for (const QVariant &element : elements)
             array.append(toJson(element));
         return array;
     }

@@ -28,19 +28,25 @@ termios shown = {};
 void restoreTerminal(int signal)
 {
     tcsetattr(STDIN_FILENO, TCSANOW, &shown);
-    raise(signal);
+    static_cast<void>(raise(signal));
+}
+
+/** Has @p handler take the signals that end a program at the prompt. */
+void handleEnd(void (*handler)(int))
+{
+    for (const int signal : {SIGINT, SIGTERM, SIGHUP, SIGQUIT}) {
+        struct sigaction action = {};
+        action.sa_handler = handler;
+        // The signal that is raised in the handler comes after it, and ends the program.
+        action.sa_flags = static_cast<int>(SA_RESETHAND);
+        sigaction(signal, &action, nullptr);
+    }
 }
 
 /** Hides what is typed, until the program ends or showInput() is called. */
 void hideInput()
 {
-    for (const int signal : {SIGINT, SIGTERM, SIGHUP, SIGQUIT}) {
-        struct sigaction action = {};
-        action.sa_handler = restoreTerminal;
-        // The signal that is raised in the handler comes after it, and ends the program.
-        action.sa_flags = static_cast<int>(SA_RESETHAND);
-        sigaction(signal, &action, nullptr);
-    }
+    handleEnd(restoreTerminal);
     termios hidden = shown;
     hidden.c_lflag &= ~tcflag_t(ECHO);
     tcsetattr(STDIN_FILENO, TCSAFLUSH, &hidden);
@@ -49,8 +55,7 @@ void hideInput()
 void showInput()
 {
     tcsetattr(STDIN_FILENO, TCSAFLUSH, &shown);
-    for (const int signal : {SIGINT, SIGTERM, SIGHUP, SIGQUIT})
-        std::signal(signal, SIG_DFL);
+    handleEnd(SIG_DFL);
 }
 
 void write(std::FILE *stream, const QString &text)

@@ -2,6 +2,9 @@
 #include "require.h"
 #include "uevent.h"
 
+#include <algorithm>
+#include <string>
+
 /** What arrives at the socket of the kernel's events, from whomever. */
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t *data, std::size_t size)
 {
@@ -15,7 +18,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t *data, std::size_t size
     message += choices.rest();
 
     const StorageEvent event = storageEvent(message);
-    const std::string header = message.c_str();
+    const std::string header(message.begin(), std::find(message.begin(), message.end(), '\0'));
     require(storageEvent(header) == event, "the header alone decides");
     const bool isPartition =
         header.find("sda1") != std::string::npos || header.find("mmcblk0p1") != std::string::npos;

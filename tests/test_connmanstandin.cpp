@@ -509,7 +509,7 @@ QStringList TestConnmanStandIn::stateOf(const QString &service, const QStringLis
     QStringList states;
     for (const QString &signal : heard) {
         if (signal.startsWith(service))
-            states << signal.mid(service.size() + qstrlen(" PropertyChanged "));
+            states << signal.mid(service.size() + int(qstrlen(" PropertyChanged ")));
     }
     return states;
 }

@@ -69,7 +69,8 @@ private:
     void addEvents();
     Stimulus callStimulus(const QString &name, const Remote &remote, const QString &method,
                           const QVariantList &arguments);
-    Stimulus event(const QString &name, const QString &marker, const std::function<void()> &happen);
+    Stimulus eventStimulus(const QString &name, const QString &marker,
+                           const std::function<void()> &happen);
     Reference observe(const Stimulus &stimulus);
     void begin(const Stimulus &stimulus);
     void heal(const Stimulus &stimulus);
@@ -516,8 +517,8 @@ TestFaultMatrix::Stimulus TestFaultMatrix::callStimulus(const QString &name, con
 }
 
 /** A stimulus that nobody answers; @p marker is an operation that it reaches in any case. */
-TestFaultMatrix::Stimulus TestFaultMatrix::event(const QString &name, const QString &marker,
-                                                 const std::function<void()> &happen)
+TestFaultMatrix::Stimulus TestFaultMatrix::eventStimulus(const QString &name, const QString &marker,
+                                                         const std::function<void()> &happen)
 {
     Stimulus stimulus;
     stimulus.name = name;
@@ -543,7 +544,7 @@ TestFaultMatrix::Stimulus TestFaultMatrix::event(const QString &name, const QStr
 void TestFaultMatrix::addEvents()
 {
     const Stimulus battery =
-        event("battery timer", "KyBatmonitor.update", [this] { daemon.letTimePass(10); });
+        eventStimulus("battery timer", "KyBatmonitor.update", [this] { daemon.letTimePass(10); });
     const auto checkBattery = [battery] {
         battery.trigger();
         battery.finish();
@@ -574,13 +575,13 @@ void TestFaultMatrix::addEvents()
         }
     }
 
-    Stimulus temperatures = event("temperature timer", "KyTemperature.getTemperature",
-                                  [this] { daemon.letTimePass(1); });
+    Stimulus temperatures = eventStimulus("temperature timer", "KyTemperature.getTemperature",
+                                          [this] { daemon.letTimePass(1); });
     temperatures.prepare = [=] { temperature.call("setInterval", {1000}); };
     m_stimuli << temperatures;
 
-    Stimulus light =
-        event("light interrupt", "KyAls.interruptRead", [] { Board::set("als/lux", "900"); });
+    Stimulus light = eventStimulus("light interrupt", "KyAls.interruptRead",
+                                   [] { Board::set("als/lux", "900"); });
     light.heal = [this] {
         // An interrupt that could not be acknowledged is acknowledged now.
         daemon.letTimePass(1);
@@ -598,13 +599,13 @@ void TestFaultMatrix::addEvents()
 
     const auto insert = [] { Board::storage("insert", "SD"); };
     const auto remove = [] { Board::storage("remove", "SD"); };
-    Stimulus inserted = event("card inserted", "KyLeds.setLedState", insert);
+    Stimulus inserted = eventStimulus("card inserted", "KyLeds.setLedState", insert);
     inserted.heal = [=] {
         remove();
         insert();
     };
     m_stimuli << inserted;
-    Stimulus removed = event("card removed", "KyLeds.setLedState", remove);
+    Stimulus removed = eventStimulus("card removed", "KyLeds.setLedState", remove);
     removed.prepare = insert;
     removed.heal = [=] {
         insert();

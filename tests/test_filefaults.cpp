@@ -206,7 +206,11 @@ void TestFileFaults::have(const QString &condition, const QString &path)
         // What is made by the daemon alone is there already, empty.
         if (!QFile::exists(path))
             writeFile(path, QByteArray());
-        return condition == "on a full disk" ? fill(path) : makeReadOnly(path);
+        if (condition == "on a full disk")
+            fill(path);
+        else
+            makeReadOnly(path);
+        return;
     }
     removePath(path);
     if (condition == "a folder")

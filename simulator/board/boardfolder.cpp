@@ -82,7 +82,7 @@ void createFile(const std::string &file, const std::string &content)
     // Unlike a rename this leaves alone what somebody else made meanwhile.
     if (link(fresh.c_str(), path.c_str()) != 0 && errno != EEXIST)
         // Some file systems have no links.
-        rename(fresh.c_str(), path.c_str());
+        static_cast<void>(rename(fresh.c_str(), path.c_str()));
     unlink(fresh.c_str());
 }
 

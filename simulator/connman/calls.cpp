@@ -5,6 +5,7 @@
 #include "reply.h"
 
 #include <QTimer>
+#include <utility>
 
 Calls::Calls(Connman &connman, QObject *parent) : QObject(parent), m_connman(connman) {}
 
@@ -36,7 +37,7 @@ void Calls::release(const QString &call)
     m_rules.remove(CallRule::Hold, call);
     QList<QDBusMessage> stillHeld;
     QList<QDBusMessage> released;
-    for (const QDBusMessage &held : m_held)
+    for (const QDBusMessage &held : std::as_const(m_held))
         (m_rules.find(CallRule::Hold, journalLine(held)) ? stillHeld : released) << held;
     m_held = stillHeld;
     for (const QDBusMessage &held : released)

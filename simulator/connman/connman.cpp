@@ -8,6 +8,7 @@
 #include <QDBusVariant>
 
 #include <algorithm>
+#include <utility>
 namespace
 {
 const QString managerInterface = QStringLiteral("net.connman.Manager");
@@ -163,13 +164,14 @@ void Connman::announceServices()
 {
     ListedObjects list;
     QSet<QString> present;
-    for (const ListedObject &service : m_services) {
+    for (const ListedObject &service : std::as_const(m_services)) {
         present.insert(service.path.path());
         const bool isNew = !m_announced.contains(service.path.path());
         list.append({service.path, isNew ? service.properties : QVariantMap()});
     }
+    const QSet<QString> gone = m_announced - present;
     QList<QDBusObjectPath> removed;
-    for (const QString &path : m_announced - present)
+    for (const QString &path : gone)
         removed.append(QDBusObjectPath(path));
     m_announced = present;
     send(QStringLiteral("/"), managerInterface, QStringLiteral("ServicesChanged"),
@@ -246,27 +248,40 @@ void Connman::setTechnologyProperty(const QDBusMessage &call)
 {
     const QString name = call.arguments().at(0).toString();
     const QVariant value = withoutVariant(call.arguments().at(1));
-    if (name != QLatin1String("Powered"))
-        return refuse(call, "InvalidProperty", "Invalid property");
-    if (value.userType() != QMetaType::Bool)
-        return refuse(call, "InvalidArguments", "Invalid arguments");
-    if (value != property(call.path(), name)) {
-        if (m_lively)
-            return m_lively->setPowered(call, value.toBool());
-        storeProperty(call.path(), name, value);
-        return answer(call);
+    if (name != QLatin1String("Powered")) {
+        refuse(call, "InvalidProperty", "Invalid property");
+        return;
     }
-    if (value.toBool())
-        return refuse(call, "AlreadyEnabled", "Already enabled");
+    if (value.userType() != QMetaType::Bool) {
+        refuse(call, "InvalidArguments", "Invalid arguments");
+        return;
+    }
+    if (value != property(call.path(), name)) {
+        if (m_lively) {
+            m_lively->setPowered(call, value.toBool());
+            return;
+        }
+        storeProperty(call.path(), name, value);
+        answer(call);
+        return;
+    }
+    if (value.toBool()) {
+        refuse(call, "AlreadyEnabled", "Already enabled");
+        return;
+    }
     refuse(call, "AlreadyDisabled", "Already disabled");
 }
 
 void Connman::scan(const QDBusMessage &call)
 {
-    if (property(call.path(), QStringLiteral("Type")) != QLatin1String("wifi"))
-        return refuse(call, "NotSupported", "Not supported");
-    if (m_lively)
-        return m_lively->scan(call);
+    if (property(call.path(), QStringLiteral("Type")) != QLatin1String("wifi")) {
+        refuse(call, "NotSupported", "Not supported");
+        return;
+    }
+    if (m_lively) {
+        m_lively->scan(call);
+        return;
+    }
     answer(call);
 }
 
@@ -276,23 +291,32 @@ void Connman::setServiceProperty(const QDBusMessage &call)
     const QVariant value = withoutVariant(call.arguments().at(1));
     switch (judgeServiceProperty(name, value)) {
     case PropertyVerdict::InvalidProperty:
-        return refuse(call, "InvalidProperty", "Invalid property");
+        refuse(call, "InvalidProperty", "Invalid property");
+        return;
     case PropertyVerdict::InvalidArguments:
-        return refuse(call, "InvalidArguments", "Invalid arguments");
+        refuse(call, "InvalidArguments", "Invalid arguments");
+        return;
     case PropertyVerdict::Accepted:
-        if (m_lively)
-            return m_lively->setServiceProperty(call, name, value);
+        if (m_lively) {
+            m_lively->setServiceProperty(call, name, value);
+            return;
+        }
         storeProperty(call.path(), name, value);
-        return answer(call);
+        answer(call);
+        return;
     }
 }
 
 void Connman::connectService(const QDBusMessage &call)
 {
-    if (m_lively)
-        return m_lively->connectService(call);
-    if (!m_questions.contains(call.path()) || !m_agents.has(call.service()))
-        return answer(call);
+    if (m_lively) {
+        m_lively->connectService(call);
+        return;
+    }
+    if (!m_questions.contains(call.path()) || !m_agents.has(call.service())) {
+        answer(call);
+        return;
+    }
     const QList<QVariant> question = {QVariant::fromValue(QDBusObjectPath(call.path())),
                                       m_questions.value(call.path())};
     m_agents.call(call.service(), QStringLiteral("RequestInput"), question,
@@ -306,16 +330,22 @@ void Connman::connectService(const QDBusMessage &call)
 
 void Connman::disconnectService(const QDBusMessage &call)
 {
-    if (m_lively)
-        return m_lively->disconnectService(call);
+    if (m_lively) {
+        m_lively->disconnectService(call);
+        return;
+    }
     answer(call);
 }
 
 void Connman::removeService(const QDBusMessage &call)
 {
-    if (property(call.path(), QStringLiteral("Type")) == QLatin1String("ethernet"))
-        return refuse(call, "NotSupported", "Not supported");
-    if (m_lively)
-        return m_lively->removeService(call);
+    if (property(call.path(), QStringLiteral("Type")) == QLatin1String("ethernet")) {
+        refuse(call, "NotSupported", "Not supported");
+        return;
+    }
+    if (m_lively) {
+        m_lively->removeService(call);
+        return;
+    }
     answer(call);
 }

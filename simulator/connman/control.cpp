@@ -53,8 +53,11 @@ void Control::drive(const QDBusMessage &call)
     for (const Method &method : methods) {
         const QLatin1String signature(method.signature);
         if (call.member() == QLatin1String(method.name) &&
-            (method.open ? call.signature().startsWith(signature) : call.signature() == signature))
-            return (this->*method.drive)(call);
+            (method.open ? call.signature().startsWith(signature)
+                         : call.signature() == signature)) {
+            (this->*method.drive)(call);
+            return;
+        }
     }
     refuseUnknown(call, "UnknownMethod");
 }
@@ -201,9 +204,11 @@ void Control::askOnConnect(const QDBusMessage &call)
 void Control::callAgent(const QDBusMessage &call)
 {
     const QString connection = m_connman.agents().latest();
-    if (connection.isEmpty())
-        return refuse(call, interface + QStringLiteral(".NoAgent"),
-                      QStringLiteral("no agent is registered"));
+    if (connection.isEmpty()) {
+        refuse(call, interface + QStringLiteral(".NoAgent"),
+               QStringLiteral("no agent is registered"));
+        return;
+    }
     m_connman.agents().call(connection, textArgument(call, 0), call.arguments().mid(1),
                             [call](const QDBusMessage &reply) {
                                 if (reply.type() == QDBusMessage::ReplyMessage)

@@ -3,6 +3,7 @@
 #include "reply.h"
 
 #include <algorithm>
+#include <utility>
 
 namespace
 {
@@ -68,7 +69,7 @@ void Lively::setPowered(const QDBusMessage &call, bool powered)
     if (powered && answersFirst)
         answer(call);
     if (!powered) {
-        for (const ListedObject &service : m_surroundings) {
+        for (const ListedObject &service : std::as_const(m_surroundings)) {
             const QString path = service.path.path();
             if (technologyOf(path) == call.path() && isConnected(path)) {
                 tearDown(path);
@@ -79,7 +80,7 @@ void Lively::setPowered(const QDBusMessage &call, bool powered)
     change(call.path(), QStringLiteral("Powered"), powered);
     if (!powered || !answersFirst)
         answer(call);
-    for (const ListedObject &service : m_surroundings) {
+    for (const ListedObject &service : std::as_const(m_surroundings)) {
         if (technologyOf(service.path.path()) != call.path())
             continue;
         if (powered)
@@ -113,8 +114,10 @@ void Lively::setServiceProperty(const QDBusMessage &call, const QString &name,
 
 void Lively::connectService(const QDBusMessage &call)
 {
-    if (isConnected(call.path()))
-        return refuse(call, "AlreadyConnected", "Already connected");
+    if (isConnected(call.path())) {
+        refuse(call, "AlreadyConnected", "Already connected");
+        return;
+    }
     const QStringList security =
         m_connman.property(call.path(), QStringLiteral("Security")).toStringList();
     if (security.isEmpty() || security.contains(QStringLiteral("none")))
@@ -127,8 +130,10 @@ void Lively::connectService(const QDBusMessage &call)
 
 void Lively::disconnectService(const QDBusMessage &call)
 {
-    if (!isConnected(call.path()))
-        return refuse(call, "NotConnected", "Not connected");
+    if (!isConnected(call.path())) {
+        refuse(call, "NotConnected", "Not connected");
+        return;
+    }
     tearDown(call.path());
     answer(call);
 }
@@ -227,11 +232,15 @@ void Lively::askForPassphrase(const QDBusMessage &call)
                             {QVariant::fromValue(QDBusObjectPath(call.path())),
                              QVariantMap{{QStringLiteral("Passphrase"), field}}},
                             [this, call](const QDBusMessage &reply) {
-                                if (reply.type() != QDBusMessage::ReplyMessage)
-                                    return refuse(call, "OperationAborted", "Operation aborted");
+                                if (reply.type() != QDBusMessage::ReplyMessage) {
+                                    refuse(call, "OperationAborted", "Operation aborted");
+                                    return;
+                                }
                                 const QVariantMap answers = mapOf(reply.arguments().value(0));
-                                if (!answers.contains(QStringLiteral("Passphrase")))
-                                    return askForPassphrase(call);
+                                if (!answers.contains(QStringLiteral("Passphrase"))) {
+                                    askForPassphrase(call);
+                                    return;
+                                }
                                 join(call, answers.value(QStringLiteral("Passphrase")).toString());
                             });
 }
@@ -240,11 +249,15 @@ void Lively::join(const QDBusMessage &call, const QString &passphrase)
 {
     const QString service = call.path();
     const QString right = m_passphrases.value(service, passphrase);
-    if (!passphrase.isNull() && isMalformed(passphrase))
-        return refuseMalformed(call);
+    if (!passphrase.isNull() && isMalformed(passphrase)) {
+        refuseMalformed(call);
+        return;
+    }
     change(service, stateKey, QStringLiteral("association"));
-    if (passphrase != right)
-        return rejectPassphrase(call);
+    if (passphrase != right) {
+        rejectPassphrase(call);
+        return;
+    }
     change(service, stateKey, QStringLiteral("configuration"));
     change(service, stateKey, QStringLiteral("ready"));
     answer(call);

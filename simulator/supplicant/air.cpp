@@ -5,6 +5,7 @@
 
 #include <cstdio>
 #include <cstdlib>
+#include <utility>
 
 namespace
 {
@@ -57,8 +58,9 @@ void create(const QString &air)
 /** The first line of every file in @p folder. */
 QMap<QString, QByteArray> texts(const QString &folder)
 {
+    const QStringList names = QDir(folder).entryList(QDir::Files);
     QMap<QString, QByteArray> result;
-    for (const QString &name : QDir(folder).entryList(QDir::Files)) {
+    for (const QString &name : names) {
         QFile file(folder + '/' + name);
         if (!file.open(QIODevice::ReadOnly))
             continue;
@@ -68,6 +70,12 @@ QMap<QString, QByteArray> texts(const QString &folder)
         result.insert(name, line);
     }
     return result;
+}
+
+/** The names of the access points of the air in @p folder. */
+QStringList namesIn(const QString &folder)
+{
+    return QDir(folder).entryList(QDir::Dirs | QDir::NoDotAndDotDot);
 }
 } // namespace
 
@@ -90,8 +98,9 @@ void Air::read()
 {
     // What is written from here on is announced, and what was written before is read.
     watch();
+    const QStringList names = namesIn(m_folder);
     AccessPoints found;
-    for (const QString &name : QDir(m_folder).entryList(QDir::Dirs | QDir::NoDotAndDotDot)) {
+    for (const QString &name : names) {
         const AccessPoint accessPoint =
             accessPointFrom(texts(m_folder + '/' + name), m_accessPoints.value(name));
         if (!accessPoint.ssid.isEmpty())
@@ -102,13 +111,15 @@ void Air::read()
 
 void Air::watch()
 {
+    const QStringList names = namesIn(m_folder);
     QStringList paths{m_folder};
-    for (const QString &name : QDir(m_folder).entryList(QDir::Dirs | QDir::NoDotAndDotDot)) {
+    for (const QString &name : names) {
         const QDir folder(m_folder + '/' + name);
+        const QStringList files = folder.entryList(QDir::Files);
         paths << folder.path();
-        for (const QString &file : folder.entryList(QDir::Files))
+        for (const QString &file : files)
             paths << folder.filePath(file);
     }
-    for (const QString &path : paths)
+    for (const QString &path : std::as_const(paths))
         m_watcher.addPath(path);
 }

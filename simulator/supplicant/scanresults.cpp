@@ -1,5 +1,7 @@
 #include "scanresults.h"
 
+#include <utility>
+
 namespace
 {
 bool isSameObject(const ScanResults::Result &one, const ScanResults::Result &other)
@@ -28,9 +30,9 @@ ScanResults::Difference ScanResults::update(const AccessPoints &air,
             find({entry.key(), true, {}, bssProperties(entry.key(), *entry, true)}, results,
                  difference);
     }
-    for (const Result &result : m_results) {
+    for (const Result &result : std::as_const(m_results)) {
         bool isLeft = false;
-        for (const Result &found : results)
+        for (const Result &found : std::as_const(results))
             isLeft = isLeft || found.path == result.path;
         if (!isLeft)
             difference.removed << result.path;
@@ -43,7 +45,7 @@ ScanResults::Difference ScanResults::update(const AccessPoints &air,
 void ScanResults::find(const Result &result, QList<Result> &results, Difference &difference)
 {
     Result found = result;
-    for (const Result &before : m_results) {
+    for (const Result &before : std::as_const(m_results)) {
         if (!isSameObject(before, found))
             continue;
         found.path = before.path;
@@ -61,14 +63,14 @@ void ScanResults::find(const Result &result, QList<Result> &results, Difference 
 QList<QDBusObjectPath> ScanResults::paths() const
 {
     QList<QDBusObjectPath> result;
-    for (const Result &entry : m_results)
+    for (const Result &entry : std::as_const(m_results))
         result << entry.path;
     return result;
 }
 
 QDBusObjectPath ScanResults::pathOf(const QString &folder) const
 {
-    for (const Result &entry : m_results) {
+    for (const Result &entry : std::as_const(m_results)) {
         if (entry.folder == folder && entry.isNamed)
             return entry.path;
     }
@@ -77,7 +79,7 @@ QDBusObjectPath ScanResults::pathOf(const QString &folder) const
 
 QVariantMap ScanResults::properties(const QString &path) const
 {
-    for (const Result &entry : m_results) {
+    for (const Result &entry : std::as_const(m_results)) {
         if (entry.path.path() == path)
             return entry.properties;
     }

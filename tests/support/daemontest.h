@@ -38,7 +38,7 @@ protected Q_SLOTS:
     {                                                                                              \
         if (!QFile::exists(QStringLiteral("/run/private-world")))                                  \
             qFatal("this test writes to /opt and /tmp: run it in a private world");                \
-        QCoreApplication application(argc, argv);                                                  \
+        QCoreApplication itself(argc, argv);                                                       \
         Test test;                                                                                 \
         return QTest::qExec(&test, argc, argv);                                                    \
     }

@@ -13,7 +13,9 @@
 class ModeScript
 {
 public:
+    ModeScript() = default;
     ~ModeScript();
+    Q_DISABLE_COPY(ModeScript)
 
     /** Installs script and templates afresh, with nothing told and an empty log. */
     void install();

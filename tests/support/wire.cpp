@@ -57,9 +57,11 @@ private:
     {
         switch (const int code = dbus_signature_iter_get_current_type(&type)) {
         case DBUS_TYPE_ARRAY:
-            return writeArray(end, type);
+            writeArray(end, type);
+            return;
         case DBUS_TYPE_VARIANT:
-            return writeVariant(end);
+            writeVariant(end);
+            return;
         case DBUS_TYPE_STRUCT:
         case DBUS_TYPE_DICT_ENTRY: {
             DBusMessageIter inside;
@@ -71,7 +73,8 @@ private:
             return;
         }
         default:
-            return writeBasic(end, code);
+            writeBasic(end, code);
+            return;
         }
     }
 
