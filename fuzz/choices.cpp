@@ -195,7 +195,7 @@ std::string Choices::text(std::size_t most)
 
 std::string Choices::rest()
 {
-    const std::string left(reinterpret_cast<const char *>(m_data), m_size);
+    std::string left(reinterpret_cast<const char *>(m_data), m_size);
     m_size = 0;
     return left;
 }

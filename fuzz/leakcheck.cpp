@@ -14,15 +14,14 @@
  */
 
 // GCC's library has it, and no header for it.
-extern "C" std::size_t __sanitizer_get_current_allocated_bytes();
+extern "C" std::size_t allocatedBytes() asm("__sanitizer_get_current_allocated_bytes");
 
 namespace
 {
 void tellAllocated(int)
 {
     char text[32];
-    const int length =
-        std::snprintf(text, sizeof text, "%zu\n", __sanitizer_get_current_allocated_bytes());
+    const int length = std::snprintf(text, sizeof text, "%zu\n", allocatedBytes());
     const int descriptor = open("/run/allocated", O_WRONLY | O_CREAT | O_CLOEXEC, 0600);
     const ssize_t written = write(descriptor, text, static_cast<size_t>(length));
     static_cast<void>(written);
@@ -40,7 +39,7 @@ void lookForLeaks(int)
 {
     // The programs that it starts are not checked.
     unsetenv("LD_PRELOAD");
-    signal(SIGUSR1, tellAllocated);
-    signal(SIGUSR2, lookForLeaks);
+    if (signal(SIGUSR1, tellAllocated) == SIG_ERR || signal(SIGUSR2, lookForLeaks) == SIG_ERR)
+        std::abort();
 }
 } // namespace

@@ -111,14 +111,14 @@ std::string anyType(Choices &choices, int depth)
 
 std::string deepType(Choices &choices)
 {
-    const int most = 32;
+    const std::size_t most = 32;
     const bool isOfArrays = !choices.oneIn(3);
     const bool isOfStructures = !isOfArrays || choices.oneIn(2);
     std::string type = anyBasicType(choices);
-    for (int level = 0; level < most && isOfStructures; ++level)
-        type = '(' + type + ')';
-    for (int level = 0; level < most && isOfArrays; ++level)
-        type = 'a' + type;
+    if (isOfStructures)
+        type = std::string(most, '(') + type + std::string(most, ')');
+    if (isOfArrays)
+        type.insert(0, most, 'a');
     return type;
 }
 

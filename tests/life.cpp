@@ -18,7 +18,7 @@ namespace
 {
 const int deadline = 20000;
 const int minute = 60;
-const int minutesOfRound = 10;
+const qint64 minutesOfRound = 10;
 /** From here on nothing may grow: every kind of round was there once. */
 const int warmUpRounds = 3;
 /** What the allocator may still gather after that, in kB. */
@@ -52,7 +52,7 @@ void tell(const QString &line)
 {
     const QByteArray bytes = line.toUtf8() + '\n';
     if (write(3, bytes.constData(), size_t(bytes.size())) != bytes.size())
-        std::fputs(bytes.constData(), stdout);
+        static_cast<void>(std::fputs(bytes.constData(), stdout));
 }
 
 /** A client in a process of its own that prints every signal. */
@@ -632,11 +632,11 @@ int main(int argc, char *argv[])
     if (!QFile::exists(QStringLiteral("/run/private-world")))
         qFatal("this test writes to /opt and /tmp: run it in a private world");
     if (argc == 3) {
-        hours = std::atoi(argv[1]);
-        clients = std::atoi(argv[2]);
+        hours = QByteArray(argv[1]).toInt();
+        clients = QByteArray(argv[2]).toInt();
     }
     if (hours < 1 || clients < 1) {
-        std::fputs("usage: life [HOURS CLIENTS]\n", stderr);
+        static_cast<void>(std::fputs("usage: life [HOURS CLIENTS]\n", stderr));
         return 2;
     }
     // A day takes longer than other tests may.

@@ -2,19 +2,22 @@
 
 #include <csignal>
 
-extern "C" void __gcov_dump(void);
+extern "C" void dumpCounts() asm("__gcov_dump");
 
 namespace
 {
 void dumpAndEnd(int number)
 {
-    __gcov_dump();
-    std::signal(number, SIG_DFL);
-    std::raise(number);
+    dumpCounts();
+    // It comes after the handler, and ends the program.
+    static_cast<void>(std::raise(number));
 }
 
 [[gnu::constructor]] void dumpAtEnd()
 {
-    std::signal(SIGTERM, dumpAndEnd);
+    struct sigaction action = {};
+    action.sa_handler = dumpAndEnd;
+    action.sa_flags = static_cast<int>(SA_RESETHAND);
+    sigaction(SIGTERM, &action, nullptr);
 }
 } // namespace

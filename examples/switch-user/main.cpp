@@ -3,7 +3,7 @@
 
 #include <QCoreApplication>
 
-#include <cstdio>
+#include <iostream>
 
 // switch-user NAME: makes another profile the active one, and ends when that is done.
 int main(int argc, char *argv[])
@@ -16,15 +16,16 @@ int main(int argc, char *argv[])
     // The daemon announces nothing when that profile is the active one already.
     if (users.getUser().value() == name)
         return 0;
-    QObject::connect(&users, &BoardManagerUsers::userChanged, [&](const QString &user) {
-        std::printf("The active profile is that of %s\n", qPrintable(user));
-        application.quit();
-    });
+    QObject::connect(&users, &BoardManagerUsers::userChanged, &application,
+                     [&](const QString &user) {
+                         std::cout << "The active profile is that of " << qPrintable(user) << '\n';
+                         application.quit();
+                     });
     QDBusPendingReply<> reply = users.setUser(name);
     reply.waitForFinished();
     if (!reply.isError())
         return application.exec();
-    std::fprintf(stderr, "%s: %s\n", qPrintable(reply.error().name()),
-                 qPrintable(reply.error().message()));
+    std::cerr << qPrintable(reply.error().name()) << ": " << qPrintable(reply.error().message())
+              << '\n';
     return 1;
 }

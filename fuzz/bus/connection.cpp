@@ -13,7 +13,7 @@ const int patience = 60000;
 
 void giveUp(const std::string &why)
 {
-    std::fprintf(stderr, "hostilebus: %s\n", why.c_str());
+    static_cast<void>(std::fprintf(stderr, "hostilebus: %s\n", why.c_str()));
     std::exit(1);
 }
 

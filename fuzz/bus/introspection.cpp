@@ -23,6 +23,11 @@ std::string attribute(const std::string &tag, const char *name)
     return std::regex_search(tag, found, pattern) ? found[1].str() : std::string();
 }
 
+std::string childOf(const std::string &path, const std::string &name)
+{
+    return (path == "/" ? path : path + '/') + name;
+}
+
 void readDocument(Connection &connection, const std::string &path, Interfaces &interfaces)
 {
     static const std::regex tags("<(interface|method|property|arg|node|signal) [^>]*>");
@@ -43,7 +48,7 @@ void readDocument(Connection &connection, const std::string &path, Interfaces &i
         } else if (kind == "property") {
             interfaces.properties.push_back({path, interface, name});
         } else if (kind == "node" && !name.empty()) {
-            below.push_back((path == "/" ? path : path + '/') + name);
+            below.push_back(childOf(path, name));
         } else if (kind == "arg" && isInMethod) {
             Method &method = interfaces.methods.back();
             (attribute(text, "direction") == "out" ? method.reply : method.parameters) +=

@@ -67,7 +67,7 @@ long privateMemoryOf(int process)
 long allocatedBy(int process)
 {
     static const char path[] = "/run/allocated";
-    std::remove(path);
+    static_cast<void>(std::remove(path));
     kill(process, SIGUSR1);
     const Clock::time_point deadline = Clock::now() + std::chrono::seconds(20);
     std::string line;
@@ -316,6 +316,7 @@ Options readOptions(int argc, char *argv[])
 
 int main(int argc, char *argv[])
 {
-    setvbuf(stdout, nullptr, _IOLBF, 0);
+    if (setvbuf(stdout, nullptr, _IOLBF, 0) != 0)
+        giveUp("what is found cannot be told line by line");
     return HostileBus(readOptions(argc, argv)).run();
 }

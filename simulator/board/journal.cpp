@@ -22,8 +22,8 @@ void writeJournal(const std::string &line)
     timespec now = {};
     clock_gettime(CLOCK_MONOTONIC, &now);
     char time[40];
-    std::snprintf(time, sizeof time, "%lld.%06ld ", static_cast<long long>(now.tv_sec),
-                  now.tv_nsec / 1000);
+    static_cast<void>(std::snprintf(time, sizeof time, "%lld.%06ld ",
+                                    static_cast<long long>(now.tv_sec), now.tv_nsec / 1000));
     const std::string entry = time + line + '\n';
     if (write(journal.get(), entry.data(), entry.size()) < 0)
         std::perror("journal of the board");

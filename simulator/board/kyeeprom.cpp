@@ -84,7 +84,7 @@ int KyEeprom::readEeprom(e_eeprom eeprom, char **buffer, unsigned int offset, un
     Bytes bytes;
     const int status = call.read(hasBuffer ? &bytes : nullptr, nonsense,
                                  [=] { return readBytes(eeprom, offset, size); });
-    if (status == 0)
+    if (status == 0 && hasBuffer)
         std::memcpy(*buffer, bytes.content.data(), bytes.content.size());
     return status;
 }

@@ -17,7 +17,7 @@ const unsigned int chargerPresentBit = 1u << 30;
 std::optional<unsigned int> readRegister(unsigned short reg)
 {
     char file[16];
-    std::snprintf(file, sizeof file, "soc/0x%x", reg);
+    static_cast<void>(std::snprintf(file, sizeof file, "soc/0x%x", reg));
     const auto value = readNumber<unsigned int>(file, 0, UINT_MAX);
     if (!value || reg != statusRegister)
         return value;

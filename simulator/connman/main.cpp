@@ -14,7 +14,8 @@ int main(int argc, char *argv[])
     QDBusConnection bus = QDBusConnection::systemBus();
     if (!bus.registerVirtualObject(QStringLiteral("/"), &face, QDBusConnection::SubPath) ||
         !bus.registerService(QStringLiteral("net.connman"))) {
-        std::fprintf(stderr, "connmand: %s\n", qPrintable(bus.lastError().message()));
+        static_cast<void>(
+            std::fprintf(stderr, "connmand: %s\n", qPrintable(bus.lastError().message())));
         return EXIT_FAILURE;
     }
     return QCoreApplication::exec();

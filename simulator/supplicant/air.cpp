@@ -35,7 +35,8 @@ void write(const QString &path, const char *text)
 {
     QFile file(path);
     if (!file.open(QIODevice::WriteOnly) || file.write(QByteArray(text) + '\n') < 0) {
-        std::fprintf(stderr, "wpa_supplicant: cannot write %s\n", qPrintable(path));
+        static_cast<void>(
+            std::fprintf(stderr, "wpa_supplicant: cannot write %s\n", qPrintable(path)));
         std::exit(EXIT_FAILURE);
     }
 }

@@ -13,7 +13,8 @@ int main(int argc, char *argv[])
     QDBusConnection bus = QDBusConnection::systemBus();
     if (!bus.registerVirtualObject(Supplicant::path, &face, QDBusConnection::SubPath) ||
         !bus.registerService(QStringLiteral("fi.w1.wpa_supplicant1"))) {
-        std::fprintf(stderr, "wpa_supplicant: %s\n", qPrintable(bus.lastError().message()));
+        static_cast<void>(
+            std::fprintf(stderr, "wpa_supplicant: %s\n", qPrintable(bus.lastError().message())));
         return EXIT_FAILURE;
     }
     return QCoreApplication::exec();

@@ -33,6 +33,7 @@ void DaemonTest::cleanup()
 {
     daemon.stop();
     if (QTest::currentTestFailed())
-        std::fprintf(stderr, "---- the daemon's log ----\n%s---- its output ----\n%s----\n",
-                     qPrintable(daemon.log()), qPrintable(daemon.output()));
+        static_cast<void>(
+            std::fprintf(stderr, "---- the daemon's log ----\n%s---- its output ----\n%s----\n",
+                         qPrintable(daemon.log()), qPrintable(daemon.output())));
 }

@@ -219,7 +219,8 @@ int main(int argc, char *argv[])
     for (; index < argc && std::strcmp(argv[index], "--") != 0; ++index)
         folders.emplace_back(argv[index]);
     if (index + 1 >= argc) {
-        std::fputs("usage: powercut CONTROL FOLDER... -- PROGRAM [ARGUMENT...]\n", stderr);
+        static_cast<void>(
+            std::fputs("usage: powercut CONTROL FOLDER... -- PROGRAM [ARGUMENT...]\n", stderr));
         return 126;
     }
     int ready[2];

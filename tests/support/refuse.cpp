@@ -64,6 +64,7 @@ int main(int argc, char *argv[])
         std::perror(argv[2]);
         return 126;
     }
-    std::fputs("usage: refuse socket|bind|receive|pidfd PROGRAM [ARGUMENT...]\n", stderr);
+    static_cast<void>(
+        std::fputs("usage: refuse socket|bind|receive|pidfd PROGRAM [ARGUMENT...]\n", stderr));
     return 126;
 }
