@@ -16,6 +16,7 @@ enum ExitStatus {
     InterfaceAbsent = 4, ///< this model of the instrument has no such interface
     OutcomeFailed = 5,   ///< what was started ended in failure
     OutcomeMissing = 6,  ///< what was started did not come to an end in time
+    OutputLost = 7,      ///< what was done cannot be told: standard output takes nothing more
 };
 
 /** The answer to a call: its plain values, or why there are none. */

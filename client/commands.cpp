@@ -277,6 +277,7 @@ const QVector<StatusMeaning> &exitStatuses()
         {InterfaceAbsent, text("this model of the instrument has no such interface")},
         {OutcomeFailed, text("the operation failed")},
         {OutcomeMissing, text("the operation came to no end in time")},
+        {OutputLost, text("done, but standard output cannot be written")},
     };
     return table;
 }

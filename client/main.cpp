@@ -293,5 +293,9 @@ int main(int argc, char *argv[])
     QCoreApplication application(argc, argv);
     QCoreApplication::setApplicationName(QStringLiteral("kyboardctl"));
     QCoreApplication::setApplicationVersion(QStringLiteral(KYBOARDMANAGER_VERSION));
-    return run(QCoreApplication::arguments().mid(1));
+    const int status = run(QCoreApplication::arguments().mid(1));
+    if (status != Success || isAllPrinted())
+        return status;
+    complain(QStringLiteral("standard output cannot be written"));
+    return OutputLost;
 }

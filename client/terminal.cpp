@@ -61,14 +61,20 @@ void showInput()
 void write(std::FILE *stream, const QString &text)
 {
     const QByteArray bytes = text.toUtf8();
-    std::fwrite(bytes.constData(), 1, size_t(bytes.size()), stream);
-    std::fflush(stream);
+    // The stream remembers that something was lost.
+    static_cast<void>(std::fwrite(bytes.constData(), 1, size_t(bytes.size()), stream));
+    static_cast<void>(std::fflush(stream));
 }
 } // namespace
 
 void print(const QString &text)
 {
     write(stdout, text);
+}
+
+bool isAllPrinted()
+{
+    return std::ferror(stdout) == 0;
 }
 
 void complain(const QString &text)

@@ -6,6 +6,9 @@
 /** Writes @p text to standard output. */
 void print(const QString &text);
 
+/** Whether all that was printed has been written. */
+bool isAllPrinted();
+
 /** Writes "kyboardctl: " and @p text, a line, to standard error. */
 void complain(const QString &text);
 

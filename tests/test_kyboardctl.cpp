@@ -48,6 +48,7 @@ class TestKyboardctl : public DaemonTest
 private Q_SLOTS:
     void valuesArePrinted();
     void valuesForMachinesAreJson();
+    void whatIsLostOnItsWayIsNoSuccess();
     void whatIsSetIsSet();
     void theDaemonsErrorsAreToldWithNameAndText();
     void aWrongCommandLineSendsNothing_data();
@@ -108,6 +109,18 @@ void TestKyboardctl::valuesForMachinesAreJson()
     QCOMPARE(leds.size(), 14);
     QCOMPARE(leds.value("WIFI").toString(), QStringLiteral("OFF"));
     QCOMPARE(run({"--json", "user", "set", "user1"}).output, QStringLiteral("null\n"));
+}
+
+void TestKyboardctl::whatIsLostOnItsWayIsNoSuccess()
+{
+    QVERIFY(daemon.start());
+    QProcess client;
+    client.setStandardOutputFile("/dev/full");
+    client.start("kyboardctl", {"user", "get"});
+    QVERIFY(client.waitForFinished(30000));
+    QCOMPARE(client.exitCode(), 7);
+    QCOMPARE(client.readAllStandardError(),
+             QByteArray("kyboardctl: standard output cannot be written\n"));
 }
 
 void TestKyboardctl::whatIsSetIsSet()
