@@ -4,6 +4,8 @@
 #include "help.h"
 #include "require.h"
 
+#include <utility>
+
 namespace
 {
 QString word(Choices &choices, const Command &command)
@@ -42,7 +44,8 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t *data, std::size_t size
             "a command is found, whatever follows it");
 
     const QStringList begun = command.words.split(QLatin1Char(' ')).mid(0, 1) + words;
-    for (const QString &completion : completions(begun))
+    const QStringList completed = completions(begun);
+    for (const QString &completion : completed)
         require(completion.startsWith(begun.last()), "what is completed goes on as it began");
     // It writes everything there is, nearly always.
     if (choices.oneIn(20))
@@ -52,7 +55,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t *data, std::size_t size
     QString complaint;
     if (parseArguments(command, words, readSecret, arguments, complaint)) {
         require(arguments.size() == command.arguments.size(), "every argument has a value");
-        for (const QVariant &argument : arguments)
+        for (const QVariant &argument : std::as_const(arguments))
             require(argument.isValid(), "every value can be sent");
     } else {
         require(!complaint.isEmpty(), "there is a complaint about what is wrong");

@@ -10,8 +10,9 @@
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t *data, std::size_t size)
 {
     Choices choices(data, size);
+    const QVariantList received = Peer::instance().receiveAnything(choices);
     QVariantList values;
-    for (const QVariant &value : Peer::instance().receiveAnything(choices))
+    for (const QVariant &value : received)
         values << plainValue(value);
 
     const QString text = replyText(values);

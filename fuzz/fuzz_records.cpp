@@ -11,8 +11,9 @@ const QString crc = QStringLiteral("CRC");
 
 QVector<quint32> coefficientsOf(const QVariantMap &map)
 {
+    const QVariantList elements = map.value(QStringLiteral("AdjustementCoefficients")).toList();
     QVector<quint32> coefficients;
-    for (const QVariant &element : map.value(QStringLiteral("AdjustementCoefficients")).toList())
+    for (const QVariant &element : elements)
         coefficients << element.toUInt();
     return coefficients;
 }

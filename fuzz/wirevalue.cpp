@@ -186,15 +186,19 @@ void ValueWriter::appendBasic(DBusMessageIter &end, int type)
 {
     switch (type) {
     case DBUS_TYPE_STRING:
-        return appendText(end, type,
-                          m_choices.oneIn(200) ? std::string(m_choices.below(70000), 'x')
-                                               : m_choices.text());
+        appendText(end, type,
+                   m_choices.oneIn(200) ? std::string(m_choices.below(70000), 'x')
+                                        : m_choices.text());
+        return;
     case DBUS_TYPE_OBJECT_PATH:
-        return appendText(end, type, anyPath(m_choices));
+        appendText(end, type, anyPath(m_choices));
+        return;
     case DBUS_TYPE_SIGNATURE:
-        return appendText(end, type, anyType(m_choices, 2));
+        appendText(end, type, anyType(m_choices, 2));
+        return;
     case DBUS_TYPE_UNIX_FD:
-        return appendDescriptor(end);
+        appendDescriptor(end);
+        return;
     default:
         break;
     }

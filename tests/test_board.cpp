@@ -360,7 +360,7 @@ void TestBoard::addOperations()
 
 void TestBoard::cleanup()
 {
-    std::setlocale(LC_ALL, "C.UTF-8");
+    QVERIFY(std::setlocale(LC_ALL, "C.UTF-8"));
 }
 
 void TestBoard::aNewBoardHasSensibleValues_data()

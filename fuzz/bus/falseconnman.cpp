@@ -196,8 +196,10 @@ void FalseConnman::behave()
 
 void FalseConnman::act(Choices &choices, const Interfaces &interfaces)
 {
-    if (choices.oneIn(200))
-        return appear();
+    if (choices.oneIn(200)) {
+        appear();
+        return;
+    }
     const std::uint32_t kind = choices.below(4);
     const Message signal = kind == 0   ? servicesChanged(choices)
                            : kind == 1 ? makeForgery(choices, interfaces)
