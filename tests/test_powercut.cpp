@@ -135,7 +135,7 @@ QStringList TestPowerCut::callsOf(const Scenario &scenario)
     startWithCut(0);
     const QString reply = users.call(scenario.method, {scenario.user});
     const QString last = scenario.method == "setUser" ? "unlink /opt/settings.ini.lock" : " close ";
-    if (reply != "()" || !QTest::qWaitFor([&] { return log().filter(last).size() > 0; }, 20000))
+    if (reply != "()" || !QTest::qWaitFor([&] { return !log().filter(last).isEmpty(); }, 20000))
         return {};
     return log();
 }

@@ -36,7 +36,9 @@ TestQtNewer::Finding TestQtNewer::check(const QStringList &arguments)
 
 void TestQtNewer::theDaemonAndTheClientUseNothingNewer()
 {
-    const Finding finding = check({SOURCES "/src", SOURCES "/client", "--", DAEMON, CLIENT});
+    const QString daemonSources = SOURCES "/src";
+    const QString clientSources = SOURCES "/client";
+    const Finding finding = check({daemonSources, clientSources, "--", DAEMON, CLIENT});
     QCOMPARE(finding.lines, QStringList());
     QCOMPARE(finding.status, 0);
 }
@@ -98,10 +100,10 @@ void TestQtNewer::functionsOfTheLibrariesAreFoundInAProgram()
              (QStringList{found("QDir::isEmpty(QFlags<QDir::Filter>) const is of Qt 5.9"),
                           found("QMessageLogger::info() const is of Qt 5.5")}));
     QCOMPARE(finding.status, 1);
-    QCOMPARE(check({SOURCES "/tests/support/newerqt.cpp"}).lines,
-             (QStringList{SOURCES "/tests/support/newerqt.cpp:12: qInfo is of Qt 5.5",
-                          SOURCES "/tests/support/newerqt.cpp:13: Qt::SkipEmptyParts is of Qt 5.14",
-                          SOURCES "/tests/support/newerqt.cpp:14: chopped is of Qt 5.10"}));
+    const QString source = SOURCES "/tests/support/newerqt.cpp";
+    QCOMPARE(check({source}).lines, (QStringList{source + ":12: qInfo is of Qt 5.5",
+                                                 source + ":13: Qt::SkipEmptyParts is of Qt 5.14",
+                                                 source + ":14: chopped is of Qt 5.10"}));
 }
 
 void TestQtNewer::aProgramWithoutQtIsNoProof()
