@@ -36,6 +36,8 @@ void TestLinkTarget::linksPointToAbsoluteCleanPaths_data()
         << QByteArray("/nowhere/user1_profile/") << "/nowhere/user1_profile";
     QTest::newRow("dots and doubled slashes")
         << QByteArray("/nowhere//user1/./../user2") << "/nowhere/user2";
+    QTest::newRow("a doubled slash") << QByteArray("/nowhere//user1") << "/nowhere/user1";
+    QTest::newRow("a dot") << QByteArray("/nowhere/./user1") << "/nowhere/user1";
     QTest::newRow("the root") << QByteArray("/") << "/";
     const QByteArray accented = "/nowhere/\xc3\xa9t\xc3\xa9";
     QTest::newRow("a name that is not ASCII") << accented << QFile::decodeName(accented);

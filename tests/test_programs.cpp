@@ -6,6 +6,7 @@
 #include <QTemporaryDir>
 #include <QTest>
 
+#include <climits>
 #include <csignal>
 #include <malloc.h>
 
@@ -88,16 +89,18 @@ void TestPrograms::aPidofThatHangsIsEndedAfterASecond()
 {
     makePidof("echo $$ >" + path("pid").toLocal8Bit() + "\nexec sleep 60");
     pid_t pid = 0;
-    // A busy machine may end it before it has said who it is.
-    for (int attempt = 0; attempt < 20 && pid == 0; ++attempt) {
+    qint64 shortest = LLONG_MAX;
+    // A busy machine may end it before it has said who it is, or take its time.
+    for (int attempt = 0; attempt < 20 && (pid == 0 || shortest >= 1900); ++attempt) {
         QElapsedTimer timer;
         timer.start();
         QVERIFY(!isProgramRunning("connmand"));
         QVERIFY(timer.elapsed() >= 900);
-        QVERIFY(timer.elapsed() < 30000);
+        shortest = qMin(shortest, timer.elapsed());
         pid = readFile(path("pid")).trimmed().toInt();
     }
 
+    QVERIFY2(shortest < 1900, qPrintable(QString::number(shortest)));
     QVERIFY(pid > 0);
     QTRY_VERIFY(::kill(pid, 0) != 0);
 }
