@@ -53,6 +53,8 @@ private Q_SLOTS:
     void aLinkThatCannotBeMadeLeavesNoActiveProfile();
     void aResetIsOnTheDiskWithTwoSyncs();
     void anInterruptedResetOfTheActiveUserIsFinishedAtStart();
+    void whatIsNoFileInThePlaceOfAMarkIsNone_data();
+    void whatIsNoFileInThePlaceOfAMarkIsNone();
     void anInterruptedRebuildIsBegunAgainByTheNextSwitch();
     void aFailedRebuildIsNoInterruptedOne();
     void anInterruptedResetThatCannotBeFinishedIsTriedAgain();
@@ -440,6 +442,29 @@ void TestUsers::anInterruptedResetOfTheActiveUserIsFinishedAtStart()
     QCOMPARE(users.call("getUser"), QStringLiteral("(\"user1\")"));
     QCOMPARE(snapshot(profile("user1")), snapshot(profile("default_user")));
     QVERIFY(!QFile::exists(mark("user1")));
+}
+
+void TestUsers::whatIsNoFileInThePlaceOfAMarkIsNone_data()
+{
+    QTest::addColumn<QString>("target");
+    QTest::newRow("folder") << QString();
+    QTest::newRow("link to a file") << profile("user1") + "/measure.conf";
+    QTest::newRow("link to nowhere") << "/nowhere";
+}
+
+void TestUsers::whatIsNoFileInThePlaceOfAMarkIsNone()
+{
+    QFETCH(QString, target);
+    if (target.isEmpty())
+        QVERIFY(QDir().mkdir(mark("user1")));
+    else
+        QVERIFY(QFile::link(target, mark("user1")));
+    writeFile(profile("user1") + "/added", "user1");
+
+    QVERIFY(daemon.start());
+
+    QCOMPARE(users.call("getUser"), QStringLiteral("(\"user1\")"));
+    QCOMPARE(readFile(profile("user1") + "/added"), QByteArray("user1"));
 }
 
 void TestUsers::anInterruptedRebuildIsBegunAgainByTheNextSwitch()
