@@ -36,7 +36,7 @@ private:
 
 void limitSlotCaches(QObject *root)
 {
-    const QObjectList children = root->children();
+    const QObjectList &children = root->children();
     for (QObject *child : children)
         new CacheLimit(child);
 }
