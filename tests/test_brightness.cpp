@@ -41,6 +41,7 @@ private Q_SLOTS:
     void aFailedReadingCountsAsMinusOneLux();
     void anInterruptThatCannotBeReadIsOnlyLogged();
     void anInterruptThatCannotBeReadIsNotTheLast();
+    void anInterruptThatCannotBeReadIsTriedEachSecond();
     void aBandThatCannotBeSetIsOnlyLoggedAndKept();
     void aBandOutOfOrderIsOnlyLogged();
     void aBurstOfInterruptsEndsAtTheLastLight();
@@ -480,6 +481,31 @@ void TestBrightness::anInterruptThatCannotBeReadIsNotTheLast()
     recorder.take();
     QCOMPARE(Board::journal().filter("interruptRead"), QStringList());
     QCOMPARE(daemon.log().count(handler), 1);
+}
+
+void TestBrightness::anInterruptThatCannotBeReadIsTriedEachSecond()
+{
+    const int attempts = 8;
+    daemon.controlClock();
+    setLux("12");
+    QVERIFY(daemon.start());
+    Board::clearJournal();
+    Board::fault("KyAls.interruptRead", "always");
+    setLux("30");
+    const auto times = [] { return Board::times("KyAls.interruptRead() = 1"); };
+    QTRY_VERIFY(!times().isEmpty());
+
+    for (int attempt = 2; attempt <= attempts; ++attempt) {
+        daemon.letTimePass(1);
+        QTRY_VERIFY(times().size() >= attempt);
+    }
+
+    // A busy machine makes some of the pauses longer.
+    const QList<double> found = times();
+    double shortest = found[1] - found[0];
+    for (int attempt = 2; attempt < attempts; ++attempt)
+        shortest = qMin(shortest, found[attempt] - found[attempt - 1]);
+    QVERIFY2(shortest >= 0.95 && shortest < 1.9, qPrintable(QString::number(shortest)));
 }
 
 void TestBrightness::aBandThatCannotBeSetIsOnlyLoggedAndKept()

@@ -363,6 +363,7 @@ void TestVersion::anApplicationThatHangsIsEndedAfterThreeSeconds_data()
     QTest::addColumn<QByteArray>("script");
     QTest::newRow("silent") << QByteArray("exec sleep 1000");
     QTest::newRow("with its output closed") << QByteArray("echo 4.5; exec >&- sleep 1000");
+    QTest::newRow("writing on and on") << QByteArray("while echo 4.5; do sleep 0.2; done");
 }
 
 void TestVersion::anApplicationThatHangsIsEndedAfterThreeSeconds()
