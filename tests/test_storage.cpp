@@ -49,6 +49,7 @@ private Q_SLOTS:
     void theKernelsOwnEventsAreAnnounced();
     void aBurstLosesNothingAndLeavesTheDaemonAnswering();
     void aListenerThatDoesNotGetToRunLosesNothing();
+    void theListenerTakesNoMoreRoomThanItNeeds();
     void aListenerThatLosesEventsHearsTheNextOnes();
 
     void withoutItsEventsTheDaemonServesInSilence_data();
@@ -536,6 +537,18 @@ void TestStorage::aListenerThatDoesNotGetToRunLosesNothing()
     QCOMPARE(kill(process, SIGCONT), 0);
 
     verifyBurstIsAnnounced(recorder);
+}
+
+void TestStorage::theListenerTakesNoMoreRoomThanItNeeds()
+{
+    QVERIFY(startListening());
+    QProcess sockets;
+    sockets.start("ss", {"--no-header", "--family=netlink", "--memory"});
+    QVERIFY(sockets.waitForFinished());
+    // The kernel may keep 64 MB of events for it, and for nobody else as much.
+    const QByteArray printed = sockets.readAllStandardOutput();
+    QVERIFY2(printed.contains("skmem:"), printed.constData());
+    QCOMPARE(printed.contains("rb67108864,"), KernelEvents::isRoomUnlimited());
 }
 
 void TestStorage::aListenerThatLosesEventsHearsTheNextOnes()
