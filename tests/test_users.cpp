@@ -260,7 +260,8 @@ void TestUsers::setUserSwitchesToACompleteProfileAsItIs()
 {
     QVERIFY(daemon.start());
     QTRY_VERIFY(QFile::exists("/opt/settings.ini"));
-    // What the start stored is out of the way: the switch stores its own.
+    QCOMPARE(users.call("getUser"), QStringLiteral("(\"user1\")"));
+    // What the start stored is out of the way, as the writing has ended: the switch stores its own.
     QFile::remove("/opt/settings.ini");
     const QStringList before = snapshot(profile("user2"));
     SignalRecorder recorder("/KyConfigMgr");
