@@ -152,10 +152,10 @@ void TestSettings::whatIsNoFileIsNeitherReadNorWrittenWhileTheDaemonRuns()
 {
     QFETCH(QStringList, command);
     const QString file = "/opt/settings.ini";
-    // Were the device read, it should not take the whole machine's memory; a daemon that checks its
-    // addresses needs more of them.
+    // Were the device read, it should not take the whole machine's memory. A daemon that checks its
+    // addresses has as much from the start.
     if (!qEnvironmentVariableIsSet("ASAN_OPTIONS"))
-        daemon.setWrapper({"prlimit", "--as=1000000000"});
+        daemon.setWrapper({"prlimit", "--data=1000000000"});
     QVERIFY(daemon.start());
     QTRY_COMPARE(readFile(file), fourUsers);
     QVERIFY(QFile::remove(file));
