@@ -27,7 +27,7 @@ void removeStrayLock()
 
 /**
  * Whether the library may look at the settings file. It would wait for whoever writes into a fifo
- * in its place, and read a device without an end to its end.
+ * in its place.
  */
 bool isUsable()
 {
