@@ -13,9 +13,9 @@ bool isReplaced(const QByteArray &line)
     return pieces.size() == 2 && keys.contains(pieces.first());
 }
 
-QString singleLine(Choices &choices)
+QString text(Choices &choices)
 {
-    return QString::fromStdString(choices.text()).remove(QLatin1Char('\n'));
+    return QString::fromStdString(choices.text());
 }
 } // namespace
 
@@ -23,15 +23,17 @@ QString singleLine(Choices &choices)
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t *data, std::size_t size)
 {
     Choices choices(data, size);
-    const AccessPointParameters parameters = {static_cast<quint16>(choices.number()),
-                                              singleLine(choices), singleLine(choices),
-                                              singleLine(choices)};
+    const AccessPointParameters parameters = {static_cast<quint16>(choices.number()), text(choices),
+                                              text(choices), text(choices)};
     require(hostapdTemplateName(parameters.ssid).endsWith(QLatin1String(".conf")),
             "every security has its template");
 
-    const QByteArray text = QByteArray::fromStdString(choices.rest());
-    const QByteArray made = hostapdConfiguration(text, parameters);
-    const QByteArrayList before = text.split('\n');
+    if (!fitsHostapdLines(parameters))
+        return 0;
+
+    const QByteArray original = QByteArray::fromStdString(choices.rest());
+    const QByteArray made = hostapdConfiguration(original, parameters);
+    const QByteArrayList before = original.split('\n');
     const QByteArrayList after = made.split('\n');
     require(before.size() == after.size(), "no line is added and none is lost");
     for (int line = 0; line < before.size(); ++line) {

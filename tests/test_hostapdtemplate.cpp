@@ -16,6 +16,9 @@ private Q_SLOTS:
     void valuesAreInsertedAsTheyStand();
     void channelsAreDecimal_data();
     void channelsAreDecimal();
+    void controlCharactersFitNoLine_data();
+    void controlCharactersFitNoLine();
+    void everyValueIsLookedAt();
     void aWholeTemplateKeepsAllButTheFourValues();
 };
 
@@ -90,7 +93,6 @@ void TestHostapdTemplate::valuesAreInsertedAsTheyStand_data()
     QTest::newRow("empty") << "";
     QTest::newRow("equals sign") << "a=b";
     QTest::newRow("quotes and blanks") << " \"a\" #b\\ ";
-    QTest::newRow("line feed") << "a\nchannel=3";
     QTest::newRow("outside ASCII") << QStringLiteral("caf\u00e9 \u6e2c");
     QTest::newRow("much too long") << QString(1000, QLatin1Char('a'));
 }
@@ -118,6 +120,49 @@ void TestHostapdTemplate::channelsAreDecimal()
     QFETCH(QByteArray, expected);
     QCOMPARE(hostapdConfiguration("channel=1", {channel, QString(), QString(), QString()}),
              expected);
+}
+
+void TestHostapdTemplate::controlCharactersFitNoLine_data()
+{
+    QTest::addColumn<QString>("text");
+    QTest::addColumn<bool>("fits");
+
+    const auto row = [](const char *name, const QString &text, bool fits) {
+        QTest::newRow(name) << text << fits;
+    };
+    row("empty", QString(), true);
+    row("letters", "Lab", true);
+    row("blanks and punctuation", " a=b \"c\" #'\\~", true);
+    row("accents", QString::fromUtf8("R\xc3\xa9seau"), true);
+    row("no-break space, the first after the control characters", QString(QChar(0xa0)), true);
+    row("line separator, two lines to nobody but an editor", QString(QChar(0x2028)), true);
+    row("outside the basic plane", QString::fromUtf8("\xf0\x9f\x93\xb6"), true);
+    row("long", QString(100000, 'x'), true);
+    row("line feed", "x\nctrl_interface=/etc", false);
+    row("line feed alone", "\n", false);
+    row("at the end", "Lab\n", false);
+    row("carriage return", "x\ry", false);
+    row("zero", QString("x") + QChar(0) + "y", false);
+    row("tabulator", "x\ty", false);
+    row("the last below the blank", QString(QChar(0x1f)), false);
+    row("delete", QString(QChar(0x7f)), false);
+    row("next line", QString(QChar(0x85)), false);
+    row("the last one", QString(QChar(0x9f)), false);
+}
+
+void TestHostapdTemplate::controlCharactersFitNoLine()
+{
+    QFETCH(QString, text);
+    QFETCH(bool, fits);
+    QCOMPARE(fitsHostapdLines({6, text, "12345678", "10.0.0.1"}), fits);
+}
+
+void TestHostapdTemplate::everyValueIsLookedAt()
+{
+    QVERIFY(fitsHostapdLines({6, "Lab", "12345678", "10.0.0.1"}));
+    QVERIFY(!fitsHostapdLines({6, "Lab\n", "12345678", "10.0.0.1"}));
+    QVERIFY(!fitsHostapdLines({6, "Lab", "12345678\n", "10.0.0.1"}));
+    QVERIFY(!fitsHostapdLines({6, "Lab", "12345678", "10.0.0.1\n"}));
 }
 
 void TestHostapdTemplate::aWholeTemplateKeepsAllButTheFourValues()

@@ -29,6 +29,8 @@ private Q_SLOTS:
     void aConfigurationThatCannotBeWrittenFails_data();
     void aConfigurationThatCannotBeWrittenFails();
     void aDiskThatIsFullFails();
+    void aControlCharacterIsRefused_data();
+    void aControlCharacterIsRefused();
 
 private:
     QString start(const QVariantMap &parameters);
@@ -233,6 +235,36 @@ void TestWifiApConfiguration::aDiskThatIsFullFails()
     QCOMPARE(reply, cannotCreate);
     QCOMPARE(announced(), failing);
     QCOMPARE(script.log(), QStringList());
+}
+
+void TestWifiApConfiguration::aControlCharacterIsRefused_data()
+{
+    QTest::addColumn<QString>("key");
+    QTest::addColumn<QString>("text");
+    for (const char *key : {"SSID", "Password", "IP"}) {
+        QTest::addRow("line feed in %s", key) << key << "x\nctrl_interface=/etc";
+        QTest::addRow("carriage return in %s", key) << key << "x\r";
+        QTest::addRow("delete in %s", key) << key << "\x7f";
+    }
+}
+
+/** A line of the caller's choice would be obeyed by hostapd, which is root. */
+void TestWifiApConfiguration::aControlCharacterIsRefused()
+{
+    QFETCH(QString, key);
+    QFETCH(QString, text);
+    writeFile("/tmp/User_part/hostapd.conf", "earlier");
+    begin();
+    QVariantMap parameters = lab;
+    parameters[key] = text;
+
+    QCOMPARE(start(parameters), cannotCreate);
+
+    QCOMPARE(announced(), failing);
+    QCOMPARE(written(), QByteArray("earlier"));
+    QCOMPARE(script.log(), QStringList());
+    QCOMPARE(start(lab), QString("()"));
+    QVERIFY(written().contains("\nssid=Lab\n"));
 }
 
 WORLD_TEST_MAIN(TestWifiApConfiguration)

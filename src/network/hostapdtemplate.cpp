@@ -2,10 +2,29 @@
 
 #include <QList>
 
+#include <algorithm>
+
+namespace
+{
+bool hasControlCharacter(const QString &text)
+{
+    return std::any_of(text.cbegin(), text.cend(), [](QChar character) {
+        return character.category() == QChar::Other_Control;
+    });
+}
+} // namespace
+
 QString hostapdTemplateName(const QString &security)
 {
     return security == QLatin1String("WPA2") ? QStringLiteral("hostapd_ccmp.conf")
                                              : QStringLiteral("hostapd_open.conf");
+}
+
+bool fitsHostapdLines(const AccessPointParameters &parameters)
+{
+    const QString *const texts[] = {&parameters.ssid, &parameters.password, &parameters.address};
+    return std::none_of(std::begin(texts), std::end(texts),
+                        [](const QString *text) { return hasControlCharacter(*text); });
 }
 
 QByteArray hostapdConfiguration(const QByteArray &templateText,

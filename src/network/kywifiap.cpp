@@ -49,7 +49,8 @@ bool writeConfiguration(const QByteArray &text)
 bool createConfiguration(const QString &security, const AccessPointParameters &parameters)
 {
     QFile file;
-    return openForReading(file, templateFolder + hostapdTemplateName(security),
+    return fitsHostapdLines(parameters) &&
+           openForReading(file, templateFolder + hostapdTemplateName(security),
                           QIODevice::ReadOnly | QIODevice::Text) &&
            writeConfiguration(hostapdConfiguration(file.readAll(), parameters));
 }

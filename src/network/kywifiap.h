@@ -23,13 +23,13 @@ public Q_SLOTS:
      *
      * @param parameters "Channel" (its low 16 bits), "SSID", "Password", "Security" ("WPA2", or
      *        anything else for an open network) and "IP"; a missing one is 0 or empty, and nothing
-     *        is validated
+     *        but the absence of control characters is validated
      *
      * Fails with "Cannot connect, wap busy" unless the state is "idle" or "failure"; with "Cannot
-     * create hostapd conf file" when the template cannot be read or the configuration not written;
-     * with "Cannot switch in mode '2' (WLAN ACCESS POINT)" when the mode script still runs or
-     * cannot be started. The state is "failure" after the latter two. Whatever goes wrong later
-     * shows in the state alone.
+     * create hostapd conf file" when a text holds a control character, the template cannot be read
+     * or the configuration not written; with "Cannot switch in mode '2' (WLAN ACCESS POINT)" when
+     * the mode script still runs or cannot be started. The state is "failure" after the latter two.
+     * Whatever goes wrong later shows in the state alone.
      */
     void connect(const QVariantMap &parameters, const QDBusMessage &message);
 
