@@ -25,8 +25,6 @@ const struct {
     {BRIGHTNESS_LEVEL_15, 500}, {BRIGHTNESS_LEVEL_16, 1000}, {BRIGHTNESS_LEVEL_17, 10000},
 };
 const uint defaultTimer = 5;
-/** How long after a failed acknowledgement of an interrupt the next one is tried. */
-const int acknowledgePause = 1000;
 
 /** The library's failure in place of a descriptor; on any other negative one nothing is watched. */
 const int noInterrupt = -2;
@@ -55,9 +53,6 @@ KyBrightness::KyBrightness(QObject *parent)
       m_bounds(readBounds())
 {
     setAutoRelaySignals(false);
-    m_acknowledgeTimer.setSingleShot(true);
-    m_acknowledgeTimer.setInterval(acknowledgePause);
-    connect(&m_acknowledgeTimer, &QTimer::timeout, this, &KyBrightness::acknowledgeInterrupt);
     m_initError = setUp();
 }
 
@@ -104,7 +99,8 @@ void KyBrightness::handleAlsActivation(int socket)
     // Only drains the event; whatever it holds, the sensor is asked itself.
     const ssize_t drained = read(socket, event, sizeof event);
     static_cast<void>(drained);
-    if (!acknowledgeInterrupt())
+    bool isRaised = false;
+    if (m_als.interruptRead(&isRaised) != 0)
         qDebug() << qPrintable(Q_FUNC_INFO + QStringLiteral("Read interrupt ALS failed"));
     if (setBand(level) != Error::None) {
         // The spelling is relied on.
@@ -113,19 +109,6 @@ void KyBrightness::handleAlsActivation(int socket)
         return;
     }
     Q_EMIT reachedBrightnessThreshold(lux, level);
-}
-
-/**
- * Has the sensor take its interrupt back; whether it did. Until then it sends no other one, so a
- * failed attempt is repeated after a while.
- */
-bool KyBrightness::acknowledgeInterrupt()
-{
-    bool isRaised = false;
-    const bool isAcknowledged = m_als.interruptRead(&isRaised) == 0;
-    if (!isAcknowledged)
-        m_acknowledgeTimer.start();
-    return isAcknowledged;
 }
 
 /** Whichever step of the set-up fails, the sensor counts as not initialised. */

@@ -5,7 +5,6 @@
 #include "kyals.h"
 
 #include <QDBusAbstractAdaptor>
-#include <QTimer>
 
 class QDBusMessage;
 class QSocketNotifier;
@@ -60,14 +59,12 @@ private Q_SLOTS:
 
 private:
     int setUp();
-    bool acknowledgeInterrupt();
     bool programSensor();
     bool watchInterrupt();
     int setBand(int level);
 
     int m_initError;
     KyAls m_als;
-    QTimer m_acknowledgeTimer;
     /** Null where no interrupt is watched; the adapted object owns it. */
     QSocketNotifier *m_notifier;
     BrightnessBounds m_bounds;
