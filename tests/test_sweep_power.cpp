@@ -70,7 +70,6 @@ void TestSweepPower::wrongSignaturesAreRefused_data()
     addRow("LED", "setLEDStatus", {none, text, number});
     addRow("LED", "getLEDStatus", {text, number, texts});
     addRow("LED", "prepareForShutdown", {text, number, texts});
-    addRow("MGR", "prepareForShutdown", {text, number, texts, flag, step});
     addRow("Storage", "umount", {none, number, texts});
     addRow("Storage", "isMounted", {none, number, texts});
     addRow("Temperature", "getTemperatures", {text, number, texts});

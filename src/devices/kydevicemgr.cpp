@@ -1,6 +1,5 @@
 #include "kydevicemgr.h"
 
-#include "arguments.h"
 #include "kyscreenbacklight.h"
 #include "screenmodel.h"
 
@@ -23,10 +22,8 @@ KyDeviceMgr::KyDeviceMgr(QObject *parent)
     showPresentState();
 }
 
-void KyDeviceMgr::prepareForShutdown(const QDBusMessage &message)
+void KyDeviceMgr::prepareForShutdown(const QDBusMessage & /*message*/)
 {
-    if (!hasNoArguments(message))
-        return;
     disconnect(&m_alimentation, &KyAlimentation::batteryStatus, &m_led, &KyLED::handleAlimentation);
     disconnect(&m_alimentation, &KyAlimentation::batteryStatus, &m_led, &KyLED::handlePowerButton);
     m_led.prepareForShutdown();

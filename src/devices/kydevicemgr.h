@@ -39,7 +39,7 @@ public Q_SLOTS:
      * Brings the LEDs and the battery monitor into the state in which power may be cut. From then
      * on the battery status, which is still announced, no longer changes any LED.
      *
-     * Never fails; a repeated call does the same again.
+     * Never fails, whatever arguments it brings; a repeated call does the same again.
      */
     void prepareForShutdown(const QDBusMessage &message);
 
