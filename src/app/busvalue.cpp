@@ -80,6 +80,12 @@ quint32 toNumber(Integer element)
     return static_cast<quint32>(element);
 }
 
+/** Rounds, as the conversion of a variant does. */
+quint32 toNumber(double element)
+{
+    return QVariant(element).toUInt();
+}
+
 /** Reads element by element: a list of variants takes many times the room of its numbers. */
 template <typename Element>
 QVector<quint32> readArray(const QDBusArgument &argument)
@@ -100,8 +106,9 @@ const struct {
     const char *signature;
     QVector<quint32> (*read)(const QDBusArgument &);
 } numberReaders[] = {
-    {"av", readArray<QDBusVariant>}, {"au", readArray<uint>},   {"ai", readArray<int>},
-    {"at", readArray<qulonglong>},   {"aq", readArray<ushort>},
+    {"av", readArray<QDBusVariant>}, {"ab", readArray<bool>},       {"an", readArray<short>},
+    {"aq", readArray<ushort>},       {"ai", readArray<int>},        {"au", readArray<uint>},
+    {"ax", readArray<qlonglong>},    {"at", readArray<qulonglong>}, {"ad", readArray<double>},
 };
 
 QVector<quint32> readNumberList(const QDBusArgument &argument)
@@ -267,6 +274,10 @@ QVector<quint32> toNumbers(const QVariant &value)
         const QByteArray bytes = value.toByteArray();
         for (const char byte : bytes)
             numbers << static_cast<uchar>(byte);
+    } else if (value.userType() == QMetaType::QStringList) {
+        const QStringList texts = value.toStringList();
+        for (const QString &text : texts)
+            numbers << QVariant(text).toUInt();
     }
     return numbers;
 }

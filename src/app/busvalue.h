@@ -48,9 +48,11 @@ QVariantMap toMap(const QVariant &value);
 QVariantMap sendableMap(const QVariantMap &map);
 
 /**
- * The numbers of a list: av, au, ai, at, aq or ay, however long; nothing for any other value.
+ * The numbers of a list of numbers of any kind, of texts (as) or of variants (av), however long;
+ * nothing for any other value.
  *
- * Every element is cut to its low 32 bits. One of av that is no number, nor text of one, is 0.
+ * Every element is cut to its low 32 bits, a floating-point one is rounded. One that is no number,
+ * nor text of one, is 0.
  */
 QVector<quint32> toNumbers(const QVariant &value);
 
