@@ -15,6 +15,8 @@ private Q_SLOTS:
     void aFileThatCannotBeUsedIsAnEmptyOne_data();
     void aFileThatCannotBeUsedIsAnEmptyOne();
     void aFileThatCannotBeWrittenIsNotReported();
+    void nothingIsStoredUntilTheNextStartWhereNoFileCanBe_data();
+    void nothingIsStoredUntilTheNextStartWhereNoFileCanBe();
     void whatIsNoFileIsNeitherReadNorWrittenWhileTheDaemonRuns_data();
     void whatIsNoFileIsNeitherReadNorWrittenWhileTheDaemonRuns();
     void aLockThatAPowerCutHasLeftIsNotWaitedFor_data();
@@ -139,6 +141,35 @@ void TestSettings::aFileThatCannotBeWrittenIsNotReported()
     QCOMPARE(users.call("getUser"), QStringLiteral("(\"user2\")"));
     QCOMPARE(daemon.log(), QString());
     QCOMPARE(snapshot("/opt/settings.ini"), QStringList{"folder"});
+}
+
+void TestSettings::nothingIsStoredUntilTheNextStartWhereNoFileCanBe_data()
+{
+    QTest::addColumn<QStringList>("command");
+    QTest::newRow("fifo") << QStringList{"mkfifo"};
+    QTest::newRow("device") << QStringList{"ln", "-s", "/dev/zero"};
+    QTest::newRow("directory") << QStringList{"mkdir"};
+}
+
+void TestSettings::nothingIsStoredUntilTheNextStartWhereNoFileCanBe()
+{
+    QFETCH(QStringList, command);
+    const QString file = "/opt/settings.ini";
+    command << file;
+    QCOMPARE(QProcess::execute(command.takeFirst(), command), 0);
+    QVERIFY(daemon.start());
+    QCOMPARE(QProcess::execute("rm", {"-r", file}), 0);
+    const QStringList before = snapshot("/opt");
+
+    // Settings are written by the event loop's next round: before the next call is answered.
+    QCOMPARE(users.call("setUser", {"user2"}), QStringLiteral("()"));
+    QCOMPARE(users.call("setUser", {"user3"}), QStringLiteral("()"));
+    QCOMPARE(users.call("getUser"), QStringLiteral("(\"user3\")"));
+    QCOMPARE(snapshot("/opt"), before);
+
+    daemon.stop();
+    QVERIFY(daemon.start());
+    QTRY_COMPARE(readFile(file), fourUsers);
 }
 
 void TestSettings::whatIsNoFileIsNeitherReadNorWrittenWhileTheDaemonRuns_data()

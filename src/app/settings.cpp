@@ -26,19 +26,22 @@ void removeStrayLock()
 }
 
 /**
- * Whether the library may look at the settings file. It would wait for whoever writes into a fifo
- * in its place.
+ * Whether a regular file is, or could be made, in the settings' place. QSettings would block on a
+ * FIFO there.
  */
-bool isUsable()
+bool isRegularFilePossible()
 {
     const QFileInfo info(settingsFile);
-    return !info.exists() || info.isFile() || info.isDir();
+    return !info.exists() || info.isFile();
 }
 
-/** The settings file, or, where it is not usable, something below it, which nobody has. */
+/**
+ * The settings file, or a path that cannot exist: QSettings makes missing directories, so a path
+ * below the settings file would become one as soon as the file's place is free.
+ */
 QString usableSettingsFile()
 {
-    return isUsable() ? settingsFile : settingsFile + QStringLiteral("/none");
+    return isRegularFilePossible() ? settingsFile : QStringLiteral("/dev/null/settings.ini");
 }
 } // namespace
 
@@ -55,8 +58,8 @@ Settings &Settings::instance()
 
 void Settings::store(const QString &key, const QVariant &value)
 {
-    // The library reads the file again before it writes.
-    if (isUsable())
+    // QSettings reads the file again before it writes.
+    if (fileName() != settingsFile || isRegularFilePossible())
         setValue(key, value);
 }
 

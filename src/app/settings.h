@@ -18,8 +18,9 @@ public:
     static Settings &instance();
 
     /**
-     * Stores @p value under @p key; it is in the file soon afterwards. Where no file can be, as
-     * behind a link to a device, it is not stored, and the value that was read stays.
+     * Stores @p value under @p key; it is in the file soon afterwards. While something other than a
+     * regular file is in the file's place, @p value is dropped and the earlier value stays. If it
+     * was there at the start, values are kept in memory only, until the next start.
      */
     void store(const QString &key, const QVariant &value);
 
