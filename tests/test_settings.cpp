@@ -198,11 +198,11 @@ void TestSettings::whatIsNoFileIsNeitherReadNorWrittenWhileTheDaemonRuns()
     const QFileInfo info(file);
     QVERIFY(!info.isFile() && (info.exists() || info.isSymLink()));
 
-    // What cannot be stored holds all the same, until the next start.
+    // A flag that cannot be stored stays what it was.
     const QString link = "/tmp/User_part/system";
     QVERIFY(QFile::remove(link) && QDir().mkpath(link + "/folder"));
     QVERIFY(users.call("setUser", {"user3"}).contains("Not able to overwrite"));
-    QVERIFY(users.call("setUser", {"user3"}).contains("User name is invalid."));
+    QVERIFY(users.call("setUser", {"user3"}).contains("Not able to overwrite"));
 }
 
 void TestSettings::aLockThatAPowerCutHasLeftIsNotWaitedFor_data()

@@ -67,7 +67,8 @@ private Q_SLOTS:
     void aDiskThatIsFullInMidCopyInvalidatesTheUserAndKeepsTheLink();
     void anUnreadableDefaultProfileCostsNoUserItsFiles();
     void anUnreadableDefaultProfileDoesNotHinderACompleteProfile();
-    void usersStayValidWhenTheSettingsVanish();
+    void theStoredFlagDecides();
+    void usersWhoseFlagsVanishAreInvalidUntilTheNextStart();
     void anInvalidUserStaysInvalidWhenTheSettingsVanish();
     void anInvalidUserCanBeUsedAfterARestart();
 
@@ -641,7 +642,28 @@ void TestUsers::anUnreadableDefaultProfileDoesNotHinderACompleteProfile()
     QCOMPARE(readFile(profile("user2") + "/measure.conf"), QByteArray("user2"));
 }
 
-void TestUsers::usersStayValidWhenTheSettingsVanish()
+void TestUsers::theStoredFlagDecides()
+{
+    const QString settings = "/opt/settings.ini";
+    removePath(profile("user2"));
+    writeFile(profile("user2"), "a file");
+    QVERIFY(daemon.start());
+    users.call("setUser", {"user2"});
+    QTRY_VERIFY(readFile(settings).contains("stateuser2=false"));
+    QTRY_VERIFY(!QFile::exists(settings + ".lock"));
+    QCOMPARE(users.call("setUser", {"user2"}), invalid);
+    removePath(profile("user2"));
+
+    // Taken over when the settings are written the next time.
+    writeFile(settings, "[Users]\nstateuser2=true\nstateuser4=false\n");
+    QCOMPARE(users.call("setUser", {"user3"}), QStringLiteral("()"));
+    QTRY_VERIFY(readFile(settings).contains("stateuser3=true"));
+
+    QCOMPARE(users.call("setUser", {"user4"}), invalid);
+    QCOMPARE(users.call("setUser", {"user2"}), QStringLiteral("()"));
+}
+
+void TestUsers::usersWhoseFlagsVanishAreInvalidUntilTheNextStart()
 {
     const QString settings = "/opt/settings.ini";
     QVERIFY(daemon.start());
@@ -650,6 +672,12 @@ void TestUsers::usersStayValidWhenTheSettingsVanish()
     QCOMPARE(users.call("setUser", {"user2"}), QStringLiteral("()"));
     QTRY_VERIFY(QFile::exists(settings) && !QFile::exists(settings + ".lock"));
 
+    for (const char *user : {"user1", "user3", "user4"})
+        QCOMPARE(users.call("setUser", {user}), invalid);
+    QCOMPARE(users.call("setUser", {"user2"}), QStringLiteral("()"));
+    daemon.stop();
+
+    QVERIFY(daemon.start());
     for (const char *user : {"user3", "user4", "user1", "user2"})
         QCOMPARE(users.call("setUser", {user}), QStringLiteral("()"));
 }

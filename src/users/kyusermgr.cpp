@@ -79,6 +79,11 @@ QString usabilityKey(const QString &user)
 {
     return USER_STATE + user;
 }
+
+void storeUsability(const QString &user, bool isUsable)
+{
+    Settings::instance().store(usabilityKey(user), isUsable);
+}
 } // namespace
 
 KyUserMgr::KyUserMgr(QObject *parent) : QDBusAbstractAdaptor(parent)
@@ -181,23 +186,10 @@ int KyUserMgr::readCurrentUser(QString &user) const
 bool KyUserMgr::isValidUser(const QString &user) const
 {
     for (const QString &known : users) {
-        if (user == known) {
-            const bool isUsable = m_usability.value(user, false);
-            return isUsable && Settings::instance().value(usabilityKey(user), isUsable).toBool();
-        }
+        if (user == known)
+            return Settings::instance().value(usabilityKey(user), false).toBool();
     }
     return false;
-}
-
-/**
- * Stores whether @p user is usable. It is remembered, too: it may be that nothing can be stored,
- * and whenever the settings are written, the library takes over what the file holds by then, which
- * may be nothing.
- */
-void KyUserMgr::storeUsability(const QString &user, bool isUsable)
-{
-    Settings::instance().store(usabilityKey(user), isUsable);
-    m_usability[user] = isUsable;
 }
 
 /** Error::None, or InvalidArgument, Process or Write; only the latter two make @p user invalid. */

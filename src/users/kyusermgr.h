@@ -2,7 +2,6 @@
 #define KYUSERMGR_H
 
 #include <QDBusAbstractAdaptor>
-#include <QMap>
 #include <QString>
 
 class QDBusMessage;
@@ -71,13 +70,9 @@ Q_SIGNALS:
 private:
     int readCurrentUser(QString &user) const;
     bool isValidUser(const QString &user) const;
-    void storeUsability(const QString &user, bool isUsable);
     int switchUser(const QString &user);
     int activate(const QString &user);
     int reloadUserConfiguration();
-
-    /** What was stored last of each user's usability. */
-    QMap<QString, bool> m_usability;
 };
 
 #endif
