@@ -252,4 +252,4 @@ void TestChildFaults::cleanupTestCase()
 }
 
 WORLD_TEST_MAIN(TestChildFaults)
-#include "test_childfaults.moc"
+#include "campaign_childfaults.moc"

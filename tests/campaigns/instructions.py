@@ -3,8 +3,8 @@
 A figure is the ratio to the bare Qt service, for which the same library code runs on the same
 processor: it stays the same from machine to machine. Runs in a private world.
 
-usage: check_instructions.py      compares with the figures in instructions.txt
-       check_instructions.py -w   writes them anew
+usage: instructions.py      compares with the figures in instructions.txt
+       instructions.py -w   writes them anew
 """
 
 import os
@@ -14,13 +14,13 @@ import subprocess
 import sys
 import tempfile
 
-TREE = pathlib.Path(__file__).resolve().parent.parent
+TREE = pathlib.Path(__file__).resolve().parents[2]
 sys.path.insert(0, str(TREE / "benchmarks/driver"))
 
 import methods  # noqa: E402
 import services  # noqa: E402
 
-FIGURES = TREE / "tests/instructions.txt"
+FIGURES = TREE / "tests/campaigns/instructions.txt"
 WARMING = 20
 CALLS = 25
 BATCHES = 4
@@ -96,7 +96,7 @@ def main():
                if abs(ratios[method] / expected[method] - 1) > TOLERANCE]
     if changed:
         sys.exit(f"more than {TOLERANCE:.0%} off: {', '.join(changed)}; a change that is meant "
-                 "takes its figures along, by check_instructions.py -w")
+                 "takes its figures along, by instructions.py -w")
 
 
 main()

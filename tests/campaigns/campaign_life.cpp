@@ -646,4 +646,4 @@ int main(int argc, char *argv[])
     return QTest::qExec(&life, 1, argv);
 }
 
-#include "life.moc"
+#include "campaign_life.moc"

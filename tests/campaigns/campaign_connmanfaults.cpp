@@ -423,4 +423,4 @@ void TestConnmanFaults::cleanupTestCase()
 }
 
 WORLD_TEST_MAIN(TestConnmanFaults)
-#include "test_connmanfaults.moc"
+#include "campaign_connmanfaults.moc"

@@ -268,4 +268,4 @@ void TestPowerCut::theNextStartHasAnActiveProfile()
 }
 
 WORLD_TEST_MAIN(TestPowerCut)
-#include "test_powercut.moc"
+#include "campaign_powercut.moc"

@@ -832,4 +832,4 @@ void TestFaultMatrix::everyFaultIsSurvived()
 }
 
 WORLD_TEST_MAIN(TestFaultMatrix)
-#include "test_faultmatrix.moc"
+#include "campaign_faultmatrix.moc"

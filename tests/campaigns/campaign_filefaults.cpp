@@ -340,4 +340,4 @@ void TestFileFaults::cleanupTestCase()
 }
 
 WORLD_TEST_MAIN(TestFileFaults)
-#include "test_filefaults.moc"
+#include "campaign_filefaults.moc"
