@@ -15,7 +15,7 @@ enum ExitStatus {
     DaemonAway = 3,      ///< no bus, or the daemon is not on it
     InterfaceAbsent = 4, ///< this model of the instrument has no such interface
     OutcomeFailed = 5,   ///< what was started ended in failure
-    OutcomeMissing = 6,  ///< what was started did not come to an end in time
+    OutcomeMissing = 6,  ///< no answer in time, or what was started did not come to an end in time
     OutputLost = 7,      ///< what was done cannot be told: standard output takes nothing more
 };
 
@@ -30,6 +30,9 @@ struct Answer {
     /** The failure in one sentence, with the error's name and text. */
     QString complaint() const;
 };
+
+/** How long every call from now on waits for its answer; a minute where nothing is said. */
+void setCallTimeout(int seconds);
 
 /** Whether the system bus can be reached and the daemon is on it. */
 bool isDaemonThere();

@@ -1,13 +1,20 @@
 #include "commandline.h"
 
+#include "textrules.h"
+
 #include <QFile>
 #include <QRegExp>
 
+#include <limits>
+
 namespace
 {
+/** More than any file of numbers has: whatever else the name leads to is not read to its end. */
+const qint64 longestFile = 65536;
+
 bool isSecret(const Argument &argument)
 {
-    return argument.kind == Kind::Secret || argument.kind == Kind::SecretBytes;
+    return argument.kind == Kind::SecretBytes;
 }
 
 bool parseInteger(const Argument &argument, const QString &word, QVariant &value)
@@ -22,25 +29,53 @@ bool parseInteger(const Argument &argument, const QString &word, QVariant &value
     return true;
 }
 
-bool parseNumbers(const QString &word, QVariant &value)
+/** The numbers themselves, or those in the file that the word names; false without that file. */
+bool readNumbers(const QString &word, QString &text)
 {
-    QString text = word;
-    if (word.startsWith(QLatin1Char('@'))) {
-        QFile file(word.mid(1));
-        if (!file.open(QIODevice::ReadOnly))
-            return false;
-        text = QString::fromLatin1(file.readAll()).simplified();
-    }
+    text = word;
+    if (!word.startsWith(QLatin1Char('@')))
+        return true;
+    QFile file(word.mid(1));
+    if (!file.open(QIODevice::ReadOnly))
+        return false;
+    text = QString::fromLatin1(file.read(longestFile)).simplified();
+    return true;
+}
+
+/** What is wrong with a list of numbers; empty where nothing is. */
+QString parseNumbers(const Argument &argument, const QString &word, QVariant &value)
+{
+    QString text;
+    if (!readNumbers(word, text))
+        return QStringLiteral("%1: the file '%2' cannot be read")
+            .arg(argument.name, shown(word.mid(1)));
     const QStringList parts = text.split(QRegExp(QStringLiteral("[, ]+")));
     QVariantList numbers;
     for (const QString &part : parts) {
         bool isNumber = false;
         numbers << part.toUInt(&isNumber);
         if (!isNumber)
-            return false;
+            return QStringLiteral("%1: '%2' is not a whole number from 0 to %3")
+                .arg(argument.name, shown(part))
+                .arg(std::numeric_limits<quint32>::max());
     }
     value = numbers;
-    return true;
+    if (numbers.size() == argument.maximum)
+        return QString();
+    return QStringLiteral("%1: %2 numbers are given, and the record has %3")
+        .arg(argument.name)
+        .arg(numbers.size())
+        .arg(argument.maximum);
+}
+
+QString bytesWanted(const Argument &argument)
+{
+    return QStringLiteral("up to %1 printable ASCII characters").arg(argument.maximum);
+}
+
+bool areBytes(const Argument &argument, const QString &text)
+{
+    return text.size() <= argument.maximum && isPrintableAscii(text);
 }
 
 const Argument *findKey(const Argument &settings, const QString &name)
@@ -69,9 +104,9 @@ bool parseSetting(const Argument &settings, const QString &word, QVariantMap &ma
     const QString name = word.left(equals);
     const Argument *key = equals < 1 ? nullptr : findKey(settings, name);
     if (!key) {
-        complaint =
-            QStringLiteral("'%1' is none of %2")
-                .arg(word, keyNames(settings).join(QStringLiteral("=, ")) + QLatin1Char('='));
+        complaint = QStringLiteral("'%1' is none of %2")
+                        .arg(shown(word),
+                             keyNames(settings).join(QStringLiteral("=, ")) + QLatin1Char('='));
         return false;
     }
     if (isSecret(*key)) {
@@ -100,8 +135,13 @@ bool addSecrets(const Argument &settings, const SecretReader &reader, QVariantMa
             complaint = key.name + QStringLiteral(" could not be read");
             return false;
         }
-        map.insert(key.name,
-                   key.kind == Kind::SecretBytes ? QVariant(secret.toUtf8()) : QVariant(secret));
+        // What it is stays out of the complaint.
+        if (!areBytes(key, secret)) {
+            complaint =
+                QStringLiteral("%1: what was given is not %2").arg(key.name, bytesWanted(key));
+            return false;
+        }
+        map.insert(key.name, secret.toLatin1());
     }
     return true;
 }
@@ -120,7 +160,9 @@ bool parseSettings(const Argument &settings, const QStringList &words, const Sec
             return false;
         }
     }
-    if (!addSecrets(settings, reader, map, complaint))
+    if (settings.disagreement)
+        complaint = settings.disagreement(map);
+    if (!complaint.isEmpty() || !addSecrets(settings, reader, map, complaint))
         return false;
     value = map;
     return true;
@@ -149,28 +191,32 @@ bool parseValue(const Argument &argument, const QString &word, QVariant &value, 
         value = word == QLatin1String("on");
         break;
     case Kind::Hex16:
-        isGood = QRegExp(QStringLiteral("[0-9a-fA-F]{1,4}")).exactMatch(word);
+        isGood = isHexadecimal16(word);
         wanted = QStringLiteral("up to four hexadecimal digits");
         value = word;
         break;
     case Kind::Bytes:
-        value = word.toUtf8();
+        isGood = areBytes(argument, word);
+        wanted = bytesWanted(argument);
+        value = word.toLatin1();
         break;
     case Kind::Numbers:
-        isGood = parseNumbers(word, value);
-        wanted = QStringLiteral("whole numbers separated by commas, or @FILE");
-        break;
+        complaint = parseNumbers(argument, word, value);
+        return complaint.isEmpty();
     default:
+        isGood = !argument.accepts || argument.accepts(word);
+        wanted = argument.wanted;
         value = word;
     }
     if (!isGood)
-        complaint = QStringLiteral("%1: '%2' is not %3").arg(argument.name, word, wanted);
+        complaint = QStringLiteral("%1: '%2' is not %3").arg(argument.name, shown(word), wanted);
     return isGood;
 }
 
 bool parseArguments(const Command &command, const QStringList &words, const SecretReader &reader,
                     QVariantList &arguments, QString &complaint)
 {
+    complaint.clear();
     QStringList left = words;
     for (const Argument &argument : command.arguments) {
         QVariant value;
@@ -187,7 +233,7 @@ bool parseArguments(const Command &command, const QStringList &words, const Secr
         arguments << value;
     }
     if (!left.isEmpty()) {
-        complaint = QStringLiteral("'%1' is one word too many").arg(left.first());
+        complaint = QStringLiteral("'%1' is one word too many").arg(shown(left.first()));
         return false;
     }
     return true;

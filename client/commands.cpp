@@ -1,6 +1,8 @@
 #include "commands.h"
 
 #include "bus.h"
+#include "ipv4rules.h"
+#include "textrules.h"
 
 #include <limits>
 
@@ -17,7 +19,25 @@ QString text(const char *latin1)
 
 Argument argument(const char *name, Kind kind, const char *help)
 {
-    return {text(name), kind, text(help), {}, 0, 0, {}, false};
+    return {text(name), kind, text(help), {}, 0, 0, {}, false, nullptr, {}, nullptr};
+}
+
+/** A text that @p accepts takes, of which @p wanted says what that is. */
+Argument ruled(const char *name, bool (*accepts)(const QString &), const char *wanted,
+               const char *help)
+{
+    Argument made = argument(name, Kind::Text, help);
+    made.accepts = accepts;
+    made.wanted = text(wanted);
+    return made;
+}
+
+/** Up to @p maximum bytes, or numbers. */
+Argument limited(const char *name, Kind kind, qlonglong maximum, const char *help)
+{
+    Argument made = argument(name, kind, help);
+    made.maximum = maximum;
+    return made;
 }
 
 Argument choice(const char *name, const QStringList &choices, const char *help)
@@ -52,14 +72,32 @@ const qlonglong int32Minimum = std::numeric_limits<qint32>::min();
 const qlonglong int32Maximum = std::numeric_limits<qint32>::max();
 const qlonglong uint32Maximum = std::numeric_limits<quint32>::max();
 
-QVector<Argument> ipv4Keys()
+Argument ipv4Settings()
 {
-    return {choice("Method", {text("dhcp"), text("manual"), text("off")}, "how the address is got"),
-            argument("Address", Kind::Text, "IPv4 address, with Method=manual"),
-            argument("Netmask", Kind::Text, "IPv4 netmask"),
-            argument("Gateway", Kind::Text, "IPv4 address of the gateway"),
-            argument("DNS1", Kind::Text, "first name server"),
-            argument("DNS2", Kind::Text, "second name server")};
+    const char address[] = "an IPv4 address of a host, as in 192.168.1.20";
+    const char server[] = "an IPv4 or IPv6 address";
+    Argument made = settings(
+        {choice("Method", {text("dhcp"), text("manual"), text("off")}, "how the address is got"),
+         ruled("Address", isHostAddress, address, "IPv4 address, needed with Method=manual"),
+         ruled("Netmask", isNetmask, "a netmask, as in 255.255.255.0", "IPv4 netmask"),
+         ruled("Gateway", isHostAddress, address, "IPv4 address of the gateway, in that network"),
+         ruled("DNS1", isServerAddress, server, "first name server, IPv4 or IPv6"),
+         ruled("DNS2", isServerAddress, server, "second name server, IPv4 or IPv6")},
+        "settings for the next connection");
+    made.disagreement = ipv4Disagreement;
+    return made;
+}
+
+Argument accessPointSettings()
+{
+    return settings(
+        {required(integer("Channel", 1, 14, "radio channel")),
+         required(ruled("SSID", isNetworkName, "1 to 32 bytes without control characters",
+                        "name of the network, 1 to 32 bytes")),
+         required(choice("Security", {text("WPA2"), text("open")}, "encryption")),
+         required(ruled("IP", isHostAddress, "an IPv4 address of a host, as in 192.168.1.20",
+                        "IPv4 address of the access point"))},
+        "the access point");
 }
 
 QVector<Argument> instrumentKeys()
@@ -68,23 +106,23 @@ QVector<Argument> instrumentKeys()
             required(integer("Fabrication", 0, 255, "")),
             required(integer("Brand", 0, 255, "")),
             required(integer("Type", 0, 255, "")),
-            required(argument("Model", Kind::Hex16, "hexadecimal, as in 8345")),
-            required(argument("SerialNumber", Kind::Bytes, "up to 8 characters")),
-            required(argument("WarrantyNumber", Kind::Bytes, "up to 9 characters")),
+            required(argument("Model", Kind::Hex16, "up to four hexadecimal digits, as in 8345")),
+            required(limited("SerialNumber", Kind::Bytes, 8, "")),
+            required(limited("WarrantyNumber", Kind::Bytes, 9, "")),
             required(integer("TroubleshootingTag", 0, 255, "")),
             required(integer("RelaunchTag", 0, 255, "")),
             required(integer("FirstPassTag", 0, 255, "")),
-            required(argument("IrdInstrumentPassword", Kind::SecretBytes, "up to 30 characters")),
-            required(argument("IrdSessionPassword", Kind::SecretBytes, "up to 16 characters"))};
+            required(limited("IrdInstrumentPassword", Kind::SecretBytes, 30, "")),
+            required(limited("IrdSessionPassword", Kind::SecretBytes, 16, ""))};
 }
 
 QVector<Argument> measureKeys()
 {
+    // The dates have no unit of their own: any number of 32 bits may be one.
     return {required(integer("AdjustementSite", 0, 65535, "")),
-            required(integer("AdjustementDate", 0, uint32Maximum, "")),
-            required(integer("NextAdjustementDate", 0, uint32Maximum, "")),
-            required(argument("AdjustementCoefficients", Kind::Numbers,
-                              "296 numbers, separated by commas, or @FILE"))};
+            required(integer("AdjustementDate", 0, uint32Maximum, "stored as it is")),
+            required(integer("NextAdjustementDate", 0, uint32Maximum, "stored as it is")),
+            required(limited("AdjustementCoefficients", Kind::Numbers, 296, ""))};
 }
 
 QVector<Command> makeCommands()
@@ -119,8 +157,7 @@ QVector<Command> makeCommands()
     };
     const auto tcpIp = [&method](const QByteArray &group, const QString &interface) {
         method(group + " ipv4", com, interface, "getIPv4", {}, "IPv4 settings in use");
-        method(group + " set-ipv4", com, interface, "setIPv4",
-               {settings(ipv4Keys(), "settings for the next connection")},
+        method(group + " set-ipv4", com, interface, "setIPv4", {ipv4Settings()},
                "set the IPv4 settings for the next connection");
         method(group + " hardware", com, interface, "getHardwareInfos", {},
                "name, hardware address and MTU of the interface");
@@ -210,20 +247,16 @@ QVector<Command> makeCommands()
     tcpIp("ethernet", ethernet);
 
     operation("wifi connect", wifi, "connect",
-              {argument("NETWORK", Kind::Text, "name of the network")}, online,
-              "join a network, whose passphrase is asked for");
+              {ruled("NETWORK", isListedNetworkName,
+                     "1 to 32 characters without control characters", "name of the network")},
+              online, "join a network, whose passphrase is asked for");
     operation("wifi disconnect", wifi, "disconnect", {}, idle, "leave and forget the network");
     operation("wifi scan", wifi, "scan", {}, networks, "list the networks in reach");
     method("wifi strength", com, wifi, "getStrength", {}, "strength of the joined network");
     tcpIp("wifi", wifi);
 
-    operation("ap start", accessPoint, "connect",
-              {settings({integer("Channel", 0, 65535, "radio channel"),
-                         argument("SSID", Kind::Text, "name of the network"),
-                         choice("Security", {text("WPA2"), text("open")}, "encryption"),
-                         argument("IP", Kind::Text, "address of the access point")},
-                        "what the network is to be")},
-              online, "become an access point; WPA2 asks for the password");
+    operation("ap start", accessPoint, "connect", {accessPointSettings()}, online,
+              "become an access point; WPA2 asks for the password");
     operation("ap stop", accessPoint, "disconnect", {}, idle, "stop being an access point");
     method("ap wps", com, accessPoint, "wpsEnable", {}, "accepted, without effect");
     tcpIp("ap", accessPoint);
@@ -250,19 +283,19 @@ const QVector<Command> &ownCommands()
 
 const QVector<Option> &options()
 {
+    const QString none;
     static const QVector<Option> table = {
-        {text("--json"), {}, text("print values for machines"), Scope::Every},
-        {text("--timeout"), text("SECONDS"),
-         text("how long to wait for the outcome of a network operation"), Scope::Operation},
-        {text("--no-wait"),
-         {},
-         text("start a network operation without waiting for its outcome"),
-         Scope::Operation},
-        {text("--open"), {}, text("the network needs no passphrase"), Scope::WifiConnect},
-        {text("--user"), text("NAME"), text("user name for an enterprise network"),
+        {text("--json"), none, none, text("print values for machines"), Scope::Every},
+        {text("--timeout"), none, text("SECONDS"),
+         text("how long to wait for an answer, or for the outcome of a network operation"),
+         Scope::Every},
+        {text("--no-wait"), none, none,
+         text("start a network operation without waiting for its outcome"), Scope::Operation},
+        {text("--open"), none, none, text("the network needs no passphrase"), Scope::WifiConnect},
+        {text("--user"), none, text("NAME"), text("user name for an enterprise network"),
          Scope::WifiConnect},
-        {text("--help"), {}, text("print help and end"), Scope::Every},
-        {text("--version"), {}, text("print the version and end"), Scope::Every},
+        {text("--help"), text("h"), none, text("print help and end"), Scope::Every},
+        {text("--version"), none, none, text("print the version and end"), Scope::Every},
     };
     return table;
 }

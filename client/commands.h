@@ -3,6 +3,7 @@
 
 #include <QString>
 #include <QStringList>
+#include <QVariantMap>
 #include <QVector>
 
 /*
@@ -16,10 +17,9 @@ enum class Kind {
     Integer,     ///< a whole number between Argument::minimum and Argument::maximum
     Switch,      ///< "on" or "off"; a boolean on the bus
     Hex16,       ///< up to four hexadecimal digits; sent as text
-    Bytes,       ///< text that is sent as bytes
-    Numbers,     ///< whole numbers separated by commas, or @FILE; an array of u on the bus
-    Secret,      ///< never on the command line: from a prompt or from standard input
-    SecretBytes, ///< a Secret that is sent as bytes
+    Bytes,       ///< at most Argument::maximum printable ASCII characters; sent as bytes
+    Numbers,     ///< Argument::maximum whole numbers separated by commas, or @FILE; an array of u
+    SecretBytes, ///< as Bytes, but never on the command line: from a prompt or standard input
     Settings,    ///< KEY=VALUE arguments, see Argument::keys
 };
 
@@ -34,6 +34,11 @@ struct Argument {
     QVector<Argument> keys;
     /** Of one key of Settings: whether it must be given. */
     bool required;
+    /** Of Text: whether a word is right, and what it has to be; null where any word is. */
+    bool (*accepts)(const QString &word);
+    QString wanted;
+    /** Of Settings: what is wrong with values that are right one by one; null where nothing is. */
+    QString (*disagreement)(const QVariantMap &settings);
 };
 
 /** What an option belongs to. */
@@ -44,11 +49,17 @@ enum class Scope {
 };
 
 struct Option {
+    /** With its dashes, as in "--json". */
     QString name;
+    /** The letter that stands for it, as in "h"; empty where there is none. */
+    QString letter;
     /** What its value is called; empty for an option without one. */
     QString value;
     QString help;
     Scope scope;
+
+    /** Whether its value is a whole number from 1 on, of what it is called after. */
+    bool isNumber() const { return value == QLatin1String("SECONDS"); }
 };
 
 /** What the program ends with, see ExitStatus. */

@@ -13,9 +13,12 @@ QString valuesText(const Argument &argument)
         return argument.choices.join(QStringLiteral(", "));
     case Kind::Integer:
         return QStringLiteral("%1 to %2").arg(argument.minimum).arg(argument.maximum);
-    case Kind::Secret:
+    case Kind::Numbers:
+        return QStringLiteral("%1 numbers, separated by commas, or @FILE").arg(argument.maximum);
+    case Kind::Bytes:
+        return QStringLiteral("up to %1 ASCII characters").arg(argument.maximum);
     case Kind::SecretBytes:
-        return QStringLiteral("asked for");
+        return QStringLiteral("up to %1 ASCII characters, asked for").arg(argument.maximum);
     default:
         return QString();
     }
@@ -30,7 +33,9 @@ void describe(const Argument &argument, Lines &lines)
 
 QString optionName(const Option &option)
 {
-    return QStringLiteral("%1 %2").arg(option.name, option.value).trimmed();
+    const QString letter =
+        option.letter.isEmpty() ? QString() : QStringLiteral("-%1, ").arg(option.letter);
+    return QStringLiteral("%1%2 %3").arg(letter, option.name, option.value).trimmed();
 }
 
 QString commandHelp(const Command &command)
@@ -64,7 +69,7 @@ QStringList candidatesFor(const Argument &argument)
     if (argument.kind == Kind::Switch)
         candidates << QStringLiteral("on") << QStringLiteral("off");
     for (const Argument &key : argument.keys) {
-        if (key.kind == Kind::Secret || key.kind == Kind::SecretBytes)
+        if (key.kind == Kind::SecretBytes)
             continue;
         candidates << key.name + QLatin1Char('=');
         for (const QString &choice : key.choices)

@@ -3,10 +3,13 @@
 #include "commands.h"
 #include "follower.h"
 #include "help.h"
+#include "invocation.h"
 #include "monitor.h"
+#include "passphrase.h"
 #include "present.h"
 #include "status.h"
 #include "terminal.h"
+#include "textrules.h"
 
 #include <QCoreApplication>
 #include <QJsonArray>
@@ -15,16 +18,6 @@
 
 namespace
 {
-struct Options {
-    bool asJson = false;
-    bool isOpen = false;
-    bool waits = true;
-    int seconds = 0;
-    QString user;
-    /** All that were given, in order. */
-    QStringList given;
-};
-
 void printJson(const QJsonValue &value)
 {
     // A document holds an array or an object: a lone value is the inside of an array of one.
@@ -46,33 +39,6 @@ void printNetworks(const QVariantMap &networks)
                                      .arg(values.value(2).toString()));
     }
     print(lines.isEmpty() ? QStringLiteral("no network in reach\n") : lines.text());
-}
-
-/** What the calls of the two operations that ask for a password need beyond their arguments. */
-bool complete(const Command &command, const Options &options, QVariantList &arguments,
-              QString &complaint)
-{
-    QString password;
-    if (command.words == QLatin1String("wifi connect")) {
-        if (!options.isOpen && !readSecret(QStringLiteral("Passphrase"), password)) {
-            complaint = QStringLiteral("no passphrase on standard input (--open for none)");
-            return false;
-        }
-        arguments = {QVariantMap{{QStringLiteral("Service"), arguments.value(0)},
-                                 {QStringLiteral("User"), options.user},
-                                 {QStringLiteral("Password"), password}}};
-    } else if (command.words == QLatin1String("ap start")) {
-        QVariantMap map = arguments.value(0).toMap();
-        if (map.value(QStringLiteral("Security")) == QLatin1String("WPA2")) {
-            if (!readSecret(QStringLiteral("Password"), password)) {
-                complaint = QStringLiteral("no password on standard input");
-                return false;
-            }
-            map.insert(QStringLiteral("Password"), password);
-        }
-        arguments = {map};
-    }
-    return true;
 }
 
 /**
@@ -100,8 +66,8 @@ ExitStatus fail(const Command &command, ExitStatus status, const QString &compla
 }
 
 /** Tells how an operation ended, which took at most so many seconds. */
-ExitStatus reportOutcome(const Command &command, const Options &options, const Follower &follower,
-                         ExitStatus status, int seconds)
+ExitStatus reportOutcome(const Command &command, const Invocation &invocation,
+                         const Follower &follower, ExitStatus status, int seconds)
 {
     if (status == DaemonAway)
         fail(command, status, QStringLiteral("the board manager went away"));
@@ -111,7 +77,7 @@ ExitStatus reportOutcome(const Command &command, const Options &options, const F
         fail(command, status, QStringLiteral("failed"));
     const bool bringsNetworks = command.outcome.success.isEmpty();
     const QStringList states = follower.states();
-    if (options.asJson)
+    if (invocation.has("--json"))
         printJson(bringsNetworks ? toJson(follower.networks())
                                  : QJsonValue(QJsonArray::fromStringList(states)));
     else if (bringsNetworks && status == Success)
@@ -122,7 +88,7 @@ ExitStatus reportOutcome(const Command &command, const Options &options, const F
 }
 
 /** Starts what takes time and waits for its outcome. */
-ExitStatus runOperation(const Command &command, const Options &options,
+ExitStatus runOperation(const Command &command, const Invocation &invocation,
                         const QVariantList &arguments)
 {
     const QString complaint = objection(command);
@@ -138,41 +104,37 @@ ExitStatus runOperation(const Command &command, const Options &options,
     if (command.method == QLatin1String("scan") && !follower.hasStarted())
         return fail(command, OutcomeFailed,
                     QStringLiteral("not while it is connected or busy with something else"));
-    if (!options.waits)
+    if (invocation.has("--no-wait"))
         return Success;
-    const int seconds = options.seconds > 0 ? options.seconds : command.outcome.seconds;
+    const int seconds =
+        invocation.has("--timeout") ? invocation.number("--timeout") : command.outcome.seconds;
     const ExitStatus status = follower.wait(seconds);
-    return reportOutcome(command, options, follower, status, seconds);
+    return reportOutcome(command, invocation, follower, status, seconds);
 }
 
-/** What is wrong with the options of @p command; empty where nothing is. */
-QString misplacedOption(const Command &command, const Options &options)
-{
-    for (const Option &option : ::options()) {
-        if (!belongsTo(option, command) && options.given.contains(option.name))
-            return option.name + QStringLiteral(" does not belong here");
-    }
-    return QString();
-}
-
-ExitStatus runCommand(const Command &command, const Options &options, const QStringList &words)
+ExitStatus runCommand(const Command &command, const Invocation &invocation,
+                      const QStringList &words)
 {
     QVariantList arguments;
-    QString complaint = misplacedOption(command, options);
+    QString complaint = invocation.misplaced(command);
     if (!complaint.isEmpty() || !parseArguments(command, words, readSecret, arguments, complaint) ||
-        !complete(command, options, arguments, complaint))
+        !addPassphrase(command, invocation, readSecret, arguments, complaint))
         return fail(command, BadUsage, complaint);
+    if (invocation.has("--timeout"))
+        setCallTimeout(invocation.number("--timeout"));
     if (command.isOperation())
-        return runOperation(command, options, arguments);
+        return runOperation(command, invocation, arguments);
 
     const Answer answer = command.property.isEmpty()
                               ? call(command.path, command.interface, command.method, arguments)
                               : readProperty(command.path, command.interface, command.property);
+    if (answer.status == OutcomeMissing)
+        return fail(command, answer.status, answer.complaint());
     if (!answer.isGood()) {
         complain(answer.complaint());
         return answer.status;
     }
-    if (options.asJson)
+    if (invocation.has("--json"))
         printJson(replyJson(answer.values));
     else
         print(replyText(answer.values));
@@ -180,63 +142,23 @@ ExitStatus runCommand(const Command &command, const Options &options, const QStr
 }
 
 /** status and monitor, which are more than one call. */
-int runOwnCommand(const Command &command, const Options &options, const QStringList &words)
+int runOwnCommand(const Command &command, const Invocation &invocation, const QStringList &words)
 {
     QVariantList none;
-    QString complaint = misplacedOption(command, options);
+    QString complaint = invocation.misplaced(command);
     if (!complaint.isEmpty() || !parseArguments(command, words, readSecret, none, complaint))
         return fail(command, BadUsage, complaint);
-    return command.words == QLatin1String("status") ? showStatus(options.asJson)
-                                                    : Monitor(options.asJson).run();
-}
-
-/** Takes one option's meaning; false where its value makes no sense. */
-bool takeOption(const QString &name, const QString &value, Options &options)
-{
-    options.given << name;
-    options.asJson = options.asJson || name == QLatin1String("--json");
-    options.isOpen = options.isOpen || name == QLatin1String("--open");
-    options.waits = options.waits && name != QLatin1String("--no-wait");
-    if (name == QLatin1String("--user"))
-        options.user = value;
-    if (name != QLatin1String("--timeout"))
-        return true;
-    options.seconds = value.toInt();
-    return options.seconds > 0;
-}
-
-/** Takes the options out of @p words; what is wrong with them, if anything is. */
-QString takeOptions(QStringList &words, Options &options)
-{
-    QStringList rest;
-    while (!words.isEmpty()) {
-        const QString word = words.takeFirst();
-        if (word == QLatin1String("--"))
-            break;
-        // Behind a command, a word with one dash may be a negative number.
-        if (!word.startsWith(QLatin1String("--")) &&
-            (!rest.isEmpty() || !word.startsWith(QLatin1Char('-')))) {
-            rest << word;
-            continue;
-        }
-        const Option *option = findOption(word);
-        if (!option)
-            return QStringLiteral("unknown option ") + word;
-        if (!option->value.isEmpty() && words.isEmpty())
-            return QStringLiteral("%1 wants %2").arg(word, option->value);
-        const QString value = option->value.isEmpty() ? QString() : words.takeFirst();
-        if (!takeOption(word, value, options))
-            return QStringLiteral("%1: '%2' is not a number of seconds").arg(word, value);
-    }
-    words = rest + words;
-    return QString();
+    if (invocation.has("--timeout"))
+        setCallTimeout(invocation.number("--timeout"));
+    return command.words == QLatin1String("status") ? showStatus(invocation.has("--json"))
+                                                    : Monitor(invocation.has("--json")).run();
 }
 
 QString noSuchCommand(const QStringList &words)
 {
     const QString complaint = QStringLiteral("no command '%1'; 'kyboardctl help%2' lists them");
     const QString &group = words.first();
-    return complaint.arg(words.join(QLatin1Char(' ')),
+    return complaint.arg(shown(words.join(QLatin1Char(' '))),
                          helpText({group}).isEmpty() ? QString() : QLatin1Char(' ') + group);
 }
 
@@ -251,25 +173,25 @@ ExitStatus showHelp(const QStringList &words)
     return Success;
 }
 
-int run(QStringList words)
+int run(const QStringList &arguments)
 {
-    if (words.value(0) == QLatin1String("complete")) {
-        const QStringList candidates = completions(words.mid(1));
+    if (arguments.value(0) == QLatin1String("complete")) {
+        const QStringList candidates = completions(arguments.mid(1));
         for (const QString &candidate : candidates)
             print(candidate + QLatin1Char('\n'));
         return Success;
     }
-    Options options;
-    const QString complaint = takeOptions(words, options);
-    if (!complaint.isEmpty()) {
-        complain(complaint);
+    const Invocation invocation(arguments);
+    if (!invocation.complaint().isEmpty()) {
+        complain(invocation.complaint());
         return BadUsage;
     }
-    if (options.given.contains(QStringLiteral("--version"))) {
+    const QStringList words = invocation.words();
+    if (invocation.has("--version")) {
         print(QStringLiteral("kyboardctl %1\n").arg(QCoreApplication::applicationVersion()));
         return Success;
     }
-    if (options.given.contains(QStringLiteral("--help")))
+    if (invocation.has("--help"))
         return showHelp(words);
     if (words.value(0) == QLatin1String("help"))
         return showHelp(words.mid(1));
@@ -283,8 +205,8 @@ int run(QStringList words)
         complain(noSuchCommand(words));
         return BadUsage;
     }
-    return command->interface.isEmpty() ? runOwnCommand(*command, options, words.mid(used))
-                                        : runCommand(*command, options, words.mid(used));
+    return command->interface.isEmpty() ? runOwnCommand(*command, invocation, words.mid(used))
+                                        : runCommand(*command, invocation, words.mid(used));
 }
 } // namespace
 

@@ -2,7 +2,11 @@
 #include "commandline.h"
 #include "commands.h"
 #include "help.h"
+#include "invocation.h"
+#include "ipv4rules.h"
+#include "passphrase.h"
 #include "require.h"
+#include "textrules.h"
 
 #include <utility>
 
@@ -15,11 +19,27 @@ QString word(Choices &choices, const Command &command)
         if (choices.oneIn(3) && !argument.keys.isEmpty())
             made = argument.keys[int(choices.below(quint32(argument.keys.size())))].name +
                    QLatin1Char('=') + made;
+        if (choices.oneIn(8))
+            made = options()[int(choices.below(quint32(options().size())))].name;
         if (choices.oneIn(3) && !argument.choices.isEmpty())
             made = argument.choices[int(choices.below(quint32(argument.choices.size())))];
     }
     // Every file of the machine could be named behind this.
     return made.contains(QLatin1Char('@')) ? QString() : made;
+}
+
+/** What is sent to hostapd and ConnMan, and into the records. */
+void requireSound(const QVariantList &arguments)
+{
+    const QVariantMap map = arguments.value(0).toMap();
+    for (const QVariant &value : map)
+        require(value.userType() != QMetaType::QString || isFreeOfControls(value.toString()),
+                "no value has a line feed");
+    require(!map.contains(QStringLiteral("Method")) || ipv4Disagreement(map).isEmpty(),
+            "settings agree");
+    require(!map.contains(QStringLiteral("AdjustementCoefficients")) ||
+                map.value(QStringLiteral("AdjustementCoefficients")).toList().size() == 296,
+            "the record is whole");
 }
 
 bool readSecret(const QString &prompt, QString &secret)
@@ -51,14 +71,24 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t *data, std::size_t size
     if (choices.oneIn(20))
         helpText(words);
 
+    const Invocation invocation(command.words.split(QLatin1Char(' ')) + words);
+    require(isFreeOfControls(invocation.complaint()), "a complaint is one line");
+    for (const QString &rest : invocation.words())
+        require(words.contains(rest) || command.words.contains(rest), "words stay as they are");
+    invocation.misplaced(command);
+
     QVariantList arguments;
     QString complaint;
-    if (parseArguments(command, words, readSecret, arguments, complaint)) {
+    if (parseArguments(command, words, readSecret, arguments, complaint) &&
+        addPassphrase(command, invocation, readSecret, arguments, complaint)) {
+        require(complaint.isEmpty(), "there is nothing to complain about");
         require(arguments.size() == command.arguments.size(), "every argument has a value");
+        requireSound(arguments);
         for (const QVariant &argument : std::as_const(arguments))
             require(argument.isValid(), "every value can be sent");
     } else {
         require(!complaint.isEmpty(), "there is a complaint about what is wrong");
+        require(isFreeOfControls(complaint), "a complaint is one line");
     }
     return 0;
 }

@@ -1,4 +1,5 @@
 #include "board.h"
+#include "busmonitor.h"
 #include "commands.h"
 #include "daemontest.h"
 
@@ -8,6 +9,8 @@
 #include <QSet>
 #include <QStandardPaths>
 #include <QXmlStreamReader>
+
+#include <csignal>
 
 /** kyboardctl's monitor, running beside the test. */
 class RunningMonitor
@@ -53,6 +56,9 @@ private Q_SLOTS:
     void theDaemonsErrorsAreToldWithNameAndText();
     void aWrongCommandLineSendsNothing_data();
     void aWrongCommandLineSendsNothing();
+    void aShortPassphraseSendsNothing();
+    void optionsStandAnywhere();
+    void anAnswerThatIsLateIsToldApart();
     void withoutTheDaemonItSaysSo_data();
     void withoutTheDaemonItSaysSo();
     void withoutABusItSaysSo();
@@ -164,20 +170,61 @@ void TestKyboardctl::aWrongCommandLineSendsNothing_data()
                               << "led set: LED: 'wifi' is not one of BAT_RS1, BAT_GS1, BAT_GS2, "
                                  "BAT_GS3, BAT_GS4, BAT_GS5, UTC_SYNC, RECORDING, BT, WIFI, WPS, "
                                  "POWER_Y, POWER_G, SD_STATUS";
-    QTest::newRow("option") << QStringList{"--loud", "led", "list"} << "unknown option --loud";
-    QTest::newRow("short option") << QStringList{"-j", "led", "list"} << "unknown option -j";
+    QTest::newRow("option") << QStringList{"--loud", "led", "list"} << "unknown option 'loud'";
+    QTest::newRow("short option") << QStringList{"-j", "led", "list"} << "unknown option 'j'";
     QTest::newRow("option's value")
-        << QStringList{"wifi", "scan", "--timeout"} << "--timeout wants SECONDS";
+        << QStringList{"wifi", "scan", "--timeout"} << "missing value after '--timeout'";
     QTest::newRow("no number") << QStringList{"wifi", "scan", "--timeout", "soon"}
                                << "--timeout: 'soon' is not a number of seconds";
-    QTest::newRow("no time") << QStringList{"wifi", "scan", "--timeout", "0"}
+    QTest::newRow("no time") << QStringList{"wifi", "scan", "--timeout=0"}
                              << "--timeout: '0' is not a number of seconds";
     QTest::newRow("option of an operation")
         << QStringList{"led", "list", "--no-wait"} << "led list: --no-wait does not belong here";
     QTest::newRow("option of another command")
         << QStringList{"wifi", "scan", "--open"} << "wifi scan: --open does not belong here";
-    QTest::newRow("option of a call")
-        << QStringList{"status", "--timeout", "3"} << "status: --timeout does not belong here";
+    QTest::newRow("three coefficients")
+        << QStringList{"eeprom",
+                       "set-measure",
+                       "AdjustementSite=17",
+                       "AdjustementDate=1",
+                       "NextAdjustementDate=2",
+                       "AdjustementCoefficients=1,2,3"}
+        << "eeprom set-measure: AdjustementCoefficients: 3 numbers are given, and the record has "
+           "296";
+    QTest::newRow("long serial number")
+        << QStringList{"eeprom", "set-instrument", "SerialNumber=123456789"}
+        << "eeprom set-instrument: SerialNumber: '123456789' is not up to 8 printable ASCII "
+           "characters";
+    QTest::newRow("netmask") << QStringList{"ethernet", "set-ipv4", "Netmask=bogus"}
+                             << "ethernet set-ipv4: Netmask: 'bogus' is not a netmask, as in "
+                                "255.255.255.0";
+    QTest::newRow("address") << QStringList{"wifi", "set-ipv4", "Address=999.1.1.1"}
+                             << "wifi set-ipv4: Address: '999.1.1.1' is not an IPv4 address of a "
+                                "host, as in 192.168.1.20";
+    QTest::newRow("gateway")
+        << QStringList{"ethernet",
+                       "set-ipv4",
+                       "Method=manual",
+                       "Address=10.0.3.2",
+                       "Netmask=255.255.255.0",
+                       "Gateway=10.0.4.1"}
+        << "ethernet set-ipv4: Gateway: '10.0.4.1' is not in the network 10.0.3.0/24 of the "
+           "address";
+    QTest::newRow("channel") << QStringList{"ap",          "start", "Channel=99", "Security=open",
+                                            "IP=nonsense", "SSID="}
+                             << "ap start: Channel: '99' is not a whole number from 1 to 14";
+    QTest::newRow("line feed in an SSID")
+        << QStringList{"ap",
+                       "start",
+                       "Channel=9",
+                       "Security=open",
+                       "IP=192.168.7.1",
+                       "SSID=Lab\nignore_broadcast_ssid=1"}
+        << "ap start: SSID: 'Lab\\x0aignore_broadcast_ssid=1' is not 1 to 32 bytes without control "
+           "characters";
+    QTest::newRow("no SSID") << QStringList{"ap", "start", "SSID="}
+                             << "ap start: SSID: '' is not 1 to 32 bytes without control "
+                                "characters";
     QTest::newRow("no secret") << QStringList{"wifi", "connect", "home"}
                                << "wifi connect: no passphrase on standard input (--open for none)";
 }
@@ -187,15 +234,72 @@ void TestKyboardctl::aWrongCommandLineSendsNothing()
     QFETCH(QStringList, words);
     QFETCH(QString, complaint);
     QVERIFY(daemon.start());
-    SignalRecorder recorder("/KyDeviceMgr");
-    Board::clearJournal();
+    BusMonitor monitor;
+    monitor.take();
 
     const Result result = run(words);
 
     QCOMPARE(result.status, 2);
     QCOMPARE(result.complaint, "kyboardctl: " + complaint + '\n');
-    QCOMPARE(Board::journal(), QStringList());
-    QCOMPARE(recorder.take(), QStringList());
+    QCOMPARE(result.output, QString());
+    // It does not even join the bus.
+    QStringList messages;
+    for (const BusMessage &message : monitor.take())
+        messages << message.line();
+    QCOMPARE(messages, QStringList());
+}
+
+void TestKyboardctl::aShortPassphraseSendsNothing()
+{
+    QVERIFY(daemon.start());
+    BusMonitor monitor;
+    monitor.take();
+    const Result joined = run({"wifi", "connect", "Workshop"}, "seven s\n");
+    QCOMPARE(joined.status, 2);
+    QCOMPARE(joined.complaint,
+             QStringLiteral("kyboardctl: wifi connect: Passphrase: what was given is not 8 to 63 "
+                            "ASCII characters (WEP: 5 or 13) (--open for none)\n"));
+    const Result started = run(
+        {"ap", "start", "Channel=6", "SSID=Lab", "Security=WPA2", "IP=192.168.7.1"}, "seven s\n");
+    QCOMPARE(started.status, 2);
+    QCOMPARE(started.complaint,
+             QStringLiteral("kyboardctl: ap start: Password: what was given is not 8 to 63 ASCII "
+                            "characters\n"));
+    QVERIFY(monitor.take().isEmpty());
+}
+
+void TestKyboardctl::optionsStandAnywhere()
+{
+    QVERIFY(daemon.start());
+    QCOMPARE(run({"temperature", "threshold", "SOM", "-5", "--timeout=20"}).complaint, QString());
+    QCOMPARE(run({"--timeout", "20", "user", "get", "--json"}).output,
+             QStringLiteral("\"user1\"\n"));
+    const Result shortHelp = run({"led", "set", "-h"});
+    QCOMPARE(shortHelp.status, 0);
+    QCOMPARE(shortHelp.output, run({"help", "led", "set"}).output);
+    QVERIFY(shortHelp.output.startsWith("kyboardctl led set LED STATE\n"));
+}
+
+void TestKyboardctl::anAnswerThatIsLateIsToldApart()
+{
+    QVERIFY(daemon.start());
+    QCOMPARE(::kill(pid_t(daemon.processId()), SIGSTOP), 0);
+    const Result result = run({"user", "get", "--timeout", "1"});
+    QCOMPARE(::kill(pid_t(daemon.processId()), SIGCONT), 0);
+    QCOMPARE(result.complaint, QStringLiteral("kyboardctl: user get: no answer within 1 s\n"));
+    QCOMPARE(result.status, 6);
+
+    QCOMPARE(::kill(pid_t(daemon.processId()), SIGSTOP), 0);
+    QProcess client;
+    BusMonitor monitor;
+    client.start("kyboardctl", {"user", "get"});
+    QTRY_VERIFY_WITH_TIMEOUT(monitor.hasSeen("getUser"), 20000);
+    QCOMPARE(::kill(pid_t(daemon.processId()), SIGKILL), 0);
+    QCOMPARE(daemon.waitForExit(), -1);
+    QTRY_COMPARE_WITH_TIMEOUT(client.state(), QProcess::NotRunning, 20000);
+    QCOMPARE(client.readAllStandardError(),
+             QByteArray("kyboardctl: the board manager ended while it worked for this call\n"));
+    QCOMPARE(client.exitCode(), 3);
 }
 
 void TestKyboardctl::withoutTheDaemonItSaysSo_data()

@@ -19,6 +19,7 @@ private Q_SLOTS:
     void wrongArgumentsAreComplainedAbout();
     void secretsAreAskedForNeverTakenFromTheCommandLine();
     void withoutItsSecretsNothingIsComplete();
+    void aSecretThatIsTooLongIsNotShown();
     void numbersComeFromAFileToo();
     void everyCommandIsFoundByItsWords();
     void helpNamesEveryCommand();
@@ -31,6 +32,8 @@ private Q_SLOTS:
 
 private:
     static bool noSecret(const QString &, QString &) { return false; }
+    static QVariantList numbers(int count);
+    static QString numbersText(int count);
     static const Command &command(const QString &words);
 };
 
@@ -41,6 +44,20 @@ const Command &TestKyboardctlCommandLine::command(const QString &words)
     if (!found)
         qFatal("no command %s", qPrintable(words));
     return *found;
+}
+
+/** The numbers from 4294967295 downwards. */
+QVariantList TestKyboardctlCommandLine::numbers(int count)
+{
+    QVariantList list;
+    for (uint index = 0; index < uint(count); ++index)
+        list << 4294967295u - index;
+    return list;
+}
+
+QString TestKyboardctlCommandLine::numbersText(int count)
+{
+    return QVariant(numbers(count)).toStringList().join(',');
 }
 
 void TestKyboardctlCommandLine::goodArgumentsBecomeValues_data()
@@ -61,20 +78,24 @@ void TestKyboardctlCommandLine::goodArgumentsBecomeValues_data()
     QTest::newRow("off") << "backlight set-step" << QStringList{"off", "13"}
                          << QVariantList{false, 13};
     QTest::newRow("settings") << "ethernet set-ipv4"
-                              << QStringList{"Method=manual", "Address=10.0.0.2", "DNS1="}
-                              << QVariantList{QVariantMap{
-                                     {"Method", "manual"}, {"Address", "10.0.0.2"}, {"DNS1", ""}}};
+                              << QStringList{"Method=manual", "Address=10.0.0.2", "DNS1=::1"}
+                              << QVariantList{QVariantMap{{"Method", "manual"},
+                                                          {"Address", "10.0.0.2"},
+                                                          {"DNS1", "::1"}}};
     QTest::newRow("no settings") << "wifi set-ipv4" << QStringList() << QVariantList{QVariantMap()};
     QTest::newRow("equals sign in a value")
-        << "ap start" << QStringList{"SSID=a=b"} << QVariantList{QVariantMap{{"SSID", "a=b"}}};
+        << "ap start" << QStringList{"Channel=6", "SSID=a=b", "Security=open", "IP=192.168.7.1"}
+        << QVariantList{QVariantMap{
+               {"Channel", 6}, {"SSID", "a=b"}, {"Security", "open"}, {"IP", "192.168.7.1"}}};
     QTest::newRow("numbers") << "eeprom set-measure"
                              << QStringList{"AdjustementSite=1", "AdjustementDate=4294967295",
-                                            "NextAdjustementDate=3", "AdjustementCoefficients=1,2"}
+                                            "NextAdjustementDate=3",
+                                            "AdjustementCoefficients=" + numbersText(296)}
                              << QVariantList{
                                     QVariantMap{{"AdjustementSite", 1},
                                                 {"AdjustementDate", 4294967295u},
                                                 {"NextAdjustementDate", 3},
-                                                {"AdjustementCoefficients", QVariantList{1u, 2u}}}};
+                                                {"AdjustementCoefficients", numbers(296)}}};
 }
 
 void TestKyboardctlCommandLine::goodArgumentsBecomeValues()
@@ -114,7 +135,7 @@ void TestKyboardctlCommandLine::wrongArgumentsAreComplainedAbout_data()
     QTest::newRow("no key") << "wifi set-ipv4" << QStringList{"dhcp"}
                             << "'dhcp' is none of Method=, Address=, Netmask=, Gateway=, DNS1=, "
                                "DNS2=";
-    QTest::newRow("twice") << "wifi set-ipv4" << QStringList{"DNS1=a", "DNS1=b"}
+    QTest::newRow("twice") << "wifi set-ipv4" << QStringList{"DNS1=1.1.1.1", "DNS1=9.9.9.9"}
                            << "DNS1 is given twice";
     QTest::newRow("required key") << "eeprom set-measure" << QStringList{"AdjustementSite=1"}
                                   << "AdjustementDate= is missing";
@@ -122,13 +143,68 @@ void TestKyboardctlCommandLine::wrongArgumentsAreComplainedAbout_data()
                           << "Brand: '256' is not a whole number from 0 to 255";
     QTest::newRow("hexadecimal") << "eeprom set-instrument" << QStringList{"Model=83450"}
                                  << "Model: '83450' is not up to four hexadecimal digits";
+    QTest::newRow("no hexadecimal") << "eeprom set-instrument" << QStringList{"Model=0x45"}
+                                    << "Model: '0x45' is not up to four hexadecimal digits";
+    QTest::newRow("long serial number")
+        << "eeprom set-instrument" << QStringList{"SerialNumber=123456789"}
+        << "SerialNumber: '123456789' is not up to 8 printable ASCII characters";
+    QTest::newRow("long warranty number")
+        << "eeprom set-instrument" << QStringList{"WarrantyNumber=1234567890"}
+        << "WarrantyNumber: '1234567890' is not up to 9 printable ASCII characters";
+    QTest::newRow("encoding") << "eeprom set-instrument" << QStringList{"SerialNumber=caf\u00e9"}
+                              << "SerialNumber: 'caf\u00e9' is not up to 8 printable ASCII "
+                                 "characters";
+    QTest::newRow("line feed") << "eeprom set-instrument" << QStringList{"SerialNumber=a\nb"}
+                               << "SerialNumber: 'a\\x0ab' is not up to 8 printable ASCII "
+                                  "characters";
     QTest::newRow("number list")
         << "eeprom set-measure" << QStringList{"AdjustementCoefficients=1,x"}
-        << "AdjustementCoefficients: '1,x' is not whole numbers separated by commas, or @FILE";
-    QTest::newRow("no file")
-        << "eeprom set-measure" << QStringList{"AdjustementCoefficients=@/nowhere"}
-        << "AdjustementCoefficients: '@/nowhere' is not whole numbers separated by commas, or "
-           "@FILE";
+        << "AdjustementCoefficients: 'x' is not a whole number from 0 to 4294967295";
+    QTest::newRow("number too high")
+        << "eeprom set-measure" << QStringList{"AdjustementCoefficients=4294967296"}
+        << "AdjustementCoefficients: '4294967296' is not a whole number from 0 to 4294967295";
+    QTest::newRow("few numbers")
+        << "eeprom set-measure" << QStringList{"AdjustementCoefficients=" + numbersText(295)}
+        << "AdjustementCoefficients: 295 numbers are given, and the record has 296";
+    QTest::newRow("many numbers")
+        << "eeprom set-measure" << QStringList{"AdjustementCoefficients=" + numbersText(297)}
+        << "AdjustementCoefficients: 297 numbers are given, and the record has 296";
+    QTest::newRow("no file") << "eeprom set-measure"
+                             << QStringList{"AdjustementCoefficients=@/nowhere"}
+                             << "AdjustementCoefficients: the file '/nowhere' cannot be read";
+    QTest::newRow("site") << "eeprom set-measure" << QStringList{"AdjustementSite=65536"}
+                          << "AdjustementSite: '65536' is not a whole number from 0 to 65535";
+    QTest::newRow("date") << "eeprom set-measure" << QStringList{"AdjustementDate=2026-11-21"}
+                          << "AdjustementDate: '2026-11-21' is not a whole number from 0 to "
+                             "4294967295";
+    QTest::newRow("address") << "wifi set-ipv4" << QStringList{"Address=999.1.1.1"}
+                             << "Address: '999.1.1.1' is not an IPv4 address of a host, as in "
+                                "192.168.1.20";
+    QTest::newRow("netmask") << "wifi set-ipv4" << QStringList{"Netmask=bogus"}
+                             << "Netmask: 'bogus' is not a netmask, as in 255.255.255.0";
+    QTest::newRow("name server") << "wifi set-ipv4" << QStringList{"DNS2="}
+                                 << "DNS2: '' is not an IPv4 or IPv6 address";
+    QTest::newRow("gateway outside")
+        << "wifi set-ipv4"
+        << QStringList{"Method=manual", "Address=10.0.0.2", "Netmask=255.255.255.0",
+                       "Gateway=10.0.1.1"}
+        << "Gateway: '10.0.1.1' is not in the network 10.0.0.0/24 of the address";
+    QTest::newRow("channel") << "ap start" << QStringList{"Channel=99"}
+                             << "Channel: '99' is not a whole number from 1 to 14";
+    QTest::newRow("no SSID") << "ap start" << QStringList{"SSID="}
+                             << "SSID: '' is not 1 to 32 bytes without control characters";
+    QTest::newRow("line feed in an SSID")
+        << "ap start" << QStringList{"SSID=a\nwpa=0"}
+        << "SSID: 'a\\x0awpa=0' is not 1 to 32 bytes without control characters";
+    QTest::newRow("access point's address")
+        << "ap start" << QStringList{"IP=nonsense"}
+        << "IP: 'nonsense' is not an IPv4 address of a host, as in 192.168.1.20";
+    QTest::newRow("encryption left open")
+        << "ap start" << QStringList{"SSID=a", "Channel=1", "IP=192.168.7.1"}
+        << "Security= is missing";
+    QTest::newRow("network") << "wifi connect" << QStringList{"a\tb"}
+                             << "NETWORK: 'a\\x09b' is not 1 to 32 characters without control "
+                                "characters";
 }
 
 void TestKyboardctlCommandLine::wrongArgumentsAreComplainedAbout()
@@ -152,7 +228,7 @@ void TestKyboardctlCommandLine::secretsAreAskedForNeverTakenFromTheCommandLine()
     QStringList asked;
     const SecretReader reader = [&asked](const QString &prompt, QString &secret) {
         asked << prompt;
-        secret = "secret of " + prompt;
+        secret = "of " + prompt.mid(3, 7);
         return true;
     };
     QVariantList parsed;
@@ -160,8 +236,7 @@ void TestKyboardctlCommandLine::secretsAreAskedForNeverTakenFromTheCommandLine()
 
     QVERIFY(parseArguments(command("eeprom set-instrument"), record, reader, parsed, complaint));
     QCOMPARE(asked, (QStringList{"IrdInstrumentPassword", "IrdSessionPassword"}));
-    QCOMPARE(parsed.at(0).toMap().value("IrdSessionPassword"),
-             QVariant(QByteArray("secret of IrdSessionPassword")));
+    QCOMPARE(parsed.at(0).toMap().value("IrdSessionPassword"), QVariant(QByteArray("of Session")));
     QCOMPARE(parsed.at(0).toMap().value("SerialNumber"), QVariant(QByteArray("12345678")));
 
     QVERIFY(!parseArguments(command("eeprom set-instrument"),
@@ -182,17 +257,35 @@ void TestKyboardctlCommandLine::withoutItsSecretsNothingIsComplete()
     QCOMPARE(complaint, QStringLiteral("IrdInstrumentPassword could not be read"));
 }
 
+void TestKyboardctlCommandLine::aSecretThatIsTooLongIsNotShown()
+{
+    const QStringList record = {"Subsidiary=1",     "Fabrication=2", "Brand=3",
+                                "Type=4",           "Model=8345",    "SerialNumber=12345678",
+                                "WarrantyNumber=W", "RelaunchTag=6", "TroubleshootingTag=5",
+                                "FirstPassTag=7"};
+    const SecretReader reader = [](const QString &prompt, QString &secret) {
+        secret = QString(prompt == "IrdInstrumentPassword" ? 30 : 17, 's');
+        return true;
+    };
+    QVariantList parsed;
+    QString complaint;
+    QVERIFY(!parseArguments(command("eeprom set-instrument"), record, reader, parsed, complaint));
+    QCOMPARE(complaint, QStringLiteral("IrdSessionPassword: what was given is not up to 16 "
+                                       "printable ASCII characters"));
+}
+
 void TestKyboardctlCommandLine::numbersComeFromAFileToo()
 {
     QTemporaryFile file;
     QVERIFY(file.open());
-    file.write("1, 2,3\n4294967295\n");
+    file.write("1, 2,3\n4294967295\n" + QByteArray("7 ").repeated(292) + '\n');
     file.flush();
     QVariant value;
     QString complaint;
     const Argument &key = command("eeprom set-measure").arguments.at(0).keys.at(3);
     QVERIFY(parseValue(key, '@' + file.fileName(), value, complaint));
-    QCOMPARE(value, QVariant(QVariantList{1u, 2u, 3u, 4294967295u}));
+    QCOMPARE(value.toList().mid(0, 5), (QVariantList{1u, 2u, 3u, 4294967295u, 7u}));
+    QCOMPARE(value.toList().size(), 296);
 }
 
 void TestKyboardctlCommandLine::everyCommandIsFoundByItsWords()
@@ -219,16 +312,17 @@ void TestKyboardctlCommandLine::helpNamesEveryCommand()
     QVERIFY(!helpText({"led", "set"}).contains("kyboardctl led list"));
     QCOMPARE(helpText({"lights"}), QString());
     QVERIFY(helpText({"wifi", "connect"}).contains("    --open "));
-    QVERIFY(helpText({"wifi", "scan"}).contains("    --timeout SECONDS  "));
+    QVERIFY(helpText({"wifi", "scan"}).contains("    --no-wait  "));
     QVERIFY(!helpText({"wifi", "scan"}).contains("--open"));
     QVERIFY(!helpText({"led"}).contains("--"));
+    QVERIFY(helpText({"eeprom", "set-measure"}).contains("296 numbers, separated by commas"));
 }
 
 void TestKyboardctlCommandLine::helpNamesEveryOptionAndStatus()
 {
     const QString text = helpText();
     for (const Option &option : options())
-        QVERIFY2(text.contains("  " + option.name + ' '), qPrintable(option.name));
+        QVERIFY2(text.contains(' ' + option.name + ' '), qPrintable(option.name));
     for (const StatusMeaning &status : exitStatuses())
         QVERIFY(text.contains(QString("  %1  %2\n").arg(status.status).arg(status.meaning)));
 }

@@ -90,7 +90,8 @@ void TestKyboardctlPage::everyOptionIsThere()
 {
     QStringList expected;
     for (const Option &option : options()) {
-        const QString heading = QString("%1 %2").arg(option.name, option.value).trimmed();
+        const QString letter = option.letter.isEmpty() ? QString() : '-' + option.letter + ", ";
+        const QString heading = QString("%1%2 %3").arg(letter, option.name, option.value).trimmed();
         expected << heading + ": " +
                         (option.scope == Scope::WifiConnect
                              ? "With wifi connect: " + option.help + '.'

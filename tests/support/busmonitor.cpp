@@ -153,6 +153,20 @@ QList<BusMessage> BusMonitor::take()
     return taken;
 }
 
+bool BusMonitor::hasSeen(const char *member)
+{
+    if (!dbus_connection_read_write(m_connection, 0))
+        qFatal("the monitor lost the bus");
+    DBusMessage *message = nullptr;
+    while ((message = dbus_connection_pop_message(m_connection)) != nullptr) {
+        m_messages << record(message);
+        dbus_message_unref(message);
+    }
+    return std::any_of(m_messages.begin(), m_messages.end(), [member](const BusMessage &seen) {
+        return seen.type == BusMessage::Call && seen.member == QLatin1String(member);
+    });
+}
+
 QStringList BusMonitor::takeFromDaemon(const QString &destination)
 {
     const QString daemon =

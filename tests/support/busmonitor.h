@@ -51,6 +51,9 @@ public:
      */
     QList<BusMessage> take();
 
+    /** Whether a call of @p member has come since the last take(), without asking the daemon. */
+    bool hasSeen(const char *member);
+
     /** The lines of take() for what the daemon sent to @p destination, or to anybody. */
     QStringList takeFromDaemon(const QString &destination = QString());
 
