@@ -1,8 +1,10 @@
+#include "busmonitor.h"
 #include "daemontest.h"
 #include "introspection.h"
 
 #include <QDBusConnection>
 #include <QDBusMessage>
+#include <QDBusUnixFileDescriptor>
 #include <QXmlStreamReader>
 
 #include <grp.h>
@@ -18,10 +20,15 @@ private Q_SLOTS:
     void rootMayCall();
     void aMemberOfTheGroupMayCall();
     void onlyRootMayAskTheAgent();
-    void aStrangerMayOnlyLookAndPing();
+    void aStrangerMaySendNothing();
+    void nobodySendsSignalsToTheDaemonAlone_data();
+    void nobodySendsSignalsToTheDaemonAlone();
+    void fileDescriptorsAreForNobody_data();
+    void fileDescriptorsAreForNobody();
     void nobodyElseMayOwnTheName();
     void everybodyHearsSignals();
     void everyRuleNamesItsDestination();
+    void everyRuleThatLetsThroughExcludesDescriptors();
     void memberByMember_data();
     void memberByMember();
 
@@ -84,16 +91,13 @@ void TestPolicy::onlyRootMayAskTheAgent()
     }
 }
 
-void TestPolicy::aStrangerMayOnlyLookAndPing()
+void TestPolicy::aStrangerMaySendNothing()
 {
     QVERIFY(daemon.start());
-    QVERIFY(busctl("stranger", call("org.freedesktop.DBus.Introspectable", "Introspect"))
-                .startsWith("s \""));
-    QCOMPARE(busctl("stranger", call("org.freedesktop.DBus.Peer", "Ping")), QString());
-
     for (const QStringList &refused :
-         {call(users, "getUser"), call(users, "setUser", {"s", "user2"}),
-          call(users, "factoryReset", {"s", "user1"}),
+         {call("org.freedesktop.DBus.Introspectable", "Introspect"),
+          call("org.freedesktop.DBus.Peer", "Ping"), call(users, "getUser"),
+          call(users, "setUser", {"s", "user2"}), call(users, "factoryReset", {"s", "user1"}),
           call("org.freedesktop.DBus.Properties", "GetAll", {"s", users})}) {
         const QString answer = busctl("stranger", refused);
         QVERIFY2(answer.contains("Access") || answer.contains("rejected"), qPrintable(answer));
@@ -179,6 +183,56 @@ void addRow(const QString &path, const QString &interface, const QString &method
 }
 } // namespace
 
+void TestPolicy::nobodySendsSignalsToTheDaemonAlone_data()
+{
+    QTest::addColumn<QString>("user");
+    QTest::newRow("member") << "member";
+    QTest::newRow("stranger") << "stranger";
+}
+
+/** The stock rules let a signal to one receiver through, and what receives it has to read it. */
+void TestPolicy::nobodySendsSignalsToTheDaemonAlone()
+{
+    QFETCH(QString, user);
+    QVERIFY(daemon.start());
+    const QDBusConnection bus = connectAs(qPrintable(user));
+    BusMonitor monitor;
+    bus.send(QDBusMessage::createTargetedSignal(service, "/KyConfigMgr", users, "userChanged")
+             << "user2");
+
+    QStringList refusals;
+    QVERIFY(QTest::qWaitFor([&] {
+        const QList<BusMessage> messages = monitor.take();
+        for (const BusMessage &message : messages) {
+            if (message.type == BusMessage::Error && message.destination == bus.baseService())
+                refusals << message.errorName;
+        }
+        return !refusals.isEmpty();
+    }));
+    QCOMPARE(refusals, QStringList{"org.freedesktop.DBus.Error.AccessDenied"});
+}
+
+void TestPolicy::fileDescriptorsAreForNobody_data()
+{
+    QTest::addColumn<QString>("user");
+    for (const char *user : {"root", "member", "stranger"})
+        QTest::newRow(user) << user;
+}
+
+void TestPolicy::fileDescriptorsAreForNobody()
+{
+    QFETCH(QString, user);
+    QVERIFY(daemon.start());
+    for (const QString &path :
+         {QStringLiteral("/KyConfigMgr"), QStringLiteral("/KyComMgr/Agent")}) {
+        for (const char *method : {"Introspect", "Ping", "getUser"}) {
+            QDBusMessage call = QDBusMessage::createMethodCall(service, path, QString(), method);
+            call << QVariant::fromValue(QDBusUnixFileDescriptor(0));
+            QCOMPARE(fate(qPrintable(user), call), QStringLiteral("refused"));
+        }
+    }
+}
+
 /** A rule without one would hold for every service of the bus. */
 void TestPolicy::everyRuleNamesItsDestination()
 {
@@ -192,6 +246,22 @@ void TestPolicy::everyRuleNamesItsDestination()
             continue;
         ++count;
         QCOMPARE(rules.attributes().value(QLatin1String("send_destination")).toString(), service);
+    }
+    QVERIFY2(!rules.hasError(), qPrintable(rules.errorString()));
+    QVERIFY(count > 0);
+}
+
+void TestPolicy::everyRuleThatLetsThroughExcludesDescriptors()
+{
+    QXmlStreamReader rules(readFile(QStringLiteral(POLICY)));
+    int count = 0;
+    while (!rules.atEnd()) {
+        rules.readNext();
+        if (!rules.isStartElement() || rules.name() != QLatin1String("allow") ||
+            rules.attributes().hasAttribute(QStringLiteral("own")))
+            continue;
+        ++count;
+        QCOMPARE(rules.attributes().value(QLatin1String("max_fds")).toString(), QString("0"));
     }
     QVERIFY2(!rules.hasError(), qPrintable(rules.errorString()));
     QVERIFY(count > 0);
@@ -232,8 +302,8 @@ void TestPolicy::memberByMember_data()
         const QString member = path == agent ? refused : through;
         for (const char *method : {"Get", "GetAll", "Set"})
             addRow(path, "org.freedesktop.DBus.Properties", method, member, refused);
-        addRow(path, "org.freedesktop.DBus.Introspectable", "Introspect", through, through);
-        addRow(path, "org.freedesktop.DBus.Peer", "Ping", through, through);
+        addRow(path, "org.freedesktop.DBus.Introspectable", "Introspect", through, refused);
+        addRow(path, "org.freedesktop.DBus.Peer", "Ping", through, refused);
         addRow(path, "org.freedesktop.DBus.Peer", "GetMachineId", member, refused);
         addRow(path, "net.connman.Agent", "Release", member, refused);
         addRow(path, "com.orvendis.Strandel.BoardManager.Future", "act", member, refused);

