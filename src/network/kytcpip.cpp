@@ -28,6 +28,8 @@ const int longestSetting = 255;
 // The name servers of every setIPv4() are kept; no resolver asks as many as this.
 const int mostNameservers = 64;
 
+const char *const servicePropertyChanged = SLOT(servicePropertyChangedSlot(QString, QDBusVariant));
+
 const auto processFinished =
     static_cast<void (QProcess::*)(int, QProcess::ExitStatus)>(&QProcess::finished);
 
@@ -118,12 +120,19 @@ QDBusError KyTcpIp::setTechnologyPowered(bool powered)
 
 void KyTcpIp::watchService(const QString &path)
 {
-    const char *slot = SLOT(servicePropertyChangedSlot(QString, QDBusVariant));
     // The signals of a service that is no longer the current one are none of ours.
-    if (!m_servicePath.isEmpty() && path != m_servicePath)
-        connman::unwatchProperties(m_servicePath, connman::serviceInterface, this, slot);
+    if (path != m_servicePath)
+        forgetService();
     m_servicePath = path;
-    connman::watchProperties(path, connman::serviceInterface, this, slot);
+    connman::watchProperties(path, connman::serviceInterface, this, servicePropertyChanged);
+}
+
+void KyTcpIp::forgetService()
+{
+    if (!m_servicePath.isEmpty())
+        connman::unwatchProperties(m_servicePath, connman::serviceInterface, this,
+                                   servicePropertyChanged);
+    m_servicePath.clear();
 }
 
 QDBusError KyTcpIp::applyIPv4()

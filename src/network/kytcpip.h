@@ -91,6 +91,9 @@ protected:
     /** Makes the ConnMan service at @p path the current one and listens to its changes. */
     void watchService(const QString &path);
 
+    /** Ends watchService(): there is no current service. */
+    void forgetService();
+
     /**
      * Hands the kept name servers and IPv4 settings to the current service.
      *

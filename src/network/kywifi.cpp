@@ -106,6 +106,9 @@ void KyWifi::connect(const QVariantMap &settings, const QDBusMessage &message)
     const Step step(*this, "connect");
     if (!acceptsConnect())
         return;
+    // Only the service of this attempt decides about it, also where ConnMan gives it the same path.
+    forgetService();
+    m_connectReply = nullptr;
     m_monitoringTimer.start(connectTimeout);
     // Not announced: clients take "idle" for the end of an attempt.
     m_state = KyTcpIpState::Idle;
@@ -315,18 +318,30 @@ void KyWifi::sendRequestConnect(const QString &path)
     registerAgent();
     // ConnMan replies only after it has had an answer from the agent, which this very thread
     // gives: waiting for the reply here would block until the call times out, with the network not
-    // joined and no client served in the meantime. The outcome shows in ConnMan's signals, so the
-    // reply, which may even come in a later attempt, decides nothing.
+    // joined and no client served in the meantime.
     auto *reply = new QDBusPendingCallWatcher(connman::connectService(path), this);
     QObject::connect(reply, SIGNAL(finished(QDBusPendingCallWatcher *)), this,
                      SLOT(connectAnswered(QDBusPendingCallWatcher *)));
+    m_connectReply = reply;
 }
 
 void KyWifi::connectAnswered(QDBusPendingCallWatcher *reply)
 {
+    const QString errorName = reply->error().name();
     if (reply->isError())
         qDebug() << "Connect:" << reply->error().message();
     reply->deleteLater();
+    // A reply may come in a later attempt, about which it says nothing.
+    if (reply != m_connectReply)
+        return;
+    m_connectReply = nullptr;
+    if (!failsJoin(m_state, errorName))
+        return;
+    // The radio stays on: powered off, ConnMan would forget that the key was wrong, keep it and ask
+    // for no other.
+    const Step step(*this, "sendRequestConnect");
+    m_operation = NoOperation;
+    setState(KyTcpIpState::Failure);
 }
 
 void KyWifi::registerAgent()

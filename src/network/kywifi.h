@@ -27,7 +27,8 @@ public:
 public Q_SLOTS:
     /**
      * Joins the network "Service" of @p settings, with the user name "User" and the pass phrase
-     * "Password"; ignored unless the state is "idle" or "failure".
+     * "Password"; ignored unless the state is "idle" or "failure". There is no current service
+     * until ConnMan has joined the network.
      *
      * Fails with "Cannot switch in mode '1' (WLAN STATION)", and the state "failure", when the mode
      * script still runs or cannot be started. Whatever goes wrong later shows in the state alone.
@@ -89,6 +90,8 @@ private:
     /** The name of the network that the last connect named. */
     QString m_requestedService;
     Operation m_operation = NoOperation;
+    /** ConnMan's reply to the Connect of the last attempt; null when none is outstanding. */
+    const QDBusPendingCallWatcher *m_connectReply = nullptr;
     /** Bounds the operation under way. */
     QTimer m_monitoringTimer;
     /** Bounds the wait for the technology to be off. */

@@ -16,6 +16,8 @@ const struct {
     {"ready", KyTcpIpState::Association, JoinStep::Configure},
     {"online", anyState, JoinStep::GoOnline},
 };
+
+const QLatin1String connmanErrors("net.connman.Error.");
 } // namespace
 
 JoinStep nextJoinStep(int state, const QString &serviceState)
@@ -26,4 +28,11 @@ JoinStep nextJoinStep(int state, const QString &serviceState)
             return row.step;
     }
     return JoinStep::Wait;
+}
+
+bool failsJoin(int state, const QString &errorName)
+{
+    return state == KyTcpIpState::Association && errorName.startsWith(connmanErrors) &&
+           errorName != connmanErrors + QLatin1String("InProgress") &&
+           errorName != connmanErrors + QLatin1String("AlreadyConnected");
 }

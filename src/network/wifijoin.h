@@ -21,4 +21,13 @@ enum class JoinStep {
  */
 JoinStep nextJoinStep(int state, const QString &serviceState);
 
+/**
+ * Whether the attempt to join has failed, when ConnMan answers its Connect in the station's state
+ * @p state (a KyTcpIpState::State) with the D-Bus error @p errorName (empty: with none).
+ *
+ * Only an error of ConnMan's own fails it, and only in "association". A connection that stands or
+ * is under way already is no failure, and neither is a reply that has not come in time.
+ */
+bool failsJoin(int state, const QString &errorName);
+
 #endif

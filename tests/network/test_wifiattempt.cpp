@@ -23,7 +23,11 @@ private Q_SLOTS:
 
     void otherCallsAreAnsweredWhileConnectIsOutstanding();
     void theAgentAnswersWhileConnectIsOutstanding();
-    void aFailedConnectDecidesNothing();
+    void anErrorOfConnMansOwnEndsTheAttempt_data();
+    void anErrorOfConnMansOwnEndsTheAttempt();
+    void anyOtherErrorDecidesNothing_data();
+    void anyOtherErrorDecidesNothing();
+    void anErrorOfALaterStateDecidesNothing();
     void aConnectThatTimesOutDecidesNothing();
     void anEarlierConnectsReplyDoesNotDisturbALaterOne();
 
@@ -33,6 +37,7 @@ private Q_SLOTS:
     void aConnectWithoutAScriptFails();
     void aConnectWithoutConnmandFailsAndAsksNothing();
     void aConnectDuringTheTwoSecondsIsEvaluatedThen();
+    void changesWhileTheScriptRunsLeaveOnlyATrace_data();
     void changesWhileTheScriptRunsLeaveOnlyATrace();
     void aConnectMayFollowAFailure();
 
@@ -237,15 +242,65 @@ void TestWifiAttempt::theAgentAnswersWhileConnectIsOutstanding()
     QCOMPARE(announced(), QStringList{association});
 }
 
-void TestWifiAttempt::aFailedConnectDecidesNothing()
+void TestWifiAttempt::anErrorOfConnMansOwnEndsTheAttempt_data()
 {
-    connman.failMethod(connectLab, "net.connman.Error.Failed", "Input/output error");
+    QTest::addColumn<QString>("errorName");
+    for (const char *name : {"Failed", "OperationAborted", "InvalidArguments"})
+        QTest::newRow(name) << name;
+}
+
+void TestWifiAttempt::anErrorOfConnMansOwnEndsTheAttempt()
+{
+    QFETCH(QString, errorName);
+    connman.holdMethod(connectLab);
     reach("association");
+    const int records = trace().size();
+
+    connman.failMethod(connectLab, "net.connman.Error." + errorName, "Input/output error");
+    connman.releaseMethod(connectLab);
+
+    QCOMPARE(recorder->waitFor(1), QStringList{failure});
+    QCOMPARE(trace().mid(records), QStringList{"sendRequestConnect OP:none failure Lab"});
+    // The attempt is over, and the radio left alone.
+    announceService("ready");
+    QCOMPARE(announced(), QStringList());
+    QCOMPARE(orders(), QStringList());
+}
+
+void TestWifiAttempt::anyOtherErrorDecidesNothing_data()
+{
+    QTest::addColumn<QString>("errorName");
+    for (const char *name :
+         {"net.connman.Error.InProgress", "net.connman.Error.AlreadyConnected",
+          "org.freedesktop.DBus.Error.Failed", "org.freedesktop.DBus.Error.NoReply"})
+        QTest::newRow(name) << name;
+}
+
+void TestWifiAttempt::anyOtherErrorDecidesNothing()
+{
+    QFETCH(QString, errorName);
+    connman.holdMethod(connectLab);
+    reach("association");
+    connman.failMethod(connectLab, errorName, "Input/output error");
+    connman.releaseMethod(connectLab);
     QVERIFY(daemon.waitForLog("Input/output error"));
 
     QCOMPARE(announced(), QStringList());
     announceService("ready");
     QCOMPARE(announced(), QStringList{configuration});
+}
+
+void TestWifiAttempt::anErrorOfALaterStateDecidesNothing()
+{
+    connman.holdMethod(connectLab);
+    reach("configuration");
+    connman.failMethod(connectLab, "net.connman.Error.Failed", "Input/output error");
+    connman.releaseMethod(connectLab);
+    QVERIFY(daemon.waitForLog("Input/output error"));
+
+    QCOMPARE(announced(), QStringList());
+    connman.setProperty(lab, "IPv4", address);
+    QCOMPARE(announced(), QStringList{online});
 }
 
 void TestWifiAttempt::aConnectThatTimesOutDecidesNothing()
@@ -368,15 +423,28 @@ void TestWifiAttempt::aConnectDuringTheTwoSecondsIsEvaluatedThen()
     QCOMPARE(script.log(), (QStringList{"start 1", "end 1", "start 1", "end 1"}));
 }
 
+void TestWifiAttempt::changesWhileTheScriptRunsLeaveOnlyATrace_data()
+{
+    QTest::addColumn<QString>("method");
+    QTest::addColumn<int>("serviceRecords");
+    QTest::newRow("connect") << "connect" << 0;
+    // A scan keeps the service, whose changes are traced.
+    QTest::newRow("scan") << "scan" << 3;
+}
+
 void TestWifiAttempt::changesWhileTheScriptRunsLeaveOnlyATrace()
 {
+    QFETCH(QString, method);
+    QFETCH(int, serviceRecords);
     reach("configuration");
     connman.setProperty(lab, "Error", "connect-failed");
     QCOMPARE(announced(), QStringList{labFailure});
     orders();
     const int records = trace().size();
     script.hold();
-    join();
+    QCOMPARE(method == "scan" ? wifi.call("scan") : join(), QString("()"));
+    QCOMPARE(announced(),
+             method == "scan" ? QStringList{state("WIFI", lab, "idle")} : QStringList());
 
     connman.emitServicesChanged();
     connman.setProperty(ConnmanStandIn::wifiTechnology, "Powered", true);
@@ -387,11 +455,12 @@ void TestWifiAttempt::changesWhileTheScriptRunsLeaveOnlyATrace()
 
     QCOMPARE(announced(), QStringList());
     QCOMPARE(connman.journal(), QStringList());
-    QStringList expected;
-    for (const char *method : {"connect", "servicesChangedSlot", "technologyPropertyChangedSlot",
-                               "technologyPropertyChangedSlot", "servicePropertyChangedSlot",
-                               "servicePropertyChangedSlot", "servicePropertyChangedSlot"})
-        expected << method + QString(" OP:connect idle Lab");
+    QStringList expected = {method, "servicesChangedSlot", "technologyPropertyChangedSlot",
+                            "technologyPropertyChangedSlot"};
+    for (int record = 0; record < serviceRecords; ++record)
+        expected << "servicePropertyChangedSlot";
+    for (QString &record : expected)
+        record += " OP:" + method + " idle Lab";
     QCOMPARE(trace().mid(records), expected);
 }
 

@@ -51,6 +51,8 @@ private Q_SLOTS:
     void aStrengthThatIsNoneIsNotPassedOn_data();
     void aStrengthThatIsNoneIsNotPassedOn();
     void theServiceBeforeIsNoLongerHeard();
+    void theNetworkJoinedLastIsConfiguredAnew();
+    void aScanKeepsTheService();
     void otherPropertiesAreIgnored();
 };
 
@@ -527,7 +529,7 @@ void TestWifiConnect::theServiceBeforeIsNoLongerHeard()
     QVERIFY(connman.waitForCall("Service.Connect " + networkPath("Office")));
     connman.storeProperty(networkPath("Office"), "State", "ready");
     connman.emitServicesChanged();
-    QCOMPARE(announced(), (QStringList{labFailure, state("WIFI", lab, "association"),
+    QCOMPARE(announced(), (QStringList{labFailure, association,
                                        state("WIFI", networkPath("Office"), "configuration")}));
 
     connman.setProperty(lab, "Error", "connect-failed");
@@ -535,6 +537,47 @@ void TestWifiConnect::theServiceBeforeIsNoLongerHeard()
     connman.setProperty(lab, "Strength", QVariant::fromValue(uchar(41)));
 
     QCOMPARE(announced(), QStringList());
+}
+
+void TestWifiConnect::theNetworkJoinedLastIsConfiguredAnew()
+{
+    reach("online");
+    connman.storeProperty(ConnmanStandIn::wifiTechnology, "Powered", true);
+    wifi.call("disconnect");
+    connman.setProperty(ConnmanStandIn::wifiTechnology, "Powered", false);
+    connman.storeProperty(lab, "State", "idle");
+    connman.storeProperty(lab, "IPv4", QVariantMap());
+    announced();
+    orders();
+
+    join();
+    QCOMPARE(wifi.call("getIPv4"), QString("({})"));
+    letModuleSwitch();
+    QVERIFY(connman.waitForCall(connectLab));
+    connman.setProperty(lab, "IPv4", address);
+    connman.setProperty(lab, "Error", "connect-failed");
+    connman.setProperty(lab, "Strength", QVariant::fromValue(uchar(41)));
+    QCOMPARE(announced(), QStringList{association});
+    QCOMPARE(orders(), (QStringList{registerAgent, connectLab}));
+
+    announceService("ready");
+    QCOMPARE(announced(), (QStringList{configuration, online}));
+    QCOMPARE(orders(), (QStringList{nameservers, settings}));
+}
+
+void TestWifiConnect::aScanKeepsTheService()
+{
+    reach("configuration");
+    connman.setProperty(lab, "Error", "connect-failed");
+    wifi.call("scan");
+    letModuleSwitch();
+    announced();
+
+    connman.setProperty(lab, "Strength", QVariant::fromValue(uchar(41)));
+
+    QCOMPARE(announced(),
+             QStringList{"WIFI.propertyChanged(\"" + lab + "\", \"Strength\", <y:41>)"});
+    QCOMPARE(wifi.call("getStrength"), QString("({\"Strength\": <y:41>})"));
 }
 
 void TestWifiConnect::otherPropertiesAreIgnored()

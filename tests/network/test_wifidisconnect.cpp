@@ -14,6 +14,7 @@ private Q_SLOTS:
     void anAttemptIsEnded();
     void withoutAServiceNothingIsForgotten();
     void aNetworkCanBeJoinedAfterwards();
+    void anAttemptForgetsNoOtherNetwork();
     void argumentsAreRefused();
 
     void aServiceThatIsNotForgottenIsReported();
@@ -139,8 +140,26 @@ void TestWifiDisconnect::aNetworkCanBeJoinedAfterwards()
     letModuleSwitch();
 
     QVERIFY(connman.waitForCall(connectLab));
-    QCOMPARE(announced(), QStringList{state("WIFI", lab, "association")});
+    QCOMPARE(announced(), QStringList{association});
     QCOMPARE(orders(), (QStringList{registerAgent, connectLab}));
+}
+
+void TestWifiDisconnect::anAttemptForgetsNoOtherNetwork()
+{
+    reachPowered("configuration");
+    connman.setProperty(lab, "Error", "connect-failed");
+    connman.setServices({network("Lab", "idle"), network("Office", "idle")});
+    join("Office");
+    letModuleSwitch();
+    QVERIFY(connman.waitForCall("Service.Connect " + networkPath("Office")));
+    announced();
+    orders();
+    connman.storeProperty(ConnmanStandIn::wifiTechnology, "Powered", true);
+
+    QCOMPARE(disconnect(), QString("()"));
+
+    QCOMPARE(announced(), QStringList{state("WIFI", "", "disconnect")});
+    QCOMPARE(orders(), (QStringList{powerOff, unregisterAgent}));
 }
 
 void TestWifiDisconnect::argumentsAreRefused()
@@ -279,7 +298,7 @@ void TestWifiDisconnect::aConnManThatStandsStillDoesNotHinderTheEnd()
     QCOMPARE(join(), QString("()"));
     letModuleSwitch();
     QVERIFY(connman.waitForCall(connectLab));
-    QCOMPARE(announced(), QStringList{state("WIFI", service, "association")});
+    QCOMPARE(announced(), QStringList{association});
 }
 
 void TestWifiDisconnect::aScriptThatRunsDoesNotHinderTheEnd()

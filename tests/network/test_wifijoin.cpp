@@ -13,6 +13,8 @@ class TestWifiJoin : public QObject
 private Q_SLOTS:
     void aStepFollowsFromBothStates_data();
     void aStepFollowsFromBothStates();
+    void anErrorOfConnMansOwnFailsTheAssociation_data();
+    void anErrorOfConnMansOwnFailsTheAssociation();
 };
 
 void TestWifiJoin::aStepFollowsFromBothStates_data()
@@ -63,6 +65,44 @@ void TestWifiJoin::aStepFollowsFromBothStates()
     QFETCH(QString, serviceState);
     QFETCH(JoinStep, step);
     QCOMPARE(nextJoinStep(state, serviceState), step);
+}
+
+void TestWifiJoin::anErrorOfConnMansOwnFailsTheAssociation_data()
+{
+    QTest::addColumn<int>("state");
+    QTest::addColumn<QString>("errorName");
+    QTest::addColumn<bool>("fails");
+
+    const struct {
+        const char *errorName;
+        bool fails;
+    } table[] = {
+        {"net.connman.Error.Failed", true},
+        {"net.connman.Error.OperationAborted", true},
+        {"net.connman.Error.OperationTimeout", true},
+        {"net.connman.Error.InProgress", false},
+        {"net.connman.Error.AlreadyConnected", false},
+        {"net.connman.Error", false},
+        {"net.connman.Errors.Failed", false},
+        {"org.freedesktop.DBus.Error.NoReply", false},
+        {"org.freedesktop.DBus.Error.Timeout", false},
+        {"org.freedesktop.DBus.Error.ServiceUnknown", false},
+        {"", false},
+    };
+    for (int state = KyTcpIpState::Idle; state <= KyTcpIpState::Online; ++state) {
+        for (const auto &row : table)
+            QTest::newRow(qPrintable(
+                QString("%1, error %2").arg(KyTcpIpState::tpc_i_tcpIpState[state], row.errorName)))
+                << state << row.errorName << (row.fails && state == KyTcpIpState::Association);
+    }
+}
+
+void TestWifiJoin::anErrorOfConnMansOwnFailsTheAssociation()
+{
+    QFETCH(int, state);
+    QFETCH(QString, errorName);
+    QFETCH(bool, fails);
+    QCOMPARE(failsJoin(state, errorName), fails);
 }
 
 QTEST_GUILESS_MAIN(TestWifiJoin)
