@@ -149,7 +149,8 @@ void KyWifi::scan(const QDBusMessage &message)
     if (!hasNoArguments(message))
         return;
     const Step step(*this, "scan");
-    if (!acceptsConnect())
+    const bool isConnecting = m_operation == Connect && m_state == KyTcpIpState::Idle;
+    if (!acceptsConnect() || isConnecting)
         return;
     m_monitoringTimer.start(scanTimeout);
     setState(KyTcpIpState::Idle);
@@ -182,7 +183,8 @@ void KyWifi::slotLoadFirmwareFinishedDelayed()
 {
     const Step step(*this, "slotLoadFirmwareFinishedDelayed");
     m_firmwareLoaded = 1;
-    if (m_state != KyTcpIpState::Idle)
+    // After a disconnect the module is evaluated for nobody.
+    if (m_state != KyTcpIpState::Idle || m_operation == NoOperation)
         return;
     // A scan whose time was over before the module was ready still has to come to its end.
     if (m_operation == Scan && !m_monitoringTimer.isActive())

@@ -46,8 +46,9 @@ public Q_SLOTS:
     void disconnect(const QDBusMessage &message);
 
     /**
-     * Scans for networks; ignored unless the state is "idle" or "failure". The outcome comes with
-     * servicesListChanged(), after 15 s at the latest once the module is switched.
+     * Scans for networks; ignored unless the state is "idle" or "failure", and while a connect is
+     * under way whose state is still "idle". The outcome comes with servicesListChanged(), after
+     * 15 s at the latest once the module is switched.
      *
      * Fails as connect() does.
      */

@@ -1,3 +1,4 @@
+#include "busmonitor.h"
 #include "daemontest.h"
 #include "modescript.h"
 #include "realconnman.h"
@@ -247,6 +248,59 @@ void TestKyboardctlWifi::whileConnectedNothingElseIsTried()
     QCOMPARE(scan.complaint, QStringLiteral("kyboardctl: wifi scan: not while it is connected or "
                                             "busy with something else\n"));
     QCOMPARE(script.log(), (QStringList{"start 1", "end 1"}));
+}
+
+void TestKyboardctlWifi::aScanDoesNotEndAConnectThatHasJustBegun()
+{
+    script.hold();
+    QProcess client;
+    start(client, {"wifi", "connect", "Cafe", "--open"}, {});
+    QVERIFY(script.waitFor("start 1"));
+
+    const Result scan = run({"wifi", "scan"});
+    QCOMPARE(scan.status, 5);
+    QCOMPARE(scan.complaint, QStringLiteral("kyboardctl: wifi scan: not while it is connected or "
+                                            "busy with something else\n"));
+
+    script.release();
+    const Result result = resultOf(client);
+    QCOMPARE(result.output, QStringLiteral("online\n"));
+    QCOMPARE(result.status, 0);
+}
+
+void TestKyboardctlWifi::disconnectWhileTheModuleSwitchesLeavesTheRadioOff_data()
+{
+    QTest::addColumn<bool>("isScriptRunning");
+    QTest::newRow("while the script runs") << true;
+    QTest::newRow("in the two seconds after it") << false;
+}
+
+void TestKyboardctlWifi::disconnectWhileTheModuleSwitchesLeavesTheRadioOff()
+{
+    QFETCH(bool, isScriptRunning);
+    const auto isTraced = [](const char *step) {
+        return readFile("/tmp/logkywifi").contains(QByteArray("\n") + step + '\n');
+    };
+    script.hold();
+    QCOMPARE(run({"wifi", "connect", "Cafe", "--open", "--no-wait"}).status, 0);
+    QVERIFY(script.waitFor("start 1"));
+    if (!isScriptRunning) {
+        script.release();
+        QTRY_VERIFY(isTraced("slotLoadFirmwareFinished"));
+    }
+    QCOMPARE(run({"wifi", "disconnect"}).complaint,
+             QStringLiteral("kyboardctl: Cannot set property Powered: Already disabled "
+                            "(org.freedesktop.DBus.Error.Failed)\n"));
+    BusMonitor monitor;
+
+    if (isScriptRunning)
+        script.release();
+    QTRY_VERIFY_WITH_TIMEOUT(isTraced("slotLoadFirmwareFinishedDelayed"), 20000);
+
+    QCOMPARE(monitor.takeFromDaemon("net.connman"), QStringList());
+    QCOMPARE(RealConnman::properties("/net/connman/technology/wifi").value("Powered").toBool(),
+             false);
+    QVERIFY(run({"wifi", "scan"}).output.contains("Workshop"));
 }
 
 void TestKyboardctlWifi::withoutAnAddressThereIsNoOutcome()

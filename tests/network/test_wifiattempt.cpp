@@ -33,6 +33,9 @@ private Q_SLOTS:
 
     void aConnectUnderWayIsLeftAlone_data();
     void aConnectUnderWayIsLeftAlone();
+    void aScanLeavesAConnectThatIsStillIdleAlone_data();
+    void aScanLeavesAConnectThatIsStillIdleAlone();
+    void aScanMayFollowAConnectThatFailed();
     void aConnectWhileTheScriptRunsFails();
     void aConnectWithoutAScriptFails();
     void aConnectWithoutConnmandFailsAndAsksNothing();
@@ -359,6 +362,61 @@ void TestWifiAttempt::aConnectUnderWayIsLeftAlone()
     QCOMPARE(script.log(), (QStringList{"start 1", "end 1"}));
     QCOMPARE(trace().mid(records), (QStringList{"connect OP:connect " + name + " Lab",
                                                 "scan OP:connect " + name + " Lab"}));
+}
+
+void TestWifiAttempt::aScanLeavesAConnectThatIsStillIdleAlone_data()
+{
+    QTest::addColumn<QString>("phase");
+    for (const char *phase : {"script", "delay", "search"})
+        QTest::newRow(phase) << phase;
+}
+
+void TestWifiAttempt::aScanLeavesAConnectThatIsStillIdleAlone()
+{
+    QFETCH(QString, phase);
+    begin();
+    script.hold();
+    join();
+    QVERIFY(script.waitFor("start 1"));
+    if (phase != "script") {
+        script.release();
+        waitForScripts();
+    }
+    if (phase == "search")
+        letModuleSwitch();
+    const int records = trace().size();
+
+    QCOMPARE(wifi.call("scan"), QString("()"));
+
+    QCOMPARE(trace().mid(records), QStringList{"scan OP:connect idle Lab"});
+    QCOMPARE(announced(), QStringList());
+    // The 15 s of a scan decide nothing either.
+    daemon.letTimePass(20);
+    QCOMPARE(announced(), QStringList());
+    if (phase == "script") {
+        script.release();
+        letModuleSwitch();
+    }
+    QVERIFY(connman.waitForCall(powerOn));
+    QCOMPARE(script.log(), (QStringList{"start 1", "end 1"}));
+    connman.setServices({network("Lab", "idle")});
+    connman.emitServicesChanged();
+    QVERIFY(connman.waitForCall(connectLab));
+    QCOMPARE(announced(), QStringList{association});
+    QCOMPARE(orders(), (QStringList{powerOn, registerAgent, connectLab}));
+}
+
+void TestWifiAttempt::aScanMayFollowAConnectThatFailed()
+{
+    connman.setServices({network("Lab", "idle")});
+    script.remove();
+    begin();
+    QCOMPARE(join(), cannotSwitch);
+    script.install();
+
+    QCOMPARE(wifi.call("scan"), QString("()"));
+
+    QCOMPARE(announced(), (QStringList{failure, state("WIFI", "", "idle")}));
 }
 
 void TestWifiAttempt::aConnectWhileTheScriptRunsFails()

@@ -27,6 +27,8 @@ private Q_SLOTS:
     void aConnManThatStandsStillDoesNotHinderTheEnd_data();
     void aConnManThatStandsStillDoesNotHinderTheEnd();
     void aScriptThatRunsDoesNotHinderTheEnd();
+    void theModuleOfAnEndedAttemptStaysOff_data();
+    void theModuleOfAnEndedAttemptStaysOff();
     void theServiceThatIsLeftDecidesNothing();
     void nothingElseIsStartedMeanwhile();
 
@@ -321,6 +323,42 @@ void TestWifiDisconnect::aScriptThatRunsDoesNotHinderTheEnd()
     letModuleSwitch();
     QCOMPARE(announced(), QStringList());
     QCOMPARE(orders(), QStringList());
+}
+
+void TestWifiDisconnect::theModuleOfAnEndedAttemptStaysOff_data()
+{
+    QTest::addColumn<QString>("method");
+    QTest::addColumn<bool>("isScriptRunning");
+    for (const char *method : {"connect", "scan"}) {
+        QTest::addRow("%s, while the script runs", method) << method << true;
+        QTest::addRow("%s, in the two seconds after it", method) << method << false;
+    }
+}
+
+void TestWifiDisconnect::theModuleOfAnEndedAttemptStaysOff()
+{
+    QFETCH(QString, method);
+    QFETCH(bool, isScriptRunning);
+    begin();
+    script.hold();
+    QCOMPARE(method == "scan" ? wifi.call("scan") : join(), QString("()"));
+    QVERIFY(script.waitFor("start 1"));
+    if (!isScriptRunning) {
+        script.release();
+        waitForScripts();
+    }
+    QCOMPARE(disconnect(), failed("Cannot set property Powered: Already disabled"));
+    orders();
+    announced();
+
+    if (isScriptRunning)
+        script.release();
+    letModuleSwitch();
+
+    QCOMPARE(announced(), QStringList());
+    QCOMPARE(connman.journal(), QStringList());
+    QCOMPARE(trace().last().section(' ', 0, 2),
+             QString("slotLoadFirmwareFinishedDelayed OP:none idle"));
 }
 
 void TestWifiDisconnect::theServiceThatIsLeftDecidesNothing()
