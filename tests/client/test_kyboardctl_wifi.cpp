@@ -34,6 +34,9 @@ private Q_SLOTS:
     void anAbsentNetworkFails();
     void disconnectLeadsToIdle();
     void whileConnectedNothingElseIsTried();
+    void aScanDoesNotEndAConnectThatHasJustBegun();
+    void disconnectWhileTheModuleSwitchesLeavesTheRadioOff_data();
+    void disconnectWhileTheModuleSwitchesLeavesTheRadioOff();
     void withoutAnAddressThereIsNoOutcome();
     void withoutWaitingItEndsAtOnce();
     void withoutTheModulesScriptTheDaemonsErrorIsTold();
