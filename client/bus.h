@@ -17,6 +17,8 @@ enum ExitStatus {
     OutcomeFailed = 5,   ///< what was started ended in failure
     OutcomeMissing = 6,  ///< no answer in time, or what was started did not come to an end in time
     OutputLost = 7,      ///< what was done cannot be told: standard output takes nothing more
+    NothingThere = 8,    ///< what was asked for is not there: not connected, no such hardware
+    NotConfirmed = 9,    ///< what destroys something was not confirmed; nothing was sent
 };
 
 /** The answer to a call: its plain values, or why there are none. */

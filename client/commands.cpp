@@ -147,8 +147,10 @@ QVector<Command> makeCommands()
     QVector<Command> made;
     const auto method = [&made, &none](const char *words, const QString &path,
                                        const QString &interface, const char *name,
-                                       const QVector<Argument> &arguments, const char *help) {
+                                       const QVector<Argument> &arguments,
+                                       const char *help) -> Command & {
         made.append({text(words), text(help), path, interface, text(name), {}, arguments, none});
+        return made.last();
     };
     const auto operation = [&made](const char *words, const QString &interface, const char *name,
                                    const QVector<Argument> &arguments, const Outcome &outcome,
@@ -156,11 +158,13 @@ QVector<Command> makeCommands()
         made.append({text(words), text(help), com, interface, text(name), {}, arguments, outcome});
     };
     const auto tcpIp = [&method](const QByteArray &group, const QString &interface) {
-        method(group + " ipv4", com, interface, "getIPv4", {}, "IPv4 settings in use");
+        method(group + " ipv4", com, interface, "getIPv4", {}, "IPv4 settings in use").nothing =
+            text("not connected");
         method(group + " set-ipv4", com, interface, "setIPv4", {ipv4Settings()},
                "set the IPv4 settings for the next connection");
         method(group + " hardware", com, interface, "getHardwareInfos", {},
-               "name, hardware address and MTU of the interface");
+               "name, hardware address and MTU of the interface")
+            .nothing = text("there is no such network interface");
     };
 
     method("user get", config, text("Users"), "getUser", {}, "name of the active profile");
@@ -168,7 +172,8 @@ QVector<Command> makeCommands()
            {choice("USER", users, "profile to activate")}, "activate a profile");
     method("user reset", config, text("Users"), "factoryReset",
            {choice("USER", users, "profile to reset")},
-           "replace a profile by a copy of the factory default");
+           "replace a profile by a copy of the factory default")
+        .question = text("replace all files of the profile by the factory default");
 
     made.append({text("battery status"),
                  text("charger and charge"),
@@ -181,7 +186,8 @@ QVector<Command> makeCommands()
     method("battery voltage", device, text("Alimentation"), "getBatteryVoltage", {},
            "battery voltage as last read");
 
-    method("led list", device, text("LED"), "getLEDStatus", {}, "what every LED shows");
+    method("led list", device, text("LED"), "getLEDStatus", {}, "what every LED shows").nothing =
+        text("no LED answers");
     method("led set", device, text("LED"), "setLEDStatus",
            {choice("LED", leds, "LED to set"), choice("STATE", ledStates, "what it is to show")},
            "make an LED show a state");
@@ -189,7 +195,8 @@ QVector<Command> makeCommands()
            "show the shutdown pattern on the power button");
 
     method("temperature list", device, text("Temperature"), "getTemperatures", {},
-           "temperature of every sensor");
+           "temperature of every sensor")
+        .nothing = text("no sensor answers");
     method("temperature threshold", device, text("Temperature"), "setTemperatureThreshold",
            {choice("SENSOR", sensors, "sensor"),
             integer("VALUE", int32Minimum, int32Maximum, "temperature from which on to signal")},
@@ -219,15 +226,21 @@ QVector<Command> makeCommands()
            "ambient light in lux");
 
     method("eeprom instrument", device, text("Version"), "getEepromInstrument", {},
-           "instrument record");
+           "instrument record, its passwords hidden")
+        .secrets = QStringList{text("IrdInstrumentPassword"), text("IrdSessionPassword")};
     method("eeprom set-instrument", device, text("Version"), "setEepromInstrument",
-           {settings(instrumentKeys(), "the whole record")}, "write the instrument record");
+           {settings(instrumentKeys(), "the whole record")}, "write the instrument record")
+        .question = text("overwrite the instrument record in the EEPROM");
     method("eeprom measure", device, text("Version"), "getEepromMesure", {}, "measure-card record");
     method("eeprom set-measure", device, text("Version"), "setEepromMesure",
-           {settings(measureKeys(), "the whole record")}, "write the measure-card record");
+           {settings(measureKeys(), "the whole record")}, "write the measure-card record")
+        .question = text("overwrite the measure-card record, with all adjustment coefficients, in "
+                         "the EEPROM");
     method("eeprom invalidate", device, text("Version"), "invalidateEepromsContent", {},
-           "spoil the checksums of both records");
-    method("version revisions", device, text("Version"), "getRevision", {}, "hardware revisions");
+           "spoil the checksums of both records")
+        .question = text("make both records in the EEPROMs invalid");
+    method("version revisions", device, text("Version"), "getRevision", {}, "hardware revisions")
+        .nothing = text("no revision can be read");
     method("version software", device, text("Version"), "getSoftwareVersions", {},
            "software versions");
 
@@ -252,7 +265,10 @@ QVector<Command> makeCommands()
               online, "join a network, whose passphrase is asked for");
     operation("wifi disconnect", wifi, "disconnect", {}, idle, "leave and forget the network");
     operation("wifi scan", wifi, "scan", {}, networks, "list the networks in reach");
-    method("wifi strength", com, wifi, "getStrength", {}, "strength of the joined network");
+    Command &strength =
+        method("wifi strength", com, wifi, "getStrength", {}, "strength of the joined network");
+    strength.nothing = text("no network is joined");
+    strength.needsAddress = true;
     tcpIp("wifi", wifi);
 
     operation("ap start", accessPoint, "connect", {accessPointSettings()}, online,
@@ -294,6 +310,9 @@ const QVector<Option> &options()
         {text("--open"), none, none, text("the network needs no passphrase"), Scope::WifiConnect},
         {text("--user"), none, text("NAME"), text("user name for an enterprise network"),
          Scope::WifiConnect},
+        {text("--yes"), none, none, text("do not ask before something is destroyed"),
+         Scope::Destructive},
+        {text("--show-secrets"), none, none, text("show passwords, too"), Scope::Secret},
         {text("--help"), text("h"), none, text("print help and end"), Scope::Every},
         {text("--version"), none, none, text("print the version and end"), Scope::Every},
     };
@@ -311,6 +330,8 @@ const QVector<StatusMeaning> &exitStatuses()
         {OutcomeFailed, text("the operation failed")},
         {OutcomeMissing, text("the operation came to no end in time")},
         {OutputLost, text("done, but standard output cannot be written")},
+        {NothingThere, text("there is nothing to tell of: not connected, or no such hardware")},
+        {NotConfirmed, text("not confirmed, and nothing was sent")},
     };
     return table;
 }
@@ -351,9 +372,25 @@ bool belongsTo(const Option &option, const Command &command)
         return command.isOperation();
     case Scope::WifiConnect:
         return command.words == QLatin1String("wifi connect");
+    case Scope::Destructive:
+        return !command.question.isEmpty();
+    case Scope::Secret:
+        return !command.secrets.isEmpty();
     default:
         return true;
     }
+}
+
+QString onlyCommand(const Option &option)
+{
+    QStringList found;
+    for (const QVector<Command> *table : {&ownCommands(), &commands()}) {
+        for (const Command &command : *table) {
+            if (belongsTo(option, command))
+                found << command.words;
+        }
+    }
+    return found.size() == 1 ? found.first() : QString();
 }
 
 QString synopsis(const Command &command)

@@ -46,6 +46,8 @@ enum class Scope {
     Every,       ///< every command
     Operation,   ///< commands that have an outcome to wait for
     WifiConnect, ///< wifi connect alone
+    Destructive, ///< commands that ask before they destroy something
+    Secret,      ///< commands whose answer holds secrets
 };
 
 struct Option {
@@ -88,6 +90,14 @@ struct Command {
     QVector<Argument> arguments;
     /** Of a scan, which brings networks and no state: without the states. */
     Outcome outcome;
+    /** What a person is asked before it is sent; empty where it destroys nothing. */
+    QString question = {};
+    /** What an empty answer means; empty where an answer is never empty. */
+    QString nothing = {};
+    /** Whether the answer counts as empty as long as the interface has no address. */
+    bool needsAddress = false;
+    /** The keys of the answer whose values are shown only on request. */
+    QStringList secrets = {};
 
     /** Whether it only starts something, whose outcome signals tell. */
     bool isOperation() const { return outcome.seconds > 0; }
@@ -111,6 +121,9 @@ const Command *findCommand(const QStringList &words, int *used);
 
 /** Whether @p option means anything to @p command. */
 bool belongsTo(const Option &option, const Command &command);
+
+/** The words of the one command that @p option belongs to; empty where there are several. */
+QString onlyCommand(const Option &option);
 
 /** The synopsis of @p command: its words and the names of its arguments. */
 QString synopsis(const Command &command);

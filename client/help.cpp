@@ -58,8 +58,8 @@ QStringList wordsOf(const Command &command)
 
 QString optionHelp(const Option &option)
 {
-    return option.scope == Scope::WifiConnect ? QStringLiteral("wifi connect: ") + option.help
-                                              : option.help;
+    const QString only = onlyCommand(option);
+    return only.isEmpty() ? option.help : only + QStringLiteral(": ") + option.help;
 }
 
 /** What may stand in the place of an argument: the values that are known beforehand. */

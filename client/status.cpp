@@ -139,6 +139,10 @@ QString answerText(const Question &question, const Answer &answer)
     return answer.isGood() ? question.text(answer.values.value(0))
                            : QStringLiteral("not available: ") + answer.complaint();
 }
+bool isConnected(const Answer &ipv4)
+{
+    return !ipv4.values.value(0).toMap().value(QStringLiteral("Address")).toString().isEmpty();
+}
 } // namespace
 
 int showStatus(bool asJson)
@@ -149,8 +153,9 @@ int showStatus(bool asJson)
     }
     Lines lines;
     QJsonObject object;
+    bool isJoined = false;
     for (const Question &question : questions) {
-        const Answer answer = ask(question);
+        Answer answer = ask(question);
         // Who may not ask one thing may ask nothing.
         if (answer.status == DaemonAway || answer.errorName == accessDenied) {
             complain(answer.complaint());
@@ -159,6 +164,11 @@ int showStatus(bool asJson)
         // A model without a screen has no backlight and no light sensor, which is no failure.
         if (answer.status == InterfaceAbsent)
             continue;
+        // The network whose strength it was may have been left.
+        if (question.text == strengthText && answer.isGood() && !isJoined)
+            answer.values = {QVariantMap()};
+        if (question.text == ipv4Text)
+            isJoined = isConnected(answer);
         lines.add(QString::fromLatin1(question.title), answerText(question, answer));
         object.insert(QString::fromLatin1(question.key),
                       answer.isGood() ? replyJson(answer.values) : QJsonValue());

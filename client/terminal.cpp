@@ -94,6 +94,16 @@ void clearProgress()
     showProgress(QString());
 }
 
+Consent askFor(const QString &question)
+{
+    if (!isatty(STDIN_FILENO))
+        return Consent::NobodyThere;
+    write(stderr, question + QStringLiteral("? [y/N] "));
+    QByteArray line;
+    const QByteArray answer = readLine(line) ? line.trimmed().toLower() : QByteArray();
+    return answer == "y" || answer == "yes" ? Consent::Given : Consent::Refused;
+}
+
 bool readSecret(const QString &prompt, QString &secret)
 {
     const bool isTerminal = isatty(STDIN_FILENO) && tcgetattr(STDIN_FILENO, &shown) == 0;

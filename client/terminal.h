@@ -18,6 +18,16 @@ void showProgress(const QString &text);
 /** Takes the progress line away. */
 void clearProgress();
 
+/** How a person answers a question. */
+enum class Consent {
+    Given,
+    Refused,
+    NobodyThere, ///< standard input is no terminal
+};
+
+/** Asks @p question at the terminal; only "y" and "yes" are a consent. */
+Consent askFor(const QString &question);
+
 /**
  * Reads a secret: from the terminal, without showing it, where standard input is one; else the
  * next line of standard input.

@@ -462,7 +462,7 @@ void TestKyboardctl::secretsComeFromStandardInput()
     const Result result =
         run({"eeprom", "set-instrument", "Subsidiary=1", "Fabrication=2", "Brand=3", "Type=4",
              "Model=8347", "SerialNumber=ABCDEFGH", "WarrantyNumber=123456789",
-             "TroubleshootingTag=5", "RelaunchTag=6", "FirstPassTag=7"},
+             "TroubleshootingTag=5", "RelaunchTag=6", "FirstPassTag=7", "--yes"},
             "first secret\nsecond\n");
     QCOMPARE(result.complaint, QString());
     QCOMPARE(result.status, 0);

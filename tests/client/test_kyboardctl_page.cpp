@@ -93,9 +93,9 @@ void TestKyboardctlPage::everyOptionIsThere()
         const QString letter = option.letter.isEmpty() ? QString() : '-' + option.letter + ", ";
         const QString heading = QString("%1%2 %3").arg(letter, option.name, option.value).trimmed();
         expected << heading + ": " +
-                        (option.scope == Scope::WifiConnect
-                             ? "With wifi connect: " + option.help + '.'
-                             : sentence(option.help));
+                        (onlyCommand(option).isEmpty()
+                             ? sentence(option.help)
+                             : "With " + onlyCommand(option) + ": " + option.help + '.');
     }
     QCOMPARE(entries.value("OPTIONS"), expected);
 }

@@ -1,0 +1,12 @@
+#ifndef CALLS_H
+#define CALLS_H
+
+#include "bus.h"
+#include "commands.h"
+#include "invocation.h"
+
+/** Makes the one call that @p command is, and prints the answer. */
+ExitStatus runCall(const Command &command, const Invocation &invocation,
+                   const QVariantList &arguments);
+
+#endif

@@ -1,0 +1,57 @@
+#include "output.h"
+
+#include "terminal.h"
+
+#include <QJsonArray>
+#include <QJsonDocument>
+#include <QJsonObject>
+
+void printJson(const QJsonValue &value)
+{
+    // A document holds an array or an object: a lone value is the inside of an array of one.
+    if (value.isObject()) {
+        print(QString::fromUtf8(QJsonDocument(value.toObject()).toJson()));
+        return;
+    }
+    const QByteArray array = QJsonDocument(QJsonArray{value}).toJson(QJsonDocument::Compact);
+    print(QString::fromUtf8(array.mid(1, array.size() - 2)) + QLatin1Char('\n'));
+}
+
+ExitStatus fail(const Command &command, ExitStatus status, const QString &complaint)
+{
+    complain(command.words + QStringLiteral(": ") + complaint);
+    return status;
+}
+
+ExitStatus fail(const Command &command, const Answer &answer)
+{
+    if (answer.status == OutcomeMissing)
+        return fail(command, answer.status, answer.complaint());
+    complain(answer.complaint());
+    return answer.status;
+}
+
+ExitStatus tellOfNothing(const Command &command, const Invocation &invocation)
+{
+    if (invocation.has("--json"))
+        printJson(QJsonValue());
+    return fail(command, NothingThere, command.nothing);
+}
+
+ExitStatus confirm(const Command &command, const Invocation &invocation)
+{
+    if (command.question.isEmpty() || invocation.has("--yes"))
+        return Success;
+    const QString &question = command.question;
+    switch (askFor(question.left(1).toUpper() + question.mid(1))) {
+    case Consent::Given:
+        return Success;
+    case Consent::NobodyThere:
+        return fail(command, NotConfirmed,
+                    QStringLiteral("this would %1; without a terminal to ask at, --yes is needed")
+                        .arg(question));
+    case Consent::Refused:
+        break;
+    }
+    return fail(command, NotConfirmed, QStringLiteral("not confirmed"));
+}

@@ -1,0 +1,43 @@
+#include "client.h"
+#include "wifitest.h"
+
+#include <QRegularExpression>
+
+/** The strength that kyboardctl shows is that of the network that is joined. */
+class TestKyboardctlStrength : public WifiTest
+{
+    Q_OBJECT
+
+private Q_SLOTS:
+    void theNetworkThatIsJoinedHasAStrength();
+    void aNetworkThatIsNotJoinedHasNone();
+};
+
+void TestKyboardctlStrength::theNetworkThatIsJoinedHasAStrength()
+{
+    reach("online");
+    connman.storeProperty(lab, "IPv4", address);
+    connman.storeProperty(lab, "Strength", QVariant::fromValue(uchar(61)));
+    const ClientResult strength = runClient({"wifi", "strength"});
+    QCOMPARE(strength.output, QStringLiteral("Strength  61\n"));
+    QCOMPARE(strength.status, 0);
+    QVERIFY(runClient({"status"}).output.contains("\nWi-Fi strength     61 %\n"));
+}
+
+void TestKyboardctlStrength::aNetworkThatIsNotJoinedHasNone()
+{
+    reach("online");
+    connman.storeProperty(lab, "IPv4", QVariantMap());
+    connman.storeProperty(lab, "Strength", QVariant::fromValue(uchar(61)));
+    QVERIFY(wifi.call("getStrength").contains("61"));
+    const ClientResult strength = runClient({"wifi", "strength"});
+    QCOMPARE(strength.complaint,
+             QStringLiteral("kyboardctl: wifi strength: no network is joined\n"));
+    QCOMPARE(strength.output, QString());
+    QCOMPARE(strength.status, 8);
+    QVERIFY(runClient({"status"}).output.contains("\nWi-Fi strength     none\n"));
+    QVERIFY(runClient({"status", "--json"}).output.contains("\"wifiStrength\": {\n    }"));
+}
+
+WORLD_TEST_MAIN(TestKyboardctlStrength)
+#include "test_kyboardctl_strength.moc"
