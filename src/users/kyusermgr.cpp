@@ -4,21 +4,18 @@
 #include "error.h"
 #include "linktarget.h"
 #include "profilefolder.h"
-#include "rebuildmark.h"
 #include "settings.h"
+#include "trustedpath.h"
 
 #include <QDebug>
 #include <QFile>
-#include <QFileInfo>
 
-const QString KyUserMgr::M_userFolderPath = QStringLiteral("/tmp/User_part/");
-const QString KyUserMgr::M_userFolderSuffix = QStringLiteral("_profile");
-const QString KyUserMgr::M_systemFileName = M_userFolderPath + QStringLiteral("system");
-const QString KyUserMgr::M_defaultFolder =
-    M_userFolderPath + QStringLiteral("default_user") + M_userFolderSuffix;
+#include <unistd.h>
 
 namespace
 {
+const char linkName[] = "system";
+
 const QString users[] = {QStringLiteral("user1"), QStringLiteral("user2"), QStringLiteral("user3"),
                          QStringLiteral("user4")};
 
@@ -47,32 +44,34 @@ QString folderOf(const QString &user)
     return KyUserMgr::M_userFolderPath + user + KyUserMgr::M_userFolderSuffix;
 }
 
-/** Nothing is erased that could not be replaced, and never the default profile itself. */
-bool canReplace(const QString &folder)
-{
-    return isFolderReadable(KyUserMgr::M_defaultFolder) &&
-           !isInsideEachOther(KyUserMgr::M_defaultFolder, folder);
-}
-
 /**
- * Replaces the content of @p folder by a copy of the default profile.
+ * Replaces the content of the directory @p path by a copy of the default profile. Erases only when
+ * the replacement is readable and survives it.
  *
  * @return Error::None; Process where the old content cannot be removed, Write where the new one
  *         cannot be copied
  */
-int rebuild(const QString &folder)
+int rebuild(const QString &path)
 {
-    if (!canReplace(folder))
+    const Descriptor defaults = openDirectory(KyUserMgr::M_defaultFolder);
+    Descriptor folder = openDirectory(path);
+    if (!canReplace(folder, defaults))
         return Error::Write;
-    setRebuildMark(folder);
-    int code = Error::None;
+    makeIncomplete(folder, defaults);
     if (eraseFolder(folder) != Error::None)
-        code = Error::Process;
-    else if (copyFolder(KyUserMgr::M_defaultFolder, folder) != Error::None)
-        code = Error::Write;
-    // Who asked for it learns of a failure, and may put a profile there by other means.
-    clearRebuildMark(folder);
-    return code;
+        return Error::Process;
+    if (!folder.isOpen())
+        folder = makeDirectory(path);
+    return copyFolder(defaults, folder);
+}
+
+/** Points the link to the active profile at @p folder; false where that fails. */
+bool makeLink(const QString &folder)
+{
+    const Descriptor place = openDirectory(KyUserMgr::M_userFolderPath);
+    // A link that cannot be removed shows when the new one is made.
+    unlinkat(place.get(), linkName, 0);
+    return symlinkat(QFile::encodeName(folder).constData(), place.get(), linkName) == 0;
 }
 
 QString usabilityKey(const QString &user)
@@ -86,6 +85,12 @@ void storeUsability(const QString &user, bool isUsable)
 }
 } // namespace
 
+const QString KyUserMgr::M_userFolderPath = QStringLiteral("/tmp/User_part/");
+const QString KyUserMgr::M_userFolderSuffix = QStringLiteral("_profile");
+const QString KyUserMgr::M_systemFileName = M_userFolderPath + QLatin1String(linkName);
+const QString KyUserMgr::M_defaultFolder =
+    M_userFolderPath + QStringLiteral("default_user") + M_userFolderSuffix;
+
 KyUserMgr::KyUserMgr(QObject *parent) : QDBusAbstractAdaptor(parent)
 {
     QString current;
@@ -94,13 +99,8 @@ KyUserMgr::KyUserMgr(QObject *parent) : QDBusAbstractAdaptor(parent)
     for (const QString &user : users)
         storeUsability(user, true);
 
-    if (isValidUser(current)) {
-        // The power was cut while it was being reset; a failure is tried again at the next start.
-        const QString folder = folderOf(current);
-        if (isRebuildMarked(folder) && rebuild(folder) != Error::None)
-            setRebuildMark(folder);
+    if (isValidUser(current))
         return;
-    }
     for (const QString &user : users) {
         if (switchUser(user) == Error::None)
             return;
@@ -212,17 +212,13 @@ int KyUserMgr::switchUser(const QString &user)
 /** Rebuilds @p user's folder where it is incomplete and points the link at it. */
 int KyUserMgr::activate(const QString &user)
 {
-    const QString folder = folderOf(user);
-    const bool isUsable = QFileInfo(folder).isDir() && !isRebuildMarked(folder) &&
-                          isFolderComplete(M_defaultFolder, folder);
-    if (!isUsable && rebuild(folder) != Error::None)
+    const QString path = folderOf(user);
+    const Descriptor folder = openDirectory(path);
+    const bool isUsable =
+        folder.isOpen() && isFolderComplete(openDirectory(M_defaultFolder), folder);
+    if (!isUsable && rebuild(path) != Error::None)
         return Error::Process;
-
-    // A link that cannot be removed shows when the new one is made.
-    QFile::remove(M_systemFileName);
-    if (!QFile::link(folder, M_systemFileName))
-        return Error::Write;
-    return reloadUserConfiguration();
+    return makeLink(path) ? reloadUserConfiguration() : int(Error::Write);
 }
 
 /** Makes the rest of the instrument reload its configuration; nothing needs it to, so far. */

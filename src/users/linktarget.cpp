@@ -1,5 +1,7 @@
 #include "linktarget.h"
 
+#include "trustedpath.h"
+
 #include <QDir>
 #include <QFile>
 
@@ -9,21 +11,27 @@
 
 namespace
 {
-/** Whether cleaning would leave an absolute path as it is; it may be said of too few. */
+/** Conservative: may return false for an absolute path that cleaning would leave as it is. */
 bool isClean(const char *path, size_t length)
 {
-    return !std::strstr(path, "/.") && !std::strstr(path, "//") && path[length - 1] != '/';
+    return path[0] == '/' && !std::strstr(path, "/.") && !std::strstr(path, "//") &&
+           path[length - 1] != '/';
 }
 } // namespace
 
 QString linkTarget(const QString &path)
 {
-    char target[PATH_MAX];
-    const ssize_t length = readlink(QFile::encodeName(path).constData(), target, sizeof target);
-    // What is relative, and what has to be seen in full, is the library's to put together.
-    if (length <= 0 || length == sizeof target || target[0] != '/')
-        return QFile::symLinkTarget(path);
+    const int end = path.lastIndexOf(QLatin1Char('/'));
+    const QString folder = path.left(end);
+    const QByteArray name = QFile::encodeName(path.mid(end + 1));
+    char target[PATH_MAX + 1];
+    const ssize_t length =
+        readlinkat(openDirectory(folder).get(), name.constData(), target, PATH_MAX);
+    if (length <= 0)
+        return QString();
     target[length] = '\0';
-    const QString held = QFile::decodeName(target);
-    return isClean(target, static_cast<size_t>(length)) ? held : QDir::cleanPath(held);
+    QString held = QFile::decodeName(target);
+    if (isClean(target, static_cast<size_t>(length)))
+        return held;
+    return QDir::cleanPath(target[0] == '/' ? held : folder + QLatin1Char('/') + held);
 }

@@ -5,9 +5,9 @@
 
 /**
  * The absolute and clean target of the symbolic link at @p path, which need not exist; empty when
- * there is no such link.
+ * there is no such link, or one on the way to it must not be followed (see trustedpath.h).
  *
- * The same as QFile::symLinkTarget() at half the cost where the link holds an absolute path.
+ * Otherwise the same as QFile::symLinkTarget().
  */
 QString linkTarget(const QString &path);
 

@@ -1,212 +1,385 @@
 #include "profilefolder.h"
 
 #include "error.h"
+#include "trustedpath.h"
 
-#include <QFile>
-#include <QFileInfo>
+#include <QByteArray>
 
+#include <cerrno>
+#include <cstring>
+#include <dirent.h>
 #include <fcntl.h>
-#include <filesystem>
 #include <sys/stat.h>
-#include <system_error>
 #include <unistd.h>
 #include <vector>
 
-namespace fs = std::filesystem;
-
 namespace
 {
-fs::path toPath(const QString &text)
-{
-    return fs::path(QFile::encodeName(text).toStdString());
-}
+const mode_t permissions = S_IRWXU | S_IRWXG | S_IRWXO;
 
-/** The names of a folder's entries. */
-struct Listing {
-    std::vector<fs::path> files;
-    std::vector<fs::path> folders;
+// Every level of a copy holds two descriptors; a process has 1024 by default.
+const int deepest = 256;
+
+const int asDirectory = O_PATH | O_DIRECTORY;
+
+struct Entry {
+    QByteArray name;
+    /** As in struct dirent: DT_UNKNOWN on file systems that do not tell. */
+    unsigned char type;
 };
 
-bool isAbsence(const std::error_code &error)
+/** A descriptor that is good for more than looking up names. */
+Descriptor openToRead(const Descriptor &folder)
 {
-    return error == std::errc::no_such_file_or_directory || error == std::errc::not_a_directory;
+    return Descriptor(openat(folder.get(), ".", O_RDONLY | O_DIRECTORY | O_CLOEXEC));
 }
 
-/** A link to nowhere, or round in a circle, stands for nothing. */
-bool isDangling(const std::error_code &error)
+/** Everything in a directory; false when it is not, or cannot be listed. */
+bool readEntries(const Descriptor &folder, std::vector<Entry> &entries)
 {
-    return isAbsence(error) || error == std::errc::too_many_symbolic_link_levels;
-}
-
-/** Lists @p folder; false when it is there and cannot be listed. */
-bool list(const fs::path &folder, Listing &listing)
-{
-    std::error_code error;
-    fs::directory_iterator entry(folder, error);
-    for (; !error && entry != fs::directory_iterator(); entry.increment(error)) {
-        std::error_code statusError;
-        const fs::file_status status = entry->status(statusError);
-        if (statusError && !isDangling(statusError))
-            return false;
-        if (fs::is_regular_file(status))
-            listing.files.push_back(entry->path().filename());
-        else if (fs::is_directory(status))
-            listing.folders.push_back(entry->path().filename());
+    Descriptor readable = openToRead(folder);
+    DIR *const stream = fdopendir(readable.get());
+    if (!stream)
+        return false;
+    readable.release();
+    errno = 0;
+    while (const dirent *entry = readdir(stream)) {
+        if (std::strcmp(entry->d_name, ".") != 0 && std::strcmp(entry->d_name, "..") != 0)
+            entries.push_back({entry->d_name, entry->d_type});
+        errno = 0;
     }
-    return !error || isAbsence(error);
+    const bool isWhole = errno == 0;
+    closedir(stream);
+    return isWhole;
 }
 
-/** A folder on the way down, so that a link to a folder above it can be told. */
+/** What @p entry is, or leads to: DT_UNKNOWN for nothing, and where that cannot be told. */
+bool findType(const Descriptor &folder, const Entry &entry, unsigned char &type)
+{
+    type = entry.type;
+    if (type != DT_LNK && type != DT_UNKNOWN)
+        return true;
+    const Descriptor target = openTrusted(folder.get(), entry.name, O_PATH);
+    struct stat status = {};
+    type = DT_UNKNOWN;
+    if (fstat(target.get(), &status) == 0)
+        type = static_cast<unsigned char>(IFTODT(status.st_mode));
+    return target.isOpen() || target.isAbsent() || target.error() == ELOOP;
+}
+
+/** The names of a directory's files and subdirectories. */
+struct Listing {
+    std::vector<QByteArray> files;
+    std::vector<QByteArray> folders;
+};
+
+/** Lists @p folder; false when not all of it can be told. */
+bool list(const Descriptor &folder, Listing &listing)
+{
+    std::vector<Entry> entries;
+    bool isWhole = readEntries(folder, entries);
+    for (const Entry &entry : entries) {
+        unsigned char type = DT_UNKNOWN;
+        isWhole = findType(folder, entry, type) && isWhole;
+        if (type == DT_REG)
+            listing.files.push_back(entry.name);
+        else if (type == DT_DIR)
+            listing.folders.push_back(entry.name);
+    }
+    return isWhole;
+}
+
+Descriptor openSubfolder(const Descriptor &folder, const QByteArray &name)
+{
+    return openTrusted(folder.get(), name, asDirectory);
+}
+
+/** The same where @p name must not be a link, whoever owns it. */
+Descriptor openPlainSubfolder(const Descriptor &folder, const QByteArray &name)
+{
+    return Descriptor(openat(folder.get(), name.constData(), asDirectory | O_NOFOLLOW | O_CLOEXEC));
+}
+
+/** Opens a file of @p folder for reading, never waiting for a FIFO or for another process. */
+Descriptor openFile(const Descriptor &folder, const QByteArray &name)
+{
+    Descriptor file = openTrusted(folder.get(), name, O_RDONLY | O_NONBLOCK | O_NOCTTY);
+    struct stat status = {};
+    return fstat(file.get(), &status) == 0 && S_ISREG(status.st_mode) ? std::move(file)
+                                                                      : Descriptor();
+}
+
+/** A directory on the current recursion path; detects links in a circle. */
 class Level
 {
 public:
-    Level(const fs::path &folder, const Level *above) : m_above(above)
+    Level(const Descriptor &folder, const Level *above)
+        : m_above(above), m_depth(above ? above->m_depth + 1 : 0)
     {
         struct stat status = {};
-        m_known = stat(folder.c_str(), &status) == 0;
+        m_isKnown = fstat(folder.get(), &status) == 0;
         m_device = status.st_dev;
         m_inode = status.st_ino;
     }
 
-    bool isBelowItself() const
+    bool isSame(const Level &other) const
     {
-        for (const Level *level = m_above; m_known && level; level = level->m_above) {
-            if (level->m_device == m_device && level->m_inode == m_inode)
+        return m_isKnown && other.m_isKnown && m_device == other.m_device &&
+               m_inode == other.m_inode;
+    }
+
+    bool isBottomless() const
+    {
+        for (const Level *level = m_above; level; level = level->m_above) {
+            if (isSame(*level))
                 return true;
         }
-        return false;
+        return m_depth > deepest;
     }
 
 private:
     const Level *m_above;
-    bool m_known;
+    int m_depth;
+    bool m_isKnown;
     dev_t m_device;
     ino_t m_inode;
 };
 
-bool isComplete(const fs::path &reference, const fs::path &folder, const Level *above)
+bool holdsFile(const Descriptor &folder, const QByteArray &name)
+{
+    struct stat status = {};
+    if (fstatat(folder.get(), name.constData(), &status, AT_SYMLINK_NOFOLLOW) != 0)
+        return false;
+    if (!S_ISLNK(status.st_mode))
+        return true;
+    const Descriptor target = openTrusted(folder.get(), name, O_PATH);
+    return target.isOpen() || target.error() == EPERM;
+}
+
+bool isComplete(const Descriptor &reference, const Descriptor &folder, const Level *above)
 {
     const Level level(reference, above);
-    if (level.isBelowItself())
+    if (level.isBottomless())
         return false;
     Listing expected;
     list(reference, expected);
-    std::error_code error;
-    for (const fs::path &file : expected.files) {
-        if (!fs::exists(folder / file, error))
+    for (const QByteArray &file : expected.files) {
+        if (!holdsFile(folder, file))
             return false;
     }
-    for (const fs::path &subfolder : expected.folders) {
-        if (!fs::is_directory(folder / subfolder, error) ||
-            !isComplete(reference / subfolder, folder / subfolder, &level))
-            return false;
-    }
-    return true;
-}
-
-bool isReadable(const fs::path &folder, const Level *above)
-{
-    const Level level(folder, above);
-    Listing listing;
-    if (level.isBelowItself() || !list(folder, listing))
-        return false;
-    for (const fs::path &file : listing.files) {
-        if (faccessat(AT_FDCWD, (folder / file).c_str(), R_OK, AT_EACCESS) != 0)
-            return false;
-    }
-    for (const fs::path &subfolder : listing.folders) {
-        if (!isReadable(folder / subfolder, &level))
+    for (const QByteArray &name : expected.folders) {
+        const Descriptor subfolder = openSubfolder(folder, name);
+        if (!subfolder.isOpen() || !isComplete(openSubfolder(reference, name), subfolder, &level))
             return false;
     }
     return true;
 }
 
-bool copyContents(const fs::path &source, const fs::path &destination, const Level *above)
+/** Whether all of @p source can be read and @p folder is no part of it. */
+bool isReadable(const Descriptor &source, const Level &folder, const Level *above)
 {
     const Level level(source, above);
     Listing listing;
-    if (level.isBelowItself() || !list(source, listing))
+    if (level.isBottomless() || level.isSame(folder) || !list(source, listing))
         return false;
-    std::error_code error;
-    for (const fs::path &file : listing.files) {
-        if (!fs::copy_file(source / file, destination / file, error))
+    for (const QByteArray &file : listing.files) {
+        if (!openFile(source, file).isOpen())
             return false;
     }
-    for (const fs::path &subfolder : listing.folders) {
-        // With the mode of the original: what was kept from others stays so.
-        fs::create_directory(destination / subfolder, source / subfolder, error);
-        if (error || !copyContents(source / subfolder, destination / subfolder, &level))
+    for (const QByteArray &name : listing.folders) {
+        if (!isReadable(openSubfolder(source, name), folder, &level))
+            return false;
+    }
+    return true;
+}
+
+/** Whether @p folder lies in @p other, at any depth. */
+bool isBelow(const Descriptor &folder, const Level &other)
+{
+    Descriptor at(openat(folder.get(), "..", asDirectory | O_CLOEXEC));
+    for (;;) {
+        const Level level(at, nullptr);
+        if (level.isSame(other))
+            return true;
+        Descriptor parent(openat(at.get(), "..", asDirectory | O_CLOEXEC));
+        // The root directory is its own parent.
+        if (!parent.isOpen() || Level(parent, nullptr).isSame(level))
+            return false;
+        at = std::move(parent);
+    }
+}
+
+/** The result of a call that removes something: what is gone already is as good as removed. */
+bool isRemoved(int result)
+{
+    return result == 0 || errno == ENOENT;
+}
+
+bool eraseContents(const Descriptor &folder, int depth);
+
+bool eraseSubfolder(const Descriptor &folder, const QByteArray &name, int depth)
+{
+    const Descriptor subfolder = openPlainSubfolder(folder, name);
+    return subfolder.isOpen() && eraseContents(subfolder, depth) &&
+           isRemoved(unlinkat(folder.get(), name.constData(), AT_REMOVEDIR));
+}
+
+bool eraseContents(const Descriptor &folder, int depth)
+{
+    std::vector<Entry> entries;
+    if (depth > deepest || !readEntries(folder, entries))
+        return false;
+    std::vector<QByteArray> folders;
+    for (const Entry &entry : entries) {
+        if (entry.type != DT_DIR && isRemoved(unlinkat(folder.get(), entry.name.constData(), 0)))
+            continue;
+        if (entry.type != DT_DIR && errno != EISDIR)
+            return false;
+        folders.push_back(entry.name);
+    }
+    for (const QByteArray &name : folders) {
+        if (!eraseSubfolder(folder, name, depth + 1))
+            return false;
+    }
+    return true;
+}
+
+bool copyBytes(const Descriptor &source, const Descriptor &destination)
+{
+    char buffer[1 << 16];
+    ssize_t length;
+    while ((length = read(source.get(), buffer, sizeof buffer)) > 0) {
+        for (ssize_t written = 0, part; written < length; written += part) {
+            part =
+                write(destination.get(), buffer + written, static_cast<size_t>(length - written));
+            if (part < 0)
+                return false;
+        }
+    }
+    return length == 0;
+}
+
+bool copyFile(const Descriptor &source, const Descriptor &destination, const QByteArray &name)
+{
+    const Descriptor from = openFile(source, name);
+    struct stat status = {};
+    if (fstat(from.get(), &status) != 0)
+        return false;
+    const Descriptor to(openat(destination.get(), name.constData(),
+                               O_WRONLY | O_CREAT | O_EXCL | O_NOFOLLOW | O_CLOEXEC,
+                               S_IRUSR | S_IWUSR));
+    return to.isOpen() && copyBytes(from, to) &&
+           fchmod(to.get(), status.st_mode & permissions) == 0;
+}
+
+bool copyContents(const Descriptor &source, const Descriptor &destination, const Level *above);
+
+bool copySubfolder(const Descriptor &source, const Descriptor &destination, const QByteArray &name,
+                   const Level &level)
+{
+    const Descriptor from = openSubfolder(source, name);
+    struct stat status = {};
+    // With the mode of the original: what was kept from others stays so.
+    if (fstat(from.get(), &status) != 0 ||
+        mkdirat(destination.get(), name.constData(), status.st_mode & permissions) != 0)
+        return false;
+    return copyContents(from, openPlainSubfolder(destination, name), &level);
+}
+
+bool copyContents(const Descriptor &source, const Descriptor &destination, const Level *above)
+{
+    const Level level(source, above);
+    Listing listing;
+    if (level.isBottomless() || !list(source, listing))
+        return false;
+    for (const QByteArray &file : listing.files) {
+        if (!copyFile(source, destination, file))
+            return false;
+    }
+    for (const QByteArray &name : listing.folders) {
+        if (!copySubfolder(source, destination, name, level))
+            return false;
+    }
+    return true;
+}
+
+bool isNameFree(const Descriptor &folder, const QByteArray &name)
+{
+    struct stat status = {};
+    return fstatat(folder.get(), name.constData(), &status, AT_SYMLINK_NOFOLLOW) != 0;
+}
+
+/** A name in @p folder that neither it nor @p source has. */
+QByteArray freeName(const Descriptor &folder, const Descriptor &source)
+{
+    QByteArray name = QByteArrayLiteral(".rebuild");
+    while (!isNameFree(folder, name) || !isNameFree(source, name))
+        name += '+';
+    return name;
+}
+
+/** Moves everything in @p source to @p destination, where nothing may have its name. */
+bool moveContents(const Descriptor &source, const Descriptor &destination)
+{
+    std::vector<Entry> entries;
+    if (!readEntries(source, entries))
+        return false;
+    for (const Entry &entry : entries) {
+        const char *const name = entry.name.constData();
+        if (!isNameFree(destination, entry.name) ||
+            renameat(source.get(), name, destination.get(), name) != 0)
             return false;
     }
     return true;
 }
 
 /** Writes all that is pending on the file system of @p folder to its disk. */
-bool synchronise(const fs::path &folder)
+bool synchronise(const Descriptor &folder)
 {
-    const int descriptor = open(folder.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC);
-    if (descriptor < 0)
-        return false;
-    const bool synchronised = syncfs(descriptor) == 0;
-    close(descriptor);
-    return synchronised;
+    return syncfs(openToRead(folder).get()) == 0;
 }
 } // namespace
 
-bool isFolderComplete(const QString &reference, const QString &folder)
+bool isFolderComplete(const Descriptor &reference, const Descriptor &folder)
 {
-    return isComplete(toPath(reference), toPath(folder), nullptr);
+    return isComplete(reference, folder, nullptr);
 }
 
-bool isInsideEachOther(const QString &first, const QString &second)
+bool canReplace(const Descriptor &folder, const Descriptor &source)
 {
-    const QString one = QFileInfo(first).canonicalFilePath() + QLatin1Char('/');
-    const QString other = QFileInfo(second).canonicalFilePath() + QLatin1Char('/');
-    return one.size() > 1 && other.size() > 1 && (one.startsWith(other) || other.startsWith(one));
+    if (!source.isOpen())
+        return source.isAbsent();
+    const Level erased(folder, nullptr);
+    return isReadable(source, erased, nullptr) && !isBelow(source, erased);
 }
 
-bool isFolderReadable(const QString &folder)
+int eraseFolder(const Descriptor &folder)
 {
-    return isReadable(toPath(folder), nullptr);
+    const bool isErased = folder.isOpen() ? eraseContents(folder, 0) : folder.isAbsent();
+    return isErased ? Error::None : Error::Write;
 }
 
-int eraseFolder(const QString &folder)
+void makeIncomplete(const Descriptor &folder, const Descriptor &reference)
 {
-    std::error_code error;
-    std::vector<fs::path> folders;
-    std::vector<fs::path> others;
-    fs::directory_iterator entry(toPath(folder), error);
-    for (; !error && entry != fs::directory_iterator(); entry.increment(error)) {
-        std::error_code statusError;
-        const bool isFolder = fs::is_directory(entry->symlink_status(statusError));
-        (isFolder ? folders : others).push_back(entry->path());
-    }
-    if (error)
-        return isAbsence(error) ? Error::None : Error::Write;
-
-    for (const fs::path &other : others) {
-        fs::remove(other, error);
-        if (error)
-            return Error::Write;
-    }
-    for (const fs::path &subfolder : folders) {
-        fs::remove_all(subfolder, error);
-        if (error)
-            return Error::Write;
-    }
-    return Error::None;
+    Listing listing;
+    list(reference, listing);
+    const std::vector<QByteArray> &names = listing.files.empty() ? listing.folders : listing.files;
+    if (!names.empty())
+        renameat(folder.get(), names.front().constData(), folder.get(),
+                 freeName(folder, reference).constData());
 }
 
-int copyFolder(const QString &source, const QString &destination)
+int copyFolder(const Descriptor &source, const Descriptor &destination)
 {
-    const fs::path target = toPath(destination);
-    std::error_code error;
-    if (!fs::is_directory(target, error)) {
-        fs::create_directories(target, error);
-        if (error)
-            return Error::Write;
-    }
+    if (!source.isOpen())
+        return source.isAbsent() && destination.isOpen() ? Error::None : Error::Write;
+    const QByteArray name = freeName(destination, source);
+    if (mkdirat(destination.get(), name.constData(), S_IRWXU) != 0)
+        return Error::Write;
+    const Descriptor staging = openPlainSubfolder(destination, name);
     // One sync of the file system: a sync of each file costs many times the copy itself.
-    return copyContents(toPath(source), target, nullptr) && synchronise(target) ? Error::None
-                                                                                : Error::Write;
+    const bool isCopied = copyContents(source, staging, nullptr) && synchronise(staging) &&
+                          moveContents(staging, destination);
+    eraseSubfolder(destination, name, 0);
+    return isCopied ? Error::None : Error::Write;
 }

@@ -1,45 +1,56 @@
 #ifndef PROFILEFOLDER_H
 #define PROFILEFOLDER_H
 
-#include <QString>
+class Descriptor;
 
 /*
- * The folders of the user profiles: comparing, emptying and filling them.
+ * The directories of the user profiles: comparing, emptying and filling them.
  *
- * A folder's files are its regular files, its subfolders are its folders, both hidden ones
- * included; a link counts as what it points at. A folder that does not exist, or that is no
- * folder, has neither.
+ * A directory is given by a descriptor of it. One that is absent has no files and no
+ * subdirectories. Its files are its regular files, its subdirectories are its directories, both
+ * hidden ones included. A link in it that root or the daemon's user owns counts as what it points
+ * at, and as nothing where it points nowhere. Any other link is never followed.
  */
 
 /**
- * Whether @p folder holds, at every depth, a file or folder for each one of @p reference.
+ * Whether @p folder holds, at every depth, a file or subdirectory for each one of @p reference.
  *
- * Extra entries do not matter and contents are not compared.
+ * Extra entries do not matter and contents are not compared. A link that must not be followed is a
+ * file in its own right, and no subdirectory.
  */
-bool isFolderComplete(const QString &reference, const QString &folder);
+bool isFolderComplete(const Descriptor &reference, const Descriptor &folder);
 
 /**
- * Whether one of the two folders is the other one or lies in it, links resolved: erasing the one
- * would then cost the other its files. False where one of them does not exist.
+ * Whether the content of @p folder can be replaced by that of @p source: every file and
+ * subdirectory of @p source can be read, and none is lost by erasing @p folder, as it would be if
+ * one of the two were the other one or lay in it.
  */
-bool isInsideEachOther(const QString &first, const QString &second);
-
-/** Whether every file and subfolder of @p folder, at every depth, can be read. */
-bool isFolderReadable(const QString &folder);
+bool canReplace(const Descriptor &folder, const Descriptor &source);
 
 /**
- * Removes everything inside @p folder; the folder itself stays. Links are removed, never followed.
+ * Removes everything inside @p folder; the directory itself stays. Links are removed, never
+ * followed.
  *
  * @return Error::None, or Error::Write at the first entry that cannot be removed
  */
-int eraseFolder(const QString &folder);
+int eraseFolder(const Descriptor &folder);
 
 /**
- * Copies the files and subfolders of @p source into @p destination, which is made with all missing
- * parents where it does not exist. What was copied is on the disk when the function returns.
- *
- * @return Error::None, or Error::Write at the first failure; a file that exists already is one
+ * Takes a file of @p reference, or a subdirectory if it has no file, from @p folder by giving it
+ * another name. Done before erasing, it has isFolderComplete() recognise what a power cut leaves.
  */
-int copyFolder(const QString &source, const QString &destination);
+void makeIncomplete(const Descriptor &folder, const Descriptor &reference);
+
+/**
+ * Copies the files and subdirectories of @p source into @p destination.
+ *
+ * They are copied into a subdirectory of @p destination (".rebuild"), synchronised, and then moved
+ * to their place: no file has its name before its content is on the disk. The subdirectory does not
+ * outlive the call; after a power cut it counts as any extra entry, and is erased as one.
+ *
+ * @return Error::None, or Error::Write at the first failure: a name that is taken already is one,
+ *         and so is a link in @p source that must not be followed
+ */
+int copyFolder(const Descriptor &source, const Descriptor &destination);
 
 #endif

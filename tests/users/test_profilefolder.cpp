@@ -1,6 +1,7 @@
 #include "error.h"
 #include "files.h"
 #include "profilefolder.h"
+#include "trustedpath.h"
 
 #include <QDir>
 #include <QTemporaryDir>
@@ -38,17 +39,27 @@ private Q_SLOTS:
     void copyingTakesWhatLinksPointAt();
     void copyingKeepsModes();
     void copyingOntoAnExistingFileFails();
+    void aCopyLeavesNothingElseBehind();
+    void aCopyThatFailsLeavesNothingBehind();
+    void aNameThatTheSourceHasIsNotUsedForCopying();
     void copyingFromAMissingSourceMakesAnEmptyFolder();
     void aSourceThatContainsItselfIsRefused();
     void aDestinationThatIsAFileIsRefusedAndKept();
 
-    void aFolderTooDeepToReachIsNotCopiedInSilence();
-    void foldersInsideEachOtherAreTold();
-    void aFolderWithALoopIsNotReadable();
-    void aMissingFolderIsReadable();
+    void aPathLongerThanTheKernelTakesIsCopiedAndErased();
+    void aFolderThatIsTooDeepIsRefused();
+    void aFolderIsIncompleteBeforeItIsErased_data();
+    void aFolderIsIncompleteBeforeItIsErased();
+    void onlyWhatSurvivesAReplacementIsCopied();
+    void aFolderWithALoopCannotBeASource();
+    void aMissingFolderIsAnEmptySource();
+    void nothingIsLeftOpen();
 
 private:
     QString path(const char *name) const { return m_root->path() + QLatin1Char('/') + name; }
+    Descriptor at(const char *name) const { return openDirectory(path(name)); }
+    Descriptor made(const char *name) const { return makeDirectory(path(name)); }
+    mode_t modeOf(const char *name) const;
 
     QScopedPointer<QTemporaryDir> m_root;
 };
@@ -64,64 +75,64 @@ void TestProfileFolder::init()
 
 void TestProfileFolder::aFolderWithEverythingIsComplete()
 {
-    QCOMPARE(copyFolder(path("default"), path("user")), int(Error::None));
-    QVERIFY(isFolderComplete(path("default"), path("user")));
+    QCOMPARE(copyFolder(at("default"), made("user")), int(Error::None));
+    QVERIFY(isFolderComplete(at("default"), at("user")));
 }
 
 void TestProfileFolder::extraEntriesAndOtherContentsDoNotMatter()
 {
-    copyFolder(path("default"), path("user"));
+    copyFolder(at("default"), made("user"));
     writeFile(path("user/a"), "another");
     writeFile(path("user/extra/x"), "X");
-    QVERIFY(isFolderComplete(path("default"), path("user")));
+    QVERIFY(isFolderComplete(at("default"), at("user")));
 }
 
 void TestProfileFolder::aMissingFileIsNoticed()
 {
-    copyFolder(path("default"), path("user"));
+    copyFolder(at("default"), made("user"));
     QVERIFY(QFile::remove(path("user/a")));
-    QVERIFY(!isFolderComplete(path("default"), path("user")));
+    QVERIFY(!isFolderComplete(at("default"), at("user")));
 }
 
 void TestProfileFolder::aMissingHiddenFileInASubfolderIsNoticed()
 {
-    copyFolder(path("default"), path("user"));
+    copyFolder(at("default"), made("user"));
     QVERIFY(QFile::remove(path("user/.cache/deep/c")));
-    QVERIFY(!isFolderComplete(path("default"), path("user")));
+    QVERIFY(!isFolderComplete(at("default"), at("user")));
 }
 
 void TestProfileFolder::aMissingHiddenFileIsNoticed()
 {
-    copyFolder(path("default"), path("user"));
+    copyFolder(at("default"), made("user"));
     QVERIFY(QFile::remove(path("user/.hidden")));
-    QVERIFY(!isFolderComplete(path("default"), path("user")));
+    QVERIFY(!isFolderComplete(at("default"), at("user")));
 }
 
 void TestProfileFolder::aFileInPlaceOfAFolderIsNoticed()
 {
-    copyFolder(path("default"), path("user"));
+    copyFolder(at("default"), made("user"));
     emptyFolder(path("user/sub"));
     rmdir(qPrintable(path("user/sub")));
     writeFile(path("user/sub"), "no folder");
-    QVERIFY(!isFolderComplete(path("default"), path("user")));
+    QVERIFY(!isFolderComplete(at("default"), at("user")));
 }
 
 void TestProfileFolder::everythingIsCompleteAgainstAMissingReference()
 {
-    QVERIFY(isFolderComplete(path("missing"), path("default")));
+    QVERIFY(isFolderComplete(at("missing"), at("default")));
 }
 
 void TestProfileFolder::aReferenceThatContainsItselfEndsTheComparison()
 {
-    copyFolder(path("default"), path("user"));
+    copyFolder(at("default"), made("user"));
     QVERIFY(QFile::link(path("default"), path("default/sub/loop")));
     QVERIFY(QFile::link(path("user"), path("user/sub/loop")));
-    QVERIFY(!isFolderComplete(path("default"), path("user")));
+    QVERIFY(!isFolderComplete(at("default"), at("user")));
 }
 
 void TestProfileFolder::erasingLeavesTheFolderItself()
 {
-    QCOMPARE(eraseFolder(path("default")), int(Error::None));
+    QCOMPARE(eraseFolder(at("default")), int(Error::None));
     QCOMPARE(snapshot(m_root->path()), QStringList{QStringLiteral("default")});
 }
 
@@ -132,7 +143,7 @@ void TestProfileFolder::erasingRemovesLinksNotTheirTargets()
     QVERIFY(QFile::link(path("precious/file"), path("default/filelink")));
     QVERIFY(QFile::link(path("nowhere"), path("default/sub/dangling")));
 
-    QCOMPARE(eraseFolder(path("default")), int(Error::None));
+    QCOMPARE(eraseFolder(at("default")), int(Error::None));
 
     QCOMPARE(snapshot(path("default")), QStringList());
     QCOMPARE(snapshot(path("precious")), QStringList{QStringLiteral("file=P")});
@@ -140,7 +151,7 @@ void TestProfileFolder::erasingRemovesLinksNotTheirTargets()
 
 void TestProfileFolder::aMissingFolderIsErased()
 {
-    QCOMPARE(eraseFolder(path("missing")), int(Error::None));
+    QCOMPARE(eraseFolder(at("missing")), int(Error::None));
     QVERIFY(!QFile::exists(path("missing")));
 }
 
@@ -157,18 +168,19 @@ void TestProfileFolder::whatCannotBeErasedIsTold()
 {
     QFETCH(QString, folder);
     QVERIFY(QFile::link(path("circle"), path("circle")));
-    QCOMPARE(eraseFolder(QDir(m_root->path()).absoluteFilePath(folder)), int(Error::Write));
+    QCOMPARE(eraseFolder(openDirectory(QDir(m_root->path()).absoluteFilePath(folder))),
+             int(Error::Write));
 }
 
 void TestProfileFolder::copyingMakesTheDestinationWithItsParents()
 {
-    QCOMPARE(copyFolder(path("default"), path("new/parents/user")), int(Error::None));
+    QCOMPARE(copyFolder(at("default"), made("new/parents/user")), int(Error::None));
     QCOMPARE(snapshot(path("new/parents/user")), snapshot(path("default")));
 }
 
 void TestProfileFolder::copyingTakesHiddenFilesAndFolders()
 {
-    copyFolder(path("default"), path("user"));
+    copyFolder(at("default"), made("user"));
     QCOMPARE(snapshot(path("user")), (QStringList{".cache", ".cache/deep", ".cache/deep/c=C",
                                                   ".hidden=H", "a=A", "sub", "sub/b=B"}));
 }
@@ -180,7 +192,7 @@ void TestProfileFolder::copyingTakesWhatLinksPointAt()
     QVERIFY(QFile::link(path("elsewhere"), path("default/folderlink")));
     QVERIFY(QFile::link(path("nowhere"), path("default/dangling")));
 
-    QCOMPARE(copyFolder(path("default"), path("user")), int(Error::None));
+    QCOMPARE(copyFolder(at("default"), made("user")), int(Error::None));
 
     QCOMPARE(readFile(path("user/filelink")), QByteArray("E"));
     QVERIFY(!QFileInfo(path("user/filelink")).isSymLink());
@@ -189,30 +201,60 @@ void TestProfileFolder::copyingTakesWhatLinksPointAt()
     QVERIFY(!QFileInfo(path("user/dangling")).isSymLink());
 }
 
+mode_t TestProfileFolder::modeOf(const char *name) const
+{
+    struct stat status = {};
+    return stat(qPrintable(path(name)), &status) == 0 ? status.st_mode & 07777 : 0;
+}
+
 void TestProfileFolder::copyingKeepsModes()
 {
-    QCOMPARE(chmod(qPrintable(path("default/a")), 0640), 0);
+    QCOMPARE(chmod(qPrintable(path("default/a")), 04640), 0);
     QCOMPARE(chmod(qPrintable(path("default/sub")), 0700), 0);
 
-    copyFolder(path("default"), path("user"));
+    QCOMPARE(copyFolder(at("default"), made("user")), int(Error::None));
 
-    struct stat status = {};
-    QCOMPARE(stat(qPrintable(path("user/a")), &status), 0);
-    QCOMPARE(int(status.st_mode & 0777), 0640);
-    QCOMPARE(stat(qPrintable(path("user/sub")), &status), 0);
-    QCOMPARE(int(status.st_mode & 0777), 0700);
+    // What runs with another's rights is no part of a profile.
+    QCOMPARE(modeOf("user/a"), mode_t(0640));
+    QCOMPARE(modeOf("user/sub"), mode_t(0700));
 }
 
 void TestProfileFolder::copyingOntoAnExistingFileFails()
 {
     writeFile(path("user/a"), "mine");
-    QCOMPARE(copyFolder(path("default"), path("user")), int(Error::Write));
+    QCOMPARE(copyFolder(at("default"), made("user")), int(Error::Write));
     QCOMPARE(readFile(path("user/a")), QByteArray("mine"));
+    QVERIFY(!QFile::exists(path("user/.rebuild")));
+}
+
+void TestProfileFolder::aCopyLeavesNothingElseBehind()
+{
+    QCOMPARE(copyFolder(at("default"), made("user")), int(Error::None));
+    QCOMPARE(snapshot(path("user")), snapshot(path("default")));
+}
+
+void TestProfileFolder::aCopyThatFailsLeavesNothingBehind()
+{
+    QVERIFY(QFile::link(path("default"), path("default/sub/loop")));
+    QCOMPARE(copyFolder(at("default"), made("user")), int(Error::Write));
+    QCOMPARE(snapshot(path("user")), QStringList());
+}
+
+void TestProfileFolder::aNameThatTheSourceHasIsNotUsedForCopying()
+{
+    writeFile(path("default/.rebuild"), "a file of that name");
+    writeFile(path("default/.rebuild+/inside"), "a directory of that name");
+    writeFile(path("user/.rebuild++/inside"), "left by a power cut");
+    const Descriptor user = at("user");
+    makeIncomplete(user, at("default"));
+    QCOMPARE(eraseFolder(user), int(Error::None));
+    QCOMPARE(copyFolder(at("default"), user), int(Error::None));
+    QCOMPARE(snapshot(path("user")), snapshot(path("default")));
 }
 
 void TestProfileFolder::copyingFromAMissingSourceMakesAnEmptyFolder()
 {
-    QCOMPARE(copyFolder(path("missing"), path("user")), int(Error::None));
+    QCOMPARE(copyFolder(at("missing"), made("user")), int(Error::None));
     QVERIFY(QFileInfo(path("user")).isDir());
     QCOMPARE(snapshot(path("user")), QStringList());
 }
@@ -220,57 +262,130 @@ void TestProfileFolder::copyingFromAMissingSourceMakesAnEmptyFolder()
 void TestProfileFolder::aSourceThatContainsItselfIsRefused()
 {
     QVERIFY(QFile::link(path("default"), path("default/sub/loop")));
-    QCOMPARE(copyFolder(path("default"), path("user")), int(Error::Write));
+    QCOMPARE(copyFolder(at("default"), made("user")), int(Error::Write));
 }
 
 void TestProfileFolder::aDestinationThatIsAFileIsRefusedAndKept()
 {
     writeFile(path("user"), "no folder");
-    QCOMPARE(eraseFolder(path("user")), int(Error::None));
-    QCOMPARE(copyFolder(path("default"), path("user")), int(Error::Write));
+    QCOMPARE(eraseFolder(at("user")), int(Error::None));
+    QCOMPARE(copyFolder(at("default"), made("user")), int(Error::Write));
     QCOMPARE(readFile(path("user")), QByteArray("no folder"));
 }
 
-void TestProfileFolder::aFolderTooDeepToReachIsNotCopiedInSilence()
+/** Makes directories of that name, each in the one before, as many as @p depth says. */
+static void nest(const QString &start, const QByteArray &name, int depth)
 {
-    // One name further and the path is longer than the kernel takes.
-    const QByteArray name(200, 'd');
-    const int start = open(".", O_RDONLY | O_DIRECTORY);
-    QCOMPARE(chdir(qPrintable(path("default"))), 0);
-    for (int level = 0; level < 25; ++level) {
-        QCOMPARE(mkdir(name.constData(), 0700), 0);
-        QCOMPARE(chdir(name.constData()), 0);
+    Descriptor directory = openDirectory(start);
+    for (int level = 0; level < depth; ++level) {
+        if (mkdirat(directory.get(), name.constData(), 0700) != 0)
+            qFatal("cannot make level %d", level);
+        directory = openTrusted(directory.get(), name, O_PATH | O_DIRECTORY);
     }
-    QCOMPARE(fchdir(start), 0);
-    close(start);
-
-    QVERIFY(!isFolderReadable(path("default")));
-    QCOMPARE(copyFolder(path("default"), path("user")), int(Error::Write));
+    close(openat(directory.get(), "file", O_WRONLY | O_CREAT | O_CLOEXEC, 0600));
 }
 
-void TestProfileFolder::foldersInsideEachOtherAreTold()
+void TestProfileFolder::aPathLongerThanTheKernelTakesIsCopiedAndErased()
+{
+    nest(path("default"), QByteArray(200, 'd'), 25);
+    QVERIFY(canReplace(made("user"), at("default")));
+    QCOMPARE(copyFolder(at("default"), at("user")), int(Error::None));
+    QVERIFY(isFolderComplete(at("default"), at("user")));
+    QCOMPARE(eraseFolder(at("user")), int(Error::None));
+    QCOMPARE(snapshot(path("user")), QStringList());
+    // Longer than QTemporaryDir erases.
+    QCOMPARE(eraseFolder(at("default")), int(Error::None));
+}
+
+void TestProfileFolder::aFolderThatIsTooDeepIsRefused()
+{
+    QVERIFY(QDir().mkdir(path("deep")));
+    nest(path("deep"), "d", 256);
+    QVERIFY(canReplace(made("user"), at("deep")));
+    QCOMPARE(copyFolder(at("deep"), at("user")), int(Error::None));
+    QVERIFY(isFolderComplete(at("deep"), at("user")));
+
+    QVERIFY(QDir().mkdir(path("deeper")));
+    nest(path("deeper"), "d", 257);
+    QVERIFY(!canReplace(at("user"), at("deeper")));
+    QCOMPARE(copyFolder(at("deeper"), made("other")), int(Error::Write));
+    QVERIFY(!isFolderComplete(at("deeper"), at("deeper")));
+    QCOMPARE(eraseFolder(at("deeper")), int(Error::Write));
+    QCOMPARE(eraseFolder(at("user")), int(Error::None));
+}
+
+void TestProfileFolder::aFolderIsIncompleteBeforeItIsErased_data()
+{
+    QTest::addColumn<QString>("erased");
+    QTest::newRow("with files") << QString();
+    QTest::newRow("with subdirectories alone") << "a .hidden";
+}
+
+void TestProfileFolder::aFolderIsIncompleteBeforeItIsErased()
+{
+    QFETCH(QString, erased);
+    for (const QString &name : erased.split(' ', Qt::SkipEmptyParts))
+        QVERIFY(QFile::remove(path("default") + '/' + name));
+    copyFolder(at("default"), made("user"));
+    writeFile(path("user/extra"), "mine");
+    const int entries = snapshot(path("user")).size();
+    QVERIFY(isFolderComplete(at("default"), at("user")));
+
+    makeIncomplete(at("user"), at("default"));
+
+    QVERIFY(!isFolderComplete(at("default"), at("user")));
+    // Nothing is lost by that yet.
+    QCOMPARE(snapshot(path("user")).size(), entries);
+}
+
+void TestProfileFolder::onlyWhatSurvivesAReplacementIsCopied()
 {
     writeFile(path("defaults/a"), "A");
     QVERIFY(QFile::link(path("default"), path("link")));
-    QVERIFY(isInsideEachOther(path("default"), path("default")));
-    QVERIFY(isInsideEachOther(path("default"), path("link")));
-    QVERIFY(isInsideEachOther(path("default/sub"), path("link")));
-    QVERIFY(isInsideEachOther(path("default"), path("default/sub")));
-    QVERIFY(!isInsideEachOther(path("default"), path("defaults")));
-    QVERIFY(!isInsideEachOther(path("default"), path("missing")));
-    QVERIFY(!isInsideEachOther(path("missing"), path("default")));
+    QVERIFY(!canReplace(at("default"), at("default")));
+    QVERIFY(!canReplace(at("link"), at("default")));
+    QVERIFY(!canReplace(at("link"), at("default/sub")));
+    QVERIFY(!canReplace(at("default"), at("default/.cache/deep")));
+    QVERIFY(!canReplace(at("default/sub"), at("default")));
+    QVERIFY(!canReplace(at("default/.cache/deep"), at("link")));
+    QVERIFY(canReplace(at("default"), at("defaults")));
+    QVERIFY(canReplace(at("default"), at("missing")));
+    QVERIFY(canReplace(at("missing"), at("default")));
+
+    // Also by way of a link inside.
+    QVERIFY(QFile::link(path("default"), path("defaults/link")));
+    QVERIFY(!canReplace(at("default"), at("defaults")));
 }
 
-void TestProfileFolder::aFolderWithALoopIsNotReadable()
+void TestProfileFolder::aFolderWithALoopCannotBeASource()
 {
-    QVERIFY(isFolderReadable(path("default")));
+    QVERIFY(canReplace(made("user"), at("default")));
     QVERIFY(QFile::link(path("default"), path("default/sub/loop")));
-    QVERIFY(!isFolderReadable(path("default")));
+    QVERIFY(!canReplace(at("user"), at("default")));
 }
 
-void TestProfileFolder::aMissingFolderIsReadable()
+void TestProfileFolder::aMissingFolderIsAnEmptySource()
 {
-    QVERIFY(isFolderReadable(path("missing")));
+    QVERIFY(canReplace(at("default"), at("missing")));
+    writeFile(path("file"), "no folder");
+    QVERIFY(canReplace(at("default"), at("file")));
+}
+
+static int openDescriptors()
+{
+    return QDir("/proc/self/fd")
+        .entryList(QDir::AllEntries | QDir::System | QDir::NoDotAndDotDot)
+        .size();
+}
+
+void TestProfileFolder::nothingIsLeftOpen()
+{
+    const int before = openDescriptors();
+    canReplace(made("user"), at("default"));
+    copyFolder(at("default"), at("user"));
+    isFolderComplete(at("default"), at("user"));
+    eraseFolder(at("user"));
+    QCOMPARE(openDescriptors(), before);
 }
 
 QTEST_GUILESS_MAIN(TestProfileFolder)

@@ -3,6 +3,7 @@
 #include <QSettings>
 
 #include <sys/mount.h>
+#include <unistd.h>
 
 /** A small file system at a path, for as long as the object lives. */
 class SmallDisk
@@ -51,17 +52,24 @@ private Q_SLOTS:
     void setUserReplacesAFileInTheLinksPlace();
     void aLinkThatCannotBeMadeInvalidatesTheUser();
     void aLinkThatCannotBeMadeLeavesNoActiveProfile();
-    void aResetIsOnTheDiskWithTwoSyncs();
-    void anInterruptedResetOfTheActiveUserIsFinishedAtStart();
-    void whatIsNoFileInThePlaceOfAMarkIsNone_data();
-    void whatIsNoFileInThePlaceOfAMarkIsNone();
-    void anInterruptedRebuildIsBegunAgainByTheNextSwitch();
-    void aFailedRebuildIsNoInterruptedOne();
-    void anInterruptedResetThatCannotBeFinishedIsTriedAgain();
-    void anInterruptedResetWithoutADefaultProfileToReadIsLeftAsItIs();
+    void aFileHasItsNameOnceItIsOnTheDisk();
+    void aStartChangesNoProfile();
+    void aFileBesideACompleteProfileDoesNotHaveItReplaced();
+    void whatAPowerCutHasLeftGoesWithTheNextRebuild();
+    void whatAPowerCutHasLeftDoesNotMakeAProfileIncomplete();
+    void aFailedRebuildLeavesNothingBehind();
     void theDefaultProfileIsNeverErased_data();
     void theDefaultProfileIsNeverErased();
     void aProfileFolderThatLeadsNowhereIsRefused();
+    void aProfileThatBelongsToSomebodyElseIsReset();
+    void rootsLinkInAProfilesPlaceIsFollowed();
+    void aStrangersLinkInAProfilesPlaceIsNotFollowed();
+    void aStrangersLinkOnTheWayToAProfileIsNotFollowed();
+    void aStrangersLinkInThePlaceOfAllProfilesIsNotFollowed();
+    void aStrangersLinkInTheDefaultProfileIsNotRead_data();
+    void aStrangersLinkInTheDefaultProfileIsNotRead();
+    void aStrangersLinkInThePlaceOfAFileIsLeftAsItIs();
+    void aStrangersLinkInThePlaceOfASubdirectoryIsReplaced();
     void nobodyCanBeActivated();
     void aProfileFolderThatIsAFileInvalidatesTheUserAndIsKept();
     void aDiskThatIsFullInMidCopyInvalidatesTheUserAndKeepsTheLink();
@@ -86,7 +94,7 @@ private:
     static QStringList traced(const char *calls, const char *injection);
     bool isUserValid(const QString &user) const;
     void removeDefaultFileAccess();
-    static QString mark(const QString &user);
+    static void plantLink(const QString &target, const QString &path);
 
     const Remote users{QStringLiteral("/KyConfigMgr"), QStringLiteral("Users")};
     const QString invalid = failure("InvalidArguments", QStringLiteral("User name is invalid."));
@@ -99,10 +107,13 @@ bool TestUsers::isUserValid(const QString &user) const
     return users.call(QStringLiteral("factoryReset"), {user}) != invalid;
 }
 
-/** What is there while a user's profile is being rebuilt. */
-QString TestUsers::mark(const QString &user)
+/** Has a stranger's link at @p path, in place of what is there. */
+void TestUsers::plantLink(const QString &target, const QString &path)
 {
-    return QStringLiteral("/tmp/User_part/.%1_profile.rebuild").arg(user);
+    const uid_t stranger = 61186;
+    removePath(path);
+    if (!QFile::link(target, path) || lchown(qPrintable(path), stranger, stranger) != 0)
+        qFatal("cannot plant a link at %s", qPrintable(path));
 }
 
 /** Makes the daemon obey the modes of files, as root otherwise need not. */
@@ -419,10 +430,10 @@ void TestUsers::aLinkThatCannotBeMadeLeavesNoActiveProfile()
     QVERIFY(!QFileInfo(system).isSymLink());
 }
 
-void TestUsers::aResetIsOnTheDiskWithTwoSyncs()
+void TestUsers::aFileHasItsNameOnceItIsOnTheDisk()
 {
-    daemon.setWrapper(
-        {"strace", "-D", "-f", "-o", "/tmp/trace", "-e", "trace=syncfs,sync,fsync,fdatasync"});
+    daemon.setWrapper({"strace", "-D", "-f", "-o", "/tmp/trace", "-e",
+                       "trace=syncfs,sync,fsync,fdatasync,/rename,/open,sendfile,copy_file_range"});
     QVERIFY(daemon.start());
     QTRY_VERIFY(QFile::exists("/opt/settings.ini"));
     QTRY_VERIFY(!QFile::exists("/opt/settings.ini.lock"));
@@ -430,59 +441,60 @@ void TestUsers::aResetIsOnTheDiskWithTwoSyncs()
 
     QCOMPARE(users.call("factoryReset", {"user2"}), QStringLiteral("()"));
 
-    // One for the mark beside the folder, and one for whatever the folder holds.
     const QByteArray trace = readFile("/tmp/trace");
-    QVERIFY2(trace.count("sync") == 2 && trace.indexOf("fsync(") < trace.indexOf("syncfs("),
+    QVERIFY2(trace.count("sync") == 1, trace.constData());
+    const int synchronised = trace.indexOf("syncfs(");
+    // Written before, named after.
+    QVERIFY2(trace.lastIndexOf("O_CREAT") >= 0 && trace.lastIndexOf("O_CREAT") < synchronised,
              trace.constData());
+    QCOMPARE(trace.mid(synchronised).count("rename"), 2);
+    for (const char *name : {"\"measure.conf\"", "\"display\""})
+        QCOMPARE(trace.mid(synchronised).count(name), 2);
 }
 
-void TestUsers::anInterruptedResetOfTheActiveUserIsFinishedAtStart()
+void TestUsers::aStartChangesNoProfile()
 {
-    writeFile(mark("user1"), QByteArray());
+    writeFile("/tmp/User_part/.user1_profile.rebuild", QByteArray());
+    QVERIFY(QFile::remove(profile("user1") + "/display/theme.conf"));
+    writeFile(profile("user1") + "/.rebuild/display/theme.conf", "dark");
     writeFile(profile("user1") + "/added", "user1");
-    QVERIFY(daemon.start());
-    QCOMPARE(users.call("getUser"), QStringLiteral("(\"user1\")"));
-    QCOMPARE(snapshot(profile("user1")), snapshot(profile("default_user")));
-    QVERIFY(!QFile::exists(mark("user1")));
-}
-
-void TestUsers::whatIsNoFileInThePlaceOfAMarkIsNone_data()
-{
-    QTest::addColumn<QString>("target");
-    QTest::newRow("folder") << QString();
-    QTest::newRow("link to a file") << profile("user1") + "/measure.conf";
-    QTest::newRow("link to nowhere") << "/nowhere";
-}
-
-void TestUsers::whatIsNoFileInThePlaceOfAMarkIsNone()
-{
-    QFETCH(QString, target);
-    if (target.isEmpty())
-        QVERIFY(QDir().mkdir(mark("user1")));
-    else
-        QVERIFY(QFile::link(target, mark("user1")));
-    writeFile(profile("user1") + "/added", "user1");
+    const QStringList before = snapshot("/tmp/User_part");
 
     QVERIFY(daemon.start());
 
     QCOMPARE(users.call("getUser"), QStringLiteral("(\"user1\")"));
-    QCOMPARE(readFile(profile("user1") + "/added"), QByteArray("user1"));
+    QCOMPARE(snapshot("/tmp/User_part"), before);
 }
 
-void TestUsers::anInterruptedRebuildIsBegunAgainByTheNextSwitch()
+void TestUsers::aFileBesideACompleteProfileDoesNotHaveItReplaced()
 {
-    writeFile(mark("user2"), QByteArray());
-    writeFile(profile("user2") + "/measure.conf", "cut sho");
+    writeFile("/tmp/User_part/.user2_profile.rebuild", QByteArray());
+    const QStringList before = snapshot(profile("user2"));
     QVERIFY(daemon.start());
-    QCOMPARE(readFile(profile("user2") + "/measure.conf"), QByteArray("cut sho"));
-
     QCOMPARE(users.call("setUser", {"user2"}), QStringLiteral("()"));
-
-    QCOMPARE(snapshot(profile("user2")), snapshot(profile("default_user")));
-    QVERIFY(!QFile::exists(mark("user2")));
+    QCOMPARE(snapshot(profile("user2")), before);
 }
 
-void TestUsers::aFailedRebuildIsNoInterruptedOne()
+void TestUsers::whatAPowerCutHasLeftGoesWithTheNextRebuild()
+{
+    writeFile(profile("user2") + "/.rebuild/measure.conf", "cut sho");
+    QVERIFY(QFile::remove(profile("user2") + "/measure.conf"));
+    QVERIFY(daemon.start());
+    QCOMPARE(users.call("setUser", {"user2"}), QStringLiteral("()"));
+    QCOMPARE(snapshot(profile("user2")), snapshot(profile("default_user")));
+}
+
+void TestUsers::whatAPowerCutHasLeftDoesNotMakeAProfileIncomplete()
+{
+    QVERIFY(QDir().mkdir(profile("user2") + "/.rebuild"));
+    QVERIFY(daemon.start());
+    QCOMPARE(users.call("setUser", {"user2"}), QStringLiteral("()"));
+    QCOMPARE(readFile(profile("user2") + "/measure.conf"), QByteArray("user2"));
+    QCOMPARE(users.call("factoryReset", {"user2"}), QStringLiteral("()"));
+    QCOMPARE(snapshot(profile("user2")), snapshot(profile("default_user")));
+}
+
+void TestUsers::aFailedRebuildLeavesNothingBehind()
 {
     writeFile(profile("default_user") + "/display/theme.conf", QByteArray(100000, 'd'));
     QFile::remove(profile("user2") + "/measure.conf");
@@ -491,8 +503,8 @@ void TestUsers::aFailedRebuildIsNoInterruptedOne()
         SmallDisk disk(profile("user2"), "size=40k");
         QCOMPARE(users.call("setUser", {"user2"}),
                  failure("Process", "Error while forcing a reload of the user configurations."));
+        QCOMPARE(snapshot(profile("user2")), QStringList());
     }
-    QVERIFY(!QFile::exists(mark("user2")));
     daemon.stop();
     // Whoever was told of the failure has put a profile there.
     writeFile(profile("user2") + "/measure.conf", "own");
@@ -502,38 +514,6 @@ void TestUsers::aFailedRebuildIsNoInterruptedOne()
     QCOMPARE(users.call("setUser", {"user2"}), QStringLiteral("()"));
 
     QCOMPARE(readFile(profile("user2") + "/measure.conf"), QByteArray("own"));
-}
-
-void TestUsers::anInterruptedResetThatCannotBeFinishedIsTriedAgain()
-{
-    writeFile(profile("default_user") + "/display/theme.conf", QByteArray(100000, 'd'));
-    writeFile(mark("user1"), QByteArray());
-    {
-        SmallDisk disk(profile("user1"), "size=40k");
-        QVERIFY(daemon.start());
-    }
-    QVERIFY(QFile::exists(mark("user1")));
-    // It is the daemon's own.
-    const QFile::Permissions ofUser = QFile::ReadUser | QFile::WriteUser | QFile::ExeUser;
-    QCOMPARE(QFile::permissions(mark("user1")) & ~ofUser, QFile::ReadOwner | QFile::WriteOwner);
-    daemon.stop();
-
-    QVERIFY(daemon.start());
-
-    QCOMPARE(snapshot(profile("user1")), snapshot(profile("default_user")));
-    QVERIFY(!QFile::exists(mark("user1")));
-}
-
-void TestUsers::anInterruptedResetWithoutADefaultProfileToReadIsLeftAsItIs()
-{
-    writeFile(mark("user1"), QByteArray());
-    QVERIFY(QFile::setPermissions(profile("default_user") + "/measure.conf", {}));
-    const QStringList before = snapshot(profile("user1"));
-    removeDefaultFileAccess();
-    QVERIFY(daemon.start());
-    QCOMPARE(users.call("getUser"), QStringLiteral("(\"user1\")"));
-    QCOMPARE(snapshot(profile("user1")), before);
-    QVERIFY(QFile::exists(mark("user1")));
 }
 
 void TestUsers::theDefaultProfileIsNeverErased_data()
@@ -572,6 +552,113 @@ void TestUsers::aProfileFolderThatLeadsNowhereIsRefused()
              failure("Process", "Error while forcing a reload of the user configurations."));
     QVERIFY(!QFile::exists("/opt/nowhere"));
     QCOMPARE(QFile::symLinkTarget(system), profile("user1"));
+}
+
+void TestUsers::aProfileThatBelongsToSomebodyElseIsReset()
+{
+    QCOMPARE(QProcess::execute("chown", {"-R", "member", profile("user2")}), 0);
+    QVERIFY(QFile::link("/opt", profile("user2") + "/link"));
+    QVERIFY(daemon.start());
+    QCOMPARE(users.call("factoryReset", {"user2"}), QStringLiteral("()"));
+    QCOMPARE(snapshot(profile("user2")), snapshot(profile("default_user")));
+    QCOMPARE(QFileInfo(profile("user2")).owner(), QStringLiteral("member"));
+}
+
+void TestUsers::rootsLinkInAProfilesPlaceIsFollowed()
+{
+    writeFile("/opt/elsewhere/mine", "lost by design");
+    removePath(profile("user2"));
+    QVERIFY(QFile::link("/opt/elsewhere", profile("user2")));
+    QVERIFY(daemon.start());
+    QCOMPARE(users.call("setUser", {"user2"}), QStringLiteral("()"));
+    QCOMPARE(snapshot("/opt/elsewhere"), snapshot(profile("default_user")));
+    QVERIFY(QFileInfo(profile("user2")).isSymLink());
+    removePath("/opt/elsewhere");
+}
+
+void TestUsers::aStrangersLinkInAProfilesPlaceIsNotFollowed()
+{
+    writeFile("/opt/victim/file", "keep");
+    plantLink("/opt/victim", profile("user2"));
+    QVERIFY(daemon.start());
+    QCOMPARE(users.call("factoryReset", {"user2"}),
+             failure("Process", "Was not able to erase previous configuration"));
+    QCOMPARE(users.call("setUser", {"user2"}),
+             failure("Process", "Error while forcing a reload of the user configurations."));
+    QCOMPARE(snapshot("/opt/victim"), QStringList{"file=keep"});
+    QCOMPARE(QFile::symLinkTarget(system), profile("user1"));
+    removePath("/opt/victim");
+}
+
+void TestUsers::aStrangersLinkOnTheWayToAProfileIsNotFollowed()
+{
+    writeFile("/opt/victim/profile/file", "keep");
+    plantLink("/opt/victim", "/opt/way");
+    removePath(profile("user2"));
+    QVERIFY(QFile::link("/opt/way/profile", profile("user2")));
+    QVERIFY(daemon.start());
+    QCOMPARE(users.call("factoryReset", {"user2"}),
+             failure("Process", "Was not able to erase previous configuration"));
+    QCOMPARE(snapshot("/opt/victim"), (QStringList{"profile", "profile/file=keep"}));
+    removePath("/opt/victim");
+    removePath("/opt/way");
+}
+
+void TestUsers::aStrangersLinkInThePlaceOfAllProfilesIsNotFollowed()
+{
+    writeFile("/opt/victim/user2_profile/file", "keep");
+    QVERIFY(QFile::link("/opt/victim/user2_profile", "/opt/victim/system"));
+    const QStringList before = snapshot("/opt/victim");
+    plantLink("/opt/victim", "/tmp/User_part");
+
+    QVERIFY(daemon.start());
+
+    QCOMPARE(users.call("getUser"), failure("Read", "Not able to read the current user."));
+    QCOMPARE(users.call("setUser", {"user2"}), invalid);
+    QCOMPARE(snapshot("/opt/victim"), before);
+    removePath("/opt/victim");
+}
+
+void TestUsers::aStrangersLinkInTheDefaultProfileIsNotRead_data()
+{
+    QTest::addColumn<QString>("target");
+    QTest::newRow("file") << "/opt/secret/file";
+    QTest::newRow("directory") << "/opt/secret";
+}
+
+void TestUsers::aStrangersLinkInTheDefaultProfileIsNotRead()
+{
+    QFETCH(QString, target);
+    writeFile("/opt/secret/file", "secret");
+    plantLink(target, profile("default_user") + "/display/link");
+    QVERIFY(daemon.start());
+    const QStringList before = snapshot(profile("user2"));
+
+    QCOMPARE(users.call("factoryReset", {"user2"}),
+             failure("Write", "The copy of the default folder did not went as expected"));
+
+    QCOMPARE(snapshot(profile("user2")), before);
+    removePath("/opt/secret");
+}
+
+void TestUsers::aStrangersLinkInThePlaceOfAFileIsLeftAsItIs()
+{
+    plantLink("/opt/nowhere", profile("user2") + "/measure.conf");
+    const QStringList before = snapshot(profile("user2"));
+    QVERIFY(daemon.start());
+    QCOMPARE(users.call("setUser", {"user2"}), QStringLiteral("()"));
+    QCOMPARE(snapshot(profile("user2")), before);
+}
+
+void TestUsers::aStrangersLinkInThePlaceOfASubdirectoryIsReplaced()
+{
+    writeFile("/opt/victim/theme.conf", "keep");
+    plantLink("/opt/victim", profile("user2") + "/display");
+    QVERIFY(daemon.start());
+    QCOMPARE(users.call("setUser", {"user2"}), QStringLiteral("()"));
+    QCOMPARE(snapshot(profile("user2")), snapshot(profile("default_user")));
+    QCOMPARE(snapshot("/opt/victim"), QStringList{"theme.conf=keep"});
+    removePath("/opt/victim");
 }
 
 void TestUsers::nobodyCanBeActivated()

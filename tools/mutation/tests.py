@@ -29,6 +29,8 @@ PURE = {
     'network/wifijoin': ['test_wifijoin'],
     'network/wifiservices': ['test_wifiservices'],
     'network/wifitrace': ['test_wifitrace', 'test_wifiscan'],
+    'app/descriptor': ['test_trustedpath', 'test_profilefolder'],
+    'app/trustedpath': ['test_trustedpath', 'test_users'],
     'users/linktarget': ['test_linktarget', 'test_users'],
     'users/profilefolder': ['test_profilefolder', 'test_users'],
 }
@@ -71,5 +73,4 @@ ADAPTORS = {
     'network/networkinterface': ['test_networkinterface', 'test_ethernet_settings', 'test_ethernet',
                                  'test_wifiap', 'test_wifiscan'],
     'users/kyusermgr': ['test_users', 'test_settings', 'test_startup'],
-    'users/rebuildmark': ['test_users'],
 }

@@ -1,0 +1,127 @@
+#include "trustedpath.h"
+
+#include <QFile>
+#include <QFileInfo>
+
+#include <cerrno>
+#include <climits>
+#include <fcntl.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+namespace
+{
+// As many as the kernel itself follows.
+const int mostLinks = 40;
+
+const int asDirectory = O_PATH | O_DIRECTORY;
+
+void removeLeadingSlashes(QByteArray &path)
+{
+    int count = 0;
+    while (count < path.size() && path.at(count) == '/')
+        ++count;
+    path.remove(0, count);
+}
+
+/** Takes the first name off @p path. */
+QByteArray takeName(QByteArray &path)
+{
+    const int end = path.indexOf('/');
+    const QByteArray name = path.mid(0, end);
+    path = end < 0 ? QByteArray() : path.mid(end);
+    removeLeadingSlashes(path);
+    return name.isEmpty() ? QByteArrayLiteral(".") : name;
+}
+
+bool isLink(const Descriptor &descriptor, struct stat &status)
+{
+    return fstat(descriptor.get(), &status) == 0 && S_ISLNK(status.st_mode);
+}
+
+/**
+ * The target of the link @p name; empty if it is none, with @p error in errno, or if it must not be
+ * followed.
+ */
+QByteArray trustedTarget(int directory, const QByteArray &name, int error)
+{
+    // Owner and target are those of one and the same link.
+    const Descriptor link(openat(directory, name.constData(), O_PATH | O_NOFOLLOW | O_CLOEXEC));
+    struct stat status = {};
+    if (!isLink(link, status)) {
+        errno = error;
+        return QByteArray();
+    }
+    if (status.st_uid != 0 && status.st_uid != geteuid()) {
+        errno = EPERM;
+        return QByteArray();
+    }
+    char target[PATH_MAX];
+    const ssize_t length = readlinkat(link.get(), "", target, sizeof target);
+    return QByteArray(target, static_cast<int>(length));
+}
+} // namespace
+
+Descriptor openTrusted(int from, QByteArray path, int flags)
+{
+    Descriptor reached;
+    int directory = from;
+    for (int links = 0; links <= mostLinks;) {
+        if (path.startsWith('/')) {
+            reached = Descriptor(open("/", asDirectory | O_CLOEXEC));
+            directory = reached.get();
+            removeLeadingSlashes(path);
+        }
+        const QByteArray name = takeName(path);
+        const bool isLast = path.isEmpty();
+        const int how = (isLast ? flags : asDirectory) | O_NOFOLLOW | O_CLOEXEC;
+        Descriptor next(openat(directory, name.constData(), how));
+        struct stat status = {};
+        // O_PATH without O_DIRECTORY opens the link itself.
+        const bool mayBeLink = (how & asDirectory) == O_PATH;
+        const bool isFound = next.isOpen() && !(mayBeLink && isLink(next, status));
+        if (isFound && isLast)
+            return next;
+        if (isFound) {
+            reached = std::move(next);
+            directory = reached.get();
+            continue;
+        }
+        if (!next.isOpen() && next.error() != ELOOP && next.error() != ENOTDIR)
+            return next;
+        const QByteArray target = trustedTarget(directory, name, next.error());
+        if (target.isEmpty())
+            return Descriptor(-1);
+        path = isLast ? target : target + '/' + path;
+        ++links;
+    }
+    errno = ELOOP;
+    return Descriptor(-1);
+}
+
+Descriptor openDirectory(const QString &path)
+{
+    const QByteArray name = QFile::encodeName(path);
+    // Faster, and the same: nobody but root makes links in "/", so of two names the last one alone
+    // can be somebody else's.
+    if (name.startsWith('/') && name.lastIndexOf('/') == name.indexOf('/', 1)) {
+        Descriptor directory(open(name.constData(), asDirectory | O_NOFOLLOW | O_CLOEXEC));
+        if (directory.isOpen())
+            return directory;
+    }
+    return openTrusted(AT_FDCWD, name, asDirectory);
+}
+
+Descriptor makeDirectory(const QString &path)
+{
+    Descriptor directory = openDirectory(path);
+    if (directory.error() != ENOENT)
+        return directory;
+    const QFileInfo info(path);
+    const QByteArray name = QFile::encodeName(info.fileName());
+    const Descriptor parent = makeDirectory(info.path());
+    // Fails where a link to nowhere has the name.
+    if (mkdirat(parent.get(), name.constData(), S_IRWXU | S_IRWXG | S_IRWXO) != 0)
+        return Descriptor(-1);
+    return Descriptor(openat(parent.get(), name.constData(), asDirectory | O_NOFOLLOW | O_CLOEXEC));
+}
