@@ -76,9 +76,7 @@ bring_access_point_up() {
     told no-dhcpd || told no-interface || start_dhcpd
 }
 
-mkdir -p "$folder/running"
-: >"$folder/running/$$"
-trap 'rm -f "$folder/running/$$"' EXIT
+mkdir -p "$folder"
 say start
 [ ! -p "$folder/hold" ] || read -r _ <"$folder/hold"
 ! told delay || sleep "$(cat "$folder/delay")"

@@ -6,8 +6,8 @@
 #include <QDBusConnection>
 #include <QDBusMetaType>
 #include <QDBusPendingCall>
-#include <QDBusServer>
 #include <QDBusVariant>
+#include <QProcess>
 #include <QTest>
 
 /** Sends back what it is given: every value is read once and written twice. */
@@ -21,7 +21,7 @@ public Q_SLOTS:
     ManagedObjectList managed(const ManagedObjectList &value) { return value; }
 };
 
-/** The types of ConnMan's lists, on their way through a connection to the test itself. */
+/** The types of ConnMan's lists, on their way over the bus to the test itself. */
 class TestConnmanObject : public QObject
 {
     Q_OBJECT
@@ -44,28 +44,36 @@ private:
     QDBusMessage send(const QString &method, const QVariant &value);
     QList<ConnmanObject> sendObjects(const QList<ConnmanObject> &objects);
 
-    QDBusServer m_server{QStringLiteral("unix:tmpdir=/tmp")};
+    QProcess m_bus;
     Echo m_echo;
+    QString m_echoName;
 };
 
 void TestConnmanObject::initTestCase()
 {
     connman::registerTypes();
-    QObject::connect(&m_server, &QDBusServer::newConnection, this, [this](QDBusConnection client) {
-        client.registerObject("/echo", &m_echo, QDBusConnection::ExportAllSlots);
-    });
-    QVERIFY(m_server.isConnected());
-    QVERIFY(QDBusConnection::connectToPeer(m_server.address(), "client").isConnected());
+    m_bus.start("dbus-daemon", {"--session", "--nofork", "--nopidfile", "--print-address"});
+    QVERIFY(QTest::qWaitFor([this] { return m_bus.canReadLine(); }, 10000));
+    const QString address = m_bus.readLine().trimmed();
+
+    // Two connections: Qt D-Bus does not send over the bus what is for the sender itself.
+    QDBusConnection service = QDBusConnection::connectToBus(address, "service");
+    QVERIFY(service.registerObject("/echo", &m_echo, QDBusConnection::ExportAllSlots));
+    m_echoName = service.baseService();
+    QVERIFY(QDBusConnection::connectToBus(address, "client").isConnected());
 }
 
 void TestConnmanObject::cleanupTestCase()
 {
-    QDBusConnection::disconnectFromPeer("client");
+    for (const char *name : {"client", "service"})
+        QDBusConnection::disconnectFromBus(name);
+    m_bus.terminate();
+    QVERIFY(m_bus.waitForFinished());
 }
 
 QDBusMessage TestConnmanObject::send(const QString &method, const QVariant &value)
 {
-    QDBusMessage message = QDBusMessage::createMethodCall(QString(), "/echo", "test.Echo", method);
+    QDBusMessage message = QDBusMessage::createMethodCall(m_echoName, "/echo", "test.Echo", method);
     message << value;
     const QDBusPendingCall call = QDBusConnection("client").asyncCall(message);
     if (!QTest::qWaitFor([&call] { return call.isFinished(); }))

@@ -24,21 +24,65 @@ void run(const QString &program, const QStringList &arguments)
         qFatal("%s %s fails", qPrintable(program), qPrintable(arguments.join(QLatin1Char(' '))));
 }
 
-/** Ends a process that need not be there any more, and waits until it is gone. */
-void endProcess(const QString &id)
+QList<pid_t> processes()
 {
-    const pid_t process = pid_t(id.trimmed().toInt());
-    if (process > 0 && kill(process, SIGKILL) == 0 &&
-        !QTest::qWaitFor([process] { return kill(process, 0) != 0; }, 10000))
+    QList<pid_t> found;
+    for (const QString &entry : QDir(QStringLiteral("/proc")).entryList(QDir::Dirs)) {
+        if (entry.toInt() > 0)
+            found << entry.toInt();
+    }
+    return found;
+}
+
+QByteArray processFile(pid_t process, const char *name)
+{
+    return readFile(QStringLiteral("/proc/%1/%2").arg(process).arg(QLatin1String(name)));
+}
+
+/** The fields of a process's status that follow its name, from its state on. */
+QList<QByteArray> statusOf(pid_t process)
+{
+    const QByteArray status = processFile(process, "stat");
+    return status.mid(status.lastIndexOf(')') + 2).split(' ');
+}
+
+/** A process that has ended may still wait for its parent to notice. */
+bool hasEnded(pid_t process)
+{
+    const QByteArray state = statusOf(process).value(0);
+    return state.isEmpty() || state == "Z" || state == "X";
+}
+
+void waitUntilEnded(pid_t process)
+{
+    if (!QTest::qWaitFor([process] { return hasEnded(process); }, 10000))
         qFatal("process %d does not end", int(process));
 }
 
-/** Ends every process of that name; the test's world has none but the scripts'. */
+/** Kills a process and its children. Stops it first, so that it starts no more of them. */
+void endTree(pid_t process)
+{
+    if (kill(process, SIGSTOP) != 0)
+        return;
+    const auto isStopped = [process] {
+        return statusOf(process).value(0) == "T" || hasEnded(process);
+    };
+    if (!QTest::qWaitFor(isStopped, 10000))
+        qFatal("process %d does not stop", int(process));
+    for (const pid_t other : processes()) {
+        if (statusOf(other).value(1).toInt() == process)
+            endTree(other);
+    }
+    kill(process, SIGKILL);
+    waitUntilEnded(process);
+}
+
+/** Kills every process of that name; nothing else in the test's world has it. */
 void endProgram(const QByteArray &name)
 {
-    for (const QString &id : QDir(QStringLiteral("/proc")).entryList(QDir::Dirs)) {
-        if (readFile(QStringLiteral("/proc/%1/comm").arg(id)).trimmed() == name)
-            endProcess(id);
+    for (const pid_t process : processes()) {
+        if (processFile(process, "comm").trimmed() == name && kill(process, SIGKILL) == 0)
+            waitUntilEnded(process);
     }
 }
 } // namespace
@@ -65,9 +109,11 @@ void ModeScript::remove()
 
 void ModeScript::clear()
 {
-    for (const QString &id : QDir(control + "running").entryList(QDir::Files))
-        endProcess(id);
-    // A script that was ended in between has not noted them.
+    // Whatever a script has started would go on changing the interfaces.
+    for (const pid_t process : processes()) {
+        if (processFile(process, "cmdline").contains(script.toLatin1()))
+            endTree(process);
+    }
     for (const char *program : {"hostapd", "dhcpd"})
         endProgram(program);
     if (QFile::exists("/sys/class/net/wifi_ap"))

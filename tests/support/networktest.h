@@ -31,7 +31,10 @@ protected:
     /** Waits until the daemon has handled everything that reached it by now. */
     void settle();
 
-    /** Waits until the daemon has seen the ends of all scripts that it started but so many. */
+    /**
+     * Waits until the daemon has seen the ends of all scripts that it started but so many, and of
+     * those that it started thereupon.
+     */
     void waitForScripts(int running = 0);
 
     /** waitForScripts(), and lets the two seconds pass that the module takes afterwards. */
