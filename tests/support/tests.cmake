@@ -39,10 +39,32 @@ else()
     set(patience 1)
 endif()
 
+# A program of tests. Its first source includes what moc makes of it; no other one needs moc.
+function(add_test_program name source)
+    add_executable(${name} ${source} ${ARGN})
+    set_target_properties(${name} PROPERTIES AUTOMOC OFF)
+    get_filename_component(base ${source} NAME_WE)
+    set(generated ${CMAKE_CURRENT_BINARY_DIR}/${base}.moc)
+    qt5_generate_moc(${source} ${generated} TARGET ${name})
+    target_sources(${name} PRIVATE ${generated})
+    target_include_directories(${name} PRIVATE ${CMAKE_CURRENT_BINARY_DIR})
+    target_link_libraries(${name} PRIVATE testsupport test_options)
+    target_precompile_headers(${name} REUSE_FROM precompiled)
+endfunction()
+
+# As above, for a program that starts the daemon. Tests of another machine's daemon run in the
+# machine's own programs.
+function(add_world_program name)
+    add_test_program(${name} ${ARGN})
+    add_dependencies(${name} KyBoardManager kyboardctl peers)
+    if(CMAKE_CROSSCOMPILING)
+        set_target_properties(${name} PROPERTIES EXCLUDE_FROM_ALL ON)
+    endif()
+endfunction()
+
 # A test of pure logic: runs as it is.
 function(add_pure_test name)
-    add_executable(${name} ${ARGN})
-    target_link_libraries(${name} PRIVATE boardmanager testsupport project_options)
+    add_test_program(${name} ${ARGN})
     if(left_out_of_${name})
         add_test(NAME ${name} COMMAND ${PROJECT_SOURCE_DIR}/tests/support/without
             ${left_out_of_${name}} -- ${CMAKE_CROSSCOMPILING_EMULATOR} $<TARGET_FILE:${name}>)
@@ -56,73 +78,57 @@ endfunction()
 
 # A test of behaviour: runs in a private world, where it starts the daemon itself.
 function(add_world_test name)
+    add_world_program(${name} ${ARGN})
     if(CMAKE_CROSSCOMPILING)
-        add_executable(${name} EXCLUDE_FROM_ALL ${ARGN})
         set(program ${NATIVE_BUILD}/tests/${name})
         if(left_out_of_${name})
             set(program ${PROJECT_SOURCE_DIR}/tests/support/without ${left_out_of_${name}} --
                 ${program})
         endif()
     else()
-        add_executable(${name} ${ARGN})
         set(program $<TARGET_FILE:${name}>)
     endif()
-    target_link_libraries(${name} PRIVATE boardmanager testsupport project_options)
-    add_dependencies(${name} KyBoardManager kyboardctl peers)
     add_test(NAME ${name} COMMAND ${PROJECT_SOURCE_DIR}/simulator/world ${world_options}
         ${program})
     math(EXPR timeout "120 * ${patience}")
     set_tests_properties(${name} PROPERTIES TIMEOUT ${timeout} FAIL_REGULAR_EXPRESSION "SKIP   :")
 endfunction()
 
-# A test of what is this machine's alone, as scripts and documents: another machine's build adds
-# nothing to it.
+# A test of scripts and documents, which are the same on every machine.
 function(add_tool_test name)
     if(CMAKE_CROSSCOMPILING)
-        add_executable(${name} EXCLUDE_FROM_ALL ${ARGN})
-        target_link_libraries(${name} PRIVATE boardmanager testsupport project_options)
+        add_test_program(${name} ${ARGN})
+        set_target_properties(${name} PROPERTIES EXCLUDE_FROM_ALL ON)
     else()
         add_pure_test(${name} ${ARGN})
     endif()
 endfunction()
 
-# A check that measures: it writes the lines to be printed into the file that FIGURES names. One with
+# A campaign measures: it writes the lines to be printed into the file that FIGURES names. One with
 # LONG runs with ./test --long alone. An emulator's figures would say nothing.
-function(add_check name)
+function(add_campaign name)
     if(CMAKE_CROSSCOMPILING)
         return()
     endif()
-    cmake_parse_arguments(CHECK "LONG" "TIMEOUT" "COMMAND" ${ARGN})
-    add_test(NAME ${name} COMMAND ${CHECK_COMMAND})
+    cmake_parse_arguments(CAMPAIGN "LONG" "TIMEOUT" "COMMAND" ${ARGN})
+    add_test(NAME ${name} COMMAND ${CAMPAIGN_COMMAND})
     set_tests_properties(${name} PROPERTIES
         ENVIRONMENT FIGURES=${PROJECT_BINARY_DIR}/figures/${name}
-        LABELS $<IF:$<BOOL:${CHECK_LONG}>,long,check>
-        TIMEOUT ${CHECK_TIMEOUT})
+        LABELS $<IF:$<BOOL:${CAMPAIGN_LONG}>,long,campaign>
+        TIMEOUT ${CAMPAIGN_TIMEOUT})
 endfunction()
 
-# A check in a private world, whose program ENVIRONMENT tells how much to do.
-function(add_world_check name)
-    if(CMAKE_CROSSCOMPILING)
-        return()
-    endif()
-    cmake_parse_arguments(CHECK "LONG" "TIMEOUT;PROGRAM" "ENVIRONMENT" ${ARGN})
+# A campaign in a private world. The world may hide the build directory, but not an open file.
+function(add_world_campaign name)
+    cmake_parse_arguments(CAMPAIGN "LONG" "TIMEOUT" "COMMAND" ${ARGN})
     set(long "")
-    if(CHECK_LONG)
+    if(CAMPAIGN_LONG)
         set(long LONG)
     endif()
-    # The world may hide the build folder, but not a file that is open.
-    add_check(${name} ${long} TIMEOUT ${CHECK_TIMEOUT}
+    add_campaign(${name} ${long} TIMEOUT ${CAMPAIGN_TIMEOUT}
         COMMAND sh -c "exec \"$@\" 3>>\"$FIGURES\"" sh ${PROJECT_SOURCE_DIR}/simulator/world
-        ${world_options} env FIGURES=/proc/self/fd/3 ${CHECK_ENVIRONMENT} $<TARGET_FILE:${CHECK_PROGRAM}>)
-    set_tests_properties(${name} PROPERTIES FAIL_REGULAR_EXPRESSION "SKIP   :")
-endfunction()
-
-function(add_world_check_program name)
-    if(CMAKE_CROSSCOMPILING)
-        add_executable(${name} EXCLUDE_FROM_ALL ${ARGN})
-    else()
-        add_executable(${name} ${ARGN})
+        ${world_options} env FIGURES=/proc/self/fd/3 ${CAMPAIGN_COMMAND})
+    if(TEST ${name})
+        set_tests_properties(${name} PROPERTIES FAIL_REGULAR_EXPRESSION "SKIP   :")
     endif()
-    target_link_libraries(${name} PRIVATE boardmanager testsupport project_options)
-    add_dependencies(${name} KyBoardManager kyboardctl peers)
 endfunction()
