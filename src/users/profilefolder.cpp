@@ -216,11 +216,20 @@ bool isRemoved(int result)
     return result == 0 || errno == ENOENT;
 }
 
+/** Lets the owner of a directory that is to be removed, as far as we may, remove what is in it. */
+void permitOwner(const Descriptor &folder)
+{
+    struct stat status = {};
+    if (fstat(folder.get(), &status) == 0 && (status.st_mode & S_IRWXU) != S_IRWXU)
+        fchmod(openToRead(folder).get(), (status.st_mode & permissions) | S_IRWXU);
+}
+
 bool eraseContents(const Descriptor &folder, int depth);
 
 bool eraseSubfolder(const Descriptor &folder, const QByteArray &name, int depth)
 {
     const Descriptor subfolder = openPlainSubfolder(folder, name);
+    permitOwner(subfolder);
     return subfolder.isOpen() && eraseContents(subfolder, depth) &&
            isRemoved(unlinkat(folder.get(), name.constData(), AT_REMOVEDIR));
 }
@@ -269,6 +278,20 @@ bool copyFile(const Descriptor &source, const Descriptor &destination, const QBy
            fchmod(to.get(), status.st_mode & permissions) == 0;
 }
 
+/** Keeps also the owner of a copied subdirectory from what the original keeps its owner from. */
+bool restrictOwner(const Descriptor &source, const Descriptor &destination, const QByteArray &name)
+{
+    struct stat original = {};
+    if (fstat(openSubfolder(source, name).get(), &original) != 0)
+        return false;
+    if ((original.st_mode & S_IRWXU) == S_IRWXU)
+        return true;
+    const Descriptor copy = openToRead(openPlainSubfolder(destination, name));
+    struct stat status = {};
+    return fstat(copy.get(), &status) == 0 &&
+           fchmod(copy.get(), status.st_mode & original.st_mode & permissions) == 0;
+}
+
 bool copyContents(const Descriptor &source, const Descriptor &destination, const Level *above);
 
 bool copySubfolder(const Descriptor &source, const Descriptor &destination, const QByteArray &name,
@@ -276,9 +299,11 @@ bool copySubfolder(const Descriptor &source, const Descriptor &destination, cons
 {
     const Descriptor from = openSubfolder(source, name);
     struct stat status = {};
-    // With the mode of the original: what was kept from others stays so.
-    if (fstat(from.get(), &status) != 0 ||
-        mkdirat(destination.get(), name.constData(), status.st_mode & permissions) != 0)
+    if (fstat(from.get(), &status) != 0)
+        return false;
+    // With the mode of the original: what was kept from others stays so. Its owner has to fill it.
+    const mode_t mode = (status.st_mode & permissions) | S_IRWXU;
+    if (mkdirat(destination.get(), name.constData(), mode) != 0)
         return false;
     return copyContents(from, openPlainSubfolder(destination, name), &level);
 }
@@ -295,6 +320,9 @@ bool copyContents(const Descriptor &source, const Descriptor &destination, const
     }
     for (const QByteArray &name : listing.folders) {
         if (!copySubfolder(source, destination, name, level))
+            return false;
+        // Those at the top have to be moved yet, which only their owner may.
+        if (above && !restrictOwner(source, destination, name))
             return false;
     }
     return true;
@@ -315,16 +343,26 @@ QByteArray freeName(const Descriptor &folder, const Descriptor &source)
     return name;
 }
 
-/** Moves everything in @p source to @p destination, where nothing may have its name. */
-bool moveContents(const Descriptor &source, const Descriptor &destination)
+/** Moves @p name to @p destination, where nothing may have it. */
+bool moveEntry(const Descriptor &source, const Descriptor &destination, const QByteArray &name)
 {
-    std::vector<Entry> entries;
-    if (!readEntries(source, entries))
+    return isNameFree(destination, name) &&
+           renameat(source.get(), name.constData(), destination.get(), name.constData()) == 0;
+}
+
+/** Moves everything that was copied from @p source to @p staging on to @p destination. */
+bool moveContents(const Descriptor &source, const Descriptor &staging,
+                  const Descriptor &destination)
+{
+    Listing listing;
+    if (!list(staging, listing))
         return false;
-    for (const Entry &entry : entries) {
-        const char *const name = entry.name.constData();
-        if (!isNameFree(destination, entry.name) ||
-            renameat(source.get(), name, destination.get(), name) != 0)
+    for (const QByteArray &file : listing.files) {
+        if (!moveEntry(staging, destination, file))
+            return false;
+    }
+    for (const QByteArray &name : listing.folders) {
+        if (!moveEntry(staging, destination, name) || !restrictOwner(source, destination, name))
             return false;
     }
     return true;
@@ -376,7 +414,7 @@ int copyFolder(const Descriptor &source, const Descriptor &destination)
     const Descriptor staging = openPlainSubfolder(destination, name);
     // One sync of the file system: a sync of each file costs many times the copy itself.
     const bool isCopied = copyContents(source, staging, nullptr) && synchronise(staging) &&
-                          moveContents(staging, destination);
+                          moveContents(source, staging, destination);
     eraseSubfolder(destination, name, 0);
     return isCopied ? Error::None : Error::Write;
 }

@@ -211,12 +211,19 @@ void TestProfileFolder::copyingKeepsModes()
 {
     QCOMPARE(chmod(qPrintable(path("default/a")), 04640), 0);
     QCOMPARE(chmod(qPrintable(path("default/sub")), 0700), 0);
+    QCOMPARE(chmod(qPrintable(path("default/.cache/deep")), 0555), 0);
+    QCOMPARE(chmod(qPrintable(path("default/.cache")), 0510), 0);
 
     QCOMPARE(copyFolder(at("default"), made("user")), int(Error::None));
 
     // What runs with another's rights is no part of a profile.
     QCOMPARE(modeOf("user/a"), mode_t(0640));
     QCOMPARE(modeOf("user/sub"), mode_t(0700));
+    QCOMPARE(modeOf("user/.cache/deep"), mode_t(0555));
+    QCOMPARE(modeOf("user/.cache"), mode_t(0510));
+    // Not even its owner may write to it, who erases it all the same.
+    QCOMPARE(eraseFolder(at("user")), int(Error::None));
+    QCOMPARE(eraseFolder(at("default")), int(Error::None));
 }
 
 void TestProfileFolder::copyingOntoAnExistingFileFails()
