@@ -1,8 +1,9 @@
 #include "bus.h"
 
+#include "busaddress.h"
+#include "busfault.h"
 #include "busvalue.h"
 
-#include <QDBusConnection>
 #include <QDBusConnectionInterface>
 #include <QDBusError>
 #include <QElapsedTimer>
@@ -10,12 +11,20 @@
 #include <algorithm>
 #include <limits>
 
+#include <grp.h>
+#include <pwd.h>
+#include <unistd.h>
+
 const QString daemonService = QStringLiteral("com.orvendis.Strandel.BoardManager");
 
 namespace
 {
 /** The longest that a method of the daemon takes when everything behind it is slow. */
 int replyTimeout = 60000;
+
+/** Empty for the system bus of this machine. */
+QString selectedAddress;
+QString selectedHost;
 
 QString fullName(const QString &interface)
 {
@@ -42,42 +51,75 @@ ExitStatus statusOf(const QDBusMessage &error)
     }
 }
 
-Answer send(const QDBusMessage &message)
+QString userName()
 {
-    const QDBusConnection bus = QDBusConnection::systemBus();
-    if (!bus.isConnected())
-        return {DaemonAway, {}, bus.lastError().name(), bus.lastError().message()};
-    QElapsedTimer timer;
-    timer.start();
-    const QDBusMessage reply = bus.call(message, QDBus::Block, replyTimeout);
-    // The bus says the same when the daemon ends, but at once. Qt's own timer is a coarse one.
-    const bool isLate = timer.hasExpired(replyTimeout / 10 * 9);
-    if (reply.type() == QDBusMessage::ErrorMessage)
-        return {
-            isLate ? OutcomeMissing : statusOf(reply), {}, reply.errorName(), reply.errorMessage()};
-    const QVariantList arguments = reply.arguments();
-    QVariantList values;
-    for (const QVariant &value : arguments)
-        values << plainValue(value);
-    return {Success, values, {}, {}};
+    const passwd *user = getpwuid(geteuid());
+    return user ? QString::fromLocal8Bit(user->pw_name) : QString::number(geteuid());
+}
+
+/** Whether the bus lets this user call the daemon: root, and the group of the policy. */
+bool isMember()
+{
+    const group *members = getgrnam("strandel");
+    if (geteuid() == 0)
+        return true;
+    gid_t groups[1024];
+    const int count = getgroups(1024, groups);
+    return members && (getegid() == members->gr_gid ||
+                       std::find(groups, groups + std::max(count, 0), members->gr_gid) !=
+                           groups + std::max(count, 0));
+}
+
+QString systemBusAddress()
+{
+    const QString given = QString::fromLocal8Bit(qgetenv("DBUS_SYSTEM_BUS_ADDRESS"));
+    return given.isEmpty() ? QStringLiteral("unix:path=/var/run/dbus/system_bus_socket") : given;
+}
+
+Answer faulty(ExitStatus status, bool isJoined, const QString &name, const QString &text)
+{
+    BusFault fault;
+    fault.bus = QStringLiteral("the system bus");
+    if (!selectedHost.isEmpty())
+        fault.bus += QStringLiteral(" of ") + selectedHost;
+    else if (!selectedAddress.isEmpty())
+        fault.bus = QStringLiteral("the bus");
+    if (selectedHost.isEmpty()) {
+        fault.address = selectedAddress.isEmpty() ? systemBusAddress() : selectedAddress;
+        fault.user = userName();
+    }
+    fault.isJoined = isJoined;
+    fault.isMember = isMember();
+    fault.errorName = name;
+    fault.errorText = text;
+    return {status, {}, sentence(fault), name, text};
+}
+
+Answer refusal()
+{
+    const QDBusError error = bus().lastError();
+    return faulty(DaemonAway, false, error.name(), error.message());
 }
 } // namespace
 
-QString Answer::complaint() const
+void selectBus(const QString &address)
 {
-    switch (status) {
-    case DaemonAway:
-        return errorName == QLatin1String("org.freedesktop.DBus.Error.NoReply")
-                   ? QStringLiteral("the board manager ended while it worked for this call")
-                   : QStringLiteral("the board manager is not on the system bus");
-    case InterfaceAbsent:
-        return QStringLiteral("this instrument has no such interface (%1: %2)")
-            .arg(errorName, errorText);
-    case OutcomeMissing:
-        return QStringLiteral("no answer within %1 s").arg(replyTimeout / 1000);
-    default:
-        return QStringLiteral("%1 (%2)").arg(errorText, errorName);
-    }
+    selectedAddress = address;
+}
+
+void selectHost(const QString &host)
+{
+    selectedHost = host;
+    selectedAddress = addressOfHost(host);
+}
+
+QDBusConnection bus()
+{
+    static const QDBusConnection connection =
+        selectedAddress.isEmpty()
+            ? QDBusConnection::systemBus()
+            : QDBusConnection::connectToBus(selectedAddress, QStringLiteral("kyboardctl"));
+    return connection;
 }
 
 void setCallTimeout(int seconds)
@@ -85,10 +127,38 @@ void setCallTimeout(int seconds)
     replyTimeout = std::min(seconds, std::numeric_limits<int>::max() / 1000) * 1000;
 }
 
-bool isDaemonThere()
+Answer findDaemon()
 {
-    const QDBusConnection bus = QDBusConnection::systemBus();
-    return bus.isConnected() && bus.interface()->isServiceRegistered(daemonService);
+    if (!bus().isConnected())
+        return refusal();
+    if (bus().interface()->isServiceRegistered(daemonService))
+        return {Success, {}, {}, {}, {}};
+    return faulty(DaemonAway, true, QStringLiteral("org.freedesktop.DBus.Error.NameHasNoOwner"),
+                  QStringLiteral("The name %1 has no owner").arg(daemonService));
+}
+
+Answer send(const QDBusMessage &message)
+{
+    if (!bus().isConnected())
+        return refusal();
+    QElapsedTimer timer;
+    timer.start();
+    const QDBusMessage reply = bus().call(message, QDBus::Block, replyTimeout);
+    if (reply.type() == QDBusMessage::ErrorMessage) {
+        // The bus says the same when the daemon ends, but at once. Qt's own timer is a coarse one.
+        if (timer.hasExpired(replyTimeout / 10 * 9))
+            return {OutcomeMissing,
+                    {},
+                    QStringLiteral("no answer within %1 s").arg(replyTimeout / 1000),
+                    reply.errorName(),
+                    reply.errorMessage()};
+        return faulty(statusOf(reply), true, reply.errorName(), reply.errorMessage());
+    }
+    const QVariantList arguments = reply.arguments();
+    QVariantList values;
+    for (const QVariant &value : arguments)
+        values << plainValue(value);
+    return {Success, values, {}, {}, {}};
 }
 
 Answer call(const QString &path, const QString &interface, const QString &method,
@@ -112,6 +182,5 @@ Answer readProperty(const QString &path, const QString &interface, const QString
 bool subscribe(const QString &path, const QString &interface, const QString &signal,
                QObject *receiver, const char *slot)
 {
-    return QDBusConnection::systemBus().connect(daemonService, path, fullName(interface), signal,
-                                                receiver, slot);
+    return bus().connect(daemonService, path, fullName(interface), signal, receiver, slot);
 }

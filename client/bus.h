@@ -1,6 +1,7 @@
 #ifndef BUS_H
 #define BUS_H
 
+#include <QDBusConnection>
 #include <QDBusMessage>
 #include <QString>
 #include <QVariant>
@@ -25,19 +26,35 @@ enum ExitStatus {
 struct Answer {
     ExitStatus status;
     QVariantList values;
+    /** The failure in one sentence. */
+    QString complaint;
+    /** The name and the text of the error as the bus gave them. */
     QString errorName;
     QString errorText;
 
     bool isGood() const { return status == Success; }
-    /** The failure in one sentence, with the error's name and text. */
-    QString complaint() const;
+    /** The error as the bus gave it. */
+    QString detail() const { return errorName + QStringLiteral(": ") + errorText; }
 };
+
+/** Takes the bus at @p address in the place of the system bus, before anything else is called. */
+void selectBus(const QString &address);
+
+/**
+ * Takes the system bus of another machine, before anything else is called.
+ *
+ * @param host as ssh takes it: HOST or USER@HOST
+ */
+void selectHost(const QString &host);
+
+/** The bus that was selected; joined at the first call. */
+QDBusConnection bus();
 
 /** How long every call from now on waits for its answer; a minute where nothing is said. */
 void setCallTimeout(int seconds);
 
-/** Whether the system bus can be reached and the daemon is on it. */
-bool isDaemonThere();
+/** A good answer where the bus can be joined and the daemon is on it. */
+Answer findDaemon();
 
 /** Calls a method of the daemon and waits for its reply. */
 Answer call(const QString &path, const QString &interface, const QString &method,
@@ -45,6 +62,9 @@ Answer call(const QString &path, const QString &interface, const QString &method
 
 /** Reads a property of the daemon. */
 Answer readProperty(const QString &path, const QString &interface, const QString &property);
+
+/** Sends any call, and waits for its reply. */
+Answer send(const QDBusMessage &message);
 
 /** Subscribes a slot that takes the message to signals; an empty @p signal means all. */
 bool subscribe(const QString &path, const QString &interface, const QString &signal,

@@ -31,6 +31,16 @@ QVariantList withoutSecrets(const Command &command, const QVariantList &values,
     }
     return {map};
 }
+
+ExitStatus printVolts(uint millivolts, bool asJson)
+{
+    const double volts = millivolts / 1000.0;
+    if (asJson)
+        printJson(volts);
+    else
+        print(QStringLiteral("%1 V\n").arg(volts, 0, 'f', 3));
+    return Success;
+}
 } // namespace
 
 ExitStatus runCall(const Command &command, const Invocation &invocation,
@@ -45,12 +55,16 @@ ExitStatus runCall(const Command &command, const Invocation &invocation,
         return tellOfNothing(command, invocation);
     const bool asJson = invocation.has("--json");
     QVariantList values = answer.values;
+    if (invocation.value("--unit") == QLatin1String("V"))
+        return printVolts(values.value(0).toUInt(), asJson);
     if (!invocation.has("--show-secrets"))
         values = withoutSecrets(command, values,
                                 asJson ? QVariant() : QStringLiteral("hidden (--show-secrets)"));
+    if (invocation.has("--field"))
+        return printField(command, invocation, values.value(0).toMap());
     if (asJson)
         printJson(replyJson(values));
     else
-        print(replyText(values));
+        print(replyText(values, command.unit));
     return Success;
 }

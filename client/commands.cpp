@@ -12,9 +12,9 @@ const QString config = QStringLiteral("/KyConfigMgr");
 const QString com = QStringLiteral("/KyComMgr");
 const QString device = QStringLiteral("/KyDeviceMgr");
 
-QString text(const char *latin1)
+QString text(const char *utf8)
 {
-    return QString::fromLatin1(latin1);
+    return QString::fromUtf8(utf8);
 }
 
 Argument argument(const char *name, Kind kind, const char *help)
@@ -157,12 +157,18 @@ QVector<Command> makeCommands()
                                    const char *help) {
         made.append({text(words), text(help), com, interface, text(name), {}, arguments, outcome});
     };
-    const auto tcpIp = [&method](const QByteArray &group, const QString &interface) {
-        method(group + " ipv4", com, interface, "getIPv4", {}, "IPv4 settings in use").nothing =
+    const auto fields = [&method](const char *words, const QString &path, const QString &interface,
+                                  const char *name, const char *help) -> Command & {
+        Command &command = method(words, path, interface, name, {}, help);
+        command.hasFields = true;
+        return command;
+    };
+    const auto tcpIp = [&method, &fields](const QByteArray &group, const QString &interface) {
+        fields(group + " ipv4", com, interface, "getIPv4", "IPv4 settings in use").nothing =
             text("not connected");
         method(group + " set-ipv4", com, interface, "setIPv4", {ipv4Settings()},
                "set the IPv4 settings for the next connection");
-        method(group + " hardware", com, interface, "getHardwareInfos", {},
+        fields(group + " hardware", com, interface, "getHardwareInfos",
                "name, hardware address and MTU of the interface")
             .nothing = text("there is no such network interface");
     };
@@ -184,9 +190,10 @@ QVector<Command> makeCommands()
                  {},
                  none});
     method("battery voltage", device, text("Alimentation"), "getBatteryVoltage", {},
-           "battery voltage as last read");
+           "battery voltage as last read")
+        .unit = text("mV");
 
-    method("led list", device, text("LED"), "getLEDStatus", {}, "what every LED shows").nothing =
+    fields("led list", device, text("LED"), "getLEDStatus", "what every LED shows").nothing =
         text("no LED answers");
     method("led set", device, text("LED"), "setLEDStatus",
            {choice("LED", leds, "LED to set"), choice("STATE", ledStates, "what it is to show")},
@@ -194,9 +201,10 @@ QVector<Command> makeCommands()
     method("led shutdown", device, text("LED"), "prepareForShutdown", {},
            "show the shutdown pattern on the power button");
 
-    method("temperature list", device, text("Temperature"), "getTemperatures", {},
-           "temperature of every sensor")
-        .nothing = text("no sensor answers");
+    Command &temperatures = fields("temperature list", device, text("Temperature"),
+                                   "getTemperatures", "temperature of every sensor");
+    temperatures.nothing = text("no sensor answers");
+    temperatures.unit = text("\u00b0C");
     method("temperature threshold", device, text("Temperature"), "setTemperatureThreshold",
            {choice("SENSOR", sensors, "sensor"),
             integer("VALUE", int32Minimum, int32Maximum, "temperature from which on to signal")},
@@ -212,7 +220,8 @@ QVector<Command> makeCommands()
     method("storage unmount", device, text("Storage"), "umount",
            {choice("DEVICE", storages, "storage device")}, "unmount a device");
 
-    method("backlight get", device, text("Backlight"), "getBacklight", {}, "backlight in percent");
+    method("backlight get", device, text("Backlight"), "getBacklight", {}, "backlight in percent")
+        .unit = text("%");
     method("backlight set", device, text("Backlight"), "setBacklight",
            {integer("PERCENT", 0, 100, "brightness")}, "set the backlight in percent");
     method("backlight enable", device, text("Backlight"), "enableBacklight",
@@ -223,15 +232,16 @@ QVector<Command> makeCommands()
            {argument("on|off", Kind::Switch, "automatic mode"), integer("STEP", 0, 13, "step")},
            "set the automatic mode and, without it, the step");
     method("brightness get", device, text("Brightness"), "getBrightness", {},
-           "ambient light in lux");
+           "ambient light in lux")
+        .unit = text("lux");
 
-    method("eeprom instrument", device, text("Version"), "getEepromInstrument", {},
+    fields("eeprom instrument", device, text("Version"), "getEepromInstrument",
            "instrument record, its passwords hidden")
         .secrets = QStringList{text("IrdInstrumentPassword"), text("IrdSessionPassword")};
     method("eeprom set-instrument", device, text("Version"), "setEepromInstrument",
            {settings(instrumentKeys(), "the whole record")}, "write the instrument record")
         .question = text("overwrite the instrument record in the EEPROM");
-    method("eeprom measure", device, text("Version"), "getEepromMesure", {}, "measure-card record");
+    fields("eeprom measure", device, text("Version"), "getEepromMesure", "measure-card record");
     method("eeprom set-measure", device, text("Version"), "setEepromMesure",
            {settings(measureKeys(), "the whole record")}, "write the measure-card record")
         .question = text("overwrite the measure-card record, with all adjustment coefficients, in "
@@ -239,10 +249,9 @@ QVector<Command> makeCommands()
     method("eeprom invalidate", device, text("Version"), "invalidateEepromsContent", {},
            "spoil the checksums of both records")
         .question = text("make both records in the EEPROMs invalid");
-    method("version revisions", device, text("Version"), "getRevision", {}, "hardware revisions")
+    fields("version revisions", device, text("Version"), "getRevision", "hardware revisions")
         .nothing = text("no revision can be read");
-    method("version software", device, text("Version"), "getSoftwareVersions", {},
-           "software versions");
+    fields("version software", device, text("Version"), "getSoftwareVersions", "software versions");
 
     method("watchdog keep-alive", device, text("Watchdog"), "keepAlive", {}, "feed the watchdog");
     method("module power", device, text("Network"), "redpinePower",
@@ -266,7 +275,8 @@ QVector<Command> makeCommands()
     operation("wifi disconnect", wifi, "disconnect", {}, idle, "leave and forget the network");
     operation("wifi scan", wifi, "scan", {}, networks, "list the networks in reach");
     Command &strength =
-        method("wifi strength", com, wifi, "getStrength", {}, "strength of the joined network");
+        fields("wifi strength", com, wifi, "getStrength", "strength of the joined network");
+    strength.unit = text("%");
     strength.nothing = text("no network is joined");
     strength.needsAddress = true;
     tcpIp("wifi", wifi);
@@ -283,12 +293,19 @@ Command ownCommand(const char *words, const QVector<Argument> &arguments, const 
 {
     return {text(words), text(help), {}, {}, {}, {}, arguments, {}};
 }
+
+Command statusCommand()
+{
+    Command made = ownCommand("status", {}, "the whole instrument on one screen");
+    made.hasFields = true;
+    return made;
+}
 } // namespace
 
 const QVector<Command> &ownCommands()
 {
     static const QVector<Command> table = {
-        ownCommand("status", {}, "the whole instrument on one screen"),
+        statusCommand(),
         ownCommand("monitor", {}, "every signal, a line each, until it is ended"),
         ownCommand("help",
                    {argument("[COMMAND]", Kind::Text, "a command, or the first of its words")},
@@ -302,6 +319,14 @@ const QVector<Option> &options()
     const QString none;
     static const QVector<Option> table = {
         {text("--json"), none, none, text("print values for machines"), Scope::Every},
+        {text("--field"), none, text("NAME"),
+         text("print one value of an answer, without its unit"), Scope::Fields},
+        {text("--unit"),
+         none,
+         text("UNIT"),
+         text("in which unit to print it, mV or V"),
+         Scope::Voltage,
+         {text("mV"), text("V")}},
         {text("--timeout"), none, text("SECONDS"),
          text("how long to wait for an answer, or for the outcome of a network operation"),
          Scope::Every},
@@ -313,6 +338,12 @@ const QVector<Option> &options()
         {text("--yes"), none, none, text("do not ask before something is destroyed"),
          Scope::Destructive},
         {text("--show-secrets"), none, none, text("show passwords, too"), Scope::Secret},
+        {text("--address"), none, text("ADDRESS"),
+         text("D-Bus address of the bus, in the place of the system bus"), Scope::Every},
+        {text("--host"), none, text("HOST"),
+         text("system bus of another machine, through ssh: HOST or USER@HOST"), Scope::Every},
+        {text("--verbose"), none, none, text("add the text of the bus to complaints"),
+         Scope::Every},
         {text("--help"), text("h"), none, text("print help and end"), Scope::Every},
         {text("--version"), none, none, text("print the version and end"), Scope::Every},
     };
@@ -376,6 +407,10 @@ bool belongsTo(const Option &option, const Command &command)
         return !command.question.isEmpty();
     case Scope::Secret:
         return !command.secrets.isEmpty();
+    case Scope::Fields:
+        return command.hasFields;
+    case Scope::Voltage:
+        return command.words == QLatin1String("battery voltage");
     default:
         return true;
     }

@@ -48,6 +48,8 @@ enum class Scope {
     WifiConnect, ///< wifi connect alone
     Destructive, ///< commands that ask before they destroy something
     Secret,      ///< commands whose answer holds secrets
+    Fields,      ///< commands whose answer has fields
+    Voltage,     ///< battery voltage alone
 };
 
 struct Option {
@@ -59,6 +61,8 @@ struct Option {
     QString value;
     QString help;
     Scope scope;
+    /** The values that there are; empty where there is no end of them. */
+    QStringList choices = {};
 
     /** Whether its value is a whole number from 1 on, of what it is called after. */
     bool isNumber() const { return value == QLatin1String("SECONDS"); }
@@ -94,6 +98,10 @@ struct Command {
     QString question = {};
     /** What an empty answer means; empty where an answer is never empty. */
     QString nothing = {};
+    /** Whether the answer is a map, of which one entry can be asked for. */
+    bool hasFields = false;
+    /** The unit of the numbers in the answer. */
+    QString unit = {};
     /** Whether the answer counts as empty as long as the interface has no address. */
     bool needsAddress = false;
     /** The keys of the answer whose values are shown only on request. */

@@ -4,7 +4,6 @@
 #include "terminal.h"
 
 #include <QCoreApplication>
-#include <QDBusConnection>
 #include <QDBusServiceWatcher>
 #include <QEventLoop>
 #include <QTimer>
@@ -19,7 +18,7 @@ Follower::Follower(const Command &command)
               SLOT(takeProperty(QDBusMessage)));
     subscribe(command.path, command.interface, QStringLiteral("servicesListChanged"), this,
               SLOT(takeNetworks(QDBusMessage)));
-    auto watcher = new QDBusServiceWatcher(daemonService, QDBusConnection::systemBus(),
+    auto watcher = new QDBusServiceWatcher(daemonService, bus(),
                                            QDBusServiceWatcher::WatchForUnregistration, this);
     QObject::connect(watcher, &QDBusServiceWatcher::serviceUnregistered, this, [this] {
         if (!m_hasEnded)

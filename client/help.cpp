@@ -178,9 +178,12 @@ QStringList completions(const QStringList &words)
         for (const Command &command : *table)
             candidates << candidatesAfter(before, command);
     }
-    if (begun.startsWith(QLatin1Char('-'))) {
-        for (const Option &option : options())
-            candidates << option.name;
+    const Option *option = words.size() > 1 ? findOption(words.at(words.size() - 2)) : nullptr;
+    if (option && !option->value.isEmpty()) {
+        candidates = option->choices;
+    } else if (begun.startsWith(QLatin1Char('-'))) {
+        for (const Option &each : options())
+            candidates << each.name;
     }
     candidates.removeDuplicates();
     QStringList fitting;

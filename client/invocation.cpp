@@ -1,5 +1,6 @@
 #include "invocation.h"
 
+#include "busaddress.h"
 #include "textrules.h"
 
 #include <QCommandLineParser>
@@ -75,9 +76,26 @@ Invocation::Invocation(const QStringList &words)
         if (m_complaint.isEmpty() && option.isNumber() && !isPositiveNumber(value))
             m_complaint = QStringLiteral("%1: '%2' is not a number of %3")
                               .arg(option.name, shown(value), option.value.toLower());
+        else if (m_complaint.isEmpty() && !option.choices.isEmpty() &&
+                 !option.choices.contains(value))
+            m_complaint =
+                QStringLiteral("%1: '%2' is not one of %3")
+                    .arg(option.name, shown(value), option.choices.join(QStringLiteral(", ")));
         else if (m_complaint.isEmpty() && !option.value.isEmpty() && value.isEmpty())
             m_complaint = QStringLiteral("%1: %2 is empty").arg(option.name, option.value);
     }
+    if (m_complaint.isEmpty())
+        m_complaint = checkedHost();
+}
+
+QString Invocation::checkedHost() const
+{
+    const QString host = value("--host");
+    if (!has("--host") || isHostName(host))
+        return has("--host") && has("--address")
+                   ? QStringLiteral("--host and --address exclude each other")
+                   : QString();
+    return QStringLiteral("--host: '%1' is not the name of a machine").arg(shown(host));
 }
 
 QString Invocation::misplaced(const Command &command) const

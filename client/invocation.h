@@ -33,6 +33,8 @@ public:
     int number(const char *option) const;
 
 private:
+    QString checkedHost() const;
+
     QString m_complaint;
     QStringList m_words;
     /** By the option's name, with its dashes. */

@@ -43,7 +43,7 @@ int runOwnCommand(const Command &command, const Invocation &invocation, const QS
         return fail(command, BadUsage, complaint);
     if (invocation.has("--timeout"))
         setCallTimeout(invocation.number("--timeout"));
-    return command.words == QLatin1String("status") ? showStatus(invocation.has("--json"))
+    return command.words == QLatin1String("status") ? showStatus(command, invocation)
                                                     : Monitor(invocation.has("--json")).run();
 }
 
@@ -92,6 +92,12 @@ int run(const QStringList &arguments)
         complain(QStringLiteral("no command is given; 'kyboardctl help' lists them"));
         return BadUsage;
     }
+    if (invocation.has("--verbose"))
+        showDetails();
+    if (invocation.has("--address"))
+        selectBus(invocation.value("--address"));
+    if (invocation.has("--host"))
+        selectHost(invocation.value("--host"));
     int used = 0;
     const Command *command = findCommand(words, &used);
     if (!command) {
@@ -101,6 +107,18 @@ int run(const QStringList &arguments)
     return command->interface.isEmpty() ? runOwnCommand(*command, invocation, words.mid(used))
                                         : runCommand(*command, invocation, words.mid(used));
 }
+
+/** What is given is UTF-8, as all that is printed, whatever a shell without a locale says. */
+bool readArguments(int count, char *words[], QStringList &arguments)
+{
+    for (int index = 1; index < count; ++index) {
+        const QByteArray bytes(words[index]);
+        arguments << QString::fromUtf8(bytes);
+        if (arguments.last().toUtf8() != bytes)
+            return false;
+    }
+    return true;
+}
 } // namespace
 
 int main(int argc, char *argv[])
@@ -108,7 +126,12 @@ int main(int argc, char *argv[])
     QCoreApplication application(argc, argv);
     QCoreApplication::setApplicationName(QStringLiteral("kyboardctl"));
     QCoreApplication::setApplicationVersion(QStringLiteral(KYBOARDMANAGER_VERSION));
-    const int status = run(QCoreApplication::arguments().mid(1));
+    QStringList arguments;
+    if (!readArguments(argc, argv, arguments)) {
+        complain(QStringLiteral("an argument is not UTF-8"));
+        return BadUsage;
+    }
+    const int status = run(arguments);
     if (status != Success || isAllPrinted())
         return status;
     complain(QStringLiteral("standard output cannot be written"));

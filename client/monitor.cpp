@@ -7,7 +7,6 @@
 #include "terminal.h"
 
 #include <QCoreApplication>
-#include <QDBusConnection>
 #include <QDBusServiceWatcher>
 #include <QDateTime>
 #include <QJsonArray>
@@ -24,7 +23,7 @@ Monitor::Monitor(bool asJson) : m_asJson(asJson)
         subscribed.insert(command.interface);
         subscribe(command.path, command.interface, QString(), this, SLOT(take(QDBusMessage)));
     }
-    auto watcher = new QDBusServiceWatcher(daemonService, QDBusConnection::systemBus(),
+    auto watcher = new QDBusServiceWatcher(daemonService, bus(),
                                            QDBusServiceWatcher::WatchForOwnerChange, this);
     QObject::connect(watcher, &QDBusServiceWatcher::serviceRegistered, this,
                      [this] { printLine(QStringLiteral("daemon"), QStringLiteral("came"), {}); });
@@ -34,12 +33,13 @@ Monitor::Monitor(bool asJson) : m_asJson(asJson)
 
 int Monitor::run()
 {
-    if (!QDBusConnection::systemBus().isConnected()) {
-        complain(QStringLiteral("the system bus cannot be reached"));
+    const Answer found = findDaemon();
+    if (!bus().isConnected()) {
+        complain(found.complaint, found.detail());
         return DaemonAway;
     }
     printLine(QStringLiteral("daemon"),
-              isDaemonThere() ? QStringLiteral("there") : QStringLiteral("away"), {});
+              found.isGood() ? QStringLiteral("there") : QStringLiteral("away"), {});
     return QCoreApplication::exec();
 }
 

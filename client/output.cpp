@@ -1,6 +1,8 @@
 #include "output.h"
 
+#include "present.h"
 #include "terminal.h"
+#include "textrules.h"
 
 #include <QJsonArray>
 #include <QJsonDocument>
@@ -26,9 +28,26 @@ ExitStatus fail(const Command &command, ExitStatus status, const QString &compla
 ExitStatus fail(const Command &command, const Answer &answer)
 {
     if (answer.status == OutcomeMissing)
-        return fail(command, answer.status, answer.complaint());
-    complain(answer.complaint());
+        return fail(command, answer.status, answer.complaint);
+    complain(answer.complaint, answer.detail());
     return answer.status;
+}
+
+ExitStatus printField(const Command &command, const Invocation &invocation, const QVariantMap &map)
+{
+    const QString field = invocation.value("--field");
+    if (!map.contains(field)) {
+        if (invocation.has("--json"))
+            printJson(QJsonValue());
+        return fail(command, NothingThere,
+                    QStringLiteral("there is no field '%1' among %2")
+                        .arg(shown(field), map.keys().join(QStringLiteral(", "))));
+    }
+    if (invocation.has("--json"))
+        printJson(toJson(map.value(field)));
+    else
+        print(replyText({map.value(field)}));
+    return Success;
 }
 
 ExitStatus tellOfNothing(const Command &command, const Invocation &invocation)

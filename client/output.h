@@ -20,6 +20,9 @@ ExitStatus fail(const Command &command, ExitStatus status, const QString &compla
 /** Complains of what went wrong with a call for @p command; gives its status. */
 ExitStatus fail(const Command &command, const Answer &answer);
 
+/** Prints the one entry of @p map that --field names. */
+ExitStatus printField(const Command &command, const Invocation &invocation, const QVariantMap &map);
+
 /** Tells, for machines by null, that there is nothing to tell. */
 ExitStatus tellOfNothing(const Command &command, const Invocation &invocation);
 

@@ -20,20 +20,24 @@ QString bytesText(const QByteArray &bytes)
 }
 } // namespace
 
-QString inlineText(const QVariant &value)
+QString inlineText(const QVariant &value, const QString &unit)
 {
     switch (value.userType()) {
+    case QMetaType::Int:
+    case QMetaType::UInt:
+    case QMetaType::Double:
+        return (value.toString() + QLatin1Char(' ') + unit).trimmed();
     case QMetaType::QByteArray:
         return bytesText(value.toByteArray());
     case QMetaType::UChar:
-        return QString::number(value.toUInt());
+        return inlineText(value.toUInt(), unit);
     case QMetaType::Bool:
         return value.toBool() ? QStringLiteral("yes") : QStringLiteral("no");
     case QMetaType::QVariantMap: {
         QStringList entries;
         const QVariantMap map = value.toMap();
         for (auto entry = map.constBegin(); entry != map.constEnd(); ++entry)
-            entries << entry.key() + QLatin1Char('=') + inlineText(entry.value());
+            entries << entry.key() + QLatin1Char('=') + inlineText(entry.value(), unit);
         return entries.join(QStringLiteral(", "));
     }
     default:
@@ -43,22 +47,22 @@ QString inlineText(const QVariant &value)
         const QVariantList elements = value.value<QVariantList>();
         QStringList texts;
         for (const QVariant &element : elements)
-            texts << inlineText(element);
+            texts << inlineText(element, unit);
         return texts.join(QStringLiteral(", "));
     }
     return value.toString();
 }
 
-QString replyText(const QVariantList &values)
+QString replyText(const QVariantList &values, const QString &unit)
 {
     if (values.isEmpty())
         return QString();
     if (values.first().userType() != QMetaType::QVariantMap)
-        return inlineText(values.first()) + QLatin1Char('\n');
+        return inlineText(values.first(), unit) + QLatin1Char('\n');
     Lines lines;
     const QVariantMap map = values.first().toMap();
     for (auto entry = map.constBegin(); entry != map.constEnd(); ++entry)
-        lines.add(entry.key(), inlineText(entry.value()));
+        lines.add(entry.key(), inlineText(entry.value(), unit));
     return lines.text();
 }
 

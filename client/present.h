@@ -9,11 +9,14 @@
  * Values of the bus for people and for machines. They have been made plain before: see busvalue.h.
  */
 
-/** A value on one line: lists with commas, bytes as text where they are, else hexadecimal. */
-QString inlineText(const QVariant &value);
+/**
+ * A value on one line: lists with commas, bytes as text where they are, else hexadecimal; every
+ * number with @p unit behind it.
+ */
+QString inlineText(const QVariant &value, const QString &unit = QString());
 
 /** A reply for people: a map as aligned lines, anything else on one line; empty for no value. */
-QString replyText(const QVariantList &values);
+QString replyText(const QVariantList &values, const QString &unit = QString());
 
 /** The value for machines: bytes as one character each, numbers as numbers. */
 QJsonValue toJson(const QVariant &value);

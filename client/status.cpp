@@ -1,11 +1,9 @@
 #include "status.h"
 
-#include "bus.h"
+#include "output.h"
 #include "present.h"
 #include "terminal.h"
 
-#include <QJsonDocument>
-#include <QJsonObject>
 #include <QStringList>
 
 namespace
@@ -13,7 +11,7 @@ namespace
 const QString accessDenied = QStringLiteral("org.freedesktop.DBus.Error.AccessDenied");
 
 /** LEDs that are off are the usual thing: only the others are worth a place on the screen. */
-QString ledText(const QVariant &value)
+QString ledText(const QVariant &value, const QString &)
 {
     QStringList lit;
     const QVariantMap leds = value.toMap();
@@ -24,24 +22,14 @@ QString ledText(const QVariant &value)
     return lit.isEmpty() ? QStringLiteral("all off") : lit.join(QStringLiteral(", "));
 }
 
-QString percentText(const QVariant &value)
-{
-    return inlineText(value) + QStringLiteral(" %");
-}
-
-QString luxText(const QVariant &value)
-{
-    return inlineText(value) + QStringLiteral(" lux");
-}
-
-QString strengthText(const QVariant &value)
+QString strengthText(const QVariant &value, const QString &unit)
 {
     const QVariantMap strength = value.toMap();
-    return strength.isEmpty() ? QStringLiteral("none") : percentText(strength.first());
+    return strength.isEmpty() ? QStringLiteral("none") : inlineText(strength.first(), unit);
 }
 
 /** An interface has an address exactly as long as it is connected. */
-QString ipv4Text(const QVariant &value)
+QString ipv4Text(const QVariant &value, const QString &)
 {
     const QVariantMap ipv4 = value.toMap();
     QStringList texts{inlineText(ipv4.value(QStringLiteral("Address")))};
@@ -56,7 +44,7 @@ QString ipv4Text(const QVariant &value)
                                          inlineText(ipv4.value(QStringLiteral("Method"))));
 }
 
-QString interfaceText(const QVariant &value)
+QString interfaceText(const QVariant &value, const QString &)
 {
     const QVariantMap interface = value.toMap();
     if (interface.isEmpty())
@@ -68,14 +56,14 @@ QString interfaceText(const QVariant &value)
 }
 
 /** Its interface is there only while the module is an access point. */
-QString accessPointText(const QVariant &value)
+QString accessPointText(const QVariant &value, const QString &unit)
 {
-    return value.toMap().isEmpty() ? QStringLiteral("off") : interfaceText(value);
+    return value.toMap().isEmpty() ? QStringLiteral("off") : interfaceText(value, unit);
 }
 
-QString mapText(const QVariant &value)
+QString mapText(const QVariant &value, const QString &unit)
 {
-    return value.toMap().isEmpty() ? QStringLiteral("none") : inlineText(value);
+    return value.toMap().isEmpty() ? QStringLiteral("none") : inlineText(value, unit);
 }
 
 /** One line of the screen: what is asked, the name under which it is shown, and how. */
@@ -87,39 +75,47 @@ struct Question {
     const char *method; ///< null: the property of the next column
     const char *property;
     const char *argument; ///< null: none
-    QString (*text)(const QVariant &value);
+    QString (*text)(const QVariant &value, const QString &unit);
+    const char *unit;
 };
 
 const char config[] = "/KyConfigMgr";
 const char com[] = "/KyComMgr";
 const char device[] = "/KyDeviceMgr";
 
+/** A question without an argument. */
+constexpr Question asks(const char *title, const char *key, const char *path, const char *interface,
+                        const char *method,
+                        QString (*text)(const QVariant &value, const QString &unit),
+                        const char *unit = "")
+{
+    return {title, key, path, interface, method, nullptr, nullptr, text, unit};
+}
+
 const Question questions[] = {
-    {"Profile", "profile", config, "Users", "getUser", nullptr, nullptr, inlineText},
-    {"Battery", "battery", device, "Alimentation", nullptr, "batteryStatus", nullptr, inlineText},
-    {"Battery voltage", "batteryVoltage", device, "Alimentation", "getBatteryVoltage", nullptr,
-     nullptr, inlineText},
-    {"LEDs", "leds", device, "LED", "getLEDStatus", nullptr, nullptr, ledText},
-    {"Temperatures", "temperatures", device, "Temperature", "getTemperatures", nullptr, nullptr,
-     mapText},
-    {"SD card mounted", "sdMounted", device, "Storage", "isMounted", nullptr, "SD", inlineText},
-    {"USB key mounted", "usbMounted", device, "Storage", "isMounted", nullptr, "USB", inlineText},
-    {"Backlight", "backlight", device, "Backlight", "getBacklight", nullptr, nullptr, percentText},
-    {"Backlight step", "backlightStep", device, "Backlight", "getBacklightStep", nullptr, nullptr,
-     inlineText},
-    {"Ambient light", "brightness", device, "Brightness", "getBrightness", nullptr, nullptr,
-     luxText},
-    {"Ethernet", "ethernet", com, "Ethernet", "getIPv4", nullptr, nullptr, ipv4Text},
-    {"Ethernet hardware", "ethernetHardware", com, "Ethernet", "getHardwareInfos", nullptr, nullptr,
-     interfaceText},
-    {"Wi-Fi", "wifi", com, "WIFI", "getIPv4", nullptr, nullptr, ipv4Text},
-    {"Wi-Fi hardware", "wifiHardware", com, "WIFI", "getHardwareInfos", nullptr, nullptr,
-     interfaceText},
-    {"Wi-Fi strength", "wifiStrength", com, "WIFI", "getStrength", nullptr, nullptr, strengthText},
-    {"Access point", "accessPointHardware", com, "WIFIAP", "getHardwareInfos", nullptr, nullptr,
-     accessPointText},
-    {"Software", "software", device, "Version", "getSoftwareVersions", nullptr, nullptr, mapText},
-    {"Revisions", "revisions", device, "Version", "getRevision", nullptr, nullptr, mapText},
+    asks("Profile", "profile", config, "Users", "getUser", inlineText),
+    {"Battery", "battery", device, "Alimentation", nullptr, "batteryStatus", nullptr, inlineText,
+     ""},
+    asks("Battery voltage", "batteryVoltage", device, "Alimentation", "getBatteryVoltage",
+         inlineText, "mV"),
+    asks("LEDs", "leds", device, "LED", "getLEDStatus", ledText),
+    asks("Temperatures", "temperatures", device, "Temperature", "getTemperatures", mapText,
+         "\u00b0C"),
+    {"SD card mounted", "sdMounted", device, "Storage", "isMounted", nullptr, "SD", inlineText, ""},
+    {"USB key mounted", "usbMounted", device, "Storage", "isMounted", nullptr, "USB", inlineText,
+     ""},
+    asks("Backlight", "backlight", device, "Backlight", "getBacklight", inlineText, "%"),
+    asks("Backlight step", "backlightStep", device, "Backlight", "getBacklightStep", inlineText),
+    asks("Ambient light", "brightness", device, "Brightness", "getBrightness", inlineText, "lux"),
+    asks("Ethernet", "ethernet", com, "Ethernet", "getIPv4", ipv4Text),
+    asks("Ethernet hardware", "ethernetHardware", com, "Ethernet", "getHardwareInfos",
+         interfaceText),
+    asks("Wi-Fi", "wifi", com, "WIFI", "getIPv4", ipv4Text),
+    asks("Wi-Fi hardware", "wifiHardware", com, "WIFI", "getHardwareInfos", interfaceText),
+    asks("Wi-Fi strength", "wifiStrength", com, "WIFI", "getStrength", strengthText, "%"),
+    asks("Access point", "accessPointHardware", com, "WIFIAP", "getHardwareInfos", accessPointText),
+    asks("Software", "software", device, "Version", "getSoftwareVersions", mapText),
+    asks("Revisions", "revisions", device, "Version", "getRevision", mapText),
 };
 
 Answer ask(const Question &question)
@@ -136,29 +132,31 @@ Answer ask(const Question &question)
 
 QString answerText(const Question &question, const Answer &answer)
 {
-    return answer.isGood() ? question.text(answer.values.value(0))
-                           : QStringLiteral("not available: ") + answer.complaint();
+    return answer.isGood() ? question.text(answer.values.value(0), QString::fromUtf8(question.unit))
+                           : QStringLiteral("not available: ") + answer.complaint;
 }
+
 bool isConnected(const Answer &ipv4)
 {
     return !ipv4.values.value(0).toMap().value(QStringLiteral("Address")).toString().isEmpty();
 }
 } // namespace
 
-int showStatus(bool asJson)
+ExitStatus showStatus(const Command &command, const Invocation &invocation)
 {
-    if (!isDaemonThere()) {
-        complain(Answer{DaemonAway, {}, {}, {}}.complaint());
-        return DaemonAway;
+    const Answer found = findDaemon();
+    if (!found.isGood()) {
+        complain(found.complaint, found.detail());
+        return found.status;
     }
     Lines lines;
-    QJsonObject object;
+    QVariantMap values;
     bool isJoined = false;
     for (const Question &question : questions) {
         Answer answer = ask(question);
         // Who may not ask one thing may ask nothing.
         if (answer.status == DaemonAway || answer.errorName == accessDenied) {
-            complain(answer.complaint());
+            complain(answer.complaint, answer.detail());
             return answer.status;
         }
         // A model without a screen has no backlight and no light sensor, which is no failure.
@@ -170,9 +168,13 @@ int showStatus(bool asJson)
         if (question.text == ipv4Text)
             isJoined = isConnected(answer);
         lines.add(QString::fromLatin1(question.title), answerText(question, answer));
-        object.insert(QString::fromLatin1(question.key),
-                      answer.isGood() ? replyJson(answer.values) : QJsonValue());
+        values.insert(QString::fromLatin1(question.key), answer.values.value(0));
     }
-    print(asJson ? QString::fromUtf8(QJsonDocument(object).toJson()) : lines.text());
+    if (invocation.has("--field"))
+        return printField(command, invocation, values);
+    if (invocation.has("--json"))
+        printJson(toJson(values));
+    else
+        print(lines.text());
     return Success;
 }

@@ -22,6 +22,8 @@ bool readLine(QByteArray &line)
     }
 }
 
+bool areDetailsWanted = false;
+
 termios shown = {};
 
 /** Whoever ends the program at the prompt keeps a terminal that shows what is typed. */
@@ -77,10 +79,17 @@ bool isAllPrinted()
     return std::ferror(stdout) == 0;
 }
 
-void complain(const QString &text)
+void showDetails()
+{
+    areDetailsWanted = true;
+}
+
+void complain(const QString &text, const QString &detail)
 {
     clearProgress();
     write(stderr, QStringLiteral("kyboardctl: ") + text + QLatin1Char('\n'));
+    if (areDetailsWanted && !detail.isEmpty())
+        write(stderr, QStringLiteral("kyboardctl: ") + detail + QLatin1Char('\n'));
 }
 
 void showProgress(const QString &text)

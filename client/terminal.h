@@ -9,8 +9,11 @@ void print(const QString &text);
 /** Whether all that was printed has been written. */
 bool isAllPrinted();
 
-/** Writes "kyboardctl: " and @p text, a line, to standard error. */
-void complain(const QString &text);
+/** Has complaints come with their details from now on. */
+void showDetails();
+
+/** Writes "kyboardctl: " and @p text, a line, to standard error, and @p detail if it is wanted. */
+void complain(const QString &text, const QString &detail = QString());
 
 /** Shows @p text in place of the last progress line, where standard error is a terminal. */
 void showProgress(const QString &text);

@@ -1,3 +1,5 @@
+#include "busaddress.h"
+#include "busfault.h"
 #include "choices.h"
 #include "commandline.h"
 #include "commands.h"
@@ -42,6 +44,25 @@ void requireSound(const QVariantList &arguments)
             "the record is whole");
 }
 
+/** What is made of the name of a machine, and of errors whose texts another process makes. */
+void tryBus(Choices &choices)
+{
+    const QString host = QString::fromStdString(choices.text());
+    const QString address = addressOfHost(host);
+    require(address.count(QLatin1Char(',')) == 4 && address.count(QLatin1Char('=')) == 5 &&
+                !address.contains(QLatin1Char(';')),
+            "the name of a machine adds nothing to an address");
+    require(!isHostName(host) || !host.startsWith(QLatin1Char('-')), "a machine is no option");
+    const BusFault fault = {QStringLiteral("the bus"),
+                            host,
+                            choices.oneIn(2),
+                            host,
+                            choices.oneIn(2),
+                            QString::fromStdString(choices.text()),
+                            host};
+    require(!sentence(fault).isEmpty(), "every fault has a sentence");
+}
+
 bool readSecret(const QString &prompt, QString &secret)
 {
     secret = prompt;
@@ -70,6 +91,9 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t *data, std::size_t size
     // It writes everything there is, nearly always.
     if (choices.oneIn(20))
         helpText(words);
+
+    if (choices.oneIn(10))
+        tryBus(choices);
 
     const Invocation invocation(command.words.split(QLatin1Char(' ')) + words);
     require(isFreeOfControls(invocation.complaint()), "a complaint is one line");

@@ -313,8 +313,10 @@ void TestKyboardctlCommandLine::helpNamesEveryCommand()
     QCOMPARE(helpText({"lights"}), QString());
     QVERIFY(helpText({"wifi", "connect"}).contains("    --open "));
     QVERIFY(helpText({"wifi", "scan"}).contains("    --no-wait  "));
+    QVERIFY(helpText({"battery", "voltage"}).contains("    --unit UNIT  in which unit"));
+    QVERIFY(helpText().contains("  --unit UNIT        battery voltage: in which unit"));
     QVERIFY(!helpText({"wifi", "scan"}).contains("--open"));
-    QVERIFY(!helpText({"led"}).contains("--"));
+    QVERIFY(!helpText({"led", "set"}).contains("--"));
     QVERIFY(helpText({"eeprom", "set-measure"}).contains("296 numbers, separated by commas"));
 }
 
@@ -352,6 +354,10 @@ void TestKyboardctlCommandLine::completionKnowsWhatMayFollow_data()
     QTest::newRow("behind an option") << QStringList{"--json", "wifi", "sc"} << QStringList{"scan"};
     QTest::newRow("behind an option's value")
         << QStringList{"--timeout", "5", "ap", "sta"} << QStringList{"start"};
+    QTest::newRow("option's value")
+        << QStringList{"battery", "voltage", "--unit", ""} << QStringList{"mV", "V"};
+    QTest::newRow("option's unknown value")
+        << QStringList{"battery", "--timeout", ""} << QStringList();
     QTest::newRow("help") << QStringList{"help", "wifi", "sc"} << QStringList{"scan"};
     QTest::newRow("nothing") << QStringList{"user", "get", ""} << QStringList();
 }

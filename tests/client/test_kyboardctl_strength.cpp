@@ -19,7 +19,7 @@ void TestKyboardctlStrength::theNetworkThatIsJoinedHasAStrength()
     connman.storeProperty(lab, "IPv4", address);
     connman.storeProperty(lab, "Strength", QVariant::fromValue(uchar(61)));
     const ClientResult strength = runClient({"wifi", "strength"});
-    QCOMPARE(strength.output, QStringLiteral("Strength  61\n"));
+    QCOMPARE(strength.output, QStringLiteral("Strength  61 %\n"));
     QCOMPARE(strength.status, 0);
     QVERIFY(runClient({"status"}).output.contains("\nWi-Fi strength     61 %\n"));
 }

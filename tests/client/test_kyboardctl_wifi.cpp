@@ -137,7 +137,7 @@ void TestKyboardctlWifi::anOpenNetworkIsJoined()
     QCOMPARE(QJsonDocument::fromJson(result.output.toUtf8()).array(),
              (QJsonArray{"association", "configuration", "online"}));
     QVERIFY(run({"wifi", "ipv4"}).output.startsWith("Address  10.78.0."));
-    QCOMPARE(run({"wifi", "strength"}).output, QStringLiteral("Strength  65\n"));
+    QCOMPARE(run({"wifi", "strength"}).output, QStringLiteral("Strength  65 %\n"));
     const QString status = run({"status"}).output;
     QVERIFY2(QRegularExpression("\nWi-Fi +10\\.78\\.0\\.\\d+, netmask 255\\.255\\.255\\.0"
                                 ".* \\(dhcp\\)\n")
