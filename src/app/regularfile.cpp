@@ -1,5 +1,7 @@
 #include "regularfile.h"
 
+#include "trustedpath.h"
+
 #include <QFile>
 
 #include <fcntl.h>
@@ -18,13 +20,14 @@ bool isRegular(int descriptor)
 
 int openRegularFile(const char *path, int flags, mode_t mode)
 {
-    const int descriptor = open(
-        path, O_WRONLY | O_CREAT | O_NOFOLLOW | O_NONBLOCK | O_CLOEXEC | (flags & ~O_TRUNC), mode);
-    if (descriptor < 0)
-        return -1;
-    if (isRegular(descriptor) && (!(flags & O_TRUNC) || ftruncate(descriptor, 0) == 0))
-        return descriptor;
-    close(descriptor);
+    const QByteArray whole(path);
+    const int end = whole.lastIndexOf('/') + 1;
+    const Descriptor directory = openTrusted(AT_FDCWD, whole.left(end), O_PATH | O_DIRECTORY);
+    const int how = O_WRONLY | O_CREAT | O_NOFOLLOW | O_NONBLOCK | O_CLOEXEC | (flags & ~O_TRUNC);
+    Descriptor file(openat(directory.get(), whole.mid(end).constData(), how, mode));
+    if (file.isOpen() && isRegular(file.get()) &&
+        (!(flags & O_TRUNC) || ftruncate(file.get(), 0) == 0))
+        return file.release();
     return -1;
 }
 

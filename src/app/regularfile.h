@@ -11,8 +11,9 @@ class QString;
 /**
  * Opens the regular file @p path for writing, making it where it is missing.
  *
- * For files in folders to which others may write: a link in the last place of the path is not
- * followed, and nothing else that is planted there (a fifo, a device) is written to or waited for.
+ * For files in directories to which others may write: a link in the last place of the path is not
+ * followed, nor one before it that must not be (see trustedpath.h), and nothing else that is
+ * planted there (a FIFO, a device) is written to or waited for.
  *
  * @param flags open flags besides those for writing and making the file; O_TRUNC takes effect only
  *        where the file turns out to be a regular one

@@ -4,6 +4,7 @@
 
 #include <sys/mount.h>
 #include <sys/stat.h>
+#include <unistd.h>
 
 using Texts = QMap<QString, QString>;
 Q_DECLARE_METATYPE(Texts)
@@ -34,6 +35,7 @@ private Q_SLOTS:
 
 private:
     QString start(const QVariantMap &parameters);
+    static void plantElsewhere();
     static QByteArray written() { return readFile("/tmp/User_part/hostapd.conf"); }
 
     const QVariantMap lab = {{"Channel", 6},
@@ -194,7 +196,8 @@ void TestWifiApConfiguration::aTemplateThatCannotBeReadKeepsTheEarlierConfigurat
 void TestWifiApConfiguration::aConfigurationThatCannotBeWrittenFails_data()
 {
     QTest::addColumn<QString>("kind");
-    for (const char *kind : {"no folder", "folder", "link", "fifo"})
+    for (const char *kind :
+         {"no folder", "folder", "link", "fifo", "stranger's link to its folder"})
         QTest::newRow(kind) << kind;
 }
 
@@ -211,6 +214,8 @@ void TestWifiApConfiguration::aConfigurationThatCannotBeWrittenFails()
         QVERIFY(QDir().mkdir(path));
     else if (kind == "link")
         QVERIFY(QFile::link(precious, path));
+    else if (kind != "fifo")
+        plantElsewhere();
     else
         QCOMPARE(mkfifo(qPrintable(path), 0666), 0);
 
@@ -219,6 +224,18 @@ void TestWifiApConfiguration::aConfigurationThatCannotBeWrittenFails()
     QCOMPARE(announced(), failing);
     QCOMPARE(script.log(), QStringList());
     QCOMPARE(readFile(precious), QByteArray("kept"));
+    QCOMPARE(snapshot("/opt/victim"), QStringList());
+}
+
+/** Has a stranger's link lead elsewhere in the place of the configuration's directory. */
+void TestWifiApConfiguration::plantElsewhere()
+{
+    const char *const profiles = "/tmp/User_part";
+    const uid_t stranger = 61186;
+    removePath(profiles);
+    QVERIFY(QDir().mkpath("/opt/victim"));
+    QVERIFY(QFile::link("/opt/victim", profiles));
+    QCOMPARE(lchown(profiles, stranger, stranger), 0);
 }
 
 void TestWifiApConfiguration::aDiskThatIsFullFails()
