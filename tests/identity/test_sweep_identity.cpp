@@ -13,6 +13,8 @@ class TestSweepIdentity : public DaemonTest
     Q_OBJECT
 
 private Q_SLOTS:
+    void initTestCase() { QVERIFY(letDescriptorsThrough()); }
+
     void wrongSignaturesAreRefused_data();
     void wrongSignaturesAreRefused();
     void unknownMethodsAreRefused();

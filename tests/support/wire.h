@@ -41,4 +41,10 @@ private:
     DBusConnection *m_connection;
 };
 
+/**
+ * From now on the bus lets file descriptors through to the daemon, as it would without the policy
+ * that comes with the daemon. False when the bus does not take the rule.
+ */
+bool letDescriptorsThrough();
+
 #endif
