@@ -1,10 +1,13 @@
 #include "busvalue.h"
 #include "instrumentrecord.h"
+#include "keptrecord.h"
 #include "measurerecord.h"
 #include "peer.h"
 #include "require.h"
 
 #include <QDBusArgument>
+
+#include <climits>
 
 namespace
 {
@@ -39,9 +42,26 @@ const char *const instrumentKeys[] = {
 const char *const measureKeys[] = {"AdjustementSite", "AdjustementDate", "NextAdjustementDate",
                                    "AdjustementCoefficients"};
 
+void checkKept(const QVariantMap &map, const QVariantMap &fields)
+{
+    const QVariantMap kept = keptRecord(map, fields);
+    require(Peer::instance().canSend({kept}), "what is kept can be sent");
+    require(!kept.contains(QStringLiteral("CRC")), "the caller's CRC is not kept");
+    const QVariantMap whole = withoutDescriptors(map);
+    int surplus = 0;
+    for (auto entry = whole.constBegin(); entry != whole.constEnd(); ++entry) {
+        if (fields.contains(entry.key()))
+            require(kept.contains(entry.key()), "every field is kept");
+        else if (kept.contains(entry.key()))
+            surplus += entry.key().toUtf8().size() + sizeOnBus(entry.value(), INT_MAX);
+    }
+    require(surplus <= mostSurplus, "surplus entries are limited in all");
+}
+
 void checkInstrument(const QVariantMap &map)
 {
     const QVariantMap fields = instrumentFields(map);
+    checkKept(map, fields);
     if (fields.isEmpty())
         return;
     const QByteArray record = encodeInstrumentRecord(basicMap(fields));
@@ -54,6 +74,7 @@ void checkInstrument(const QVariantMap &map)
 void checkMeasure(const QVariantMap &map)
 {
     const QVariantMap fields = measureFields(map);
+    checkKept(map, fields);
     if (fields.isEmpty())
         return;
     const QVector<quint32> coefficients =

@@ -272,6 +272,7 @@ QVector<quint32> toNumbers(const QVariant &value)
     QVector<quint32> numbers;
     if (value.userType() == QMetaType::QByteArray) {
         const QByteArray bytes = value.toByteArray();
+        numbers.reserve(bytes.size());
         for (const char byte : bytes)
             numbers << static_cast<uchar>(byte);
     } else if (value.userType() == QMetaType::QStringList) {
@@ -290,4 +291,88 @@ QVariantMap withoutDescriptors(const QVariantMap &map)
             kept.insert(key, value);
     });
     return kept;
+}
+
+QVariant detachedValue(const QVariant &value)
+{
+    if (value.userType() == qMetaTypeId<QDBusVariant>())
+        return QVariant::fromValue(
+            QDBusVariant(detachedValue(value.value<QDBusVariant>().variant())));
+    if (value.userType() != qMetaTypeId<QDBusArgument>())
+        return value;
+    QDBusArgument copy;
+    copy.appendVariant(value);
+    return QVariant::fromValue(copy);
+}
+
+namespace
+{
+const int numberSize = 8;
+
+int sizeOfElements(const QDBusArgument &argument, int enough)
+{
+    int size = 0;
+    while (size < enough && !argument.atEnd())
+        size += sizeOnBus(argument.asVariant(), enough - size);
+    return size;
+}
+
+int sizeOfEntries(const QDBusArgument &argument, int enough)
+{
+    int size = 0;
+    while (size < enough && !argument.atEnd()) {
+        argument.beginMapEntry();
+        size += sizeOfElements(argument, enough - size);
+        argument.endMapEntry();
+    }
+    return size;
+}
+
+int sizeOfCompound(const QDBusArgument &argument, int enough)
+{
+    int size = 0;
+    switch (argument.currentType()) {
+    case QDBusArgument::ArrayType:
+        argument.beginArray();
+        size = sizeOfElements(argument, enough);
+        argument.endArray();
+        break;
+    case QDBusArgument::MapType:
+        argument.beginMap();
+        size = sizeOfEntries(argument, enough);
+        argument.endMap();
+        break;
+    case QDBusArgument::StructureType:
+        argument.beginStructure();
+        size = sizeOfElements(argument, enough);
+        argument.endStructure();
+        break;
+    default:
+        break;
+    }
+    return numberSize + size;
+}
+} // namespace
+
+int sizeOnBus(const QVariant &value, int enough)
+{
+    if (value.userType() == qMetaTypeId<QDBusVariant>())
+        return sizeOnBus(value.value<QDBusVariant>().variant(), enough);
+    if (value.userType() == qMetaTypeId<QDBusArgument>())
+        return sizeOfCompound(value.value<QDBusArgument>(), enough);
+    if (value.userType() == QMetaType::QByteArray)
+        return numberSize + value.toByteArray().size();
+    if (value.userType() == QMetaType::QString)
+        return numberSize + value.toString().toUtf8().size();
+    if (value.userType() == qMetaTypeId<QDBusObjectPath>())
+        return numberSize + value.value<QDBusObjectPath>().path().size();
+    if (value.userType() == qMetaTypeId<QDBusSignature>())
+        return numberSize + value.value<QDBusSignature>().signature().size();
+    int size = numberSize;
+    if (value.userType() == QMetaType::QStringList) {
+        const QStringList texts = value.toStringList();
+        for (const QString &text : texts)
+            size += sizeOnBus(text, enough);
+    }
+    return size;
 }

@@ -64,4 +64,18 @@ QVector<quint32> toNumbers(const QVariant &value);
  */
 QVariantMap withoutDescriptors(const QVariantMap &map);
 
+/**
+ * A copy of @p value, of the same type on the bus, that does not keep alive the message in which it
+ * came. Compounds are written once more; they can be sent, and not be read any more.
+ */
+QVariant detachedValue(const QVariant &value);
+
+/**
+ * About how many bytes @p value takes on the bus: 8 for each number, text, byte array and other
+ * compound, and the length of texts (as UTF-8) and byte arrays.
+ *
+ * @param enough where counting may stop: anything from there on means more than that
+ */
+int sizeOnBus(const QVariant &value, int enough);
+
 #endif

@@ -4,6 +4,8 @@
 
 #include <QtEndian>
 
+#include <utility>
+
 const int instrumentRecordSize = 74;
 
 namespace
@@ -90,7 +92,7 @@ QByteArray encodeInstrumentRecord(const QVariantMap &fields)
     QByteArray data;
     for (const Field &field : layout)
         data += encode(field, fields.value(QLatin1String(field.key)));
-    return framed(data);
+    return framed(std::move(data));
 }
 
 QVariantMap decodeInstrumentRecord(const QByteArray &record)

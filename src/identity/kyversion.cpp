@@ -5,6 +5,7 @@
 #include "busvalue.h"
 #include "error.h"
 #include "instrumentrecord.h"
+#include "keptrecord.h"
 #include "measurerecord.h"
 #include "softwareversion.h"
 
@@ -43,8 +44,7 @@ void KyVersion::setEepromInstrument(const QVariantMap &map, const QDBusMessage &
         sendErrorReply(Error::Write, notValid, message);
         return;
     }
-    m_instrument = withoutDescriptors(map);
-    m_instrument.remove(crc);
+    m_instrument = keptRecord(map, fields);
     writeRecord(EEPROM_INSTRUMENT, encodeInstrumentRecord(basicMap(fields)), m_instrument, message);
 }
 
@@ -63,8 +63,7 @@ void KyVersion::setEepromMesure(const QVariantMap &map, const QDBusMessage &mess
         sendErrorReply(Error::Write, notValid, message);
         return;
     }
-    m_measure = withoutDescriptors(map);
-    m_measure.remove(crc);
+    m_measure = keptRecord(map, fields);
     const QVector<quint32> coefficients =
         toNumbers(fields.value(QStringLiteral("AdjustementCoefficients")));
     writeRecord(EEPROM_MESURE, encodeMeasureRecord(basicMap(fields), coefficients), m_measure,

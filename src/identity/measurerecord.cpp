@@ -4,6 +4,8 @@
 
 #include <QDataStream>
 
+#include <utility>
+
 const int measureRecordSize = 1196;
 
 namespace
@@ -29,13 +31,15 @@ QVariantMap measureFields(const QVariantMap &map)
 QByteArray encodeMeasureRecord(const QVariantMap &fields, const QVector<quint32> &coefficients)
 {
     QByteArray data;
+    // However many there are, there must be room for them only once.
+    data.reserve(measureRecordSize + coefficients.size() * int(sizeof(quint32)));
     QDataStream stream(&data, QIODevice::WriteOnly);
     stream << static_cast<quint16>(fields.value(site).toUInt())
            << static_cast<quint32>(fields.value(date).toUInt())
            << static_cast<quint32>(fields.value(nextDate).toUInt());
     for (const quint32 coefficient : coefficients)
         stream << coefficient;
-    return framed(data);
+    return framed(std::move(data));
 }
 
 QVariantMap decodeMeasureRecord(const QByteArray &record)

@@ -9,11 +9,11 @@ namespace
 const int crcSize = 2;
 }
 
-QByteArray framed(const QByteArray &data)
+QByteArray framed(QByteArray data)
 {
-    QByteArray record(crcSize, Qt::Uninitialized);
-    qToBigEndian(crc16(data), reinterpret_cast<uchar *>(record.data()));
-    return record + data;
+    QByteArray crc(crcSize, Qt::Uninitialized);
+    qToBigEndian(crc16(data), reinterpret_cast<uchar *>(crc.data()));
+    return data.prepend(crc);
 }
 
 QByteArray unframed(const QByteArray &record, int size)

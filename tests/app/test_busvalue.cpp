@@ -36,6 +36,11 @@ private Q_SLOTS:
     void toNumbersReadsListsOfNumbers_data();
     void toNumbersReadsListsOfNumbers();
     void toNumbersReadsALongList();
+    void detachedValueIsTheSameOnTheBus_data();
+    void detachedValueIsTheSameOnTheBus();
+    void sizeOnBusCountsEverything_data();
+    void sizeOnBusCountsEverything();
+    void sizeOnBusStopsCountingEarly();
     void withoutDescriptorsKeepsEverythingElse_data();
     void withoutDescriptorsKeepsEverythingElse();
     void aValueCanBeReadAgainAndSentAgain_data();
@@ -350,6 +355,81 @@ void TestBusValue::toNumbersReadsALongList()
     expected.last() = 8;
     QCOMPARE(toNumbers(receive(variants + "u 8")), expected);
     QCOMPARE(toNumbers(receive(numbers + "8")), expected);
+}
+
+void TestBusValue::detachedValueIsTheSameOnTheBus_data()
+{
+    QTest::addColumn<QString>("values");
+    for (const char *values :
+         {"i 1", "s text", "o /a", "v v i 1", "ay 2 1 2", "ay 0", "as 2 a b", "au 2 1 2", "ai 0",
+          "ab 1 true", "ad 1 0.5", "av 2 i 1 (ii) 1 2", "(is) 1 a", "a{ss} 1 a b", "a(ss) 1 a b",
+          "aa{sv} 1 1 a i 1", "a{sv} 1 a a{sv} 1 b v au 1 5", "a{i(so)} 1 7 a /b", "v (v) s a"})
+        QTest::newRow(values) << QStringLiteral("v ") + QLatin1String(values);
+}
+
+void TestBusValue::detachedValueIsTheSameOnTheBus()
+{
+    QFETCH(QString, values);
+    const QVariant value = receive(values);
+    const QString rendered = render(value);
+
+    const QVariant detached = detachedValue(value);
+
+    // What it was made from stays as it was.
+    QCOMPARE(render(value), rendered);
+    for (int time = 0; time < 2; ++time)
+        QCOMPARE(render(sendAgain(QVariant::fromValue(QDBusVariant(detached)))),
+                 render(sendAgain(QVariant::fromValue(QDBusVariant(value)))));
+    QCOMPARE(render(sendAgain(QVariant::fromValue(QDBusVariant(detachedValue(detached))))),
+             render(sendAgain(QVariant::fromValue(QDBusVariant(value)))));
+}
+
+void TestBusValue::sizeOnBusCountsEverything_data()
+{
+    QTest::addColumn<QString>("values");
+    QTest::addColumn<int>("size");
+    const auto row = [](const char *values, int size) {
+        QTest::newRow(values) << QStringLiteral("v ") + QString::fromUtf8(values) << size;
+    };
+    row("i 1", 8);
+    row("b true", 8);
+    row("d 1", 8);
+    row("s text", 12);
+    row("s \303\274", 10);
+    row("s \"\"", 8);
+    row("o /a", 10);
+    row("ay 3 1 2 3", 11);
+    row("as 2 a bcd", 28);
+    row("as 0", 8);
+    row("au 3 1 2 3", 32);
+    row("au 0", 8);
+    row("av 2 i 1 s abc", 27);
+    row("(is) 1 abc", 27);
+    row("a{ss} 2 a b c def", 46);
+    row("a{sv} 1 a au 1 7", 33);
+    row("a(ss) 1 a b", 34);
+    row("aau 2 1 7 2 8 9", 48);
+    row("v v v s abc", 11);
+}
+
+void TestBusValue::sizeOnBusCountsEverything()
+{
+    QFETCH(QString, values);
+    QFETCH(int, size);
+    const QVariant value = receive(values);
+    QCOMPARE(sizeOnBus(value, 1000000), size);
+    QCOMPARE(sizeOnBus(value, size), size);
+}
+
+void TestBusValue::sizeOnBusStopsCountingEarly()
+{
+    for (const char *unit : {"7 ", "1 7 "}) {
+        const QString type = QLatin1String(unit).size() == 2 ? "au" : "aau";
+        const QVariant value = receive(("v " + type + " 100000 " + times(100000, unit)).trimmed());
+        QVERIFY(sizeOnBus(value, 1001) > 1000);
+        QVERIFY(sizeOnBus(value, 1001) < 1100);
+        QVERIFY(sizeOnBus(value, 1000000000) >= 800008);
+    }
 }
 
 void TestBusValue::withoutDescriptorsKeepsEverythingElse_data()

@@ -5,6 +5,7 @@
 #include "measurerecord.h"
 #include "wire.h"
 
+#include <QDBusArgument>
 #include <QDBusConnection>
 #include <QDBusPendingCallWatcher>
 #include <QRegularExpression>
@@ -20,6 +21,8 @@ public:
     TestEeprom();
 
 private Q_SLOTS:
+    void initTestCase() { QVERIFY(letDescriptorsThrough()); }
+
     void getReturnsTheInstrumentRecord();
     void getReturnsTheMeasureRecord();
     void getReadsEachRecordOnce();
@@ -42,6 +45,8 @@ private Q_SLOTS:
     void getAfterASetKeepsTheTypesOfTheCaller();
     void getAfterASetReplacesTheCallersCrc();
     void getAfterASetReturnsEntriesThatAreNoFields();
+    void entriesThatAreNoFieldsAreKeptUpTo64KiB();
+    void fieldsAreKeptWhateverTheirSize();
     void fileDescriptorsAreNotKept();
     void instrumentValuesAreConverted_data();
     void instrumentValuesAreConverted();
@@ -81,6 +86,7 @@ private Q_SLOTS:
 private:
     QStringList calls() const;
     QString set(const QString &method, const QString &values);
+    QVariantMap recordOf(const QString &method);
     QString callWithoutRestore(const QString &method, const QList<QVariant> &arguments = {});
 
     const Remote version{QStringLiteral("/KyDeviceMgr"), QStringLiteral("Version")};
@@ -216,6 +222,12 @@ QStringList TestEeprom::calls() const
 QString TestEeprom::set(const QString &method, const QString &values)
 {
     return wire.call(service, "/KyDeviceMgr", service + ".Version", method, values);
+}
+
+/** The record that @p method answers, with compounds as the bus library gives them. */
+QVariantMap TestEeprom::recordOf(const QString &method)
+{
+    return qdbus_cast<QVariantMap>(version.reply(method).arguments().value(0));
 }
 
 /** Calls a method that succeeds in lifting the write protection and fails to restore it. */
@@ -540,6 +552,47 @@ void TestEeprom::getAfterASetReturnsEntriesThatAreNoFields()
     QCOMPARE(set(setInstrument, values), done);
     QVERIFY(version.call(getInstrument).startsWith("({\"\": <(1, 2)>, \"Brand\": <3>"));
     QVERIFY(version.call(getInstrument).contains("\"Colour\": <\"red\">"));
+}
+
+void TestEeprom::entriesThatAreNoFieldsAreKeptUpTo64KiB()
+{
+    QVERIFY(daemon.start());
+    const struct {
+        QString set;
+        QString get;
+        QVariantMap record;
+    } rows[] = {{setInstrument, getInstrument, instrument()}, {setMeasure, getMeasure, measure()}};
+    for (const auto &row : rows) {
+        QVariantMap record = row.record;
+        // One byte of key, 8 of length and 65527 of text: not one more fits.
+        record["!"] = QString(65527, 'x');
+        QCOMPARE(version.call(row.set, {record}), done);
+        QCOMPARE(recordOf(row.get).value("!"), record.value("!"));
+        record["!"] = QString(65528, 'x');
+        QCOMPARE(version.call(row.set, {record}), done);
+        QVERIFY(!recordOf(row.get).contains("!"));
+        QCOMPARE(recordOf(row.get).size(), row.record.size() + 1);
+
+        // In the order of their keys: what does not fit any more leaves room for what does.
+        record["!1"] = QByteArray(40000, 'x');
+        record["!2"] = QVariant::fromValue(QList<int>::fromVector(QVector<int>(4000, 7)));
+        record["!3"] = QStringList(QString(20000, 'x'));
+        record["!4"] = QStringList(QString(20000, 'x'));
+        QCOMPARE(version.call(row.set, {record}), done);
+        QCOMPARE(recordOf(row.get).keys().filter("!"), (QStringList{"!1", "!3"}));
+    }
+}
+
+void TestEeprom::fieldsAreKeptWhateverTheirSize()
+{
+    QVERIFY(daemon.start());
+    QVariantMap record = instrument();
+    record["SerialNumber"] = QByteArray(1000000, 'x');
+    record["IrdSessionPassword"] = QString(1000000, 'y');
+    QCOMPARE(version.call(setInstrument, {record}), done);
+    QCOMPARE(recordOf(getInstrument).value("SerialNumber"), record.value("SerialNumber"));
+    QCOMPARE(recordOf(getInstrument).value("IrdSessionPassword"),
+             record.value("IrdSessionPassword"));
 }
 
 void TestEeprom::fileDescriptorsAreNotKept()

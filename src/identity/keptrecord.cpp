@@ -1,0 +1,27 @@
+#include "keptrecord.h"
+
+#include "busvalue.h"
+
+const int mostSurplus = 65536;
+
+QVariantMap keptRecord(const QVariantMap &map, const QVariantMap &fields)
+{
+    QVariantMap kept = fields;
+    int room = mostSurplus;
+    // Of several entries with one key the last counts, as it does in a look-up.
+    for (auto entry = map.constBegin(); entry != map.constEnd();
+         entry = map.upperBound(entry.key())) {
+        if (fields.contains(entry.key()))
+            continue;
+        const int size = entry.key().toUtf8().size() + sizeOnBus(entry.value(), room + 1);
+        if (size > room)
+            continue;
+        room -= size;
+        kept.insert(entry.key(), entry.value());
+    }
+    kept.remove(QStringLiteral("CRC"));
+    kept = withoutDescriptors(kept);
+    for (QVariant &value : kept)
+        value = detachedValue(value);
+    return kept;
+}
