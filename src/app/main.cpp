@@ -3,7 +3,9 @@
 #include "kycommgr.h"
 #include "kydevicemgr.h"
 #include "kyusermgr.h"
+#include "receivelimits.h"
 #include "slotcache.h"
+#include "systemdwatchdog.h"
 
 #include <QCommandLineParser>
 #include <QCoreApplication>
@@ -30,6 +32,9 @@ int main(int argc, char *argv[])
     parser.addVersionOption();
     parser.process(application);
 
+    QDBusConnection bus = QDBusConnection::systemBus();
+    liftReceiveLimits(bus);
+
     // All hardware and network initialisation happens here, before clients can know the name.
     QObject configRoot;
     QObject deviceRoot;
@@ -40,7 +45,6 @@ int main(int argc, char *argv[])
     for (QObject *root : {&configRoot, &deviceRoot, &comRoot})
         limitSlotCaches(root);
 
-    QDBusConnection bus = QDBusConnection::systemBus();
     if (!bus.registerService(QStringLiteral("com.orvendis.Strandel.BoardManager"))) {
         qDebug() << bus.lastError().message();
         // Not a return: the destructors of the roots would wait for the next kernel event.
@@ -52,6 +56,7 @@ int main(int argc, char *argv[])
     bus.registerObject(QStringLiteral("/KyDeviceMgr"), &deviceRoot,
                        QDBusConnection::ExportAdaptors);
 
+    const SystemdWatchdog watchdog;
     QCoreApplication::exec();
     return EXIT_SUCCESS;
 }

@@ -1,0 +1,75 @@
+#include "systemdwatchdog.h"
+
+#include <QCoreApplication>
+#include <QDBusConnection>
+#include <QDBusMessage>
+#include <QDBusPendingCallWatcher>
+
+#include <climits>
+#include <cstddef>
+#include <cstring>
+#include <sys/socket.h>
+#include <sys/un.h>
+#include <unistd.h>
+
+int watchdogInterval(const QByteArray &allowed, const QByteArray &process, qint64 itself)
+{
+    const qint64 allowedMilliseconds = allowed.toLongLong() / 1000;
+    const bool isOurs = process.isEmpty() || process.toLongLong() == itself;
+    if (!isOurs || allowedMilliseconds <= 0)
+        return 0;
+    return static_cast<int>(qBound<qint64>(1, allowedMilliseconds / 8, INT_MAX));
+}
+
+namespace
+{
+/** Writes @p text to the socket that systemd listens to; a path, or "@" and an abstract name. */
+void notifySystemd(const QByteArray &text)
+{
+    const QByteArray name = qgetenv("NOTIFY_SOCKET");
+    sockaddr_un address = {};
+    address.sun_family = AF_UNIX;
+    if (name.isEmpty() || size_t(name.size()) >= sizeof address.sun_path)
+        return;
+    memcpy(address.sun_path, name.constData(), size_t(name.size()));
+    if (name.startsWith('@'))
+        address.sun_path[0] = '\0';
+    const int socket = ::socket(AF_UNIX, SOCK_DGRAM | SOCK_CLOEXEC, 0);
+    if (socket < 0)
+        return;
+    // A systemd that does not read must not hold the main loop up.
+    const ssize_t sent =
+        sendto(socket, text.constData(), size_t(text.size()), MSG_DONTWAIT | MSG_NOSIGNAL,
+               reinterpret_cast<const sockaddr *>(&address),
+               socklen_t(offsetof(sockaddr_un, sun_path) + size_t(name.size())));
+    static_cast<void>(sent);
+    close(socket);
+}
+} // namespace
+
+SystemdWatchdog::SystemdWatchdog()
+{
+    const int interval = watchdogInterval(qgetenv("WATCHDOG_USEC"), qgetenv("WATCHDOG_PID"),
+                                          QCoreApplication::applicationPid());
+    if (interval == 0)
+        return;
+    connect(&m_timer, &QTimer::timeout, this, &SystemdWatchdog::askBus);
+    m_timer.start(interval);
+    askBus();
+}
+
+/** Asks what only the bus itself can answer, and tells systemd once the answer is here. */
+void SystemdWatchdog::askBus()
+{
+    const QString bus = QStringLiteral("org.freedesktop.DBus");
+    auto *answer = new QDBusPendingCallWatcher(
+        QDBusConnection::systemBus().asyncCall(QDBusMessage::createMethodCall(
+            bus, QStringLiteral("/org/freedesktop/DBus"), bus, QStringLiteral("GetId"))),
+        this);
+    connect(answer, &QDBusPendingCallWatcher::finished, this, [](QDBusPendingCallWatcher *reply) {
+        // A bus that is gone is answered for by the library, with an error.
+        if (!reply->isError())
+            notifySystemd("WATCHDOG=1");
+        reply->deleteLater();
+    });
+}

@@ -1,0 +1,272 @@
+#include "board.h"
+#include "busmonitor.h"
+#include "daemontest.h"
+#include "systemdwatchdog.h"
+
+#include <QProcess>
+#include <QTest>
+
+#include <csignal>
+#include <cstddef>
+#include <cstring>
+#include <poll.h>
+#include <sys/socket.h>
+#include <sys/un.h>
+#include <unistd.h>
+
+/** The pings for systemd's watchdog, and that they stay out when the bus does. */
+class TestSystemdWatchdog : public DaemonTest
+{
+    Q_OBJECT
+
+private Q_SLOTS:
+    void theIntervalIsAnEighth_data();
+    void theIntervalIsAnEighth();
+
+    void systemdIsPingedAgainAndAgain_data();
+    void systemdIsPingedAgainAndAgain();
+    void aWatchdogOfThisProcessIsPinged();
+    void aWatchdogOfAnotherProcessIsNot();
+    void withoutAWatchdogTheBusIsAskedNothing();
+    void aSystemdThatDoesNotReadHoldsNothingUp();
+    void aBusThatStandsStillStopsThePings();
+    void aBusThatEndsStopsThePings();
+    void aBusyMainThreadStopsThePings();
+
+    void cleanup();
+
+private:
+    void supervise(const QString &socketName);
+    bool isPinged(int deadline = 20000);
+    bool isSilent();
+    void fillSocket();
+    void startSecondBus();
+
+    int m_socket = -1;
+    QProcess m_bus;
+};
+
+namespace
+{
+const QString socketPath = QStringLiteral("/run/notify");
+const char interval[] = "800000";
+} // namespace
+
+void TestSystemdWatchdog::cleanup()
+{
+    kill(pid_t(m_bus.processId()), SIGCONT);
+    DaemonTest::cleanup();
+    daemon.resetEnvironment();
+    daemon.setWrapper({});
+    m_bus.kill();
+    m_bus.waitForFinished();
+    close(m_socket);
+    m_socket = -1;
+    unlink("/run/notify");
+}
+
+/** Listens as systemd does, and tells the daemon so. */
+void TestSystemdWatchdog::supervise(const QString &socketName)
+{
+    const QByteArray name = socketName.toLocal8Bit();
+    sockaddr_un address = {};
+    address.sun_family = AF_UNIX;
+    memcpy(address.sun_path, name.constData(), size_t(name.size()));
+    if (name.startsWith('@'))
+        address.sun_path[0] = '\0';
+    m_socket = socket(AF_UNIX, SOCK_DGRAM | SOCK_CLOEXEC, 0);
+    QCOMPARE(bind(m_socket, reinterpret_cast<const sockaddr *>(&address),
+                  socklen_t(offsetof(sockaddr_un, sun_path) + size_t(name.size()))),
+             0);
+    daemon.setEnvironment("NOTIFY_SOCKET", socketName);
+    daemon.setEnvironment("WATCHDOG_USEC", interval);
+}
+
+/** Waits for the next ping, for at most that many milliseconds. */
+bool TestSystemdWatchdog::isPinged(int deadline)
+{
+    pollfd ready = {m_socket, POLLIN, 0};
+    if (poll(&ready, 1, deadline) != 1)
+        return false;
+    char text[100];
+    const ssize_t size = recv(m_socket, text, sizeof text, 0);
+    return QByteArray(text, int(qMax<ssize_t>(size, 0))) == "WATCHDOG=1";
+}
+
+/** Whether the pings end, for several times the interval. */
+bool TestSystemdWatchdog::isSilent()
+{
+    return QTest::qWaitFor([this] { return !isPinged(500); }, 20000) && !isPinged(500);
+}
+
+/** Sends what systemd does not read, until nothing more fits. */
+void TestSystemdWatchdog::fillSocket()
+{
+    sockaddr_un address = {};
+    socklen_t size = sizeof address;
+    QCOMPARE(getsockname(m_socket, reinterpret_cast<sockaddr *>(&address), &size), 0);
+    const int client = socket(AF_UNIX, SOCK_DGRAM | SOCK_CLOEXEC, 0);
+    while (sendto(client, "x", 1, MSG_DONTWAIT, reinterpret_cast<const sockaddr *>(&address),
+                  size) == 1) {
+    }
+    QCOMPARE(errno, EAGAIN);
+    close(client);
+}
+
+/** A bus for the daemon alone, so that the test can go on when it does not. */
+void TestSystemdWatchdog::startSecondBus()
+{
+    const QString place = QStringLiteral("unix:path=/run/dbus/second");
+    unlink("/run/dbus/second");
+    m_bus.start("dbus-daemon", {"--config-file=/run/dbus/system.conf", "--address=" + place,
+                                "--nofork", "--print-address"});
+    QVERIFY(m_bus.waitForReadyRead(20000));
+    daemon.setEnvironment("DBUS_SYSTEM_BUS_ADDRESS", place);
+}
+
+void TestSystemdWatchdog::theIntervalIsAnEighth_data()
+{
+    QTest::addColumn<QByteArray>("allowed");
+    QTest::addColumn<QByteArray>("process");
+    QTest::addColumn<int>("expected");
+    const auto row = [](const char *allowed, const char *process, int expected) {
+        QTest::addRow("%s for %s", allowed, process)
+            << QByteArray(allowed) << QByteArray(process) << expected;
+    };
+    row("30000000", "", 3750);
+    row("30000000", "77", 3750);
+    row("30000000", "78", 0);
+    row("30000000", "0", 0);
+    row("30000000", "none", 0);
+    row("1000000", "", 125);
+    row("8000", "", 1);
+    row("1000", "", 1);
+    row("999", "", 0);
+    row("0", "", 0);
+    row("", "", 0);
+    row("", "77", 0);
+    row("-30000000", "", 0);
+    row("30s", "", 0);
+    row("9223372036854775807", "", 2147483647);
+    row("9223372036854775808", "", 0);
+}
+
+void TestSystemdWatchdog::theIntervalIsAnEighth()
+{
+    QFETCH(QByteArray, allowed);
+    QFETCH(QByteArray, process);
+    QFETCH(int, expected);
+    QCOMPARE(watchdogInterval(allowed, process, 77), expected);
+}
+
+void TestSystemdWatchdog::systemdIsPingedAgainAndAgain_data()
+{
+    QTest::addColumn<QString>("socketName");
+    QTest::newRow("path") << socketPath;
+    QTest::newRow("abstract") << QStringLiteral("@notify");
+}
+
+void TestSystemdWatchdog::systemdIsPingedAgainAndAgain()
+{
+    QFETCH(QString, socketName);
+    supervise(socketName);
+    QVERIFY(daemon.start());
+    for (int ping = 0; ping < 5; ++ping)
+        QVERIFY(isPinged());
+}
+
+void TestSystemdWatchdog::aWatchdogOfThisProcessIsPinged()
+{
+    supervise(socketPath);
+    daemon.setWrapper({"sh", "-c", "WATCHDOG_PID=$$ exec \"$@\"", "sh"});
+    QVERIFY(daemon.start());
+    QVERIFY(isPinged());
+}
+
+void TestSystemdWatchdog::aWatchdogOfAnotherProcessIsNot()
+{
+    BusMonitor monitor;
+    supervise(socketPath);
+    daemon.setEnvironment("WATCHDOG_PID", "1");
+    QVERIFY(daemon.start());
+    QVERIFY(monitor.takeFromDaemon().filter("GetId").isEmpty());
+    QVERIFY(isSilent());
+}
+
+void TestSystemdWatchdog::withoutAWatchdogTheBusIsAskedNothing()
+{
+    BusMonitor monitor;
+    daemon.controlClock();
+    daemon.setEnvironment("NOTIFY_SOCKET", socketPath);
+    QVERIFY(daemon.start());
+    daemon.letTimePass(60);
+    QCOMPARE(Remote("/KyConfigMgr", "Users").call("getUser"), QStringLiteral("(\"user1\")"));
+    for (const BusMessage &message : monitor.take())
+        QVERIFY2(message.member != "GetId", qPrintable(message.line()));
+}
+
+void TestSystemdWatchdog::aSystemdThatDoesNotReadHoldsNothingUp()
+{
+    supervise(socketPath);
+    fillSocket();
+    BusMonitor monitor;
+    QVERIFY(daemon.start());
+
+    int questions = 0;
+    QTRY_VERIFY2(
+        (questions += monitor.takeFromDaemon("org.freedesktop.DBus").filter("GetId").size()) > 3,
+        "the main loop waits for systemd");
+
+    QCOMPARE(Remote("/KyConfigMgr", "Users").call("getUser"), QStringLiteral("(\"user1\")"));
+    while (recv(m_socket, nullptr, 0, MSG_DONTWAIT) >= 0) {
+    }
+    QVERIFY(isPinged());
+}
+
+void TestSystemdWatchdog::aBusThatStandsStillStopsThePings()
+{
+    supervise(socketPath);
+    startSecondBus();
+    daemon.launch();
+    QVERIFY(isPinged());
+
+    QCOMPARE(kill(pid_t(m_bus.processId()), SIGSTOP), 0);
+
+    QVERIFY(isSilent());
+    QVERIFY(daemon.isRunning());
+    QCOMPARE(kill(pid_t(m_bus.processId()), SIGCONT), 0);
+    QVERIFY(isPinged());
+}
+
+void TestSystemdWatchdog::aBusThatEndsStopsThePings()
+{
+    supervise(socketPath);
+    startSecondBus();
+    daemon.launch();
+    QVERIFY(isPinged());
+
+    m_bus.kill();
+    QVERIFY(m_bus.waitForFinished());
+
+    QVERIFY(isSilent());
+    QVERIFY(daemon.isRunning());
+}
+
+void TestSystemdWatchdog::aBusyMainThreadStopsThePings()
+{
+    supervise(socketPath);
+    QVERIFY(daemon.start());
+    QVERIFY(isPinged());
+    Board::fault("KyLeds.setLedState", "hold");
+    const QDBusPendingCall held =
+        Remote("/KyDeviceMgr", "LED").start("setLEDStatus", {"WIFI", "ON"});
+    QVERIFY(Board::waitFor("held", "KyLeds.setLedState"));
+
+    QVERIFY(isSilent());
+    Board::clearFaults();
+
+    QVERIFY(isPinged());
+}
+
+WORLD_TEST_MAIN(TestSystemdWatchdog)
+#include "test_systemdwatchdog.moc"

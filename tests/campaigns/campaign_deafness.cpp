@@ -1,0 +1,278 @@
+#include "board.h"
+#include "figures.h"
+#include "networktest.h"
+
+#include <QDBusConnection>
+#include <QDBusMessage>
+#include <QDBusPendingCallWatcher>
+#include <QElapsedTimer>
+#include <QThread>
+
+#include <atomic>
+
+/**
+ * More received messages than libdbus reads ahead: large calls that pile up while the main thread
+ * is busy, records that keep what they were given, and a ConnMan with ten thousand services.
+ * Whatever comes, the same process answers its other clients.
+ */
+class Deafness : public NetworkTest
+{
+    Q_OBJECT
+
+private Q_SLOTS:
+    void largeCallsWhileTheDaemonIsBusy_data();
+    void largeCallsWhileTheDaemonIsBusy();
+    void recordsOfLargeMaps_data();
+    void recordsOfLargeMaps();
+    void aConnManWithThousandsOfServices();
+
+private:
+    void beginAttack();
+    void busy(const std::function<void()> &attack);
+    void endAttack(qint64 longestMeanwhile);
+    QVariant large(const QString &kind) const;
+
+    qint64 m_process = 0;
+    qint64 m_memoryBefore = 0;
+};
+
+namespace
+{
+const QString service = QStringLiteral("com.orvendis.Strandel.BoardManager");
+
+/** Below the 32 MB that the bus lets through. */
+const int largeSize = 30 * 1000 * 1000;
+
+/** How long another client waits for its answer, in ms, until the daemon counts as deaf. */
+const int longestWait = 30000;
+
+/** Kilobytes, from /proc/PID/status. */
+qint64 memory(qint64 process, const char *field)
+{
+    const QList<QByteArray> lines =
+        readFile(QStringLiteral("/proc/%1/status").arg(process)).split('\n');
+    for (const QByteArray &line : lines) {
+        if (line.startsWith(field))
+            return line.mid(int(qstrlen(field)) + 1).trimmed().split(' ').first().toLongLong();
+    }
+    return 0;
+}
+
+QDBusMessage call(const char *path, const char *interface, const char *method,
+                  const QVariantList &arguments)
+{
+    QDBusMessage message = QDBusMessage::createMethodCall(
+        service, QString::fromLatin1(path), service + QLatin1Char('.') + interface, method);
+    message.setArguments(arguments);
+    return message;
+}
+
+/** Another client, which asks for the active user again and again, on a connection of its own. */
+class OtherClient : public QThread
+{
+public:
+    ~OtherClient() override { finish(); }
+
+    /** Ends it; the longest time that it has waited for an answer, in ms, -1 where one was missing.
+     */
+    qint64 finish()
+    {
+        m_isOver = true;
+        wait();
+        return m_longest;
+    }
+
+protected:
+    void run() override
+    {
+        const QString name = QStringLiteral("other client");
+        {
+            QDBusConnection bus = QDBusConnection::connectToBus(QDBusConnection::SystemBus, name);
+            while (!m_isOver && m_longest >= 0) {
+                QElapsedTimer timer;
+                timer.start();
+                const QDBusMessage reply = bus.call(call("/KyConfigMgr", "Users", "getUser", {}),
+                                                    QDBus::Block, longestWait);
+                m_longest = reply.type() == QDBusMessage::ReplyMessage
+                                ? qMax<qint64>(m_longest, timer.elapsed())
+                                : -1;
+            }
+        }
+        QDBusConnection::disconnectFromBus(name);
+    }
+
+private:
+    std::atomic<bool> m_isOver{false};
+    std::atomic<qint64> m_longest{0};
+};
+} // namespace
+
+void Deafness::beginAttack()
+{
+    begin();
+    m_process = daemon.processId();
+    m_memoryBefore = memory(m_process, "VmRSS:");
+    // The peak begins anew.
+    writeFile(QStringLiteral("/proc/%1/clear_refs").arg(m_process), "5");
+}
+
+/** Makes @p attack while the main thread waits for the hardware. */
+void Deafness::busy(const std::function<void()> &attack)
+{
+    Board::fault("KyLeds.setLedState", "hold");
+    const QDBusPendingCall held =
+        Remote("/KyDeviceMgr", "LED").start("setLEDStatus", {"WIFI", "ON"});
+    QVERIFY(Board::waitFor("held", "KyLeds.setLedState"));
+    attack();
+    // Answered by the thread that receives, after all of it; by nobody where that is deaf.
+    const QDBusMessage ping = QDBusMessage::createMethodCall(service, "/KyDeviceMgr",
+                                                             "org.freedesktop.DBus.Peer", "Ping");
+    QDBusConnection::systemBus().call(ping, QDBus::Block, 5000);
+    Board::clearFaults();
+}
+
+/** The daemon is the one that it was, and other clients are answered. */
+void Deafness::endAttack(qint64 longestMeanwhile)
+{
+    QVERIFY2(longestMeanwhile >= 0, "another client was not answered meanwhile");
+    OtherClient other;
+    QElapsedTimer timer;
+    timer.start();
+    const QDBusMessage user = QDBusConnection::systemBus().call(
+        call("/KyConfigMgr", "Users", "getUser", {}), QDBus::Block, longestWait);
+    QCOMPARE(renderReply(user), QStringLiteral("(\"user1\")"));
+    longestMeanwhile = qMax(longestMeanwhile, timer.elapsed());
+    other.start();
+    for (int calls = 0; calls < 50; ++calls)
+        Remote("/KyDeviceMgr", "Temperature").call("getTemperatures");
+    const qint64 afterwards = other.finish();
+
+    QVERIFY2(afterwards >= 0, "another client was not answered afterwards");
+    QVERIFY(daemon.isRunning());
+    QCOMPARE(daemon.processId(), m_process);
+    reportFigures(QStringLiteral("deafness, %1 %2: %3 MB before, %4 MB at most, %5 MB afterwards; "
+                                 "another client waits for %6 ms at most")
+                      .arg(QLatin1String(QTest::currentTestFunction()),
+                           QLatin1String(QTest::currentDataTag() ? QTest::currentDataTag() : ""))
+                      .arg(m_memoryBefore / 1024)
+                      .arg(memory(m_process, "VmHWM:") / 1024)
+                      .arg(memory(m_process, "VmRSS:") / 1024)
+                      .arg(qMax(longestMeanwhile, afterwards)));
+}
+
+/** A value of nearly the size that the bus lets through. */
+QVariant Deafness::large(const QString &kind) const
+{
+    if (kind == QLatin1String("text"))
+        return QString(largeSize, QLatin1Char('x'));
+    if (kind == QLatin1String("bytes"))
+        return QByteArray(largeSize, 'x');
+    if (kind == QLatin1String("numbers"))
+        return QVariant::fromValue(QList<int>::fromVector(QVector<int>(largeSize / 4, 7)));
+    QVariantList variants;
+    for (int index = 0; index < largeSize / 8; ++index)
+        variants << 7;
+    return variants;
+}
+
+void Deafness::largeCallsWhileTheDaemonIsBusy_data()
+{
+    QTest::addColumn<QString>("kind");
+    for (const char *kind : {"text", "bytes", "numbers"})
+        QTest::newRow(kind) << QString(kind);
+}
+
+void Deafness::largeCallsWhileTheDaemonIsBusy()
+{
+    QFETCH(QString, kind);
+    beginAttack();
+    QList<QDBusPendingCall> replies;
+    const QVariant value = large(kind);
+
+    busy([&] {
+        for (int number = 0; number < 3; ++number)
+            replies << QDBusConnection::systemBus().asyncCall(call(
+                "/KyDeviceMgr", "Version", "setEepromInstrument", {QVariantMap{{"Extra", value}}}));
+    });
+
+    endAttack(0);
+    if (QTest::currentTestFailed())
+        return;
+    for (QDBusPendingCall &reply : replies) {
+        reply.waitForFinished();
+        QCOMPARE(reply.error().message(), QStringLiteral("Data not valid"));
+    }
+}
+
+void Deafness::recordsOfLargeMaps_data()
+{
+    QTest::addColumn<QString>("kind");
+    QTest::addColumn<QString>("instrumentKey");
+    QTest::addColumn<QString>("measureKey");
+    for (const char *kind : {"text", "bytes", "numbers", "variants"}) {
+        QTest::addRow("surplus %s", kind) << QString(kind) << "Extra"
+                                          << "Extra";
+        QTest::addRow("field of %s", kind) << QString(kind) << "IrdSessionPassword"
+                                           << "AdjustementCoefficients";
+    }
+}
+
+void Deafness::recordsOfLargeMaps()
+{
+    QFETCH(QString, kind);
+    QFETCH(QString, instrumentKey);
+    QFETCH(QString, measureKey);
+    const QVariant value = large(kind);
+    QVariantMap instrument;
+    for (const char *key : {"Subsidiary", "Fabrication", "Brand", "Type", "Model", "SerialNumber",
+                            "WarrantyNumber", "TroubleshootingTag", "RelaunchTag", "FirstPassTag",
+                            "IrdInstrumentPassword", "IrdSessionPassword"})
+        instrument.insert(key, 1);
+    QVariantMap measure{{"AdjustementSite", 1},
+                        {"AdjustementDate", 1},
+                        {"NextAdjustementDate", 1},
+                        {"AdjustementCoefficients", 1}};
+    instrument.insert(instrumentKey, value);
+    measure.insert(measureKey, value);
+    beginAttack();
+    OtherClient other;
+    other.start();
+
+    const auto set = [](const char *method, const QVariantMap &map) {
+        return renderReply(QDBusConnection::systemBus().call(
+            call("/KyDeviceMgr", "Version", method, {map}), QDBus::Block, 20000));
+    };
+    for (int round = 0; round < 2; ++round) {
+        QCOMPARE(set("setEepromInstrument", instrument), QStringLiteral("()"));
+        // The EEPROM is smaller than that.
+        set("setEepromMesure", measure);
+    }
+
+    endAttack(other.finish());
+}
+
+void Deafness::aConnManWithThousandsOfServices()
+{
+    ListedObjects services;
+    for (int number = 0; number < 10000; ++number) {
+        ListedObject object = network(QStringLiteral("Net%1").arg(number), "idle");
+        for (const char *key : {"IPv4", "IPv6", "Proxy", "Ethernet", "Provider"})
+            object.properties.insert(
+                key, QVariantMap{{"Method", "dhcp"}, {"Address", QString(150, '1')}});
+        object.properties.insert("Nameservers", QStringList{"10.0.0.1", "10.0.0.2"});
+        services << object;
+    }
+    beginAttack();
+    connman.setServices(services);
+
+    QCOMPARE(wifi.call("scan"), QStringLiteral("()"));
+    busy([this] {
+        for (int signal = 0; signal < 10; ++signal)
+            connman.emitServicesChanged();
+    });
+
+    endAttack(0);
+}
+
+WORLD_TEST_MAIN(Deafness)
+#include "campaign_deafness.moc"
