@@ -59,8 +59,10 @@ void KyEthernet::slotLoadFirmwareFinished(int, QProcess::ExitStatus)
         return;
     }
     setState(KyTcpIpState::Association);
-    setTechnologyPowered(true);
+    const bool isOnAlready = powerOn();
     m_firmwareLoaded = 1;
+    if (isOnAlready)
+        useService();
 }
 
 void KyEthernet::technologyPropertyChangedSlot(const QString &name, const QDBusVariant &value)

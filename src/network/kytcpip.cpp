@@ -118,6 +118,11 @@ QDBusError KyTcpIp::setTechnologyPowered(bool powered)
     return connman::setTechnologyPowered(m_technology, powered);
 }
 
+bool KyTcpIp::powerOn()
+{
+    return setTechnologyPowered(true).name() == QLatin1String("net.connman.Error.AlreadyEnabled");
+}
+
 void KyTcpIp::watchService(const QString &path)
 {
     // The signals of a service that is no longer the current one are none of ours.

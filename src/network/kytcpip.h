@@ -88,6 +88,14 @@ protected:
     /** Switches the technology on or off. @return ConnMan's error, an invalid one on success */
     QDBusError setTechnologyPowered(bool powered);
 
+    /**
+     * Switches the technology on.
+     *
+     * @return whether it is on already: ConnMan will not announce "Powered", and the caller does at
+     *         once what it would have done then. False on success and after every other error.
+     */
+    bool powerOn();
+
     /** Makes the ConnMan service at @p path the current one and listens to its changes. */
     void watchService(const QString &path);
 

@@ -189,12 +189,13 @@ void KyWifi::slotLoadFirmwareFinishedDelayed()
     // A scan whose time was over before the module was ready still has to come to its end.
     if (m_operation == Scan && !m_monitoringTimer.isActive())
         m_monitoringTimer.start(scanTimeout);
-    if (!isProgramRunning(QStringLiteral("connmand")))
+    if (!isProgramRunning(QStringLiteral("connmand"))) {
         setState(KyTcpIpState::Failure);
-    else if (wifiServices(connman::services()).isEmpty())
-        setTechnologyPowered(true);
-    else
+    } else if (!wifiServices(connman::services()).isEmpty()) {
         servicesChangedSlot();
+    } else if (powerOn()) {
+        usePoweredTechnology();
+    }
 }
 
 void KyWifi::technologyPropertyChangedSlot(const QString &name, const QDBusVariant &value)

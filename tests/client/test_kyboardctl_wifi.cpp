@@ -1,4 +1,5 @@
 #include "busmonitor.h"
+#include "connmansignals.h"
 #include "daemontest.h"
 #include "modescript.h"
 #include "realconnman.h"
@@ -32,6 +33,7 @@ private Q_SLOTS:
     void aWrongPassphraseFailsAndTheRightOneThenLeadsOnline();
     void theNetworkJoinedLastIsConfiguredAnew();
     void anAbsentNetworkFails();
+    void aCableThatIsConnectedAlreadyLeadsOnline();
     void disconnectLeadsToIdle();
     void whileConnectedNothingElseIsTried();
     void aScanDoesNotEndAConnectThatHasJustBegun();
@@ -225,6 +227,23 @@ void TestKyboardctlWifi::anAbsentNetworkFails()
     const Result result = run({"wifi", "connect", "Nowhere", "--open"});
     QCOMPARE(result.status, 5);
     QCOMPARE(result.complaint, QStringLiteral("kyboardctl: wifi connect: failed\n"));
+}
+
+void TestKyboardctlWifi::aCableThatIsConnectedAlreadyLeadsOnline()
+{
+    // A ConnMan that came up after the daemon has the wired technology on.
+    connman.kill();
+    daemon.stop();
+    QVERIFY(daemon.start());
+    connman.start();
+    QVERIFY(ConnmanSignals().waitForQuiet());
+
+    const Result result = run({"ethernet", "connect", "--json", "--timeout", "30"});
+
+    QCOMPARE(result.complaint, QString());
+    QCOMPARE(result.status, 0);
+    QCOMPARE(QJsonDocument::fromJson(result.output.toUtf8()).array(),
+             (QJsonArray{"association", "ready", "online"}));
 }
 
 void TestKyboardctlWifi::disconnectLeadsToIdle()

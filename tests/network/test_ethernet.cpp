@@ -26,6 +26,8 @@ private Q_SLOTS:
     void connectFailsWhenNobodyKnowsWhetherConnManRuns_data();
     void connectFailsWhenNobodyKnowsWhetherConnManRuns();
     void aRefusalToPowerOnIsIgnored();
+    void aTechnologyThatIsOnAlreadyIsUsedAtOnce();
+    void aTechnologyThatIsOnAlreadyWaitsForItsService();
     void connectIsIgnoredUnlessIdleOrFailed_data();
     void connectIsIgnoredUnlessIdleOrFailed();
     void aScriptThatCannotBeStartedFailsTheConnect_data();
@@ -232,10 +234,41 @@ void TestEthernet::connectFailsWhenNobodyKnowsWhetherConnManRuns()
 
 void TestEthernet::aRefusalToPowerOnIsIgnored()
 {
-    connman.failMethod(poweredOn, "net.connman.Error.AlreadyEnabled", "Already enabled");
+    connman.failMethod(poweredOn, "net.connman.Error.Failed", "Input/output error");
     startDaemon();
     connectUntil("association");
+    QCOMPARE(calls(), QStringList());
     connman.emitServicesChanged();
+    QCOMPARE(recorder.take(), QStringList{state("ready")});
+}
+
+void TestEthernet::aTechnologyThatIsOnAlreadyIsUsedAtOnce()
+{
+    startDaemon();
+    connman.setServices({wired(cable, lease)});
+    connman.storeProperty(ConnmanStandIn::ethernetTechnology, "Powered", true);
+
+    QCOMPARE(ethernet.call("connect"), QString("()"));
+
+    QCOMPARE(recorder.waitFor(3),
+             (QStringList{state("association"), state("ready"), state("online", cable)}));
+    QCOMPARE(calls(), (QStringList{poweredOn, getServices, setNameservers(cable, "[]"),
+                                   setConfiguration(cable, "{}"), getServices}));
+}
+
+void TestEthernet::aTechnologyThatIsOnAlreadyWaitsForItsService()
+{
+    startDaemon();
+    connman.setServices({});
+    connman.storeProperty(ConnmanStandIn::ethernetTechnology, "Powered", true);
+    ethernet.call("connect");
+    QVERIFY(connman.waitForCall(getServices));
+    QCOMPARE(recorder.take(), QStringList{state("association")});
+    QCOMPARE(calls(), (QStringList{poweredOn, getServices}));
+
+    connman.setServices({wired()});
+    connman.emitServicesChanged();
+
     QCOMPARE(recorder.take(), QStringList{state("ready")});
 }
 

@@ -1,3 +1,4 @@
+#include "connmansignals.h"
 #include "daemontest.h"
 #include "modescript.h"
 #include "realconnman.h"
@@ -40,6 +41,7 @@ private Q_SLOTS:
     void theHardwareIsWhatTheKernelHas_data();
     void theHardwareIsWhatTheKernelHas();
 
+    void aConnManThatCameUpAfterTheDaemonIsOnAlready();
     void connManMayVanishAtAnyTime_data();
     void connManMayVanishAtAnyTime();
     void connManMayRestartAtAnyTime_data();
@@ -346,6 +348,21 @@ void TestEthernetConnman::theHardwareIsWhatTheKernelHas()
                                  .arg(link.value("address").toString().toUpper())));
     QVERIFY(infos.contains(QString(":%1>").arg(link.value("mtu").toInt())));
     QVERIFY(infos.endsWith(QString("\"Method\": <\"%1\">})").arg(method)));
+}
+
+void TestEthernetConnman::aConnManThatCameUpAfterTheDaemonIsOnAlready()
+{
+    connman.kill();
+    begin();
+    connman.start();
+    QCOMPARE(RealConnman::technology("Powered"), QVariant(true));
+    QVERIFY(ConnmanSignals().waitForQuiet());
+
+    QCOMPARE(ethernet.call("connect"), done);
+
+    QVERIFY(waitForState("online"));
+    QCOMPARE(states, (QStringList{"association", "ready", "online"}));
+    QVERIFY(kernelAddress().startsWith("10.77.0."));
 }
 
 void TestEthernetConnman::addStates()

@@ -1,8 +1,10 @@
+#include "busmonitor.h"
 #include "daemontest.h"
 #include "modescript.h"
 #include "realconnman.h"
 #include "supplicantstandin.h"
 
+#include <QDBusVariant>
 #include <QRegularExpression>
 
 namespace
@@ -28,6 +30,7 @@ private Q_SLOTS:
     void aWrongKeyFailsAndTheRightOneThenLeadsOnline();
     void aNetworkThatRefusesEveryKeyFails();
     void aNetworkThatIsNotThereFails();
+    void aRadioThatIsOnAlreadyIsSearchedAtOnce();
     void disconnectForgetsTheNetwork();
     void fromOneNetworkToAnother();
     void theNetworkJoinedLastIsConfiguredAnew();
@@ -217,6 +220,26 @@ void TestWifiConnman::aNetworkThatIsNotThereFails()
 {
     QCOMPARE(join("Nowhere"), done);
     QVERIFY(waitForState("failure"));
+}
+
+void TestWifiConnman::aRadioThatIsOnAlreadyIsSearchedAtOnce()
+{
+    const QString technology = "/net/connman/technology/wifi";
+    const Remote radio("net.connman", technology, "net.connman.Technology");
+    for (const char *folder : {"cafe", "grumpy", "hall_near", "hall_far", "workshop", "vault"})
+        supplicant.set(QLatin1String(folder) + "/in_range", "0");
+    QCOMPARE(radio.call("SetProperty", {"Powered", QVariant::fromValue(QDBusVariant(true))}), done);
+    QTRY_COMPARE(RealConnman::properties(technology).value("Powered").toBool(), true);
+    BusMonitor monitor;
+    QStringList calls;
+
+    QCOMPARE(join("Cafe"), done);
+
+    // Debian's ConnMan has no such method.
+    QTRY_VERIFY_WITH_TIMEOUT((calls += monitor.takeFromDaemon("net.connman"))
+                                 .contains("call net.connman.Technology.AsyncScan()"),
+                             deadline);
+    QCOMPARE(recorder->take(), QStringList());
 }
 
 void TestWifiConnman::disconnectForgetsTheNetwork()

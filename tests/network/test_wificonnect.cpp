@@ -17,6 +17,9 @@ private Q_SLOTS:
     void joiningAsksConnManForNoMore();
     void theTraceTellsEachStep();
     void aNetworkThatTheScanBringsIsJoined();
+    void aTechnologyThatIsOnAlreadyIsSearchedAtOnce();
+    void aNetworkOfATechnologyThatIsOnAlreadyIsJoinedAtOnce();
+    void aRefusalToPowerOnIsIgnored();
     void aTechnologyThatIsConnectedIsNotAskedToConnect();
     void aTechnologyThatConnectsByItselfIsTaken();
     void aTechnologyThatConnectsWithoutARequestIsNot();
@@ -135,6 +138,48 @@ void TestWifiConnect::aNetworkThatTheScanBringsIsJoined()
     QVERIFY(connman.waitForCall(connectLab));
     QCOMPARE(announced(), QStringList{association});
     QCOMPARE(orders(), (QStringList{powerOn, registerAgent, connectLab}));
+}
+
+void TestWifiConnect::aTechnologyThatIsOnAlreadyIsSearchedAtOnce()
+{
+    connman.setAsyncScan(true);
+    begin();
+    connman.storeProperty(ConnmanStandIn::wifiTechnology, "Powered", true);
+
+    join();
+    letModuleSwitch();
+
+    QCOMPARE(connman.journal(), (QStringList{getServices, powerOn, getServices, asyncScan}));
+    QCOMPARE(announced(), QStringList());
+}
+
+void TestWifiConnect::aNetworkOfATechnologyThatIsOnAlreadyIsJoinedAtOnce()
+{
+    begin();
+    connman.storeProperty(ConnmanStandIn::wifiTechnology, "Powered", true);
+    connman.holdMethod(powerOn);
+    join();
+    passModuleDelay();
+    QVERIFY(connman.waitForCall(powerOn));
+
+    connman.setServices({network("Lab", "idle")});
+    connman.releaseMethod(powerOn);
+
+    QVERIFY(connman.waitForCall(connectLab));
+    QCOMPARE(announced(), QStringList{association});
+    QCOMPARE(orders(), (QStringList{powerOn, registerAgent, connectLab}));
+}
+
+void TestWifiConnect::aRefusalToPowerOnIsIgnored()
+{
+    connman.failMethod(powerOn, "net.connman.Error.Failed", "Input/output error");
+    begin();
+
+    join();
+    letModuleSwitch();
+
+    QCOMPARE(connman.journal(), (QStringList{getServices, powerOn}));
+    QCOMPARE(announced(), QStringList());
 }
 
 void TestWifiConnect::aTechnologyThatIsConnectedIsNotAskedToConnect()

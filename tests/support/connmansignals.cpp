@@ -38,6 +38,17 @@ bool ConnmanSignals::waitFor(const QString &beginning)
         20000);
 }
 
+bool ConnmanSignals::waitForQuiet()
+{
+    const auto isSending = [this] { return !m_signals.isEmpty(); };
+    for (int times = 0; times < 20; ++times) {
+        m_signals.clear();
+        if (!QTest::qWaitFor(isSending, 1000))
+            return true;
+    }
+    return false;
+}
+
 void ConnmanSignals::record(const QDBusMessage &message)
 {
     m_signals << message.path() + QLatin1Char(' ') + message.member() + QLatin1Char(' ') +

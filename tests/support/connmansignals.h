@@ -22,6 +22,9 @@ public:
     /** Waits until one that begins like this has come since the last take(). */
     bool waitFor(const QString &beginning);
 
+    /** Waits until ConnMan has sent nothing for a second; forgets what it sent. */
+    bool waitForQuiet();
+
 private Q_SLOTS:
     void record(const QDBusMessage &message);
 
