@@ -25,8 +25,12 @@ private Q_SLOTS:
     void everythingEndsWhenTheWorldIsAskedTo();
     void everythingEndsWhenTheWorldIsKilled();
     void aCommandJoinsARunningWorld();
+    void aJoinedCommandEndsWithItsCaller_data();
+    void aJoinedCommandEndsWithItsCaller();
     void withoutARunningWorldNothingIsJoined();
     void anUnknownOptionIsRefused();
+    void theTwoCommandsSayWhatTheyAre_data();
+    void theTwoCommandsSayWhatTheyAre();
 
 private:
     struct Result {
@@ -195,6 +199,48 @@ void TestWorld::aCommandJoinsARunningWorld()
     QVERIFY(!QFile::exists(handle));
 }
 
+void TestWorld::aJoinedCommandEndsWithItsCaller_data()
+{
+    QTest::addColumn<int>("signal");
+    QTest::addColumn<QString>("trap");
+    QTest::newRow("asked to") << SIGTERM << "";
+    QTest::newRow("hung up") << SIGHUP << "";
+    QTest::newRow("killed") << SIGKILL << "";
+    QTest::newRow("against its will") << SIGTERM << "trap : TERM; ";
+}
+
+void TestWorld::aJoinedCommandEndsWithItsCaller()
+{
+    QFETCH(int, signal);
+    QFETCH(QString, trap);
+    const QString marker = QStringLiteral("300%1").arg(QCoreApplication::applicationPid());
+    const QString other = QStringLiteral("400%1").arg(QCoreApplication::applicationPid());
+    QTemporaryDir folder;
+    const QString handle = folder.path() + "/handle";
+    QProcess world;
+    world.start(WORLD, worldArguments({"sh", "-c", "sleep " + other + " & echo up; cat"},
+                                      {"--handle", handle}));
+    QTRY_COMPARE_WITH_TIMEOUT(world.peek(3), QByteArray("up\n"), 20000);
+    QProcess joined;
+    joined.start(WORLD,
+                 worldArguments({"sh", "-c",
+                                 trap + "sleep " + marker + " & echo here; while true; do sleep " +
+                                     marker + "; done"},
+                                {"--join", handle}));
+    QTRY_COMPARE_WITH_TIMEOUT(joined.peek(5), QByteArray("here\n"), 20000);
+    QTRY_VERIFY(isAlive(marker));
+
+    QCOMPARE(::kill(pid_t(joined.processId()), signal), 0);
+
+    QVERIFY(joined.waitForFinished(20000));
+    QTRY_VERIFY_WITH_TIMEOUT(!isAlive(marker), 20000);
+    // The world stays, with what others run in it.
+    QVERIFY(isAlive(other));
+    QCOMPARE(run({"sh", "-c", "exit 7"}, {"--join", handle}).status, 7);
+    world.closeWriteChannel();
+    QVERIFY(world.waitForFinished(20000));
+}
+
 void TestWorld::withoutARunningWorldNothingIsJoined()
 {
     QCOMPARE(run({"true"}, {"--join", "/nowhere"}).status, 125);
@@ -205,6 +251,28 @@ void TestWorld::anUnknownOptionIsRefused()
     const Result result = run({"true"}, {"--unknown"});
     QCOMPARE(result.status, 125);
     QVERIFY(result.complaint.startsWith("usage: world"));
+}
+
+void TestWorld::theTwoCommandsSayWhatTheyAre_data()
+{
+    QTest::addColumn<QString>("shown");
+    QTest::newRow("run") << "./run -- COMMAND...";
+    QTest::newRow("test") << "./test --long";
+}
+
+void TestWorld::theTwoCommandsSayWhatTheyAre()
+{
+    QFETCH(QString, shown);
+    for (const char *option : {"--help", "-h"}) {
+        QProcess command;
+        command.start(QDir::cleanPath(WORLD "/../..") + '/' + QTest::currentDataTag(), {option});
+        QVERIFY(command.waitForFinished(20000));
+        QCOMPARE(command.exitCode(), 0);
+        QCOMPARE(command.readAllStandardError(), QByteArray());
+        const QString output = QString::fromUtf8(command.readAllStandardOutput());
+        QVERIFY2(output.contains("\n  " + shown), qPrintable(output));
+        QVERIFY2(!output.contains("set -e") && !output.contains('#'), qPrintable(output));
+    }
 }
 
 QTEST_GUILESS_MAIN(TestWorld)
