@@ -129,7 +129,6 @@ void KyWifi::disconnect(const QDBusMessage &message)
     QString failure;
     if (!m_servicePath.isEmpty() && connman::remove(m_servicePath).isValid())
         failure = QStringLiteral("Cannot remove service");
-    const bool wasOff = isFlag(technologyProperty(QStringLiteral("Powered")), false);
     const QDBusError refusal = setTechnologyPowered(false);
     if (refusal.isValid() && failure.isEmpty())
         failure = QStringLiteral("Cannot set property Powered: ") + refusal.message();
@@ -137,8 +136,8 @@ void KyWifi::disconnect(const QDBusMessage &message)
     if (!failure.isEmpty())
         sendFailure(failure, message);
 
-    // The signal that it is off ends the disconnect, where one can follow.
-    if (wasOff || refusal.isValid())
+    // The signal that it is off ends the disconnect, which a refusal rules out.
+    if (refusal.isValid())
         setState(KyTcpIpState::Idle);
     else
         m_disconnectTimer.start(disconnectTimeout);
@@ -228,13 +227,20 @@ void KyWifi::usePoweredTechnology()
 // Takes no argument, so that a signal with whatever arguments triggers it.
 void KyWifi::servicesChangedSlot()
 {
+    evaluateServices();
+}
+
+/** Ends the scan or judges the connect. @return as judgeConnect(); empty without a connect */
+QString KyWifi::evaluateServices()
+{
     const Step step(*this, "servicesChangedSlot");
     if (!m_firmwareLoaded)
-        return;
+        return QString();
     if (m_operation == Scan && m_state == KyTcpIpState::Idle)
         finishScan();
     else if (m_operation == Connect)
-        judgeConnect();
+        return judgeConnect();
+    return QString();
 }
 
 void KyWifi::finishScan()
@@ -245,7 +251,8 @@ void KyWifi::finishScan()
     setTechnologyPowered(false);
 }
 
-void KyWifi::judgeConnect()
+/** @return ConnMan's state of the service that is being joined; empty where it is not listed */
+QString KyWifi::judgeConnect()
 {
     const ConnmanObject service =
         wifiServiceNamed(wifiServices(connman::services()), m_requestedService);
@@ -253,9 +260,10 @@ void KyWifi::judgeConnect()
     if (path.isEmpty()) {
         m_operation = NoOperation;
         setState(KyTcpIpState::Failure);
-        return;
+        return QString();
     }
-    switch (nextJoinStep(m_state, service.properties.value(QStringLiteral("State")).toString())) {
+    const QString serviceState = service.properties.value(QStringLiteral("State")).toString();
+    switch (nextJoinStep(m_state, serviceState)) {
     case JoinStep::Wait:
         break;
     case JoinStep::Associate:
@@ -273,12 +281,13 @@ void KyWifi::judgeConnect()
         setState(KyTcpIpState::Online);
         break;
     }
+    return serviceState;
 }
 
 void KyWifi::associate(const QString &path)
 {
     setState(KyTcpIpState::Association);
-    if (isFlag(technologyProperty(QStringLiteral("Connected")), true))
+    if (isTechnologyConnected())
         configure(path);
     else
         sendRequestConnect(path);
@@ -302,11 +311,11 @@ void KyWifi::configure(const QString &path)
     }
 }
 
-/** What ConnMan says of the technology; invalid where it says nothing. */
-QVariant KyWifi::technologyProperty(const QString &name) const
+bool KyWifi::isTechnologyConnected() const
 {
-    return connman::findObject(connman::technologies(), QStringLiteral("Type"), m_technology)
-        .properties.value(name);
+    const ConnmanObject technology =
+        connman::findObject(connman::technologies(), QStringLiteral("Type"), m_technology);
+    return isFlag(technology.properties.value(QStringLiteral("Connected")), true);
 }
 
 void KyWifi::sendRequestScan()
@@ -384,9 +393,8 @@ void KyWifi::servicePropertyChangedSlot(const QString &name, const QDBusVariant 
 void KyWifi::timeoutMonitoring()
 {
     const Step step(*this, "timeoutMonitoring");
-    servicesChangedSlot();
-    const bool isUndecided = m_state == KyTcpIpState::Idle || m_state == KyTcpIpState::Association;
-    if (m_operation != Connect || !isUndecided)
+    const QString serviceState = evaluateServices();
+    if (m_operation != Connect || !failsAtTimeout(m_state, serviceState))
         return;
     m_operation = NoOperation;
     setState(KyTcpIpState::Failure);

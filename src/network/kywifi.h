@@ -39,9 +39,9 @@ public Q_SLOTS:
      * Leaves and forgets the network.
      *
      * Fails with "Cannot remove service" when ConnMan does not forget it, else with "Cannot set
-     * property Powered: " and ConnMan's text when it refuses to power the technology off. The state
-     * becomes "idle" in any case: when the technology is off, or at once where it is off already or
-     * ConnMan has refused.
+     * property Powered: " and ConnMan's text when it refuses to power the technology off, as it
+     * does where that is off already. The state becomes "idle" in any case: when the technology is
+     * off, at once after a refusal, and after 15 s at the latest.
      */
     void disconnect(const QDBusMessage &message);
 
@@ -77,11 +77,12 @@ private:
     void offerAgent();
     void switchToStation(const QDBusMessage &message);
     void usePoweredTechnology();
+    QString evaluateServices();
     void finishScan();
-    void judgeConnect();
+    QString judgeConnect();
     void associate(const QString &path);
     void configure(const QString &path);
-    QVariant technologyProperty(const QString &name) const;
+    bool isTechnologyConnected() const;
     void sendRequestScan();
     void sendRequestConnect(const QString &path);
     void registerAgent();

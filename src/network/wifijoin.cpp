@@ -30,6 +30,19 @@ JoinStep nextJoinStep(int state, const QString &serviceState)
     return JoinStep::Wait;
 }
 
+bool failsAtTimeout(int state, const QString &serviceState)
+{
+    switch (state) {
+    case KyTcpIpState::Idle:
+    case KyTcpIpState::Association:
+        return true;
+    case KyTcpIpState::Configuration:
+        return serviceState != QLatin1String("ready") && serviceState != QLatin1String("online");
+    default:
+        return false;
+    }
+}
+
 bool failsJoin(int state, const QString &errorName)
 {
     return state == KyTcpIpState::Association && errorName.startsWith(connmanErrors) &&

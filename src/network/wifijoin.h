@@ -22,6 +22,12 @@ enum class JoinStep {
 JoinStep nextJoinStep(int state, const QString &serviceState);
 
 /**
+ * Whether the attempt to join has failed, when its time is over in the station's state @p state (a
+ * KyTcpIpState::State), while ConnMan gives the network's service the state @p serviceState.
+ */
+bool failsAtTimeout(int state, const QString &serviceState);
+
+/**
  * Whether the attempt to join has failed, when ConnMan answers its Connect in the station's state
  * @p state (a KyTcpIpState::State) with the D-Bus error @p errorName (empty: with none).
  *

@@ -12,7 +12,9 @@ private Q_SLOTS:
     void afterAMinuteOfAssociatingItFails();
     void afterAMinuteAReadyServiceIsTaken();
     void afterAMinuteAnOnlineServiceIsTaken();
-    void afterAMinuteOfConfiguringNothingIsDecided();
+    void afterAMinuteOfConfiguringAReadyServiceNothingIsDecided();
+    void afterAMinuteOfConfiguringAnotherServiceFails_data();
+    void afterAMinuteOfConfiguringAnotherServiceFails();
     void onlineByTheServiceEndsTheMinute_data();
     void onlineByTheServiceEndsTheMinute();
     void aServiceThatIsOnlineAtOnceEndsTheMinute();
@@ -109,7 +111,31 @@ void TestWifiAttempt::afterAMinuteAnOnlineServiceIsTaken()
     QCOMPARE(recorder->waitFor(1), QStringList{online});
 }
 
-void TestWifiAttempt::afterAMinuteOfConfiguringNothingIsDecided()
+void TestWifiAttempt::afterAMinuteOfConfiguringAnotherServiceFails_data()
+{
+    QTest::addColumn<QString>("serviceState");
+    for (const char *name : {"idle", "failure", "association", "configuration", "disconnect", ""})
+        QTest::newRow(*name ? name : "none") << name;
+}
+
+void TestWifiAttempt::afterAMinuteOfConfiguringAnotherServiceFails()
+{
+    QFETCH(QString, serviceState);
+    reach("configuration");
+    connman.storeProperty(lab, "State", serviceState);
+    const int records = trace().size();
+    connman.clearJournal();
+
+    daemon.letTimePass(58);
+
+    QCOMPARE(recorder->waitFor(1), QStringList{labFailure});
+    QCOMPARE(trace().mid(records), (QStringList{"servicesChangedSlot OP:connect configuration Lab",
+                                                "timeoutMonitoring OP:none failure Lab"}));
+    // The radio is left alone.
+    QCOMPARE(connman.journal(), QStringList{getServices});
+}
+
+void TestWifiAttempt::afterAMinuteOfConfiguringAReadyServiceNothingIsDecided()
 {
     reach("configuration");
     connman.storeProperty(lab, "State", "ready");

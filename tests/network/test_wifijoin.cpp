@@ -13,6 +13,8 @@ class TestWifiJoin : public QObject
 private Q_SLOTS:
     void aStepFollowsFromBothStates_data();
     void aStepFollowsFromBothStates();
+    void whatIsUndecidedFailsAtTimeout_data();
+    void whatIsUndecidedFailsAtTimeout();
     void anErrorOfConnMansOwnFailsTheAssociation_data();
     void anErrorOfConnMansOwnFailsTheAssociation();
 };
@@ -65,6 +67,45 @@ void TestWifiJoin::aStepFollowsFromBothStates()
     QFETCH(QString, serviceState);
     QFETCH(JoinStep, step);
     QCOMPARE(nextJoinStep(state, serviceState), step);
+}
+
+void TestWifiJoin::whatIsUndecidedFailsAtTimeout_data()
+{
+    QTest::addColumn<int>("state");
+    QTest::addColumn<QString>("serviceState");
+    QTest::addColumn<bool>("fails");
+
+    // A column for each of these, in this order.
+    const char *const serviceStates[] = {"idle",  "failure",    "association", "configuration",
+                                         "ready", "disconnect", "online",      ""};
+    const struct {
+        int state;
+        bool fails[8];
+    } table[] = {
+        {KyTcpIpState::Idle, {true, true, true, true, true, true, true, true}},
+        {KyTcpIpState::Failure, {false, false, false, false, false, false, false, false}},
+        {KyTcpIpState::Association, {true, true, true, true, true, true, true, true}},
+        {KyTcpIpState::Configuration, {true, true, true, true, false, true, false, true}},
+        {KyTcpIpState::Disconnect, {false, false, false, false, false, false, false, false}},
+        {KyTcpIpState::Online, {false, false, false, false, false, false, false, false}},
+    };
+    for (const auto &row : table) {
+        for (int column = 0; column < 8; ++column) {
+            const QString serviceState = serviceStates[column];
+            QTest::newRow(
+                qPrintable(QString("%1, service %2")
+                               .arg(KyTcpIpState::tpc_i_tcpIpState[row.state], serviceState)))
+                << row.state << serviceState << row.fails[column];
+        }
+    }
+}
+
+void TestWifiJoin::whatIsUndecidedFailsAtTimeout()
+{
+    QFETCH(int, state);
+    QFETCH(QString, serviceState);
+    QFETCH(bool, fails);
+    QCOMPARE(failsAtTimeout(state, serviceState), fails);
 }
 
 void TestWifiJoin::anErrorOfConnMansOwnFailsTheAssociation_data()
