@@ -17,9 +17,10 @@ enum ExitStatus {
     InterfaceAbsent = 4, ///< this model of the instrument has no such interface
     OutcomeFailed = 5,   ///< what was started ended in failure
     OutcomeMissing = 6,  ///< no answer in time, or what was started did not come to an end in time
-    OutputLost = 7,      ///< what was done cannot be told: standard output takes nothing more
+    OutputLost = 7,      ///< what was done cannot be told: the output takes nothing more
     NothingThere = 8,    ///< what was asked for is not there: not connected, no such hardware
     NotConfirmed = 9,    ///< what destroys something was not confirmed; nothing was sent
+    RecordInvalid = 10,  ///< a record in the EEPROM is not valid
 };
 
 /** The answer to a call: its plain values, or why there are none. */

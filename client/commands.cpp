@@ -294,6 +294,15 @@ Command ownCommand(const char *words, const QVector<Argument> &arguments, const 
     return {text(words), text(help), {}, {}, {}, {}, arguments, {}};
 }
 
+Command restoreCommand()
+{
+    Command made = ownCommand("eeprom restore",
+                              {argument("FILE", Kind::Text, "a file that eeprom dump has written")},
+                              "write both records from a copy");
+    made.question = text("overwrite both records in the EEPROMs");
+    return made;
+}
+
 Command statusCommand()
 {
     Command made = ownCommand("status", {}, "the whole instrument on one screen");
@@ -306,6 +315,9 @@ const QVector<Command> &ownCommands()
 {
     static const QVector<Command> table = {
         statusCommand(),
+        ownCommand("eeprom dump", {argument("FILE", Kind::Text, "a new file, for its owner alone")},
+                   "copy both records, with the passwords, into a file"),
+        restoreCommand(),
         ownCommand("monitor", {}, "every signal, a line each, until it is ended"),
         ownCommand("help",
                    {argument("[COMMAND]", Kind::Text, "a command, or the first of its words")},
@@ -355,14 +367,16 @@ const QVector<StatusMeaning> &exitStatuses()
     static const QVector<StatusMeaning> table = {
         {Success, text("done")},
         {DaemonError, text("the daemon answered with an error")},
-        {BadUsage, text("the command line was wrong, and nothing was sent")},
+        {BadUsage,
+         text("the command line, or a file that it names, was wrong, and nothing was sent")},
         {DaemonAway, text("the daemon is away, or the system bus cannot be reached")},
         {InterfaceAbsent, text("this model of the instrument has no such interface")},
         {OutcomeFailed, text("the operation failed")},
         {OutcomeMissing, text("the operation came to no end in time")},
-        {OutputLost, text("done, but standard output cannot be written")},
+        {OutputLost, text("done, but the output cannot be written")},
         {NothingThere, text("there is nothing to tell of: not connected, or no such hardware")},
         {NotConfirmed, text("not confirmed, and nothing was sent")},
+        {RecordInvalid, text("a record in the EEPROM is not valid, and no file is written")},
     };
     return table;
 }

@@ -8,6 +8,7 @@
 #include "operations.h"
 #include "output.h"
 #include "passphrase.h"
+#include "records.h"
 #include "status.h"
 #include "terminal.h"
 #include "textrules.h"
@@ -34,17 +35,41 @@ ExitStatus runCommand(const Command &command, const Invocation &invocation,
     return runCall(command, invocation, arguments);
 }
 
-/** status and monitor, which are more than one call. */
-int runOwnCommand(const Command &command, const Invocation &invocation, const QStringList &words)
+ExitStatus runMonitor(const Command &, const Invocation &invocation, const QVariantList &)
 {
-    QVariantList none;
+    return Monitor(invocation.has("--json")).run();
+}
+
+ExitStatus runStatus(const Command &command, const Invocation &invocation, const QVariantList &)
+{
+    return showStatus(command, invocation);
+}
+
+/** The commands that are more than one call. */
+const struct {
+    const char *words;
+    ExitStatus (*run)(const Command &, const Invocation &, const QVariantList &);
+} ownRunners[] = {
+    {"status", runStatus},
+    {"monitor", runMonitor},
+    {"eeprom dump", dumpRecords},
+    {"eeprom restore", restoreRecords},
+};
+
+ExitStatus runOwnCommand(const Command &command, const Invocation &invocation,
+                         const QStringList &words)
+{
+    QVariantList arguments;
     QString complaint = invocation.misplaced(command);
-    if (!complaint.isEmpty() || !parseArguments(command, words, readSecret, none, complaint))
+    if (!complaint.isEmpty() || !parseArguments(command, words, readSecret, arguments, complaint))
         return fail(command, BadUsage, complaint);
     if (invocation.has("--timeout"))
         setCallTimeout(invocation.number("--timeout"));
-    return command.words == QLatin1String("status") ? showStatus(command, invocation)
-                                                    : Monitor(invocation.has("--json")).run();
+    for (const auto &runner : ownRunners) {
+        if (command.words == QLatin1String(runner.words))
+            return runner.run(command, invocation, arguments);
+    }
+    return BadUsage;
 }
 
 QString noSuchCommand(const QStringList &words)

@@ -31,7 +31,7 @@ Monitor::Monitor(bool asJson) : m_asJson(asJson)
                      [this] { printLine(QStringLiteral("daemon"), QStringLiteral("left"), {}); });
 }
 
-int Monitor::run()
+ExitStatus Monitor::run()
 {
     const Answer found = findDaemon();
     if (!bus().isConnected()) {
@@ -40,7 +40,8 @@ int Monitor::run()
     }
     printLine(QStringLiteral("daemon"),
               found.isGood() ? QStringLiteral("there") : QStringLiteral("away"), {});
-    return QCoreApplication::exec();
+    QCoreApplication::exec();
+    return Success;
 }
 
 void Monitor::take(const QDBusMessage &message)

@@ -1,6 +1,8 @@
 #ifndef MONITOR_H
 #define MONITOR_H
 
+#include "bus.h"
+
 #include <QDBusMessage>
 #include <QObject>
 
@@ -14,7 +16,7 @@ public:
     explicit Monitor(bool asJson);
 
     /** Runs until the program is ended by a signal. */
-    int run();
+    ExitStatus run();
 
 private Q_SLOTS:
     void take(const QDBusMessage &message);

@@ -1,0 +1,25 @@
+#include "recordfile.h"
+#include "require.h"
+
+/** A file from which both identification records are to be restored. */
+extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t *data, std::size_t size)
+{
+    const QByteArray content(reinterpret_cast<const char *>(data), int(size));
+    Records records;
+    QString complaint;
+    if (!readRecords(content, records, complaint)) {
+        require(!complaint.isEmpty(), "there is a complaint about what is wrong");
+        return 0;
+    }
+    require(records.instrument.size() == 12 && records.measure.size() == 4, "a record is whole");
+    records.instrument.insert(QStringLiteral("CRC"), true);
+    records.measure.insert(QStringLiteral("CRC"), true);
+    const QByteArray again = writeRecords(records, complaint);
+    Records same;
+    require(readRecords(again, same, complaint), "what is restored can be copied");
+    records.instrument.remove(QStringLiteral("CRC"));
+    records.measure.remove(QStringLiteral("CRC"));
+    require(same.instrument == records.instrument && same.measure == records.measure,
+            "a copy of a copy is the same");
+    return 0;
+}
