@@ -1,5 +1,7 @@
 #include "childsignal.h"
 
+#include "logging.h"
+
 #include <cerrno>
 #include <csignal>
 #include <unistd.h>
@@ -10,8 +12,7 @@ void sig_handler(int signalNumber)
         return;
     static const char line[] = "signal SIGCHLD received\n";
     const int callersErrno = errno;
-    // Nothing can be done about a failed write here, and nothing depends on the line.
-    const ssize_t written = write(STDOUT_FILENO, line, sizeof line - 1);
-    static_cast<void>(written);
+    // Nothing depends on the line: where nobody reads, it is dropped.
+    writeWithoutWaiting(STDOUT_FILENO, line, sizeof line - 1);
     errno = callersErrno;
 }

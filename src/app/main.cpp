@@ -3,6 +3,7 @@
 #include "kycommgr.h"
 #include "kydevicemgr.h"
 #include "kyusermgr.h"
+#include "logging.h"
 #include "receivelimits.h"
 #include "slotcache.h"
 #include "systemdwatchdog.h"
@@ -18,6 +19,7 @@
 
 int main(int argc, char *argv[])
 {
+    logWithoutWaiting();
     if (signal(SIGCHLD, sig_handler) == SIG_ERR)
         qDebug() << "Can't catch SIGCHLD signal";
 

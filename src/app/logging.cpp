@@ -1,0 +1,56 @@
+#include "logging.h"
+
+#include <QString>
+#include <QtGlobal>
+
+#include <climits>
+#include <csignal>
+#include <mutex>
+#include <poll.h>
+#include <unistd.h>
+
+void writeWithoutWaiting(int descriptor, const char *text, size_t size)
+{
+    // A pipe that can be written to takes PIPE_BUF bytes. A signal handler may write its own, short
+    // line in between, so only half of them are relied on. The descriptor itself must not be made
+    // non-blocking: others have it, too.
+    const size_t most = PIPE_BUF / 2;
+    while (size > 0) {
+        pollfd ready = {descriptor, POLLOUT, 0};
+        if (poll(&ready, 1, 0) != 1 || !(ready.revents & POLLOUT))
+            return;
+        const ssize_t written = write(descriptor, text, size < most ? size : most);
+        if (written <= 0)
+            return;
+        text += written;
+        size -= size_t(written);
+    }
+}
+
+namespace
+{
+std::mutex logMutex;
+
+void logMessage(QtMsgType type, const QMessageLogContext &context, const QString &message)
+{
+    const QString text = qFormatLogMessage(type, context, message);
+    // A pattern may leave nothing of some messages.
+    if (text.isNull())
+        return;
+    const QByteArray line = text.toLocal8Bit() + '\n';
+    const std::lock_guard<std::mutex> lock(logMutex);
+    writeWithoutWaiting(STDERR_FILENO, line.constData(), size_t(line.size()));
+}
+} // namespace
+
+void logWithoutWaiting()
+{
+    qInstallMessageHandler(logMessage);
+    // A handler, for exec() would hand an ignored signal on to child processes.
+    struct sigaction present = {};
+    struct sigaction action = {};
+    action.sa_handler = [](int) {};
+    action.sa_flags = SA_RESTART;
+    if (sigaction(SIGPIPE, nullptr, &present) == 0 && present.sa_handler == SIG_DFL)
+        sigaction(SIGPIPE, &action, nullptr);
+}
