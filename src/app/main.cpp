@@ -7,6 +7,7 @@
 #include "receivelimits.h"
 #include "slotcache.h"
 #include "systemdwatchdog.h"
+#include "terminationsignals.h"
 
 #include <QCommandLineParser>
 #include <QCoreApplication>
@@ -20,6 +21,7 @@
 int main(int argc, char *argv[])
 {
     logWithoutWaiting();
+    catchTerminationSignals();
     if (signal(SIGCHLD, sig_handler) == SIG_ERR)
         qDebug() << "Can't catch SIGCHLD signal";
 

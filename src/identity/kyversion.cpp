@@ -8,6 +8,7 @@
 #include "keptrecord.h"
 #include "measurerecord.h"
 #include "softwareversion.h"
+#include "terminationsignals.h"
 
 #include <QCoreApplication>
 
@@ -76,6 +77,7 @@ void KyVersion::invalidateEepromsContent(const QDBusMessage &message)
         return;
     m_instrument.clear();
     m_measure.clear();
+    const HeldTermination held;
     if (!liftWriteProtection(message))
         return;
     const QByteArray noCrc(2, '\0');
@@ -130,6 +132,7 @@ QByteArray KyVersion::readRecord(e_eeprom eeprom, int size)
 void KyVersion::writeRecord(e_eeprom eeprom, const QByteArray &record, QVariantMap &cache,
                             const QDBusMessage &message)
 {
+    const HeldTermination held;
     if (!liftWriteProtection(message))
         return;
     write(eeprom, record, message);

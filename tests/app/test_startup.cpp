@@ -2,13 +2,17 @@
 #include "daemontest.h"
 #include "kycommgr.h"
 
+#include <QDBusConnection>
+#include <QDBusConnectionInterface>
 #include <QDBusMetaType>
 #include <QRegularExpression>
 #include <QStandardPaths>
 
 #include <cerrno>
 #include <csignal>
+#include <cstring>
 #include <sys/stat.h>
+#include <sys/syscall.h>
 #include <unistd.h>
 
 /** Start-up, command line, object tree and ways out of the daemon. */
@@ -37,7 +41,9 @@ private Q_SLOTS:
     void theEndOfARealChildIsPrintedAndTheChildNotReaped();
     void otherSignalsPrintNothing();
     void withoutTheSignalHandlerItGoesOn();
+    void theDaemonRunsUntilItIsKilled_data();
     void theDaemonRunsUntilItIsKilled();
+    void anIgnoredSignalStaysIgnored();
 
 private:
     void verifyNothingWasTouched();
@@ -258,12 +264,38 @@ void TestStartup::withoutTheSignalHandlerItGoesOn()
     QCOMPARE(daemon.log(), QStringLiteral("Can't catch SIGCHLD signal\n"));
 }
 
+void TestStartup::theDaemonRunsUntilItIsKilled_data()
+{
+    QTest::addColumn<int>("signal");
+    QTest::addColumn<bool>("isToAnotherThread");
+    for (const int signal : {SIGHUP, SIGINT, SIGQUIT, SIGABRT, SIGUSR1, SIGUSR2, SIGALRM, SIGTERM,
+                             SIGXCPU, SIGPWR, SIGVTALRM, SIGPROF, SIGIO, SIGKILL})
+        QTest::newRow(strsignal(signal)) << signal << false;
+    QTest::newRow("to another thread") << SIGTERM << true;
+}
+
 void TestStartup::theDaemonRunsUntilItIsKilled()
 {
+    QFETCH(int, signal);
+    QFETCH(bool, isToAnotherThread);
+    // The shell tells by which signal it ended.
+    daemon.setWrapper({"sh", "-c", "\"$@\"; exit $?", "sh"});
     QVERIFY(daemon.start());
-    QCOMPARE(kill(pid_t(daemon.processId()), SIGTERM), 0);
-    QCOMPARE(daemon.waitForExit(), -1);
-    QVERIFY(!daemon.isRunning());
+    const uint process =
+        QDBusConnection::systemBus().interface()->servicePid("com.orvendis.Strandel.BoardManager");
+    const int thread = isToAnotherThread ? daemon.otherThread(process) : int(process);
+    QVERIFY(thread != 0);
+    QCOMPARE(syscall(SYS_tgkill, pid_t(process), thread, signal), 0);
+    QCOMPARE(daemon.waitForExit(), 128 + signal);
+}
+
+void TestStartup::anIgnoredSignalStaysIgnored()
+{
+    daemon.setWrapper({"env", "--ignore-signal=HUP"});
+    QVERIFY(daemon.start());
+    QCOMPARE(kill(pid_t(daemon.processId()), SIGHUP), 0);
+    QCOMPARE(Remote("/KyConfigMgr", "Users").call("getUser"), QStringLiteral("(\"user1\")"));
+    QVERIFY(daemon.isRunning());
 }
 
 WORLD_TEST_MAIN(TestStartup)

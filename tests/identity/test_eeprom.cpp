@@ -10,7 +10,11 @@
 #include <QDBusPendingCallWatcher>
 #include <QRegularExpression>
 
+#include <csignal>
+#include <cstring>
 #include <memory>
+#include <sys/syscall.h>
+#include <unistd.h>
 
 /** The identification records, on the running daemon. */
 class TestEeprom : public DaemonTest
@@ -72,6 +76,10 @@ private Q_SLOTS:
     void protectionThatCannotBeRestoredIsAWriteError();
     void aSetSendsEveryErrorItMeets_data();
     void aSetSendsEveryErrorItMeets();
+
+    void noSignalEndsItWhileTheProtectionIsLifted_data();
+    void noSignalEndsItWhileTheProtectionIsLifted();
+    void aHungWriteIsEndedByAKill();
 
     void invalidateSpoilsBothCrcsAndKeepsTheData();
     void invalidateMakesBothRecordsInvalid();
@@ -940,6 +948,72 @@ void TestEeprom::aSetSendsEveryErrorItMeets()
     QCOMPARE(monitor.takeFromDaemon(),
              (QStringList{errorLine(notWritten), errorLine(notDisabled), "return ()"}));
     QCOMPARE(version.call(getter), values);
+}
+
+void TestEeprom::noSignalEndsItWhileTheProtectionIsLifted_data()
+{
+    QTest::addColumn<QString>("method");
+    QTest::addColumn<QVariantList>("arguments");
+    QTest::addColumn<int>("signal");
+    QTest::addColumn<bool>("isToAnotherThread");
+    const auto row = [](const QString &method, const QVariantList &arguments, int signal,
+                        bool isToAnotherThread = false) {
+        QTest::addRow("%s, %s%s", qPrintable(method), strsignal(signal),
+                      isToAnotherThread ? ", to another thread" : "")
+            << method << arguments << signal << isToAnotherThread;
+    };
+    for (const int signal : {SIGTERM, SIGINT, SIGHUP, SIGQUIT, SIGABRT, SIGUSR1, SIGUSR2, SIGALRM})
+        row(setInstrument, {instrument()}, signal);
+    row(setInstrument, {instrument()}, SIGTERM, true);
+    row(setMeasure, {measure()}, SIGTERM);
+    row(invalidate, {}, SIGTERM);
+}
+
+void TestEeprom::noSignalEndsItWhileTheProtectionIsLifted()
+{
+    QFETCH(QString, method);
+    QFETCH(QVariantList, arguments);
+    QFETCH(int, signal);
+    QFETCH(bool, isToAnotherThread);
+    QVERIFY(daemon.start());
+    Board::clearJournal();
+    Board::fault("KyEeprom.writeEeprom", "hold");
+    version.start(method, arguments);
+    QVERIFY(Board::waitFor("held", "KyEeprom.writeEeprom"));
+    QCOMPARE(Board::get("eeprom/write_enabled"), QStringLiteral("1"));
+
+    const int process = int(daemon.processId());
+    const int thread = isToAnotherThread ? daemon.otherThread() : process;
+    QVERIFY(thread != 0);
+    QCOMPARE(syscall(SYS_tgkill, process, thread, signal), 0);
+
+    // It waits in the main thread, which is in the library.
+    const QString status = QStringLiteral("/proc/%1/task/%1/status").arg(process);
+    const auto isPending = [=] {
+        const QString pending =
+            QString::fromLatin1(readFile(status)).section("SigPnd:", 1).section('\n', 0, 0);
+        return ((pending.trimmed().toULongLong(nullptr, 16) >> (signal - 1)) & 1) == 1;
+    };
+    QTRY_VERIFY(isPending());
+    QVERIFY(daemon.isRunning());
+    Board::clearFaults();
+
+    QCOMPARE(daemon.waitForExit(), -1);
+    QCOMPARE(calls().last(), protectionRestored);
+    QCOMPARE(calls().count(protectionRestored), 1);
+    QCOMPARE(calls().filter("KyEeprom.writeEeprom").size(), method == invalidate ? 2 : 1);
+    QCOMPARE(Board::get("eeprom/write_enabled"), QStringLiteral("0"));
+}
+
+void TestEeprom::aHungWriteIsEndedByAKill()
+{
+    QVERIFY(daemon.start());
+    Board::fault("KyEeprom.writeEeprom", "hold");
+    version.start(setInstrument, {instrument()});
+    QVERIFY(Board::waitFor("held", "KyEeprom.writeEeprom"));
+    QCOMPARE(kill(pid_t(daemon.processId()), SIGTERM), 0);
+    QCOMPARE(kill(pid_t(daemon.processId()), SIGKILL), 0);
+    QCOMPARE(daemon.waitForExit(), -1);
 }
 
 void TestEeprom::invalidateSpoilsBothCrcsAndKeepsTheData()

@@ -174,6 +174,19 @@ int Daemon::children() const
     return children;
 }
 
+int Daemon::otherThread(qint64 process) const
+{
+    const qint64 main = process ? process : processId();
+    const QString folder = QStringLiteral("/proc/%1/task/").arg(main);
+    const QStringList threads = QDir(folder).entryList(QDir::Dirs | QDir::NoDotAndDotDot);
+    for (const QString &thread : threads) {
+        if (thread.toLongLong() != main &&
+            readFile(folder + thread + "/status").contains("SigBlk:\t0000000000000000\n"))
+            return thread.toInt();
+    }
+    return 0;
+}
+
 int Daemon::descriptors() const
 {
     return QDir(QStringLiteral("/proc/%1/fd").arg(processId()))

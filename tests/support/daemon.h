@@ -50,6 +50,12 @@ public:
     /** The number of its children that run, or whose end it has not seen yet. */
     int children() const;
 
+    /**
+     * The ID of another thread than the main one that takes signals, of the process @p process, or
+     * of the daemon that this started; 0 where there is none.
+     */
+    int otherThread(qint64 process = 0) const;
+
     /** How many descriptors it has open. */
     int descriptors() const;
 
