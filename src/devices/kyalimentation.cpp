@@ -32,6 +32,7 @@ KyAlimentation::KyAlimentation(QObject *parent)
       m_chargerPresent(false),
       m_batteryVoltage(0)
 {
+    m_checkTimer->setTimerType(Qt::PreciseTimer);
     connect(m_checkTimer, &QTimer::timeout, this, &KyAlimentation::periodicBatteryCheck);
     m_checkTimer->start(startInterval);
     refresh();

@@ -25,6 +25,7 @@ KyTemperatureWatcher::KyTemperatureWatcher(QObject *parent)
       m_somThreshold(startThreshold),
       m_analogChainThreshold(startThreshold)
 {
+    m_checkTimer->setTimerType(Qt::PreciseTimer);
     connect(m_checkTimer, &QTimer::timeout, this, &KyTemperatureWatcher::periodicTemperatureCheck);
     m_checkTimer->start(startInterval);
 }

@@ -16,6 +16,7 @@ const int attemptTimeout = 60000;
 KyEthernet::KyEthernet(QObject *parent)
     : KyTcpIp(QStringLiteral("ethernet"), QStringLiteral("eth0"), parent)
 {
+    m_monitoringTimer.setTimerType(Qt::PreciseTimer);
     QObject::connect(&m_monitoringTimer, &QTimer::timeout, this, &KyEthernet::timeoutMonitoring);
 
     connman::watchProperties(connman::technologyPath(m_technology), connman::technologyInterface,

@@ -74,8 +74,10 @@ private:
 KyWifi::KyWifi(QObject *parent)
     : KyTcpIp(QStringLiteral("wifi"), QStringLiteral("wifi_sta"), parent)
 {
+    m_monitoringTimer.setTimerType(Qt::PreciseTimer);
     m_monitoringTimer.setSingleShot(true);
     QObject::connect(&m_monitoringTimer, &QTimer::timeout, this, &KyWifi::timeoutMonitoring);
+    m_disconnectTimer.setTimerType(Qt::PreciseTimer);
     m_disconnectTimer.setSingleShot(true);
     QObject::connect(&m_disconnectTimer, &QTimer::timeout, this, [this] {
         if (m_state != KyTcpIpState::Disconnect)
@@ -175,7 +177,8 @@ void KyWifi::slotLoadFirmwareFinished(int, QProcess::ExitStatus)
 {
     const Step step(*this, "slotLoadFirmwareFinished");
     forgetScript();
-    QTimer::singleShot(moduleDelay, this, SLOT(slotLoadFirmwareFinishedDelayed()));
+    QTimer::singleShot(moduleDelay, Qt::PreciseTimer, this,
+                       SLOT(slotLoadFirmwareFinishedDelayed()));
 }
 
 void KyWifi::slotLoadFirmwareFinishedDelayed()

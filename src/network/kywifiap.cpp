@@ -97,7 +97,8 @@ void KyWifiAp::wpsEnable() {}
 void KyWifiAp::slotLoadFirmwareFinished(int, QProcess::ExitStatus)
 {
     forgetScript();
-    QTimer::singleShot(moduleDelay, this, SLOT(slotLoadFirmwareFinishedDelayed()));
+    QTimer::singleShot(moduleDelay, Qt::PreciseTimer, this,
+                       SLOT(slotLoadFirmwareFinishedDelayed()));
 }
 
 void KyWifiAp::slotLoadFirmwareFinishedDelayed()
@@ -111,7 +112,7 @@ void KyWifiAp::slotLoadFirmwareFinishedDelayed()
         return;
     }
     setState(KyTcpIpState::Ready);
-    QTimer::singleShot(onLineDelay, this, SLOT(slotToSignalInterfaceIsOnLine()));
+    QTimer::singleShot(onLineDelay, Qt::PreciseTimer, this, SLOT(slotToSignalInterfaceIsOnLine()));
 }
 
 // Whatever the state is by now: clients know that a check may come after a disconnect.
@@ -123,5 +124,6 @@ void KyWifiAp::slotToSignalInterfaceIsOnLine()
     else if (isRunning(interface))
         setState(KyTcpIpState::Online);
     else
-        QTimer::singleShot(onLineDelay, this, SLOT(slotToSignalInterfaceIsOnLine()));
+        QTimer::singleShot(onLineDelay, Qt::PreciseTimer, this,
+                           SLOT(slotToSignalInterfaceIsOnLine()));
 }

@@ -38,6 +38,7 @@ private Q_SLOTS:
 
     void aNewStatusIsAnnouncedBeforeItIsReturned();
     void theCheckRunsElevenTimesEveryTenSecondsAndThenEveryFiveMinutes();
+    void theCheckIsDueToTheMillisecond();
     void eachCheckAnnouncesTheStatusOnce();
     void theLedsFollowTheChecks();
 
@@ -429,6 +430,22 @@ void TestAlimentation::theCheckRunsElevenTimesEveryTenSecondsAndThenEveryFiveMin
     QVERIFY2(times[11] - times[0] < 125, qPrintable(QString::number(times[11] - times[0])));
     VERIFY_NOT_EARLY(times[12], times[11], 300);
     VERIFY_NOT_EARLY(times[13], times[11], 600);
+}
+
+void TestAlimentation::theCheckIsDueToTheMillisecond()
+{
+    setBattery(0, 1, 0, "50");
+    daemon.stopClock();
+    QVERIFY(daemon.start());
+    SignalRecorder recorder("/KyDeviceMgr");
+
+    for (int number = 1; number <= 13; ++number) {
+        daemon.letMillisecondsPass((number <= 11 ? 10000 : 300000) - 1);
+        // Twice: timers that are due are served after the calls that came before.
+        QCOMPARE(recorder.take() + recorder.take(), QStringList());
+        daemon.letMillisecondsPass(1);
+        QCOMPARE(recorder.waitFor(1), QStringList{announced("CHARGER_OFF_BAT_INF_60")});
+    }
 }
 
 void TestAlimentation::eachCheckAnnouncesTheStatusOnce()

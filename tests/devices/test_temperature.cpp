@@ -33,6 +33,7 @@ private Q_SLOTS:
 
     void theCheckRunsEveryFiveMinutes();
     void theCheckRunsAtTheNewInterval();
+    void theIntervalIsKeptToTheMillisecond();
     void aNewIntervalCountsFromTheMomentItIsSet();
     void aRefusedIntervalChangesNothing();
 
@@ -349,6 +350,28 @@ void TestTemperature::theCheckRunsAtTheNewInterval()
     }
     const double passed = readingTimes()[3] - readingTimes()[0];
     QVERIFY2(passed < 75, qPrintable(QString::number(passed)));
+}
+
+void TestTemperature::theIntervalIsKeptToTheMillisecond()
+{
+    daemon.stopClock();
+    QVERIFY(daemon.start());
+    SignalRecorder recorder("/KyDeviceMgr");
+
+    for (const int interval : {300000, 7000}) {
+        if (interval != 300000)
+            QCOMPARE(temperature.call("setInterval", {interval}), QStringLiteral("()"));
+        for (int check = 1; check <= 2; ++check) {
+            Board::clearJournal();
+            daemon.letMillisecondsPass(interval - 1);
+            // Twice: timers that are due are served after the calls that came before.
+            recorder.take();
+            recorder.take();
+            QCOMPARE(readingTimes().size(), 0);
+            daemon.letMillisecondsPass(1);
+            QVERIFY(waitForReadings(1));
+        }
+    }
 }
 
 void TestTemperature::aNewIntervalCountsFromTheMomentItIsSet()

@@ -6,6 +6,7 @@
 #include <QDBusConnection>
 #include <QDBusConnectionInterface>
 #include <QDBusMessage>
+#include <QDateTime>
 #include <QDir>
 #include <QTest>
 
@@ -17,13 +18,9 @@ namespace
 const QString daemonName = QStringLiteral("com.orvendis.Strandel.BoardManager");
 const QString clockFile = QStringLiteral("/run/daemon-clock");
 
-void writeClock(int seconds)
-{
-    // The daemon must never read half of it.
-    writeFile(clockFile + QStringLiteral(".new"), '+' + QByteArray::number(seconds));
-    if (std::rename(qPrintable(clockFile + QStringLiteral(".new")), qPrintable(clockFile)) != 0)
-        qFatal("cannot set the clock");
-}
+// Not a full second, to which coarse timers are moved. The fraction is exact as a floating-point
+// number, which libfaketime makes of it.
+const QDateTime stoppedClock(QDate(2030, 1, 1), QTime(12, 0, 0, 125));
 
 /** Makes both threads of the daemon look at the clock as soon as they can. */
 void wakeDaemon()
@@ -73,17 +70,44 @@ void Daemon::speedUp(int factor)
 
 void Daemon::controlClock()
 {
-    m_secondsPassed = 0;
-    writeClock(0);
+    takeClock(false);
+}
+
+void Daemon::stopClock()
+{
+    takeClock(true);
+}
+
+void Daemon::takeClock(bool isStopped)
+{
+    m_isClockStopped = isStopped;
+    m_millisecondsPassed = 0;
+    writeClock();
     setWrapper({QStringLiteral("env"), QStringLiteral("FAKETIME_NO_CACHE=1"),
                 QStringLiteral("FAKETIME_TIMESTAMP_FILE=") + clockFile,
                 QStringLiteral("LD_PRELOAD=/usr/$LIB/faketime/libfaketime.so.1")});
 }
 
+void Daemon::writeClock() const
+{
+    const QDateTime time = stoppedClock.addMSecs(m_millisecondsPassed);
+    // The daemon must never read half of it.
+    writeFile(clockFile + QStringLiteral(".new"),
+              m_isClockStopped ? time.toString(QStringLiteral("yyyy-MM-dd HH:mm:ss.zzz")).toLatin1()
+                               : '+' + QByteArray::number(m_millisecondsPassed / 1000.0, 'f', 3));
+    if (std::rename(qPrintable(clockFile + QStringLiteral(".new")), qPrintable(clockFile)) != 0)
+        qFatal("cannot set the clock");
+}
+
 void Daemon::letTimePass(int seconds)
 {
-    m_secondsPassed += seconds;
-    writeClock(m_secondsPassed);
+    letMillisecondsPass(seconds * 1000);
+}
+
+void Daemon::letMillisecondsPass(int milliseconds)
+{
+    m_millisecondsPassed += milliseconds;
+    writeClock();
     wakeDaemon();
 }
 

@@ -23,6 +23,12 @@ public:
      */
     void controlClock();
     void letTimePass(int seconds);
+    /**
+     * As controlClock(), but the clock stands still in between: what is due is known to the
+     * millisecond.
+     */
+    void stopClock();
+    void letMillisecondsPass(int milliseconds);
     /** Lets the time of one call to a peer pass again and again, until @p condition holds. */
     void letTimePassUntil(const std::function<bool()> &condition);
     /** A variable of the daemon's environment, on top of the test's own. */
@@ -74,13 +80,16 @@ public:
     bool waitForOutput(const QString &text);
 
 private:
+    void takeClock(bool isStopped);
+    void writeClock() const;
     void drain();
     bool waitUntil(const std::function<bool()> &condition, int milliseconds = 20000);
 
     QProcess m_process;
     QStringList m_wrapper;
     bool m_isMeantToRun = false;
-    int m_secondsPassed = 0;
+    bool m_isClockStopped = false;
+    int m_millisecondsPassed = 0;
     QByteArray m_log;
     QByteArray m_output;
 };

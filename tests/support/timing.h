@@ -6,7 +6,8 @@
 /**
  * Fails the test when @p time is too early for a timer that was set at @p start for @p seconds.
  *
- * A timer may be a twentieth early; a late one says nothing but that the machine is busy.
+ * The start that a test knows may come after the timer was set, on a busy machine by a twentieth of
+ * the time; a late timer says nothing but that the machine is busy.
  */
 #define VERIFY_NOT_EARLY(time, start, seconds)                                                     \
     QVERIFY2((time) - (start) >= 0.95 * (seconds),                                                 \

@@ -1,0 +1,122 @@
+#include "wifitest.h"
+
+/** What the network adaptors' times are to the millisecond, on the running daemon. */
+class TestNetworkTimers : public WifiTest
+{
+    Q_OBJECT
+
+private Q_SLOTS:
+    void init();
+
+    void aWiredAttemptTakesSixtySeconds();
+    void theStationsModuleTakesTwoSeconds();
+    void aScanTakesFifteenSeconds();
+    void anAttemptToJoinTakesSixtySeconds();
+    void aDisconnectTakesFifteenSeconds();
+    void theAccessPointTakesTwoSecondsAndThenThree();
+    void theAccessPointIsLookedAtAgainAfterThreeSeconds();
+
+private:
+    void passTo(int milliseconds, const QStringList &expected);
+    static QString accessPoint(const char *name) { return state("WIFIAP", "/net/wap", name); }
+
+    const QString operationalState = "/sys/class/net/wifi_ap/operstate";
+    const QVariantMap accessPointSettings = {
+        {"SSID", "Lab"}, {"Channel", 6}, {"IP", "192.168.7.1"}};
+};
+
+void TestNetworkTimers::init()
+{
+    WifiTest::init();
+    daemon.stopClock();
+}
+
+/** Lets that much time pass: nothing is announced before its end, and then @p expected is. */
+void TestNetworkTimers::passTo(int milliseconds, const QStringList &expected)
+{
+    daemon.letMillisecondsPass(milliseconds - 1);
+    QCOMPARE(announced(), QStringList());
+    QCOMPARE(announced(), QStringList());
+    daemon.letMillisecondsPass(1);
+    QCOMPARE(recorder->waitFor(expected.size()), expected);
+}
+
+void TestNetworkTimers::aWiredAttemptTakesSixtySeconds()
+{
+    begin();
+    ethernet.call("connect");
+    QCOMPARE(recorder->waitFor(1), QStringList{state("Ethernet", "", "association")});
+
+    for (int times = 0; times < 3; ++times)
+        passTo(60000, {state("Ethernet", "", "failure")});
+}
+
+void TestNetworkTimers::theStationsModuleTakesTwoSeconds()
+{
+    connman.setServices({network("Lab", "idle")});
+    begin();
+    join();
+    waitForScripts();
+
+    passTo(2000, {association});
+}
+
+void TestNetworkTimers::aScanTakesFifteenSeconds()
+{
+    begin();
+    wifi.call("scan");
+    letModuleSwitch();
+    announced();
+
+    passTo(13000, {"WIFI.servicesListChanged({})"});
+}
+
+void TestNetworkTimers::anAttemptToJoinTakesSixtySeconds()
+{
+    reach("association");
+
+    passTo(58000, {failure});
+}
+
+void TestNetworkTimers::aDisconnectTakesFifteenSeconds()
+{
+    begin();
+    connman.storeProperty(ConnmanStandIn::wifiTechnology, "Powered", true);
+    QCOMPARE(wifi.call("disconnect"), QString("()"));
+    announced();
+
+    passTo(15000, {state("WIFI", "", "idle")});
+}
+
+void TestNetworkTimers::theAccessPointTakesTwoSecondsAndThenThree()
+{
+    begin();
+    QCOMPARE(wifiAp.call("connect", {accessPointSettings}), QString("()"));
+    waitForScripts();
+    announced();
+
+    passTo(2000, {accessPoint("ready")});
+    passTo(3000, {accessPoint("online")});
+}
+
+void TestNetworkTimers::theAccessPointIsLookedAtAgainAfterThreeSeconds()
+{
+    begin();
+    QCOMPARE(wifiAp.call("connect", {accessPointSettings}), QString("()"));
+    waitForScripts();
+    announced();
+    passTo(2000, {accessPoint("ready")});
+    script.setCarrier(false);
+    QTRY_VERIFY(readFile(operationalState) != "up\n");
+
+    passTo(3000, {});
+    // A timer that is due is served after the calls that came before.
+    QCOMPARE(announced(), QStringList());
+    script.setCarrier(true);
+    QTRY_COMPARE(readFile(operationalState), QByteArray("up\n"));
+
+    passTo(3000, {accessPoint("online")});
+}
+
+WORLD_TEST_MAIN(TestNetworkTimers)
+#include "test_networktimers.moc"
