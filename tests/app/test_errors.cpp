@@ -1,5 +1,6 @@
 #include "board.h"
 #include "documentederrors.h"
+#include "samplerecords.h"
 #include "wifitest.h"
 
 #include <QDBusObjectPath>
@@ -70,27 +71,6 @@ QString ofAny(const char *name, const char *text)
 QString ofAgent(const char *member, const char *name)
 {
     return QStringLiteral("net.connman.Agent %1 net.connman.Agent.Error.%2 ").arg(member, name);
-}
-
-QVariantMap instrumentRecord()
-{
-    QVariantMap record;
-    for (const char *key : {"Subsidiary", "Fabrication", "Brand", "Type", "TroubleshootingTag",
-                            "RelaunchTag", "FirstPassTag"})
-        record.insert(key, 1);
-    for (const char *key :
-         {"SerialNumber", "WarrantyNumber", "IrdInstrumentPassword", "IrdSessionPassword"})
-        record.insert(key, QByteArray("x"));
-    record.insert("Model", "8345");
-    return record;
-}
-
-QVariantMap measureRecord()
-{
-    return {{"AdjustementSite", 1},
-            {"AdjustementDate", 1u},
-            {"NextAdjustementDate", 1u},
-            {"AdjustementCoefficients", QVariantList{1u}}};
 }
 } // namespace
 

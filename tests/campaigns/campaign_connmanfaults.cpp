@@ -84,16 +84,7 @@ const Remote &TestConnmanFaults::remote(const QString &adaptor) const
 void TestConnmanFaults::reachEthernet(const QString &name)
 {
     connman.setServices({wired()});
-    QCOMPARE(ethernet.call("connect"), QString("()"));
-    QVERIFY(connman.waitForCall(poweredOn));
-    if (name != "association") {
-        connman.setProperty(ConnmanStandIn::ethernetTechnology, "Powered", true);
-        QVERIFY(connman.waitForCall("Service.SetProperty"));
-    }
-    if (name == "online") {
-        connman.storeProperty(cable, "IPv4", lease);
-        connman.setProperty(ConnmanStandIn::ethernetTechnology, "Connected", true);
-    }
+    connectEthernet(ethernet, connman, name);
 }
 
 void TestConnmanFaults::reachAccessPoint(const QString &name)

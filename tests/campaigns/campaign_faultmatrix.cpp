@@ -3,6 +3,7 @@
 #include "figures.h"
 #include "introspection.h"
 #include "render.h"
+#include "samplerecords.h"
 
 #include <QDBusConnection>
 #include <QDBusObjectPath>
@@ -106,25 +107,6 @@ struct Arguments {
     const char *method;
     QList<QVariantList> lists;
 };
-
-QVariantMap instrumentRecord()
-{
-    QVariantMap map;
-    for (const char *key : {"Subsidiary", "Fabrication", "Brand", "Type", "SerialNumber",
-                            "WarrantyNumber", "TroubleshootingTag", "RelaunchTag", "FirstPassTag",
-                            "IrdInstrumentPassword", "IrdSessionPassword"})
-        map.insert(QLatin1String(key), 1);
-    map.insert(QStringLiteral("Model"), QStringLiteral("8345"));
-    return map;
-}
-
-QVariantMap measureRecord()
-{
-    return {{"AdjustementSite", 7},
-            {"AdjustementDate", 8},
-            {"NextAdjustementDate", 9},
-            {"AdjustementCoefficients", QVariantList{1u, 2u, 3u}}};
-}
 
 const QList<Arguments> validArguments = {
     {"Users.setUser", {{"user2"}}},
@@ -782,7 +764,7 @@ void TestFaultMatrix::everyFaultIsSurvived()
         if (!stimulus.isStart)
             other = Remote("/KyConfigMgr", "Users").start("getUser");
         if (m_isLong)
-            QTest::qWait(3000);
+            daemon.letTimePass(3);
         Board::clearFaults();
     }
     const QString reply = stimulus.finish();

@@ -3,6 +3,7 @@
 #include "daemontest.h"
 #include "instrumentrecord.h"
 #include "measurerecord.h"
+#include "samplerecords.h"
 #include "wire.h"
 
 #include <QDBusArgument>
@@ -123,24 +124,6 @@ const QString done = QStringLiteral("()");
 const QString protectionLifted = QStringLiteral("KyEeprom.setWriteEnable(true) = 0");
 const QString protectionRestored = QStringLiteral("KyEeprom.setWriteEnable(false) = 0");
 
-QVariantMap instrument()
-{
-    return {
-        {"Subsidiary", 1},
-        {"Fabrication", 2},
-        {"Brand", 3},
-        {"Type", 4},
-        {"Model", "8345"},
-        {"SerialNumber", QByteArray("12345678")},
-        {"WarrantyNumber", QByteArray("123456789")},
-        {"TroubleshootingTag", 5},
-        {"RelaunchTag", 6},
-        {"FirstPassTag", 7},
-        {"IrdInstrumentPassword", QByteArray(30, 'i')},
-        {"IrdSessionPassword", QByteArray(16, 's')},
-    };
-}
-
 const QString renderedInstrument =
     QStringLiteral("({\"Brand\": <3>, \"CRC\": <true>, \"Fabrication\": <2>, \"FirstPassTag\": <7>,"
                    " \"IrdInstrumentPassword\": <ay:\"") +
@@ -150,18 +133,6 @@ const QString renderedInstrument =
                    " \"SerialNumber\": <ay:\"3132333435363738\">, \"Subsidiary\": <1>,"
                    " \"TroubleshootingTag\": <5>, \"Type\": <4>,"
                    " \"WarrantyNumber\": <ay:\"313233343536373839\">})");
-
-QVariantMap measure()
-{
-    QVariantMap map{{"AdjustementSite", 500},
-                    {"AdjustementDate", 4000000000U},
-                    {"NextAdjustementDate", 4000000001U}};
-    QVariantList coefficients;
-    for (uint index = 0; index < 296; ++index)
-        coefficients << 0xFFFFFFFFU - index;
-    map.insert("AdjustementCoefficients", coefficients);
-    return map;
-}
 
 QVector<quint32> coefficients()
 {
@@ -201,7 +172,7 @@ QString errorLine(const QString &failure)
 QString instrumentValues(const QString &key, const QString &value)
 {
     QStringList entries;
-    for (const QString &field : instrument().keys())
+    for (const QString &field : instrumentRecord().keys())
         entries << field + QLatin1Char(' ') + (field == key ? value : QStringLiteral("i 1"));
     return QStringLiteral("a{sv} 12 ") + entries.join(QLatin1Char(' '));
 }
@@ -216,8 +187,8 @@ QString measureValues(const QString &coefficientValue)
 } // namespace
 
 TestEeprom::TestEeprom()
-    : instrumentBytes(encodeInstrumentRecord(instrument())),
-      measureBytes(encodeMeasureRecord(measure(), coefficients()))
+    : instrumentBytes(encodeInstrumentRecord(instrumentRecord())),
+      measureBytes(encodeMeasureRecord(measureRecord(), coefficients()))
 {
 }
 
@@ -315,7 +286,7 @@ void TestEeprom::getTellsTheLibraryTheModel()
 {
     QFETCH(QString, model);
     QFETCH(int, number);
-    QVariantMap map = instrument();
+    QVariantMap map = instrumentRecord();
     map["Model"] = model;
     map["Brand"] = 255;
     Board::setBytes("eeprom/instrument", encodeInstrumentRecord(map));
@@ -399,8 +370,8 @@ void TestEeprom::aFailedReadStaysUntilASet()
     QCOMPARE(version.call(getInstrument), invalid);
     QCOMPARE(version.call(getMeasure), invalid);
 
-    QCOMPARE(version.call(setInstrument, {instrument()}), done);
-    QCOMPARE(version.call(setMeasure, {measure()}), done);
+    QCOMPARE(version.call(setInstrument, {instrumentRecord()}), done);
+    QCOMPARE(version.call(setMeasure, {measureRecord()}), done);
     QCOMPARE(version.call(getInstrument), renderedInstrument);
     QCOMPARE(version.call(getMeasure), renderedMeasure());
 }
@@ -435,7 +406,7 @@ void TestEeprom::setWritesTheInstrumentRecord()
     const QByteArray other = Board::bytes("eeprom/measure");
     Board::clearJournal();
 
-    QCOMPARE(version.call(setInstrument, {instrument()}), done);
+    QCOMPARE(version.call(setInstrument, {instrumentRecord()}), done);
 
     QCOMPARE(calls(),
              (QStringList{protectionLifted, written(0, instrumentBytes), protectionRestored}));
@@ -451,7 +422,7 @@ void TestEeprom::setWritesTheMeasureRecord()
     const QByteArray other = Board::bytes("eeprom/instrument");
     Board::clearJournal();
 
-    QCOMPARE(version.call(setMeasure, {measure()}), done);
+    QCOMPARE(version.call(setMeasure, {measureRecord()}), done);
 
     QCOMPARE(calls(),
              (QStringList{protectionLifted, written(1, measureBytes), protectionRestored}));
@@ -463,8 +434,8 @@ void TestEeprom::setWritesTheMeasureRecord()
 void TestEeprom::setRecordsAreReadAgainAfterARestart()
 {
     QVERIFY(daemon.start());
-    QCOMPARE(version.call(setInstrument, {instrument()}), done);
-    QCOMPARE(version.call(setMeasure, {measure()}), done);
+    QCOMPARE(version.call(setInstrument, {instrumentRecord()}), done);
+    QCOMPARE(version.call(setMeasure, {measureRecord()}), done);
     daemon.stop();
     QVERIFY(daemon.start());
     QCOMPARE(version.call(getInstrument), renderedInstrument);
@@ -474,7 +445,7 @@ void TestEeprom::setRecordsAreReadAgainAfterARestart()
 void TestEeprom::getAfterASetReturnsWhatWasSetUnread()
 {
     QVERIFY(daemon.start());
-    QVariantMap map = instrument();
+    QVariantMap map = instrumentRecord();
     map["SerialNumber"] = "four";
     map["Brand"] = 1000;
     QCOMPARE(version.call(setInstrument, {map}), done);
@@ -546,7 +517,7 @@ void TestEeprom::getAfterASetKeepsTheTypesOfTheCaller()
 void TestEeprom::getAfterASetReplacesTheCallersCrc()
 {
     QVERIFY(daemon.start());
-    QVariantMap map = instrument();
+    QVariantMap map = instrumentRecord();
     map["CRC"] = "mine";
     QCOMPARE(version.call(setInstrument, {map}), done);
     QCOMPARE(version.call(getInstrument), renderedInstrument);
@@ -569,7 +540,8 @@ void TestEeprom::entriesThatAreNoFieldsAreKeptUpTo64KiB()
         QString set;
         QString get;
         QVariantMap record;
-    } rows[] = {{setInstrument, getInstrument, instrument()}, {setMeasure, getMeasure, measure()}};
+    } rows[] = {{setInstrument, getInstrument, instrumentRecord()},
+                {setMeasure, getMeasure, measureRecord()}};
     for (const auto &row : rows) {
         QVariantMap record = row.record;
         // One byte of key, 8 of length and 65527 of text: not one more fits.
@@ -594,7 +566,7 @@ void TestEeprom::entriesThatAreNoFieldsAreKeptUpTo64KiB()
 void TestEeprom::fieldsAreKeptWhateverTheirSize()
 {
     QVERIFY(daemon.start());
-    QVariantMap record = instrument();
+    QVariantMap record = instrumentRecord();
     record["SerialNumber"] = QByteArray(1000000, 'x');
     record["IrdSessionPassword"] = QString(1000000, 'y');
     QCOMPARE(version.call(setInstrument, {record}), done);
@@ -692,7 +664,7 @@ void TestEeprom::instrumentValuesAreConverted()
 void TestEeprom::aModelThatWasSetIsToldAtTheNextRead()
 {
     QVERIFY(daemon.start());
-    QVariantMap map = instrument();
+    QVariantMap map = instrumentRecord();
     map["Model"] = "8347";
     QCOMPARE(version.call(setInstrument, {map}), done);
     Board::clearJournal();
@@ -723,7 +695,8 @@ void TestEeprom::coefficientsAreTakenFromEveryList()
     QFETCH(QVector<quint32>, numbers);
     QVERIFY(daemon.start());
     QCOMPARE(set(setMeasure, measureValues(list)), done);
-    QVERIFY(calls().contains(written(1, encodeMeasureRecord(measureFields(measure()), numbers))));
+    QVERIFY(
+        calls().contains(written(1, encodeMeasureRecord(measureFields(measureRecord()), numbers))));
 }
 
 void TestEeprom::coefficientsThatAreNoListAreNone_data()
@@ -740,8 +713,9 @@ void TestEeprom::coefficientsThatAreNoListAreNone()
     QVERIFY(daemon.start());
     Board::clearJournal();
     QCOMPARE(set(setMeasure, measureValues(value)), done);
-    QCOMPARE(calls(), (QStringList{protectionLifted, written(1, encodeMeasureRecord(measure(), {})),
-                                   protectionRestored}));
+    QCOMPARE(calls(),
+             (QStringList{protectionLifted, written(1, encodeMeasureRecord(measureRecord(), {})),
+                          protectionRestored}));
 }
 
 void TestEeprom::anotherNumberOfCoefficientsReadsBackInvalid_data()
@@ -755,7 +729,7 @@ void TestEeprom::anotherNumberOfCoefficientsReadsBackInvalid()
 {
     QFETCH(int, count);
     QVERIFY(daemon.start());
-    QVariantMap map = measure();
+    QVariantMap map = measureRecord();
     map["AdjustementCoefficients"] =
         QVariant::fromValue(QList<uint>::fromVector(QVector<uint>(count, 0x01020304)));
     QCOMPARE(version.call(setMeasure, {map}), done);
@@ -769,7 +743,7 @@ void TestEeprom::moreCoefficientsThanTheEepromHoldsAreAWriteError()
 {
     QVERIFY(daemon.start());
     const QByteArray before = Board::bytes("eeprom/measure");
-    QVariantMap map = measure();
+    QVariantMap map = measureRecord();
     map["AdjustementCoefficients"] =
         QVariant::fromValue(QList<uint>::fromVector(QVector<uint>(200000, 1)));
 
@@ -783,7 +757,7 @@ void TestEeprom::moreCoefficientsThanTheEepromHoldsAreAWriteError()
 void TestEeprom::setRefusesAnInstrumentMapWithAMissingKey_data()
 {
     QTest::addColumn<QString>("key");
-    for (const QString &key : instrument().keys())
+    for (const QString &key : instrumentRecord().keys())
         QTest::newRow(qPrintable(key)) << key;
 }
 
@@ -794,7 +768,7 @@ void TestEeprom::setRefusesAnInstrumentMapWithAMissingKey()
     version.call(getInstrument);
     const QByteArray before = Board::bytes("eeprom/instrument");
     Board::clearJournal();
-    QVariantMap map = instrument();
+    QVariantMap map = instrumentRecord();
     map.remove(key);
     map.insert(key.toLower(), 1);
 
@@ -807,7 +781,7 @@ void TestEeprom::setRefusesAnInstrumentMapWithAMissingKey()
 void TestEeprom::setRefusesAMeasureMapWithAMissingKey_data()
 {
     QTest::addColumn<QString>("key");
-    for (const QString &key : measure().keys())
+    for (const QString &key : measureRecord().keys())
         QTest::newRow(qPrintable(key)) << key;
 }
 
@@ -817,7 +791,7 @@ void TestEeprom::setRefusesAMeasureMapWithAMissingKey()
     QVERIFY(daemon.start());
     const QByteArray before = Board::bytes("eeprom/measure");
     Board::clearJournal();
-    QVariantMap map = measure();
+    QVariantMap map = measureRecord();
     map.remove(key);
     // The usual spelling is not that of the key.
     map.insert("AdjustmentSite", 1);
@@ -852,9 +826,9 @@ void TestEeprom::protectionThatCannotBeLiftedStopsASet_data()
     QTest::addColumn<QString>("getter");
     QTest::addColumn<QVariantMap>("map");
     QTest::addColumn<QString>("values");
-    QTest::newRow("instrument") << setInstrument << getInstrument << instrument()
+    QTest::newRow("instrument") << setInstrument << getInstrument << instrumentRecord()
                                 << renderedInstrument;
-    QTest::newRow("measure") << setMeasure << getMeasure << measure() << renderedMeasure();
+    QTest::newRow("measure") << setMeasure << getMeasure << measureRecord() << renderedMeasure();
 }
 
 void TestEeprom::protectionThatCannotBeLiftedStopsASet()
@@ -963,9 +937,9 @@ void TestEeprom::noSignalEndsItWhileTheProtectionIsLifted_data()
             << method << arguments << signal << isToAnotherThread;
     };
     for (const int signal : {SIGTERM, SIGINT, SIGHUP, SIGQUIT, SIGABRT, SIGUSR1, SIGUSR2, SIGALRM})
-        row(setInstrument, {instrument()}, signal);
-    row(setInstrument, {instrument()}, SIGTERM, true);
-    row(setMeasure, {measure()}, SIGTERM);
+        row(setInstrument, {instrumentRecord()}, signal);
+    row(setInstrument, {instrumentRecord()}, SIGTERM, true);
+    row(setMeasure, {measureRecord()}, SIGTERM);
     row(invalidate, {}, SIGTERM);
 }
 
@@ -1009,7 +983,7 @@ void TestEeprom::aHungWriteIsEndedByAKill()
 {
     QVERIFY(daemon.start());
     Board::fault("KyEeprom.writeEeprom", "hold");
-    version.start(setInstrument, {instrument()});
+    version.start(setInstrument, {instrumentRecord()});
     QVERIFY(Board::waitFor("held", "KyEeprom.writeEeprom"));
     QCOMPARE(kill(pid_t(daemon.processId()), SIGTERM), 0);
     QCOMPARE(kill(pid_t(daemon.processId()), SIGKILL), 0);

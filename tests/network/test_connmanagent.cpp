@@ -215,8 +215,7 @@ void TestConnmanAgent::theAgentIsRegisteredForAConnectOnly()
 {
     connman.setServices({network("Lab", "idle")});
     begin();
-    wifi.call("scan");
-    letModuleSwitch();
+    scan();
     announced();
     QVERIFY(!orders().contains(registerAgent));
 

@@ -58,7 +58,6 @@ private Q_SLOTS:
     void aPlantedTraceIsNotWrittenTo();
 
 private:
-    void scan();
     void startScan();
     void announceServices(const ListedObjects &services);
     static QString list(const QString &entries);
@@ -70,13 +69,6 @@ private:
 void TestWifiScan::initTestCase()
 {
     qDBusRegisterMetaType<Texts>();
-}
-
-/** Starts a scan and lets the module be switched. */
-void TestWifiScan::scan()
-{
-    QCOMPARE(wifi.call("scan"), QString("()"));
-    letModuleSwitch();
 }
 
 /** Starts a scan and waits until the technology is told to be on. */

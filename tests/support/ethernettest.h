@@ -36,6 +36,9 @@ QVariant variant(const QVariant &value);
 /** The announcement of a state. */
 QString state(const char *name, const QString &service = QString());
 
+/** Connects as a client would, and has ConnMan lead to "association", "ready" or "online". */
+void connectEthernet(const Remote &ethernet, ConnmanStandIn &connman, const QString &name);
+
 /** Adds the column "value" with values of every shape that is no map of properties. */
 void addMalformedValues();
 
@@ -51,7 +54,7 @@ protected:
     /** Starts the daemon and forgets what it did so far. */
     void startDaemon();
 
-    /** Connects as a client would, until "association", "ready" or "online" is reached. */
+    /** As connectEthernet(), until the daemon is there; forgets what happened on the way. */
     void connectUntil(const QString &name);
 
     /** What the daemon asked of ConnMan for the wired interface since the last look. */

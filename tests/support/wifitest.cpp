@@ -32,6 +32,12 @@ void WifiTest::letModuleSwitch()
                          script.log().count(QStringLiteral("end 1"))));
 }
 
+void WifiTest::scan()
+{
+    QCOMPARE(wifi.call(QStringLiteral("scan")), QStringLiteral("()"));
+    letModuleSwitch();
+}
+
 void WifiTest::reach(const QString &name)
 {
     connman.setServices({network(QStringLiteral("Lab"), QStringLiteral("idle"))});

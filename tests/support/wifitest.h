@@ -15,6 +15,9 @@ protected:
     /** Waits until the station has dealt with the module that its script has switched. */
     void letModuleSwitch();
 
+    /** Starts a scan and lets the module be switched. */
+    void scan();
+
     /**
      * Starts the daemon and joins "Lab" until the state is "association", "configuration" or
      * "online"; forgets what happened on the way.
