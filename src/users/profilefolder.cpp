@@ -237,7 +237,8 @@ bool eraseSubfolder(const Descriptor &folder, const QByteArray &name, int depth)
 bool eraseContents(const Descriptor &folder, int depth)
 {
     std::vector<Entry> entries;
-    if (depth > deepest || !readEntries(folder, entries))
+    // One more than is copied: a power cut leaves a copy one level deeper.
+    if (depth > deepest + 1 || !readEntries(folder, entries))
         return false;
     std::vector<QByteArray> folders;
     for (const Entry &entry : entries) {
