@@ -45,31 +45,48 @@ void notifySystemd(const QByteArray &text)
     static_cast<void>(sent);
     close(socket);
 }
+int interval()
+{
+    return watchdogInterval(qgetenv("WATCHDOG_USEC"), qgetenv("WATCHDOG_PID"),
+                            QCoreApplication::applicationPid());
+}
+
+/** What only the bus itself can answer. */
+QDBusMessage question()
+{
+    const QString bus = QStringLiteral("org.freedesktop.DBus");
+    return QDBusMessage::createMethodCall(bus, QStringLiteral("/org/freedesktop/DBus"), bus,
+                                          QStringLiteral("GetId"));
+}
 } // namespace
 
 SystemdWatchdog::SystemdWatchdog()
 {
-    const int interval = watchdogInterval(qgetenv("WATCHDOG_USEC"), qgetenv("WATCHDOG_PID"),
-                                          QCoreApplication::applicationPid());
-    if (interval == 0)
+    if (interval() == 0)
         return;
     connect(&m_timer, &QTimer::timeout, this, &SystemdWatchdog::askBus);
-    m_timer.start(interval);
+    m_timer.start(interval());
     askBus();
 }
 
-/** Asks what only the bus itself can answer, and tells systemd once the answer is here. */
+/** Asks the bus, and tells systemd once the answer is here. */
 void SystemdWatchdog::askBus()
 {
-    const QString bus = QStringLiteral("org.freedesktop.DBus");
-    auto *answer = new QDBusPendingCallWatcher(
-        QDBusConnection::systemBus().asyncCall(QDBusMessage::createMethodCall(
-            bus, QStringLiteral("/org/freedesktop/DBus"), bus, QStringLiteral("GetId"))),
-        this);
+    auto *answer =
+        new QDBusPendingCallWatcher(QDBusConnection::systemBus().asyncCall(question()), this);
     connect(answer, &QDBusPendingCallWatcher::finished, this, [](QDBusPendingCallWatcher *reply) {
         // A bus that is gone is answered for by the library, with an error.
         if (!reply->isError())
             notifySystemd("WATCHDOG=1");
         reply->deleteLater();
     });
+}
+
+void pingSystemdMeanwhile()
+{
+    const int longestWait = 5000;
+    if (interval() != 0 &&
+        QDBusConnection::systemBus().call(question(), QDBus::Block, longestWait).type() ==
+            QDBusMessage::ReplyMessage)
+        notifySystemd("WATCHDOG=1");
 }

@@ -20,7 +20,7 @@ int watchdogInterval(const QByteArray &allowed, const QByteArray &process, qint6
  * Tells systemd that the daemon works, for as long as it does: as long as its main loop asks the
  * bus a question and receives the answer over the connection.
  *
- * Where systemd supervises nothing, nothing is asked and no timer runs.
+ * Where systemd has no watchdog, nothing is asked and no timer runs.
  */
 class SystemdWatchdog : public QObject
 {
@@ -35,5 +35,11 @@ private:
 
     QTimer m_timer;
 };
+
+/**
+ * The same once, for a main loop that has waited in vain for a peer's answer and may have to wait
+ * for another one before it returns. Waits for the bus, for at most 5 s.
+ */
+void pingSystemdMeanwhile();
 
 #endif

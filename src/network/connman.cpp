@@ -1,6 +1,7 @@
 #include "connman.h"
 
 #include "busvalue.h"
+#include "systemdwatchdog.h"
 
 #include <QDBusConnection>
 #include <QDBusConnectionInterface>
@@ -8,6 +9,7 @@
 #include <QDBusMetaType>
 #include <QDBusReply>
 #include <QDBusVariant>
+#include <QElapsedTimer>
 
 #include <utility>
 
@@ -45,6 +47,9 @@ namespace
 const QString propertyChanged = QStringLiteral("PropertyChanged");
 const QString propertyChangedSignature = QStringLiteral("sv");
 
+/** In ms. An ordinary answer takes a thousandth of it. */
+const int longCall = 1000;
+
 template <typename Type>
 void registerType(const char *name)
 {
@@ -63,7 +68,13 @@ QDBusMessage call(const QString &path, const QString &interface, const QString &
 {
     QDBusMessage message = methodCall(path, interface, method);
     message.setArguments(arguments);
-    return QDBusConnection::systemBus().call(message);
+    QElapsedTimer duration;
+    duration.start();
+    const QDBusMessage reply = QDBusConnection::systemBus().call(message);
+    // Two of these at 25 s are more than systemd's watchdog allows.
+    if (duration.elapsed() > longCall)
+        pingSystemdMeanwhile();
+    return reply;
 }
 
 QDBusError setProperty(const QString &path, const QString &interface, const QString &name,

@@ -1,6 +1,8 @@
 #include "busmonitor.h"
 #include "wifitest.h"
 
+#include <QRegularExpression>
+
 /** Leaving a Wi-Fi network, and what is known of it; on the running daemon. */
 class TestWifiDisconnect : public WifiTest
 {
@@ -26,6 +28,7 @@ private Q_SLOTS:
     void aConnManThatDiesMeanwhileEndsIdle();
     void aConnManThatStandsStillDoesNotHinderTheEnd_data();
     void aConnManThatStandsStillDoesNotHinderTheEnd();
+    void aConnManThatStandsStillDoesNotStopThePings();
     void aScriptThatRunsDoesNotHinderTheEnd();
     void theModuleOfAnEndedAttemptStaysOff_data();
     void theModuleOfAnEndedAttemptStaysOff();
@@ -302,6 +305,25 @@ void TestWifiDisconnect::aConnManThatStandsStillDoesNotHinderTheEnd()
     letModuleSwitch();
     QVERIFY(connman.waitForCall(connectLab));
     QCOMPARE(announced(), QStringList{association});
+}
+
+void TestWifiDisconnect::aConnManThatStandsStillDoesNotStopThePings()
+{
+    // A watchdog whose timer does not come in between.
+    daemon.setEnvironment("WATCHDOG_USEC", "3000000000000");
+    reachPowered("online");
+    BusMonitor monitor;
+    connman.freeze();
+
+    const QDBusPendingCall reply = wifi.start("disconnect");
+    daemon.letTimePassUntil([&] { return reply.isFinished(); });
+
+    const QString question = "call org.freedesktop.DBus.GetId()";
+    QCOMPARE(monitor.takeFromDaemon().filter(QRegularExpression("^call net.connman|GetId")),
+             (QStringList{"call net.connman.Service.Remove()", question,
+                          "call net.connman.Technology.SetProperty(sv)", question,
+                          "call net.connman.Manager.UnregisterAgent(o)", question}));
+    daemon.resetEnvironment();
 }
 
 void TestWifiDisconnect::aScriptThatRunsDoesNotHinderTheEnd()
