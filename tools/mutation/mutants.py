@@ -1,4 +1,4 @@
-"""The small mistakes that can be made in a source file, each of which a test should notice."""
+"""The mutants of a source file: each is one small edit, which a test should notice."""
 
 import collections
 import hashlib
@@ -96,7 +96,7 @@ def edits(text, names):
     for match in re.finditer(r'\b(?:if|while) \(', code):
         end = closing(code, match.end() - 1)
         condition = text[match.end():end]
-        # Without the exclamation mark, it is the same mistake once more.
+        # Without the exclamation mark, it is the same mutant once more.
         if not condition.startswith('!') or '&&' in condition or '||' in condition:
             yield 'condition', match.end(), end, '!(' + condition + ')'
     for match in NUMBER.finditer(code):

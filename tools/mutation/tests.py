@@ -1,4 +1,9 @@
-"""Which tests judge a mistake in which file of src/: the quick ones first."""
+"""Which tests judge the mutants of which file of src/: the quick ones first."""
+
+import glob
+import os
+
+TREE = os.path.dirname(os.path.dirname(os.path.dirname(os.path.abspath(__file__))))
 
 NETWORK = ['test_connections', 'test_ethernet_settings', 'test_ethernet', 'test_wifiscan',
            'test_wificonnect', 'test_wifiattempt', 'test_wifidisconnect']
@@ -74,3 +79,11 @@ ADAPTORS = {
                                  'test_wifiap', 'test_wifiscan'],
     'users/kyusermgr': ['test_users', 'test_settings', 'test_startup'],
 }
+
+
+def tests_of(file):
+    """The tests of a file; those of its directory when the tables above do not know it."""
+    name = os.path.splitext(os.path.relpath(file, 'src'))[0]
+    others = sorted(glob.glob(os.path.join(TREE, 'tests', os.path.dirname(name), 'test_*.cpp')))
+    return PURE.get(name) or ADAPTORS.get(name) or [
+        os.path.splitext(os.path.basename(path))[0] for path in others]
