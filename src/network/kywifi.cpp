@@ -265,7 +265,7 @@ QString KyWifi::judgeConnect()
         setState(KyTcpIpState::Failure);
         return QString();
     }
-    const QString serviceState = service.properties.value(QStringLiteral("State")).toString();
+    QString serviceState = service.properties.value(QStringLiteral("State")).toString();
     switch (nextJoinStep(m_state, serviceState)) {
     case JoinStep::Wait:
         break;
