@@ -137,13 +137,15 @@ Answer findDaemon()
                   QStringLiteral("The name %1 has no owner").arg(daemonService));
 }
 
-Answer send(const QDBusMessage &message)
+Answer send(const QDBusMessage &message, QDBusMessage *whole)
 {
     if (!bus().isConnected())
         return refusal();
     QElapsedTimer timer;
     timer.start();
     const QDBusMessage reply = bus().call(message, QDBus::Block, replyTimeout);
+    if (whole)
+        *whole = reply;
     if (reply.type() == QDBusMessage::ErrorMessage) {
         // The bus says the same when the daemon ends, but at once. Qt's own timer is a coarse one.
         if (timer.hasExpired(replyTimeout / 10 * 9))

@@ -64,8 +64,12 @@ Answer call(const QString &path, const QString &interface, const QString &method
 /** Reads a property of the daemon. */
 Answer readProperty(const QString &path, const QString &interface, const QString &property);
 
-/** Sends any call, and waits for its reply. */
-Answer send(const QDBusMessage &message);
+/**
+ * Sends any call, and waits for its reply.
+ *
+ * @param reply takes it as it came, where that is wanted
+ */
+Answer send(const QDBusMessage &message, QDBusMessage *reply = nullptr);
 
 /** Subscribes a slot that takes the message to signals; an empty @p signal means all. */
 bool subscribe(const QString &path, const QString &interface, const QString &signal,

@@ -315,6 +315,10 @@ const QVector<Command> &ownCommands()
 {
     static const QVector<Command> table = {
         statusCommand(),
+        ownCommand("wifi forget",
+                   {ruled("NETWORK", isListedNetworkName,
+                          "1 to 32 characters without control characters", "name of the network")},
+                   "forget a network in reach, and its passphrase"),
         ownCommand("eeprom dump", {argument("FILE", Kind::Text, "a new file, for its owner alone")},
                    "copy both records, with the passwords, into a file"),
         restoreCommand(),

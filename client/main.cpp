@@ -2,6 +2,7 @@
 #include "calls.h"
 #include "commandline.h"
 #include "commands.h"
+#include "forget.h"
 #include "help.h"
 #include "invocation.h"
 #include "monitor.h"
@@ -52,6 +53,7 @@ const struct {
 } ownRunners[] = {
     {"status", runStatus},
     {"monitor", runMonitor},
+    {"wifi forget", forgetNetwork},
     {"eeprom dump", dumpRecords},
     {"eeprom restore", restoreRecords},
 };

@@ -1,11 +1,14 @@
 #include "operations.h"
 
+#include "connmanwatch.h"
+#include "failurereason.h"
 #include "follower.h"
 #include "output.h"
 #include "present.h"
 #include "terminal.h"
 
 #include <QJsonArray>
+#include <QJsonObject>
 
 namespace
 {
@@ -19,6 +22,35 @@ void printNetworks(const QVariantMap &networks)
                                      .arg(values.value(2).toString()));
     }
     print(lines.isEmpty() ? QStringLiteral("no network in reach\n") : lines.text());
+}
+
+/** The networks of a scan with the fields of each named. */
+QJsonObject networksJson(const QVariantMap &networks)
+{
+    QJsonObject object;
+    for (auto network = networks.constBegin(); network != networks.constEnd(); ++network) {
+        const QVariantList values = network.value().value<QVariantList>();
+        object.insert(network.key(),
+                      QJsonObject{{QStringLiteral("path"), values.value(0).toString()},
+                                  {QStringLiteral("strength"), values.value(1).toInt()},
+                                  {QStringLiteral("security"), values.value(2).toString()}});
+    }
+    return object;
+}
+
+/** The network that a connect is to join; empty for every other operation. */
+QString networkOf(const QVariantList &arguments)
+{
+    return arguments.value(0).toMap().value(QStringLiteral("Service")).toString();
+}
+
+/** Whether ConnMan says that the network is the one that is connected. */
+bool isJoined(const QString &network)
+{
+    QString path;
+    QString state;
+    ConnmanWatch(network).find(path, state);
+    return state == QLatin1String("ready") || state == QLatin1String("online");
 }
 
 /** The address that the interface of @p command has; empty while it is not connected. */
@@ -36,21 +68,34 @@ void printStates(const QStringList &states, const Invocation &invocation)
         print(states.last() + QLatin1Char('\n'));
 }
 
+QString failureText(const Command &command, const Follower &follower, const ConnmanWatch &watch)
+{
+    FailureFacts facts;
+    facts.group = command.words.section(QLatin1Char(' '), 0, 0);
+    facts.states = follower.states() + watch.states();
+    facts.error = watch.error();
+    facts.isListed = watch.isListed();
+    facts.isConnmanThere = ConnmanWatch::isConnmanThere();
+    const QString reason = failureReason(facts);
+    return reason.isEmpty() ? QStringLiteral("failed") : QStringLiteral("failed: ") + reason;
+}
+
 /** Tells how an operation ended, which took at most so many seconds. */
 ExitStatus reportOutcome(const Command &command, const Invocation &invocation,
-                         const Follower &follower, ExitStatus status, int seconds)
+                         const Follower &follower, const ConnmanWatch &watch, ExitStatus status,
+                         int seconds)
 {
     if (status == DaemonAway)
         fail(command, status, QStringLiteral("the board manager went away"));
     if (status == OutcomeMissing)
         fail(command, status, QStringLiteral("no outcome within %1 s").arg(seconds));
     if (status == OutcomeFailed)
-        fail(command, status, QStringLiteral("failed"));
+        fail(command, status, failureText(command, follower, watch));
     const bool bringsNetworks = command.outcome.success.isEmpty();
     if (!bringsNetworks)
         printStates(follower.states(), invocation);
     else if (invocation.has("--json"))
-        printJson(toJson(follower.networks()));
+        printJson(networksJson(follower.networks()));
     else if (status == Success)
         printNetworks(follower.networks());
     return status;
@@ -60,7 +105,8 @@ ExitStatus reportOutcome(const Command &command, const Invocation &invocation,
  * Whether @p command needs nothing done, or would be ignored, because the interface is connected:
  * the daemon answers a connect then as any other, and does nothing.
  */
-bool isDone(const Command &command, const Invocation &invocation, ExitStatus &status)
+bool isDone(const Command &command, const Invocation &invocation, const QVariantList &arguments,
+            ExitStatus &status)
 {
     if (command.method != QLatin1String("connect") || command.interface == QLatin1String("WIFIAP"))
         return false;
@@ -68,7 +114,7 @@ bool isDone(const Command &command, const Invocation &invocation, ExitStatus &st
     if (address.isEmpty())
         return false;
     status = Success;
-    if (command.interface == QLatin1String("Ethernet"))
+    if (command.interface == QLatin1String("Ethernet") || isJoined(networkOf(arguments)))
         printStates({command.outcome.success}, invocation);
     else
         status = fail(command, OutcomeFailed,
@@ -82,8 +128,9 @@ ExitStatus runOperation(const Command &command, const Invocation &invocation,
                         const QVariantList &arguments)
 {
     ExitStatus status = Success;
-    if (isDone(command, invocation, status))
+    if (isDone(command, invocation, arguments, status))
         return status;
+    ConnmanWatch watch(networkOf(arguments));
     Follower follower(command);
     const Answer answer = call(command.path, command.interface, command.method, arguments);
     if (!answer.isGood())
@@ -97,5 +144,5 @@ ExitStatus runOperation(const Command &command, const Invocation &invocation,
     const int seconds =
         invocation.has("--timeout") ? invocation.number("--timeout") : command.outcome.seconds;
     status = follower.wait(seconds);
-    return reportOutcome(command, invocation, follower, status, seconds);
+    return reportOutcome(command, invocation, follower, watch, status, seconds);
 }

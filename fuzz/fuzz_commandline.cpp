@@ -3,6 +3,7 @@
 #include "choices.h"
 #include "commandline.h"
 #include "commands.h"
+#include "failurereason.h"
 #include "help.h"
 #include "invocation.h"
 #include "ipv4rules.h"
@@ -61,6 +62,10 @@ void tryBus(Choices &choices)
                             QString::fromStdString(choices.text()),
                             host};
     require(!sentence(fault).isEmpty(), "every fault has a sentence");
+    require(!isServiceOf(host, QStringLiteral("Cafe")) || host.contains(QLatin1String("43616665")),
+            "a service is that of its name alone");
+    require(!failureReason({QStringLiteral("wifi"), {host}, QString(), false, true}).isEmpty(),
+            "an absent network is a reason");
 }
 
 bool readSecret(const QString &prompt, QString &secret)

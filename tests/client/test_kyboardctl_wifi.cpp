@@ -34,6 +34,11 @@ private Q_SLOTS:
     void theNetworkJoinedLastIsConfiguredAnew();
     void anAbsentNetworkFails();
     void aCableThatIsConnectedAlreadyLeadsOnline();
+    void withoutALeaseThereIsNoAddress();
+    void withoutConnmanNothingIsJoined();
+    void aNetworkIsForgotten();
+    void theNetworkThatIsJoinedIsLeftAndForgotten();
+    void aNetworkOutOfReachIsNotForgotten();
     void disconnectLeadsToIdle();
     void whileConnectedNothingElseIsTried();
     void aScanDoesNotEndAConnectThatHasJustBegun();
@@ -117,9 +122,12 @@ void TestKyboardctlWifi::scanForMachinesIsOneObject()
     const QJsonObject networks =
         QJsonDocument::fromJson(run({"--json", "wifi", "scan"}).output.toUtf8()).object();
     QCOMPARE(networks.keys(), (QStringList{"Cafe", "Grumpy", "Hall", "Workshop"}));
-    const QJsonArray hall = networks.value("Hall").toArray();
-    QCOMPARE(hall.at(1).toString(), QStringLiteral("62"));
-    QCOMPARE(hall.at(2).toString(), QStringLiteral("psk"));
+    const QJsonObject hall = networks.value("Hall").toObject();
+    QCOMPARE(hall.keys(), (QStringList{"path", "security", "strength"}));
+    QCOMPARE(hall.value("strength"), QJsonValue(62));
+    QCOMPARE(hall.value("security"), QJsonValue("psk"));
+    QCOMPARE(hall.value("path"),
+             QJsonValue("/net/connman/service/wifi_02aabbccdd03_48616c6c_managed_psk"));
 }
 
 void TestKyboardctlWifi::anEmptyAirIsNoFailure()
@@ -199,7 +207,8 @@ void TestKyboardctlWifi::aWrongPassphraseFailsAndTheRightOneThenLeadsOnline()
     const Result result = run({"wifi", "connect", "Workshop", "--timeout", "30"}, "eight seas\n");
     QCOMPARE(result.status, 5);
     QCOMPARE(result.output, QStringLiteral("failure\n"));
-    QCOMPARE(result.complaint, QStringLiteral("kyboardctl: wifi connect: failed\n"));
+    QCOMPARE(result.complaint,
+             QStringLiteral("kyboardctl: wifi connect: failed: wrong passphrase\n"));
 
     QCOMPARE(run({"wifi", "connect", "Workshop"}, "seven seas\n").status, 0);
 }
@@ -226,7 +235,8 @@ void TestKyboardctlWifi::anAbsentNetworkFails()
 {
     const Result result = run({"wifi", "connect", "Nowhere", "--open"});
     QCOMPARE(result.status, 5);
-    QCOMPARE(result.complaint, QStringLiteral("kyboardctl: wifi connect: failed\n"));
+    QCOMPARE(result.complaint,
+             QStringLiteral("kyboardctl: wifi connect: failed: network not found\n"));
 }
 
 void TestKyboardctlWifi::aCableThatIsConnectedAlreadyLeadsOnline()
@@ -244,6 +254,76 @@ void TestKyboardctlWifi::aCableThatIsConnectedAlreadyLeadsOnline()
     QCOMPARE(result.status, 0);
     QCOMPARE(QJsonDocument::fromJson(result.output.toUtf8()).array(),
              (QJsonArray{"association", "ready", "online"}));
+}
+
+void TestKyboardctlWifi::withoutALeaseThereIsNoAddress()
+{
+    supplicant.setDhcpServerMute(true);
+    QProcess client;
+    start(client, {"wifi", "connect", "Cafe", "--open"}, {});
+    const QString cafe = "/net/connman/service/wifi_02aabbccdd03_43616665_managed_none";
+    QTRY_COMPARE_WITH_TIMEOUT(RealConnman::properties(cafe).value("State").toString(),
+                              QStringLiteral("configuration"), 30000);
+    daemon.letTimePass(61);
+    const Result result = resultOf(client);
+    QCOMPARE(result.complaint, QStringLiteral("kyboardctl: wifi connect: failed: no address\n"));
+    QCOMPARE(result.status, 5);
+}
+
+void TestKyboardctlWifi::withoutConnmanNothingIsJoined()
+{
+    connman.kill();
+    const Result result = run({"wifi", "connect", "Cafe", "--open"});
+    QCOMPARE(result.complaint,
+             QStringLiteral("kyboardctl: wifi connect: failed: ConnMan does not run\n"));
+    QCOMPARE(result.status, 5);
+    const Result forgotten = run({"wifi", "forget", "Cafe"});
+    QCOMPARE(forgotten.complaint,
+             QStringLiteral("kyboardctl: wifi forget: ConnMan does not run\n"));
+    QCOMPARE(forgotten.status, 5);
+}
+
+void TestKyboardctlWifi::aNetworkIsForgotten()
+{
+    const QString settings = "/var/lib/connman/"
+                             "wifi_02aabbccdd03_576f726b73686f70_managed_psk/settings";
+    QCOMPARE(run({"wifi", "connect", "Workshop"}, "seven seas\n").complaint, QString());
+    // A daemon that starts switches the radio off: ConnMan knows the network, and lists none.
+    daemon.stop();
+    QVERIFY(daemon.start());
+    QTRY_VERIFY_WITH_TIMEOUT(readFile(settings).contains("Passphrase=seven seas"), 20000);
+    QVERIFY(readFile(settings).contains("Favorite=true"));
+
+    const Result result = run({"wifi", "forget", "Workshop"});
+    QCOMPARE(result.complaint, QString());
+    QCOMPARE(result.status, 0);
+
+    QTRY_VERIFY_WITH_TIMEOUT(!readFile(settings).contains("Passphrase="), 20000);
+    QVERIFY(!readFile(settings).contains("Favorite=true"));
+    QCOMPARE(run({"wifi", "connect", "Workshop"}, "seven seas\n").complaint, QString());
+}
+
+void TestKyboardctlWifi::theNetworkThatIsJoinedIsLeftAndForgotten()
+{
+    const QString settings = "/var/lib/connman/"
+                             "wifi_02aabbccdd03_576f726b73686f70_managed_psk/settings";
+    QCOMPARE(run({"wifi", "connect", "Workshop"}, "seven seas\n").complaint, QString());
+    // Another network is not touched.
+    QCOMPARE(run({"wifi", "forget", "Nowhere"}).status, 5);
+    QCOMPARE(run({"wifi", "strength"}).status, 0);
+    const Result result = run({"wifi", "forget", "Workshop"});
+    QCOMPARE(result.complaint, QString());
+    QCOMPARE(result.output, QStringLiteral("idle\n"));
+    QCOMPARE(run({"wifi", "strength"}).status, 8);
+    QTRY_VERIFY_WITH_TIMEOUT(!readFile(settings).contains("Passphrase="), 20000);
+}
+
+void TestKyboardctlWifi::aNetworkOutOfReachIsNotForgotten()
+{
+    const Result result = run({"wifi", "forget", "Nowhere"});
+    QCOMPARE(result.complaint, QStringLiteral("kyboardctl: wifi forget: not in reach: ConnMan "
+                                              "forgets only what it sees\n"));
+    QCOMPARE(result.status, 5);
 }
 
 void TestKyboardctlWifi::disconnectLeadsToIdle()
@@ -269,6 +349,13 @@ void TestKyboardctlWifi::whileConnectedNothingElseIsTried()
     QCOMPARE(scan.status, 5);
     QCOMPARE(scan.complaint, QStringLiteral("kyboardctl: wifi scan: not while it is connected or "
                                             "busy with something else\n"));
+    QCOMPARE(script.log(), (QStringList{"start 1", "end 1"}));
+
+    // To be where one wants to be is success.
+    const Result same = run({"wifi", "connect", "Cafe", "--open"});
+    QCOMPARE(same.complaint, QString());
+    QCOMPARE(same.output, QStringLiteral("online\n"));
+    QCOMPARE(same.status, 0);
     QCOMPARE(script.log(), (QStringList{"start 1", "end 1"}));
 }
 

@@ -61,6 +61,8 @@ void RealConnman::stop()
 
 void RealConnman::kill()
 {
+    if (m_process.state() == QProcess::NotRunning)
+        return;
     m_process.kill();
     waitForEnd();
 }

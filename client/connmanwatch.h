@@ -1,0 +1,58 @@
+#ifndef CONNMANWATCH_H
+#define CONNMANWATCH_H
+
+#include "bus.h"
+
+#include <QDBusMessage>
+#include <QObject>
+#include <QStringList>
+
+/** What ConnMan tells of one Wi-Fi network, from the construction on. */
+class ConnmanWatch : public QObject
+{
+    Q_OBJECT
+
+public:
+    explicit ConnmanWatch(const QString &network);
+
+    /** Whether ConnMan is on the bus. */
+    static bool isConnmanThere();
+
+    /**
+     * Asks ConnMan for the network.
+     *
+     * @param path that of its service; empty where ConnMan does not list it
+     * @param state ConnMan's word for the state of that service
+     */
+    Answer find(QString &path, QString &state) const;
+
+    /** Makes ConnMan forget the service at @p path. */
+    static Answer remove(const QString &path);
+
+    /** Whether ConnMan has listed the network. */
+    bool isListed() const { return m_isListed; }
+
+    /** The last "Error" of the network's service; empty where it had none. */
+    QString error() const { return m_error; }
+
+    /** The states that ConnMan has announced of the network's service, in order. */
+    QStringList states() const { return m_states; }
+
+Q_SIGNALS:
+    /** ConnMan lists the network. */
+    void listed(const QString &path);
+
+private Q_SLOTS:
+    void takeServices(const QDBusMessage &message);
+    void takeProperty(const QDBusMessage &message);
+
+private:
+    void takeError(const QVariant &error);
+
+    const QString m_network;
+    bool m_isListed = false;
+    QString m_error;
+    QStringList m_states;
+};
+
+#endif
