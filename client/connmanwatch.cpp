@@ -1,52 +1,72 @@
 #include "connmanwatch.h"
 
 #include "busvalue.h"
-#include "connman.h"
 #include "failurereason.h"
 
+#include <QDBusArgument>
 #include <QDBusConnectionInterface>
+#include <QDBusObjectPath>
 #include <QDBusVariant>
 
 namespace
 {
-QList<ConnmanObject> objectsIn(const QVariant &value)
+const QString connman = QStringLiteral("net.connman");
+const QString managerPath = QStringLiteral("/");
+const QString managerInterface = QStringLiteral("net.connman.Manager");
+const QString serviceInterface = QStringLiteral("net.connman.Service");
+
+/** A service as ConnMan lists it. On the bus: (oa{sv}). */
+struct Service {
+    QString path;
+    QVariantMap properties;
+};
+
+QList<Service> servicesIn(const QVariant &value)
 {
+    QList<Service> services;
     const QDBusArgument argument = value.value<QDBusArgument>();
-    return argument.currentSignature() == QLatin1String("a(oa{sv})")
-               ? qdbus_cast<QList<ConnmanObject>>(argument)
-               : QList<ConnmanObject>();
+    if (argument.currentSignature() != QLatin1String("a(oa{sv})"))
+        return services;
+    argument.beginArray();
+    while (!argument.atEnd()) {
+        QDBusObjectPath path;
+        QVariantMap properties;
+        argument.beginStructure();
+        argument >> path >> properties;
+        argument.endStructure();
+        services << Service{path.path(), properties};
+    }
+    argument.endArray();
+    return services;
 }
 
 QDBusMessage methodCall(const QString &path, const QString &interface, const char *method)
 {
-    return QDBusMessage::createMethodCall(connman::serviceName, path, interface,
-                                          QString::fromLatin1(method));
+    return QDBusMessage::createMethodCall(connman, path, interface, QString::fromLatin1(method));
 }
 } // namespace
 
 ConnmanWatch::ConnmanWatch(const QString &network) : m_network(network)
 {
-    connman::registerTypes();
-    bus().connect(connman::serviceName, connman::managerPath, connman::managerInterface,
-                  QStringLiteral("ServicesChanged"), this, SLOT(takeServices(QDBusMessage)));
-    bus().connect(connman::serviceName, QString(), connman::serviceInterface,
-                  QStringLiteral("PropertyChanged"), this, SLOT(takeProperty(QDBusMessage)));
+    bus().connect(connman, managerPath, managerInterface, QStringLiteral("ServicesChanged"), this,
+                  SLOT(takeServices(QDBusMessage)));
+    bus().connect(connman, QString(), serviceInterface, QStringLiteral("PropertyChanged"), this,
+                  SLOT(takeProperty(QDBusMessage)));
 }
 
 bool ConnmanWatch::isConnmanThere()
 {
-    return bus().isConnected() && bus().interface()->isServiceRegistered(connman::serviceName);
+    return bus().isConnected() && bus().interface()->isServiceRegistered(connman);
 }
 
 Answer ConnmanWatch::find(QString &path, QString &state) const
 {
     QDBusMessage reply;
-    const Answer answer =
-        send(methodCall(connman::managerPath, connman::managerInterface, "GetServices"), &reply);
-    const QList<ConnmanObject> services = objectsIn(reply.arguments().value(0));
-    for (const ConnmanObject &service : services) {
-        if (isServiceOf(service.path.path(), m_network)) {
-            path = service.path.path();
+    const Answer answer = send(methodCall(managerPath, managerInterface, "GetServices"), &reply);
+    const QList<Service> services = servicesIn(reply.arguments().value(0));
+    for (const Service &service : services) {
+        if (isServiceOf(service.path, m_network)) {
+            path = service.path;
             state = plainValue(service.properties.value(QStringLiteral("State"))).toString();
         }
     }
@@ -55,18 +75,18 @@ Answer ConnmanWatch::find(QString &path, QString &state) const
 
 Answer ConnmanWatch::remove(const QString &path)
 {
-    return send(methodCall(path, connman::serviceInterface, "Remove"));
+    return send(methodCall(path, serviceInterface, "Remove"));
 }
 
 void ConnmanWatch::takeServices(const QDBusMessage &message)
 {
-    const QList<ConnmanObject> services = objectsIn(message.arguments().value(0));
-    for (const ConnmanObject &service : services) {
-        if (!isServiceOf(service.path.path(), m_network))
+    const QList<Service> services = servicesIn(message.arguments().value(0));
+    for (const Service &service : services) {
+        if (!isServiceOf(service.path, m_network))
             continue;
         m_isListed = true;
         takeError(service.properties.value(QStringLiteral("Error")));
-        Q_EMIT listed(service.path.path());
+        Q_EMIT listed(service.path);
     }
 }
 
