@@ -26,6 +26,7 @@ private Q_SLOTS:
     void fileDescriptorsAreForNobody_data();
     void fileDescriptorsAreForNobody();
     void nobodyElseMayOwnTheName();
+    void theDaemonsOwnUserMayOwnTheName();
     void everybodyHearsSignals();
     void everyRuleNamesItsDestination();
     void everyRuleThatLetsThroughExcludesDescriptors();
@@ -113,6 +114,13 @@ void TestPolicy::nobodyElseMayOwnTheName()
                           "org.freedesktop.DBus", "RequestName", "su", service, "0"});
         QVERIFY2(answer.contains("Access denied"), qPrintable(answer));
     }
+}
+
+void TestPolicy::theDaemonsOwnUserMayOwnTheName()
+{
+    QCOMPARE(busctl("strandel-board", {"call", "org.freedesktop.DBus", "/org/freedesktop/DBus",
+                                       "org.freedesktop.DBus", "RequestName", "su", service, "0"}),
+             QStringLiteral("u 1"));
 }
 
 void TestPolicy::everybodyHearsSignals()
@@ -233,22 +241,34 @@ void TestPolicy::fileDescriptorsAreForNobody()
     }
 }
 
-/** A rule without one would hold for every service of the bus. */
+/**
+ * A rule without one would hold for every service of the bus. The daemon's own user has a rule for
+ * what it calls; all others are about the daemon.
+ */
 void TestPolicy::everyRuleNamesItsDestination()
 {
     QXmlStreamReader rules(readFile(QStringLiteral(POLICY)));
+    QString user;
     int count = 0;
     while (!rules.atEnd()) {
         rules.readNext();
-        const bool isRule = rules.isStartElement() && (rules.name() == QLatin1String("allow") ||
-                                                       rules.name() == QLatin1String("deny"));
-        if (!isRule || rules.attributes().hasAttribute(QStringLiteral("own")))
+        if (!rules.isStartElement())
+            continue;
+        const auto value = [&rules](const char *name) {
+            return rules.attributes().value(QLatin1String(name)).toString();
+        };
+        if (rules.name() == QLatin1String("policy"))
+            user = value("user");
+        const bool isRule =
+            rules.name() == QLatin1String("allow") || rules.name() == QLatin1String("deny");
+        if (!isRule || !value("own").isEmpty())
             continue;
         ++count;
-        QCOMPARE(rules.attributes().value(QLatin1String("send_destination")).toString(), service);
+        QCOMPARE(value("send_destination"),
+                 user == QLatin1String("strandel-board") ? QStringLiteral("net.connman") : service);
     }
     QVERIFY2(!rules.hasError(), qPrintable(rules.errorString()));
-    QVERIFY(count > 0);
+    QCOMPARE(count, 7);
 }
 
 void TestPolicy::everyRuleThatLetsThroughExcludesDescriptors()
