@@ -5,7 +5,20 @@
 #include <QStringList>
 
 #include <fcntl.h>
+#include <sys/stat.h>
 #include <unistd.h>
+
+namespace
+{
+/** Callers decide how many records there are and how long: they must not fill the disk. */
+const off_t mostBytes = 4 << 20;
+
+bool hasRoom(int descriptor)
+{
+    struct stat status = {};
+    return fstat(descriptor, &status) == 0 && status.st_size < mostBytes;
+}
+} // namespace
 
 QByteArray wifiTraceLines(const WifiTraceRecord &record)
 {
@@ -20,7 +33,7 @@ void appendWifiTrace(const WifiTraceRecord &record)
     if (descriptor < 0)
         return;
     // A standard stream that was closed must not become the trace.
-    if (descriptor > 0) {
+    if (descriptor > 0 && hasRoom(descriptor)) {
         const QByteArray lines = wifiTraceLines(record);
         const ssize_t written = write(descriptor, lines.constData(), size_t(lines.size()));
         static_cast<void>(written);

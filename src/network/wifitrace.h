@@ -20,6 +20,7 @@ QByteArray wifiTraceLines(const WifiTraceRecord &record);
 
 /**
  * Appends @p record to "/tmp/logkywifi", in one write; a file that cannot be written is ignored.
+ * A file that has 4 MiB stays as it is until it is rotated.
  */
 void appendWifiTrace(const WifiTraceRecord &record);
 

@@ -54,6 +54,8 @@ private Q_SLOTS:
     void theTraceIsMadeForEveryone();
     void theTraceIsAppendedTo();
     void aStandardStreamThatWasClosedDoesNotBecomeTheTrace();
+    void aTraceOfFourMebibytesGrowsNoMore_data();
+    void aTraceOfFourMebibytesGrowsNoMore();
     void aPlantedTraceIsNotWrittenTo_data();
     void aPlantedTraceIsNotWrittenTo();
 
@@ -514,6 +516,27 @@ void TestWifiScan::aStandardStreamThatWasClosedDoesNotBecomeTheTrace()
     QVERIFY(!isOpen);
     QVERIFY(QFile::exists("/tmp/logkywifi"));
     QCOMPARE(readFile("/tmp/logkywifi"), QByteArray());
+}
+
+void TestWifiScan::aTraceOfFourMebibytesGrowsNoMore_data()
+{
+    QTest::addColumn<int>("bytes");
+    QTest::addColumn<bool>("grows");
+    QTest::newRow("one byte less") << (4 << 20) - 1 << true;
+    QTest::newRow("four mebibytes") << (4 << 20) << false;
+}
+
+void TestWifiScan::aTraceOfFourMebibytesGrowsNoMore()
+{
+    QFETCH(int, bytes);
+    QFETCH(bool, grows);
+    writeFile("/tmp/logkywifi", QByteArray(bytes, 'x'));
+    begin();
+
+    QCOMPARE(wifi.call("scan"), QString("()"));
+
+    QCOMPARE(QFileInfo("/tmp/logkywifi").size() > bytes, grows);
+    waitForScripts();
 }
 
 void TestWifiScan::aPlantedTraceIsNotWrittenTo_data()
