@@ -21,6 +21,7 @@ enum ExitStatus {
     NothingThere = 8,    ///< what was asked for is not there: not connected, no such hardware
     NotConfirmed = 9,    ///< what destroys something was not confirmed; nothing was sent
     RecordInvalid = 10,  ///< a record in the EEPROM is not valid
+    SignalsMissing = 11, ///< the signals that were waited for did not come in time
 };
 
 /** The answer to a call: its plain values, or why there are none. */

@@ -65,6 +65,6 @@ ExitStatus runCall(const Command &command, const Invocation &invocation,
     if (asJson)
         printJson(replyJson(values));
     else
-        print(replyText(values, command.unit));
+        show(replyText(values, command.unit));
     return Success;
 }

@@ -146,6 +146,20 @@ bool addSecrets(const Argument &settings, const SecretReader &reader, QVariantMa
     return true;
 }
 
+bool parseChoices(const Argument &argument, const QStringList &words, QVariant &value,
+                  QString &complaint)
+{
+    for (const QString &word : words) {
+        if (argument.choices.contains(word))
+            continue;
+        complaint = QStringLiteral("'%1' is none of %2")
+                        .arg(shown(word), argument.choices.join(QStringLiteral(", ")));
+        return false;
+    }
+    value = words;
+    return true;
+}
+
 bool parseSettings(const Argument &settings, const QStringList &words, const SecretReader &reader,
                    QVariant &value, QString &complaint)
 {
@@ -222,6 +236,10 @@ bool parseArguments(const Command &command, const QStringList &words, const Secr
         QVariant value;
         if (argument.kind == Kind::Settings) {
             if (!parseSettings(argument, left, reader, value, complaint))
+                return false;
+            left.clear();
+        } else if (argument.kind == Kind::Choices) {
+            if (!parseChoices(argument, left, value, complaint))
                 return false;
             left.clear();
         } else if (left.isEmpty()) {

@@ -294,6 +294,13 @@ Command ownCommand(const char *words, const QVector<Argument> &arguments, const 
     return {text(words), text(help), {}, {}, {}, {}, arguments, {}};
 }
 
+Command monitorCommand()
+{
+    Argument signal = choice("[SIGNAL...]", signalNames(), "which signals");
+    signal.kind = Kind::Choices;
+    return ownCommand("monitor", {signal}, "signals, all or some, a line each, until it is ended");
+}
+
 Command restoreCommand()
 {
     Command made = ownCommand("eeprom restore",
@@ -311,6 +318,24 @@ Command statusCommand()
 }
 } // namespace
 
+const QStringList &signalNames()
+{
+    static const QStringList names = {text("Users.changingUser"),
+                                      text("Users.userChanged"),
+                                      text("Alimentation.batteryStatus"),
+                                      text("Temperature.temperatureReached"),
+                                      text("Storage.deviceChangedMountState"),
+                                      text("Storage.sdcardPresence"),
+                                      text("Storage.usbKeyPresence"),
+                                      text("Backlight.backlightChanged"),
+                                      text("Brightness.reachedBrightnessThreshold"),
+                                      text("Ethernet.propertyChanged"),
+                                      text("WIFI.propertyChanged"),
+                                      text("WIFI.servicesListChanged"),
+                                      text("WIFIAP.propertyChanged")};
+    return names;
+}
+
 const QVector<Command> &ownCommands()
 {
     static const QVector<Command> table = {
@@ -322,7 +347,8 @@ const QVector<Command> &ownCommands()
         ownCommand("eeprom dump", {argument("FILE", Kind::Text, "a new file, for its owner alone")},
                    "copy both records, with the passwords, into a file"),
         restoreCommand(),
-        ownCommand("monitor", {}, "every signal, a line each, until it is ended"),
+        ownCommand("watch", {}, "the whole instrument, live, on one screen of a terminal"),
+        monitorCommand(),
         ownCommand("help",
                    {argument("[COMMAND]", Kind::Text, "a command, or the first of its words")},
                    "what there is, or what a command takes"),
@@ -346,6 +372,7 @@ const QVector<Option> &options()
         {text("--timeout"), none, text("SECONDS"),
          text("how long to wait for an answer, or for the outcome of a network operation"),
          Scope::Every},
+        {text("--count"), none, text("SIGNALS"), text("end after so many signals"), Scope::Monitor},
         {text("--no-wait"), none, none,
          text("start a network operation without waiting for its outcome"), Scope::Operation},
         {text("--open"), none, none, text("the network needs no passphrase"), Scope::WifiConnect},
@@ -381,6 +408,7 @@ const QVector<StatusMeaning> &exitStatuses()
         {NothingThere, text("there is nothing to tell of: not connected, or no such hardware")},
         {NotConfirmed, text("not confirmed, and nothing was sent")},
         {RecordInvalid, text("a record in the EEPROM is not valid, and no file is written")},
+        {SignalsMissing, text("the signals that were waited for did not come in time")},
     };
     return table;
 }
@@ -427,6 +455,8 @@ bool belongsTo(const Option &option, const Command &command)
         return !command.secrets.isEmpty();
     case Scope::Fields:
         return command.hasFields;
+    case Scope::Monitor:
+        return command.words == QLatin1String("monitor");
     case Scope::Voltage:
         return command.words == QLatin1String("battery voltage");
     default:

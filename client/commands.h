@@ -21,6 +21,7 @@ enum class Kind {
     Numbers,     ///< Argument::maximum whole numbers separated by commas, or @FILE; an array of u
     SecretBytes, ///< as Bytes, but never on the command line: from a prompt or standard input
     Settings,    ///< KEY=VALUE arguments, see Argument::keys
+    Choices,     ///< any number of Argument::choices; a list of texts
 };
 
 struct Argument {
@@ -50,6 +51,7 @@ enum class Scope {
     Secret,      ///< commands whose answer holds secrets
     Fields,      ///< commands whose answer has fields
     Voltage,     ///< battery voltage alone
+    Monitor,     ///< monitor alone
 };
 
 struct Option {
@@ -65,7 +67,10 @@ struct Option {
     QStringList choices = {};
 
     /** Whether its value is a whole number from 1 on, of what it is called after. */
-    bool isNumber() const { return value == QLatin1String("SECONDS"); }
+    bool isNumber() const
+    {
+        return value == QLatin1String("SECONDS") || value == QLatin1String("SIGNALS");
+    }
 };
 
 /** What the program ends with, see ExitStatus. */
@@ -116,6 +121,9 @@ const QVector<Command> &commands();
 
 /** The other ones, by their words, or words and argument. */
 const QVector<Command> &ownCommands();
+
+/** The daemon's signals, each as "INTERFACE.SIGNAL". */
+const QStringList &signalNames();
 
 const QVector<Option> &options();
 

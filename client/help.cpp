@@ -10,6 +10,7 @@ QString valuesText(const Argument &argument)
 {
     switch (argument.kind) {
     case Kind::Choice:
+    case Kind::Choices:
         return argument.choices.join(QStringLiteral(", "));
     case Kind::Integer:
         return QStringLiteral("%1 to %2").arg(argument.minimum).arg(argument.maximum);
@@ -104,7 +105,7 @@ QStringList candidatesAfter(const QStringList &before, const Command &command)
         return QStringList();
     const Argument &last = command.arguments.last();
     const int index = before.size() - name.size();
-    if (last.kind == Kind::Settings)
+    if (last.kind == Kind::Settings || last.kind == Kind::Choices)
         return candidatesFor(last);
     return index < command.arguments.size() ? candidatesFor(command.arguments.at(index))
                                             : QStringList();

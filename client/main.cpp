@@ -13,6 +13,7 @@
 #include "status.h"
 #include "terminal.h"
 #include "textrules.h"
+#include "watch.h"
 
 #include <QCoreApplication>
 
@@ -36,9 +37,27 @@ ExitStatus runCommand(const Command &command, const Invocation &invocation,
     return runCall(command, invocation, arguments);
 }
 
-ExitStatus runMonitor(const Command &, const Invocation &invocation, const QVariantList &)
+ExitStatus runMonitor(const Command &, const Invocation &invocation, const QVariantList &arguments)
 {
-    return Monitor(invocation.has("--json")).run();
+    Monitor::Wish wish;
+    wish.asJson = invocation.has("--json");
+    wish.signalNames = arguments.value(0).toStringList();
+    wish.count = invocation.number("--count");
+    wish.seconds = invocation.number("--timeout");
+    return Monitor(wish).run();
+}
+
+ExitStatus runWatch(const Command &command, const Invocation &invocation, const QVariantList &)
+{
+    if (!isShownAtTerminal())
+        return fail(command, BadUsage,
+                    QStringLiteral("needs a terminal; 'kyboardctl monitor' prints lines"));
+    const Answer found = findDaemon();
+    if (!found.isGood())
+        return fail(command, found);
+    if (!invocation.has("--timeout"))
+        setCallTimeout(5);
+    return Watch().run();
 }
 
 ExitStatus runStatus(const Command &command, const Invocation &invocation, const QVariantList &)
@@ -51,11 +70,9 @@ const struct {
     const char *words;
     ExitStatus (*run)(const Command &, const Invocation &, const QVariantList &);
 } ownRunners[] = {
-    {"status", runStatus},
-    {"monitor", runMonitor},
-    {"wifi forget", forgetNetwork},
-    {"eeprom dump", dumpRecords},
-    {"eeprom restore", restoreRecords},
+    {"status", runStatus},        {"watch", runWatch},
+    {"monitor", runMonitor},      {"wifi forget", forgetNetwork},
+    {"eeprom dump", dumpRecords}, {"eeprom restore", restoreRecords},
 };
 
 ExitStatus runOwnCommand(const Command &command, const Invocation &invocation,
@@ -89,7 +106,7 @@ ExitStatus showHelp(const QStringList &words)
         complain(noSuchCommand(words));
         return BadUsage;
     }
-    print(text);
+    explain(text);
     return Success;
 }
 

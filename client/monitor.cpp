@@ -13,8 +13,11 @@
 #include <QJsonDocument>
 #include <QJsonObject>
 #include <QSet>
+#include <QTimer>
 
-Monitor::Monitor(bool asJson) : m_asJson(asJson)
+#include <algorithm>
+
+Monitor::Monitor(const Wish &wish) : m_wish(wish), m_printed(0)
 {
     QSet<QString> subscribed;
     for (const Command &command : commands()) {
@@ -25,6 +28,9 @@ Monitor::Monitor(bool asJson) : m_asJson(asJson)
     }
     auto watcher = new QDBusServiceWatcher(daemonService, bus(),
                                            QDBusServiceWatcher::WatchForOwnerChange, this);
+    bus().connect(QString(), QStringLiteral("/org/freedesktop/DBus/Local"),
+                  QStringLiteral("org.freedesktop.DBus.Local"), QStringLiteral("Disconnected"),
+                  this, SLOT(leave()));
     QObject::connect(watcher, &QDBusServiceWatcher::serviceRegistered, this,
                      [this] { printLine(QStringLiteral("daemon"), QStringLiteral("came"), {}); });
     QObject::connect(watcher, &QDBusServiceWatcher::serviceUnregistered, this,
@@ -40,24 +46,48 @@ ExitStatus Monitor::run()
     }
     printLine(QStringLiteral("daemon"),
               found.isGood() ? QStringLiteral("there") : QStringLiteral("away"), {});
-    QCoreApplication::exec();
-    return Success;
+    if (m_wish.seconds > 0)
+        QTimer::singleShot(std::min(m_wish.seconds, 2000000) * 1000, this, [this] {
+            QCoreApplication::exit(m_printed < m_wish.count ? SignalsMissing : Success);
+        });
+    const int status = QCoreApplication::exec();
+    if (status == SignalsMissing)
+        complain(QStringLiteral("monitor: %1 of %2 signals came within %3 s")
+                     .arg(m_printed)
+                     .arg(m_wish.count)
+                     .arg(m_wish.seconds));
+    if (status == DaemonAway)
+        complain(QStringLiteral("monitor: the connection to the bus ended"));
+    return ExitStatus(status);
 }
 
 void Monitor::take(const QDBusMessage &message)
 {
+    const QString interface = message.interface().mid(daemonService.size() + 1);
+    const QString name = interface + QLatin1Char('.') + message.member();
+    if (!m_wish.signalNames.isEmpty() && !m_wish.signalNames.contains(name))
+        return;
+    if (m_wish.count > 0 && m_printed == m_wish.count)
+        return;
     const QVariantList arguments = message.arguments();
     QVariantList values;
     for (const QVariant &argument : arguments)
         values << plainValue(argument);
-    printLine(message.interface().mid(daemonService.size() + 1), message.member(), values);
+    printLine(interface, message.member(), values);
+    if (++m_printed == m_wish.count)
+        QCoreApplication::exit(Success);
+}
+
+void Monitor::leave()
+{
+    QCoreApplication::exit(DaemonAway);
 }
 
 void Monitor::printLine(const QString &interface, const QString &signal,
                         const QVariantList &arguments)
 {
     const QDateTime now = QDateTime::currentDateTime();
-    if (m_asJson) {
+    if (m_wish.asJson) {
         QJsonObject line;
         line.insert(QStringLiteral("time"),
                     now.toString(QStringLiteral("yyyy-MM-ddTHH:mm:ss.zzz")));
@@ -71,9 +101,9 @@ void Monitor::printLine(const QString &interface, const QString &signal,
     QStringList texts;
     for (const QVariant &argument : arguments)
         texts << inlineText(argument);
-    print(QStringLiteral("%1  %2.%3  %4")
-              .arg(now.toString(QStringLiteral("HH:mm:ss.zzz")), interface, signal,
-                   texts.join(QStringLiteral("  ")))
-              .trimmed() +
-          QLatin1Char('\n'));
+    show(QStringLiteral("%1  %2.%3  %4")
+             .arg(now.toString(QStringLiteral("HH:mm:ss.zzz")), interface, signal,
+                  texts.join(QStringLiteral("  ")))
+             .trimmed() +
+         QLatin1Char('\n'));
 }

@@ -21,7 +21,7 @@ void printNetworks(const QVariantMap &networks)
                                      .arg(values.value(1).toString(), 3)
                                      .arg(values.value(2).toString()));
     }
-    print(lines.isEmpty() ? QStringLiteral("no network in reach\n") : lines.text());
+    show(lines.isEmpty() ? QStringLiteral("no network in reach\n") : lines.text());
 }
 
 /** The networks of a scan with the fields of each named. */
@@ -65,7 +65,7 @@ void printStates(const QStringList &states, const Invocation &invocation)
     if (invocation.has("--json"))
         printJson(QJsonArray::fromStringList(states));
     else if (!states.isEmpty())
-        print(states.last() + QLatin1Char('\n'));
+        show(states.last() + QLatin1Char('\n'));
 }
 
 QString failureText(const Command &command, const Follower &follower, const ConnmanWatch &watch)

@@ -46,7 +46,7 @@ ExitStatus printField(const Command &command, const Invocation &invocation, cons
     if (invocation.has("--json"))
         printJson(toJson(map.value(field)));
     else
-        print(replyText({map.value(field)}));
+        show(replyText({map.value(field)}));
     return Success;
 }
 

@@ -1,7 +1,13 @@
 #include "terminal.h"
 
+#include "layout.h"
+#include "textrules.h"
+
+#include <QStringList>
+
 #include <csignal>
 #include <cstdio>
+#include <sys/ioctl.h>
 #include <termios.h>
 #include <unistd.h>
 
@@ -24,12 +30,12 @@ bool readLine(QByteArray &line)
 
 bool areDetailsWanted = false;
 
-termios shown = {};
+termios ordinary = {};
 
 /** Whoever ends the program at the prompt keeps a terminal that shows what is typed. */
 void restoreTerminal(int signal)
 {
-    tcsetattr(STDIN_FILENO, TCSANOW, &shown);
+    tcsetattr(STDIN_FILENO, TCSANOW, &ordinary);
     static_cast<void>(raise(signal));
 }
 
@@ -49,14 +55,14 @@ void handleEnd(void (*handler)(int))
 void hideInput()
 {
     handleEnd(restoreTerminal);
-    termios hidden = shown;
+    termios hidden = ordinary;
     hidden.c_lflag &= ~tcflag_t(ECHO);
     tcsetattr(STDIN_FILENO, TCSAFLUSH, &hidden);
 }
 
 void showInput()
 {
-    tcsetattr(STDIN_FILENO, TCSAFLUSH, &shown);
+    tcsetattr(STDIN_FILENO, TCSAFLUSH, &ordinary);
     handleEnd(SIG_DFL);
 }
 
@@ -67,7 +73,72 @@ void write(std::FILE *stream, const QString &text)
     static_cast<void>(std::fwrite(bytes.constData(), 1, size_t(bytes.size()), stream));
     static_cast<void>(std::fflush(stream));
 }
+
+/** Columns and rows of the terminal at standard output; none where there is none. */
+winsize terminalSize()
+{
+    winsize size = {};
+    if (!isatty(STDOUT_FILENO) || ioctl(STDOUT_FILENO, TIOCGWINSZ, &size) != 0)
+        return {};
+    return size;
+}
+
+bool hasColours(int stream)
+{
+    const QByteArray terminal = qgetenv("TERM");
+    return isatty(stream) && qgetenv("NO_COLOR").isEmpty() && !terminal.isEmpty() &&
+           terminal != "dumb";
+}
+
+/** What an access point calls itself must not move the cursor. */
+QString safeLines(const QString &text)
+{
+    QStringList lines = text.split(QLatin1Char('\n'));
+    for (QString &line : lines)
+        line = shown(line);
+    return lines.join(QLatin1Char('\n'));
+}
 } // namespace
+
+void show(const QString &text)
+{
+    const QString lines = wrapped(safeLines(text), terminalSize().ws_col);
+    print(hasColours(STDOUT_FILENO) ? coloured(lines) : lines);
+}
+
+void explain(const QString &text)
+{
+    print(wrapped(text, terminalSize().ws_col));
+}
+
+bool isShownAtTerminal()
+{
+    return isatty(STDOUT_FILENO);
+}
+
+void takeScreen()
+{
+    print(QStringLiteral("\033[?1049h\033[?25l"));
+}
+
+void drawScreen(const QString &text)
+{
+    const winsize size = terminalSize();
+    QStringList lines = wrapped(safeLines(text.trimmed()), size.ws_col).split(QLatin1Char('\n'));
+    if (size.ws_row > 0 && lines.size() > size.ws_row)
+        lines = lines.mid(0, size.ws_row);
+    QString screen = QStringLiteral("\033[H");
+    for (int index = 0; index < lines.size(); ++index)
+        screen += (index == 0 ? QString() : QStringLiteral("\r\n")) +
+                  (hasColours(STDOUT_FILENO) ? coloured(lines.at(index)) : lines.at(index)) +
+                  QStringLiteral("\033[K");
+    print(screen + QStringLiteral("\033[J"));
+}
+
+void giveScreenBack()
+{
+    print(QStringLiteral("\033[?25h\033[?1049l"));
+}
 
 void print(const QString &text)
 {
@@ -87,7 +158,9 @@ void showDetails()
 void complain(const QString &text, const QString &detail)
 {
     clearProgress();
-    write(stderr, QStringLiteral("kyboardctl: ") + text + QLatin1Char('\n'));
+    const QString name = QStringLiteral("kyboardctl:");
+    write(stderr, (hasColours(STDERR_FILENO) ? alarming(name) : name) + QLatin1Char(' ') +
+                      safeLines(text) + QLatin1Char('\n'));
     if (areDetailsWanted && !detail.isEmpty())
         write(stderr, QStringLiteral("kyboardctl: ") + detail + QLatin1Char('\n'));
 }
@@ -115,7 +188,7 @@ Consent askFor(const QString &question)
 
 bool readSecret(const QString &prompt, QString &secret)
 {
-    const bool isTerminal = isatty(STDIN_FILENO) && tcgetattr(STDIN_FILENO, &shown) == 0;
+    const bool isTerminal = isatty(STDIN_FILENO) && tcgetattr(STDIN_FILENO, &ordinary) == 0;
     if (isTerminal) {
         write(stderr, prompt + QStringLiteral(": "));
         hideInput();

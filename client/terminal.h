@@ -6,6 +6,28 @@
 /** Writes @p text to standard output. */
 void print(const QString &text);
 
+/**
+ * Writes @p text for people to standard output: without control characters of others and, where
+ * that is a terminal, with colours and in lines that fit it.
+ *
+ * Colours are left out where NO_COLOR is set, or the terminal is a dumb one.
+ */
+void show(const QString &text);
+
+/** As show(), without colours: for text that explains. */
+void explain(const QString &text);
+
+/** Whether standard output is a terminal. */
+bool isShownAtTerminal();
+
+/** Takes the whole terminal for drawScreen(), until giveScreenBack(). */
+void takeScreen();
+
+/** Draws @p text in the place of what was drawn before; what does not fit is left out. */
+void drawScreen(const QString &text);
+
+void giveScreenBack();
+
 /** Whether all that was printed has been written. */
 bool isAllPrinted();
 

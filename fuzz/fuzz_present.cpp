@@ -1,10 +1,12 @@
 #include "busvalue.h"
+#include "layout.h"
 #include "peer.h"
 #include "present.h"
 #include "require.h"
 
 #include <QJsonDocument>
 #include <QJsonObject>
+#include <QRegularExpression>
 
 /** Replies of any content, as kyboardctl shows them. */
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t *data, std::size_t size)
@@ -17,6 +19,12 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t *data, std::size_t size
 
     const QString text = replyText(values);
     require(text.isEmpty() || text.endsWith(QLatin1Char('\n')), "a reply ends its line");
+    QString plain = coloured(text);
+    require(plain.remove(QRegularExpression(QStringLiteral("\033\\[[0-9]+m"))).size() <=
+                text.size(),
+            "colours add nothing else");
+    const QString lines = wrapped(text, 80);
+    require(lines.simplified().size() == text.simplified().size(), "lines lose nothing but blanks");
     const QByteArray json =
         QJsonDocument(QJsonObject{{QStringLiteral("reply"), replyJson(values)}}).toJson();
     require(!QJsonDocument::fromJson(json).isNull(), "machines can read a reply");

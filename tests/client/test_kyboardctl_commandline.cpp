@@ -326,7 +326,7 @@ void TestKyboardctlCommandLine::helpNamesEveryOptionAndStatus()
     for (const Option &option : options())
         QVERIFY2(text.contains(' ' + option.name + ' '), qPrintable(option.name));
     for (const StatusMeaning &status : exitStatuses())
-        QVERIFY(text.contains(QString("  %1  %2\n").arg(status.status).arg(status.meaning)));
+        QVERIFY(text.contains(QString("  %1  %2\n").arg(status.status, -2).arg(status.meaning)));
 }
 
 void TestKyboardctlCommandLine::completionKnowsWhatMayFollow_data()

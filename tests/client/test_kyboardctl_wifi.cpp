@@ -68,6 +68,7 @@ private:
 void TestKyboardctlWifi::init()
 {
     DaemonTest::init();
+    qputenv("TERM", "dumb");
     script.install();
     supplicant.start();
     connman.start();

@@ -13,9 +13,10 @@ namespace
 const int deadline = 30000;
 }
 
-TerminalProgram::TerminalProgram(const QString &program, const QStringList &arguments)
+TerminalProgram::TerminalProgram(const QString &program, const QStringList &arguments, int columns)
 {
-    if (openpty(&m_master, &m_slave, nullptr, nullptr, nullptr) != 0)
+    const winsize size = {30, static_cast<unsigned short>(columns), 0, 0};
+    if (openpty(&m_master, &m_slave, nullptr, nullptr, &size) != 0)
         qFatal("no terminal");
     fcntl(m_master, F_SETFL, O_NONBLOCK);
     fcntl(m_master, F_SETFD, FD_CLOEXEC);

@@ -9,7 +9,7 @@ class TerminalProgram
 {
 public:
     /** Starts @p program with the terminal as its input and output. */
-    TerminalProgram(const QString &program, const QStringList &arguments);
+    TerminalProgram(const QString &program, const QStringList &arguments, int columns = 80);
     ~TerminalProgram();
     TerminalProgram(const TerminalProgram &) = delete;
     TerminalProgram &operator=(const TerminalProgram &) = delete;
@@ -24,6 +24,8 @@ public:
     bool echoes() const;
 
     void type(const QByteArray &keys);
+
+    qint64 processId() const { return m_process.processId(); }
 
     /** Waits for the end: the exit status, minus the signal that ended it, or -1000. */
     int waitForEnd();

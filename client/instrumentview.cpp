@@ -1,0 +1,214 @@
+#include "instrumentview.h"
+
+#include "present.h"
+
+#include <QStringList>
+
+#include <iterator>
+
+namespace
+{
+const QString accessDenied = QStringLiteral("org.freedesktop.DBus.Error.AccessDenied");
+
+/** LEDs that are off are the usual thing: only the others are worth a place on the screen. */
+QString ledText(const QVariant &value, const QString &)
+{
+    QStringList lit;
+    const QVariantMap leds = value.toMap();
+    for (auto led = leds.constBegin(); led != leds.constEnd(); ++led) {
+        if (led.value().toString() != QLatin1String("OFF"))
+            lit << led.key() + QLatin1Char('=') + led.value().toString();
+    }
+    return lit.isEmpty() ? QStringLiteral("all off") : lit.join(QStringLiteral(", "));
+}
+
+QString strengthText(const QVariant &value, const QString &unit)
+{
+    const QVariantMap strength = value.toMap();
+    return strength.isEmpty() ? QStringLiteral("none") : inlineText(strength.first(), unit);
+}
+
+/** An interface has an address exactly as long as it is connected. */
+QString ipv4Text(const QVariant &value, const QString &)
+{
+    const QVariantMap ipv4 = value.toMap();
+    QStringList texts{inlineText(ipv4.value(QStringLiteral("Address")))};
+    if (texts.first().isEmpty())
+        return QStringLiteral("not connected");
+    for (const char *key : {"Netmask", "Gateway"}) {
+        const QString name = QLatin1String(key);
+        if (ipv4.contains(name))
+            texts << name.toLower() + QLatin1Char(' ') + inlineText(ipv4.value(name));
+    }
+    return QStringLiteral("%1 (%2)").arg(texts.join(QStringLiteral(", ")),
+                                         inlineText(ipv4.value(QStringLiteral("Method"))));
+}
+
+QString interfaceText(const QVariant &value, const QString &)
+{
+    const QVariantMap interface = value.toMap();
+    if (interface.isEmpty())
+        return QStringLiteral("no interface");
+    return QStringLiteral("%1, %2, MTU %3")
+        .arg(inlineText(interface.value(QStringLiteral("Interface"))),
+             inlineText(interface.value(QStringLiteral("Address"))),
+             inlineText(interface.value(QStringLiteral("MTU"))));
+}
+
+/** Its interface is there only while the module is an access point. */
+QString accessPointText(const QVariant &value, const QString &unit)
+{
+    return value.toMap().isEmpty() ? QStringLiteral("off") : interfaceText(value, unit);
+}
+
+QString mapText(const QVariant &value, const QString &unit)
+{
+    return value.toMap().isEmpty() ? QStringLiteral("none") : inlineText(value, unit);
+}
+
+/** One line of the screen: what is asked, the name under which it is shown, and how. */
+struct Question {
+    const char *title;
+    const char *key;
+    const char *path;
+    const char *interface;
+    const char *method; ///< null: the property of the next column
+    const char *property;
+    const char *argument; ///< null: none
+    QString (*text)(const QVariant &value, const QString &unit);
+    const char *unit;
+};
+
+const char config[] = "/KyConfigMgr";
+const char com[] = "/KyComMgr";
+const char device[] = "/KyDeviceMgr";
+
+/** A question without an argument. */
+constexpr Question asks(const char *title, const char *key, const char *path, const char *interface,
+                        const char *method,
+                        QString (*text)(const QVariant &value, const QString &unit),
+                        const char *unit = "")
+{
+    return {title, key, path, interface, method, nullptr, nullptr, text, unit};
+}
+
+const Question questions[] = {
+    asks("Profile", "profile", config, "Users", "getUser", inlineText),
+    {"Battery", "battery", device, "Alimentation", nullptr, "batteryStatus", nullptr, inlineText,
+     ""},
+    asks("Battery voltage", "batteryVoltage", device, "Alimentation", "getBatteryVoltage",
+         inlineText, "mV"),
+    asks("LEDs", "leds", device, "LED", "getLEDStatus", ledText),
+    asks("Temperatures", "temperatures", device, "Temperature", "getTemperatures", mapText,
+         "\u00b0C"),
+    {"SD card mounted", "sdMounted", device, "Storage", "isMounted", nullptr, "SD", inlineText, ""},
+    {"USB key mounted", "usbMounted", device, "Storage", "isMounted", nullptr, "USB", inlineText,
+     ""},
+    asks("Backlight", "backlight", device, "Backlight", "getBacklight", inlineText, "%"),
+    asks("Backlight step", "backlightStep", device, "Backlight", "getBacklightStep", inlineText),
+    asks("Ambient light", "brightness", device, "Brightness", "getBrightness", inlineText, "lux"),
+    asks("Ethernet", "ethernet", com, "Ethernet", "getIPv4", ipv4Text),
+    asks("Ethernet hardware", "ethernetHardware", com, "Ethernet", "getHardwareInfos",
+         interfaceText),
+    asks("Wi-Fi", "wifi", com, "WIFI", "getIPv4", ipv4Text),
+    asks("Wi-Fi hardware", "wifiHardware", com, "WIFI", "getHardwareInfos", interfaceText),
+    asks("Wi-Fi strength", "wifiStrength", com, "WIFI", "getStrength", strengthText, "%"),
+    asks("Access point", "accessPointHardware", com, "WIFIAP", "getHardwareInfos", accessPointText),
+    asks("Software", "software", device, "Version", "getSoftwareVersions", mapText),
+    asks("Revisions", "revisions", device, "Version", "getRevision", mapText),
+};
+
+Answer ask(const Question &question)
+{
+    const QString path = QString::fromLatin1(question.path);
+    const QString interface = QString::fromLatin1(question.interface);
+    if (!question.method)
+        return readProperty(path, interface, QString::fromLatin1(question.property));
+    QVariantList arguments;
+    if (question.argument)
+        arguments << QString::fromLatin1(question.argument);
+    return call(path, interface, QString::fromLatin1(question.method), arguments);
+}
+
+QString answerText(const Question &question, const Answer &answer)
+{
+    return answer.isGood() ? question.text(answer.values.value(0), QString::fromUtf8(question.unit))
+                           : QStringLiteral("not available: ") + answer.complaint;
+}
+
+bool isConnected(const Answer &ipv4)
+{
+    return !ipv4.values.value(0).toMap().value(QStringLiteral("Address")).toString().isEmpty();
+}
+} // namespace
+
+InstrumentView::InstrumentView()
+    : m_answers(int(std::size(questions)), Answer{InterfaceAbsent, {}, {}, {}, {}})
+{
+}
+
+Answer InstrumentView::askAgain(int index)
+{
+    return m_answers[index] = ::ask(questions[index]);
+}
+
+Answer InstrumentView::ask()
+{
+    for (int index = 0; index < m_answers.size(); ++index) {
+        const Answer answer = askAgain(index);
+        // Who may not ask one thing may ask nothing.
+        if (answer.status == DaemonAway || answer.errorName == accessDenied)
+            return answer;
+    }
+    return {Success, {}, {}, {}, {}};
+}
+
+Answer InstrumentView::ask(const QString &interface)
+{
+    Answer answer = {Success, {}, {}, {}, {}};
+    for (int index = 0; index < m_answers.size(); ++index) {
+        if (interface == QLatin1String(questions[index].interface))
+            answer = askAgain(index);
+        if (answer.status == DaemonAway)
+            return answer;
+    }
+    return answer;
+}
+
+QString InstrumentView::text() const
+{
+    Lines lines;
+    bool isJoined = false;
+    for (int index = 0; index < m_answers.size(); ++index) {
+        const Question &question = questions[index];
+        Answer answer = m_answers.at(index);
+        // A model without a screen has no backlight and no light sensor, which is no failure.
+        if (answer.status == InterfaceAbsent)
+            continue;
+        // The network whose strength it was may have been left.
+        if (question.text == strengthText && answer.isGood() && !isJoined)
+            answer.values = {QVariantMap()};
+        if (question.text == ipv4Text)
+            isJoined = isConnected(answer);
+        lines.add(QString::fromLatin1(question.title), answerText(question, answer));
+    }
+    return lines.text();
+}
+
+QVariantMap InstrumentView::values() const
+{
+    QVariantMap values;
+    bool isJoined = false;
+    for (int index = 0; index < m_answers.size(); ++index) {
+        const Question &question = questions[index];
+        const Answer &answer = m_answers.at(index);
+        if (answer.status == InterfaceAbsent)
+            continue;
+        if (question.text == ipv4Text)
+            isJoined = isConnected(answer);
+        const bool isLeft = question.text == strengthText && answer.isGood() && !isJoined;
+        values.insert(QString::fromLatin1(question.key),
+                      isLeft ? QVariantMap() : answer.values.value(0));
+    }
+    return values;
+}

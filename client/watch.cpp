@@ -1,0 +1,155 @@
+#include "watch.h"
+
+#include "commands.h"
+#include "terminal.h"
+
+#include <QCoreApplication>
+#include <QDBusServiceWatcher>
+#include <QSocketNotifier>
+#include <QTime>
+
+#include <csignal>
+#include <fcntl.h>
+#include <unistd.h>
+
+namespace
+{
+/** Signals that belong together come one right after the other. */
+const int drawingDelay = 100;
+
+/** What changes without a signal, as the battery's voltage, is asked for that often. */
+const int refreshInterval = 10000;
+
+/**
+ * To ask for temperatures has the daemon announce those that are too high, to everybody: that is
+ * done as seldom as the daemon's own check goes, and never because of such an announcement.
+ */
+const int refreshesPerTemperature = 30;
+const char temperature[] = "Temperature";
+
+int signalPipe[2] = {-1, -1};
+
+void noteSignal(int signal)
+{
+    const char byte = char(signal);
+    static_cast<void>(!write(signalPipe[1], &byte, 1));
+}
+
+QSet<QString> interfaces()
+{
+    QSet<QString> all;
+    for (const Command &command : commands())
+        all << command.interface;
+    return all;
+}
+} // namespace
+
+Watch::Watch() : m_refreshes(0), m_isDaemonThere(false)
+{
+    m_drawing.setSingleShot(true);
+    QObject::connect(&m_drawing, &QTimer::timeout, this, &Watch::askAndDraw);
+    QObject::connect(&m_refreshing, &QTimer::timeout, this, &Watch::refresh);
+    QSet<QString> subscribed;
+    for (const Command &command : commands()) {
+        if (!subscribed.contains(command.interface))
+            subscribe(command.path, command.interface, QString(), this, SLOT(take(QDBusMessage)));
+        subscribed << command.interface;
+    }
+    auto watcher = new QDBusServiceWatcher(daemonService, bus(),
+                                           QDBusServiceWatcher::WatchForOwnerChange, this);
+    QObject::connect(watcher, &QDBusServiceWatcher::serviceOwnerChanged, this, [this] {
+        m_changed = interfaces();
+        m_drawing.start(drawingDelay);
+    });
+    bus().connect(QString(), QStringLiteral("/org/freedesktop/DBus/Local"),
+                  QStringLiteral("org.freedesktop.DBus.Local"), QStringLiteral("Disconnected"),
+                  this, SLOT(leave()));
+}
+
+ExitStatus Watch::run()
+{
+    if (pipe2(signalPipe, O_CLOEXEC | O_NONBLOCK) != 0)
+        return DaemonError;
+    QSocketNotifier notifier(signalPipe[0], QSocketNotifier::Read);
+    QObject::connect(&notifier, &QSocketNotifier::activated, this,
+                     [this] { takeSignal(signalPipe[0]); });
+    for (const int signal : {SIGINT, SIGTERM, SIGHUP, SIGQUIT, SIGWINCH})
+        std::signal(signal, noteSignal);
+    takeScreen();
+    m_changed = interfaces();
+    askAndDraw();
+    m_refreshing.start(refreshInterval);
+    const int status = QCoreApplication::exec();
+    giveScreenBack();
+    if (status == DaemonAway)
+        complain(QStringLiteral("the connection to the bus ended"));
+    return ExitStatus(status);
+}
+
+void Watch::takeSignal(int descriptor)
+{
+    char signal = 0;
+    bool isToEnd = false;
+    while (read(descriptor, &signal, 1) == 1)
+        isToEnd = isToEnd || signal != SIGWINCH;
+    if (isToEnd)
+        QCoreApplication::exit(Success);
+    else
+        m_drawing.start(drawingDelay);
+}
+
+void Watch::take(const QDBusMessage &message)
+{
+    const QString interface = message.interface().mid(daemonService.size() + 1);
+    if (interface != QLatin1String(temperature))
+        m_changed << interface;
+    // LEDs follow the battery and the storage, and have no signal of their own.
+    m_changed << QStringLiteral("LED");
+    if (!m_drawing.isActive())
+        m_drawing.start(drawingDelay);
+}
+
+void Watch::refresh()
+{
+    m_changed = interfaces();
+    m_changed.remove(QStringLiteral("Version"));
+    if (++m_refreshes % refreshesPerTemperature != 0)
+        m_changed.remove(QLatin1String(temperature));
+    askAndDraw();
+}
+
+void Watch::askAndDraw()
+{
+    const Answer found = findDaemon();
+    if (!found.isGood()) {
+        m_isDaemonThere = false;
+        draw(found.complaint);
+        return;
+    }
+    if (!m_isDaemonThere)
+        m_changed = interfaces();
+    m_isDaemonThere = true;
+    Answer answer = found;
+    const QSet<QString> changed = m_changed;
+    m_changed.clear();
+    for (const QString &interface : changed) {
+        answer = m_view.ask(interface);
+        if (answer.status == DaemonAway || answer.status == DaemonError)
+            break;
+    }
+    draw(answer.status == DaemonAway || answer.status == DaemonError ? answer.complaint
+                                                                     : QString());
+}
+
+void Watch::draw(const QString &headline)
+{
+    const QString time = QTime::currentTime().toString(QStringLiteral("HH:mm:ss"));
+    drawScreen(QStringLiteral("Strandel  %1  %2\n\n")
+                   .arg(time, headline.isEmpty() ? QStringLiteral("Ctrl-C ends") : headline) +
+               (m_isDaemonThere ? m_view.text() : QString()));
+}
+
+void Watch::leave()
+{
+    QCoreApplication::exit(DaemonAway);
+}
