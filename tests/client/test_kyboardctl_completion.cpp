@@ -1,10 +1,12 @@
 #include "commands.h"
 #include "terminalprogram.h"
 
+#include <QFile>
 #include <QProcess>
+#include <QTemporaryDir>
 #include <QTest>
 
-/** The completion of kyboardctl in bash. */
+/** The completion of kyboardctl in bash and zsh. */
 class TestKyboardctlCompletion : public QObject
 {
     Q_OBJECT
@@ -15,6 +17,8 @@ private Q_SLOTS:
     void bashIsOfferedWhatMayFollow();
     void everyCommandIsOffered();
     void aKeyPressCompletes();
+    void aKeyPressCompletesInZsh();
+    void zshFindsItByItsName();
 
 private:
     static QStringList replies(const QStringList &words);
@@ -101,6 +105,47 @@ void TestKyboardctlCompletion::aKeyPressCompletes()
     QVERIFY2(bash.shows("set-ipv4 Method="), bash.shown().constData());
     bash.type("m\t");
     QVERIFY2(bash.shows("set-ipv4 Method=manual "), bash.shown().constData());
+}
+
+void TestKyboardctlCompletion::aKeyPressCompletesInZsh()
+{
+    qputenv("TERM", "xterm");
+    TerminalProgram zsh("zsh", {"-f", "-i"});
+    zsh.type("PROMPT='%%rea''dy '; autoload -Uz compinit; compinit -u -D; . " ZSH_COMPLETION "\n");
+    QVERIFY2(zsh.shows("ready "), zsh.shown().constData());
+    // Each key press is shown before the next one.
+    zsh.type("kyboardctl wi\t");
+    QVERIFY2(zsh.shows("kyboardctl wifi"), zsh.shown().constData());
+    zsh.type("set-i\t");
+    QVERIFY2(zsh.shows("set-ipv4"), zsh.shown().constData());
+    zsh.type("Meth\t");
+    QVERIFY2(zsh.shows("Method="), zsh.shown().constData());
+    zsh.type("m\t");
+    QVERIFY2(zsh.shows("manual"), zsh.shown().constData());
+    zsh.type("Addr\t");
+    QVERIFY2(zsh.shows("Address="), zsh.shown().constData());
+    // What stands on the line now, as a command would get it.
+    zsh.type("10.0.0.2\x01print -r -- \n");
+    QVERIFY2(zsh.shows("\nkyboardctl wifi set-ipv4 Method=manual Address=10.0.0.2\r\n"),
+             zsh.shown().constData());
+}
+
+/** As it is installed, a file of its own in the path of functions. */
+void TestKyboardctlCompletion::zshFindsItByItsName()
+{
+    qputenv("TERM", "xterm");
+    QTemporaryDir functions;
+    QVERIFY(QFile::link(ZSH_COMPLETION, functions.filePath("_kyboardctl")));
+    TerminalProgram zsh("zsh", {"-f", "-i"});
+    zsh.type("PROMPT='%%rea''dy '; fpath=(" + functions.path().toUtf8() +
+             " $fpath); autoload -Uz compinit; compinit -u -D\n");
+    QVERIFY2(zsh.shows("ready "), zsh.shown().constData());
+    zsh.type("kyboardctl eep\t");
+    QVERIFY2(zsh.shows("kyboardctl eeprom"), zsh.shown().constData());
+    zsh.type("du\t");
+    QVERIFY2(zsh.shows("dump"), zsh.shown().constData());
+    zsh.type("\x01print -r -- \n");
+    QVERIFY2(zsh.shows("\nkyboardctl eeprom dump\r\n"), zsh.shown().constData());
 }
 
 QTEST_GUILESS_MAIN(TestKyboardctlCompletion)

@@ -1,6 +1,7 @@
 #include "commands.h"
 #include "files.h"
 #include "help.h"
+#include "invocation.h"
 
 #include <QMap>
 #include <QProcess>
@@ -134,10 +135,12 @@ void TestKyboardctlPage::everyExampleIsACommand()
 {
     QVERIFY(!examples.isEmpty());
     for (const QString &example : examples) {
-        QStringList words = example.split(' ').mid(1);
-        words.removeAll("--json");
+        const Invocation invocation(example.section(" <", 0, 0).split(' ').mid(1));
+        QCOMPARE(invocation.complaint(), QString());
         int used = 0;
-        QVERIFY2(findCommand(words, &used), qPrintable(example));
+        const Command *command = findCommand(invocation.words(), &used);
+        QVERIFY2(command, qPrintable(example));
+        QCOMPARE(invocation.misplaced(*command), QString());
     }
 }
 

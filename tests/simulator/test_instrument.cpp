@@ -1,3 +1,5 @@
+#include "terminalprogram.h"
+
 #include <QProcess>
 #include <QTest>
 
@@ -11,6 +13,7 @@ private Q_SLOTS:
     void theInstrumentHasWhatSurroundsTheDaemon();
     void ethernetComesUpWithARealConnMan();
     void wifiComesUpWithoutARadio();
+    void itsShellCompletesTheClient();
     void inTheForegroundItShowsWhatIsUpAndEndsWhenAsked();
 
 private:
@@ -74,6 +77,20 @@ void TestInstrument::wifiComesUpWithoutARadio()
                                     "echo seven seas | kyboardctl wifi connect Workshop && "
                                     "kyboardctl wifi ipv4"});
     QVERIFY2(printed.contains("online\nAddress  10.78.0."), qPrintable(printed));
+}
+
+void TestInstrument::itsShellCompletesTheClient()
+{
+    qputenv("TERM", "dumb");
+    TerminalProgram bash(WORLD, arguments({"bash", "-i"}));
+    bash.type("PS1='rea''dy> '\n");
+    QVERIFY2(bash.shows("ready> "), bash.shown().constData());
+    bash.type("kyboardctl use\t");
+    QVERIFY2(bash.shows("kyboardctl user "), bash.shown().constData());
+    bash.type("get\n");
+    QVERIFY2(bash.shows("\nuser1\r\n"), bash.shown().constData());
+    bash.type("exit 3\n");
+    QCOMPARE(bash.waitForEnd(), 3);
 }
 
 void TestInstrument::inTheForegroundItShowsWhatIsUpAndEndsWhenAsked()
