@@ -101,15 +101,19 @@ Descriptor openTrusted(int from, QByteArray path, int flags)
 
 Descriptor openDirectory(const QString &path)
 {
-    const QByteArray name = QFile::encodeName(path);
+    return openDirectory(QFile::encodeName(path));
+}
+
+Descriptor openDirectory(const QByteArray &path)
+{
     // Faster, and the same: nobody but root makes links in "/", so of two names the last one alone
     // can be somebody else's.
-    if (name.startsWith('/') && name.lastIndexOf('/') == name.indexOf('/', 1)) {
-        Descriptor directory(open(name.constData(), asDirectory | O_NOFOLLOW | O_CLOEXEC));
+    if (path.startsWith('/') && path.lastIndexOf('/') == path.indexOf('/', 1)) {
+        Descriptor directory(open(path.constData(), asDirectory | O_NOFOLLOW | O_CLOEXEC));
         if (directory.isOpen())
             return directory;
     }
-    return openTrusted(AT_FDCWD, name, asDirectory);
+    return openTrusted(AT_FDCWD, path, asDirectory);
 }
 
 Descriptor makeDirectory(const QString &path)

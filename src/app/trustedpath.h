@@ -24,6 +24,7 @@ class QString;
 Descriptor openTrusted(int from, QByteArray path, int flags);
 
 /** The directory @p path, as a place to look up names in (O_PATH). */
+Descriptor openDirectory(const QByteArray &path);
 Descriptor openDirectory(const QString &path);
 
 /** The same, made with all missing parents where it does not exist. */
