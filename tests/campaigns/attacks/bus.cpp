@@ -17,6 +17,15 @@ double now()
         .count();
 }
 
+double readSeconds(const char *text)
+{
+    char *end = nullptr;
+    const double seconds = std::strtod(text, &end);
+    if (end == text || *end != '\0')
+        fail(std::string("no number of seconds: ") + text);
+    return seconds;
+}
+
 Bus::Bus() : m_connection(nullptr)
 {
     const double deadline = now() + 10;

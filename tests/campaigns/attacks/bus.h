@@ -53,6 +53,9 @@ Message newCall(const Method &method);
 /** Seconds of a clock that never jumps. */
 double now();
 
+/** The seconds that @p text names; ends the program where it names none. */
+double readSeconds(const char *text);
+
 /** Ends the program with a message. */
 [[noreturn]] void fail(const std::string &why);
 

@@ -9,7 +9,6 @@
 #include <chrono>
 #include <csignal>
 #include <cstdio>
-#include <cstdlib>
 #include <memory>
 #include <thread>
 
@@ -61,9 +60,10 @@ int main(int argc, char *argv[])
 {
     if (argc != 6)
         fail("usage: ordinary SECONDS SERVICE PATH INTERFACE METHOD");
-    std::signal(SIGTERM, [](int) { hasToEnd = 1; });
+    if (std::signal(SIGTERM, [](int) { hasToEnd = 1; }) == SIG_ERR)
+        fail("SIGTERM cannot be caught");
     const Method method = {argv[2], argv[3], argv[4], argv[5]};
-    const double end = now() + std::atof(argv[1]);
+    const double end = now() + readSeconds(argv[1]);
     Tally tally;
     auto bus = std::make_unique<Bus>();
     while (hasToEnd == 0 && now() < end) {
