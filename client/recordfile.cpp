@@ -94,8 +94,10 @@ bool isNumber(const QJsonValue &value, double minimum, double maximum)
 
 bool readInteger(const Argument &field, const QJsonValue &value, QVariant &made)
 {
+    if (!isNumber(value, double(field.minimum), double(field.maximum)))
+        return false;
     made = static_cast<uint>(value.toDouble());
-    return isNumber(value, double(field.minimum), double(field.maximum));
+    return true;
 }
 
 bool readNumbers(const Argument &field, const QJsonValue &value, QVariant &made)

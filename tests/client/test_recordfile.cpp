@@ -178,6 +178,8 @@ void TestRecordFile::aFileThatIsNotWholeIsRefused_data()
         "Brand of the instrument record is no value of its kind");
     row("large byte", "\"Fabrication\": 255,", "\"Fabrication\": 256,",
         "Fabrication of the instrument record is no value of its kind");
+    row("enormous number", "\"Brand\": 0,", "\"Brand\": 1e300,",
+        "Brand of the instrument record is no value of its kind");
     row("fraction", "\"Brand\": 0,", "\"Brand\": 0.5,",
         "Brand of the instrument record is no value of its kind");
     row("text for a number", "\"Brand\": 0,", "\"Brand\": \"0\",",
