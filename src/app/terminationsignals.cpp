@@ -26,8 +26,8 @@ void endProcess(int number)
         return;
     }
     // Takes effect on return.
-    signal(number, SIG_DFL);
-    raise(number);
+    static_cast<void>(signal(number, SIG_DFL));
+    static_cast<void>(raise(number));
 }
 } // namespace
 
