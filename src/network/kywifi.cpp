@@ -110,7 +110,6 @@ void KyWifi::connect(const QVariantMap &settings, const QDBusMessage &message)
         return;
     // Only the service of this attempt decides about it, also where ConnMan gives it the same path.
     forgetService();
-    m_connectReply = nullptr;
     m_monitoringTimer.start(connectTimeout);
     // Not announced: clients take "idle" for the end of an attempt.
     m_state = KyTcpIpState::Idle;

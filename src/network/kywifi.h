@@ -92,7 +92,7 @@ private:
     /** The name of the network that the last connect named. */
     QString m_requestedService;
     Operation m_operation = NoOperation;
-    /** ConnMan's reply to the Connect of the last attempt; null when none is outstanding. */
+    /** ConnMan's reply to the last Connect; null when it has come. */
     const QDBusPendingCallWatcher *m_connectReply = nullptr;
     /** Bounds the operation under way. */
     QTimer m_monitoringTimer;
