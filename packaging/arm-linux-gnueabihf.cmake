@@ -1,11 +1,16 @@
 # 32-bit ARM with hard floating point, for CMAKE_TOOLCHAIN_FILE. Libraries and headers come from
-# CMAKE_SYSROOT (tools/arm-sysroot makes one), the compiler and what runs during the build from the
+# CMAKE_SYSROOT, which is made of Debian's packages where there is none, the compiler and what runs during the build from the
 # machine.
 set(CMAKE_SYSTEM_NAME Linux)
 set(CMAKE_SYSTEM_PROCESSOR armv7l)
 set(CMAKE_LIBRARY_ARCHITECTURE arm-linux-gnueabihf)
 set(CMAKE_C_COMPILER arm-linux-gnueabihf-gcc)
 set(CMAKE_CXX_COMPILER arm-linux-gnueabihf-g++)
+
+if(CMAKE_SYSROOT AND NOT EXISTS ${CMAKE_SYSROOT})
+    execute_process(COMMAND ${CMAKE_CURRENT_LIST_DIR}/../tools/arm-sysroot ${CMAKE_SYSROOT}
+        COMMAND_ERROR_IS_FATAL ANY)
+endif()
 
 set(CMAKE_FIND_ROOT_PATH_MODE_PROGRAM NEVER)
 set(CMAKE_FIND_ROOT_PATH_MODE_LIBRARY ONLY)

@@ -1,7 +1,6 @@
 """What the build folder knows of how things are compiled, linked and tested; for scripts that make
 other variants of some of it."""
 
-import concurrent.futures
 import json
 import os
 import shlex
@@ -85,23 +84,6 @@ class Build:
         if program:
             command[-1] = program
         return command
-
-    def suite(self):
-        """The names of the tests, without the checks that measure."""
-        return [name for name, test in self.tests.items()
-                if not any(entry['name'] == 'LABELS' for entry in test.get('properties', []))]
-
-    def run_tests(self, names, programs, replaced, jobs):
-        """Runs tests with the daemon in the given folder, and some of the tests' programs replaced.
-        Shows what those print that fail; returns how many passed."""
-        def passes(name):
-            passed, printed = self.run_test(
-                name, self.test_command(name, programs, replaced.get(name)), 900)
-            if not passed:
-                print(f'{printed}\n{name} fails', flush=True)
-            return passed
-        with concurrent.futures.ThreadPoolExecutor(jobs) as pool:
-            return sum(pool.map(passes, names))
 
     def run_test(self, name, command, deadline):
         """Runs a test, until its first failure. Returns whether it passed, and what it printed."""

@@ -4,6 +4,14 @@
 if(CMAKE_CROSSCOMPILING)
     # The machine's own test programs test the other machine's daemon, which an emulator runs.
     set(NATIVE_BUILD "" CACHE PATH "Where this tree is built for the machine itself")
+    if(NOT EXISTS ${NATIVE_BUILD}/build.ninja)
+        # What the toolchain file tells pkg-config is not the machine's.
+        execute_process(WORKING_DIRECTORY ${PROJECT_SOURCE_DIR} COMMAND_ERROR_IS_FATAL ANY
+            COMMAND ${CMAKE_COMMAND} -E env
+            --unset=PKG_CONFIG_SYSROOT_DIR --unset=PKG_CONFIG_LIBDIR
+            ${CMAKE_COMMAND} --preset release -B ${NATIVE_BUILD})
+    endif()
+    add_custom_target(native ALL COMMAND ${CMAKE_COMMAND} --build ${NATIVE_BUILD} USES_TERMINAL)
     set(native_libraries ${NATIVE_BUILD}/simulator/board)
     set(world_options
         --keep ${PROJECT_BINARY_DIR} --keep ${NATIVE_BUILD} --keep ${CMAKE_SYSROOT}
@@ -37,6 +45,9 @@ else()
         --)
     set(supplicant $<TARGET_FILE_DIR:supplicantstandin>)
     set(patience 1)
+    if(SANITIZE OR COVERAGE)
+        set(patience 3)
+    endif()
 endif()
 
 # A program of tests. Its first source includes what moc makes of it; no other one needs moc.
