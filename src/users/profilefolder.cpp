@@ -401,7 +401,7 @@ void makeIncomplete(const Descriptor &folder, const Descriptor &reference)
     list(reference, listing);
     const std::vector<QByteArray> &names = listing.files.empty() ? listing.folders : listing.files;
     if (!names.empty())
-        renameat(folder.get(), names.front().constData(), folder.get(),
+        renameat(folder.get(), names[0].constData(), folder.get(),
                  freeName(folder, reference).constData());
 }
 
