@@ -76,6 +76,10 @@ class Build:
         return {line.split()[0] for line in lines.splitlines()
                 if line.split()[1:2] in (['T'], ['D'], ['B'], ['R'])}
 
+    def program_of(self, name):
+        """The program of a test, relative to the build directory."""
+        return os.path.relpath(self.tests[name]['command'][-1], self.folder)
+
     def test_command(self, name, programs, program=None):
         """How a test runs with the daemon in the given folder and, if need be, another program."""
         command = list(self.tests[name]['command'])

@@ -5,6 +5,7 @@
 #include "files.h"
 #include "remote.h"
 #include "signalrecorder.h"
+#include "testpart.h"
 
 #include <QDir>
 #include <QFile>
@@ -40,7 +41,8 @@ protected Q_SLOTS:
             qFatal("this test writes to /opt and /tmp: run it in a private world");                \
         QCoreApplication itself(argc, argv);                                                       \
         Test test;                                                                                 \
-        return QTest::qExec(&test, argc, argv);                                                    \
+        return QTest::qExec(&test, argumentsOfPart(*test.metaObject(), itself.arguments(),         \
+                                                   qEnvironmentVariable("TEST_PART")));            \
     }
 
 #endif

@@ -87,9 +87,11 @@ function(add_pure_test name)
         ENVIRONMENT LD_LIBRARY_PATH=$<TARGET_FILE_DIR:KyBoard>)
 endfunction()
 
-# A test of behaviour: runs in a private world, where it starts the daemon itself.
+# A test of behaviour: runs in a private world, where it starts the daemon itself. One that takes very
+# long runs as several tests, NAME_1 to NAME_N with PARTS N, each with a part of its functions.
 function(add_world_test name)
-    add_world_program(${name} ${ARGN})
+    cmake_parse_arguments(TEST "" "PARTS" "" ${ARGN})
+    add_world_program(${name} ${TEST_UNPARSED_ARGUMENTS})
     if(CMAKE_CROSSCOMPILING)
         set(program ${NATIVE_BUILD}/tests/${name})
         if(left_out_of_${name})
@@ -99,10 +101,21 @@ function(add_world_test name)
     else()
         set(program $<TARGET_FILE:${name}>)
     endif()
-    add_test(NAME ${name} COMMAND ${PROJECT_SOURCE_DIR}/simulator/world ${world_options}
-        ${program})
+    set(world ${PROJECT_SOURCE_DIR}/simulator/world ${world_options})
+    if(TEST_PARTS)
+        # The longest ones first, where it is not known yet how long each takes.
+        set(cost COST 60)
+        foreach(part RANGE 1 ${TEST_PARTS})
+            list(APPEND tests ${name}_${part})
+            add_test(NAME ${name}_${part}
+                COMMAND ${world} env TEST_PART=${part}/${TEST_PARTS} ${program})
+        endforeach()
+    else()
+        set(tests ${name})
+        add_test(NAME ${name} COMMAND ${world} ${program})
+    endif()
     math(EXPR timeout "120 * ${patience}")
-    set_tests_properties(${name} PROPERTIES TIMEOUT ${timeout} FAIL_REGULAR_EXPRESSION "SKIP   :")
+    set_tests_properties(${tests} PROPERTIES TIMEOUT ${timeout} ${cost} FAIL_REGULAR_EXPRESSION "SKIP   :")
 endfunction()
 
 # A test of scripts and documents, which are the same on every machine.

@@ -8,7 +8,8 @@ TREE = os.path.dirname(os.path.dirname(os.path.dirname(os.path.abspath(__file__)
 NETWORK = ['test_connections', 'test_ethernet_settings', 'test_ethernet', 'test_wifiscan',
            'test_wificonnect', 'test_wifiattempt', 'test_wifidisconnect']
 WIFI = ['test_wifiscan', 'test_wificonnect', 'test_wifiattempt', 'test_wifidisconnect',
-        'test_connmanagent', 'test_realwifi', 'test_wifi_connman']
+        'test_connmanagent', 'test_realwifi', 'test_wifi_connman_1',
+        'test_wifi_connman_2']
 LIGHT = ['test_brightness', 'test_backlight']
 
 # The files whose decisions are functions without bus, hardware and clock.
