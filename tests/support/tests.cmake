@@ -102,6 +102,8 @@ function(add_world_test name)
         set(program $<TARGET_FILE:${name}>)
     endif()
     set(world ${PROJECT_SOURCE_DIR}/simulator/world ${world_options})
+    set(tests "")
+    set(cost "")
     if(TEST_PARTS)
         # The longest ones first, where it is not known yet how long each takes.
         set(cost COST 60)
@@ -115,7 +117,8 @@ function(add_world_test name)
         add_test(NAME ${name} COMMAND ${world} ${program})
     endif()
     math(EXPR timeout "120 * ${patience}")
-    set_tests_properties(${tests} PROPERTIES TIMEOUT ${timeout} ${cost} FAIL_REGULAR_EXPRESSION "SKIP   :")
+    set_tests_properties(${tests} PROPERTIES TIMEOUT ${timeout} ${cost}
+        FAIL_REGULAR_EXPRESSION "SKIP   :")
 endfunction()
 
 # A test of scripts and documents, which are the same on every machine.
