@@ -148,7 +148,7 @@ Answer send(const QDBusMessage &message, QDBusMessage *whole)
         *whole = reply;
     if (reply.type() == QDBusMessage::ErrorMessage) {
         // The bus says the same when the daemon ends, but at once. Qt's own timer is a coarse one.
-        if (timer.hasExpired(replyTimeout / 10 * 9))
+        if (timer.hasExpired(qint64(replyTimeout) / 10 * 9))
             return {OutcomeMissing,
                     {},
                     QStringLiteral("no answer within %1 s").arg(replyTimeout / 1000),

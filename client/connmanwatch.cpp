@@ -62,7 +62,7 @@ bool ConnmanWatch::isConnmanThere()
 Answer ConnmanWatch::find(QString &path, QString &state) const
 {
     QDBusMessage reply;
-    const Answer answer = send(methodCall(managerPath, managerInterface, "GetServices"), &reply);
+    Answer answer = send(methodCall(managerPath, managerInterface, "GetServices"), &reply);
     const QList<Service> services = servicesIn(reply.arguments().value(0));
     for (const Service &service : services) {
         if (isServiceOf(service.path, m_network)) {

@@ -155,7 +155,7 @@ Answer InstrumentView::askAgain(int index)
 Answer InstrumentView::ask()
 {
     for (int index = 0; index < m_answers.size(); ++index) {
-        const Answer answer = askAgain(index);
+        Answer answer = askAgain(index);
         // Who may not ask one thing may ask nothing.
         if (answer.status == DaemonAway || answer.errorName == accessDenied)
             return answer;

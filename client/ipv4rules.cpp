@@ -79,7 +79,7 @@ QString ipv4Disagreement(const QVariantMap &settings)
     const QVariantMap filled = repairedIPv4(settings);
     const quint32 netmask = number(filled.value(QStringLiteral("Netmask")));
     const quint32 address = number(filled.value(QStringLiteral("Address")));
-    const QString disagreement = addressDisagreement(address, netmask);
+    QString disagreement = addressDisagreement(address, netmask);
     if (!disagreement.isEmpty() || (!isManual && !hasGateway))
         return disagreement;
     const QVariant gateway = filled.value(QStringLiteral("Gateway"));

@@ -74,7 +74,7 @@ ExitStatus Watch::run()
     QObject::connect(&notifier, &QSocketNotifier::activated, this,
                      [this] { takeSignal(signalPipe[0]); });
     for (const int signal : {SIGINT, SIGTERM, SIGHUP, SIGQUIT, SIGWINCH})
-        std::signal(signal, noteSignal);
+        static_cast<void>(std::signal(signal, noteSignal));
     takeScreen();
     m_changed = interfaces();
     askAndDraw();
