@@ -3,6 +3,7 @@
 #include <QSettings>
 
 #include <sys/mount.h>
+#include <sys/stat.h>
 #include <unistd.h>
 
 /** A small file system at a path, for as long as the object lives. */
@@ -90,6 +91,8 @@ private Q_SLOTS:
     void factoryResetReportsAnUnreadableDefaultProfileAndErasesNothing();
     void factoryResetDoesNotFollowALinkOutOfTheProfile();
     void subdirectoriesThatTheirOwnerMayNotWriteToAreCopied();
+    void aCallThatFailsFailsTheReset_data();
+    void aCallThatFailsFailsTheReset();
 
 private:
     static QStringList traced(const char *calls, const char *injection);
@@ -930,6 +933,53 @@ void TestUsers::subdirectoriesThatTheirOwnerMayNotWriteToAreCopied()
             QCOMPARE(QFileInfo(profile("user2") + directory).permissions(),
                      QFileInfo(profile("default_user") + directory).permissions());
     }
+}
+
+void TestUsers::aCallThatFailsFailsTheReset_data()
+{
+    QTest::addColumn<QString>("call");
+    QTest::addColumn<int>("count");
+    QTest::newRow("making the directory of the copy") << "mkdirat" << 1;
+    QTest::newRow("making a subdirectory") << "mkdirat" << 2;
+    QTest::newRow("making a subdirectory of that") << "mkdirat" << 3;
+    QTest::newRow("copying") << "sendfile" << 1;
+    QTest::newRow("the mode of a file") << "fchmod" << 1;
+    QTest::newRow("the mode of a subdirectory's subdirectory") << "fchmod" << 2;
+    QTest::newRow("the mode of a subdirectory") << "fchmod" << 3;
+    QTest::newRow("synchronising") << "syncfs" << 1;
+    // The first one makes the profile incomplete.
+    QTest::newRow("moving") << "renameat" << 2;
+}
+
+void TestUsers::aCallThatFailsFailsTheReset()
+{
+    QFETCH(QString, call);
+    QFETCH(int, count);
+    for (const QString &user : {QStringLiteral("default_user"), QStringLiteral("user2")}) {
+        removePath(profile(user));
+        writeFile(profile(user) + "/fixed/deeper/file", "text");
+    }
+    for (const char *directory : {"/fixed/deeper", "/fixed"})
+        QCOMPARE(chmod(qPrintable(profile("default_user") + directory), 0555), 0);
+    QVERIFY(daemon.start());
+    daemon.settledDescriptors();
+    QTRY_VERIFY(QFile::exists("/opt/settings.ini") && !QFile::exists("/opt/settings.ini.lock"));
+    // Attached when the start has made its own calls: only those of the reset are counted.
+    QProcess strace;
+    strace.start("strace", {"-f", "-o", "/dev/null", "-p", QString::number(daemon.processId()),
+                            "-e", "trace=" + call, "-e",
+                            QStringLiteral("inject=%1:error=ENOSPC:when=%2").arg(call).arg(count)});
+    QByteArray said;
+    QTRY_VERIFY((said += strace.readAllStandardError()).contains("attached"));
+
+    QCOMPARE(users.call("factoryReset", {"user2"}),
+             failure("Write", "The copy of the default folder did not went as expected"));
+    QVERIFY(!QFile::exists(profile("user2") + "/.rebuild"));
+
+    QCOMPARE(users.call("factoryReset", {"user2"}), QStringLiteral("()"));
+    QCOMPARE(snapshot(profile("user2")), snapshot(profile("default_user")));
+    strace.terminate();
+    QVERIFY(strace.waitForFinished());
 }
 
 WORLD_TEST_MAIN(TestUsers)
