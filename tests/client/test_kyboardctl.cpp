@@ -2,6 +2,7 @@
 #include "busmonitor.h"
 #include "commands.h"
 #include "daemontest.h"
+#include "standstill.h"
 
 #include <QJsonDocument>
 #include <QJsonObject>
@@ -278,13 +279,13 @@ void TestKyboardctl::optionsStandAnywhere()
 void TestKyboardctl::anAnswerThatIsLateIsToldApart()
 {
     QVERIFY(daemon.start());
-    QCOMPARE(::kill(pid_t(daemon.processId()), SIGSTOP), 0);
+    QVERIFY(stopProcess(daemon.processId()));
     const Result result = run({"user", "get", "--timeout", "1"});
-    QCOMPARE(::kill(pid_t(daemon.processId()), SIGCONT), 0);
+    QVERIFY(resumeProcess(daemon.processId()));
     QCOMPARE(result.complaint, QStringLiteral("kyboardctl: user get: no answer within 1 s\n"));
     QCOMPARE(result.status, 6);
 
-    QCOMPARE(::kill(pid_t(daemon.processId()), SIGSTOP), 0);
+    QVERIFY(stopProcess(daemon.processId()));
     QProcess client;
     BusMonitor monitor;
     client.start("kyboardctl", {"user", "get"});

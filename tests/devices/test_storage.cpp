@@ -3,11 +3,10 @@
 #include "daemontest.h"
 #include "kernelevents.h"
 #include "kystorage.h"
+#include "standstill.h"
 
 #include <QProcess>
 #include <QSignalSpy>
-
-#include <csignal>
 
 /** The removable storage, on the running daemon. */
 class TestStorage : public DaemonTest
@@ -528,13 +527,12 @@ void TestStorage::aListenerThatDoesNotGetToRunLosesNothing()
 {
     QVERIFY(startListening());
     SignalRecorder recorder("/KyDeviceMgr");
-    const pid_t process = static_cast<pid_t>(daemon.processId());
 
-    QCOMPARE(kill(process, SIGSTOP), 0);
+    QVERIFY(stopProcess(daemon.processId()));
     // The kernel's own events are at most that large.
     QVERIFY(Board::sendKernelEvent(kernelEvent("add", keyPartition) + QByteArray(2048, 'x'),
                                    burstSize));
-    QCOMPARE(kill(process, SIGCONT), 0);
+    QVERIFY(resumeProcess(daemon.processId()));
 
     verifyBurstIsAnnounced(recorder);
 }
@@ -555,12 +553,11 @@ void TestStorage::aListenerThatLosesEventsHearsTheNextOnes()
 {
     QVERIFY(startListening());
     SignalRecorder recorder("/KyDeviceMgr");
-    const pid_t process = static_cast<pid_t>(daemon.processId());
 
-    QCOMPARE(kill(process, SIGSTOP), 0);
+    QVERIFY(stopProcess(daemon.processId()));
     while (KernelEvents::undelivered() == 0)
         QVERIFY(Board::sendKernelEvent(kernelEvent("change", card) + QByteArray(8000, 'x'), 1000));
-    QCOMPARE(kill(process, SIGCONT), 0);
+    QVERIFY(resumeProcess(daemon.processId()));
     QVERIFY(KernelEvents::waitForEmptyQueues());
     send({kernelEvent("add", keyPartition)});
 

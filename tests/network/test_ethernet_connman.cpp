@@ -3,14 +3,13 @@
 #include "modescript.h"
 #include "realconnman.h"
 #include "render.h"
+#include "standstill.h"
 
 #include <QDBusConnection>
 #include <QDBusPendingReply>
 #include <QJsonArray>
 #include <QJsonDocument>
 #include <QJsonObject>
-
-#include <csignal>
 
 namespace
 {
@@ -193,11 +192,11 @@ void TestEthernetConnman::aLeaseThatIsFasterThanTheDaemonLeadsOnlineToo()
     QVERIFY(reach("association"));
     QTRY_COMPARE(RealConnman::technology("Powered"), QVariant(true));
 
-    ::kill(pid_t(daemon.processId()), SIGSTOP);
+    QVERIFY(stopProcess(daemon.processId()));
     connman.plugCable();
     QTRY_VERIFY(kernelAddress().startsWith("10.77.0."));
     QTRY_COMPARE(RealConnman::service("State"), QVariant("ready"));
-    ::kill(pid_t(daemon.processId()), SIGCONT);
+    QVERIFY(resumeProcess(daemon.processId()));
 
     QVERIFY(waitForState("online"));
     QCOMPARE(states, (QStringList{"association", "ready", "online"}));

@@ -1,13 +1,12 @@
 #include "connmanstandin.h"
 
 #include "remote.h"
+#include "standstill.h"
 
 #include <QDBusConnection>
 #include <QDBusConnectionInterface>
 #include <QDBusVariant>
 #include <QTest>
-
-#include <csignal>
 
 namespace
 {
@@ -97,12 +96,13 @@ void ConnmanStandIn::waitForEnd()
 
 void ConnmanStandIn::freeze()
 {
-    ::kill(pid_t(m_process.processId()), SIGSTOP);
+    if (!stopProcess(m_process.processId()))
+        qFatal("there is no ConnMan to be stopped");
 }
 
 void ConnmanStandIn::thaw()
 {
-    ::kill(pid_t(m_process.processId()), SIGCONT);
+    resumeProcess(m_process.processId());
 }
 
 void ConnmanStandIn::setServices(const ListedObjects &services)

@@ -39,7 +39,7 @@ public:
     void kill();
     bool isRunning() const;
 
-    /** Stops it in its tracks (SIGSTOP), and lets it go on. */
+    /** Suspends it (SIGSTOP), from when on it answers nothing, and lets it go on. */
     void freeze();
     void thaw();
 

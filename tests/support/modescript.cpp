@@ -1,6 +1,7 @@
 #include "modescript.h"
 
 #include "files.h"
+#include "standstill.h"
 
 #include <QDir>
 #include <QFile>
@@ -62,13 +63,8 @@ void waitUntilEnded(pid_t process)
 /** Kills a process and its children. Stops it first, so that it starts no more of them. */
 void endTree(pid_t process)
 {
-    if (kill(process, SIGSTOP) != 0)
+    if (!stopProcess(process))
         return;
-    const auto isStopped = [process] {
-        return statusOf(process).value(0) == "T" || hasEnded(process);
-    };
-    if (!QTest::qWaitFor(isStopped, 10000))
-        qFatal("process %d does not stop", int(process));
     for (const pid_t other : processes()) {
         if (statusOf(other).value(1).toInt() == process)
             endTree(other);

@@ -2,12 +2,11 @@
 
 #include "listedobject.h"
 #include "remote.h"
+#include "standstill.h"
 
 #include <QDBusConnection>
 #include <QDBusConnectionInterface>
 #include <QTest>
-
-#include <csignal>
 
 namespace
 {
@@ -75,12 +74,13 @@ void RealConnman::waitForEnd()
 
 void RealConnman::freeze()
 {
-    ::kill(pid_t(m_process.processId()), SIGSTOP);
+    if (!stopProcess(m_process.processId()))
+        qFatal("there is no ConnMan to be stopped");
 }
 
 void RealConnman::thaw()
 {
-    ::kill(pid_t(m_process.processId()), SIGCONT);
+    resumeProcess(m_process.processId());
 }
 
 void RealConnman::plugCable()

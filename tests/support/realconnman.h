@@ -32,7 +32,7 @@ public:
     void stop();
     void kill();
 
-    /** Stops it in its tracks (SIGSTOP), and lets it go on. */
+    /** Suspends it (SIGSTOP), from when on it answers nothing, and lets it go on. */
     void freeze();
     void thaw();
 
