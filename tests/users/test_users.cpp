@@ -54,6 +54,7 @@ private Q_SLOTS:
     void aLinkThatCannotBeMadeInvalidatesTheUser();
     void aLinkThatCannotBeMadeLeavesNoActiveProfile();
     void aFileHasItsNameOnceItIsOnTheDisk();
+    void aProfileIsIncompleteBeforeAnythingOfItIsErased();
     void aStartChangesNoProfile();
     void aFileBesideACompleteProfileDoesNotHaveItReplaced();
     void whatAPowerCutHasLeftGoesWithTheNextRebuild();
@@ -455,6 +456,25 @@ void TestUsers::aFileHasItsNameOnceItIsOnTheDisk()
     QCOMPARE(renames.size(), 2);
     for (const char *name : {"\"measure.conf\"", "\"display\""})
         QCOMPARE(renames.filter(name).size(), 1);
+}
+
+void TestUsers::aProfileIsIncompleteBeforeAnythingOfItIsErased()
+{
+    writeFile(profile("user2") + "/added", "user2");
+    daemon.setWrapper(
+        {"strace", "-D", "-f", "-o", "/tmp/trace", "-e", "trace=/rename,/unlink,/rmdir"});
+    QVERIFY(daemon.start());
+    QTRY_VERIFY(QFile::exists("/opt/settings.ini"));
+    QTRY_VERIFY(!QFile::exists("/opt/settings.ini.lock"));
+    writeFile("/tmp/trace", "");
+
+    QCOMPARE(users.call("factoryReset", {"user2"}), QStringLiteral("()"));
+
+    // A power cut between the two leaves a profile that the next switch replaces.
+    const QByteArray trace = readFile("/tmp/trace");
+    const int renamed = trace.indexOf("\"measure.conf\"");
+    QVERIFY2(renamed >= 0 && renamed < trace.indexOf("\".rebuild\""), trace.constData());
+    QVERIFY2(renamed < trace.indexOf("unlink"), trace.constData());
 }
 
 void TestUsers::aStartChangesNoProfile()
