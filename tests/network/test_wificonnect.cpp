@@ -55,6 +55,7 @@ private Q_SLOTS:
     void aStrengthThatIsNoneIsNotPassedOn();
     void theServiceBeforeIsNoLongerHeard();
     void theNetworkJoinedLastIsConfiguredAnew();
+    void aConnectForgetsTheServiceBeforeItFails();
     void aScanKeepsTheService();
     void otherPropertiesAreIgnored();
 };
@@ -608,6 +609,20 @@ void TestWifiConnect::theNetworkJoinedLastIsConfiguredAnew()
     announceService("ready");
     QCOMPARE(announced(), (QStringList{configuration, online}));
     QCOMPARE(orders(), (QStringList{nameservers, settings}));
+}
+
+void TestWifiConnect::aConnectForgetsTheServiceBeforeItFails()
+{
+    reach("configuration");
+    connman.setProperty(lab, "Error", "connect-failed");
+    QCOMPARE(announced(), QStringList{labFailure});
+    script.remove();
+
+    QCOMPARE(join(), cannotSwitch);
+
+    QCOMPARE(announced(), QStringList{failure});
+    connman.setProperty(lab, "Error", "connect-failed");
+    QCOMPARE(announced(), QStringList());
 }
 
 void TestWifiConnect::aScanKeepsTheService()

@@ -362,6 +362,7 @@ void TestWifiDisconnect::theModuleOfAnEndedAttemptStaysOff()
 {
     QFETCH(QString, method);
     QFETCH(bool, isScriptRunning);
+    connman.setAsyncScan(true);
     begin();
     script.hold();
     QCOMPARE(method == "scan" ? wifi.call("scan") : join(), QString("()"));
@@ -382,6 +383,10 @@ void TestWifiDisconnect::theModuleOfAnEndedAttemptStaysOff()
     QCOMPARE(connman.journal(), QStringList());
     QCOMPARE(trace().last().section(' ', 0, 2),
              QString("slotLoadFirmwareFinishedDelayed OP:none idle"));
+    // But the module counts as switched: ConnMan's signals are heard again.
+    power(true);
+    QCOMPARE(announced(), QStringList());
+    QCOMPARE(connman.journal(), (QStringList{getServices, asyncScan}));
 }
 
 void TestWifiDisconnect::theServiceThatIsLeftDecidesNothing()
