@@ -30,6 +30,7 @@ private Q_SLOTS:
     void aWrongKeyFailsAndTheRightOneThenLeadsOnline();
     void aNetworkThatRefusesEveryKeyFails();
     void aNetworkThatIsNotThereFails();
+    void aNetworkThatCouldNotBeJoinedIsJoinedWhenItIsBack();
     void aRadioThatIsOnAlreadyIsSearchedAtOnce();
     void disconnectForgetsTheNetwork();
     void fromOneNetworkToAnother();
@@ -220,6 +221,26 @@ void TestWifiConnman::aNetworkThatIsNotThereFails()
 {
     QCOMPARE(join("Nowhere"), done);
     QVERIFY(waitForState("failure"));
+}
+
+void TestWifiConnman::aNetworkThatCouldNotBeJoinedIsJoinedWhenItIsBack()
+{
+    const QString cafe = path("Cafe", "none");
+    const Remote radio("net.connman", "/net/connman/technology/wifi", "net.connman.Technology");
+    QCOMPARE(radio.call("SetProperty", {"Powered", QVariant::fromValue(QDBusVariant(true))}), done);
+    QTRY_VERIFY_WITH_TIMEOUT(!RealConnman::properties(cafe).isEmpty(), deadline);
+    // ConnMan lists it until the next scan.
+    supplicant.set("cafe/in_range", "0");
+    QCOMPARE(join("Cafe"), done);
+    QVERIFY(waitForState("association", "WIFI", ""));
+    // No 60 s pass: the error of ConnMan's reply ends it, and the radio stays on.
+    QVERIFY(waitForState("failure", "WIFI", ""));
+    QVERIFY(!RealConnman::properties(cafe).isEmpty());
+
+    supplicant.set("cafe/in_range", "1");
+    QCOMPARE(join("Cafe"), done);
+
+    QVERIFY(waitForState("online", "WIFI", cafe));
 }
 
 void TestWifiConnman::aRadioThatIsOnAlreadyIsSearchedAtOnce()
