@@ -62,7 +62,8 @@ bool isServerAddress(const QString &text)
     return isHostAddress(text) ||
            (text.contains(QLatin1Char(':')) && address.setAddress(text) &&
             address.protocol() == QAbstractSocket::IPv6Protocol && address.scopeId().isEmpty() &&
-            !address.isMulticast() && address != QHostAddress(QHostAddress::AnyIPv6));
+            !address.isInSubnet(QHostAddress(QStringLiteral("ff00::")), 8) &&
+            address != QHostAddress(QHostAddress::AnyIPv6));
 }
 
 QString ipv4Disagreement(const QVariantMap &settings)
