@@ -22,6 +22,7 @@ private Q_SLOTS:
     void aRefusalToPowerOnIsIgnored();
     void aTechnologyThatIsConnectedIsNotAskedToConnect();
     void aTechnologyThatConnectsByItselfIsTaken();
+    void aTechnologyThatConnectsToAnUnlistedNetworkIsNot();
     void aTechnologyThatConnectsWithoutARequestIsNot();
     void connectAnnouncesNothingByItself();
     void missingKeysAreEmptyTexts();
@@ -209,6 +210,20 @@ void TestWifiConnect::aTechnologyThatConnectsByItselfIsTaken()
 
     QCOMPARE(announced(), QStringList{configuration});
     QCOMPARE(orders(), (QStringList{nameservers, settings}));
+}
+
+void TestWifiConnect::aTechnologyThatConnectsToAnUnlistedNetworkIsNot()
+{
+    begin();
+    join();
+    letModuleSwitch();
+    QVERIFY(connman.waitForCall(powerOn));
+    orders();
+
+    connman.setProperty(ConnmanStandIn::wifiTechnology, "Connected", true);
+
+    QCOMPARE(announced(), QStringList());
+    QCOMPARE(connman.journal(), QStringList{getServices});
 }
 
 void TestWifiConnect::aTechnologyThatConnectsWithoutARequestIsNot()
