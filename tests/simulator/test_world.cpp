@@ -161,7 +161,7 @@ void TestWorld::verifyEndAfter(const std::function<void(QProcess &)> &ending)
                                            " & echo up; "
                                            "while true; do wait; done"}));
     QTRY_COMPARE_WITH_TIMEOUT(world.peek(3), QByteArray("up\n"), 20000);
-    QVERIFY(isAlive(marker));
+    QTRY_VERIFY_WITH_TIMEOUT(isAlive(marker), 20000);
 
     ending(world);
 
