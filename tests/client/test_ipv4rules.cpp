@@ -106,6 +106,9 @@ void TestIpv4Rules::settingsHaveToAgree_data()
         "a host");
     row("Method=manual Address=10.0.0.255 Netmask=255.255.254.0 Gateway=10.0.1.1", "");
     row("Method=manual Address=10.0.0.0 Netmask=255.255.255.254 Gateway=10.0.0.1", "");
+    row("Method=manual Address=10.0.0.4 Netmask=255.255.255.252 Gateway=10.0.0.5",
+        "Address: '10.0.0.4' is the network's own address of the network 10.0.0.4/30, not of a "
+        "host");
     row("Method=manual Address=10.0.0.2 Netmask=255.255.255.255 Gateway=10.0.0.1",
         "Gateway: '10.0.0.1' is not in the network 10.0.0.2/32 of the address");
     // Without the method, or with another one, what is missing may be stored already.

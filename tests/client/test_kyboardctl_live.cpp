@@ -60,7 +60,7 @@ static bool listens(QProcess &client)
 void TestKyboardctlLive::monitorEndsAfterTheSignals()
 {
     QProcess client;
-    client.start("kyboardctl", {"monitor", "--count", "2", "--timeout=60"});
+    client.start("kyboardctl", {"monitor", "--count", "2", "--timeout=600"});
     QVERIFY(listens(client));
     QCOMPARE(runClient({"user", "set", "user2"}).status, 0);
     const ClientResult result = resultOf(client);
@@ -74,7 +74,7 @@ void TestKyboardctlLive::monitorShowsOnlyTheSignalsAskedFor()
 {
     QProcess client;
     client.start("kyboardctl", {"monitor", "Users.userChanged", "Storage.sdcardPresence",
-                                "--count=2", "--timeout=60"});
+                                "--count=2", "--timeout=600"});
     QVERIFY(listens(client));
     QCOMPARE(runClient({"user", "set", "user2"}).status, 0);
     QCOMPARE(runClient({"storage", "unmount", "SD"}).status, 0);
