@@ -17,7 +17,6 @@ private Q_SLOTS:
 
 private:
     void callUnknownMethods(const QString &path, int first, int count);
-    int privateMemory() const;
 };
 
 /** Calls so many methods of different names, many at a time, and waits for all the replies. */
@@ -37,20 +36,6 @@ void TestSlotCache::callUnknownMethods(const QString &path, int first, int count
     }
 }
 
-/** The pages that the daemon alone has, in KB. */
-int TestSlotCache::privateMemory() const
-{
-    QFile file(QStringLiteral("/proc/%1/smaps_rollup").arg(daemon.processId()));
-    if (!file.open(QIODevice::ReadOnly))
-        return 0;
-    const QList<QByteArray> lines = file.readAll().split('\n');
-    for (const QByteArray &line : lines) {
-        if (line.startsWith("Private_Dirty:"))
-            return line.mid(14).trimmed().split(' ').first().toInt();
-    }
-    return 0;
-}
-
 void TestSlotCache::callsOfUnknownMethodsDoNotMakeTheDaemonBigger_data()
 {
     QTest::addColumn<QString>("path");
@@ -63,11 +48,11 @@ void TestSlotCache::callsOfUnknownMethodsDoNotMakeTheDaemonBigger()
     QFETCH(QString, path);
     QVERIFY(daemon.start());
     callUnknownMethods(path, 0, 500);
-    const int before = privateMemory();
+    const int before = daemon.privateMemory();
     callUnknownMethods(path, 500, 2500);
     QVERIFY(before > 0);
     // Remembered they would be 700 bytes each, for each adaptor of the object.
-    const int grown = privateMemory() - before;
+    const int grown = daemon.privateMemory() - before;
     QVERIFY2(grown < 600, qPrintable(QString::number(grown)));
 }
 

@@ -44,7 +44,7 @@ const QString service = QStringLiteral("com.orvendis.Strandel.BoardManager");
 const int largeSize = 30 * 1000 * 1000;
 
 /** How long another client waits for its answer, in ms, until the daemon counts as deaf. */
-const int longestWait = 30000;
+const int longestWait = 120000;
 
 /** Kilobytes, from /proc/PID/status. */
 qint64 memory(qint64 process, const char *field)
@@ -240,7 +240,7 @@ void Deafness::recordsOfLargeMaps()
 
     const auto set = [](const char *method, const QVariantMap &map) {
         return renderReply(QDBusConnection::systemBus().call(
-            call("/KyDeviceMgr", "Version", method, {map}), QDBus::Block, 20000));
+            call("/KyDeviceMgr", "Version", method, {map}), QDBus::Block, longestWait));
     };
     for (int round = 0; round < 2; ++round) {
         QCOMPARE(set("setEepromInstrument", instrument), QStringLiteral("()"));

@@ -52,6 +52,7 @@ private Q_SLOTS:
     void getAfterASetReturnsEntriesThatAreNoFields();
     void entriesThatAreNoFieldsAreKeptUpTo64KiB();
     void fieldsAreKeptWhateverTheirSize();
+    void nothingOfARecordKeepsItsMessage();
     void fileDescriptorsAreNotKept();
     void instrumentValuesAreConverted_data();
     void instrumentValuesAreConverted();
@@ -573,6 +574,28 @@ void TestEeprom::fieldsAreKeptWhateverTheirSize()
     QCOMPARE(recordOf(getInstrument).value("SerialNumber"), record.value("SerialNumber"));
     QCOMPARE(recordOf(getInstrument).value("IrdSessionPassword"),
              record.value("IrdSessionPassword"));
+}
+
+void TestEeprom::nothingOfARecordKeepsItsMessage()
+{
+    // What is freed goes back to the kernel at once.
+    daemon.setEnvironment("MALLOC_MMAP_THRESHOLD_", "65536");
+    QVERIFY(daemon.start());
+    version.call(getInstrument);
+    const int before = daemon.privateMemory();
+    QVERIFY(before > 0);
+    QVariantMap record = instrumentRecord();
+    record["SerialNumber"] = QVariant::fromValue(QList<int>{1, 2, 3});
+    record["IrdSessionPassword"] = QVariantList{1, QVariantMap{{"a", 2}}};
+    record["!"] = QByteArray(20000000, 'x');
+
+    QCOMPARE(version.call(setInstrument, {record}), done);
+
+    QVERIFY(version.call(getInstrument).contains("\"SerialNumber\": <[1, 2, 3]>"));
+    // In KB; the message alone would be 20 MB.
+    const auto growth = [this, before] { return daemon.privateMemory() - before; };
+    QTRY_VERIFY2(growth() < 5000, qPrintable(QString::number(growth())));
+    daemon.resetEnvironment();
 }
 
 void TestEeprom::fileDescriptorsAreNotKept()

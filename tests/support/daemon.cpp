@@ -211,6 +211,17 @@ int Daemon::otherThread(qint64 process) const
     return 0;
 }
 
+int Daemon::privateMemory() const
+{
+    const QList<QByteArray> lines =
+        readFile(QStringLiteral("/proc/%1/smaps_rollup").arg(processId())).split('\n');
+    for (const QByteArray &line : lines) {
+        if (line.startsWith("Private_Dirty:"))
+            return line.mid(14).trimmed().split(' ').first().toInt();
+    }
+    return 0;
+}
+
 int Daemon::descriptors() const
 {
     return QDir(QStringLiteral("/proc/%1/fd").arg(processId()))

@@ -62,6 +62,9 @@ public:
      */
     int otherThread(qint64 process = 0) const;
 
+    /** The pages that it alone has, in KB. */
+    int privateMemory() const;
+
     /** How many descriptors it has open. */
     int descriptors() const;
 
