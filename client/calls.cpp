@@ -46,6 +46,10 @@ ExitStatus printVolts(uint millivolts, bool asJson)
 ExitStatus runCall(const Command &command, const Invocation &invocation,
                    const QVariantList &arguments)
 {
+    const QString field = invocation.value("--field");
+    if (command.secrets.contains(field) && !invocation.has("--show-secrets"))
+        return fail(command, BadUsage,
+                    field + QStringLiteral(" is shown with --show-secrets only"));
     const Answer answer = command.property.isEmpty()
                               ? call(command.path, command.interface, command.method, arguments)
                               : readProperty(command.path, command.interface, command.property);

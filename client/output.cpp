@@ -36,17 +36,21 @@ ExitStatus fail(const Command &command, const Answer &answer)
 ExitStatus printField(const Command &command, const Invocation &invocation, const QVariantMap &map)
 {
     const QString field = invocation.value("--field");
-    if (!map.contains(field)) {
+    const QVariant value = map.value(field);
+    const bool isEmptyMap = value.userType() == QMetaType::QVariantMap && value.toMap().isEmpty();
+    if (!value.isValid() || isEmptyMap) {
         if (invocation.has("--json"))
             printJson(QJsonValue());
         return fail(command, NothingThere,
-                    QStringLiteral("there is no field '%1' among %2")
-                        .arg(shown(field), map.keys().join(QStringLiteral(", "))));
+                    map.contains(field)
+                        ? QStringLiteral("there is nothing to tell of '%1'").arg(field)
+                        : QStringLiteral("there is no field '%1' among %2")
+                              .arg(shown(field), map.keys().join(QStringLiteral(", "))));
     }
     if (invocation.has("--json"))
-        printJson(toJson(map.value(field)));
+        printJson(toJson(value));
     else
-        show(replyText({map.value(field)}));
+        show(replyText({value}));
     return Success;
 }
 

@@ -24,6 +24,8 @@ private Q_SLOTS:
     void aMachineThatCannotBeReached();
     void oneValueIsPrinted();
     void aFieldThatIsNotThere();
+    void aFieldWithNothingInIt();
+    void aSecretFieldIsNotMistakenForItsValue();
     void numbersHaveTheirUnits();
     void theVoltageComesInVoltsToo();
     void argumentsAreUtf8WithoutALocale();
@@ -205,9 +207,36 @@ void TestKyboardctlBus::aFieldThatIsNotThere()
     QCOMPARE(result.output, QString());
     QCOMPARE(result.status, 8);
     QCOMPARE(runClient({"status", "--field", "x", "--json"}).output, QStringLiteral("null\n"));
-    const ClientResult secret =
-        runClient({"eeprom", "instrument", "--field", "IrdSessionPassword"});
-    QCOMPARE(secret.output, QStringLiteral("hidden (--show-secrets)\n"));
+}
+
+void TestKyboardctlBus::aFieldWithNothingInIt()
+{
+    QVERIFY(daemon.start());
+    for (const QString field : {"ethernet", "wifi", "wifiStrength", "accessPointHardware"}) {
+        const ClientResult text = runClient({"status", "--field", field});
+        QCOMPARE(text.complaint,
+                 "kyboardctl: status: there is nothing to tell of '" + field + "'\n");
+        QCOMPARE(text.output, QString());
+        QCOMPARE(text.status, 8);
+        const ClientResult json = runClient({"status", "--field", field, "--json"});
+        QCOMPARE(json.output, QStringLiteral("null\n"));
+        QCOMPARE(json.status, 8);
+    }
+}
+
+void TestKyboardctlBus::aSecretFieldIsNotMistakenForItsValue()
+{
+    QVERIFY(daemon.start());
+    const QStringList words = {"eeprom", "instrument", "--field", "IrdSessionPassword"};
+    for (const char *option : {"--field=IrdSessionPassword", "--json"}) {
+        const ClientResult hidden = runClient(words + QStringList{option});
+        QCOMPARE(hidden.complaint, QStringLiteral("kyboardctl: eeprom instrument: "
+                                                  "IrdSessionPassword is shown with "
+                                                  "--show-secrets only\n"));
+        QCOMPARE(hidden.output, QString());
+        QCOMPARE(hidden.status, 2);
+    }
+    QCOMPARE(runClient(words + QStringList{"--show-secrets"}).output, QStringLiteral("session\n"));
 }
 
 void TestKyboardctlBus::numbersHaveTheirUnits()
