@@ -72,6 +72,8 @@ const qlonglong int32Minimum = std::numeric_limits<qint32>::min();
 const qlonglong int32Maximum = std::numeric_limits<qint32>::max();
 const qlonglong uint32Maximum = std::numeric_limits<quint32>::max();
 
+const char fileName[] = "the name of a file";
+
 Argument ipv4Settings()
 {
     const char address[] = "an IPv4 address of a host, as in 192.168.1.20";
@@ -303,9 +305,10 @@ Command monitorCommand()
 
 Command restoreCommand()
 {
-    Command made = ownCommand("eeprom restore",
-                              {argument("FILE", Kind::Text, "a file that eeprom dump has written")},
-                              "write both records from a copy");
+    Command made =
+        ownCommand("eeprom restore",
+                   {ruled("FILE", isFileName, fileName, "a file that eeprom dump has written")},
+                   "write both records from a copy");
     made.question = text("overwrite both records in the EEPROMs");
     return made;
 }
@@ -344,7 +347,8 @@ const QVector<Command> &ownCommands()
                    {ruled("NETWORK", isListedNetworkName,
                           "1 to 32 characters without control characters", "name of the network")},
                    "forget a network in reach, and its passphrase"),
-        ownCommand("eeprom dump", {argument("FILE", Kind::Text, "a new file, for its owner alone")},
+        ownCommand("eeprom dump",
+                   {ruled("FILE", isFileName, fileName, "a new file, for its owner alone")},
                    "copy both records, with the passwords, into a file"),
         restoreCommand(),
         ownCommand("watch", {}, "the whole instrument, live, on one screen of a terminal"),

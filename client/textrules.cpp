@@ -66,6 +66,11 @@ bool isHexadecimal16(const QString &text)
     return !text.isEmpty() && text.size() <= 4 && isHexadecimal(text);
 }
 
+bool isFileName(const QString &text)
+{
+    return !text.isEmpty();
+}
+
 QString shown(const QString &text)
 {
     QString safe;

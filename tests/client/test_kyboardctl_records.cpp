@@ -19,6 +19,7 @@ private Q_SLOTS:
     void aCopyIsForItsOwnerAlone();
     void aCopyIsNeverReplaced();
     void aFileThatCannotBeWrittenSendsNothing();
+    void aFileWithoutANameSendsNothing();
     void anInvalidRecordIsNotCopied_data();
     void anInvalidRecordIsNotCopied();
     void aFileThatIsNotWholeSendsNothing();
@@ -144,6 +145,19 @@ void TestKyboardctlRecords::aFileThatCannotBeWrittenSendsNothing()
     QCOMPARE(result.complaint, QStringLiteral("kyboardctl: eeprom dump: '/nowhere/one' cannot be "
                                               "written: No such file or directory\n"));
     QCOMPARE(result.status, 2);
+    QVERIFY(monitor.take().isEmpty());
+}
+
+void TestKyboardctlRecords::aFileWithoutANameSendsNothing()
+{
+    BusMonitor monitor;
+    monitor.take();
+    for (const QString command : {"dump", "restore"}) {
+        const ClientResult result = runClient({"eeprom", command, ""});
+        QCOMPARE(result.complaint,
+                 "kyboardctl: eeprom " + command + ": FILE: '' is not the name of a file\n");
+        QCOMPARE(result.status, 2);
+    }
     QVERIFY(monitor.take().isEmpty());
 }
 
