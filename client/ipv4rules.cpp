@@ -28,13 +28,13 @@ QString networkText(quint32 address, quint32 netmask)
 
 /** What is wrong with an address in its network, of which there are none of its own in the last two
  * sizes. */
-QString addressDisagreement(quint32 address, quint32 netmask)
+QString addressDisagreement(const char *name, quint32 address, quint32 netmask)
 {
     const quint32 host = address & ~netmask;
     if (prefixLength(netmask) > 30 || (host != 0 && host != ~netmask))
         return QString();
-    return QStringLiteral("Address: '%1' is the %2 address of the network %3, not of a host")
-        .arg(QHostAddress(address).toString(),
+    return QStringLiteral("%1: '%2' is the %3 address of the network %4, not of a host")
+        .arg(QString::fromLatin1(name), QHostAddress(address).toString(),
              host == 0 ? QStringLiteral("network's own") : QStringLiteral("broadcast"),
              networkText(address, netmask));
 }
@@ -80,12 +80,12 @@ QString ipv4Disagreement(const QVariantMap &settings)
     const QVariantMap filled = repairedIPv4(settings);
     const quint32 netmask = number(filled.value(QStringLiteral("Netmask")));
     const quint32 address = number(filled.value(QStringLiteral("Address")));
-    QString disagreement = addressDisagreement(address, netmask);
+    QString disagreement = addressDisagreement("Address", address, netmask);
     if (!disagreement.isEmpty() || (!isManual && !hasGateway))
         return disagreement;
     const QVariant gateway = filled.value(QStringLiteral("Gateway"));
     if (((number(gateway) ^ address) & netmask) == 0)
-        return QString();
+        return addressDisagreement("Gateway", number(gateway), netmask);
     return hasGateway
                ? QStringLiteral("Gateway: '%1' is not in the network %2 of the address")
                      .arg(gateway.toString(), networkText(address, netmask))

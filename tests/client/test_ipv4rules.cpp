@@ -93,6 +93,14 @@ void TestIpv4Rules::settingsHaveToAgree_data()
     row("Method=manual Address=192.168.1.130 Netmask=255.255.255.128",
         "Gateway= is missing: the default, 192.168.1.1, is not in the network 192.168.1.128/25");
     row("Method=manual Address=10.0.0.2 Gateway=10.200.0.1", "");
+    row("Method=manual Address=10.0.0.2 Netmask=255.255.255.0 Gateway=10.0.0.0",
+        "Gateway: '10.0.0.0' is the network's own address of the network 10.0.0.0/24, not of a "
+        "host");
+    row("Method=manual Address=10.0.0.2 Netmask=255.255.255.0 Gateway=10.0.0.255",
+        "Gateway: '10.0.0.255' is the broadcast address of the network 10.0.0.0/24, not of a "
+        "host");
+    // The daemon always has a gateway: its own address stands for none.
+    row("Method=manual Address=10.0.0.1 Netmask=255.255.255.0 Gateway=10.0.0.1", "");
     row("Method=manual Address=10.0.0.2 Gateway=11.0.0.1",
         "Gateway: '11.0.0.1' is not in the network 10.0.0.0/8 of the address");
     row("Method=manual Address=10.0.0.0 Netmask=255.255.255.0",
