@@ -17,6 +17,29 @@
 
 #include <algorithm>
 
+namespace
+{
+/** The numbers of signals that have a unit, by their places. */
+const struct {
+    const char *signal;
+    int place;
+    const char *unit;
+} units[] = {
+    {"Temperature.temperatureReached", 1, "\u00b0C"},
+    {"Backlight.backlightChanged", 0, "%"},
+    {"Brightness.reachedBrightnessThreshold", 0, "lux"},
+};
+
+QString unitOf(const QString &signal, int place)
+{
+    for (const auto &known : units) {
+        if (signal == QLatin1String(known.signal) && place == known.place)
+            return QString::fromUtf8(known.unit);
+    }
+    return QString();
+}
+} // namespace
+
 Monitor::Monitor(const Wish &wish) : m_wish(wish), m_printed(0)
 {
     QSet<QString> subscribed;
@@ -98,11 +121,12 @@ void Monitor::printLine(const QString &interface, const QString &signal,
               QLatin1Char('\n'));
         return;
     }
+    const QString name = interface + QLatin1Char('.') + signal;
     QStringList texts;
-    for (const QVariant &argument : arguments)
-        texts << inlineText(argument);
-    show(QStringLiteral("%1  %2.%3  %4")
-             .arg(now.toString(QStringLiteral("HH:mm:ss.zzz")), interface, signal,
+    for (int place = 0; place < arguments.size(); ++place)
+        texts << inlineText(arguments.at(place), unitOf(name, place));
+    show(QStringLiteral("%1  %2  %3")
+             .arg(now.toString(QStringLiteral("HH:mm:ss.zzz")), name,
                   texts.join(QStringLiteral("  ")))
              .trimmed() +
          QLatin1Char('\n'));

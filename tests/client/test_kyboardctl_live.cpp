@@ -21,6 +21,7 @@ private Q_SLOTS:
 
     void monitorEndsAfterTheSignals();
     void monitorShowsOnlyTheSignalsAskedFor();
+    void numbersOfSignalsHaveTheirUnits();
     void signalsThatDoNotComeHaveAStatus();
     void monitorListensForATime();
     void anUnknownSignalIsRefused();
@@ -85,6 +86,33 @@ void TestKyboardctlLive::monitorShowsOnlyTheSignalsAskedFor()
         seen << line.section("  ", 1);
     QCOMPARE(seen, (QStringList{"daemon.there", "Users.userChanged  user2",
                                 "Storage.sdcardPresence  no"}));
+}
+
+void TestKyboardctlLive::numbersOfSignalsHaveTheirUnits()
+{
+    QProcess client;
+    client.start("kyboardctl",
+                 {"monitor", "Temperature.temperatureReached", "Backlight.backlightChanged",
+                  "Brightness.reachedBrightnessThreshold", "--timeout=600"});
+    QVERIFY(listens(client));
+    const auto shows = [&client](const char *pattern) {
+        return QTest::qWaitFor(
+            [&client, pattern] {
+                return QString::fromUtf8(client.peek(10000))
+                    .contains(QRegularExpression(QString::fromUtf8(pattern)));
+            },
+            20000);
+    };
+    QCOMPARE(runClient({"temperature", "threshold", "SOM", "1"}).status, 0);
+    QCOMPARE(runClient({"temperature", "check"}).status, 0);
+    QVERIFY(shows("  Temperature\\.temperatureReached  SOM  42 \u00b0C\n"));
+    QCOMPARE(runClient({"backlight", "set-step", "on", "0"}).status, 0);
+    // The step has no unit.
+    QVERIFY(shows("  Backlight\\.backlightChanged  45 %  6\n"));
+    Board::set("als/lux", "400");
+    QVERIFY(shows("  Brightness\\.reachedBrightnessThreshold  400 lux  \\d+\n"));
+    client.terminate();
+    QVERIFY(client.waitForFinished());
 }
 
 void TestKyboardctlLive::signalsThatDoNotComeHaveAStatus()
@@ -169,6 +197,7 @@ void TestKyboardctlLive::watchShowsTheInstrument()
     for (const char *part : {"Profile            user1", "Battery voltage    7600 mV", "BAT_GS1=ON",
                              "ANALOG_CHAIN=38", "SD card mounted    no", "Ethernet  "})
         QVERIFY2(screen.contains(part), part);
+    QVERIFY2(screen.contains("\033[32mBAT_GS1=ON\033[0m"), qPrintable(screen));
 }
 
 void TestKyboardctlLive::watchFollowsTheSignals()
