@@ -47,8 +47,8 @@ bool completeConnect(const Invocation &invocation, const SecretReader &reader,
 bool completeAccessPoint(const SecretReader &reader, QVariantList &arguments, QString &complaint)
 {
     QVariantMap map = arguments.value(0).toMap();
-    QString password;
     if (map.value(QStringLiteral("Security")) == QLatin1String("WPA2")) {
+        QString password;
         readPassphrase(QStringLiteral("Password"), reader, isPassphrase,
                        QStringLiteral("8 to 63 ASCII characters"), password, complaint);
         map.insert(QStringLiteral("Password"), password);

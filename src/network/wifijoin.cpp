@@ -46,6 +46,6 @@ bool failsAtTimeout(int state, const QString &serviceState)
 bool failsJoin(int state, const QString &errorName)
 {
     return state == KyTcpIpState::Association && errorName.startsWith(connmanErrors) &&
-           errorName != connmanErrors + QLatin1String("InProgress") &&
-           errorName != connmanErrors + QLatin1String("AlreadyConnected");
+           errorName != connmanErrors + QStringLiteral("InProgress") &&
+           errorName != connmanErrors + QStringLiteral("AlreadyConnected");
 }
