@@ -55,7 +55,8 @@ const char interval[] = "800000";
 
 void TestSystemdWatchdog::cleanup()
 {
-    kill(pid_t(m_bus.processId()), SIGCONT);
+    if (m_bus.state() != QProcess::NotRunning)
+        resumeProcess(m_bus.processId());
     DaemonTest::cleanup();
     daemon.resetEnvironment();
     daemon.setWrapper({});

@@ -38,7 +38,7 @@ bool isStopped(const QString &folder)
 bool stopProcess(qint64 process)
 {
     const QString folder = QStringLiteral("/proc/%1").arg(process);
-    if (kill(pid_t(process), SIGSTOP) != 0)
+    if (process <= 0 || kill(pid_t(process), SIGSTOP) != 0)
         return false;
     if (!QTest::qWaitFor([&] { return hasEnded(folder) || isStopped(folder); }, 10000))
         qFatal("process %lld does not stop", static_cast<long long>(process));
@@ -47,5 +47,5 @@ bool stopProcess(qint64 process)
 
 bool resumeProcess(qint64 process)
 {
-    return kill(pid_t(process), SIGCONT) == 0;
+    return process > 0 && kill(pid_t(process), SIGCONT) == 0;
 }

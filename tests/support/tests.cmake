@@ -102,6 +102,8 @@ function(add_world_test name)
         set(program $<TARGET_FILE:${name}>)
     endif()
     set(world ${PROJECT_SOURCE_DIR}/simulator/world ${world_options})
+    # In a process group of its own: all tests that ctest runs at a time would share one.
+    list(PREPEND program setsid)
     set(tests "")
     set(cost "")
     if(TEST_PARTS)
