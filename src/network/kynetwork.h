@@ -32,10 +32,6 @@ public Q_SLOTS:
     void redpineHardReset(const QDBusMessage &message);
 
 private:
-    int power(bool state);
-    int softReset();
-    int hardReset();
-
     KyPowerman m_powerman;
 };
 
