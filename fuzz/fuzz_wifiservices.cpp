@@ -1,6 +1,6 @@
 #include "busvalue.h"
 #include "connman.h"
-#include "kytcpip.h"
+#include "tcpipstate.h"
 #include "peer.h"
 #include "require.h"
 #include "wifijoin.h"

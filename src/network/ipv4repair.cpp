@@ -1,7 +1,8 @@
 #include "ipv4repair.h"
 
-#include <QHostAddress>
 #include <QStringList>
+
+#include <algorithm>
 
 namespace
 {
@@ -26,13 +27,20 @@ const AddressClass &classOf(const QStringList &numbers)
         ++found;
     return *found;
 }
+
+/** Whether @p text is a number up to 255 in its shortest form. */
+bool isByte(const QString &text)
+{
+    const int number = text.toInt();
+    return number >= 0 && number <= 255 && text == QString::number(number);
+}
 } // namespace
 
 bool isValidIPv4(const QString &text)
 {
-    QHostAddress address;
-    return address.setAddress(text) && address.protocol() == QAbstractSocket::IPv4Protocol &&
-           address.toString() == text && address != QHostAddress(QHostAddress::AnyIPv4);
+    const QStringList numbers = text.split(QLatin1Char('.'));
+    return numbers.size() == 4 && text != QLatin1String("0.0.0.0") &&
+           std::all_of(numbers.cbegin(), numbers.cend(), isByte);
 }
 
 QVariantMap repairedIPv4(QVariantMap settings)

@@ -10,13 +10,6 @@
 #include <QDBusMessage>
 #include <QDebug>
 
-namespace KyTcpIpState
-{
-const char *const tpc_i_tcpIpState[7] = {
-    "idle", "failure", "association", "configuration", "ready", "disconnect", "online",
-};
-}
-
 namespace
 {
 const QString modeScript = QStringLiteral("/usr/share/redpine/switch_coex_mode.sh");

@@ -1,6 +1,6 @@
 #include "wifijoin.h"
 
-#include "kytcpip.h"
+#include "tcpipstate.h"
 
 namespace
 {

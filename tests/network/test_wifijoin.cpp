@@ -1,4 +1,4 @@
-#include "kytcpip.h"
+#include "tcpipstate.h"
 #include "wifijoin.h"
 
 #include <QTest>
