@@ -128,8 +128,8 @@ QList<Expectation> expectations()
                 failed("Cannot switch in mode '2' (WLAN ACCESS POINT)")})},
         {"getSoftwareVersions",
          "\\(\\{\"BSP\": <ay:\"312e32\">, \"KyApp\": <ay:\"342e35\">, \"KyBoardManager\": "
-         "<\"2.06\">\\}\\)",
-         "\\(\\{.*\"KyBoardManager\": <\"2.06\">\\}\\)"},
+         "<\"[0-9.]+\">\\}\\)",
+         "\\(\\{.*\"KyBoardManager\": <\"[0-9.]+\">\\}\\)"},
     };
 }
 

@@ -327,7 +327,7 @@ void TestKyboardctl::statusShowsTheWholeInstrument()
                                   "Ethernet\\s+not connected",
                                   "Wi-Fi strength\\s+none",
                                   "Access point\\s+off",
-                                  "Software\\s+KyBoardManager=2.06",
+                                  "Software\\s+KyBoardManager=" + Daemon::version(),
                                   "Revisions\\s+.*SOM="};
     for (const QString &pattern : expected)
         QVERIFY2(QRegularExpression('^' + pattern, QRegularExpression::MultilineOption)

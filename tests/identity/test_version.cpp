@@ -52,7 +52,8 @@ private:
     int peakMemory() const;
 
     const Remote version{QStringLiteral("/KyDeviceMgr"), QStringLiteral("Version")};
-    const QString ownVersionAlone = QStringLiteral("({\"KyBoardManager\": <\"2.06\">})");
+    const QString ownVersionAlone =
+        QStringLiteral("({\"KyBoardManager\": <\"%1\">})").arg(Daemon::version());
 };
 
 namespace
@@ -64,14 +65,14 @@ const QString bspFile = QStringLiteral("/etc/sw_version");
 
 QString withApplication(const QByteArray &output)
 {
-    return QStringLiteral("({\"KyApp\": <ay:\"%1\">, \"KyBoardManager\": <\"2.06\">})")
-        .arg(QString::fromLatin1(output.toHex()));
+    return QStringLiteral("({\"KyApp\": <ay:\"%1\">, \"KyBoardManager\": <\"%2\">})")
+        .arg(QString::fromLatin1(output.toHex()), Daemon::version());
 }
 
 QString withBsp(const QByteArray &line)
 {
-    return QStringLiteral("({\"BSP\": <ay:\"%1\">, \"KyBoardManager\": <\"2.06\">})")
-        .arg(QString::fromLatin1(line.toHex()));
+    return QStringLiteral("({\"BSP\": <ay:\"%1\">, \"KyBoardManager\": <\"%2\">})")
+        .arg(QString::fromLatin1(line.toHex()), Daemon::version());
 }
 } // namespace
 
@@ -416,7 +417,8 @@ void TestVersion::versionsAreGatheredOnce()
     QVERIFY(!QFile::exists("/tmp/runs"));
     const QString first = version.call(getVersions);
     QCOMPARE(first, QStringLiteral("({\"BSP\": <ay:\"312e32\">, \"KyApp\": <ay:\"342e35\">,"
-                                   " \"KyBoardManager\": <\"2.06\">})"));
+                                   " \"KyBoardManager\": <\"%1\">})")
+                        .arg(Daemon::version()));
     writeFile(bspFile, "1.3");
     QCOMPARE(version.call(getVersions), first);
     QCOMPARE(readFile("/tmp/runs"), QByteArray("run\n"));

@@ -1,3 +1,4 @@
+#include "daemon.h"
 #include "terminalprogram.h"
 
 #include <QProcess>
@@ -61,7 +62,8 @@ void TestInstrument::theInstrumentHasWhatSurroundsTheDaemon()
                             "user3_profile\nuser4_profile\n/tmp/User_part/user1_profile\n"
                             "[Units]\n"
                             "BSP             Strandel BSP 3.2\nKyApp           4.1.0\n"
-                            "KyBoardManager  2.06\n"));
+                            "KyBoardManager  %1\n")
+                 .arg(Daemon::version()));
 }
 
 void TestInstrument::ethernetComesUpWithARealConnMan()

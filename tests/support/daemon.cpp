@@ -55,6 +55,11 @@ Daemon::~Daemon()
     stop();
 }
 
+QString Daemon::version()
+{
+    return QStringLiteral(PROJECT_VERSION);
+}
+
 void Daemon::setWrapper(const QStringList &wrapper)
 {
     m_wrapper = wrapper;

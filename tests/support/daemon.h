@@ -13,6 +13,9 @@ public:
     Daemon();
     ~Daemon();
 
+    /** The version that it was built as, as in "2.06". */
+    static QString version();
+
     /** Programs that start the daemon for us, each becoming the next one. */
     void setWrapper(const QStringList &wrapper);
     /** Makes time pass @p factor times as fast for the daemon. */

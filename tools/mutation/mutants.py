@@ -19,7 +19,8 @@ SWAPPED = {
     ' * ': ' / ', ' / ': ' * ', ' % ': ' * ', ' & ': ' | ', ' | ': ' & ', ' ^ ': ' & ',
     ' << ': ' >> ', ' >> ': ' << ',
 }
-OPERATOR = re.compile(r'(?<=[\w)\]\'"}])\s(?:==|!=|<=|>=|<<|>>|<|>|&&|\|\||\+=|-=|[-+*/%&|^])\s(?=[\w(!"\'&*~{-])')
+OPERATOR = re.compile(r'(?<=[\w)\]\'"}])\s(?:==|!=|<=|>=|<<|>>|<|>|&&|\|\||\+=|-=|[-+*/%&|^])'
+                      r'\s(?=[\w(!"\'&*~{-])')
 # Not the index of the element that a size is asked of.
 NUMBER = re.compile(r'(?<![\w.])(?<!\w\[(?=0\]))(?:0[xX][0-9a-fA-F]+|\d+)(?![\w.])')
 # What can begin a statement that does something, instead of declaring or deciding something.
