@@ -14,6 +14,7 @@ private Q_SLOTS:
     void theInstrumentHasWhatSurroundsTheDaemon();
     void ethernetComesUpWithARealConnMan();
     void wifiComesUpWithoutARadio();
+    void theDaemonGoesAwayAndComesBack();
     void itsShellCompletesTheClient();
     void inTheForegroundItShowsWhatIsUpAndEndsWhenAsked();
 
@@ -79,6 +80,29 @@ void TestInstrument::wifiComesUpWithoutARadio()
                                     "echo seven seas | kyboardctl wifi connect Workshop && "
                                     "kyboardctl wifi ipv4"});
     QVERIFY2(printed.contains("online\nAddress  10.78.0."), qPrintable(printed));
+}
+
+void TestInstrument::theDaemonGoesAwayAndComesBack()
+{
+    const QString printed =
+        output({"sh", "-c",
+                "cd " TREE "/simulator; first=$(pidof KyBoardManager); kyboardctl led set WPS ON;"
+                "./daemon start; ./daemon kill; pidof KyBoardManager;"
+                "./daemon stop; kyboardctl user get; ./daemon start; kyboardctl user get;"
+                "./daemon restart; test $(pidof KyBoardManager) != $first && kyboardctl user get;"
+                "./daemon stop; pidof KyBoardManager; cat /run/strandel-board/leds/WPS;"
+                "cat /run/KyBoardManager.log; ./daemon away"});
+    QCOMPARE(printed.section("usage:", 0, 0),
+             QStringLiteral("daemon: it runs already\ndaemon: it does not run\n"
+                            "kyboardctl: the board manager is not on the system bus\n"
+                            "user1\nuser1\nON\n"
+                            "(The daemon ended with status 137; simulator/daemon start starts it "
+                            "again.)\n"
+                            "(The daemon ended with status 143; simulator/daemon start starts it "
+                            "again.)\n"
+                            "(The daemon ended with status 143; simulator/daemon start starts it "
+                            "again.)\n"));
+    QVERIFY(printed.contains("usage: daemon COMMAND"));
 }
 
 void TestInstrument::itsShellCompletesTheClient()

@@ -99,7 +99,8 @@ void TestScreens::theInstrumentShowsItsScreen()
 void TestScreens::commandsPrintWhatTheDocumentsShow_data()
 {
     QTest::addColumn<QString>("document");
-    for (const char *document : {"README.md", "docs/virtual-instrument.md"})
+    for (const char *document :
+         {"README.md", "docs/virtual-instrument.md", "docs/your-application.md"})
         QTest::newRow(document) << document;
 }
 

@@ -1,8 +1,12 @@
 #include "files.h"
+#include "virtualscreen.h"
 
 #include <QDir>
 #include <QFile>
+#include <QLocalServer>
+#include <QLocalSocket>
 #include <QProcess>
+#include <QSignalSpy>
 #include <QTemporaryDir>
 #include <QTest>
 
@@ -27,6 +31,11 @@ private Q_SLOTS:
     void aCommandJoinsARunningWorld();
     void aJoinedCommandEndsWithItsCaller_data();
     void aJoinedCommandEndsWithItsCaller();
+    void windowsOpenOnTheScreenOutside();
+    void windowsOpenFromAJoinedCommand();
+    void theSocketOfWaylandIsReached();
+    void ofTheMachineOnlyTheScreenIsReached();
+    void withoutTheOptionNoScreenIsReached();
     void withoutARunningWorldNothingIsJoined();
     void anUnknownOptionIsRefused();
     void theTwoCommandsSayWhatTheyAre_data();
@@ -41,6 +50,7 @@ private:
     static QStringList worldArguments(const QStringList &command, const QStringList &options = {});
     static Result run(const QStringList &command, const QStringList &options = {},
                       const QByteArray &input = {});
+    static QByteArray keyOfScreen();
     static bool isAlive(const QString &marker);
     void verifyEndAfter(const std::function<void(QProcess &)> &ending);
 };
@@ -239,6 +249,118 @@ void TestWorld::aJoinedCommandEndsWithItsCaller()
     QCOMPARE(run({"sh", "-c", "exit 7"}, {"--join", handle}).status, 7);
     world.closeWriteChannel();
     QVERIFY(world.waitForFinished(20000));
+}
+
+/** A file of keys with one that opens every X server that knows it. */
+QByteArray TestWorld::keyOfScreen()
+{
+    const auto counted = [](const QByteArray &text) {
+        return char(text.size() / 256) + QByteArray(1, char(text.size() % 256)) + text;
+    };
+    const QByteArray anyHost("\xff\xff", 2);
+    return anyHost + counted({}) + counted({}) + counted("MIT-MAGIC-COOKIE-1") +
+           counted("0123456789abcdef");
+}
+
+void TestWorld::windowsOpenOnTheScreenOutside()
+{
+    QTemporaryDir folder;
+    const QString key = folder.path() + "/key";
+    writeFile(key, keyOfScreen());
+    VirtualScreen screen;
+    QVERIFY(screen.start(key));
+    qputenv("DISPLAY", screen.name().toLatin1());
+    const QStringList client{"xdotool", "getdisplaygeometry"};
+
+    qputenv("XAUTHORITY", key.toLocal8Bit());
+    QCOMPARE(run(client, {"--display"}).output, QStringLiteral("1400 1000\n"));
+    qunsetenv("XAUTHORITY");
+    QCOMPARE(run(client, {"--display"}).output, QString());
+    // Where nothing else is said, the key is in the home directory.
+    QVERIFY(QFile::copy(key, folder.path() + "/.Xauthority"));
+    const QByteArray home = qgetenv("HOME");
+    qputenv("HOME", folder.path().toLocal8Bit());
+    QCOMPARE(run(client, {"--display"}).output, QStringLiteral("1400 1000\n"));
+    qputenv("HOME", home);
+}
+
+void TestWorld::windowsOpenFromAJoinedCommand()
+{
+    QTemporaryDir folder;
+    const QString handle = folder.path() + "/handle";
+    const QString key = folder.path() + "/key";
+    writeFile(key, keyOfScreen());
+    VirtualScreen screen;
+    QVERIFY(screen.start(key));
+    QProcess world;
+    // The world knows nothing of the screen that the command is to use.
+    qunsetenv("DISPLAY");
+    world.start(WORLD,
+                worldArguments({"sh", "-c", "echo up; cat"}, {"--display", "--handle", handle}));
+    QTRY_COMPARE_WITH_TIMEOUT(world.peek(3), QByteArray("up\n"), 20000);
+
+    qputenv("DISPLAY", screen.name().toLatin1());
+    qputenv("XAUTHORITY", key.toLocal8Bit());
+    const Result joined = run({"xdotool", "getdisplaygeometry"}, {"--display", "--join", handle});
+    qunsetenv("XAUTHORITY");
+
+    QCOMPARE(joined.output, QStringLiteral("1400 1000\n"));
+    world.closeWriteChannel();
+    QVERIFY(world.waitForFinished(20000));
+}
+
+void TestWorld::theSocketOfWaylandIsReached()
+{
+    QTemporaryDir folder;
+    QLocalServer compositor;
+    QVERIFY(compositor.listen(folder.path() + "/wayland-7"));
+    // Hangs up on everybody.
+    connect(&compositor, &QLocalServer::newConnection,
+            [&] { delete compositor.nextPendingConnection(); });
+    QSignalSpy connections(&compositor, &QLocalServer::newConnection);
+    const QStringList command = worldArguments(
+        {"sh", "-c",
+         "echo $WAYLAND_DISPLAY; ls $XDG_RUNTIME_DIR;"
+         "busctl --address=unix:path=$XDG_RUNTIME_DIR/$WAYLAND_DISPLAY list 2>/dev/null"},
+        {"--display"});
+    const QString path = compositor.fullServerName();
+    for (const QString &name : {QStringLiteral("wayland-7"), path}) {
+        connections.clear();
+        QProcess world;
+        qputenv("XDG_RUNTIME_DIR", folder.path().toLocal8Bit());
+        qputenv("WAYLAND_DISPLAY", name.toLocal8Bit());
+        world.start(WORLD, command);
+        qunsetenv("WAYLAND_DISPLAY");
+        qunsetenv("XDG_RUNTIME_DIR");
+        QTRY_COMPARE_WITH_TIMEOUT(connections.size(), 1, 20000);
+        QTRY_COMPARE_WITH_TIMEOUT(world.state(), QProcess::NotRunning, 20000);
+        QCOMPARE(world.readAllStandardOutput(), QByteArray("wayland-7\nwayland-7\n"));
+    }
+}
+
+void TestWorld::ofTheMachineOnlyTheScreenIsReached()
+{
+    VirtualScreen screen;
+    QVERIFY(screen.start());
+    qputenv("DISPLAY", screen.name().toLatin1());
+    const QString socket = "/tmp/.X11-unix/X" + screen.name().mid(1);
+    const Result result = run(
+        {"sh", "-c",
+         "ls -A /tmp /run/session; rm -f " + socket + " 2>/dev/null; echo > /tmp/.X11-unix/file"},
+        {"--display"});
+    QCOMPARE(result.output, QStringLiteral("/run/session:\n\n/tmp:\n.X11-unix\n"));
+    QVERIFY(result.status != 0);
+    QVERIFY(QFile::exists(socket));
+    QVERIFY(!QFile::exists("/tmp/.X11-unix/file"));
+}
+
+void TestWorld::withoutTheOptionNoScreenIsReached()
+{
+    VirtualScreen screen;
+    QVERIFY(screen.start());
+    qputenv("DISPLAY", screen.name().toLatin1());
+    QCOMPARE(run({"xdotool", "getdisplaygeometry"}).output, QString());
+    QCOMPARE(run({"sh", "-c", "ls -A /tmp; test -e /run/session"}).output, QString());
 }
 
 void TestWorld::withoutARunningWorldNothingIsJoined()

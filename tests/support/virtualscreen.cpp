@@ -1,0 +1,24 @@
+#include "virtualscreen.h"
+
+VirtualScreen::~VirtualScreen()
+{
+    // Asked to, it takes its socket away.
+    m_server.terminate();
+    m_server.waitForFinished();
+}
+
+bool VirtualScreen::start(const QString &keyFile)
+{
+    QStringList arguments{"-displayfd",   "1",         "-screen", "0",
+                          "1400x1000x24", "-nolisten", "tcp",     "-noreset"};
+    if (!keyFile.isEmpty())
+        arguments << QStringLiteral("-auth") << keyFile;
+    m_server.start(QStringLiteral("Xvfb"), arguments);
+    // It writes its number when it listens.
+    while (!m_server.canReadLine()) {
+        if (!m_server.waitForReadyRead(20000))
+            return false;
+    }
+    m_name = ':' + QString::fromLatin1(m_server.readLine().trimmed());
+    return true;
+}
