@@ -21,7 +21,8 @@ bool parseInteger(const Argument &argument, const QString &word, QVariant &value
 {
     bool isNumber = false;
     const qlonglong number = word.toLongLong(&isNumber);
-    if (!isNumber || number < argument.minimum || number > argument.maximum)
+    // Qt also takes blanks and a plus sign.
+    if (!isNumber || !isWholeNumber(word) || number < argument.minimum || number > argument.maximum)
         return false;
     // Unsigned only where the value asks for it: the methods' own numbers are signed.
     value =
@@ -54,7 +55,7 @@ QString parseNumbers(const Argument &argument, const QString &word, QVariant &va
     for (const QString &part : parts) {
         bool isNumber = false;
         numbers << part.toUInt(&isNumber);
-        if (!isNumber)
+        if (!isNumber || !isWholeNumber(part))
             return QStringLiteral("%1: '%2' is not a whole number from 0 to %3")
                 .arg(argument.name, shown(part))
                 .arg(std::numeric_limits<quint32>::max());

@@ -50,7 +50,7 @@ QString complaintOf(const QCommandLineParser &parser)
 bool isPositiveNumber(const QString &text)
 {
     bool isNumber = false;
-    return text.toInt(&isNumber) > 0 && isNumber;
+    return text.toInt(&isNumber) > 0 && isNumber && isWholeNumber(text);
 }
 } // namespace
 

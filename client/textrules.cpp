@@ -66,6 +66,14 @@ bool isHexadecimal16(const QString &text)
     return !text.isEmpty() && text.size() <= 4 && isHexadecimal(text);
 }
 
+bool isWholeNumber(const QString &text)
+{
+    const QString digits = text.startsWith(QLatin1Char('-')) ? text.mid(1) : text;
+    return !digits.isEmpty() && std::all_of(digits.begin(), digits.end(), [](QChar digit) {
+        return digit >= QLatin1Char('0') && digit <= QLatin1Char('9');
+    });
+}
+
 bool isFileName(const QString &text)
 {
     return !text.isEmpty();

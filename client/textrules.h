@@ -37,6 +37,9 @@ bool isNetworkKey(const QString &text);
 /** Whether @p text is a number of 16 bits in hexadecimal: one to four digits, nothing else. */
 bool isHexadecimal16(const QString &text);
 
+/** Whether @p text is a whole number: digits alone, or after a minus sign. */
+bool isWholeNumber(const QString &text);
+
 /** Whether @p text can name a file: it is not empty. */
 bool isFileName(const QString &text);
 

@@ -157,6 +157,14 @@ void TestKyboardctlCommandLine::wrongArgumentsAreComplainedAbout_data()
     QTest::newRow("line feed") << "eeprom set-instrument" << QStringList{"SerialNumber=a\nb"}
                                << "SerialNumber: 'a\\x0ab' is not up to 8 printable ASCII "
                                   "characters";
+    QTest::newRow("plus sign")
+        << "eeprom set-measure" << QStringList{"AdjustementDate=+5"}
+        << "AdjustementDate: '+5' is not a whole number from 0 to 4294967295";
+    QTest::newRow("blank") << "eeprom set-measure" << QStringList{"AdjustementDate= 5"}
+                           << "AdjustementDate: ' 5' is not a whole number from 0 to 4294967295";
+    QTest::newRow("plus sign in a list")
+        << "eeprom set-measure" << QStringList{"AdjustementCoefficients=1,+2"}
+        << "AdjustementCoefficients: '+2' is not a whole number from 0 to 4294967295";
     QTest::newRow("number list")
         << "eeprom set-measure" << QStringList{"AdjustementCoefficients=1,x"}
         << "AdjustementCoefficients: 'x' is not a whole number from 0 to 4294967295";

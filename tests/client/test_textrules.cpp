@@ -10,6 +10,7 @@ class TestTextRules : public QObject
 private Q_SLOTS:
     void eachTextIsWhatItIs_data();
     void eachTextIsWhatItIs();
+    void wholeNumbersAreDigits();
     void whatIsShownMovesNoCursor();
 };
 
@@ -71,6 +72,15 @@ void TestTextRules::eachTextIsWhatItIs()
     QCOMPARE(isUserName(text), !text.isEmpty() && isFreeOfControls(text));
     QVERIFY(!isPrintableAscii(text) || isFreeOfControls(text));
     QVERIFY(!isUserName(text + QString(256 - text.size(), 'x')));
+}
+
+void TestTextRules::wholeNumbersAreDigits()
+{
+    for (const char *text : {"0", "5", "-1", "007", "4294967295"})
+        QVERIFY2(isWholeNumber(text), text);
+    for (const char *text : {"", "-", "+5", " 5", "5 ", "--5", "1.0", "1e3", "0x1", "5\n"})
+        QVERIFY2(!isWholeNumber(text), text);
+    QVERIFY(!isWholeNumber(QString(QChar(0x0665))));
 }
 
 void TestTextRules::whatIsShownMovesNoCursor()
