@@ -140,6 +140,12 @@ bool isConnected(const Answer &ipv4)
 {
     return !ipv4.values.value(0).toMap().value(QStringLiteral("Address")).toString().isEmpty();
 }
+
+/** Whether the daemon has nothing to tell, which it answers with an empty map. */
+bool isNothing(const QVariant &value)
+{
+    return value.userType() == QMetaType::QVariantMap && value.toMap().isEmpty();
+}
 } // namespace
 
 InstrumentView::InstrumentView()
@@ -204,11 +210,13 @@ QVariantMap InstrumentView::values() const
         const Answer &answer = m_answers.at(index);
         if (answer.status == InterfaceAbsent)
             continue;
+        QVariant value = answer.values.value(0);
         if (question.text == ipv4Text)
             isJoined = isConnected(answer);
-        const bool isLeft = question.text == strengthText && answer.isGood() && !isJoined;
-        values.insert(QString::fromLatin1(question.key),
-                      isLeft ? QVariantMap() : answer.values.value(0));
+        const bool needsAddress = question.text == ipv4Text || question.text == strengthText;
+        if (isNothing(value) || (needsAddress && !isJoined))
+            value = QVariant();
+        values.insert(QString::fromLatin1(question.key), value);
     }
     return values;
 }

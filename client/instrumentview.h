@@ -21,7 +21,7 @@ public:
     /** The screen: a line for each thing that this model has. */
     QString text() const;
 
-    /** The values, by the names that machines know them by. */
+    /** The values by the names that machines know them by; null where there is nothing to tell. */
     QVariantMap values() const;
 
 private:

@@ -37,8 +37,7 @@ ExitStatus printField(const Command &command, const Invocation &invocation, cons
 {
     const QString field = invocation.value("--field");
     const QVariant value = map.value(field);
-    const bool isEmptyMap = value.userType() == QMetaType::QVariantMap && value.toMap().isEmpty();
-    if (!value.isValid() || isEmptyMap) {
+    if (!value.isValid()) {
         if (invocation.has("--json"))
             printJson(QJsonValue());
         return fail(command, NothingThere,

@@ -345,6 +345,10 @@ void TestKyboardctl::statusForMachinesIsOneObject()
     QCOMPARE(status.value("profile").toString(), QStringLiteral("user1"));
     QCOMPARE(status.value("backlight").toInt(), 55);
     QCOMPARE(status.value("temperatures").toObject().value("SOM").toInt(), 42);
+    // Nothing is connected, and no interface is there.
+    for (const char *key : {"ethernet", "ethernetHardware", "wifi", "wifiHardware", "wifiStrength",
+                            "accessPointHardware"})
+        QVERIFY2(status.contains(key) && status.value(key).isNull(), key);
 }
 
 void TestKyboardctl::monitorPrintsEverySignal()
