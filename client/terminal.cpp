@@ -7,6 +7,7 @@
 
 #include <csignal>
 #include <cstdio>
+#include <fcntl.h>
 #include <sys/ioctl.h>
 #include <termios.h>
 #include <unistd.h>
@@ -27,6 +28,38 @@ bool readLine(QByteArray &line)
         line += byte;
     }
 }
+
+/**
+ * Where a person reads who types at standard input: standard error, or the terminal itself where
+ * that leads elsewhere. Without such a place nobody can be asked.
+ */
+class Prompt
+{
+public:
+    Prompt()
+        : m_descriptor(isatty(STDERR_FILENO) ? fcntl(STDERR_FILENO, F_DUPFD_CLOEXEC, 0)
+                                             : open("/dev/tty", O_WRONLY | O_CLOEXEC | O_NOCTTY))
+    {
+    }
+    ~Prompt()
+    {
+        if (m_descriptor >= 0)
+            close(m_descriptor);
+    }
+    Prompt(const Prompt &) = delete;
+    Prompt &operator=(const Prompt &) = delete;
+
+    bool isSeen() const { return isatty(STDIN_FILENO) && m_descriptor >= 0; }
+
+    void show(const QString &text) const
+    {
+        const QByteArray bytes = text.toUtf8();
+        static_cast<void>(!::write(m_descriptor, bytes.constData(), size_t(bytes.size())));
+    }
+
+private:
+    int m_descriptor;
+};
 
 bool areDetailsWanted = false;
 
@@ -178,26 +211,30 @@ void clearProgress()
 
 Consent askFor(const QString &question)
 {
-    if (!isatty(STDIN_FILENO))
+    const Prompt prompt;
+    if (!prompt.isSeen())
         return Consent::NobodyThere;
-    write(stderr, question + QStringLiteral("? [y/N] "));
+    prompt.show(question + QStringLiteral("? [y/N] "));
     QByteArray line;
     const QByteArray answer = readLine(line) ? line.trimmed().toLower() : QByteArray();
     return answer == "y" || answer == "yes" ? Consent::Given : Consent::Refused;
 }
 
-bool readSecret(const QString &prompt, QString &secret)
+bool readSecret(const QString &name, QString &secret)
 {
-    const bool isTerminal = isatty(STDIN_FILENO) && tcgetattr(STDIN_FILENO, &ordinary) == 0;
-    if (isTerminal) {
-        write(stderr, prompt + QStringLiteral(": "));
+    const Prompt prompt;
+    const bool isTyped = prompt.isSeen() && tcgetattr(STDIN_FILENO, &ordinary) == 0;
+    if (!isTyped && isatty(STDIN_FILENO))
+        return false;
+    if (isTyped) {
+        prompt.show(name + QStringLiteral(": "));
         hideInput();
     }
     QByteArray line;
     const bool isRead = readLine(line);
-    if (isTerminal) {
+    if (isTyped) {
         showInput();
-        write(stderr, QStringLiteral("\n"));
+        prompt.show(QStringLiteral("\n"));
     }
     secret = QString::fromUtf8(line);
     return isRead;

@@ -47,16 +47,16 @@ void clearProgress();
 enum class Consent {
     Given,
     Refused,
-    NobodyThere, ///< standard input is no terminal
+    NobodyThere, ///< standard input is no terminal, or the question could not be seen
 };
 
 /** Asks @p question at the terminal; only "y" and "yes" are a consent. */
 Consent askFor(const QString &question);
 
 /**
- * Reads a secret: from the terminal, without showing it, where standard input is one; else the
- * next line of standard input.
+ * Reads the secret of that @p name: from the terminal, without showing it, where standard input is
+ * one; else the next line of standard input. False where there is none, or nobody can be asked.
  */
-bool readSecret(const QString &prompt, QString &secret);
+bool readSecret(const QString &name, QString &secret);
 
 #endif

@@ -19,6 +19,8 @@ private Q_SLOTS:
     void withoutATerminalNothingIsDestroyed();
     void aPersonIsAsked_data();
     void aPersonIsAsked();
+    void aQuestionIsSeenWithoutStandardError();
+    void whatNobodySeesIsNotAsked();
     void everythingElseIsDoneUnasked();
     void passwordsStayHidden();
     void whereNothingIsConnectedItSaysSo_data();
@@ -117,6 +119,41 @@ void TestKyboardctlSafety::aPersonIsAsked()
     QCOMPARE(QFile::exists(profile("user3") + "/notes"), status != 0);
     // The name of the program before it is in colour.
     QCOMPARE(client.shown().contains(" user reset: not confirmed"), status != 0);
+}
+
+/** Complaints go elsewhere, questions do not. */
+void TestKyboardctlSafety::aQuestionIsSeenWithoutStandardError()
+{
+    startDaemon();
+    writeFile(profile("user3") + "/notes", "mine");
+    TerminalProgram client("sh", {"-c", "kyboardctl user reset user3 2>/dev/null"});
+    QVERIFY2(client.shows("Replace all files of the profile by the factory default? [y/N] "),
+             client.shown().constData());
+    client.type("y\n");
+    QCOMPARE(client.waitForEnd(), 0);
+    QVERIFY(!QFile::exists(profile("user3") + "/notes"));
+
+    TerminalProgram secret("sh", {"-c", "kyboardctl wifi connect Cafe 2>/dev/null"});
+    QVERIFY2(secret.shows("Passphrase: "), secret.shown().constData());
+    QTRY_VERIFY(!secret.echoes());
+    secret.type("six ch\n");
+    QCOMPARE(secret.waitForEnd(), 2);
+}
+
+/** A program without a terminal of its own whose standard input is one, by chance. */
+void TestKyboardctlSafety::whatNobodySeesIsNotAsked()
+{
+    startDaemon();
+    BusMonitor monitor;
+    TerminalProgram client("sh", {"-c", "setsid --wait kyboardctl user reset user3 2>/tmp/said"});
+    QCOMPARE(client.waitForEnd(), 9);
+    QVERIFY2(readFile("/tmp/said").contains("without a terminal to ask at, --yes is needed"),
+             readFile("/tmp/said").constData());
+    TerminalProgram secret("sh", {"-c", "setsid --wait kyboardctl wifi connect Cafe 2>/tmp/said"});
+    QCOMPARE(secret.waitForEnd(), 2);
+    QVERIFY2(readFile("/tmp/said").contains("no passphrase on standard input"),
+             readFile("/tmp/said").constData());
+    QCOMPARE(calls(monitor), QStringList());
 }
 
 void TestKyboardctlSafety::everythingElseIsDoneUnasked()
