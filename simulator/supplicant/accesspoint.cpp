@@ -50,6 +50,7 @@ AccessPoint accessPointFrom(const QMap<QString, QByteArray> &files, const Access
     readFlag(files.value(QStringLiteral("hidden")), result.isHidden);
     readFlag(files.value(QStringLiteral("in_range")), result.isInRange);
     readFlag(files.value(QStringLiteral("refuses")), result.refuses);
+    readFlag(files.value(QStringLiteral("mute")), result.isMute);
     return result;
 }
 

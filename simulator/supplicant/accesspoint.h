@@ -19,6 +19,8 @@ struct AccessPoint {
     bool isInRange = true;
     /** It accepts no passphrase, not even its own. */
     bool refuses = false;
+    /** It is seen, and answers nobody who wants to join it. */
+    bool isMute = false;
 };
 
 /** By name of their folders. */

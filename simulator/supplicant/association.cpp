@@ -36,8 +36,10 @@ QStringList associationSteps(const AccessPoints &air, const QString &chosen,
     QStringList steps{QStringLiteral("associating")};
     if (chosen.isEmpty())
         return steps << QStringLiteral("disconnected");
-    steps << QStringLiteral("associated");
     const AccessPoint accessPoint = air.value(chosen);
+    if (accessPoint.isMute)
+        return steps;
+    steps << QStringLiteral("associated");
     if (!accessPoint.isProtected)
         return steps << QStringLiteral("completed");
     steps << QStringLiteral("4way_handshake");
