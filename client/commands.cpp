@@ -156,8 +156,9 @@ QVector<Command> makeCommands()
     };
     const auto operation = [&made](const char *words, const QString &interface, const char *name,
                                    const QVector<Argument> &arguments, const Outcome &outcome,
-                                   const char *help) {
+                                   const char *help) -> Command & {
         made.append({text(words), text(help), com, interface, text(name), {}, arguments, outcome});
+        return made.last();
     };
     const auto fields = [&method](const char *words, const QString &path, const QString &interface,
                                   const char *name, const char *help) -> Command & {
@@ -266,15 +267,18 @@ QVector<Command> makeCommands()
            "bring LEDs and battery monitor into the state for power-off");
 
     operation("ethernet connect", ethernet, "connect", {}, online, "bring the wired interface up");
+    const QString isOff = text("Cannot set property Powered: Already disabled");
     operation("ethernet disconnect", ethernet, "disconnect", {}, idle,
-              "take the wired interface down");
+              "take the wired interface down")
+        .done = isOff;
     tcpIp("ethernet", ethernet);
 
     operation("wifi connect", wifi, "connect",
               {ruled("NETWORK", isListedNetworkName,
                      "1 to 32 characters without control characters", "name of the network")},
               online, "join a network, whose passphrase is asked for");
-    operation("wifi disconnect", wifi, "disconnect", {}, idle, "leave and forget the network");
+    operation("wifi disconnect", wifi, "disconnect", {}, idle, "leave and forget the network")
+        .done = isOff;
     operation("wifi scan", wifi, "scan", {}, networks, "list the networks in reach");
     Command &strength =
         fields("wifi strength", com, wifi, "getStrength", "strength of the joined network");
@@ -285,7 +289,8 @@ QVector<Command> makeCommands()
 
     operation("ap start", accessPoint, "connect", {accessPointSettings()}, online,
               "become an access point; WPA2 asks for the password");
-    operation("ap stop", accessPoint, "disconnect", {}, idle, "stop being an access point");
+    operation("ap stop", accessPoint, "disconnect", {}, idle, "stop being an access point").done =
+        text("Cannot disconnect WAP, already disconnected");
     method("ap wps", com, accessPoint, "wpsEnable", {}, "accepted, without effect");
     tcpIp("ap", accessPoint);
     return made;

@@ -109,6 +109,8 @@ struct Command {
     QString unit = {};
     /** Whether the answer counts as empty as long as the interface has no address. */
     bool needsAddress = false;
+    /** The text of the error that means that what is wanted is the case already; empty for none. */
+    QString done = {};
     /** The keys of the answer whose values are shown only on request. */
     QStringList secrets = {};
 
