@@ -30,6 +30,7 @@ private Q_SLOTS:
 
     void watchShowsTheInstrument();
     void watchFollowsTheSignals();
+    void watchFitsATerminalThatChanges();
     void watchSurvivesTheDaemon();
     void hotSensorsDoNotKeepWatchBusy();
     void watchLeavesTheTerminalAsItWas_data();
@@ -210,6 +211,25 @@ void TestKyboardctlLive::watchFollowsTheSignals()
     QVERIFY(Board::storage("insert", "SD"));
     QVERIFY(client.shows("RECORDING=ON"));
     QVERIFY(client.shows("SD_STATUS=ON"));
+}
+
+void TestKyboardctlLive::watchFitsATerminalThatChanges()
+{
+    qputenv("TERM", "dumb");
+    TerminalProgram client("kyboardctl", {"watch"}, 120);
+    QVERIFY(client.shows("Revisions"));
+    const QByteArray wide = "Ethernet hardware  no interface";
+    QVERIFY2(client.shows(wide), client.shown().constData());
+    const int drawn = client.shown().size();
+    client.resize(30);
+    QTRY_VERIFY_WITH_TIMEOUT(client.shown().mid(drawn).contains("\033[J"), 20000);
+    const QByteArray screen = client.shown().mid(drawn);
+    for (const QByteArray &line : screen.split('\n'))
+        QVERIFY2(QByteArray(line).replace("\033[H", "").replace("\033[K", "").trimmed().size() <=
+                     30,
+                 line.constData());
+    client.resize(120);
+    QTRY_VERIFY_WITH_TIMEOUT(client.shown().mid(drawn + screen.size()).contains(wide), 20000);
 }
 
 void TestKyboardctlLive::watchSurvivesTheDaemon()

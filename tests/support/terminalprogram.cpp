@@ -11,11 +11,12 @@
 namespace
 {
 const int deadline = 30000;
-}
+const int rows = 30;
+} // namespace
 
 TerminalProgram::TerminalProgram(const QString &program, const QStringList &arguments, int columns)
 {
-    const winsize size = {30, static_cast<unsigned short>(columns), 0, 0};
+    const winsize size = {rows, static_cast<unsigned short>(columns), 0, 0};
     if (openpty(&m_master, &m_slave, nullptr, nullptr, &size) != 0)
         qFatal("no terminal");
     fcntl(m_master, F_SETFL, O_NONBLOCK);
@@ -66,6 +67,13 @@ void TerminalProgram::type(const QByteArray &keys)
 {
     if (write(m_master, keys.constData(), size_t(keys.size())) != keys.size())
         qFatal("cannot type");
+}
+
+void TerminalProgram::resize(int columns)
+{
+    const winsize size = {rows, static_cast<unsigned short>(columns), 0, 0};
+    if (ioctl(m_master, TIOCSWINSZ, &size) != 0)
+        qFatal("cannot resize the terminal");
 }
 
 int TerminalProgram::waitForEnd()

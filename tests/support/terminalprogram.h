@@ -25,6 +25,9 @@ public:
 
     void type(const QByteArray &keys);
 
+    /** Makes the terminal narrower or wider, as whoever drags its window. */
+    void resize(int columns);
+
     qint64 processId() const { return m_process.processId(); }
 
     /** Waits for the end: the exit status, minus the signal that ended it, or -1000. */
