@@ -40,6 +40,7 @@ private Q_SLOTS:
     void anUnknownOptionIsRefused();
     void theTwoCommandsSayWhatTheyAre_data();
     void theTwoCommandsSayWhatTheyAre();
+    void runRefusesAnOptionThatThereIsNot();
 
 private:
     struct Result {
@@ -394,6 +395,22 @@ void TestWorld::theTwoCommandsSayWhatTheyAre()
         const QString output = QString::fromUtf8(command.readAllStandardOutput());
         QVERIFY2(output.contains("\n  " + shown), qPrintable(output));
         QVERIFY2(!output.contains("set -e") && !output.contains('#'), qPrintable(output));
+    }
+}
+
+void TestWorld::runRefusesAnOptionThatThereIsNot()
+{
+    for (const char *option : {"--bogus", "-x"}) {
+        QProcess command;
+        command.start(QDir::cleanPath(WORLD "/../..") + "/run", {option, "--", "true"});
+        QVERIFY(command.waitForFinished(20000));
+        QCOMPARE(command.exitCode(), 2);
+        const QString complaint = QString::fromUtf8(command.readAllStandardError());
+        QVERIFY2(complaint.startsWith(
+                     QStringLiteral("./run: there is no option '%1'\n").arg(QLatin1String(option))),
+                 qPrintable(complaint));
+        QVERIFY2(complaint.contains("\n  ./run -- COMMAND..."), qPrintable(complaint));
+        QCOMPARE(command.readAllStandardOutput(), QByteArray());
     }
 }
 
