@@ -47,7 +47,7 @@ void checkValue(const QVariant &value)
 
     const QVariantMap map = toMap(value);
     require(map.isEmpty() || render(map) == text, "only what is a map is one");
-    const QVariantMap sendable = sendableMap(withoutDescriptors(map));
+    const QVariantMap sendable = sendableMap(storableMap(map));
     require(Peer::instance().canSend({sendable}), "a sendable map can be sent");
 }
 } // namespace
@@ -68,7 +68,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t *data, std::size_t size
         require(render(entry.value()) == render(plainValue(sent.value(entry.key()))),
                 "of several entries of a key the last counts");
 
-    const QVariantMap kept = withoutDescriptors(sent);
+    const QVariantMap kept = storableMap(sent);
     require(
         !render(QVariant(kept))
              .contains(QLatin1String(QMetaType::typeName(qMetaTypeId<QDBusUnixFileDescriptor>()))),

@@ -46,7 +46,7 @@ void checkKept(const QVariantMap &map, const QVariantMap &fields)
 {
     const QVariantMap kept = keptRecord(map, fields);
     require(!kept.contains(QStringLiteral("CRC")), "the caller's CRC is not kept");
-    const QVariantMap whole = withoutDescriptors(map);
+    const QVariantMap whole = storableMap(map);
     int surplus = 0;
     for (auto entry = whole.constBegin(); entry != whole.constEnd(); ++entry) {
         if (fields.contains(entry.key()))

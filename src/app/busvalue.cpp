@@ -5,6 +5,7 @@
 #include <QDBusUnixFileDescriptor>
 #include <QDBusVariant>
 
+#include <algorithm>
 #include <iterator>
 
 namespace
@@ -121,64 +122,79 @@ QVector<quint32> readNumberList(const QDBusArgument &argument)
     return QVector<quint32>();
 }
 
-bool holdsDescriptor(const QVariant &value);
-
-bool doElementsHoldDescriptor(const QDBusArgument &argument)
+/** Whether there are values of @p signature that cannot be stored, or variants, which may hold
+ * some. */
+bool mayBeUnstorable(const QString &signature)
 {
-    bool isFound = false;
-    while (!argument.atEnd())
-        isFound = holdsDescriptor(argument.asVariant()) || isFound;
-    return isFound;
+    return std::any_of(signature.begin(), signature.end(), [](QChar type) {
+        return type == QLatin1Char('h') || type == QLatin1Char('g') || type == QLatin1Char('v');
+    });
 }
 
-bool doEntriesHoldDescriptor(const QDBusArgument &argument)
+bool isEmptySignature(const QVariant &value)
 {
-    bool isFound = false;
+    return value.userType() == qMetaTypeId<QDBusSignature>() &&
+           value.value<QDBusSignature>().signature().isEmpty();
+}
+
+bool isStorable(const QVariant &value);
+
+bool areElementsStorable(const QDBusArgument &argument)
+{
+    bool areStorable = true;
+    while (!argument.atEnd())
+        areStorable = isStorable(argument.asVariant()) && areStorable;
+    return areStorable;
+}
+
+bool areEntriesStorable(const QDBusArgument &argument)
+{
+    bool areStorable = true;
     while (!argument.atEnd()) {
         argument.beginMapEntry();
-        isFound = doElementsHoldDescriptor(argument) || isFound;
+        areStorable = areElementsStorable(argument) && areStorable;
         argument.endMapEntry();
     }
-    return isFound;
+    return areStorable;
 }
 
-bool doesCompoundHoldDescriptor(const QDBusArgument &argument)
+bool isCompoundStorable(const QDBusArgument &argument)
 {
     const QString signature = argument.currentSignature();
     if (signature.contains(QLatin1Char('h')))
-        return true;
-    // Where nothing is left open, there is nothing to look into.
-    if (!signature.contains(QLatin1Char('v')))
         return false;
-    bool isFound = false;
+    // Most compounds need not be looked into.
+    if (!mayBeUnstorable(signature))
+        return true;
+    bool areStorable = true;
     switch (argument.currentType()) {
     case QDBusArgument::ArrayType:
         argument.beginArray();
-        isFound = doElementsHoldDescriptor(argument);
+        areStorable = areElementsStorable(argument);
         argument.endArray();
-        return isFound;
+        return areStorable;
     case QDBusArgument::MapType:
         argument.beginMap();
-        isFound = doEntriesHoldDescriptor(argument);
+        areStorable = areEntriesStorable(argument);
         argument.endMap();
-        return isFound;
+        return areStorable;
     case QDBusArgument::StructureType:
         argument.beginStructure();
-        isFound = doElementsHoldDescriptor(argument);
+        areStorable = areElementsStorable(argument);
         argument.endStructure();
-        return isFound;
+        return areStorable;
     default:
-        return false;
+        return true;
     }
 }
 
-bool holdsDescriptor(const QVariant &value)
+bool isStorable(const QVariant &value)
 {
     if (value.userType() == qMetaTypeId<QDBusVariant>())
-        return holdsDescriptor(value.value<QDBusVariant>().variant());
+        return isStorable(value.value<QDBusVariant>().variant());
     if (value.userType() == qMetaTypeId<QDBusArgument>())
-        return doesCompoundHoldDescriptor(value.value<QDBusArgument>());
-    return value.userType() == qMetaTypeId<QDBusUnixFileDescriptor>();
+        return isCompoundStorable(value.value<QDBusArgument>());
+    return value.userType() != qMetaTypeId<QDBusUnixFileDescriptor>() && !isEmptySignature(value);
 }
 } // namespace
 
@@ -237,7 +253,7 @@ QVariantList sendableList(const QVariantList &list)
 {
     QVariantList sendable;
     for (const QVariant &element : list) {
-        if (element.isValid())
+        if (element.isValid() && !isEmptySignature(element))
             sendable << sendableValue(element);
     }
     return sendable;
@@ -257,7 +273,7 @@ QVariantMap sendableMap(const QVariantMap &map)
 {
     QVariantMap sendable;
     forEachEntry(map, [&sendable](const QString &key, const QVariant &value) {
-        if (value.isValid())
+        if (value.isValid() && !isEmptySignature(value))
             sendable.insert(key, sendableValue(value));
     });
     return sendable;
@@ -283,14 +299,14 @@ QVector<quint32> toNumbers(const QVariant &value)
     return numbers;
 }
 
-QVariantMap withoutDescriptors(const QVariantMap &map)
+QVariantMap storableMap(const QVariantMap &map)
 {
-    QVariantMap kept;
-    forEachEntry(map, [&kept](const QString &key, const QVariant &value) {
-        if (!holdsDescriptor(value))
-            kept.insert(key, value);
+    QVariantMap storable;
+    forEachEntry(map, [&storable](const QString &key, const QVariant &value) {
+        if (isStorable(value))
+            storable.insert(key, value);
     });
-    return kept;
+    return storable;
 }
 
 QVariant detachedValue(const QVariant &value)

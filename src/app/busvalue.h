@@ -40,10 +40,10 @@ QVariantMap basicMap(const QVariantMap &map);
 QVariantMap toMap(const QVariant &value);
 
 /**
- * @p map without the invalid values in it, at every depth: what can be sent on.
+ * @p map without the invalid values and empty signatures in it, at every depth: what can be sent
+ * on.
  *
- * The bus library sends no message at all, not even an error, in the place of one with such a
- * value in it.
+ * Qt D-Bus sends no message at all, not even an error, in the place of one with such a value in it.
  */
 QVariantMap sendableMap(const QVariantMap &map);
 
@@ -57,12 +57,13 @@ QVariantMap sendableMap(const QVariantMap &map);
 QVector<quint32> toNumbers(const QVariant &value);
 
 /**
- * @p map without the entries that hold a file descriptor, at whatever depth.
+ * @p map without the entries that cannot be stored and sent later: those that hold, at whatever
+ * depth, a file descriptor or an empty signature.
  *
- * A map that is kept has to be free of them: its sender's files would stay open, and the bus
- * library leaks a descriptor each time it sends one on inside a compound.
+ * The sender's files would stay open, and Qt D-Bus leaks a descriptor each time it sends one inside
+ * a compound. A message with an empty signature in it is never sent (see sendableMap()).
  */
-QVariantMap withoutDescriptors(const QVariantMap &map);
+QVariantMap storableMap(const QVariantMap &map);
 
 /**
  * A copy of @p value, of the same type on the bus, that does not keep alive the message in which it

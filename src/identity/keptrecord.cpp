@@ -20,7 +20,7 @@ QVariantMap keptRecord(const QVariantMap &map, const QVariantMap &fields)
         kept.insert(entry.key(), entry.value());
     }
     kept.remove(QStringLiteral("CRC"));
-    kept = withoutDescriptors(kept);
+    kept = storableMap(kept);
     for (QVariant &value : kept)
         value = detachedValue(value);
     return kept;

@@ -11,8 +11,8 @@ extern const int mostSurplus;
  * which it came: its @p fields, and of its other entries, in the order of their keys, each one that
  * still fits into mostSurplus bytes (key and value, see sizeOnBus()).
  *
- * Without entries that hold a file descriptor, and without the callers' "CRC". Nothing of it keeps
- * the caller's message alive.
+ * Without entries that cannot be stored (see storableMap()), and without the caller's "CRC".
+ * Nothing of it keeps the caller's message alive.
  */
 QVariantMap keptRecord(const QVariantMap &map, const QVariantMap &fields);
 

@@ -174,7 +174,7 @@ void KyTcpIp::servicePropertyChangedSlot(const QString &name, const QDBusVariant
     if (name != QStringLiteral("IPv4") || m_state != KyTcpIpState::Ready)
         return;
     // The bus library leaks each descriptor that it sends on.
-    if (withoutDescriptors({{name, value.variant()}}).isEmpty())
+    if (storableMap({{name, value.variant()}}).isEmpty())
         return;
     const QVariantMap ipv4 = toMap(value.variant());
     if (ipv4.contains(QStringLiteral("Address")) && ipv4.contains(QStringLiteral("Netmask")))

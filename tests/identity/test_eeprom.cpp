@@ -8,6 +8,7 @@
 
 #include <QDBusArgument>
 #include <QDBusConnection>
+#include <QDBusConnectionInterface>
 #include <QDBusPendingCallWatcher>
 #include <QRegularExpression>
 
@@ -54,6 +55,9 @@ private Q_SLOTS:
     void fieldsAreKeptWhateverTheirSize();
     void nothingOfARecordKeepsItsMessage();
     void fileDescriptorsAreNotKept();
+    void emptySignaturesAreNotKept();
+    void valuesAsDeepAsTheBusTakesThemComeBack_data();
+    void valuesAsDeepAsTheBusTakesThemComeBack();
     void instrumentValuesAreConverted_data();
     void instrumentValuesAreConverted();
     void aModelThatWasSetIsToldAtTheNextRead();
@@ -622,6 +626,73 @@ void TestEeprom::fileDescriptorsAreNotKept()
         }
         QTRY_COMPARE(count(), before);
     }
+}
+
+void TestEeprom::emptySignaturesAreNotKept()
+{
+    QVERIFY(daemon.start());
+    for (const char *value : {"g \"\"", "(gi) \"\" 1", "av 2 i 1 g \"\"", "ag 1 \"\""}) {
+        const QString values =
+            instrumentValues("Brand", value).replace("a{sv} 12", "a{sv} 13") + " Extra " + value;
+        QCOMPARE(set(setInstrument, values), done);
+        QCOMPARE(set(setMeasure, measureValues(value)), done);
+        const QVariantMap instrument = recordOf(getInstrument);
+        QCOMPARE(instrument.size(), instrumentRecord().size());
+        QVERIFY(!instrument.contains("Brand") && !instrument.contains("Extra"));
+        QCOMPARE(recordOf(getMeasure).keys(),
+                 (QStringList{"AdjustementDate", "AdjustementSite", "CRC", "NextAdjustementDate"}));
+    }
+}
+
+void TestEeprom::valuesAsDeepAsTheBusTakesThemComeBack_data()
+{
+    QTest::addColumn<QString>("outer");
+    QTest::addColumn<int>("levels");
+    const auto row = [](const char *name, const char *open, const char *close, const char *counts,
+                        int times, int levels) {
+        QTest::newRow(name) << QString(open).repeated(times) + 'v' +
+                                   QString(close).repeated(times) +
+                                   QString(counts).repeated(times) + ' '
+                            << times * levels + 1;
+    };
+    row("variants", "", "", "", 0, 0);
+    row("arrays", "a", "", " 1", 32, 1);
+    row("structures", "(", ")", "", 32, 1);
+    row("arrays of structures", "a(", ")", " 1", 30, 2);
+    row("dictionaries", "a{y", "}", " 1 7", 30, 2);
+}
+
+/** The map, its entry and its variant are three levels of 64. */
+void TestEeprom::valuesAsDeepAsTheBusTakesThemComeBack()
+{
+    QFETCH(QString, outer);
+    QFETCH(int, levels);
+    const int deepest = 61;
+    QVERIFY(daemon.start());
+    const auto owner = [] {
+        return QDBusConnection::systemBus().interface()->serviceOwner(service).value();
+    };
+    const QString first = owner();
+    QVERIFY(first.startsWith(':'));
+
+    const QString values = outer + QString("v ").repeated(deepest - levels) + "i 1234";
+    QCOMPARE(set(setInstrument,
+                 instrumentValues("Brand", values).replace("} 12", "} 13") + " Extra " + values),
+             done);
+    QCOMPARE(set(setMeasure, measureValues(values)), done);
+    for (int call = 0; call < 2; ++call) {
+        QCOMPARE(version.call(getInstrument).count("<1234>"), 2);
+        QCOMPARE(version.call(getMeasure).count("<1234>"), 1);
+    }
+
+    // One level more closes its sender's connection.
+    const QString tooDeep = outer + QString("v ").repeated(deepest + 1 - levels) + "i 5678";
+    QVERIFY(
+        Wire()
+            .call(service, "/KyDeviceMgr", service + ".Version", setMeasure, measureValues(tooDeep))
+            .startsWith("org.freedesktop.DBus.Error.Disconnected"));
+    QCOMPARE(version.call(getMeasure).count("<1234>"), 1);
+    QCOMPARE(owner(), first);
 }
 
 void TestEeprom::instrumentValuesAreConverted_data()

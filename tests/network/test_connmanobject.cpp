@@ -168,11 +168,13 @@ void TestConnmanObject::theFirstObjectWithThePropertyIsFound()
 
 void TestConnmanObject::unsendableValuesAreTakenOutAtEveryDepth()
 {
+    const QVariant emptySignature = QVariant::fromValue(QDBusSignature());
     const QVariantMap map = {
         {"Kept", 1},
         {"Gone", QVariant()},
-        {"Map", QVariantMap{{"Kept", 2}, {"Gone", QVariant()}}},
-        {"List", QVariantList{3, QVariant(), QVariantMap{{"Gone", QVariant()}}}},
+        {"Empty signature", emptySignature},
+        {"Map", QVariantMap{{"Kept", 2}, {"Gone", QVariant()}, {"Empty", emptySignature}}},
+        {"List", QVariantList{3, QVariant(), emptySignature, QVariantMap{{"Gone", QVariant()}}}},
     };
     QCOMPARE(sendableMap(map), (QVariantMap{{"Kept", 1},
                                             {"Map", QVariantMap{{"Kept", 2}}},
