@@ -11,6 +11,9 @@
 
 namespace
 {
+/** The levels around a value in a map: the array, the entry and the variant. */
+const int levelsOfMap = 3;
+
 /** A map with a value for each of @p keys, of any type, and sometimes one without. */
 template <std::size_t count>
 QVariantMap mapOf(const char *const (&keys)[count], Choices &choices)
@@ -19,7 +22,9 @@ QVariantMap mapOf(const char *const (&keys)[count], Choices &choices)
     for (const char *key : keys) {
         if (!choices.oneIn(40))
             map[QLatin1String(key)] =
-                Peer::instance().receive(choices.oneIn(2) ? "av" : "v", choices).value(0);
+                Peer::instance()
+                    .receive(choices.oneIn(2) ? "av" : "v", choices, levelsOfMap)
+                    .value(0);
     }
     return map;
 }
@@ -45,6 +50,7 @@ const char *const measureKeys[] = {"AdjustementSite", "AdjustementDate", "NextAd
 void checkKept(const QVariantMap &map, const QVariantMap &fields)
 {
     const QVariantMap kept = keptRecord(map, fields);
+    require(Peer::instance().canSend({kept}), "what is kept can be sent");
     require(!kept.contains(QStringLiteral("CRC")), "the caller's CRC is not kept");
     const QVariantMap whole = storableMap(map);
     int surplus = 0;

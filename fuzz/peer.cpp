@@ -56,11 +56,11 @@ void Peer::keep(const QDBusMessage &message)
     m_isDelivered = true;
 }
 
-QVariantList Peer::receive(const std::string &signature, Choices &choices)
+QVariantList Peer::receive(const std::string &signature, Choices &choices, int around)
 {
     DBusMessage *message = newMessage();
     ValueWriter writer(message, choices);
-    writer.append(signature);
+    writer.append(signature, around);
     return deliver(message, writer.isSendable());
 }
 
@@ -76,9 +76,20 @@ bool Peer::canSend(const QVariantList &values)
 {
     QDBusMessage message = QDBusMessage::createSignal(path, interface, member);
     message.setArguments(values);
-    const bool isSent = m_receiver.send(message);
-    drain();
-    return isSent;
+    return m_receiver.send(message) && isReceived();
+}
+
+/** Waits until a message of ours has come, or the connection has been closed over it. */
+bool Peer::isReceived()
+{
+    bool isReceived = false;
+    while (!isReceived && dbus_connection_read_write(m_sender, -1)) {
+        while (DBusMessage *message = dbus_connection_pop_message(m_sender)) {
+            isReceived = isReceived || dbus_message_has_interface(message, qPrintable(interface));
+            dbus_message_unref(message);
+        }
+    }
+    return isReceived;
 }
 
 DBusMessage *Peer::newMessage()

@@ -24,13 +24,17 @@ public:
     /** The one of the process, made on first use. */
     static Peer &instance();
 
-    /** The values of the types @p signature that @p choices make, as a slot receives them. */
-    QVariantList receive(const std::string &signature, Choices &choices);
+    /**
+     * The values of the types @p signature that @p choices make, as a slot receives them.
+     *
+     * @param around how many levels of containers will be around the values in what is made of them
+     */
+    QVariantList receive(const std::string &signature, Choices &choices, int around = 0);
 
     /** Up to five values of any types. */
     QVariantList receiveAnything(Choices &choices);
 
-    /** Whether the bus library can send a message with @p values. */
+    /** Whether Qt D-Bus can send a message with @p values, and its receiver takes it. */
     bool canSend(const QVariantList &values);
 
 private Q_SLOTS:
@@ -41,6 +45,7 @@ private:
     Peer();
     DBusMessage *newMessage();
     QVariantList deliver(DBusMessage *message, bool isSendable);
+    bool isReceived();
     void drain();
 
     QDBusServer m_server;

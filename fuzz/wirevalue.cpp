@@ -149,13 +149,13 @@ ValueWriter::ValueWriter(DBusMessage *message, Choices &choices) : m_choices(cho
     dbus_message_iter_init_append(message, &m_end);
 }
 
-void ValueWriter::append(const std::string &signature)
+void ValueWriter::append(const std::string &signature, int around)
 {
     m_signatureSize += signature.size();
     if (m_signatureSize > longestSignature)
         return;
     for (const std::string &type : typesOf(signature))
-        appendValue(m_end, type, mostLevels);
+        appendValue(m_end, type, mostLevels - around);
 }
 
 void ValueWriter::appendAnything()
@@ -194,7 +194,7 @@ void ValueWriter::appendBasic(DBusMessageIter &end, int type)
         appendText(end, type, anyPath(m_choices));
         return;
     case DBUS_TYPE_SIGNATURE:
-        appendText(end, type, anyType(m_choices, 2));
+        appendText(end, type, m_choices.oneIn(8) ? std::string() : anyType(m_choices, 2));
         return;
     case DBUS_TYPE_UNIX_FD:
         appendDescriptor(end);

@@ -26,8 +26,10 @@ public:
     /**
      * Appends a value for each type of @p signature; where it holds variants, any is in them.
      * Nothing is appended to a message whose signature would be too long.
+     *
+     * @param around how many levels of containers there may not be, for want of room
      */
-    void append(const std::string &signature);
+    void append(const std::string &signature, int around = 0);
 
     /** Appends up to five values of any types. */
     void appendAnything();
