@@ -1,6 +1,7 @@
 #ifndef KYALIMENTATION_H
 #define KYALIMENTATION_H
 
+#include "introspection/Alimentation.h"
 #include "kybatmonitor.h"
 
 #include <QDBusAbstractAdaptor>
@@ -19,6 +20,7 @@ class KyAlimentation : public QDBusAbstractAdaptor
 {
     Q_OBJECT
     Q_CLASSINFO("D-Bus Interface", "com.orvendis.Strandel.BoardManager.Alimentation")
+    Q_CLASSINFO("D-Bus Introspection", INTROSPECTION_ALIMENTATION)
     Q_ENUMS(BatteryStatus)
     /**
      * The name of the present status. Reading it measures; when the charger came or went since the

@@ -2,6 +2,7 @@
 #define KYBRIGHTNESS_H
 
 #include "brightnesslevels.h"
+#include "introspection/Brightness.h"
 #include "kyals.h"
 
 #include <QDBusAbstractAdaptor>
@@ -19,6 +20,7 @@ class KyBrightness : public QDBusAbstractAdaptor
 {
     Q_OBJECT
     Q_CLASSINFO("D-Bus Interface", "com.orvendis.Strandel.BoardManager.Brightness")
+    Q_CLASSINFO("D-Bus Introspection", INTROSPECTION_BRIGHTNESS)
 
 public:
     /** Reads the levels from the settings, sets the sensor up and watches its interrupt. */

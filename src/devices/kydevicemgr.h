@@ -1,6 +1,7 @@
 #ifndef KYDEVICEMGR_H
 #define KYDEVICEMGR_H
 
+#include "introspection/MGR.h"
 #include "kyalimentation.h"
 #include "kyled.h"
 #include "kynetwork.h"
@@ -24,6 +25,7 @@ class KyDeviceMgr : public QDBusAbstractAdaptor
 {
     Q_OBJECT
     Q_CLASSINFO("D-Bus Interface", "com.orvendis.Strandel.BoardManager.MGR")
+    Q_CLASSINFO("D-Bus Introspection", INTROSPECTION_MGR)
 
 public:
     /**

@@ -1,6 +1,7 @@
 #ifndef KYLED_H
 #define KYLED_H
 
+#include "introspection/LED.h"
 #include "kyleds.h"
 
 #include <QDBusAbstractAdaptor>
@@ -22,6 +23,7 @@ class KyLED : public QDBusAbstractAdaptor
 {
     Q_OBJECT
     Q_CLASSINFO("D-Bus Interface", "com.orvendis.Strandel.BoardManager.LED")
+    Q_CLASSINFO("D-Bus Introspection", INTROSPECTION_LED)
     Q_ENUMS(Led State)
 
 public:

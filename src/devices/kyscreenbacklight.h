@@ -2,6 +2,7 @@
 #define KYSCREENBACKLIGHT_H
 
 #include "backlightsteps.h"
+#include "introspection/Backlight.h"
 
 #include <QDBusAbstractAdaptor>
 
@@ -19,6 +20,7 @@ class KyScreenBacklight : public QDBusAbstractAdaptor
 {
     Q_OBJECT
     Q_CLASSINFO("D-Bus Interface", "com.orvendis.Strandel.BoardManager.Backlight")
+    Q_CLASSINFO("D-Bus Introspection", INTROSPECTION_BACKLIGHT)
 
 public:
     /** Reads the steps from the settings and attaches the light sensor, too, to @p parent. */

@@ -1,6 +1,7 @@
 #ifndef KYSTORAGE_H
 #define KYSTORAGE_H
 
+#include "introspection/Storage.h"
 #include "kyfaccess.h"
 #include "kysdcardthread.h"
 
@@ -20,6 +21,7 @@ class KyStorage : public QDBusAbstractAdaptor
 {
     Q_OBJECT
     Q_CLASSINFO("D-Bus Interface", "com.orvendis.Strandel.BoardManager.Storage")
+    Q_CLASSINFO("D-Bus Introspection", INTROSPECTION_STORAGE)
 
 public:
     /** Starts listening. */

@@ -1,6 +1,7 @@
 #ifndef KYTEMPERATUREWATCHER_H
 #define KYTEMPERATUREWATCHER_H
 
+#include "introspection/Temperature.h"
 #include "itemperature.h"
 
 #include <QDBusAbstractAdaptor>
@@ -21,6 +22,7 @@ class KyTemperatureWatcher : public QDBusAbstractAdaptor
 {
     Q_OBJECT
     Q_CLASSINFO("D-Bus Interface", "com.orvendis.Strandel.BoardManager.Temperature")
+    Q_CLASSINFO("D-Bus Introspection", INTROSPECTION_TEMPERATURE)
     Q_ENUMS(Device)
 
 public:

@@ -1,6 +1,7 @@
 #ifndef KYWATCHDOG_H
 #define KYWATCHDOG_H
 
+#include "introspection/Watchdog.h"
 #include "kypowerman.h"
 #include "kysocmanager.h"
 
@@ -18,6 +19,7 @@ class KyWatchdog : public QDBusAbstractAdaptor
 {
     Q_OBJECT
     Q_CLASSINFO("D-Bus Interface", "com.orvendis.Strandel.BoardManager.Watchdog")
+    Q_CLASSINFO("D-Bus Introspection", INTROSPECTION_WATCHDOG)
 
 public:
     /** Touches no hardware yet. */

@@ -1,6 +1,7 @@
 #ifndef KYVERSION_H
 #define KYVERSION_H
 
+#include "introspection/Version.h"
 #include "kyboardrev.h"
 #include "kyeeprom.h"
 
@@ -20,6 +21,7 @@ class KyVersion : public QDBusAbstractAdaptor
 {
     Q_OBJECT
     Q_CLASSINFO("D-Bus Interface", "com.orvendis.Strandel.BoardManager.Version")
+    Q_CLASSINFO("D-Bus Introspection", INTROSPECTION_VERSION)
 
 public:
     /** Touches no hardware yet. */

@@ -2,6 +2,7 @@
 #define KYCONNMANAGENT_H
 
 #include "agentanswer.h"
+#include "introspection/Agent.h"
 
 #include <QDBusAbstractAdaptor>
 #include <QDBusObjectPath>
@@ -18,6 +19,7 @@ class KyConnmanAgent : public QDBusAbstractAdaptor
 {
     Q_OBJECT
     Q_CLASSINFO("D-Bus Interface", "net.connman.Agent")
+    Q_CLASSINFO("D-Bus Introspection", INTROSPECTION_AGENT)
 
 public:
     explicit KyConnmanAgent(QObject *parent);

@@ -1,6 +1,7 @@
 #ifndef KYETHERNET_H
 #define KYETHERNET_H
 
+#include "introspection/Ethernet.h"
 #include "kytcpip.h"
 
 #include <QTimer>
@@ -16,6 +17,7 @@ class KyEthernet : public KyTcpIp
 {
     Q_OBJECT
     Q_CLASSINFO("D-Bus Interface", "com.orvendis.Strandel.BoardManager.Ethernet")
+    Q_CLASSINFO("D-Bus Introspection", INTROSPECTION_ETHERNET)
 
 public:
     /** Listens to ConnMan and powers the technology off. */

@@ -1,6 +1,7 @@
 #ifndef KYNETWORK_H
 #define KYNETWORK_H
 
+#include "introspection/Network.h"
 #include "kypowerman.h"
 
 #include <QDBusAbstractAdaptor>
@@ -16,6 +17,7 @@ class KyNetwork : public QDBusAbstractAdaptor
 {
     Q_OBJECT
     Q_CLASSINFO("D-Bus Interface", "com.orvendis.Strandel.BoardManager.Network")
+    Q_CLASSINFO("D-Bus Introspection", INTROSPECTION_NETWORK)
 
 public:
     /** Touches no hardware yet. */

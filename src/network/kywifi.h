@@ -1,6 +1,7 @@
 #ifndef KYWIFI_H
 #define KYWIFI_H
 
+#include "introspection/WIFI.h"
 #include "kytcpip.h"
 
 #include <QTimer>
@@ -19,6 +20,7 @@ class KyWifi : public KyTcpIp
 {
     Q_OBJECT
     Q_CLASSINFO("D-Bus Interface", "com.orvendis.Strandel.BoardManager.WIFI")
+    Q_CLASSINFO("D-Bus Introspection", INTROSPECTION_WIFI)
 
 public:
     /** Listens to ConnMan, powers the technology off and offers the agent. */

@@ -1,6 +1,7 @@
 #ifndef KYWIFIAP_H
 #define KYWIFIAP_H
 
+#include "introspection/WIFIAP.h"
 #include "kytcpip.h"
 
 /**
@@ -13,6 +14,7 @@ class KyWifiAp : public KyTcpIp
 {
     Q_OBJECT
     Q_CLASSINFO("D-Bus Interface", "com.orvendis.Strandel.BoardManager.WIFIAP")
+    Q_CLASSINFO("D-Bus Introspection", INTROSPECTION_WIFIAP)
 
 public:
     explicit KyWifiAp(QObject *parent);

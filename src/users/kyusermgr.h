@@ -1,6 +1,8 @@
 #ifndef KYUSERMGR_H
 #define KYUSERMGR_H
 
+#include "introspection/Users.h"
+
 #include <QDBusAbstractAdaptor>
 #include <QString>
 
@@ -18,6 +20,7 @@ class KyUserMgr : public QDBusAbstractAdaptor
 {
     Q_OBJECT
     Q_CLASSINFO("D-Bus Interface", "com.orvendis.Strandel.BoardManager.Users")
+    Q_CLASSINFO("D-Bus Introspection", INTROSPECTION_USERS)
 
 public:
     /** Folder of all profile folders and of the link; expected to exist. */

@@ -1,7 +1,24 @@
 #include "board.h"
 #include "daemontest.h"
 #include "introspection.h"
+#include "kyalimentation.h"
+#include "kybrightness.h"
+#include "kyconnmanagent.h"
+#include "kydevicemgr.h"
+#include "kyethernet.h"
+#include "kyled.h"
+#include "kynetwork.h"
+#include "kyscreenbacklight.h"
+#include "kystorage.h"
+#include "kytemperaturewatcher.h"
+#include "kyusermgr.h"
+#include "kyversion.h"
+#include "kywatchdog.h"
+#include "kywifi.h"
+#include "kywifiap.h"
+#include "remote.h"
 
+#include <QDBusMetaType>
 #include <QDir>
 
 /** The interfaces of the running daemon against the documents that client developers get. */
@@ -14,6 +31,9 @@ private Q_SLOTS:
     void everyDocumentIsReadable();
     void everyMemberStandsInTheDocuments_data();
     void everyMemberStandsInTheDocuments();
+    void everyDocumentSaysWhatItsAdaptorHas();
+    void theDaemonShowsTheDocuments_data();
+    void theDaemonShowsTheDocuments();
 };
 
 namespace
@@ -59,6 +79,77 @@ QStringList shownMembers(const QString &path)
             members << interface.key() + QStringLiteral(": ") + member;
     }
     return members;
+}
+
+const QMetaObject *const adaptors[] = {
+    &KyAlimentation::staticMetaObject, &KyBrightness::staticMetaObject,
+    &KyConnmanAgent::staticMetaObject, &KyDeviceMgr::staticMetaObject,
+    &KyEthernet::staticMetaObject,     &KyLED::staticMetaObject,
+    &KyNetwork::staticMetaObject,      &KyScreenBacklight::staticMetaObject,
+    &KyStorage::staticMetaObject,      &KyTemperatureWatcher::staticMetaObject,
+    &KyUserMgr::staticMetaObject,      &KyVersion::staticMetaObject,
+    &KyWatchdog::staticMetaObject,     &KyWifi::staticMetaObject,
+    &KyWifiAp::staticMetaObject,
+};
+
+QString signatureOf(int type)
+{
+    return QString::fromLatin1(QDBusMetaType::typeToSignature(type));
+}
+
+/** A public slot or a signal as readIntrospection() writes it. */
+QString memberOf(const QMetaMethod &method)
+{
+    const bool isSignal = method.methodType() == QMetaMethod::Signal;
+    QStringList arguments;
+    QStringList results;
+    if (!isSignal && method.returnType() != QMetaType::Void)
+        results << "out " + signatureOf(method.returnType());
+    for (int i = 0; i < method.parameterCount(); ++i) {
+        const QByteArray type = method.parameterTypes().at(i);
+        if (type == "QDBusMessage")
+            continue;
+        if (!isSignal && type.endsWith('&'))
+            results << "out " + signatureOf(QMetaType::type(type.chopped(1)));
+        else
+            arguments << QString(isSignal ? "out " : "in ") + signatureOf(method.parameterType(i)) +
+                             ' ' + method.parameterNames().at(i);
+    }
+    return QString(isSignal ? "signal " : "method ") + method.name() + '(' +
+           (arguments + results).join(", ") + ')';
+}
+
+/** What the bus reaches of the adaptor, as readIntrospection() writes it. */
+QStringList membersOf(const QMetaObject &adaptor)
+{
+    QStringList members;
+    for (int i = QDBusAbstractAdaptor::staticMetaObject.methodCount(); i < adaptor.methodCount();
+         ++i) {
+        const QMetaMethod method = adaptor.method(i);
+        const bool isSlot =
+            method.methodType() == QMetaMethod::Slot && method.access() == QMetaMethod::Public;
+        // A method with an optional message exists without it, too.
+        if ((isSlot || method.methodType() == QMetaMethod::Signal) &&
+            !members.contains(memberOf(method)))
+            members << memberOf(method);
+    }
+    for (int i = QDBusAbstractAdaptor::staticMetaObject.propertyCount();
+         i < adaptor.propertyCount(); ++i) {
+        const QMetaProperty property = adaptor.property(i);
+        members << QString("property %1 %2 %3")
+                       .arg(property.name(), signatureOf(property.userType()),
+                            property.isWritable() ? "readwrite" : "read");
+    }
+    members.sort();
+    return members;
+}
+
+/** The text of the interface's element. */
+QByteArray elementOf(const QByteArray &document, const QString &interface)
+{
+    const int begin = document.indexOf("<interface name=\"" + interface.toLatin1() + '"');
+    const int end = document.indexOf("</interface>", begin);
+    return begin < 0 || end < 0 ? QByteArray() : document.mid(begin, end - begin);
 }
 
 QStringList without(QStringList members, const QStringList &others)
@@ -117,6 +208,39 @@ void TestIntrospection::everyMemberStandsInTheDocuments()
     QCOMPARE(without(shown, documented).join('\n'), QString());
     QCOMPARE(without(documented, shown).join('\n'), QString());
     QCOMPARE(shown.size(), documented.size());
+}
+
+void TestIntrospection::everyDocumentSaysWhatItsAdaptorHas()
+{
+    QStringList files;
+    for (const QMetaObject *adaptor : adaptors) {
+        const int info = adaptor->indexOfClassInfo("D-Bus Interface");
+        const QString interface = adaptor->classInfo(info).value();
+        files << interface + ".xml";
+        QCOMPARE(membersOf(*adaptor).join('\n'),
+                 document(files.last()).interfaces.value(interface).join('\n'));
+    }
+    files.sort(Qt::CaseInsensitive);
+    QCOMPARE(files, documents());
+}
+
+void TestIntrospection::theDaemonShowsTheDocuments_data()
+{
+    everyDocumentIsReadable_data();
+}
+
+void TestIntrospection::theDaemonShowsTheDocuments()
+{
+    QFETCH(QString, file);
+    Board::setModel(0x8345);
+    QVERIFY(daemon.start());
+    const QByteArray installed = readFile(QStringLiteral(DOCUMENTS "/") + file);
+    const QString interface = document(file).interfaces.firstKey();
+    const Remote object("com.orvendis.Strandel.BoardManager", document(file).path,
+                        "org.freedesktop.DBus.Introspectable");
+    const QByteArray shown = object.reply("Introspect").arguments().value(0).toString().toUtf8();
+    QVERIFY(!elementOf(installed, interface).isEmpty());
+    QCOMPARE(elementOf(shown, interface), elementOf(installed, interface));
 }
 
 WORLD_TEST_MAIN(TestIntrospection)

@@ -28,7 +28,7 @@ QString readMember(QXmlStreamReader &reader)
         const QString usual = kind == QLatin1String("signal") ? "out" : "in";
         const QString direction = attribute(reader, "direction");
         QStringList words = {direction.isEmpty() ? usual : direction, attribute(reader, "type")};
-        // The results of methods have no names in the daemon itself.
+        // Results of methods have no names in the adaptors.
         if (kind == QLatin1String("signal") || words.first() == QLatin1String("in"))
             words << attribute(reader, "name");
         if (reader.name() == QLatin1String("arg"))
