@@ -1,0 +1,9 @@
+#ifndef ACCESSPOINTTABLE_H
+#define ACCESSPOINTTABLE_H
+
+#include "linkmachine.h"
+
+/** The Wi-Fi access point. */
+extern const LinkTable accessPointTable;
+
+#endif

@@ -1,0 +1,126 @@
+#include "stationtable.h"
+
+#include "linksets.h"
+
+namespace
+{
+using namespace linksets;
+
+// From (state, operation, firmware flag, condition), event, to (state, operation), actions.
+const LinkRow rows[] = {
+    // The radio is off unless it is used.
+    row({all}, Event::Started, {}, Do::PowerOff),
+
+    // A scan or a connect begins with the mode script. The "idle" of a connect is not announced:
+    // clients take it for the end of an attempt.
+    row({idle, none | scan}, Event::ScanCalled, {toIdle, toScan}, Do::StartScanTime, Do::Announce,
+        Do::SwitchToStation),
+    row({failure}, Event::ScanCalled, {toIdle, toScan}, Do::StartScanTime, Do::Announce,
+        Do::SwitchToStation),
+    row({idle | failure}, Event::ConnectCalled, {toIdle, toConnect}, Do::ForgetService,
+        Do::StartConnectTime, Do::TakeRequest, Do::SwitchToStation),
+    row({idle, scan | connect}, Event::ScriptRefused, {toFailure}, Do::ReplyCannotSwitch,
+        Do::Announce),
+    row({all}, Event::ScriptEnded, {}, Do::StartModuleDelay),
+
+    // After a disconnect the module is evaluated for nobody. A scan whose time was over before the
+    // module was ready still has to come to its end.
+    row({idle, scan, either, When::TimeRuns}, Event::ModuleReady, {}, Do::NoteModule,
+        Do::AskConnman),
+    row({idle, scan, either, When::TimeIsOver}, Event::ModuleReady, {}, Do::NoteModule,
+        Do::StartScanTime, Do::AskConnman),
+    row({idle, connect}, Event::ModuleReady, {}, Do::NoteModule, Do::AskConnman),
+    row({idle, none}, Event::ModuleReady, {}, Do::NoteModule),
+    row({~idle}, Event::ModuleReady, {}, Do::NoteModule),
+    row({idle}, Event::ConnmanAbsent, {toFailure}, Do::Announce),
+    row({idle}, Event::ConnmanRuns, {}, Do::AskListed),
+    row({idle}, Event::NetworksListed, {}, Do::Evaluate),
+    row({idle}, Event::NoNetworkListed, {}, Do::PowerOn),
+    row({idle}, Event::AlreadyOn, {}, Do::AskFound),
+    row({idle, all, loaded}, Event::TechnologyOn, {}, Do::AskFound),
+    row({idle}, Event::NetworksFound, {}, Do::Evaluate),
+    row({idle}, Event::NoNetworkFound, {}, Do::RequestScan),
+
+    // A list ends the scan; a connect judges the service that has the requested name.
+    row({idle, scan, loaded}, Event::ServicesChanged, {stays, toNone}, Do::GiveList, Do::PowerOff),
+    row({all, connect, loaded}, Event::ServicesChanged, {}, Do::Judge),
+    row({all, connect}, Event::RequestedMissing, {toFailure, toNone}, Do::Announce),
+    row({idle, connect}, Event::RequestedIdle, {toAssociation}, Do::Announce, Do::AskTechnology),
+    row({association, connect}, Event::TechnologyIsUp, {toConfiguration}, Do::WatchService,
+        Do::Announce, Do::HandOver),
+    row({association, connect}, Event::TechnologyIsDown, {}, Do::RequestConnect),
+    row({association, connect}, Event::RequestedFailed, {toFailure}, Do::Announce),
+    row({association, connect}, Event::RequestedReady, {toConfiguration}, Do::WatchService,
+        Do::Announce, Do::HandOver),
+    row({all, connect}, Event::RequestedOnline, {toOnline, toNone}, Do::StopTime, Do::Announce),
+    row({configuration, connect}, Event::AddressThere, {toOnline}, Do::StopTime, Do::Announce),
+
+    // The technology is connected before anything was asked.
+    row({idle, connect, loaded}, Event::TechnologyConnected, {}, Do::AskService),
+    row({idle, connect}, Event::ServiceListed, {toConfiguration}, Do::WatchService, Do::Announce,
+        Do::HandOver),
+
+    // The radio stays on: powered off, ConnMan would forget that the key was wrong, keep it and ask
+    // for no other.
+    row({association}, Event::ConnectFailed, {toFailure, toNone}, Do::Announce),
+
+    // The current service. One that is being left must not end the disconnect in another state.
+    row({all, all, loaded}, Event::ServiceStrength, {}, Do::PassOn),
+    row({~leaving, all, loaded}, Event::ServiceError, {toFailure, toNone}, Do::Announce,
+        Do::PowerOff),
+    row({~leaving, all, loaded}, Event::ServiceAddress, {toOnline}, Do::Announce),
+
+    // What is undecided at the end fails; the address of a service that is "ready" may still come.
+    row({all}, Event::TimeIsOver, {}, Do::Evaluate, Do::JudgeTime),
+    row({idle | association, connect}, Event::TimeJudged, {toFailure, toNone}, Do::Announce),
+    row({configuration, connect, either, When::RequestedIsNotReady}, Event::TimeJudged,
+        {toFailure, toNone}, Do::Announce),
+
+    // Never stuck: a refusal rules out the signal that the technology is off.
+    row({all, all, either, When::HasService}, Event::DisconnectCalled, {toDisconnect, toNone},
+        Do::Announce, Do::ForgetNetwork, Do::PowerOff),
+    row({all, all, either, When::HasNoService}, Event::DisconnectCalled, {toDisconnect, toNone},
+        Do::Announce, Do::PowerOff),
+    row({leaving, all, either, When::NetworkIsForgotten}, Event::PowerOffAccepted, {},
+        Do::UnregisterAgent, Do::StartLeavingTime),
+    row({leaving, all, either, When::NetworkIsKept}, Event::PowerOffAccepted, {},
+        Do::UnregisterAgent, Do::ReplyNotForgotten, Do::StartLeavingTime),
+    row({leaving, all, either, When::NetworkIsForgotten}, Event::PowerOffRefused, {},
+        Do::UnregisterAgent, Do::ReplyNotPoweredOff, Do::Leave),
+    row({leaving, all, either, When::NetworkIsKept}, Event::PowerOffRefused, {},
+        Do::UnregisterAgent, Do::ReplyNotForgotten, Do::Leave),
+    row({leaving}, Event::Left, {toIdle}, Do::Announce),
+    row({leaving}, Event::TechnologyOff, {toIdle}, Do::Announce),
+    row({leaving}, Event::LeavingIsOver, {toIdle}, Do::Announce),
+};
+
+const struct {
+    const char *serviceState;
+    LinkEvent event;
+} serviceStates[] = {
+    {"idle", Event::RequestedIdle},
+    {"failure", Event::RequestedFailed},
+    {"ready", Event::RequestedReady},
+    {"online", Event::RequestedOnline},
+};
+
+const QLatin1String connmanErrors("net.connman.Error.");
+} // namespace
+
+const LinkTable stationTable = {rows, sizeof rows / sizeof *rows, false};
+
+LinkEvent requestedEvent(const QString &serviceState)
+{
+    for (const auto &row : serviceStates) {
+        if (serviceState == QLatin1String(row.serviceState))
+            return row.event;
+    }
+    return LinkEvent::RequestedOther;
+}
+
+bool failsConnect(const QString &errorName)
+{
+    return errorName.startsWith(connmanErrors) &&
+           errorName != connmanErrors + QStringLiteral("InProgress") &&
+           errorName != connmanErrors + QStringLiteral("AlreadyConnected");
+}
