@@ -1,9 +1,8 @@
 #include "busvalue.h"
 #include "connman.h"
-#include "tcpipstate.h"
 #include "peer.h"
 #include "require.h"
-#include "wifijoin.h"
+#include "stationtable.h"
 #include "wifiservices.h"
 
 namespace
@@ -53,7 +52,14 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t *data, std::size_t size
     require(found.path.path().isEmpty() ||
                 found.properties.value(QStringLiteral("Type")).toString() == name,
             "the object that is found has the property");
-    for (int state = KyTcpIpState::Idle; state <= KyTcpIpState::Online; ++state)
-        nextJoinStep(state, named.properties.value(QStringLiteral("State")).toString());
+    requestedEvent(named.properties.value(QStringLiteral("State")).toString());
+    for (const ConnmanObject &service : services) {
+        for (auto property = service.properties.cbegin(); property != service.properties.cend();
+             ++property) {
+            const QVariant value = wifiServiceChange(property.key(), property.value()).value;
+            require(!value.isValid() || Peer::instance().canSend({value}),
+                    "a property that is passed on can be sent");
+        }
+    }
     return 0;
 }

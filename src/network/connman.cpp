@@ -47,8 +47,8 @@ namespace
 const QString propertyChanged = QStringLiteral("PropertyChanged");
 const QString propertyChangedSignature = QStringLiteral("sv");
 
-/** In ms. An ordinary answer takes a thousandth of it. */
-const int longCall = 1000;
+/** An ordinary answer takes a thousandth of it. */
+constexpr int longCallMs = 1000;
 
 template <typename Type>
 void registerType(const char *name)
@@ -72,7 +72,7 @@ QDBusMessage call(const QString &path, const QString &interface, const QString &
     duration.start();
     const QDBusMessage reply = QDBusConnection::systemBus().call(message);
     // Two of these at 25 s are more than systemd's watchdog allows.
-    if (duration.elapsed() > longCall)
+    if (duration.elapsed() > longCallMs)
         pingSystemdMeanwhile();
     return reply;
 }
@@ -149,6 +149,11 @@ ConnmanObject findObject(const QList<ConnmanObject> &objects, const QString &nam
             return object;
     }
     return ConnmanObject();
+}
+
+bool isFlag(const QVariant &value, bool flag)
+{
+    return value.type() == QVariant::Bool && value.toBool() == flag;
 }
 
 QDBusError setTechnologyPowered(const QString &technology, bool powered)

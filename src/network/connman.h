@@ -82,6 +82,9 @@ void unwatchProperties(const QString &path, const QString &interface, QObject *r
 ConnmanObject findObject(const QList<ConnmanObject> &objects, const QString &name,
                          const QString &value);
 
+/** Whether @p value is @p flag; a value of another type is neither true nor false. */
+bool isFlag(const QVariant &value, bool flag);
+
 /** Switches a technology on or off. @return ConnMan's error, an invalid one on success */
 QDBusError setTechnologyPowered(const QString &technology, bool powered);
 

@@ -1,10 +1,9 @@
 #ifndef KYETHERNET_H
 #define KYETHERNET_H
 
+#include "ethernetlink.h"
 #include "introspection/Ethernet.h"
 #include "kytcpip.h"
-
-#include <QTimer>
 
 /**
  * Brings the wired interface up and down through ConnMan.
@@ -40,18 +39,8 @@ public Q_SLOTS:
      */
     void disconnect(const QDBusMessage &message);
 
-private Q_SLOTS:
-    void slotLoadFirmwareFinished(int exitCode, QProcess::ExitStatus exitStatus) override;
-    void technologyPropertyChangedSlot(const QString &name, const QDBusVariant &value);
-    void servicesChangedSlot(const QDBusMessage &signal);
-    void timeoutMonitoring();
-
 private:
-    void useService();
-    void checkOnline(const QVariantMap &ipv4);
-
-    /** Bounds a connection attempt. Repeats until the technology is found connected. */
-    QTimer m_monitoringTimer;
+    EthernetLink m_link;
 };
 
 #endif

@@ -3,11 +3,7 @@
 
 #include "introspection/WIFI.h"
 #include "kytcpip.h"
-
-#include <QTimer>
-
-class KyConnmanAgent;
-class QDBusPendingCallWatcher;
+#include "wifistation.h"
 
 /**
  * The Wi-Fi station: scans for networks and joins one through ConnMan.
@@ -63,43 +59,8 @@ Q_SIGNALS:
     /** The networks that a scan found; see wifiScanList(). */
     void servicesListChanged(const QVariantMap &services);
 
-private Q_SLOTS:
-    void slotLoadFirmwareFinished(int exitCode, QProcess::ExitStatus exitStatus) override;
-    void slotLoadFirmwareFinishedDelayed();
-    void technologyPropertyChangedSlot(const QString &name, const QDBusVariant &value);
-    void servicesChangedSlot();
-    void servicePropertyChangedSlot(const QString &name, const QDBusVariant &value) override;
-    void timeoutMonitoring();
-    void connectAnswered(QDBusPendingCallWatcher *reply);
-
 private:
-    enum Operation { NoOperation, Scan, Connect };
-    class Step;
-
-    void offerAgent();
-    void switchToStation(const QDBusMessage &message);
-    void usePoweredTechnology();
-    QString evaluateServices();
-    void finishScan();
-    QString judgeConnect();
-    void associate(const QString &path);
-    void configure(const QString &path);
-    bool isTechnologyConnected() const;
-    void sendRequestScan();
-    void sendRequestConnect(const QString &path);
-    void registerAgent();
-    void unregisterAgent();
-
-    KyConnmanAgent *m_agent = nullptr;
-    /** The name of the network that the last connect named. */
-    QString m_requestedService;
-    Operation m_operation = NoOperation;
-    /** ConnMan's reply to the last Connect; null when it has come. */
-    const QDBusPendingCallWatcher *m_connectReply = nullptr;
-    /** Bounds the operation under way. */
-    QTimer m_monitoringTimer;
-    /** Bounds the wait for the technology to be off. */
-    QTimer m_disconnectTimer;
+    WifiStation m_station;
 };
 
 #endif

@@ -1,6 +1,7 @@
 #ifndef KYWIFIAP_H
 #define KYWIFIAP_H
 
+#include "accesspoint.h"
 #include "introspection/WIFIAP.h"
 #include "kytcpip.h"
 
@@ -45,10 +46,8 @@ public Q_SLOTS:
     /** Accepted, and does nothing in this version. */
     void wpsEnable();
 
-private Q_SLOTS:
-    void slotLoadFirmwareFinished(int exitCode, QProcess::ExitStatus exitStatus) override;
-    void slotLoadFirmwareFinishedDelayed();
-    void slotToSignalInterfaceIsOnLine();
+private:
+    AccessPoint m_accessPoint;
 };
 
 #endif

@@ -1,5 +1,7 @@
 #include "wifiservices.h"
 
+#include "busvalue.h"
+
 #include <QStringList>
 
 namespace
@@ -51,4 +53,22 @@ QVariantMap wifiScanList(const QList<ConnmanObject> &services)
             list.insert(name, scanEntry(service));
     }
     return list;
+}
+
+QVariant strengthOf(const QVariant &value)
+{
+    const QVariant basic = basicValue(value);
+    return basic.canConvert(QMetaType::UInt) ? basic : QVariant();
+}
+
+WifiServiceChange wifiServiceChange(const QString &name, const QVariant &value)
+{
+    if (name == QStringLiteral("Strength") && strengthOf(value).isValid())
+        return {LinkEvent::ServiceStrength, strengthOf(value)};
+    // ConnMan announces an empty error when it forgets one.
+    if (name == QStringLiteral("Error") && !basicValue(value).toString().isEmpty())
+        return {LinkEvent::ServiceError, QVariant()};
+    if (name == QStringLiteral("IPv4") && toMap(value).contains(QStringLiteral("Address")))
+        return {LinkEvent::ServiceAddress, QVariant()};
+    return {LinkEvent::ServiceOther, QVariant()};
 }

@@ -2,6 +2,7 @@
 #define WIFISERVICES_H
 
 #include "connman.h"
+#include "linkmachine.h"
 
 /** Those of ConnMan's @p services that are Wi-Fi networks, in ConnMan's order. */
 QList<ConnmanObject> wifiServices(const QList<ConnmanObject> &services);
@@ -20,5 +21,19 @@ ConnmanObject wifiServiceNamed(const QList<ConnmanObject> &services, const QStri
  * that would be joined.
  */
 QVariantMap wifiScanList(const QList<ConnmanObject> &services);
+
+/** ConnMan's number for a service's strength, as it can be sent on; invalid for anything else. */
+QVariant strengthOf(const QVariant &value);
+
+/** A change of the station's current service. */
+struct WifiServiceChange {
+    /** One of ServiceStrength, ServiceError, ServiceAddress and ServiceOther. */
+    LinkEvent event;
+    /** The value as it can be sent on, where that is its due. */
+    QVariant value;
+};
+
+/** What it means that the current service's property @p name is @p value now. */
+WifiServiceChange wifiServiceChange(const QString &name, const QVariant &value);
 
 #endif

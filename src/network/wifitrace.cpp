@@ -11,7 +11,30 @@
 namespace
 {
 /** Callers decide how many records there are and how long: they must not fill the disk. */
-const off_t mostBytes = 4 << 20;
+constexpr off_t mostBytes = 4 << 20;
+
+const struct {
+    LinkEvent event;
+    WifiTraceMethod method;
+} methods[] = {
+    {LinkEvent::ScanCalled, {"scan", true}},
+    {LinkEvent::ConnectCalled, {"connect", true}},
+    {LinkEvent::DisconnectCalled, {"disconnect", true}},
+    {LinkEvent::ScriptEnded, {"slotLoadFirmwareFinished", true}},
+    {LinkEvent::ModuleReady, {"slotLoadFirmwareFinishedDelayed", true}},
+    {LinkEvent::TechnologyOn, {"technologyPropertyChangedSlot", true}},
+    {LinkEvent::TechnologyOff, {"technologyPropertyChangedSlot", true}},
+    {LinkEvent::TechnologyConnected, {"technologyPropertyChangedSlot", true}},
+    {LinkEvent::TechnologyOther, {"technologyPropertyChangedSlot", true}},
+    {LinkEvent::ServicesChanged, {"servicesChangedSlot", true}},
+    {LinkEvent::ServiceStrength, {"servicePropertyChangedSlot", true}},
+    {LinkEvent::ServiceError, {"servicePropertyChangedSlot", true}},
+    {LinkEvent::ServiceAddress, {"servicePropertyChangedSlot", true}},
+    {LinkEvent::ServiceOther, {"servicePropertyChangedSlot", true}},
+    {LinkEvent::TimeIsOver, {"timeoutMonitoring", true}},
+    {LinkEvent::LeavingIsOver, {"timeoutMonitoring", false}},
+    {LinkEvent::ConnectFailed, {"sendRequestConnect", false}},
+};
 
 bool hasRoom(int descriptor)
 {
@@ -19,6 +42,28 @@ bool hasRoom(int descriptor)
     return fstat(descriptor, &status) == 0 && status.st_size < mostBytes;
 }
 } // namespace
+
+WifiTraceMethod wifiTraceMethod(LinkEvent event)
+{
+    for (const auto &row : methods) {
+        if (row.event == event)
+            return row.method;
+    }
+    return {nullptr, false};
+}
+
+QString wifiTraceOperation(LinkOperation operation)
+{
+    switch (operation) {
+    case LinkOperation::Scan:
+        return QStringLiteral("OP:scan");
+    case LinkOperation::Connect:
+        return QStringLiteral("OP:connect");
+    case LinkOperation::None:
+        break;
+    }
+    return QStringLiteral("OP:none");
+}
 
 QByteArray wifiTraceLines(const WifiTraceRecord &record)
 {

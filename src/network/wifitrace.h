@@ -1,6 +1,8 @@
 #ifndef WIFITRACE_H
 #define WIFITRACE_H
 
+#include "linkmachine.h"
+
 #include <QString>
 
 /** One step of the Wi-Fi station, as the trace file tells it. */
@@ -14,6 +16,19 @@ struct WifiTraceRecord {
     /** The network that the last connect named. */
     QString requestedService;
 };
+
+/** The method that an event of the station ends with a record of. */
+struct WifiTraceMethod {
+    /** Null for an event that has no record of its own. */
+    const char *name;
+    /** Whether there is a record also where the event is ignored. */
+    bool isTracedWhenIgnored;
+};
+
+WifiTraceMethod wifiTraceMethod(LinkEvent event);
+
+/** How the trace names @p operation. */
+QString wifiTraceOperation(LinkOperation operation);
 
 /** @p record as the lines of the trace file, in UTF-8. */
 QByteArray wifiTraceLines(const WifiTraceRecord &record);

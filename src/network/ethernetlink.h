@@ -1,0 +1,29 @@
+#ifndef ETHERNETLINK_H
+#define ETHERNETLINK_H
+
+#include "linkdriver.h"
+#include "technologywatch.h"
+
+/** Carries out what is the wired interface's alone. */
+class EthernetLink : public LinkDriver
+{
+    Q_OBJECT
+
+public:
+    /** Listens to ConnMan. */
+    explicit EthernetLink(LinkParts &parts);
+
+    /** Powers the technology off. */
+    void start() { handle(LinkEvent::Started); }
+
+protected:
+    LinkEvent perform(LinkAction action) override;
+    bool hasAddress(const QVariantMap &ipv4) const override;
+
+private:
+    void judgeService(const QString &name, const QVariant &value);
+
+    TechnologyWatch m_watch;
+};
+
+#endif

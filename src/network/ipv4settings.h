@@ -1,0 +1,29 @@
+#ifndef IPV4SETTINGS_H
+#define IPV4SETTINGS_H
+
+#include <QStringList>
+#include <QVariantMap>
+
+/** The IPv4 settings of a client for the next connection. */
+class Ipv4Settings
+{
+public:
+    /**
+     * Takes a client's @p settings.
+     *
+     * "Method", "Address", "Netmask" and "Gateway" replace what was kept, "DNS1" and "DNS2" are
+     * added to the name servers, of which the last 64 are kept. A text of more than 255 characters
+     * counts as empty. With the method "manual", addresses that are missing or invalid are made up
+     * (see repairedIPv4()).
+     */
+    void take(const QVariantMap &settings);
+
+    const QVariantMap &configuration() const { return m_configuration; }
+    const QStringList &nameservers() const { return m_nameservers; }
+
+private:
+    QVariantMap m_configuration;
+    QStringList m_nameservers;
+};
+
+#endif

@@ -1,0 +1,24 @@
+#ifndef LINKPARTS_H
+#define LINKPARTS_H
+
+#include "connmanservice.h"
+#include "ipv4settings.h"
+#include "modescript.h"
+
+/** What an adaptor of a network interface owns, and its driver works with. */
+struct LinkParts {
+    LinkParts(const QString &technologyName, const QString &interface, const QString &servicePath)
+        : technology(technologyName), interfaceName(interface), service(servicePath)
+    {
+    }
+
+    /** ConnMan's name of the technology, as in "ethernet". */
+    const QString technology;
+    /** The kernel's name of the network interface, as in "eth0". */
+    const QString interfaceName;
+    ConnmanService service;
+    Ipv4Settings settings;
+    ModeScript script;
+};
+
+#endif

@@ -1,0 +1,32 @@
+#ifndef MODESCRIPT_H
+#define MODESCRIPT_H
+
+#include <QObject>
+#include <QProcess>
+
+/** The script that switches the mode of the Wi-Fi module. */
+class ModeScript : public QObject
+{
+    Q_OBJECT
+
+public:
+    ModeScript();
+
+    /**
+     * Starts the script.
+     *
+     * @param mode "0" Ethernet alone, "1" Wi-Fi station, "2" access point
+     * @return whether it has started; false while it still runs, and when it has not started within
+     *         1000 ms
+     */
+    bool start(const QString &mode);
+
+Q_SIGNALS:
+    /** The script has ended, whatever its status. */
+    void ended();
+
+private:
+    QProcess m_process;
+};
+
+#endif
