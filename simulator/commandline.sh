@@ -3,26 +3,41 @@
 # and kyboard-instrument of the package. They differ in their names, in where the programs are, and in
 # what is to be done before.
 
-# Sets "command" to the command that is to run in the instrument. Ends after --help, or at an unknown
-# option.
+# Sets "command" to the command that is to run in the instrument, and "instrument_options" to what is to
+# be different in an instrument that is started. Ends after --help, or at what it does not understand.
 # usage: parse_command_line NAME DOCUMENTS [ARGUMENT...]
 parse_command_line() {
     # The instrument's own texts name them, too.
     export INSTRUMENT_COMMAND=$1 INSTRUMENT_DOCUMENTS=$2
     shift 2
-    case ${1:-} in
-    -h | --help)
-        show_usage
-        exit
-        ;;
-    --) shift ;;
-    -*)
-        echo "$INSTRUMENT_COMMAND: there is no option '$1'" >&2
-        show_usage >&2
-        exit 2
-        ;;
-    esac
+    instrument_options=()
+    while [ $# -gt 0 ]; do
+        case $1 in
+        -h | --help)
+            show_usage
+            exit
+            ;;
+        --speed)
+            [[ ${2:-} =~ ^[1-9][0-9]?$ && $2 -le 60 ]] \
+                || refuse "--speed: '${2:-}' is not a whole number from 1 to 60"
+            instrument_options=(--speed "$2")
+            shift 2
+            ;;
+        --)
+            shift
+            break
+            ;;
+        -*) refuse "there is no option '$1'" ;;
+        *) break ;;
+        esac
+    done
     command=("$@")
+}
+
+refuse() {
+    echo "$INSTRUMENT_COMMAND: $*" >&2
+    show_usage >&2
+    exit 2
 }
 
 show_usage() {
@@ -32,6 +47,7 @@ Starts the virtual instrument in the foreground, or runs a command inside it:
   $name                 the instrument, until Ctrl-C
   $name -- COMMAND...   the command, in the running instrument or in one of its own; it ends with
   ${name//?/ }                 $name, and $name with its status
+  $name --speed N ...   an instrument whose time passes N times faster, 1 to 60
   $name --help          this text
 $INSTRUMENT_DOCUMENTS/virtual-instrument.md tells what is in it.
 EOT
@@ -44,6 +60,8 @@ start_instrument() {
     here=$(dirname "${BASH_SOURCE[0]}")
     shift
     if [ "$(cat "/proc/$(cat "$handle" 2>/dev/null)/comm" 2>/dev/null)" = unshare ]; then
+        [ ${#instrument_options[@]} -eq 0 ] \
+            || refuse "--speed belongs to the start, and an instrument is running already"
         if [ ${#command[@]} -gt 0 ]; then
             exec "$here/world" "$@" --display --join "$handle" -- "${command[@]}"
         fi
@@ -51,5 +69,6 @@ start_instrument() {
         exit 1
     fi
     [ ${#command[@]} -gt 0 ] || set -- "$@" --handle "$handle"
-    exec "$here/world" "$@" --display -- "$here/instrument" "${command[@]}"
+    exec "$here/world" "$@" --display -- "$here/instrument" "${instrument_options[@]}" \
+        "${command[@]}"
 }

@@ -1,6 +1,7 @@
 #include "daemon.h"
 #include "terminalprogram.h"
 
+#include <QElapsedTimer>
 #include <QProcess>
 #include <QTest>
 
@@ -15,6 +16,8 @@ private Q_SLOTS:
     void ethernetComesUpWithARealConnMan();
     void wifiComesUpWithoutARadio();
     void theDaemonGoesAwayAndComesBack();
+    void timePassesFaster();
+    void timeIsTheMachinesOtherwise();
     void itsShellCompletesTheClient();
     void inTheForegroundItShowsWhatIsUpAndEndsWhenAsked();
 
@@ -103,6 +106,32 @@ void TestInstrument::theDaemonGoesAwayAndComesBack()
                             "(The daemon ended with status 143; simulator/daemon start starts it "
                             "again.)\n"));
     QVERIFY(printed.contains("usage: daemon COMMAND"));
+}
+
+/** The charge is looked at every 10 s eleven times, and then every 300 s. */
+void TestInstrument::timePassesFaster()
+{
+    QElapsedTimer timer;
+    timer.start();
+    const QString printed = output(
+        {"--speed", "60", "bash", "-c",
+         TREE "/simulator/speed; cd /run/strandel-board && : >journal;"
+              "until [ $(grep -c getBatteryInfo journal) -ge 12 ]; do sleep 0.1; done;"
+              "echo 15 >battery/charge; until [ $(cat leds/BAT_RS1) = ON ]; do sleep 0.1; done;"
+              "kyboardctl battery status; kyboardctl ethernet connect && kyboardctl wifi scan"});
+    QCOMPARE(printed, QStringLiteral("60\nCHARGER_OFF_BAT_INF_20\nonline\n"
+                                     "Cafe       65 %  none\nGrumpy     50 %  psk\n"
+                                     "Hall       62 %  psk\nWorkshop   72 %  psk\n"));
+    QVERIFY2(timer.elapsed() < 60000, qPrintable(QString::number(timer.elapsed())));
+}
+
+void TestInstrument::timeIsTheMachinesOtherwise()
+{
+    QCOMPARE(
+        output({"sh", "-c",
+                TREE "/simulator/speed; tr '\\0' '\\n' </proc/$(pidof KyBoardManager)/environ | "
+                     "grep -e FAKETIME -e PRELOAD"}),
+        QStringLiteral("1\n"));
 }
 
 void TestInstrument::itsShellCompletesTheClient()

@@ -40,7 +40,8 @@ private Q_SLOTS:
     void anUnknownOptionIsRefused();
     void theTwoCommandsSayWhatTheyAre_data();
     void theTwoCommandsSayWhatTheyAre();
-    void runRefusesAnOptionThatThereIsNot();
+    void runRefusesWhatItDoesNotUnderstand_data();
+    void runRefusesWhatItDoesNotUnderstand();
 
 private:
     struct Result {
@@ -398,20 +399,33 @@ void TestWorld::theTwoCommandsSayWhatTheyAre()
     }
 }
 
-void TestWorld::runRefusesAnOptionThatThereIsNot()
+void TestWorld::runRefusesWhatItDoesNotUnderstand_data()
 {
-    for (const char *option : {"--bogus", "-x"}) {
-        QProcess command;
-        command.start(QDir::cleanPath(WORLD "/../..") + "/run", {option, "--", "true"});
-        QVERIFY(command.waitForFinished(20000));
-        QCOMPARE(command.exitCode(), 2);
-        const QString complaint = QString::fromUtf8(command.readAllStandardError());
-        QVERIFY2(complaint.startsWith(
-                     QStringLiteral("./run: there is no option '%1'\n").arg(QLatin1String(option))),
-                 qPrintable(complaint));
-        QVERIFY2(complaint.contains("\n  ./run -- COMMAND..."), qPrintable(complaint));
-        QCOMPARE(command.readAllStandardOutput(), QByteArray());
-    }
+    QTest::addColumn<QString>("complaint");
+    const auto row = [](const char *options, const char *complaint) {
+        QTest::newRow(options) << complaint;
+    };
+    row("--bogus", "there is no option '--bogus'");
+    row("-x", "there is no option '-x'");
+    row("--speed", "--speed: '--' is not a whole number from 1 to 60");
+    row("--speed 0", "--speed: '0' is not a whole number from 1 to 60");
+    row("--speed 61", "--speed: '61' is not a whole number from 1 to 60");
+    row("--speed fast", "--speed: 'fast' is not a whole number from 1 to 60");
+    row("--speed 2 --bogus", "there is no option '--bogus'");
+}
+
+void TestWorld::runRefusesWhatItDoesNotUnderstand()
+{
+    QFETCH(QString, complaint);
+    QProcess command;
+    command.start(QDir::cleanPath(WORLD "/../..") + "/run",
+                  QString(QTest::currentDataTag()).split(' ') + QStringList{"--", "true"});
+    QVERIFY(command.waitForFinished(20000));
+    QCOMPARE(command.exitCode(), 2);
+    const QString said = QString::fromUtf8(command.readAllStandardError());
+    QVERIFY2(said.startsWith("./run: " + complaint + '\n'), qPrintable(said));
+    QVERIFY2(said.contains("\n  ./run -- COMMAND..."), qPrintable(said));
+    QCOMPARE(command.readAllStandardOutput(), QByteArray());
 }
 
 QTEST_GUILESS_MAIN(TestWorld)
