@@ -33,7 +33,7 @@ bool holds(LinkCondition condition, const Link &link)
 void learn(Link &link, LinkEvent event, bool isTimeRepeated)
 {
     switch (event) {
-    case LinkEvent::TimeIsOver:
+    case LinkEvent::TimeJudged:
         link.isTimed = isTimeRepeated;
         break;
     case LinkEvent::DisconnectCalled:

@@ -43,7 +43,10 @@ const LinkRow rows[] = {
 
     // A list ends the scan; a connect judges the service that has the requested name.
     row({idle, scan, loaded}, Event::ServicesChanged, {stays, toNone}, Do::GiveList, Do::PowerOff),
-    row({all, connect, loaded}, Event::ServicesChanged, {}, Do::Judge),
+    row({~configuration, connect, loaded}, Event::ServicesChanged, {}, Do::Judge),
+    row({configuration, connect, loaded, When::TimeRuns}, Event::ServicesChanged, {}, Do::Judge),
+    row({configuration, connect, loaded, When::TimeIsOver}, Event::ServicesChanged, {}, Do::Judge,
+        Do::JudgeTime),
     row({all, connect}, Event::RequestedMissing, {toFailure, toNone}, Do::Announce),
     row({idle, connect}, Event::RequestedIdle, {toAssociation}, Do::Announce, Do::AskTechnology),
     row({association, connect}, Event::TechnologyIsUp, {toConfiguration}, Do::WatchService,
@@ -70,7 +73,8 @@ const LinkRow rows[] = {
         Do::PowerOff),
     row({~leaving, all, loaded}, Event::ServiceAddress, {toOnline}, Do::Announce),
 
-    // What is undecided at the end fails; the address of a service that is "ready" may still come.
+    // What is undecided at the end fails. The address of a service that is "ready" may still come;
+    // it is judged again at each change.
     row({all}, Event::TimeIsOver, {}, Do::Evaluate, Do::JudgeTime),
     row({idle | association, connect}, Event::TimeJudged, {toFailure, toNone}, Do::Announce),
     row({configuration, connect, either, When::RequestedIsNotReady}, Event::TimeJudged,

@@ -13,6 +13,9 @@ private Q_SLOTS:
     void afterAMinuteAReadyServiceIsTaken();
     void afterAMinuteAnOnlineServiceIsTaken();
     void afterAMinuteOfConfiguringAReadyServiceNothingIsDecided();
+    void afterAMinuteAServiceThatIsReadyNoMoreFails_data();
+    void afterAMinuteAServiceThatIsReadyNoMoreFails();
+    void afterAMinuteAReadyServiceMayGetItsAddress();
     void afterAMinuteOfConfiguringAnotherServiceFails_data();
     void afterAMinuteOfConfiguringAnotherServiceFails();
     void onlineByTheServiceEndsTheMinute_data();
@@ -151,6 +154,49 @@ void TestWifiAttempt::afterAMinuteOfConfiguringAReadyServiceNothingIsDecided()
     daemon.letTimePass(120);
     QCOMPARE(announced(), QStringList());
     QCOMPARE(trace(), records);
+}
+
+void TestWifiAttempt::afterAMinuteAServiceThatIsReadyNoMoreFails_data()
+{
+    QTest::addColumn<QString>("serviceState");
+    for (const char *name : {"idle", "failure", "association", "configuration", "disconnect", ""})
+        QTest::newRow(*name ? name : "none") << name;
+}
+
+void TestWifiAttempt::afterAMinuteAServiceThatIsReadyNoMoreFails()
+{
+    QFETCH(QString, serviceState);
+    reach("configuration");
+    connman.storeProperty(lab, "State", "ready");
+    daemon.letTimePass(58);
+    QVERIFY(waitForTrace("timeoutMonitoring"));
+    QCOMPARE(announced(), QStringList());
+    orders();
+    const int records = trace().size();
+
+    announceService(serviceState);
+
+    QCOMPARE(announced(), QStringList{labFailure});
+    QCOMPARE(trace().mid(records), QStringList{"servicesChangedSlot OP:none failure Lab"});
+    // The radio is left alone, and another attempt may begin.
+    QCOMPARE(orders(), QStringList());
+    QCOMPARE(join(), QString("()"));
+    letModuleSwitch();
+    QCOMPARE(script.log(), (QStringList{"start 1", "end 1", "start 1", "end 1"}));
+}
+
+void TestWifiAttempt::afterAMinuteAReadyServiceMayGetItsAddress()
+{
+    reach("configuration");
+    connman.storeProperty(lab, "State", "ready");
+    daemon.letTimePass(58);
+    QVERIFY(waitForTrace("timeoutMonitoring"));
+
+    announceService("ready");
+    QCOMPARE(announced(), QStringList());
+    connman.setProperty(lab, "IPv4", address);
+
+    QCOMPARE(announced(), QStringList{online});
 }
 
 void TestWifiAttempt::onlineByTheServiceEndsTheMinute_data()
