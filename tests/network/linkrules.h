@@ -1,0 +1,16 @@
+#ifndef LINKRULES_H
+#define LINKRULES_H
+
+#include "linkexplorer.h"
+
+#include <vector>
+
+/** What holds for every step of a machine, whatever its surroundings do. */
+struct LinkRule {
+    const char *text;
+    bool (*holds)(const LinkOutcome &outcome, LinkKind kind);
+};
+
+extern const std::vector<LinkRule> linkRules;
+
+#endif
