@@ -1,4 +1,5 @@
 #include "busvalue.h"
+#include "limitedmap.h"
 #include "peer.h"
 #include "render.h"
 #include "require.h"
@@ -60,7 +61,13 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t *data, std::size_t size
     for (const QVariant &value : values)
         checkValue(value);
 
-    const QVariantMap sent = firstMap(Peer::instance().receive("a{sv}", choices));
+    const QVariantList map = Peer::instance().receive("a{sv}", choices);
+    const QVariantMap sent = firstMap(map);
+    const QVariantMap limited = limitedMap(map.value(0).value<QDBusArgument>());
+    for (auto entry = limited.constBegin(); entry != limited.constEnd(); ++entry)
+        require(render(plainValue(entry.value())) == render(plainValue(sent.value(entry.key()))),
+                "an entry is the one that was sent");
+    require(limited.uniqueKeys() == sent.uniqueKeys(), "a map within the limits is whole");
     for (const QVariant &value : sent)
         checkValue(value);
     const QVariantMap plain = plainMap(sent);

@@ -1,7 +1,9 @@
 #include "arguments.h"
 
 #include "error.h"
+#include "limitedmap.h"
 
+#include <QDBusArgument>
 #include <QDBusError>
 #include <QDBusMessage>
 
@@ -14,5 +16,16 @@ bool hasNoArguments(const QDBusMessage &message)
                        "'%3' (signature '%4')")
             .arg(message.member(), message.interface(), message.path(), message.signature());
     sendErrorReply(QDBusError::errorString(QDBusError::UnknownMethod), text, message);
+    return false;
+}
+
+bool hasMapWithinLimits(const QDBusMessage &message)
+{
+    const QVariant map = message.arguments().value(0);
+    if (map.userType() != qMetaTypeId<QDBusArgument>() ||
+        isWithinLimits(map.value<QDBusArgument>()))
+        return true;
+    sendErrorReply(QDBusError::errorString(QDBusError::LimitsExceeded),
+                   QStringLiteral("The map holds too many values"), message);
     return false;
 }

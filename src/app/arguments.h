@@ -12,4 +12,11 @@ class QDBusMessage;
  */
 bool hasNoArguments(const QDBusMessage &message);
 
+/**
+ * Whether the map in @p message, a call of a method that takes one, is within the limits of
+ * limitedMap(). Otherwise the method got an empty one, and the call is answered here with
+ * org.freedesktop.DBus.Error.LimitsExceeded.
+ */
+bool hasMapWithinLimits(const QDBusMessage &message);
+
 #endif

@@ -3,6 +3,7 @@
 #include "kycommgr.h"
 #include "kydevicemgr.h"
 #include "kyusermgr.h"
+#include "limitedmap.h"
 #include "logging.h"
 #include "receivelimits.h"
 #include "slotcache.h"
@@ -38,6 +39,7 @@ int main(int argc, char *argv[])
 
     QDBusConnection bus = QDBusConnection::systemBus();
     liftReceiveLimits(bus);
+    limitMaps();
 
     // All hardware and network initialisation happens here, before clients can know the name.
     QObject configRoot;

@@ -2,7 +2,21 @@
 
 #include "busvalue.h"
 
+const int mostOfFields = 65536;
 const int mostSurplus = 65536;
+
+bool canBeKept(const QVariantMap &fields)
+{
+    int room = mostOfFields;
+    for (const QVariant &value : fields) {
+        if (!value.isValid())
+            return false;
+        room -= sizeOnBus(value, room + 1);
+        if (room < 0)
+            return false;
+    }
+    return true;
+}
 
 QVariantMap keptRecord(const QVariantMap &map, const QVariantMap &fields)
 {
@@ -11,7 +25,7 @@ QVariantMap keptRecord(const QVariantMap &map, const QVariantMap &fields)
     // Of several entries with one key the last counts, as it does in a look-up.
     for (auto entry = map.constBegin(); entry != map.constEnd();
          entry = map.upperBound(entry.key())) {
-        if (fields.contains(entry.key()))
+        if (fields.contains(entry.key()) || !entry.value().isValid())
             continue;
         const int size = entry.key().toUtf8().size() + sizeOnBus(entry.value(), room + 1);
         if (size > room)

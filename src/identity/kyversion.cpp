@@ -41,7 +41,7 @@ void KyVersion::setEepromInstrument(const QVariantMap &map, const QDBusMessage &
 {
     m_instrument.clear();
     const QVariantMap fields = instrumentFields(map);
-    if (fields.isEmpty()) {
+    if (fields.isEmpty() || !canBeKept(fields)) {
         sendErrorReply(Error::Write, notValid, message);
         return;
     }
@@ -60,7 +60,7 @@ void KyVersion::setEepromMesure(const QVariantMap &map, const QDBusMessage &mess
 {
     m_measure.clear();
     const QVariantMap fields = measureFields(map);
-    if (fields.isEmpty()) {
+    if (fields.isEmpty() || !canBeKept(fields)) {
         sendErrorReply(Error::Write, notValid, message);
         return;
     }

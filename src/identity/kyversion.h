@@ -42,9 +42,9 @@ public Q_SLOTS:
     /**
      * Writes the instrument record; values are converted, not checked.
      *
-     * Error::m_write for a missing field, in which case nothing is written, for a failed write and
-     * for a write protection that cannot be restored; Error::m_initialisation for one that cannot
-     * be lifted.
+     * Error::m_write for a missing field and for fields that are too long to be kept (canBeKept()),
+     * in which cases nothing is written, for a failed write and for a write protection that cannot
+     * be restored; Error::m_initialisation for one that cannot be lifted.
      */
     void setEepromInstrument(const QVariantMap &map, const QDBusMessage &message);
 

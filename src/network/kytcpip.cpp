@@ -1,5 +1,6 @@
 #include "kytcpip.h"
 
+#include "arguments.h"
 #include "busfailure.h"
 #include "busvalue.h"
 #include "connman.h"
@@ -15,6 +16,8 @@ KyTcpIp::KyTcpIp(const QString &technology, const QString &interfaceName, QObjec
 
 void KyTcpIp::setIPv4(const QVariantMap &settings, const QDBusMessage &message)
 {
+    if (!hasMapWithinLimits(message))
+        return;
     const ConnmanObject technology =
         connman::findObject(connman::technologies(), QStringLiteral("Type"), m_parts.technology);
     if (technology.properties.value(QStringLiteral("Connected")).type() == QVariant::Bool)

@@ -16,6 +16,8 @@ KyWifi::KyWifi(QObject *parent)
 
 void KyWifi::connect(const QVariantMap &settings, const QDBusMessage &message)
 {
+    if (!hasMapWithinLimits(message))
+        return;
     m_station.call(LinkEvent::ConnectCalled, message, settings);
 }
 

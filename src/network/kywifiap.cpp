@@ -14,6 +14,8 @@ KyWifiAp::KyWifiAp(QObject *parent)
 
 void KyWifiAp::connect(const QVariantMap &parameters, const QDBusMessage &message)
 {
+    if (!hasMapWithinLimits(message))
+        return;
     m_accessPoint.call(LinkEvent::ConnectCalled, message, parameters);
 }
 

@@ -30,7 +30,8 @@ private:
     void beginAttack();
     void busy(const std::function<void()> &attack);
     void endAttack(qint64 longestMeanwhile);
-    QVariant large(const QString &kind) const;
+    QVariantMap enlarged(QVariantMap map, const QString &kind, const QString &key) const;
+    qint64 waitForTheBus(const QVariantMap &argument) const;
 
     qint64 m_process = 0;
     qint64 m_memoryBefore = 0;
@@ -67,10 +68,16 @@ QDBusMessage call(const char *path, const char *interface, const char *method,
     return message;
 }
 
-/** Another client, which asks for the active user again and again, on a connection of its own. */
+QDBusMessage getUser()
+{
+    return call("/KyConfigMgr", "Users", "getUser", {});
+}
+
+/** Another client, which makes a call again and again, on a connection of its own. */
 class OtherClient : public QThread
 {
 public:
+    explicit OtherClient(const QDBusMessage &message) : m_call(message) {}
     ~OtherClient() override { finish(); }
 
     /** Ends it; the longest time that it has waited for an answer, in ms, -1 where one was missing.
@@ -91,8 +98,7 @@ protected:
             while (!m_isOver && m_longest >= 0) {
                 QElapsedTimer timer;
                 timer.start();
-                const QDBusMessage reply = bus.call(call("/KyConfigMgr", "Users", "getUser", {}),
-                                                    QDBus::Block, longestWait);
+                const QDBusMessage reply = bus.call(m_call, QDBus::Block, longestWait);
                 m_longest = reply.type() == QDBusMessage::ReplyMessage
                                 ? qMax<qint64>(m_longest, timer.elapsed())
                                 : -1;
@@ -102,6 +108,7 @@ protected:
     }
 
 private:
+    const QDBusMessage m_call;
     std::atomic<bool> m_isOver{false};
     std::atomic<qint64> m_longest{0};
 };
@@ -135,11 +142,11 @@ void Deafness::busy(const std::function<void()> &attack)
 void Deafness::endAttack(qint64 longestMeanwhile)
 {
     QVERIFY2(longestMeanwhile >= 0, "another client was not answered meanwhile");
-    OtherClient other;
+    OtherClient other(getUser());
     QElapsedTimer timer;
     timer.start();
-    const QDBusMessage user = QDBusConnection::systemBus().call(
-        call("/KyConfigMgr", "Users", "getUser", {}), QDBus::Block, longestWait);
+    const QDBusMessage user =
+        QDBusConnection::systemBus().call(getUser(), QDBus::Block, longestWait);
     QCOMPARE(renderReply(user), QStringLiteral("(\"user1\")"));
     longestMeanwhile = qMax(longestMeanwhile, timer.elapsed());
     other.start();
@@ -160,19 +167,38 @@ void Deafness::endAttack(qint64 longestMeanwhile)
                       .arg(qMax(longestMeanwhile, afterwards)));
 }
 
-/** A value of nearly the size that the bus lets through. */
-QVariant Deafness::large(const QString &kind) const
+/** @p map, and what makes it nearly as large as the bus lets through: under @p key, or many keys.
+ */
+QVariantMap Deafness::enlarged(QVariantMap map, const QString &kind, const QString &key) const
 {
+    map.insert(key, 7);
     if (kind == QLatin1String("text"))
-        return QString(largeSize, QLatin1Char('x'));
-    if (kind == QLatin1String("bytes"))
-        return QByteArray(largeSize, 'x');
-    if (kind == QLatin1String("numbers"))
-        return QVariant::fromValue(QList<int>::fromVector(QVector<int>(largeSize / 4, 7)));
-    QVariantList variants;
-    for (int index = 0; index < largeSize / 8; ++index)
-        variants << 7;
-    return variants;
+        map[key] = QString(largeSize, QLatin1Char('x'));
+    else if (kind == QLatin1String("bytes"))
+        map[key] = QByteArray(largeSize, 'x');
+    else if (kind == QLatin1String("numbers"))
+        map[key] = QVariant::fromValue(QVector<int>(largeSize / 4, 7).toList());
+    else if (kind == QLatin1String("texts"))
+        map[key] = QStringList(QVector<QString>(largeSize / 8, "x").toList());
+    else if (kind == QLatin1String("variants"))
+        map[key] = QVector<QVariant>(largeSize / 8, 7).toList();
+    else
+        for (int index = 0; index < largeSize / 24; ++index)
+            map.insert(QString::number(index), 7);
+    return map;
+}
+
+/** How long another client waits for the bus while the bus alone deals with @p argument, in ms. */
+qint64 Deafness::waitForTheBus(const QVariantMap &argument) const
+{
+    const QString bus = QStringLiteral("org.freedesktop.DBus");
+    OtherClient other(QDBusMessage::createMethodCall(bus, "/org/freedesktop/DBus", bus, "GetId"));
+    other.start();
+    QDBusMessage message =
+        QDBusMessage::createMethodCall(bus, "/org/freedesktop/DBus", bus, "none");
+    message << argument;
+    QDBusConnection::systemBus().call(message, QDBus::Block, longestWait);
+    return other.finish();
 }
 
 void Deafness::largeCallsWhileTheDaemonIsBusy_data()
@@ -187,12 +213,12 @@ void Deafness::largeCallsWhileTheDaemonIsBusy()
     QFETCH(QString, kind);
     beginAttack();
     QList<QDBusPendingCall> replies;
-    const QVariant value = large(kind);
+    const QVariantMap map = enlarged({}, kind, "Extra");
 
     busy([&] {
         for (int number = 0; number < 3; ++number)
-            replies << QDBusConnection::systemBus().asyncCall(call(
-                "/KyDeviceMgr", "Version", "setEepromInstrument", {QVariantMap{{"Extra", value}}}));
+            replies << QDBusConnection::systemBus().asyncCall(
+                call("/KyDeviceMgr", "Version", "setEepromInstrument", {map}));
     });
 
     endAttack(0);
@@ -209,11 +235,12 @@ void Deafness::recordsOfLargeMaps_data()
     QTest::addColumn<QString>("kind");
     QTest::addColumn<QString>("instrumentKey");
     QTest::addColumn<QString>("measureKey");
-    for (const char *kind : {"text", "bytes", "numbers", "variants"}) {
+    QTest::addColumn<bool>("isTaken");
+    for (const char *kind : {"text", "bytes", "numbers", "texts", "variants", "entries"}) {
         QTest::addRow("surplus %s", kind) << QString(kind) << "Extra"
-                                          << "Extra";
+                                          << "Extra" << (qstrcmp(kind, "entries") != 0);
         QTest::addRow("field of %s", kind) << QString(kind) << "IrdSessionPassword"
-                                           << "AdjustementCoefficients";
+                                           << "AdjustementCoefficients" << false;
     }
 }
 
@@ -222,7 +249,7 @@ void Deafness::recordsOfLargeMaps()
     QFETCH(QString, kind);
     QFETCH(QString, instrumentKey);
     QFETCH(QString, measureKey);
-    const QVariant value = large(kind);
+    QFETCH(bool, isTaken);
     QVariantMap instrument;
     for (const char *key : {"Subsidiary", "Fabrication", "Brand", "Type", "Model", "SerialNumber",
                             "WarrantyNumber", "TroubleshootingTag", "RelaunchTag", "FirstPassTag",
@@ -232,23 +259,33 @@ void Deafness::recordsOfLargeMaps()
                         {"AdjustementDate", 1},
                         {"NextAdjustementDate", 1},
                         {"AdjustementCoefficients", 1}};
-    instrument.insert(instrumentKey, value);
-    measure.insert(measureKey, value);
+    instrument = enlarged(instrument, kind, instrumentKey);
+    measure = enlarged(measure, kind, measureKey);
     beginAttack();
-    OtherClient other;
+    const qint64 busAlone = waitForTheBus(measure);
+    QVERIFY(busAlone >= 0);
+    OtherClient other(getUser());
     other.start();
 
     const auto set = [](const char *method, const QVariantMap &map) {
         return renderReply(QDBusConnection::systemBus().call(
             call("/KyDeviceMgr", "Version", method, {map}), QDBus::Block, longestWait));
     };
+    const QString answer =
+        isTaken ? "()" : "com.orvendis.Strandel.BoardManager.Error.Write: Data not valid";
     for (int round = 0; round < 2; ++round) {
-        QCOMPARE(set("setEepromInstrument", instrument), QStringLiteral("()"));
-        // The EEPROM is smaller than that.
-        set("setEepromMesure", measure);
+        QCOMPARE(set("setEepromInstrument", instrument), answer);
+        QCOMPARE(set("setEepromMesure", measure), answer);
     }
 
-    endAttack(other.finish());
+    const qint64 longest = other.finish();
+    endAttack(longest);
+    // libdbus checks a message in the bus and again where it arrives, which takes longer there: the
+    // daemon may add a second to that.
+    QVERIFY2(longest < 3 * busAlone + 1000,
+             qPrintable(QStringLiteral("another client waited for %1 ms, the bus alone needs %2 ms")
+                            .arg(longest)
+                            .arg(busAlone)));
 }
 
 void Deafness::aConnManWithThousandsOfServices()

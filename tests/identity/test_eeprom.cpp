@@ -52,7 +52,9 @@ private Q_SLOTS:
     void getAfterASetReplacesTheCallersCrc();
     void getAfterASetReturnsEntriesThatAreNoFields();
     void entriesThatAreNoFieldsAreKeptUpTo64KiB();
-    void fieldsAreKeptWhateverTheirSize();
+    void fieldsAreKeptUpTo64KiB();
+    void aSetRefusesFieldsOfMoreThan64KiB_data();
+    void aSetRefusesFieldsOfMoreThan64KiB();
     void nothingOfARecordKeepsItsMessage();
     void fileDescriptorsAreNotKept();
     void emptySignaturesAreNotKept();
@@ -568,16 +570,60 @@ void TestEeprom::entriesThatAreNoFieldsAreKeptUpTo64KiB()
     }
 }
 
-void TestEeprom::fieldsAreKeptWhateverTheirSize()
+void TestEeprom::fieldsAreKeptUpTo64KiB()
 {
     QVERIFY(daemon.start());
-    QVariantMap record = instrumentRecord();
-    record["SerialNumber"] = QByteArray(1000000, 'x');
-    record["IrdSessionPassword"] = QString(1000000, 'y');
+    // 8 bytes for each of the other eleven fields, and for the length of this one.
+    QVariantMap record;
+    for (const QString &field : instrumentRecord().keys())
+        record[field] = 1;
+    record["SerialNumber"] = QByteArray(65536 - 12 * 8, 'x');
     QCOMPARE(version.call(setInstrument, {record}), done);
     QCOMPARE(recordOf(getInstrument).value("SerialNumber"), record.value("SerialNumber"));
-    QCOMPARE(recordOf(getInstrument).value("IrdSessionPassword"),
-             record.value("IrdSessionPassword"));
+    QVariantMap measure{{"AdjustementSite", 1}, {"AdjustementDate", 1}, {"NextAdjustementDate", 1}};
+    measure["AdjustementCoefficients"] = QByteArray(65536 - 4 * 8, 'x');
+    QCOMPARE(version.call(setMeasure, {measure}), notWritten);
+    QVERIFY(recordOf(getMeasure).value("CRC").toBool());
+}
+
+void TestEeprom::aSetRefusesFieldsOfMoreThan64KiB_data()
+{
+    QTest::addColumn<QVariant>("value");
+    QTest::newRow("text") << QVariant(QString(65536 - 12 * 8 + 1, 'x'));
+    QTest::newRow("bytes") << QVariant(QByteArray(65536 - 12 * 8 + 1, 'x'));
+    QTest::newRow("a million numbers")
+        << QVariant::fromValue(QList<uint>::fromVector(QVector<uint>(1000000, 1)));
+    QVariantList list;
+    for (int index = 0; index < 20000; ++index)
+        list << index;
+    QTest::newRow("20,000 variants") << QVariant(list);
+}
+
+void TestEeprom::aSetRefusesFieldsOfMoreThan64KiB()
+{
+    QFETCH(QVariant, value);
+    QVERIFY(daemon.start());
+    QVERIFY(version.call(getInstrument).startsWith('('));
+    QVERIFY(version.call(getMeasure).startsWith('('));
+    QVariantMap instrument;
+    for (const QString &field : instrumentRecord().keys())
+        instrument[field] = 1;
+    instrument["IrdSessionPassword"] = value;
+    // It has 8 fields fewer.
+    QVariantMap measure{{"AdjustementSite", QByteArray(8 * 8, 'x')},
+                        {"AdjustementDate", 1},
+                        {"NextAdjustementDate", 1},
+                        {"AdjustementCoefficients", value}};
+    const QStringList before = calls();
+
+    QCOMPARE(version.call(setInstrument, {instrument}), notValid);
+    QCOMPARE(version.call(setMeasure, {measure}), notValid);
+
+    QCOMPARE(calls(), before);
+    // As after every set that is refused.
+    version.call(getInstrument);
+    version.call(getMeasure);
+    QCOMPARE(calls().filter("readEeprom").size(), before.filter("readEeprom").size() + 2);
 }
 
 void TestEeprom::nothingOfARecordKeepsItsMessage()
@@ -839,7 +885,7 @@ void TestEeprom::moreCoefficientsThanTheEepromHoldsAreAWriteError()
     const QByteArray before = Board::bytes("eeprom/measure");
     QVariantMap map = measureRecord();
     map["AdjustementCoefficients"] =
-        QVariant::fromValue(QList<uint>::fromVector(QVector<uint>(200000, 1)));
+        QVariant::fromValue(QList<uint>::fromVector(QVector<uint>(8000, 1)));
 
     QCOMPARE(version.call(setMeasure, {map}), notWritten);
 

@@ -22,8 +22,8 @@ private Q_SLOTS:
     void incompleteMapsAreRefused();
     void anyTypeUnderEveryKeyIsTaken_data();
     void anyTypeUnderEveryKeyIsTaken();
-    void mapsOfAnySizeAreTaken_data();
-    void mapsOfAnySizeAreTaken();
+    void mapsUpTo64KiBAreTaken_data();
+    void mapsUpTo64KiBAreTaken();
 
 private:
     QString call(const QString &method, const QString &values);
@@ -296,25 +296,25 @@ void TestSweepIdentity::anyTypeUnderEveryKeyIsTaken()
     QCOMPARE(calls().filter("KyEeprom.writeEeprom"), QStringList());
 }
 
-void TestSweepIdentity::mapsOfAnySizeAreTaken_data()
+void TestSweepIdentity::mapsUpTo64KiBAreTaken_data()
 {
     QTest::addColumn<QVariant>("value");
-    QTest::newRow("text of a million characters") << QVariant(QString(1000000, 'x'));
-    QTest::newRow("number of 100,000 digits") << QVariant(QString(100000, '9'));
-    QTest::newRow("three million bytes") << QVariant(QByteArray(3000000, '\x80'));
+    QTest::newRow("text of 60,000 characters") << QVariant(QString(60000, 'x'));
+    QTest::newRow("number of 60,000 digits") << QVariant(QString(60000, '9'));
+    QTest::newRow("60,000 bytes") << QVariant(QByteArray(60000, '\x80'));
     QVariantList list;
-    for (int index = 0; index < 20000; ++index)
+    for (int index = 0; index < 8000; ++index)
         list << index;
-    QTest::newRow("list of 20,000 variants") << QVariant(list);
-    QTest::newRow("a million numbers")
-        << QVariant::fromValue(QList<uint>::fromVector(QVector<uint>(1000000, 1)));
+    QTest::newRow("list of 8,000 variants") << QVariant(list);
+    QTest::newRow("8,000 numbers")
+        << QVariant::fromValue(QList<uint>::fromVector(QVector<uint>(8000, 1)));
     QVariantMap map;
-    for (int index = 0; index < 20000; ++index)
+    for (int index = 0; index < 3000; ++index)
         map.insert(QString::number(index), index);
-    QTest::newRow("map of 20,000 entries") << QVariant(map);
+    QTest::newRow("map of 3,000 entries") << QVariant(map);
 }
 
-void TestSweepIdentity::mapsOfAnySizeAreTaken()
+void TestSweepIdentity::mapsUpTo64KiBAreTaken()
 {
     QFETCH(QVariant, value);
     startAndReadRecords();

@@ -1,0 +1,213 @@
+#include "limitedmap.h"
+
+#include "busvalue.h"
+#include "daemontest.h"
+#include "render.h"
+#include "wire.h"
+
+#include <QDBusArgument>
+#include <QDBusConnection>
+#include <QDBusMessage>
+#include <QTimer>
+
+/** Callers' maps are read up to a limit, whatever they are made of. */
+class TestLimitedMap : public DaemonTest
+{
+    Q_OBJECT
+
+public Q_SLOTS:
+    void keep(const QDBusMessage &message);
+
+private Q_SLOTS:
+    void initTestCase();
+
+    void aValueIsReadUpToTheLimit_data();
+    void aValueIsReadUpToTheLimit();
+    void aTextOfAnyLengthIsRead();
+    void otherEntriesAreReadAllTheSame();
+    void ofSeveralEntriesOfAKeyTheLastCounts();
+    void aMapIsReadUpToTheLimit();
+    void manyLongValuesAreTooMany();
+    void theArgumentCanBeReadAgain();
+
+    void methodsRefuseAMapOfTooManyValues_data();
+    void methodsRefuseAMapOfTooManyValues();
+
+private:
+    QDBusArgument receive(const QString &values);
+
+    Wire sender;
+    QVariantList received;
+    const QString path = QStringLiteral("/values");
+    const QString interface = QStringLiteral("com.orvendis.Strandel.Values");
+    const QString member = QStringLiteral("value");
+};
+
+namespace
+{
+QString times(int count, const char *unit)
+{
+    return QString::fromLatin1(unit).repeated(count);
+}
+
+/** An a{sv} of @p count numbers. */
+QString manyEntries(int count)
+{
+    return QStringLiteral("a{sv} %1").arg(count) + times(count, " k i 1");
+}
+} // namespace
+
+void TestLimitedMap::keep(const QDBusMessage &message)
+{
+    received = message.arguments();
+}
+
+void TestLimitedMap::initTestCase()
+{
+    QVERIFY(QDBusConnection::systemBus().connect(sender.name(), path, interface, member, this,
+                                                 SLOT(keep(QDBusMessage))));
+}
+
+/** The one value of a message, as Qt D-Bus reads it before anybody looks at it. */
+QDBusArgument TestLimitedMap::receive(const QString &values)
+{
+    received.clear();
+    sender.signal(path, interface, member, values);
+    QTimer deadline;
+    deadline.setSingleShot(true);
+    deadline.start(10000);
+    while (received.isEmpty() && deadline.isActive())
+        QCoreApplication::processEvents(QEventLoop::WaitForMoreEvents);
+    return received.value(0).value<QDBusArgument>();
+}
+
+void TestLimitedMap::aValueIsReadUpToTheLimit_data()
+{
+    QTest::addColumn<QString>("type");
+    QTest::addColumn<QString>("element");
+    QTest::addColumn<int>("most");
+    const auto row = [](const char *type, const char *element, int most) {
+        QTest::newRow(type) << QString(type) << QString(element) << most;
+    };
+    // The variant around it and the array count, too.
+    row("av", " i 7", 8190);
+    row("ai", " 7", 8190);
+    row("as", " text", 8190);
+    row("aay", " 2 1 2", 8190);
+    row("ay", " 7", 100000);
+    row("a{su}", " k 7", 4095);
+    row("a(ii)", " 1 2", 2730);
+    row("aai", " 1 7", 4095);
+    row("a{sv}", " k ai 1 7", 2047);
+    row("aas", " 1 text", 4095);
+}
+
+void TestLimitedMap::aValueIsReadUpToTheLimit()
+{
+    QFETCH(QString, type);
+    QFETCH(QString, element);
+    QFETCH(int, most);
+    const auto list = [&](int count) {
+        return QStringLiteral("a{sv} 1 key %1 %2").arg(type).arg(count) + element.repeated(count);
+    };
+
+    QVERIFY(limitedMap(receive(list(most))).value("key").isValid());
+    if (type == "ay")
+        return;
+    const QVariantMap longer = limitedMap(receive(list(most + 1)));
+    QCOMPARE(longer.keys(), QStringList("key"));
+    QVERIFY(!longer.value("key").isValid());
+}
+
+void TestLimitedMap::aTextOfAnyLengthIsRead()
+{
+    const QVariantMap map = limitedMap(receive("a{sv} 1 key s " + QString(1000000, 'x')));
+    QCOMPARE(map.value("key"), QVariant(QString(1000000, 'x')));
+}
+
+void TestLimitedMap::otherEntriesAreReadAllTheSame()
+{
+    const QDBusArgument argument =
+        receive("a{sv} 4 a i 1 long av 10000" + times(10000, " y 7") + " b v v i 2 c as 2 x y");
+    const QVariantMap map = limitedMap(argument);
+    QVariantMap whole = qdbus_cast<QVariantMap>(argument);
+    QCOMPARE(map.keys(), whole.keys());
+    QVERIFY(!map.value("long").isValid());
+    for (const char *key : {"a", "b", "c"})
+        QCOMPARE(render(plainValue(map.value(key))), render(plainValue(whole.value(key))));
+    QCOMPARE(plainValue(map.value("b")), QVariant(2));
+}
+
+void TestLimitedMap::ofSeveralEntriesOfAKeyTheLastCounts()
+{
+    const QVariantMap map = limitedMap(receive("a{sv} 3 a i 1 b i 2 a i 3"));
+    QCOMPARE(map, (QVariantMap{{"a", 3}, {"b", 2}}));
+}
+
+void TestLimitedMap::aMapIsReadUpToTheLimit()
+{
+    // A key and a value each.
+    const QDBusArgument whole = receive(manyEntries(65536));
+    QVERIFY(isWithinLimits(whole));
+    QCOMPARE(limitedMap(whole), (QVariantMap{{"k", 1}}));
+    const QDBusArgument longer = receive(manyEntries(65537));
+    QVERIFY(!isWithinLimits(longer));
+    QCOMPARE(limitedMap(longer), QVariantMap());
+}
+
+void TestLimitedMap::manyLongValuesAreTooMany()
+{
+    const QString list = " k ai 10000" + times(10000, " 7");
+    QVERIFY(isWithinLimits(receive("a{sv} 15" + list.repeated(15))));
+    QVERIFY(!isWithinLimits(receive("a{sv} 16" + list.repeated(16))));
+}
+
+void TestLimitedMap::theArgumentCanBeReadAgain()
+{
+    const QDBusArgument argument = receive("a{sv} 2 a as 2 x y b av 1 i 1");
+    QVERIFY(isWithinLimits(argument));
+    const QVariantMap first = limitedMap(argument);
+    QCOMPARE(first.value("a").toStringList(), (QStringList{"x", "y"}));
+    QCOMPARE(limitedMap(argument).value("a"), first.value("a"));
+    QCOMPARE(qdbus_cast<QVariantMap>(argument).keys(), (QStringList{"a", "b"}));
+}
+
+void TestLimitedMap::methodsRefuseAMapOfTooManyValues_data()
+{
+    QTest::addColumn<QString>("object");
+    QTest::addColumn<QString>("method");
+    QTest::addColumn<QString>("answer");
+    const QString tooMany =
+        "org.freedesktop.DBus.Error.LimitsExceeded: The map holds too many values";
+    const QString notValid = "com.orvendis.Strandel.BoardManager.Error.Write: Data not valid";
+    const auto row = [](const char *objectPath, const char *method, const QString &answer) {
+        QTest::newRow(method) << QString(objectPath) << QString(method) << answer;
+    };
+    row("/KyComMgr", "Ethernet.setIPv4", tooMany);
+    row("/KyComMgr", "WIFI.setIPv4", tooMany);
+    row("/KyComMgr", "WIFI.connect", tooMany);
+    row("/KyComMgr", "WIFIAP.setIPv4", tooMany);
+    row("/KyComMgr", "WIFIAP.connect", tooMany);
+    row("/KyDeviceMgr", "Version.setEepromInstrument", notValid);
+    row("/KyDeviceMgr", "Version.setEepromMesure", notValid);
+}
+
+void TestLimitedMap::methodsRefuseAMapOfTooManyValues()
+{
+    QFETCH(QString, object);
+    QFETCH(QString, method);
+    QFETCH(QString, answer);
+    QVERIFY(daemon.start());
+    SignalRecorder announced(object);
+    static const QString tooMuch = manyEntries(65537);
+    const QString service = QStringLiteral("com.orvendis.Strandel.BoardManager");
+    const QString name = service + '.' + method.section('.', 0, 0);
+
+    QCOMPARE(sender.call(service, object, name, method.section('.', 1), manyEntries(65537)),
+             answer);
+
+    QCOMPARE(announced.recorded(), QStringList());
+}
+
+WORLD_TEST_MAIN(TestLimitedMap)
+#include "test_limitedmap.moc"
