@@ -67,7 +67,9 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t *data, std::size_t size
     for (auto entry = limited.constBegin(); entry != limited.constEnd(); ++entry)
         require(render(plainValue(entry.value())) == render(plainValue(sent.value(entry.key()))),
                 "an entry is the one that was sent");
-    require(limited.uniqueKeys() == sent.uniqueKeys(), "a map within the limits is whole");
+    QStringList keys = sent.keys();
+    keys.removeDuplicates();
+    require(limited.keys() == keys, "a map within the limits is whole");
     for (const QVariant &value : sent)
         checkValue(value);
     const QVariantMap plain = plainMap(sent);
