@@ -3,7 +3,7 @@
 #include "boardrevision.h"
 #include "brightnesslevels.h"
 #include "choices.h"
-#include "error.h"
+#include "errorcode.h"
 #include "ledpattern.h"
 #include "require.h"
 #include "screenmodel.h"
@@ -12,9 +12,9 @@ namespace
 {
 void checkBattery(Choices &choices)
 {
-    cmeter_data measurement = {};
-    measurement.charge = static_cast<decltype(measurement.charge)>(choices.number());
-    measurement.flag = static_cast<decltype(measurement.flag)>(choices.number());
+    BatteryMeasurement measurement = {};
+    measurement.charge = static_cast<int>(choices.number());
+    measurement.isCharging = static_cast<unsigned char>(choices.number()) != 0;
     const auto status =
         batteryStatus(choices.oneIn(2), static_cast<int>(choices.number()), measurement);
     require(!batteryGaugePattern(status).isEmpty(), "every status shows on the gauge");
@@ -63,7 +63,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t *data, std::size_t size
     const auto model = static_cast<quint16>(choices.number());
     require(hasScreen(QString::number(model, 16)) == (model == 0x8345 || model == 0x8347),
             "two models have a screen");
-    require(libraryModel(model) >= 0, "every model has a number in the library");
+    require(libraryModel(model) <= 3, "every model has a number in the library");
     hasScreen(QString::fromStdString(choices.text()));
     return 0;
 }

@@ -3,12 +3,13 @@ other variants of some of it."""
 
 import json
 import os
+import re
 import shlex
 import signal
 import subprocess
 import threading
 
-LIBRARY = 'src/libboardmanager.a'
+LIBRARIES = ['src/libboardlogic.a', 'src/libbusvalues.a', 'src/libboardmanager.a']
 DAEMON = 'src/KyBoardManager'
 TREE = os.path.dirname(os.path.dirname(os.path.abspath(__file__)))
 
@@ -36,10 +37,15 @@ class Build:
                               stderr=subprocess.DEVNULL).returncode
 
     def object_of(self, file):
-        """The object file of a source of the daemon, as it is called in the library."""
-        name = os.path.splitext(os.path.relpath(file, 'src'))[0]
-        target = 'KyBoardManager' if name == 'app/main' else 'boardmanager'
-        return f'src/CMakeFiles/{target}.dir/{name}.cpp.o'
+        """The object file of a source of the daemon, as it is called in its library."""
+        command = shlex.split(self.compile_commands[os.path.join(TREE, file)])
+        return command[command.index('-o') + 1]
+
+    def library_of(self, file):
+        """The library that a source of the daemon is in; None for that of the program itself."""
+        target = re.search(r'/CMakeFiles/(\w+)\.dir/', self.object_of(file)).group(1)
+        library = f'src/lib{target}.a'
+        return library if library in LIBRARIES else None
 
     def compile(self, file, source, compiled, options):
         """Compiles the source as the given file of the tree is, with other options for the code."""
@@ -63,11 +69,11 @@ class Build:
             raise RuntimeError('cannot link ' + target)
 
     def holds_library(self, program, objects=None):
-        """Whether a program contains code of the daemon's library, or of some of its objects."""
+        """Whether a program contains code of the daemon's libraries, or of some of their objects."""
         if not os.path.exists(self.path(program)):
             return False
         wanted = set()
-        for name in objects or [LIBRARY]:
+        for name in objects or LIBRARIES:
             wanted |= self.defined(name)
         return bool(wanted & self.defined(program))
 

@@ -1,71 +1,9 @@
 #ifndef ERROR_H
 #define ERROR_H
 
-#include <QString>
+#include "errorcode.h"
 
 class QDBusMessage;
-
-/**
- * The names and codes of the daemon's error replies.
- *
- * Internal operations hand a code around as int, 0 meaning success; the wire name is looked up
- * when the reply is sent.
- */
-class Error
-{
-public:
-    enum Code {
-        None = 0,
-        Undefined = 1,
-        InvalidArgument = 2,
-        ServiceUnreachable = 3,
-        Process = 4,
-        Read = 5,
-        Write = 6,
-        Configuration = 7,
-        Initialisation = 8,
-    };
-
-    static const QString m_none;
-    static const QString m_undefined;
-    static const QString m_invalidArgument;
-    static const QString m_serviceUnreachable;
-    static const QString m_process;
-    static const QString m_read;
-    static const QString m_write;
-    static const QString m_configuration;
-    static const QString m_initialisation;
-
-    /** The D-Bus error name of @p code; the name of Undefined for any code outside 0 to 8. */
-    static QString nameOf(int code);
-
-    /** The code of the D-Bus error name @p name, compared exactly; Undefined for any other text. */
-    static int codeOf(const QString &name);
-};
-
-/** A row of a method's table of failures: the text that goes with an error code. */
-struct ErrorText {
-    int code;
-    const char *text;
-};
-
-/** The sentence that ends the text of every failure that a method has no row for. */
-extern const char unhandledError[];
-
-/**
- * The text of @p code in a method's table of failures.
- *
- * @param unexpected the text for a code that the table does not hold
- */
-template <size_t Rows>
-QString errorText(int code, const ErrorText (&table)[Rows], const QString &unexpected)
-{
-    for (const ErrorText &row : table) {
-        if (row.code == code)
-            return QString::fromLatin1(row.text);
-    }
-    return unexpected;
-}
 
 /**
  * Answers @p message at once, on the system bus, with an error reply.

@@ -1,16 +1,49 @@
 #ifndef BATTERYSTATUS_H
 #define BATTERYSTATUS_H
 
-#include "kyalimentation.h"
+#include <QObject>
+
+/** The battery statuses. Their names are part of the interface. */
+class Battery
+{
+    Q_GADGET
+    Q_ENUMS(Status)
+
+public:
+    /** A name that ends in a number covers charges up to and including that percentage. */
+    enum Status {
+        CHARGER_OFF_UNKNOWN_BAT = 0,
+        CHARGER_ON_NO_BAT = 1,
+        CHARGER_OFF_BAT_PRWT = 2,
+        CHARGER_OFF_BAT_INF_20 = 3,
+        CHARGER_OFF_BAT_INF_40 = 4,
+        CHARGER_OFF_BAT_INF_60 = 5,
+        CHARGER_OFF_BAT_INF_80 = 6,
+        CHARGER_OFF_BAT_INF_100 = 7,
+        CHARGER_ON_BAT_INF_20 = 8,
+        CHARGER_ON_BAT_INF_40 = 9,
+        CHARGER_ON_BAT_INF_60 = 10,
+        CHARGER_ON_BAT_INF_80 = 11,
+        CHARGER_ON_BAT_INF_100 = 12,
+        CHARGER_ON_BAT_FULL = 13,
+    };
+};
+
+/** What the charge meter measured. */
+struct BatteryMeasurement {
+    /** Charging has not ended; meaningful with the charger present and @ref charge >= 0. */
+    bool isCharging;
+    /** In percent, negative while the battery is being charged; may be any number. */
+    int charge;
+};
 
 /**
- * The battery status that a measurement stands for.
+ * The battery status that @p measurement stands for.
  *
  * @param meterType the type of charge meter fitted; with the charger present only types 1 and 2
  *        tell how full the battery is
- * @param measurement its charge may be any number
  */
-KyAlimentation::BatteryStatus batteryStatus(bool chargerPresent, int meterType,
-                                            const cmeter_data &measurement);
+Battery::Status batteryStatus(bool chargerPresent, int meterType,
+                              const BatteryMeasurement &measurement);
 
 #endif

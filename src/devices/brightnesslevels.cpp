@@ -1,6 +1,6 @@
 #include "brightnesslevels.h"
 
-#include "error.h"
+#include "errorcode.h"
 
 namespace
 {

@@ -1,6 +1,5 @@
 #include "kyalimentation.h"
 
-#include "batterystatus.h"
 #include "enumnames.h"
 #include "kysocmanager.h"
 
@@ -46,7 +45,7 @@ QString KyAlimentation::readBatteryStatus()
         m_chargerPresent = present;
         m_batmonitor.update(present);
     }
-    QString status = enumName(registeredEnum(staticMetaObject, "BatteryStatus"), measure());
+    QString status = enumName(registeredEnum(Battery::staticMetaObject, "Status"), measure());
     if (changed)
         Q_EMIT batteryStatus(status);
     return status;
@@ -86,7 +85,8 @@ KyAlimentation::BatteryStatus KyAlimentation::measure()
     const int meterType = m_batmonitor.getCmeterType();
     cmeter_data measurement = {};
     if (m_batmonitor.getBatteryInfo(&measurement) != 0)
-        return CHARGER_OFF_UNKNOWN_BAT;
+        return Battery::CHARGER_OFF_UNKNOWN_BAT;
     m_batteryVoltage = measurement.voltage;
-    return ::batteryStatus(m_chargerPresent, meterType, measurement);
+    return ::batteryStatus(m_chargerPresent, meterType,
+                           {measurement.flag != 0, measurement.charge});
 }

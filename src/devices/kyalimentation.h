@@ -1,6 +1,7 @@
 #ifndef KYALIMENTATION_H
 #define KYALIMENTATION_H
 
+#include "batterystatus.h"
 #include "introspection/Alimentation.h"
 #include "kybatmonitor.h"
 
@@ -21,7 +22,6 @@ class KyAlimentation : public QDBusAbstractAdaptor
     Q_OBJECT
     Q_CLASSINFO("D-Bus Interface", "com.orvendis.Strandel.BoardManager.Alimentation")
     Q_CLASSINFO("D-Bus Introspection", INTROSPECTION_ALIMENTATION)
-    Q_ENUMS(BatteryStatus)
     /**
      * The name of the present status. Reading it measures; when the charger came or went since the
      * last measurement, the signal of the same name is sent, too.
@@ -29,23 +29,7 @@ class KyAlimentation : public QDBusAbstractAdaptor
     Q_PROPERTY(QString batteryStatus READ readBatteryStatus)
 
 public:
-    /** A name that ends in a number covers charges up to and including that percentage. */
-    enum BatteryStatus {
-        CHARGER_OFF_UNKNOWN_BAT = 0,
-        CHARGER_ON_NO_BAT = 1,
-        CHARGER_OFF_BAT_PRWT = 2,
-        CHARGER_OFF_BAT_INF_20 = 3,
-        CHARGER_OFF_BAT_INF_40 = 4,
-        CHARGER_OFF_BAT_INF_60 = 5,
-        CHARGER_OFF_BAT_INF_80 = 6,
-        CHARGER_OFF_BAT_INF_100 = 7,
-        CHARGER_ON_BAT_INF_20 = 8,
-        CHARGER_ON_BAT_INF_40 = 9,
-        CHARGER_ON_BAT_INF_60 = 10,
-        CHARGER_ON_BAT_INF_80 = 11,
-        CHARGER_ON_BAT_INF_100 = 12,
-        CHARGER_ON_BAT_FULL = 13,
-    };
+    using BatteryStatus = Battery::Status;
 
     /** Tells the monitor whether the charger is connected and starts the periodic check. */
     explicit KyAlimentation(QObject *parent);

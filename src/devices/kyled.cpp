@@ -8,12 +8,12 @@ namespace
 {
 QMetaEnum ledNames()
 {
-    return registeredEnum(KyLED::staticMetaObject, "Led");
+    return registeredEnum(Leds::staticMetaObject, "Led");
 }
 
 QMetaEnum stateNames()
 {
-    return registeredEnum(KyLED::staticMetaObject, "State");
+    return registeredEnum(Leds::staticMetaObject, "State");
 }
 
 /** An LED or a state of one, by its name as a text that need not be made again for each reply. */
@@ -38,16 +38,16 @@ QString stateName(e_led_state state)
         if (known.value == static_cast<int>(state))
             return known.name;
     }
-    return enumName(stateNames(), KyLED::UNKNOWN);
+    return enumName(stateNames(), Leds::UNKNOWN);
 }
 
-std::optional<KyAlimentation::BatteryStatus> batteryStatusNamed(const QString &name)
+std::optional<Battery::Status> batteryStatusNamed(const QString &name)
 {
     const std::optional<int> value =
-        enumValue(registeredEnum(KyAlimentation::staticMetaObject, "BatteryStatus"), name);
+        enumValue(registeredEnum(Battery::staticMetaObject, "Status"), name);
     if (!value)
         return std::nullopt;
-    return static_cast<KyAlimentation::BatteryStatus>(*value);
+    return static_cast<Battery::Status>(*value);
 }
 } // namespace
 
@@ -88,7 +88,7 @@ QVariantMap KyLED::getLEDStatus()
 
 void KyLED::prepareForShutdown()
 {
-    show({{POWER_G, OFF}, {POWER_Y, BLINK_3HZ}});
+    show({{Leds::POWER_G, Leds::OFF}, {Leds::POWER_Y, Leds::BLINK_3HZ}});
 }
 
 void KyLED::handleAlimentation(const QString &status)
@@ -106,7 +106,7 @@ void KyLED::handlePowerButton(const QString &status)
 void KyLED::handleStorage(const QString &device, bool isMounted)
 {
     if (device == QLatin1String("SD"))
-        show({{SD_STATUS, isMounted ? ON : OFF}});
+        show({{Leds::SD_STATUS, isMounted ? Leds::ON : Leds::OFF}});
 }
 
 void KyLED::show(const QVector<LedSetting> &settings)

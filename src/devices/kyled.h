@@ -3,6 +3,7 @@
 
 #include "introspection/LED.h"
 #include "kyleds.h"
+#include "leds.h"
 
 #include <QDBusAbstractAdaptor>
 #include <QString>
@@ -24,41 +25,16 @@ class KyLED : public QDBusAbstractAdaptor
     Q_OBJECT
     Q_CLASSINFO("D-Bus Interface", "com.orvendis.Strandel.BoardManager.LED")
     Q_CLASSINFO("D-Bus Introspection", INTROSPECTION_LED)
-    Q_ENUMS(Led State)
 
 public:
-    /** The LEDs, by the board library's numbers. */
-    enum Led {
-        BAT_RS1 = LED_BAT_RS1,
-        BAT_GS1 = LED_BAT_GS1,
-        BAT_GS2 = LED_BAT_GS2,
-        BAT_GS3 = LED_BAT_GS3,
-        BAT_GS4 = LED_BAT_GS4,
-        BAT_GS5 = LED_BAT_GS5,
-        UTC_SYNC = LED_UTC_SYNC,
-        RECORDING = LED_RECORDING,
-        BT = LED_BT,
-        WIFI = LED_WIFI,
-        WPS = LED_WPS,
-        POWER_Y = LED_POWER_Y,
-        POWER_G = LED_POWER_G,
-        SD_STATUS = LED_SD_STATUS,
-    };
-
-    /** What an LED shows, by the board library's numbers. */
-    enum State {
-        OFF = LED_OFF,
-        BLINK_1HZ = LED_BLINK_1HZ,
-        BLINK_3HZ = LED_BLINK_3HZ,
-        ON = LED_ON,
-        UNKNOWN = LED_UNKNOWN,
-    };
+    using Led = Leds::Led;
+    using State = Leds::State;
 
     /** Changes no LED. */
     explicit KyLED(QObject *parent);
 
     /**
-     * Makes the battery gauge show @p status, a name of KyAlimentation::BatteryStatus; any other
+     * Makes the battery gauge show @p status, a name of Battery::Status; any other
      * text changes nothing. Failures of the hardware are ignored.
      */
     void handleAlimentation(const QString &status);

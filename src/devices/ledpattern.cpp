@@ -2,23 +2,23 @@
 
 namespace
 {
-const KyLED::State OFF = KyLED::OFF;
-const KyLED::State BLINK_1HZ = KyLED::BLINK_1HZ;
-const KyLED::State BLINK_3HZ = KyLED::BLINK_3HZ;
-const KyLED::State ON = KyLED::ON;
+const Leds::State OFF = Leds::OFF;
+const Leds::State BLINK_1HZ = Leds::BLINK_1HZ;
+const Leds::State BLINK_3HZ = Leds::BLINK_3HZ;
+const Leds::State ON = Leds::ON;
 
 // The columns of the table of the battery gauge, and those of the power button.
-const KyLED::Led gaugeLeds[] = {KyLED::BAT_RS1, KyLED::BAT_GS1, KyLED::BAT_GS2,
-                                KyLED::BAT_GS3, KyLED::BAT_GS4, KyLED::BAT_GS5};
-const KyLED::Led buttonLeds[] = {KyLED::POWER_G, KyLED::POWER_Y};
+const Leds::Led gaugeLeds[] = {Leds::BAT_RS1, Leds::BAT_GS1, Leds::BAT_GS2,
+                               Leds::BAT_GS3, Leds::BAT_GS4, Leds::BAT_GS5};
+const Leds::Led buttonLeds[] = {Leds::POWER_G, Leds::POWER_Y};
 
 const int gaugeColumns = sizeof gaugeLeds / sizeof gaugeLeds[0];
 const int buttonColumns = sizeof buttonLeds / sizeof buttonLeds[0];
 
 /** What the LEDs show for a battery status; the rows are indexed by it. */
 struct Pattern {
-    KyLED::State gauge[gaugeColumns];
-    KyLED::State button[buttonColumns];
+    Leds::State gauge[gaugeColumns];
+    Leds::State button[buttonColumns];
 };
 
 // While the battery is being charged, the segment that is being filled blinks.
@@ -44,11 +44,10 @@ const Pattern patterns[] = {
 
 /** Everything off, then the steady LEDs from the last to the first, then those that blink. */
 template <int Columns>
-QVector<LedSetting> inOrder(const KyLED::Led (&leds)[Columns],
-                            const KyLED::State (&states)[Columns])
+QVector<LedSetting> inOrder(const Leds::Led (&leds)[Columns], const Leds::State (&states)[Columns])
 {
     QVector<LedSetting> settings;
-    for (const KyLED::Led led : leds)
+    for (const Leds::Led led : leds)
         settings.append({led, OFF});
     for (int column = Columns - 1; column >= 0; --column) {
         if (states[column] == ON)
@@ -62,12 +61,12 @@ QVector<LedSetting> inOrder(const KyLED::Led (&leds)[Columns],
 }
 } // namespace
 
-QVector<LedSetting> batteryGaugePattern(KyAlimentation::BatteryStatus status)
+QVector<LedSetting> batteryGaugePattern(Battery::Status status)
 {
     return inOrder(gaugeLeds, patterns[status].gauge);
 }
 
-QVector<LedSetting> powerButtonPattern(KyAlimentation::BatteryStatus status)
+QVector<LedSetting> powerButtonPattern(Battery::Status status)
 {
     return inOrder(buttonLeds, patterns[status].button);
 }

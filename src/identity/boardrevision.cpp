@@ -1,16 +1,16 @@
 #include "boardrevision.h"
 
-e_model libraryModel(quint16 model)
+unsigned int libraryModel(quint16 model)
 {
     switch (model) {
     case 0x8343:
-        return static_cast<e_model>(0);
+        return 0;
     case 0x8345:
-        return static_cast<e_model>(1);
+        return 1;
     case 0x8347:
-        return static_cast<e_model>(2);
+        return 2;
     default:
-        return static_cast<e_model>(3);
+        return 3;
     }
 }
 

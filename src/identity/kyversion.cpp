@@ -32,7 +32,7 @@ QVariantMap KyVersion::getEepromInstrument()
         const unsigned int brand = m_instrument.value(QStringLiteral("Brand")).toUInt();
         const QString model = m_instrument.value(QStringLiteral("Model")).toString();
         m_boardRev.setBrand(static_cast<e_brand>(brand));
-        m_boardRev.setModel(libraryModel(model.toUShort(nullptr, 16)));
+        m_boardRev.setModel(static_cast<e_model>(libraryModel(model.toUShort(nullptr, 16))));
     }
     return m_instrument;
 }

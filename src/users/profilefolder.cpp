@@ -1,6 +1,6 @@
 #include "profilefolder.h"
 
-#include "error.h"
+#include "errorcode.h"
 #include "trustedpath.h"
 
 #include <QByteArray>

@@ -1,5 +1,5 @@
 #include "brightnesslevels.h"
-#include "error.h"
+#include "errorcode.h"
 
 #include <QTest>
 

@@ -32,9 +32,9 @@ QString render(const QVector<LedSetting> &settings)
     return texts.join(QLatin1Char(' '));
 }
 
-KyAlimentation::BatteryStatus toStatus(int value)
+Battery::Status toStatus(int value)
 {
-    return static_cast<KyAlimentation::BatteryStatus>(value);
+    return static_cast<Battery::Status>(value);
 }
 
 void addRow(const char *name, int status, const char *settings)

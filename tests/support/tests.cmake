@@ -50,8 +50,9 @@ else()
     endif()
 endif()
 
-# A program of tests. Its first source includes what moc makes of it; no other one needs moc.
-function(add_test_program name source)
+# A program of tests, with one of the libraries of tests/support. Its first source includes what moc
+# makes of it; no other one needs moc.
+function(add_test_program name support precompiled source)
     add_executable(${name} ${source} ${ARGN})
     set_target_properties(${name} PROPERTIES AUTOMOC OFF)
     get_filename_component(base ${source} NAME_WE)
@@ -59,32 +60,42 @@ function(add_test_program name source)
     qt5_generate_moc(${source} ${generated} TARGET ${name})
     target_sources(${name} PRIVATE ${generated})
     target_include_directories(${name} PRIVATE ${CMAKE_CURRENT_BINARY_DIR})
-    target_link_libraries(${name} PRIVATE testsupport test_options)
-    target_precompile_headers(${name} REUSE_FROM precompiled)
+    target_link_libraries(${name} PRIVATE ${support} test_options)
+    target_precompile_headers(${name} REUSE_FROM ${precompiled})
 endfunction()
 
-# As above, for a program that starts the daemon. Tests of another machine's daemon run in the
+# A program that tests pure logic. It needs no hardware library to run, whatever it links.
+function(add_pure_program name)
+    add_test_program(${name} puresupport pureprecompiled ${ARGN})
+    target_link_libraries(${name} PRIVATE boardlogic)
+    target_link_options(${name} PRIVATE -Wl,--as-needed)
+endfunction()
+
+# A program that starts the daemon. Tests of another machine's daemon run in the
 # machine's own programs.
 function(add_world_program name)
-    add_test_program(${name} ${ARGN})
+    add_test_program(${name} testsupport precompiled ${ARGN})
     add_dependencies(${name} KyBoardManager kyboardctl peers)
     if(CMAKE_CROSSCOMPILING)
         set_target_properties(${name} PROPERTIES EXCLUDE_FROM_ALL ON)
     endif()
 endfunction()
 
+function(limit_test name)
+    math(EXPR timeout "60 * ${patience}")
+    set_tests_properties(${name} PROPERTIES TIMEOUT ${timeout} FAIL_REGULAR_EXPRESSION "SKIP   :")
+endfunction()
+
 # A test of pure logic: runs as it is.
 function(add_pure_test name)
-    add_test_program(${name} ${ARGN})
+    add_pure_program(${name} ${ARGN})
     if(left_out_of_${name})
         add_test(NAME ${name} COMMAND ${PROJECT_SOURCE_DIR}/tests/support/without
             ${left_out_of_${name}} -- ${CMAKE_CROSSCOMPILING_EMULATOR} $<TARGET_FILE:${name}>)
     else()
         add_test(NAME ${name} COMMAND ${name})
     endif()
-    math(EXPR timeout "60 * ${patience}")
-    set_tests_properties(${name} PROPERTIES TIMEOUT ${timeout} FAIL_REGULAR_EXPRESSION "SKIP   :"
-        ENVIRONMENT LD_LIBRARY_PATH=$<TARGET_FILE_DIR:KyBoard>)
+    limit_test(${name})
 endfunction()
 
 # A test of behaviour: runs in a private world, where it starts the daemon itself. One that takes very
@@ -125,12 +136,14 @@ endfunction()
 
 # A test of scripts and documents, which are the same on every machine.
 function(add_tool_test name)
+    add_test_program(${name} testsupport precompiled ${ARGN})
+    target_link_options(${name} PRIVATE -Wl,--as-needed)
     if(CMAKE_CROSSCOMPILING)
-        add_test_program(${name} ${ARGN})
         set_target_properties(${name} PROPERTIES EXCLUDE_FROM_ALL ON)
-    else()
-        add_pure_test(${name} ${ARGN})
+        return()
     endif()
+    add_test(NAME ${name} COMMAND ${name})
+    limit_test(${name})
 endfunction()
 
 # A campaign measures: it writes the lines to be printed into the file that FIGURES names. One with

@@ -1,4 +1,4 @@
-#include "error.h"
+#include "errorcode.h"
 #include "files.h"
 #include "profilefolder.h"
 #include "trustedpath.h"

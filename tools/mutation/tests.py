@@ -15,7 +15,7 @@ LIGHT = ['test_brightness', 'test_backlight']
 # The files whose decisions are functions without bus, hardware and clock.
 PURE = {
     'app/enumnames': ['test_enumnames', 'test_led'],
-    'app/error': ['test_error', 'test_users'],
+    'app/errorcode': ['test_error', 'test_users'],
     'devices/backlightsteps': ['test_backlightsteps'],
     'devices/batterystatus': ['test_batterystatus'],
     'devices/brightnesslevels': ['test_brightnesslevels'],
@@ -38,6 +38,7 @@ PURE = {
     'app/regularfile': ['test_regularfile', 'test_wifiapconfiguration'],
     'network/settingtext': ['test_ethernet_settings', 'test_wifiapconfiguration'],
     'network/stationtable': ['test_stationtable', 'test_linkexploration', *WIFI],
+    'network/tcpipstate': ['test_ethernet', 'test_wificonnect'],
     'network/wifiservices': ['test_wifiservices'],
     'network/wifitrace': ['test_wifitrace', 'test_wifiscan'],
     'app/descriptor': ['test_trustedpath', 'test_profilefolder'],
@@ -51,6 +52,7 @@ ADAPTORS = {
     'app/busvalue': ['test_connmanobject', 'test_busvalue', 'test_eeprom', 'test_sweep_identity',
                      'test_ethernet_settings', 'test_connmanagent', 'test_wificonnect'],
     'app/childsignal': ['test_startup', 'test_modescript'],
+    'app/error': ['test_users', 'test_errors'],
     'app/main': ['test_startup', 'test_policy', 'test_introspection', 'test_devicemgr'],
     'app/settings': ['test_settings', 'test_users', 'test_alimentation', *LIGHT],
     'app/slotcache': ['test_slotcache'],

@@ -1,0 +1,41 @@
+#ifndef LEDS_H
+#define LEDS_H
+
+#include <QObject>
+
+/** The front-panel LEDs and what they show. The names are part of the interface. */
+class Leds
+{
+    Q_GADGET
+    Q_ENUMS(Led State)
+
+public:
+    /** The LEDs, by the board library's numbers, which go in steps of two. */
+    enum Led {
+        BAT_RS1 = 0,
+        BAT_GS1 = 2,
+        BAT_GS2 = 4,
+        BAT_GS3 = 6,
+        BAT_GS4 = 8,
+        BAT_GS5 = 10,
+        UTC_SYNC = 12,
+        RECORDING = 14,
+        BT = 16,
+        WIFI = 18,
+        WPS = 20,
+        POWER_Y = 22,
+        POWER_G = 24,
+        SD_STATUS = 26,
+    };
+
+    /** What an LED shows, by the board library's numbers. */
+    enum State {
+        OFF = 0,
+        BLINK_1HZ = 1,
+        BLINK_3HZ = 2,
+        ON = 3,
+        UNKNOWN = 4,
+    };
+};
+
+#endif

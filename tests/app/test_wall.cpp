@@ -1,0 +1,275 @@
+#include "files.h"
+
+#include <QDir>
+#include <QDirIterator>
+#include <QJsonArray>
+#include <QJsonDocument>
+#include <QJsonObject>
+#include <QProcess>
+#include <QRegularExpression>
+#include <QTemporaryDir>
+#include <QTest>
+
+#include <algorithm>
+
+/**
+ * The wall around the decisions: what a source of the library boardlogic, and one of busvalues,
+ * cannot include, and what it cannot call. Each source is compiled as it is, and with one line
+ * more.
+ */
+class TestWall : public QObject
+{
+    Q_OBJECT
+
+private Q_SLOTS:
+    void initTestCase();
+    void aSourceAloneCompiles_data();
+    void aSourceAloneCompiles();
+    void anIncludeAcrossTheWallDoesNotCompile_data();
+    void anIncludeAcrossTheWallDoesNotCompile();
+    void noIncludeNamesADirectory();
+    void aCallAcrossTheWallDoesNotLink_data();
+    void aCallAcrossTheWallDoesNotLink();
+    void everySourceIsCompiledByItsOwnPart();
+
+private:
+    struct Outcome {
+        int status = -1;
+        QString errors;
+    };
+    static Outcome run(const QString &folder, QStringList command, const QByteArray &input = {});
+    Outcome compile(const QString &source, const QByteArray &firstLine) const;
+    QString sourceIn(const QString &library, const QString &folder) const;
+
+    QJsonArray m_commands;
+};
+
+namespace
+{
+const char *const folders[] = {"app", "devices", "identity", "network", "users"};
+
+QStringList headersOf(const QString &folder)
+{
+    return QDir(SOURCES "/src/" + folder).entryList({"*.h"});
+}
+
+QString contentOf(const QString &path)
+{
+    return QString::fromUtf8(readFile(path));
+}
+} // namespace
+
+void TestWall::initTestCase()
+{
+    m_commands = QJsonDocument::fromJson(readFile(BUILD "/compile_commands.json")).array();
+    QVERIFY(m_commands.size() > 50);
+}
+
+TestWall::Outcome TestWall::run(const QString &folder, QStringList command, const QByteArray &input)
+{
+    QProcess process;
+    process.setWorkingDirectory(folder);
+    process.setProcessChannelMode(QProcess::MergedChannels);
+    const QString program = command.takeFirst();
+    process.start(program, command);
+    process.write(input);
+    process.closeWriteChannel();
+    if (!process.waitForFinished(60000) || process.exitStatus() != QProcess::NormalExit)
+        return {};
+    return {process.exitCode(), QString::fromUtf8(process.readAll())};
+}
+
+/**
+ * Compiles @p source, with @p firstLine before it, as its library does but for the precompiled
+ * header, and from its own directory, so that every header there can be reached.
+ */
+TestWall::Outcome TestWall::compile(const QString &source, const QByteArray &firstLine) const
+{
+    for (const QJsonValue &entry : m_commands) {
+        if (entry["file"].toString() != source)
+            continue;
+        QStringList command = QProcess::splitCommand(entry["command"].toString());
+        command.erase(command.begin(),
+                      std::find_if(command.begin(), command.end(),
+                                   [](const QString &word) { return word.endsWith("++"); }));
+        const int precompiled = command.indexOf("-include");
+        if (precompiled >= 0)
+            command.erase(command.begin() + precompiled, command.begin() + precompiled + 2);
+        // What follows names the object and the source.
+        command.erase(command.begin() + command.indexOf("-o"), command.end());
+        command << "-fsyntax-only"
+                << "-Wfatal-errors"
+                << "-x"
+                << "c++"
+                << "-";
+        return run(QFileInfo(source).path(), command, firstLine + readFile(source));
+    }
+    return {};
+}
+
+/** A source of @p library in @p folder; empty where there is none. */
+QString TestWall::sourceIn(const QString &library, const QString &folder) const
+{
+    for (const QJsonValue &entry : m_commands) {
+        const QString source = entry["file"].toString();
+        if (QFileInfo(source).path() == SOURCES "/src/" + folder &&
+            entry["command"].toString().contains("CMakeFiles/" + library + ".dir/"))
+            return source;
+    }
+    return {};
+}
+
+void TestWall::aSourceAloneCompiles_data()
+{
+    QTest::addColumn<QString>("source");
+    for (const char *library : {"boardlogic", "busvalues"}) {
+        for (const char *folder : folders) {
+            const QString source = sourceIn(library, folder);
+            if (!source.isEmpty())
+                QTest::addRow("%s, %s", library, folder) << source;
+        }
+    }
+}
+
+void TestWall::aSourceAloneCompiles()
+{
+    QFETCH(QString, source);
+    const Outcome outcome = compile(source, "#include <QString>\n");
+    QCOMPARE(outcome.errors, QString());
+    QCOMPARE(outcome.status, 0);
+}
+
+void TestWall::anIncludeAcrossTheWallDoesNotCompile_data()
+{
+    QTest::addColumn<QString>("source");
+    QTest::addColumn<QByteArray>("line");
+    QTest::addColumn<QString>("error");
+    const QString logic = sourceIn("boardlogic", "devices");
+    for (const QString &header : headersOf("platform"))
+        QTest::addRow("boardlogic, %s", qPrintable(header))
+            << logic << "#include \"" + header.toUtf8() + "\"\n"
+            << header + ": No such file";
+    QTest::newRow("busvalues, kyals.h")
+        << sourceIn("busvalues", "app") << QByteArray("#include \"kyals.h\"\n")
+        << "kyals.h: No such file";
+    int adaptors = 0;
+    for (const char *folder : folders) {
+        for (const QString &header : headersOf(folder)) {
+            const QString content = contentOf(SOURCES "/src/" + QString(folder) + '/' + header);
+            if (!content.contains("public QDBusAbstractAdaptor"))
+                continue;
+            ++adaptors;
+            for (const char *library : {"boardlogic", "busvalues"})
+                QTest::addRow("%s, %s", library, qPrintable(header))
+                    << sourceIn(library, library == QString("busvalues") ? "app" : folder)
+                    << "#include \"" + header.toUtf8() + "\"\n"
+                    << "(QDBusAbstractAdaptor|\\w+\\.h): No such file|expected class-name";
+        }
+    }
+    QVERIFY(adaptors > 12);
+    for (const char *header : {"QDBusMessage", "QDBusArgument", "QDBusConnection", "QtDBus"})
+        QTest::addRow("boardlogic, <%s>", header)
+            << logic << QByteArray("#include <") + header + ">\n"
+            << header + QString(": No such file");
+    for (const char *header : {"QDBusMessage", "QDBusArgument", "QDBusConnection", "QtDBus"})
+        QTest::addRow("boardlogic, <QtDBus/%s>", header)
+            << logic << QByteArray("#include <QtDBus/") + header + ">\n"
+            << "Q_DBUS_EXPORT";
+}
+
+void TestWall::anIncludeAcrossTheWallDoesNotCompile()
+{
+    QFETCH(QString, source);
+    QFETCH(QByteArray, line);
+    QFETCH(QString, error);
+    const Outcome outcome = compile(source, line);
+    QVERIFY(outcome.status > 0);
+    QVERIFY2(QRegularExpression(error).match(outcome.errors).hasMatch(),
+             qPrintable(outcome.errors));
+}
+
+/** Headers are found by the include path alone, which is the library's; what is made while building
+ * has a directory of its own. */
+void TestWall::noIncludeNamesADirectory()
+{
+    static const QRegularExpression named("#include \"(?!introspection/)[^\"]*/");
+    QStringList found;
+    for (QDirIterator files(SOURCES "/src", QDir::Files, QDirIterator::Subdirectories);
+         files.hasNext();) {
+        const QString file = files.next();
+        if (contentOf(file).contains(named))
+            found << file;
+    }
+    QCOMPARE(found, QStringList());
+}
+
+void TestWall::aCallAcrossTheWallDoesNotLink_data()
+{
+    QTest::addColumn<QString>("program");
+    QTest::addColumn<QByteArray>("source");
+    QTest::addColumn<QString>("missing");
+    const QString logic = "tests/support/boardlogicalone";
+    const QString values = "tests/support/busvaluesalone";
+    const QByteArray harmless = "void crossing() {}\n";
+    QTest::newRow("boardlogic alone") << logic << harmless << QString();
+    QTest::newRow("busvalues alone") << values << harmless << QString();
+    QTest::newRow("boardlogic replies")
+        << logic
+        << QByteArray("class QDBusMessage; class QString;\n"
+                      "void sendErrorReply(int, const QString &, const QDBusMessage &);\n"
+                      "void crossing(QString &s, QDBusMessage &m) { sendErrorReply(1, s, m); }\n")
+        << "sendErrorReply";
+    QTest::newRow("boardlogic reads a value of the bus")
+        << logic
+        << QByteArray("class QVariant;\nint sizeOnBus(const QVariant &, int);\n"
+                      "int crossing(QVariant &value) { return sizeOnBus(value, 1); }\n")
+        << "sizeOnBus";
+    QTest::newRow("busvalues replies")
+        << values
+        << QByteArray("class QDBusMessage; class QString;\n"
+                      "void sendErrorReply(int, const QString &, const QDBusMessage &);\n"
+                      "void crossing(QString &s, QDBusMessage &m) { sendErrorReply(1, s, m); }\n")
+        << "sendErrorReply";
+}
+
+/** The program takes the whole of its library, and nothing else of ours. */
+void TestWall::aCallAcrossTheWallDoesNotLink()
+{
+    QFETCH(QString, program);
+    QFETCH(QByteArray, source);
+    QFETCH(QString, missing);
+    const QTemporaryDir folder;
+    const QString object = folder.filePath("crossing.o");
+    const Outcome compiled = run(
+        folder.path(), {CXX, "-fPIC", "-std=c++17", "-x", "c++", "-c", "-", "-o", object}, source);
+    QCOMPARE(compiled.errors, QString());
+
+    const Outcome listed = run(BUILD, {"ninja", "-t", "commands", "-s", program});
+    QString line = listed.errors.trimmed();
+    line.remove(QRegularExpression("^: && ")).remove(QRegularExpression(" && :$"));
+    QStringList command = QProcess::splitCommand(line);
+    command[command.indexOf("-o") + 1] = folder.filePath("program");
+    command.insert(command.indexOf("-o"), object);
+    const Outcome linked = run(BUILD, command);
+    QVERIFY2(linked.errors.contains(missing), qPrintable(linked.errors));
+    QCOMPARE(linked.status == 0, missing.isEmpty());
+}
+
+void TestWall::everySourceIsCompiledByItsOwnPart()
+{
+    QStringList strangers;
+    for (const QJsonValue &entry : m_commands) {
+        const QString source = QDir(SOURCES).relativeFilePath(entry["file"].toString());
+        const QString object =
+            QRegularExpression(" -o (\\S+) ").match(entry["command"].toString()).captured(1);
+        // What is made while building is where it is compiled.
+        if (!QDir(BUILD).relativeFilePath(entry["file"].toString()).startsWith(".."))
+            continue;
+        if (source.section('/', 0, 0) != object.section('/', 0, 0))
+            strangers << source + " for " + object;
+    }
+    QCOMPARE(strangers, QStringList());
+}
+
+QTEST_GUILESS_MAIN(TestWall)
+#include "test_wall.moc"
