@@ -50,11 +50,32 @@ QString times(int count, const char *unit)
     return QString::fromLatin1(unit).repeated(count);
 }
 
-/** An a{sv} of @p count numbers. */
-QString manyEntries(int count)
+/** An a{sv} of @p count numbers, and one for each of @p keys. */
+QString manyEntries(int count, const QStringList &keys = {})
 {
-    return QStringLiteral("a{sv} %1").arg(count) + times(count, " k i 1");
+    QString entries;
+    for (const QString &key : keys)
+        entries += ' ' + key + " i 1";
+    return QStringLiteral("a{sv} %1").arg(count + keys.size()) + entries + times(count, " k i 1");
 }
+
+/** Every key of both records. */
+const QStringList recordKeys{"Subsidiary",
+                             "Fabrication",
+                             "Brand",
+                             "Type",
+                             "Model",
+                             "SerialNumber",
+                             "WarrantyNumber",
+                             "TroubleshootingTag",
+                             "RelaunchTag",
+                             "FirstPassTag",
+                             "IrdInstrumentPassword",
+                             "IrdSessionPassword",
+                             "AdjustementSite",
+                             "AdjustementDate",
+                             "NextAdjustementDate",
+                             "AdjustementCoefficients"};
 } // namespace
 
 void TestLimitedMap::keep(const QDBusMessage &message)
@@ -199,12 +220,11 @@ void TestLimitedMap::methodsRefuseAMapOfTooManyValues()
     QFETCH(QString, answer);
     QVERIFY(daemon.start());
     SignalRecorder announced(object);
-    static const QString tooMuch = manyEntries(65537);
+    static const QString tooMuch = manyEntries(65537, recordKeys);
     const QString service = QStringLiteral("com.orvendis.Strandel.BoardManager");
     const QString name = service + '.' + method.section('.', 0, 0);
 
-    QCOMPARE(sender.call(service, object, name, method.section('.', 1), manyEntries(65537)),
-             answer);
+    QCOMPARE(sender.call(service, object, name, method.section('.', 1), tooMuch), answer);
 
     QCOMPARE(announced.recorded(), QStringList());
 }

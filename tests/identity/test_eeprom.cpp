@@ -565,6 +565,7 @@ void TestEeprom::entriesThatAreNoFieldsAreKeptUpTo64KiB()
         record["!2"] = QVariant::fromValue(QList<int>::fromVector(QVector<int>(4000, 7)));
         record["!3"] = QStringList(QString(20000, 'x'));
         record["!4"] = QStringList(QString(20000, 'x'));
+        record["!5"] = QVariant::fromValue(QList<int>::fromVector(QVector<int>(10000, 7)));
         QCOMPARE(version.call(row.set, {record}), done);
         QCOMPARE(recordOf(row.get).keys().filter("!"), (QStringList{"!1", "!3"}));
     }
