@@ -4,6 +4,7 @@
 //                and keep the service busy; no reply is ever read
 //   signals      signals to the service alone, with 16 file descriptors each
 //   large        calls of 30 MB each
+//   texts        calls of 30 MB each, of millions of texts
 //   calls        calls without a break, whose replies are never read
 //   pending      calls without a break, whose replies are read
 //   deaf         250 connections that ask for all signals and read nothing
@@ -115,6 +116,25 @@ void sendLargeCalls(Attack &attack)
     });
 }
 
+/** 3.9 million texts, of a byte each. */
+Message newCallWithTexts(const Method &method)
+{
+    const std::vector<const char *> texts((30 << 20) / 8, "x");
+    Message message = newCall(method);
+    const char *const *data = texts.data();
+    dbus_message_append_args(message.get(), DBUS_TYPE_ARRAY, DBUS_TYPE_STRING, &data,
+                             static_cast<int>(texts.size()), DBUS_TYPE_INVALID);
+    return message;
+}
+
+void sendTexts(Attack &attack)
+{
+    const Message texts = newCallWithTexts(attack.method);
+    onConnections(attack, [&](Bus &bus) {
+        sendOn(bus, attack, [&] { return Message(dbus_message_copy(texts.get())); });
+    });
+}
+
 void sendUnread(Attack &attack)
 {
     onConnections(attack, [&attack](Bus &bus) {
@@ -162,7 +182,7 @@ int main(int argc, char *argv[])
         {"descriptors", sendDescriptors},
         {"signals", sendSignals},
         {"large", sendLargeCalls},
-
+        {"texts", sendTexts},
         {"calls", sendUnread},
         {"pending", sendRead},
         {"deaf", subscribeDeaf},
