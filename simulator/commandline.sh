@@ -3,14 +3,16 @@
 # and kyboard-instrument of the package. They differ in their names, in where the programs are, and in
 # what is to be done before.
 
-# Sets "command" to the command that is to run in the instrument, and "instrument_options" to what is to
-# be different in an instrument that is started. Ends after --help, or at what it does not understand.
+# Sets "command" to the command that is to run in the instrument, "instrument_options" to what is to be
+# different in an instrument that is started, and "own_handle" to the handle of --handle. Ends after
+# --help, or at what it does not understand.
 # usage: parse_command_line NAME DOCUMENTS [ARGUMENT...]
 parse_command_line() {
     # The instrument's own texts name them, too.
     export INSTRUMENT_COMMAND=$1 INSTRUMENT_DOCUMENTS=$2
     shift 2
     instrument_options=()
+    own_handle=
     while [ $# -gt 0 ]; do
         case $1 in
         -h | --help)
@@ -21,6 +23,11 @@ parse_command_line() {
             [[ ${2:-} =~ ^[1-9][0-9]?$ && $2 -le 60 ]] \
                 || refuse "--speed: '${2:-}' is not a whole number from 1 to 60"
             instrument_options=(--speed "$2")
+            shift 2
+            ;;
+        --handle)
+            [[ ${2:-} == /* ]] || refuse "--handle: '${2:-}' is not a path from / on"
+            own_handle=$2
             shift 2
             ;;
         --)
@@ -48,15 +55,18 @@ Starts the virtual instrument in the foreground, or runs a command inside it:
   $name -- COMMAND...   the command, in the running instrument or in one of its own; it ends with
   ${name//?/ }                 $name, and $name with its status
   $name --speed N ...   an instrument whose time passes N times faster, 1 to 60
+  $name --handle FILE ...
+  ${name//?/ }                 the same with an instrument of its own for each FILE, whatever else runs
   $name --help          this text
 $INSTRUMENT_DOCUMENTS/virtual-instrument.md tells what is in it.
 EOT
 }
 
-# Becomes the instrument, or the command in it. A running instrument is found by its handle.
+# Becomes the instrument, or the command in it. A running instrument is found by its handle: that of
+# --handle, or else HANDLE, which an instrument that is started for a command alone does not have.
 # usage: start_instrument HANDLE WORLD_OPTION...
 start_instrument() {
-    local handle=$1 here
+    local handle=${own_handle:-$1} here
     here=$(dirname "${BASH_SOURCE[0]}")
     shift
     if [ "$(cat "/proc/$(cat "$handle" 2>/dev/null)/comm" 2>/dev/null)" = unshare ]; then
@@ -68,7 +78,9 @@ start_instrument() {
         echo "An instrument is running already; $INSTRUMENT_COMMAND -- COMMAND runs a command in it" >&2
         exit 1
     fi
-    [ ${#command[@]} -gt 0 ] || set -- "$@" --handle "$handle"
+    if [ ${#command[@]} -eq 0 ] || [ -n "$own_handle" ]; then
+        set -- "$@" --handle "$handle"
+    fi
     exec "$here/world" "$@" --display -- "$here/instrument" "${instrument_options[@]}" \
         "${command[@]}"
 }

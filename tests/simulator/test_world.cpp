@@ -411,6 +411,7 @@ void TestWorld::runRefusesWhatItDoesNotUnderstand_data()
     row("--speed 0", "--speed: '0' is not a whole number from 1 to 60");
     row("--speed 61", "--speed: '61' is not a whole number from 1 to 60");
     row("--speed fast", "--speed: 'fast' is not a whole number from 1 to 60");
+    row("--handle here", "--handle: 'here' is not a path from / on");
     row("--speed 2 --bogus", "there is no option '--bogus'");
 }
 

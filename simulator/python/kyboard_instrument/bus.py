@@ -1,0 +1,201 @@
+"""The daemon's interfaces on the private bus of a virtual instrument, through Gio."""
+
+import contextlib
+import socket
+
+from gi.repository import Gio, GLib
+
+from .waiting import deliver, wait_until
+
+SERVICE = "com.orvendis.Strandel.BoardManager"
+OBJECTS = ("/KyConfigMgr", "/KyComMgr", "/KyDeviceMgr")
+ANSWER_SECONDS = 25
+
+
+class CallError(Exception):
+    """The error that a call was answered with: name and message as docs/dbus-api.md has them.
+
+    The daemon's own names can be written without "com.orvendis.Strandel.BoardManager.Error.".
+    """
+
+    def __init__(self, error):
+        self.name = Gio.DBusError.get_remote_error(error) or ""
+        # Gio's own function that strips this changes a copy only.
+        self.message = error.message.removeprefix(f"GDBus.Error:{self.name}: ")
+        self.short_name = self.name.removeprefix(f"{SERVICE}.Error.")
+        super().__init__(f"{self.name}: {self.message}")
+
+
+@contextlib.contextmanager
+def named_errors():
+    """Turns what Gio raises for a call into CallError."""
+    try:
+        yield
+    except GLib.Error as error:
+        raise CallError(error) from None
+
+
+def connect(path):
+    """Connects to the bus that listens at the socket, as the root of its world.
+
+    An ordinary user is root in the world alone. Gio would introduce itself by the number that the
+    user has outside, which the bus there does not believe.
+    """
+    with socket.socket(socket.AF_UNIX) as end:
+        end.settimeout(ANSWER_SECONDS)
+        end.connect(str(path))
+        root = b"0".hex().encode()
+        end.sendall(b"\0AUTH EXTERNAL " + root + b"\r\n")
+        answer = b""
+        while not answer.endswith(b"\r\n") and (part := end.recv(256)):
+            answer += part
+        if not answer.startswith(b"OK "):
+            raise ConnectionError(f"the bus answers {answer!r}")
+        end.sendall(b"BEGIN\r\n")
+        connected = Gio.Socket.new_from_fd(end.detach())
+    stream = connected.connection_factory_create_connection()
+    return Gio.DBusConnection.new_sync(stream, None, Gio.DBusConnectionFlags.MESSAGE_BUS_CONNECTION,
+                                       None, None)
+
+
+def variant(value):
+    """A value of an a{sv}: text s, truth value b, number i (u from 2147483648 on), bytes ay, list av."""
+    if isinstance(value, GLib.Variant):
+        return value
+    if isinstance(value, bool):
+        return GLib.Variant("b", value)
+    if isinstance(value, int):
+        return GLib.Variant("i" if value < 2**31 else "u", value)
+    if isinstance(value, bytes):
+        return GLib.Variant("ay", value)
+    if isinstance(value, list):
+        return GLib.Variant("av", [variant(one) for one in value])
+    return GLib.Variant("s", value)
+
+
+def argument(signature, value):
+    """A value as Gio packs it."""
+    if signature == "a{sv}":
+        return {key: variant(one) for key, one in value.items()}
+    return value
+
+
+def plain(value):
+    """What a GLib.Variant holds, as Python's own types; ay is bytes."""
+    kind = value.get_type_string()
+    if kind == "ay":
+        return bytes(value.unpack())
+    if kind == "v":
+        return plain(value.get_variant())
+    if kind.startswith("a{"):
+        pairs = (value.get_child_value(index) for index in range(value.n_children()))
+        return {plain(pair.get_child_value(0)): plain(pair.get_child_value(1)) for pair in pairs}
+    if kind[0] in "a(":
+        children = [plain(value.get_child_value(index)) for index in range(value.n_children())]
+        return tuple(children) if kind[0] == "(" else children
+    return value.unpack()
+
+
+class Signals:
+    """The signals of one name, from the moment it was made until close() or the end of "with".
+
+    After a call has been answered, received holds every signal that the daemon sent before.
+    """
+
+    def __init__(self, bus, path, interface, name):
+        self._name = name
+        self._bus = bus
+        self._values = []
+        self._waited_for = 0
+        self._subscription = bus.signal_subscribe(
+            SERVICE, interface, name, path, None, Gio.DBusSignalFlags.NONE,
+            lambda *arguments: self._values.append(plain(arguments[5])))
+        # Only when the bus has answered something that was sent later does it send the signals.
+        bus.call_sync("org.freedesktop.DBus", "/org/freedesktop/DBus", "org.freedesktop.DBus",
+                      "GetId", None, None, Gio.DBusCallFlags.NONE, ANSWER_SECONDS * 1000, None)
+
+    @property
+    def received(self):
+        """The values of all signals so far, a tuple each."""
+        deliver()
+        return list(self._values)
+
+    def wait(self, matches=lambda *values: True, timeout=30):
+        """Waits for a signal whose values match, after the one that was waited for last.
+
+        Returns its values; after timeout seconds raises TimeoutError with what came instead.
+        """
+        def look():
+            for index in range(self._waited_for, len(self._values)):
+                if matches(*self._values[index]):
+                    self._waited_for = index + 1
+                    return [self._values[index]]
+            return []
+
+        return wait_until(look, timeout, lambda: f"{self._name}; came: {self._values}")[0]
+
+    def close(self):
+        self._bus.signal_unsubscribe(self._subscription)
+
+    def __enter__(self):
+        return self
+
+    def __exit__(self, *_):
+        self.close()
+
+
+class Interface:
+    """One of the daemon's interfaces, by what the daemon itself says of it."""
+
+    def __init__(self, bus, path, info):
+        self._bus = bus
+        self._path = path
+        self._info = info
+
+    def call(self, name, *values, timeout=ANSWER_SECONDS):
+        """Calls a method, and returns its result: None, a value, or a tuple of several.
+
+        Maps are dicts, whose values are packed by their types, or GLib.Variants. Raises CallError.
+        """
+        method = self._info.lookup_method(name)
+        if method is None:
+            raise AttributeError(f"{self._info.name} has no method {name}")
+        signatures = [one.signature for one in method.in_args]
+        if len(values) != len(signatures):
+            raise TypeError(f"{name} takes {len(signatures)} arguments, not {len(values)}")
+        arguments = GLib.Variant(f"({''.join(signatures)})",
+                                 tuple(map(argument, signatures, values)))
+        with named_errors():
+            answer = self._bus.call_sync(
+                SERVICE, self._path, self._info.name, name, arguments, None,
+                Gio.DBusCallFlags.NONE, int(timeout * 1000), None)
+        results = plain(answer)
+        return results if len(results) > 1 else next(iter(results), None)
+
+    def get(self, name):
+        """Reads a property, now."""
+        with named_errors():
+            answer = self._bus.call_sync(
+                SERVICE, self._path, "org.freedesktop.DBus.Properties", "Get",
+                GLib.Variant("(ss)", (self._info.name, name)), None,
+                Gio.DBusCallFlags.NONE, ANSWER_SECONDS * 1000, None)
+        return plain(answer)[0]
+
+    def signals(self, name):
+        """Hears a signal from now on."""
+        if self._info.lookup_signal(name) is None:
+            raise AttributeError(f"{self._info.name} has no signal {name}")
+        return Signals(self._bus, self._path, self._info.name, name)
+
+
+def find_interface(bus, short_name):
+    """The interface of that short name, such as "WIFI", as the daemon shows it; else None."""
+    for path in OBJECTS:
+        with named_errors():
+            text, = bus.call_sync(
+                SERVICE, path, "org.freedesktop.DBus.Introspectable", "Introspect", None, None,
+                Gio.DBusCallFlags.NONE, ANSWER_SECONDS * 1000, None).unpack()
+        info = Gio.DBusNodeInfo.new_for_xml(text).lookup_interface(f"{SERVICE}.{short_name}")
+        if info is not None:
+            return Interface(bus, path, info)
+    return None

@@ -1,0 +1,72 @@
+"""What the fixture promises besides what the example suite uses."""
+
+import subprocess
+import sys
+
+import pytest
+
+from kyboard_instrument import CallError, Instrument
+
+
+def test_instruments_know_nothing_of_each_other(session_instrument):
+    with Instrument() as other:
+        other["LED"].call("setLEDStatus", "BT", "ON")
+        assert other.board["leds/BT"] == "ON"
+        assert session_instrument.board["leds/BT"] == "OFF"
+        root = other.root
+    assert not root.exists()
+
+
+def test_an_instrument_ends_with_the_process_that_made_it():
+    program = ("from kyboard_instrument import Instrument\n"
+               "import os, signal, sys\n"
+               "print(Instrument().root, flush=True)\n"
+               "os.kill(os.getpid(), signal.SIGKILL)\n")
+    done = subprocess.run([sys.executable, "-c", program], stdout=subprocess.PIPE, text=True)
+    assert done.stdout.startswith("/proc/")
+    # Whoever is told of a process by its number waits for its end in this way.
+    number = done.stdout.split("/")[2]
+    subprocess.run(["tail", f"--pid={number}", "-s", "0.05", "-f", "/dev/null"], timeout=30)
+
+
+def test_other_programs_reach_the_bus_by_its_address(session_instrument):
+    done = subprocess.run(
+        ["busctl", f"--address={session_instrument.address}", "call",
+         "com.orvendis.Strandel.BoardManager", "/KyConfigMgr",
+         "com.orvendis.Strandel.BoardManager.Users", "getUser"],
+        stdout=subprocess.PIPE, text=True, check=True)
+    assert done.stdout == 's "user1"\n'
+
+
+def test_a_deadline_tells_what_came_instead(session_instrument):
+    with session_instrument["Users"].signals("userChanged") as changed:
+        session_instrument["Users"].call("factoryReset", "user4")
+        with pytest.raises(TimeoutError) as caught:
+            changed.wait(lambda user: user == "user3", timeout=0.2)
+        assert str(caught.value) == "not within 0.2 s: userChanged; came: [('user4',)]"
+
+
+def test_records_go_there_and_back(session_instrument):
+    version = session_instrument["Version"]
+    before = version.call("getEepromMesure")
+    assert before["CRC"] is True and len(before["AdjustementCoefficients"]) == 296
+    session_instrument.board["eeprom/write_enabled"] = 1
+    version.call("setEepromMesure", {**before, "AdjustementDate": 2**32 - 1})
+    session_instrument.restart_daemon()
+    assert session_instrument["Version"].call("getEepromMesure") == {
+        **before, "AdjustementDate": 2**32 - 1}
+    session_instrument["Version"].call("setEepromMesure", before)
+    instrument_record = session_instrument["Version"].call("getEepromInstrument")
+    assert isinstance(instrument_record["SerialNumber"], bytes)
+
+
+def test_what_there_is_not_is_no_call(session_instrument):
+    with pytest.raises(KeyError):
+        session_instrument["Users2"]
+    with pytest.raises(AttributeError):
+        session_instrument["Users"].call("getusers")
+    with pytest.raises(AttributeError):
+        session_instrument["Users"].signals("nothing")
+    with pytest.raises(CallError) as caught:
+        session_instrument["Users"].get("nothing")
+    assert caught.value.name == "org.freedesktop.DBus.Error.UnknownProperty"
