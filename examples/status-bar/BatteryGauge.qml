@@ -1,0 +1,43 @@
+import QtQuick 2.0
+
+// The charge as a battery that is filled so far, and the charger as a frame around it.
+Item {
+    id: gauge
+
+    // In percent; below 0 it is not known.
+    property int level: -1
+    property bool isCharging: false
+
+    width: 52
+    height: 24
+
+    Rectangle {
+        id: body
+        anchors { left: parent.left; verticalCenter: parent.verticalCenter }
+        width: 46
+        height: 20
+        radius: 3
+        color: "transparent"
+        border { width: 2; color: gauge.isCharging ? "#6fcf7c" : "#e6e9ec" }
+
+        Rectangle {
+            objectName: "fill"
+            x: 4
+            y: 4
+            width: Math.max(0, gauge.level) / 100 * (parent.width - 8)
+            height: parent.height - 8
+            color: gauge.level > 20 || gauge.isCharging ? "#6fcf7c" : "#f0655c"
+        }
+        Sign {
+            anchors.centerIn: parent
+            text: "?"
+            visible: gauge.level < 0
+        }
+    }
+    Rectangle {
+        anchors { left: body.right; leftMargin: 1; verticalCenter: parent.verticalCenter }
+        width: 4
+        height: 8
+        color: body.border.color
+    }
+}

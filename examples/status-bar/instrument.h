@@ -1,0 +1,117 @@
+#ifndef INSTRUMENT_H
+#define INSTRUMENT_H
+
+#include "battery.h"
+#include "link.h"
+
+#include <KyBoardManagerClient/boardmanageralimentation.h>
+#include <KyBoardManagerClient/boardmanagerbacklight.h>
+#include <KyBoardManagerClient/boardmanagerethernet.h>
+#include <KyBoardManagerClient/boardmanagerstorage.h>
+#include <KyBoardManagerClient/boardmanagerusers.h>
+#include <KyBoardManagerClient/boardmanagerwifi.h>
+#include <KyBoardManagerClient/boardmanagerwifiap.h>
+
+#include <QDBusConnection>
+#include <QTimer>
+
+/**
+ * The instrument as QML sees it: what the daemon tells, as properties that announce their changes.
+ *
+ * It never blocks: every call is answered later. It may start before the daemon or after it, and
+ * outlives it: while the daemon is away, nothing is known, and "available" is false.
+ */
+class Instrument : public QObject
+{
+    Q_OBJECT
+    /** Whether the daemon is on the system bus. */
+    Q_PROPERTY(bool available READ isAvailable NOTIFY availableChanged)
+    /** Why nothing is known, for people; empty where all is well. */
+    Q_PROPERTY(QString problem READ problem NOTIFY problemChanged)
+    /** The active profile; empty where it is not known. */
+    Q_PROPERTY(QString profile READ profile NOTIFY profileChanged)
+    /** The highest percentage that the charge may have; -1 where it is not known. */
+    Q_PROPERTY(int batteryLevel READ batteryLevel NOTIFY batteryChanged)
+    Q_PROPERTY(bool chargerConnected READ isChargerConnected NOTIFY batteryChanged)
+    /** "mounted", "inserted", "none" or "unknown"; "none" may be one that was there before us. */
+    Q_PROPERTY(QString sdCard READ sdCard NOTIFY storageChanged)
+    Q_PROPERTY(QString usbKey READ usbKey NOTIFY storageChanged)
+    /** In percent; -1 where it is not known, or the model has no screen. */
+    Q_PROPERTY(int backlight READ backlight NOTIFY backlightChanged)
+    Q_PROPERTY(Link *ethernet READ ethernet CONSTANT)
+    Q_PROPERTY(Link *wifi READ wifi CONSTANT)
+    Q_PROPERTY(Link *accessPoint READ accessPoint CONSTANT)
+
+public:
+    /** Makes the types known to QML, as "import Strandel 1.0". */
+    static void registerTypes();
+
+    explicit Instrument(QObject *parent = nullptr);
+
+    bool isAvailable() const { return m_isAvailable; }
+    QString problem() const { return m_problem; }
+    QString profile() const { return m_profile; }
+    int batteryLevel() const { return m_battery.level; }
+    bool isChargerConnected() const { return m_battery.isChargerThere; }
+    QString sdCard() const { return m_sdCard; }
+    QString usbKey() const { return m_usbKey; }
+    int backlight() const { return m_backlight; }
+    Link *ethernet() { return &m_ethernet; }
+    Link *wifi() { return &m_wifi; }
+    Link *accessPoint() { return &m_accessPoint; }
+
+Q_SIGNALS:
+    void availableChanged();
+    void problemChanged();
+    void profileChanged();
+    void batteryChanged();
+    void storageChanged();
+    void backlightChanged();
+
+private:
+    void followDaemon();
+    void followLinks();
+    void followDevices();
+
+    void begin();
+    void forget();
+    void askAgain();
+    void askForProfile();
+    void askForAddress(Link &link);
+
+    void setAvailable(bool isAvailable);
+    void setProblem(const QString &problem);
+    void setProfile(const QString &profile);
+    void setBattery(const QString &status);
+    void setBacklight(int percent);
+    void setStorage(QString &storage, const QString &state);
+    void takePresence(QString &storage, bool isPresent);
+    void takeMounted(QString &storage, bool isMounted);
+
+    /** Calls @p receive with the answer of that type, when it has come. */
+    template <typename Answer, typename Receive>
+    void whenAnswered(const QDBusPendingCall &call, Receive receive);
+
+    QDBusConnection m_bus;
+    BoardManagerAlimentation m_supplyFace;
+    BoardManagerBacklight m_backlightFace;
+    BoardManagerEthernet m_ethernetFace;
+    BoardManagerStorage m_storageFace;
+    BoardManagerUsers m_usersFace;
+    BoardManagerWIFI m_wifiFace;
+    BoardManagerWIFIAP m_accessPointFace;
+    QTimer m_asking;
+
+    bool m_isAvailable = false;
+    QString m_problem;
+    QString m_profile;
+    Battery m_battery;
+    QString m_sdCard;
+    QString m_usbKey;
+    int m_backlight = -1;
+    Link m_ethernet;
+    Link m_wifi;
+    Link m_accessPoint;
+};
+
+#endif

@@ -1,0 +1,400 @@
+#include "board.h"
+#include "busmonitor.h"
+#include "ethernettest.h"
+#include "instrument.h"
+#include "wifitest.h"
+
+#include <QGuiApplication>
+#include <QQuickItem>
+#include <QQuickItemGrabResult>
+#include <QQuickView>
+#include <QQuickWindow>
+#include <QSignalSpy>
+
+#include <csignal>
+#include <memory>
+
+namespace
+{
+QStringList warnings;
+
+/** What Qt and QML complain about. */
+void takeMessage(QtMsgType type, const QMessageLogContext &, const QString &text)
+{
+    if (type != QtDebugMsg && type != QtInfoMsg)
+        warnings << text;
+}
+
+const QColor green("#6fcf7c");
+const QColor amber("#f0b84a");
+const QColor red("#f0655c");
+const QColor grey("#68727c");
+} // namespace
+
+/** The status bar beside the real daemon: what the model says, and what can be seen of it. */
+class TestStatusBar : public WifiTest
+{
+    Q_OBJECT
+
+private Q_SLOTS:
+    void init();
+    void cleanup();
+
+    void withoutTheDaemonNothingIsKnown();
+    void theDaemonIsShownWhenItComes();
+    void theCableIsShownAsItConnects();
+    void theStationIsShownAsItConnects();
+    void theAccessPointIsShown();
+    void whoStartsLateKnowsWhatIsUp();
+    void theDaemonMayDieAndComeBack();
+    void theBatteryFollowsTheBoard();
+    void cardAndKeyAreShown();
+    void aProfileThatIsResetIsNotTheActiveOne();
+    void aModelWithoutAScreenHasNoBacklight();
+    void theProgramShowsTheBar();
+    void thePictureShowsTheBar();
+
+private:
+    void show();
+    QObject *sign(const char *name) const;
+    QColor colourOf(const char *name) const;
+    QImage picture();
+    QColor pixelAt(const char *name, double x, double y);
+    static QString state(const Link *link) { return link->state(); }
+
+    std::unique_ptr<QQuickView> view;
+    Instrument *instrument = nullptr;
+};
+
+void TestStatusBar::init()
+{
+    WifiTest::init();
+    warnings.clear();
+    connman.setServices({wired(), network("Lab", "idle")});
+}
+
+void TestStatusBar::cleanup()
+{
+    view.reset();
+    WifiTest::cleanup();
+    QCOMPARE(warnings, QStringList());
+}
+
+void TestStatusBar::show()
+{
+    view = std::make_unique<QQuickView>();
+    view->setSource(QUrl("qrc:/StatusBar.qml"));
+    QCOMPARE(view->status(), QQuickView::Ready);
+    view->show();
+    QVERIFY(QTest::qWaitForWindowExposed(view.get()));
+    instrument = view->rootObject()->property("instrument").value<Instrument *>();
+    QVERIFY(instrument);
+}
+
+QObject *TestStatusBar::sign(const char *name) const
+{
+    return view->rootObject()->findChild<QObject *>(name);
+}
+
+QColor TestStatusBar::colourOf(const char *name) const
+{
+    return sign(name)->property("color").value<QColor>();
+}
+
+/** What can be seen; the window itself cannot be grabbed without a screen. */
+QImage TestStatusBar::picture()
+{
+    const QSharedPointer<QQuickItemGrabResult> result = view->rootObject()->grabToImage();
+    QSignalSpy ready(result.data(), &QQuickItemGrabResult::ready);
+    return ready.wait(20000) ? result->image().convertToFormat(QImage::Format_RGB32) : QImage();
+}
+
+/** The colour that is seen there, in parts of the item's width and height. */
+QColor TestStatusBar::pixelAt(const char *name, double x, double y)
+{
+    const auto *item = qobject_cast<QQuickItem *>(sign(name));
+    const QPoint point = item->mapToScene(QPointF(item->width() * x, item->height() * y)).toPoint();
+    const QImage shown = picture();
+    return shown.rect().contains(point) ? shown.pixelColor(point) : QColor();
+}
+
+void TestStatusBar::withoutTheDaemonNothingIsKnown()
+{
+    show();
+    QCOMPARE(instrument->isAvailable(), false);
+    QCOMPARE(instrument->problem(), QString("The board manager is away"));
+    QCOMPARE(state(instrument->ethernet()), QString("unknown"));
+    QCOMPARE(instrument->sdCard(), QString("unknown"));
+    QCOMPARE(instrument->batteryLevel(), -1);
+    QCOMPARE(sign("problem")->property("visible").toBool(), true);
+    QCOMPARE(sign("problem")->property("text").toString(), instrument->problem());
+    QCOMPARE(sign("signs")->property("visible").toBool(), false);
+    QCOMPARE(sign("profile")->property("visible").toBool(), false);
+}
+
+void TestStatusBar::theDaemonIsShownWhenItComes()
+{
+    show();
+    begin();
+    QTRY_COMPARE(instrument->isAvailable(), true);
+    QTRY_COMPARE(instrument->profile(), QString("user1"));
+    QTRY_COMPARE(instrument->batteryLevel(), 80);
+    QTRY_COMPARE(instrument->backlight(), 55);
+    QTRY_COMPARE(instrument->sdCard(), QString("none"));
+    QCOMPARE(instrument->problem(), QString());
+    // It has seen the start: all links are down.
+    for (const Link *link : {instrument->ethernet(), instrument->wifi(), instrument->accessPoint()})
+        QCOMPARE(link->state(), QString("idle"));
+    QCOMPARE(sign("problem")->property("visible").toBool(), false);
+    QCOMPARE(sign("profile")->property("text").toString(), QString("user1"));
+    QCOMPARE(sign("backlight")->property("text").toString(), QString("\u2600 55 %"));
+    QCOMPARE(sign("ethernet")->property("text").toString(), QString("LAN"));
+    QCOMPARE(colourOf("ethernet"), grey);
+    QCOMPARE(sign("strength")->property("visible").toBool(), false);
+}
+
+void TestStatusBar::theCableIsShownAsItConnects()
+{
+    begin();
+    show();
+    QTRY_COMPARE(instrument->profile(), QString("user1"));
+    QStringList states;
+    QObject::connect(instrument->ethernet(), &Link::stateChanged, this,
+                     [&] { states << instrument->ethernet()->state(); });
+    connectEthernet(ethernet, connman, "ready");
+    QTRY_COMPARE(states, (QStringList{"association", "ready"}));
+    QCOMPARE(colourOf("ethernet"), amber);
+    connman.storeProperty(cable, "IPv4", lease);
+    connman.setProperty(ConnmanStandIn::ethernetTechnology, "Connected", true);
+    QTRY_COMPARE(instrument->ethernet()->address(), QString("10.77.0.50"));
+    QCOMPARE(colourOf("ethernet"), green);
+    QCOMPARE(ethernet.call("disconnect"), QString("()"));
+    QTRY_COMPARE(states, (QStringList{"association", "ready", "online", "disconnect", "idle"}));
+    QCOMPARE(instrument->ethernet()->address(), QString());
+    QCOMPARE(colourOf("ethernet"), grey);
+}
+
+void TestStatusBar::theStationIsShownAsItConnects()
+{
+    show();
+    reach("online");
+    QTRY_COMPARE(state(instrument->wifi()), QString("online"));
+    QTRY_COMPARE(instrument->wifi()->address(), QString("10.0.0.7"));
+    QTRY_COMPARE(instrument->wifi()->strength(), 70);
+    QTRY_COMPARE(sign("strength")->property("visible").toBool(), true);
+    QCOMPARE(colourOf("wifi"), green);
+    connman.setProperty(lab, "Strength", QVariant::fromValue(uchar(20)));
+    QTRY_COMPARE(instrument->wifi()->strength(), 20);
+    // The last of the four bars is not lit any more, the first one is.
+    QTRY_COMPARE(pixelAt("strength", 0.95, 0.5), grey);
+    QCOMPARE(pixelAt("strength", 0.1, 0.75), green);
+    // ConnMan has it off already: that is an error, and leads to idle all the same.
+    wifi.call("disconnect");
+    QTRY_COMPARE(state(instrument->wifi()), QString("idle"));
+    QCOMPARE(colourOf("wifi"), grey);
+    QCOMPARE(instrument->wifi()->strength(), -1);
+    QCOMPARE(instrument->wifi()->address(), QString());
+    instrument->wifi()->takeProperty("State", "failure");
+    QCOMPARE(colourOf("wifi"), red);
+}
+
+void TestStatusBar::theAccessPointIsShown()
+{
+    begin();
+    show();
+    QTRY_COMPARE(instrument->profile(), QString("user1"));
+    QCOMPARE(state(instrument->accessPoint()), QString("unknown"));
+    const QVariantMap parameters = {
+        {"Channel", 6}, {"SSID", "Lab"}, {"Security", "open"}, {"IP", "192.168.7.1"}};
+    QCOMPARE(wifiAp.call("connect", {parameters}), QString("()"));
+    QTRY_COMPARE(state(instrument->accessPoint()), QString("configuration"));
+    QCOMPARE(colourOf("accessPoint"), amber);
+}
+
+void TestStatusBar::whoStartsLateKnowsWhatIsUp()
+{
+    reach("online");
+    ListedObject joined = network("Lab", "ready");
+    joined.properties.insert("IPv4", address);
+    connman.setServices({wired(), joined});
+    connectEthernet(ethernet, connman, "ready");
+    show();
+    QTRY_COMPARE(state(instrument->wifi()), QString("online"));
+    QTRY_COMPARE(instrument->wifi()->address(), QString("10.0.0.7"));
+    QTRY_COMPARE(instrument->wifi()->strength(), 70);
+    QTRY_COMPARE(instrument->profile(), QString("user1"));
+    // Nothing tells how far the cable is, and whether there is an access point.
+    QCOMPARE(state(instrument->ethernet()), QString("unknown"));
+    QCOMPARE(state(instrument->accessPoint()), QString("unknown"));
+    QCOMPARE(sign("ethernet")->property("text").toString(), QString("LAN ?"));
+    connman.storeProperty(cable, "IPv4", lease);
+    connman.setProperty(ConnmanStandIn::ethernetTechnology, "Connected", true);
+    QTRY_COMPARE(state(instrument->ethernet()), QString("online"));
+    QTRY_COMPARE(instrument->ethernet()->address(), QString("10.77.0.50"));
+}
+
+void TestStatusBar::theDaemonMayDieAndComeBack()
+{
+    show();
+    reach("online");
+    QTRY_COMPARE(instrument->wifi()->strength(), 70);
+    daemon.stop();
+    QTRY_COMPARE(instrument->isAvailable(), false);
+    QCOMPARE(instrument->profile(), QString());
+    QCOMPARE(instrument->batteryLevel(), -1);
+    QCOMPARE(instrument->backlight(), -1);
+    QCOMPARE(instrument->usbKey(), QString("unknown"));
+    QCOMPARE(state(instrument->wifi()), QString("unknown"));
+    QCOMPARE(instrument->wifi()->strength(), -1);
+    QCOMPARE(sign("problem")->property("visible").toBool(), true);
+    QCOMPARE(sign("signs")->property("visible").toBool(), false);
+
+    QFile::remove("/tmp/User_part/system");
+    QVERIFY(QFile::link(profile("user2"), "/tmp/User_part/system"));
+    QVERIFY(daemon.start());
+    QTRY_COMPARE(instrument->profile(), QString("user2"));
+    QTRY_COMPARE(instrument->batteryLevel(), 80);
+    QCOMPARE(state(instrument->wifi()), QString("idle"));
+    // It hears the new one, too.
+    QCOMPARE(Remote("/KyConfigMgr", "Users").call("setUser", {"user3"}), QString("()"));
+    QTRY_COMPARE(instrument->profile(), QString("user3"));
+    connectEthernet(ethernet, connman, "association");
+    QTRY_COMPARE(state(instrument->ethernet()), QString("association"));
+}
+
+void TestStatusBar::theBatteryFollowsTheBoard()
+{
+    begin();
+    show();
+    QTRY_COMPARE(instrument->batteryLevel(), 80);
+    QTRY_COMPARE(pixelAt("fill", 0.98, 0.5), green);
+    const double full = sign("fill")->property("width").toDouble();
+    Board::set("battery/charge", "15");
+    // No signal tells before the daemon's next check: the bar asks.
+    QTRY_COMPARE_WITH_TIMEOUT(instrument->batteryLevel(), 20, 20000);
+    QCOMPARE(sign("fill")->property("width").toDouble(), full / 4);
+    QTRY_COMPARE(pixelAt("fill", 0.5, 0.5), red);
+    Board::set("charger/present", "1");
+    QTRY_COMPARE_WITH_TIMEOUT(instrument->isChargerConnected(), true, 20000);
+}
+
+void TestStatusBar::cardAndKeyAreShown()
+{
+    begin();
+    show();
+    QTRY_COMPARE(instrument->sdCard(), QString("none"));
+    QVERIFY(Board::storage("insert", "SD"));
+    QTRY_COMPARE(instrument->sdCard(), QString("mounted"));
+    QCOMPARE(colourOf("sdCard"), green);
+    QVERIFY(Board::storage("insert", "USB"));
+    QTRY_COMPARE(instrument->usbKey(), QString("inserted"));
+    QCOMPARE(colourOf("usbKey"), amber);
+    // That it is mounted is announced by nobody.
+    QVERIFY(Board::storage("mount", "USB"));
+    QTRY_COMPARE_WITH_TIMEOUT(instrument->usbKey(), QString("mounted"), 20000);
+    QVERIFY(Board::storage("remove", "USB"));
+    QVERIFY(Board::storage("remove", "SD"));
+    QTRY_COMPARE(instrument->sdCard(), QString("none"));
+    QTRY_COMPARE(instrument->usbKey(), QString("none"));
+    QCOMPARE(colourOf("usbKey"), grey);
+}
+
+void TestStatusBar::aProfileThatIsResetIsNotTheActiveOne()
+{
+    begin();
+    show();
+    QTRY_COMPARE(instrument->profile(), QString("user1"));
+    BusMonitor monitor;
+    QCOMPARE(Remote("/KyConfigMgr", "Users").call("factoryReset", {"user3"}), QString("()"));
+    const auto asks = [&] {
+        for (const BusMessage &message : monitor.take()) {
+            if (message.type == BusMessage::Call && message.member == "getUser")
+                return true;
+        }
+        return false;
+    };
+    QVERIFY(QTest::qWaitFor(asks, 20000));
+    settle();
+    QCOMPARE(instrument->profile(), QString("user1"));
+    QCOMPARE(Remote("/KyConfigMgr", "Users").call("setUser", {"user2"}), QString("()"));
+    QTRY_COMPARE(sign("profile")->property("text").toString(), QString("user2"));
+}
+
+void TestStatusBar::aModelWithoutAScreenHasNoBacklight()
+{
+    Board::setModel(0x8346);
+    begin();
+    show();
+    QTRY_COMPARE(instrument->profile(), QString("user1"));
+    QTRY_COMPARE(instrument->sdCard(), QString("none"));
+    QCOMPARE(instrument->backlight(), -1);
+    QCOMPARE(instrument->problem(), QString());
+    QCOMPARE(sign("backlight")->property("visible").toBool(), false);
+}
+
+void TestStatusBar::theProgramShowsTheBar()
+{
+    begin();
+    BusMonitor monitor;
+    QProcess bar;
+    bar.start(STATUS_BAR, QStringList());
+    QVERIFY(bar.waitForStarted());
+    const auto asks = [&] {
+        for (const BusMessage &message : monitor.take()) {
+            if (message.type == BusMessage::Call && message.member == "getBacklight")
+                return true;
+        }
+        return false;
+    };
+    QVERIFY(QTest::qWaitFor(asks, 20000));
+    bar.terminate();
+    QVERIFY(bar.waitForFinished());
+    QCOMPARE(bar.exitCode(), SIGTERM);
+    QCOMPARE(bar.readAllStandardError(), QByteArray());
+}
+
+void TestStatusBar::thePictureShowsTheBar()
+{
+    show();
+    reach("online");
+    QTRY_COMPARE(instrument->wifi()->strength(), 70);
+    QTRY_COMPARE(instrument->batteryLevel(), 80);
+    QTRY_COMPARE(instrument->backlight(), 55);
+    QVERIFY(Board::storage("insert", "SD"));
+    QTRY_COMPARE(colourOf("sdCard"), green);
+    QVERIFY(Board::storage("insert", "USB"));
+    QTRY_COMPARE(colourOf("usbKey"), amber);
+    const QImage shown = picture();
+    // For whoever has changed the bar.
+    static_cast<void>(shown.save(DRAWN));
+    const QImage kept = QImage(PICTURE).convertToFormat(QImage::Format_RGB32);
+    QCOMPARE(kept.size(), shown.size());
+    // Letters are not drawn the same everywhere.
+    int different = 0;
+    for (int y = 0; y < shown.height(); ++y) {
+        for (int x = 0; x < shown.width(); ++x)
+            different += std::abs(qGray(shown.pixel(x, y)) - qGray(kept.pixel(x, y))) > 64 ? 1 : 0;
+    }
+    QVERIFY2(different * 100 < shown.width() * shown.height(),
+             qPrintable(QString::number(different)));
+}
+
+int main(int argc, char *argv[])
+{
+    if (!QFile::exists(QStringLiteral("/run/private-world")))
+        qFatal("this test writes to /opt and /tmp: run it in a private world");
+    const QString session = QStringLiteral("/tmp/session");
+    QDir().mkpath(session);
+    QFile::setPermissions(session, QFile::ReadOwner | QFile::WriteOwner | QFile::ExeOwner);
+    qputenv("XDG_RUNTIME_DIR", session.toLocal8Bit());
+    qputenv("QT_QPA_PLATFORM", "offscreen");
+    qputenv("QT_QUICK_BACKEND", "software");
+    QGuiApplication application(argc, argv);
+    qInstallMessageHandler(takeMessage);
+    Instrument::registerTypes();
+    TestStatusBar test;
+    return QTest::qExec(&test, argumentsOfPart(*test.metaObject(), application.arguments(),
+                                               qEnvironmentVariable("TEST_PART")));
+}
+
+#include "test_statusbar.moc"
