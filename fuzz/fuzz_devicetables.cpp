@@ -40,9 +40,9 @@ void checkBrightness(Choices &choices)
         level = static_cast<int>(choices.number());
     const int level = brightnessLevel(static_cast<double>(choices.number()), bounds);
     require(level >= 1 && level <= 16, "light has a level");
-    BrightnessBand band = {0, 0};
-    if (brightnessBand(level, bounds, band) == Error::None)
-        require(band.low >= 0 && band.low <= band.high, "a band is in order");
+    if (const auto band = brightnessBand(level, bounds))
+        require(band->low >= 0 && band->low <= band->high, "a band is in order");
+    require(hasBacklightEntry(stepForLevel(level).step), "a level has a step");
     thresholdTimerByte(static_cast<unsigned int>(choices.number()));
 }
 } // namespace

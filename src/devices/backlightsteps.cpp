@@ -2,7 +2,7 @@
 
 namespace
 {
-const int lastEntry = 12;
+constexpr int lastEntry = 12;
 } // namespace
 
 int backlightStep(int percentage, const BacklightSteps &steps)
@@ -13,6 +13,12 @@ int backlightStep(int percentage, const BacklightSteps &steps)
             return step;
     }
     return stepAboveAll;
+}
+
+LightStep stepForLevel(int level)
+{
+    const int step = level - 1;
+    return {backlightEntry(step), !hasBacklightEntry(step)};
 }
 
 bool hasBacklightEntry(int step)

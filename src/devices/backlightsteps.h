@@ -20,6 +20,17 @@ const int stepAboveAll = 15;
  */
 int backlightStep(int percentage, const BacklightSteps &steps);
 
+/** What the light asks for. */
+struct LightStep {
+    /** A step of the table. */
+    int step;
+    /** The light is beyond the table: the step is the last one, and no reason to leave another. */
+    bool isBeyondTable;
+};
+
+/** The step for the light's level @p level (1 to 16). */
+LightStep stepForLevel(int level);
+
 /** Whether the table has an entry for @p step: 0 to 12. */
 bool hasBacklightEntry(int step);
 

@@ -1,5 +1,7 @@
 #include "batterystatus.h"
 
+#include "enumnames.h"
+
 #include <limits>
 
 namespace
@@ -36,6 +38,11 @@ Battery::Status statusOf(qint64 charge, const Bound *bound)
         ++bound;
     return bound->status;
 }
+
+QMetaEnum names()
+{
+    return registeredEnum(Battery::staticMetaObject, "Status");
+}
 } // namespace
 
 Battery::Status batteryStatus(bool chargerPresent, int meterType,
@@ -50,4 +57,17 @@ Battery::Status batteryStatus(bool chargerPresent, int meterType,
     if (charge < 0)
         return statusOf(-charge, charging);
     return measurement.isCharging ? Battery::CHARGER_ON_BAT_INF_20 : Battery::CHARGER_ON_BAT_FULL;
+}
+
+QString batteryStatusName(Battery::Status status)
+{
+    return enumName(names(), status);
+}
+
+std::optional<Battery::Status> batteryStatusNamed(const QString &name)
+{
+    const std::optional<int> value = enumValue(names(), name);
+    if (!value)
+        return std::nullopt;
+    return static_cast<Battery::Status>(*value);
 }

@@ -2,6 +2,9 @@
 #define BATTERYSTATUS_H
 
 #include <QObject>
+#include <QString>
+
+#include <optional>
 
 /** The battery statuses. Their names are part of the interface. */
 class Battery
@@ -45,5 +48,11 @@ struct BatteryMeasurement {
  */
 Battery::Status batteryStatus(bool chargerPresent, int meterType,
                               const BatteryMeasurement &measurement);
+
+/** The name of @p status. */
+QString batteryStatusName(Battery::Status status);
+
+/** The status of that name, compared exactly; nothing for any other text. */
+std::optional<Battery::Status> batteryStatusNamed(const QString &name);
 
 #endif

@@ -1,11 +1,9 @@
 #include "brightnesslevels.h"
 
-#include "errorcode.h"
-
 namespace
 {
-const int lowestLevel = 1;
-const int highestLevel = 16;
+constexpr int lowestLevel = 1;
+constexpr int highestLevel = 16;
 } // namespace
 
 int brightnessLevel(double lux, const BrightnessBounds &bounds)
@@ -17,13 +15,12 @@ int brightnessLevel(double lux, const BrightnessBounds &bounds)
     return highestLevel;
 }
 
-int brightnessBand(int level, const BrightnessBounds &bounds, BrightnessBand &band)
+std::optional<BrightnessBand> brightnessBand(int level, const BrightnessBounds &bounds)
 {
     const BrightnessBand around = {bounds.level[level - 1], bounds.level[level + 1]};
     if (around.low < 0 || around.low > around.high)
-        return Error::InvalidArgument;
-    band = around;
-    return Error::None;
+        return std::nullopt;
+    return around;
 }
 
 unsigned char thresholdTimerByte(unsigned int timer)

@@ -1,6 +1,8 @@
 #ifndef BRIGHTNESSLEVELS_H
 #define BRIGHTNESSLEVELS_H
 
+#include <optional>
+
 /*
  * The brightness levels: how an illuminance is sorted into them, and around which band of it the
  * light sensor is to stay silent.
@@ -25,12 +27,11 @@ struct BrightnessBand {
 int brightnessLevel(double lux, const BrightnessBounds &bounds);
 
 /**
- * Gives the band around @p level (1 to 16), which reaches from the bound below it to the one above
- * it: the light must cross a neighbouring level before it counts as changed.
- *
- * @return Error::None, or Error::InvalidArgument for a band that is negative or upside down
+ * The band around @p level (1 to 16), which reaches from the bound below it to the one above it:
+ * the light must cross a neighbouring level before it counts as changed. Nothing where that band
+ * would be negative or upside down.
  */
-int brightnessBand(int level, const BrightnessBounds &bounds, BrightnessBand &band);
+std::optional<BrightnessBand> brightnessBand(int level, const BrightnessBounds &bounds);
 
 /** The sensor's persistence byte for the setting @p timer, of which only the low bits count. */
 unsigned char thresholdTimerByte(unsigned int timer);

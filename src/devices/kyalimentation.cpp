@@ -1,17 +1,16 @@
 #include "kyalimentation.h"
 
-#include "enumnames.h"
 #include "kysocmanager.h"
 
 #include <QTimer>
 
 namespace
 {
-const int startInterval = 10000;
-const int steadyInterval = 300000;
+constexpr int startIntervalMs = 10000;
+constexpr int steadyIntervalMs = 300000;
 
-const unsigned short supplyRegister = 0x600;
-const unsigned int chargerPresentBit = 1U << 30;
+constexpr unsigned short supplyRegister = 0x600;
+constexpr unsigned int chargerPresentBit = 1U << 30;
 
 /** False also when the register cannot be read. */
 bool readChargerPresence()
@@ -33,7 +32,7 @@ KyAlimentation::KyAlimentation(QObject *parent)
 {
     m_checkTimer->setTimerType(Qt::PreciseTimer);
     connect(m_checkTimer, &QTimer::timeout, this, &KyAlimentation::periodicBatteryCheck);
-    m_checkTimer->start(startInterval);
+    m_checkTimer->start(startIntervalMs);
     refresh();
 }
 
@@ -45,7 +44,7 @@ QString KyAlimentation::readBatteryStatus()
         m_chargerPresent = present;
         m_batmonitor.update(present);
     }
-    QString status = enumName(registeredEnum(Battery::staticMetaObject, "Status"), measure());
+    QString status = batteryStatusName(measure());
     if (changed)
         Q_EMIT batteryStatus(status);
     return status;
@@ -66,7 +65,7 @@ void KyAlimentation::periodicBatteryCheck()
     if (m_fastChecksLeft > 0) {
         --m_fastChecksLeft;
     } else if (m_fastChecksLeft == 0) {
-        m_checkTimer->start(steadyInterval);
+        m_checkTimer->start(steadyIntervalMs);
         m_fastChecksLeft = -1;
     }
     refresh();

@@ -1,14 +1,14 @@
 #ifndef KYBRIGHTNESS_H
 #define KYBRIGHTNESS_H
 
-#include "brightnesslevels.h"
 #include "introspection/Brightness.h"
-#include "kyals.h"
+#include "lightsensor.h"
 
 #include <QDBusAbstractAdaptor>
 
+#include <optional>
+
 class QDBusMessage;
-class QSocketNotifier;
 
 /**
  * The ambient light: its illuminance, and the announcement that it changed by a level.
@@ -26,13 +26,8 @@ public:
     /** Reads the levels from the settings, sets the sensor up and watches its interrupt. */
     explicit KyBrightness(QObject *parent);
 
-    /**
-     * Reads the illuminance, in lux, into @p lux.
-     *
-     * @return Error::None; or Error::Initialisation for a sensor that could not be set up and
-     *         Error::Read when the reading fails, both with -1 as illuminance
-     */
-    int readLight(double &lux);
+    /** The illuminance in lux; nothing for a sensor that could not be set up, or read. */
+    std::optional<double> readLight();
 
     /** The level of @p lux, 1 to 16. */
     int levelOf(double lux) const;
@@ -60,16 +55,7 @@ private Q_SLOTS:
     void handleAlsActivation(int socket);
 
 private:
-    int setUp();
-    bool programSensor();
-    bool watchInterrupt();
-    int setBand(int level);
-
-    int m_initError;
-    KyAls m_als;
-    /** Null where no interrupt is watched; the adapted object owns it. */
-    QSocketNotifier *m_notifier;
-    BrightnessBounds m_bounds;
+    LightSensor m_sensor;
 };
 
 #endif

@@ -72,10 +72,7 @@ Q_SIGNALS:
 
 private:
     void handleBrightnessChange(double brightness, int brightnessLevel);
-    int readPercentage(int &percentage) const;
-    int writePercentage(int percentage) const;
-    int applyStep(int step);
-    int applyLight();
+    int followLight();
 
     KyBrightness *m_brightness;
     bool m_autoBacklight;

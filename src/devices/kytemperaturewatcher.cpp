@@ -9,9 +9,9 @@
 
 namespace
 {
-const int startInterval = 300000;
-const int shortestInterval = 1000;
-const int startThreshold = 80;
+constexpr int startIntervalMs = 300000;
+constexpr int shortestIntervalMs = 1000;
+constexpr int startThresholdCelsius = 80;
 
 QMetaEnum deviceNames()
 {
@@ -22,12 +22,12 @@ QMetaEnum deviceNames()
 KyTemperatureWatcher::KyTemperatureWatcher(QObject *parent)
     : QDBusAbstractAdaptor(parent),
       m_checkTimer(new QTimer(this)),
-      m_somThreshold(startThreshold),
-      m_analogChainThreshold(startThreshold)
+      m_somThreshold(startThresholdCelsius),
+      m_analogChainThreshold(startThresholdCelsius)
 {
     m_checkTimer->setTimerType(Qt::PreciseTimer);
     connect(m_checkTimer, &QTimer::timeout, this, &KyTemperatureWatcher::periodicTemperatureCheck);
-    m_checkTimer->start(startInterval);
+    m_checkTimer->start(startIntervalMs);
 }
 
 QVariantMap KyTemperatureWatcher::getTemperatures()
@@ -53,7 +53,7 @@ void KyTemperatureWatcher::setTemperatureThreshold(QString device, int threshold
 
 void KyTemperatureWatcher::setInterval(int interval, const QDBusMessage &message)
 {
-    if (interval < shortestInterval) {
+    if (interval < shortestIntervalMs) {
         // Clients match on this wording, though 1000 itself is accepted.
         sendErrorReply(Error::InvalidArgument,
                        QStringLiteral("Intervall is too short, should be > 1s (1000)"), message);

@@ -2,6 +2,10 @@
 #define LEDS_H
 
 #include <QObject>
+#include <QString>
+#include <QVector>
+
+#include <optional>
 
 /** The front-panel LEDs and what they show. The names are part of the interface. */
 class Leds
@@ -37,5 +41,23 @@ public:
         UNKNOWN = 4,
     };
 };
+
+/** An enumerator and its name. */
+struct NamedValue {
+    int value;
+    QString name;
+};
+
+/** Every LED. */
+const QVector<NamedValue> &ledNames();
+
+/** The LED of that name, compared exactly; nothing for any other text. */
+std::optional<int> ledNamed(const QString &name);
+
+/** The state of that name, compared exactly; nothing for any other text. */
+std::optional<int> ledStateNamed(const QString &name);
+
+/** The name of @p state; a number that the library should not give has the name of UNKNOWN. */
+QString ledStateName(int state);
 
 #endif

@@ -2,6 +2,7 @@
 
 #include "arguments.h"
 #include "boardrevision.h"
+#include "boardrevisions.h"
 #include "busvalue.h"
 #include "error.h"
 #include "instrumentrecord.h"
@@ -27,7 +28,7 @@ QVariantMap KyVersion::getEepromInstrument()
 {
     if (!m_instrument.isEmpty())
         return m_instrument;
-    m_instrument = decodeInstrumentRecord(readRecord(EEPROM_INSTRUMENT, instrumentRecordSize));
+    m_instrument = decodeInstrumentRecord(m_eeproms.read(EEPROM_INSTRUMENT, instrumentRecordSize));
     if (m_instrument.value(crc).toBool()) {
         const unsigned int brand = m_instrument.value(QStringLiteral("Brand")).toUInt();
         const QString model = m_instrument.value(QStringLiteral("Model")).toString();
@@ -52,7 +53,7 @@ void KyVersion::setEepromInstrument(const QVariantMap &map, const QDBusMessage &
 QVariantMap KyVersion::getEepromMesure()
 {
     if (m_measure.isEmpty())
-        m_measure = decodeMeasureRecord(readRecord(EEPROM_MESURE, measureRecordSize));
+        m_measure = decodeMeasureRecord(m_eeproms.read(EEPROM_MESURE, measureRecordSize));
     return m_measure;
 }
 
@@ -77,30 +78,14 @@ void KyVersion::invalidateEepromsContent(const QDBusMessage &message)
         return;
     m_instrument.clear();
     m_measure.clear();
-    const HeldTermination held;
-    if (!liftWriteProtection(message))
-        return;
     const QByteArray noCrc(2, '\0');
-    write(EEPROM_INSTRUMENT, noCrc, message);
-    write(EEPROM_MESURE, noCrc, message);
-    restoreWriteProtection(message);
+    write({{EEPROM_INSTRUMENT, noCrc}, {EEPROM_MESURE, noCrc}}, message);
 }
 
 QVariantMap KyVersion::getRevision()
 {
-    if (!m_revisions.isEmpty())
-        return m_revisions;
-    unsigned int revision = 0;
-    if (m_boardRev.getRevision(DEVICE_SOM, &revision) == 0) {
-        m_revisions.insert(QStringLiteral("SOM"), revision);
-        m_boardRev.setSoMRevision(revision);
-    }
-    if (m_boardRev.getRevision(DEVICE_HPS, &revision) == 0)
-        m_revisions.insert(QStringLiteral("HPS"), revision);
-    if (m_boardRev.getRevision(DEVICE_FPGA, &revision) == 0)
-        m_revisions.insert(QStringLiteral("FPGA"), fpgaRevisionText(revision));
-    if (m_boardRev.getRevision(DEVICE_MESURE_CARD, &revision) == 0)
-        m_revisions.insert(QStringLiteral("MESURE_CARD"), revision);
+    if (m_revisions.isEmpty())
+        m_revisions = readRevisions(m_boardRev);
     return m_revisions;
 }
 
@@ -108,55 +93,35 @@ QVariantMap KyVersion::getSoftwareVersions()
 {
     if (!m_softwareVersions.isEmpty())
         return m_softwareVersions;
-    QByteArray version;
-    if (readBspVersion(version))
-        m_softwareVersions.insert(QStringLiteral("BSP"), version);
+    if (const auto version = readBspVersion())
+        m_softwareVersions.insert(QStringLiteral("BSP"), *version);
     m_softwareVersions.insert(QStringLiteral("KyBoardManager"),
                               QCoreApplication::applicationVersion());
-    if (askApplicationVersion(version))
-        m_softwareVersions.insert(QStringLiteral("KyApp"), version);
+    if (const auto version = askApplicationVersion())
+        m_softwareVersions.insert(QStringLiteral("KyApp"), *version);
     return m_softwareVersions;
-}
-
-/** A null byte array when it cannot be read. */
-QByteArray KyVersion::readRecord(e_eeprom eeprom, int size)
-{
-    // A buffer that the library leaves as it is must not pass for a record: zeros would.
-    QByteArray record(size, '\xFF');
-    char *buffer = record.data();
-    const int result = m_eeprom.readEeprom(eeprom, &buffer, 0, static_cast<unsigned int>(size));
-    return result == 0 ? record : QByteArray();
 }
 
 /** Writes @p record and marks @p cache, which holds its values, as valid. */
 void KyVersion::writeRecord(e_eeprom eeprom, const QByteArray &record, QVariantMap &cache,
                             const QDBusMessage &message)
 {
-    const HeldTermination held;
-    if (!liftWriteProtection(message))
-        return;
-    write(eeprom, record, message);
-    restoreWriteProtection(message);
     // Also after a failed write: clients see the values that they have set.
-    cache.insert(crc, true);
+    if (write({{eeprom, record}}, message))
+        cache.insert(crc, true);
 }
 
-bool KyVersion::liftWriteProtection(const QDBusMessage &message)
+/** Sends an error for each step that fails; false where nothing could be written at all. */
+bool KyVersion::write(const QVector<Eeproms::Content> &contents, const QDBusMessage &message)
 {
-    if (m_eeprom.setWriteEnable(true) == 0)
-        return true;
-    sendErrorReply(Error::Initialisation, notEnabled, message);
-    return false;
-}
-
-void KyVersion::write(e_eeprom eeprom, QByteArray bytes, const QDBusMessage &message)
-{
-    if (m_eeprom.writeEeprom(eeprom, bytes.data(), 0, static_cast<unsigned int>(bytes.size())) != 0)
-        sendErrorReply(Error::Write, notWritten, message);
-}
-
-void KyVersion::restoreWriteProtection(const QDBusMessage &message)
-{
-    if (m_eeprom.setWriteEnable(false) != 0)
-        sendErrorReply(Error::Write, notDisabled, message);
+    const HeldTermination held;
+    const QVector<Eeproms::Step> failed = m_eeproms.write(contents);
+    for (const Eeproms::Step step : failed) {
+        if (step == Eeproms::Step::LiftProtection)
+            sendErrorReply(Error::Initialisation, notEnabled, message);
+        else
+            sendErrorReply(Error::Write, step == Eeproms::Step::Write ? notWritten : notDisabled,
+                           message);
+    }
+    return !failed.contains(Eeproms::Step::LiftProtection);
 }

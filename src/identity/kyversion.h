@@ -1,9 +1,9 @@
 #ifndef KYVERSION_H
 #define KYVERSION_H
 
+#include "eeproms.h"
 #include "introspection/Version.h"
 #include "kyboardrev.h"
-#include "kyeeprom.h"
 
 #include <QDBusAbstractAdaptor>
 #include <QVariantMap>
@@ -84,15 +84,12 @@ public Q_SLOTS:
     QVariantMap getSoftwareVersions();
 
 private:
-    QByteArray readRecord(e_eeprom eeprom, int size);
     void writeRecord(e_eeprom eeprom, const QByteArray &record, QVariantMap &cache,
                      const QDBusMessage &message);
-    bool liftWriteProtection(const QDBusMessage &message);
-    void write(e_eeprom eeprom, QByteArray bytes, const QDBusMessage &message);
-    void restoreWriteProtection(const QDBusMessage &message);
+    bool write(const QVector<Eeproms::Content> &contents, const QDBusMessage &message);
 
     KyBoardRev m_boardRev;
-    KyEeprom m_eeprom;
+    Eeproms m_eeproms;
     QVariantMap m_instrument;
     QVariantMap m_measure;
     QVariantMap m_revisions;

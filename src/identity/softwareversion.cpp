@@ -10,9 +10,9 @@
 
 namespace
 {
-const int longestVersion = 8 * 1024 * 1024;
-const int chunkSize = 64 * 1024;
-const int patience = 3000;
+constexpr int longestVersion = 8 * 1024 * 1024;
+constexpr int chunkSize = 64 * 1024;
+constexpr int timeoutMs = 3000;
 
 using Finished = void (QProcess::*)(int, QProcess::ExitStatus);
 
@@ -22,23 +22,23 @@ void waitForEnd(QProcess &process)
     QElapsedTimer timer;
     timer.start();
     while (process.bytesAvailable() <= longestVersion) {
-        const int remaining = patience - static_cast<int>(timer.elapsed());
+        const int remaining = timeoutMs - static_cast<int>(timer.elapsed());
         if (remaining <= 0 || !process.waitForReadyRead(remaining))
             break;
     }
     // Its output may be closed while it still runs.
-    const int remaining = patience - static_cast<int>(timer.elapsed());
+    const int remaining = timeoutMs - static_cast<int>(timer.elapsed());
     if (process.bytesAvailable() <= longestVersion && remaining > 0)
         process.waitForFinished(remaining);
 }
 } // namespace
 
-bool readBspVersion(QByteArray &version)
+std::optional<QByteArray> readBspVersion()
 {
     QFile file;
     if (!openForReading(file, QStringLiteral("/etc/sw_version"),
                         QIODevice::ReadOnly | QIODevice::Text))
-        return false;
+        return std::nullopt;
     QByteArray line;
     QByteArray chunk;
     do {
@@ -47,12 +47,11 @@ bool readBspVersion(QByteArray &version)
     } while (!chunk.isEmpty() && !chunk.contains('\n') && line.size() <= longestVersion);
     line = line.mid(0, line.indexOf('\n'));
     if (line.size() > longestVersion)
-        return false;
-    version = line.trimmed();
-    return true;
+        return std::nullopt;
+    return line.trimmed();
 }
 
-bool askApplicationVersion(QByteArray &version)
+std::optional<QByteArray> askApplicationVersion()
 {
     std::unique_ptr<QProcess> process(new QProcess);
     process->setStandardErrorFile(QProcess::nullDevice());
@@ -64,12 +63,11 @@ bool askApplicationVersion(QByteArray &version)
         QProcess *killed = process.release();
         QObject::connect(killed, static_cast<Finished>(&QProcess::finished), killed,
                          &QObject::deleteLater);
-        return false;
+        return std::nullopt;
     }
     if (process->error() == QProcess::FailedToStart ||
         process->exitStatus() != QProcess::NormalExit || process->exitCode() != 0 ||
         process->bytesAvailable() > longestVersion)
-        return false;
-    version = process->readAllStandardOutput().trimmed();
-    return true;
+        return std::nullopt;
+    return process->readAllStandardOutput().trimmed();
 }

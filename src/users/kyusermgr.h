@@ -23,14 +23,11 @@ class KyUserMgr : public QDBusAbstractAdaptor
     Q_CLASSINFO("D-Bus Introspection", INTROSPECTION_USERS)
 
 public:
-    /** Folder of all profile folders and of the link; expected to exist. */
-    static const QString M_userFolderPath;
-    /** Suffix of a profile folder's name. */
-    static const QString M_userFolderSuffix;
-    /** The link to the active profile folder. */
-    static const QString M_systemFileName;
-    /** The factory default profile, source of every reset; never written. */
-    static const QString M_defaultFolder;
+    /** Names of the places of profiles.h. */
+    static const QString &M_userFolderPath;
+    static const QString &M_userFolderSuffix;
+    static const QString &M_systemFileName;
+    static const QString &M_defaultFolder;
 
     /**
      * Makes every user valid and, where the link names no valid user, activates the first profile
@@ -71,11 +68,7 @@ Q_SIGNALS:
     void userChanged(QString user);
 
 private:
-    int readCurrentUser(QString &user) const;
-    bool isValidUser(const QString &user) const;
     int switchUser(const QString &user);
-    int activate(const QString &user);
-    int reloadUserConfiguration();
 };
 
 #endif

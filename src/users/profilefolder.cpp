@@ -1,6 +1,5 @@
 #include "profilefolder.h"
 
-#include "errorcode.h"
 #include "trustedpath.h"
 
 #include <QByteArray>
@@ -389,10 +388,9 @@ bool canReplace(const Descriptor &folder, const Descriptor &source)
     return isReadable(source, erased, nullptr) && !isBelow(source, erased);
 }
 
-int eraseFolder(const Descriptor &folder)
+bool eraseFolder(const Descriptor &folder)
 {
-    const bool isErased = folder.isOpen() ? eraseContents(folder, 0) : folder.isAbsent();
-    return isErased ? Error::None : Error::Write;
+    return folder.isOpen() ? eraseContents(folder, 0) : folder.isAbsent();
 }
 
 void makeIncomplete(const Descriptor &folder, const Descriptor &reference)
@@ -405,17 +403,17 @@ void makeIncomplete(const Descriptor &folder, const Descriptor &reference)
                  freeName(folder, reference).constData());
 }
 
-int copyFolder(const Descriptor &source, const Descriptor &destination)
+bool copyFolder(const Descriptor &source, const Descriptor &destination)
 {
     if (!source.isOpen())
-        return source.isAbsent() && destination.isOpen() ? Error::None : Error::Write;
+        return source.isAbsent() && destination.isOpen();
     const QByteArray name = freeName(destination, source);
     if (mkdirat(destination.get(), name.constData(), S_IRWXU) != 0)
-        return Error::Write;
+        return false;
     const Descriptor staging = openPlainSubfolder(destination, name);
     // One sync of the file system: a sync of each file costs many times the copy itself.
     const bool isCopied = copyContents(source, staging, nullptr) && synchronise(staging) &&
                           moveContents(source, staging, destination);
     eraseSubfolder(destination, name, 0);
-    return isCopied ? Error::None : Error::Write;
+    return isCopied;
 }

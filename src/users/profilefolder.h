@@ -29,11 +29,9 @@ bool canReplace(const Descriptor &folder, const Descriptor &source);
 
 /**
  * Removes everything inside @p folder; the directory itself stays. Links are removed, never
- * followed.
- *
- * @return Error::None, or Error::Write at the first entry that cannot be removed
+ * followed. False at the first entry that cannot be removed.
  */
-int eraseFolder(const Descriptor &folder);
+bool eraseFolder(const Descriptor &folder);
 
 /**
  * Takes a file of @p reference, or a subdirectory if it has no file, from @p folder by giving it
@@ -48,9 +46,9 @@ void makeIncomplete(const Descriptor &folder, const Descriptor &reference);
  * to their place: no file has its name before its content is on the disk. The subdirectory does not
  * outlive the call; after a power cut it counts as any extra entry, and is erased as one.
  *
- * @return Error::None, or Error::Write at the first failure: a name that is taken already is one,
- *         and so is a link in @p source that must not be followed
+ * @return false at the first failure: a name that is taken already is one, and so is a link in
+ *         @p source that must not be followed
  */
-int copyFolder(const Descriptor &source, const Descriptor &destination);
+bool copyFolder(const Descriptor &source, const Descriptor &destination);
 
 #endif

@@ -17,6 +17,8 @@ private Q_SLOTS:
 
     void aStepIsCheckedAndFoundInTheTable_data();
     void aStepIsCheckedAndFoundInTheTable();
+    void theLightsLevelAsksForAStep_data();
+    void theLightsLevelAsksForAStep();
 };
 
 namespace
@@ -132,6 +134,26 @@ void TestBacklightSteps::aStepIsCheckedAndFoundInTheTable()
     QTEST(hasBacklightEntry(step), "hasEntry");
     if (step >= 0)
         QCOMPARE(backlightEntry(step), entry);
+}
+
+void TestBacklightSteps::theLightsLevelAsksForAStep_data()
+{
+    QTest::addColumn<int>("level");
+    QTest::addColumn<int>("step");
+    QTest::addColumn<bool>("isBeyondTable");
+    for (int level = 1; level <= 13; ++level)
+        QTest::newRow(qPrintable(QString::number(level))) << level << level - 1 << false;
+    QTest::newRow("14") << 14 << 12 << true;
+    QTest::newRow("15") << 15 << 12 << true;
+    QTest::newRow("16") << 16 << 12 << true;
+}
+
+void TestBacklightSteps::theLightsLevelAsksForAStep()
+{
+    QFETCH(int, level);
+    const LightStep light = stepForLevel(level);
+    QTEST(light.step, "step");
+    QTEST(light.isBeyondTable, "isBeyondTable");
 }
 
 QTEST_GUILESS_MAIN(TestBacklightSteps)

@@ -1,4 +1,3 @@
-#include "errorcode.h"
 #include "files.h"
 #include "profilefolder.h"
 #include "trustedpath.h"
@@ -75,7 +74,7 @@ void TestProfileFolder::init()
 
 void TestProfileFolder::aFolderWithEverythingIsComplete()
 {
-    QCOMPARE(copyFolder(at("default"), made("user")), int(Error::None));
+    QVERIFY(copyFolder(at("default"), made("user")));
     QVERIFY(isFolderComplete(at("default"), at("user")));
 }
 
@@ -132,7 +131,7 @@ void TestProfileFolder::aReferenceThatContainsItselfEndsTheComparison()
 
 void TestProfileFolder::erasingLeavesTheFolderItself()
 {
-    QCOMPARE(eraseFolder(at("default")), int(Error::None));
+    QVERIFY(eraseFolder(at("default")));
     QCOMPARE(snapshot(m_root->path()), QStringList{QStringLiteral("default")});
 }
 
@@ -143,7 +142,7 @@ void TestProfileFolder::erasingRemovesLinksNotTheirTargets()
     QVERIFY(QFile::link(path("precious/file"), path("default/filelink")));
     QVERIFY(QFile::link(path("nowhere"), path("default/sub/dangling")));
 
-    QCOMPARE(eraseFolder(at("default")), int(Error::None));
+    QVERIFY(eraseFolder(at("default")));
 
     QCOMPARE(snapshot(path("default")), QStringList());
     QCOMPARE(snapshot(path("precious")), QStringList{QStringLiteral("file=P")});
@@ -151,7 +150,7 @@ void TestProfileFolder::erasingRemovesLinksNotTheirTargets()
 
 void TestProfileFolder::aMissingFolderIsErased()
 {
-    QCOMPARE(eraseFolder(at("missing")), int(Error::None));
+    QVERIFY(eraseFolder(at("missing")));
     QVERIFY(!QFile::exists(path("missing")));
 }
 
@@ -168,13 +167,12 @@ void TestProfileFolder::whatCannotBeErasedIsTold()
 {
     QFETCH(QString, folder);
     QVERIFY(QFile::link(path("circle"), path("circle")));
-    QCOMPARE(eraseFolder(openDirectory(QDir(m_root->path()).absoluteFilePath(folder))),
-             int(Error::Write));
+    QVERIFY(!eraseFolder(openDirectory(QDir(m_root->path()).absoluteFilePath(folder))));
 }
 
 void TestProfileFolder::copyingMakesTheDestinationWithItsParents()
 {
-    QCOMPARE(copyFolder(at("default"), made("new/parents/user")), int(Error::None));
+    QVERIFY(copyFolder(at("default"), made("new/parents/user")));
     QCOMPARE(snapshot(path("new/parents/user")), snapshot(path("default")));
 }
 
@@ -192,7 +190,7 @@ void TestProfileFolder::copyingTakesWhatLinksPointAt()
     QVERIFY(QFile::link(path("elsewhere"), path("default/folderlink")));
     QVERIFY(QFile::link(path("nowhere"), path("default/dangling")));
 
-    QCOMPARE(copyFolder(at("default"), made("user")), int(Error::None));
+    QVERIFY(copyFolder(at("default"), made("user")));
 
     QCOMPARE(readFile(path("user/filelink")), QByteArray("E"));
     QVERIFY(!QFileInfo(path("user/filelink")).isSymLink());
@@ -214,7 +212,7 @@ void TestProfileFolder::copyingKeepsModes()
     QCOMPARE(chmod(qPrintable(path("default/.cache/deep")), 0555), 0);
     QCOMPARE(chmod(qPrintable(path("default/.cache")), 0510), 0);
 
-    QCOMPARE(copyFolder(at("default"), made("user")), int(Error::None));
+    QVERIFY(copyFolder(at("default"), made("user")));
 
     // What runs with another's rights is no part of a profile.
     QCOMPARE(modeOf("user/a"), mode_t(0640));
@@ -222,28 +220,28 @@ void TestProfileFolder::copyingKeepsModes()
     QCOMPARE(modeOf("user/.cache/deep"), mode_t(0555));
     QCOMPARE(modeOf("user/.cache"), mode_t(0510));
     // Not even its owner may write to it, who erases it all the same.
-    QCOMPARE(eraseFolder(at("user")), int(Error::None));
-    QCOMPARE(eraseFolder(at("default")), int(Error::None));
+    QVERIFY(eraseFolder(at("user")));
+    QVERIFY(eraseFolder(at("default")));
 }
 
 void TestProfileFolder::copyingOntoAnExistingFileFails()
 {
     writeFile(path("user/a"), "mine");
-    QCOMPARE(copyFolder(at("default"), made("user")), int(Error::Write));
+    QVERIFY(!copyFolder(at("default"), made("user")));
     QCOMPARE(readFile(path("user/a")), QByteArray("mine"));
     QVERIFY(!QFile::exists(path("user/.rebuild")));
 }
 
 void TestProfileFolder::aCopyLeavesNothingElseBehind()
 {
-    QCOMPARE(copyFolder(at("default"), made("user")), int(Error::None));
+    QVERIFY(copyFolder(at("default"), made("user")));
     QCOMPARE(snapshot(path("user")), snapshot(path("default")));
 }
 
 void TestProfileFolder::aCopyThatFailsLeavesNothingBehind()
 {
     QVERIFY(QFile::link(path("default"), path("default/sub/loop")));
-    QCOMPARE(copyFolder(at("default"), made("user")), int(Error::Write));
+    QVERIFY(!copyFolder(at("default"), made("user")));
     QCOMPARE(snapshot(path("user")), QStringList());
 }
 
@@ -254,14 +252,14 @@ void TestProfileFolder::aNameThatTheSourceHasIsNotUsedForCopying()
     writeFile(path("user/.rebuild++/inside"), "left by a power cut");
     const Descriptor user = at("user");
     makeIncomplete(user, at("default"));
-    QCOMPARE(eraseFolder(user), int(Error::None));
-    QCOMPARE(copyFolder(at("default"), user), int(Error::None));
+    QVERIFY(eraseFolder(user));
+    QVERIFY(copyFolder(at("default"), user));
     QCOMPARE(snapshot(path("user")), snapshot(path("default")));
 }
 
 void TestProfileFolder::copyingFromAMissingSourceMakesAnEmptyFolder()
 {
-    QCOMPARE(copyFolder(at("missing"), made("user")), int(Error::None));
+    QVERIFY(copyFolder(at("missing"), made("user")));
     QVERIFY(QFileInfo(path("user")).isDir());
     QCOMPARE(snapshot(path("user")), QStringList());
 }
@@ -269,14 +267,14 @@ void TestProfileFolder::copyingFromAMissingSourceMakesAnEmptyFolder()
 void TestProfileFolder::aSourceThatContainsItselfIsRefused()
 {
     QVERIFY(QFile::link(path("default"), path("default/sub/loop")));
-    QCOMPARE(copyFolder(at("default"), made("user")), int(Error::Write));
+    QVERIFY(!copyFolder(at("default"), made("user")));
 }
 
 void TestProfileFolder::aDestinationThatIsAFileIsRefusedAndKept()
 {
     writeFile(path("user"), "no folder");
-    QCOMPARE(eraseFolder(at("user")), int(Error::None));
-    QCOMPARE(copyFolder(at("default"), made("user")), int(Error::Write));
+    QVERIFY(eraseFolder(at("user")));
+    QVERIFY(!copyFolder(at("default"), made("user")));
     QCOMPARE(readFile(path("user")), QByteArray("no folder"));
 }
 
@@ -296,12 +294,12 @@ void TestProfileFolder::aPathLongerThanTheKernelTakesIsCopiedAndErased()
 {
     nest(path("default"), QByteArray(200, 'd'), 25);
     QVERIFY(canReplace(made("user"), at("default")));
-    QCOMPARE(copyFolder(at("default"), at("user")), int(Error::None));
+    QVERIFY(copyFolder(at("default"), at("user")));
     QVERIFY(isFolderComplete(at("default"), at("user")));
-    QCOMPARE(eraseFolder(at("user")), int(Error::None));
+    QVERIFY(eraseFolder(at("user")));
     QCOMPARE(snapshot(path("user")), QStringList());
     // Longer than QTemporaryDir erases.
-    QCOMPARE(eraseFolder(at("default")), int(Error::None));
+    QVERIFY(eraseFolder(at("default")));
 }
 
 void TestProfileFolder::aFolderThatIsTooDeepIsRefused()
@@ -309,21 +307,21 @@ void TestProfileFolder::aFolderThatIsTooDeepIsRefused()
     QVERIFY(QDir().mkdir(path("deep")));
     nest(path("deep"), "d", 256);
     QVERIFY(canReplace(made("user"), at("deep")));
-    QCOMPARE(copyFolder(at("deep"), at("user")), int(Error::None));
+    QVERIFY(copyFolder(at("deep"), at("user")));
     QVERIFY(isFolderComplete(at("deep"), at("user")));
 
     QVERIFY(QDir().mkdir(path("deeper")));
     nest(path("deeper"), "d", 257);
     QVERIFY(!canReplace(at("user"), at("deeper")));
-    QCOMPARE(copyFolder(at("deeper"), made("other")), int(Error::Write));
+    QVERIFY(!copyFolder(at("deeper"), made("other")));
     QVERIFY(!isFolderComplete(at("deeper"), at("deeper")));
     QVERIFY(QDir().mkpath(path("cut/.rebuild")));
     QVERIFY(QDir().rename(path("deep/d"), path("cut/.rebuild/d")));
-    QCOMPARE(eraseFolder(at("cut")), int(Error::None));
+    QVERIFY(eraseFolder(at("cut")));
     QVERIFY(QDir().mkdir(path("cut/d")));
     QVERIFY(QDir().rename(path("deeper/d"), path("cut/d/d")));
-    QCOMPARE(eraseFolder(at("cut")), int(Error::Write));
-    QCOMPARE(eraseFolder(at("user")), int(Error::None));
+    QVERIFY(!eraseFolder(at("cut")));
+    QVERIFY(eraseFolder(at("user")));
 }
 
 void TestProfileFolder::aFolderIsIncompleteBeforeItIsErased_data()

@@ -20,6 +20,8 @@ PURE = {
     'devices/batterystatus': ['test_batterystatus'],
     'devices/brightnesslevels': ['test_brightnesslevels'],
     'devices/ledpattern': ['test_ledpattern'],
+    'devices/leds': ['test_led'],
+    'devices/lightsettings': ['test_settings', *LIGHT],
     'devices/screenmodel': ['test_screenmodel'],
     'devices/uevent': ['test_uevent'],
     'identity/boardrevision': ['test_records'],
@@ -45,6 +47,7 @@ PURE = {
     'app/trustedpath': ['test_trustedpath', 'test_users'],
     'users/linktarget': ['test_linktarget', 'test_users'],
     'users/profilefolder': ['test_profilefolder', 'test_users'],
+    'users/profiles': ['test_users', 'test_settings'],
 }
 
 ADAPTORS = {
@@ -63,11 +66,15 @@ ADAPTORS = {
                             'test_temperature', 'test_alimentation', 'test_backlight',
                             'test_startup'],
     'devices/kyled': ['test_led', 'test_storage', 'test_alimentation', 'test_sweep_power'],
+    'devices/lightsensor': [*LIGHT, 'test_boardsensor'],
+    'devices/screenlight': ['test_backlight'],
     'devices/kyscreenbacklight': ['test_backlight', 'test_brightness', 'test_introspection'],
     'devices/kysdcardthread': ['test_storage', 'test_devicemgr', 'test_startup'],
     'devices/kystorage': ['test_storage', 'test_devicemgr'],
     'devices/kytemperaturewatcher': ['test_temperature', 'test_devicemgr', 'test_sweep_power'],
     'devices/kywatchdog': ['test_watchdog'],
+    'identity/boardrevisions': ['test_version', 'test_sweep_identity'],
+    'identity/eeproms': ['test_eeprom', 'test_sweep_identity'],
     'identity/kyversion': ['test_eeprom', 'test_version', 'test_sweep_identity', 'test_devicemgr',
                            'test_startup'],
     'identity/softwareversion': ['test_version', 'test_sweep_identity'],

@@ -1,0 +1,66 @@
+#include "lightsensor.h"
+
+#include "lightsettings.h"
+
+#include <unistd.h>
+
+namespace
+{
+/** The library's failure in place of a descriptor; on any other negative one nothing is watched. */
+constexpr int noInterrupt = -2;
+} // namespace
+
+LightSensor::LightSensor() : m_bounds(readBrightnessBounds()), m_isReady(start() && findInterrupt())
+{
+}
+
+std::optional<double> LightSensor::read()
+{
+    float lux = -1;
+    if (m_als.readLux(&lux) != 0)
+        return std::nullopt;
+    return static_cast<double>(lux);
+}
+
+bool LightSensor::acknowledge(int descriptor)
+{
+    char event[8];
+    // The kernel keeps the event of a value file until that is read from its beginning; a socket
+    // has none, and refuses.
+    lseek(descriptor, 0, SEEK_SET);
+    // Only drains the event; whatever it holds, the sensor is asked itself.
+    const ssize_t drained = ::read(descriptor, event, sizeof event);
+    static_cast<void>(drained);
+    bool isRaised = false;
+    return m_als.interruptRead(&isRaised) == 0;
+}
+
+bool LightSensor::setBand(int level)
+{
+    const std::optional<BrightnessBand> band = brightnessBand(level, m_bounds);
+    if (!band)
+        return false;
+    const auto high = m_als.convLuxInExponentMantissaByte(static_cast<float>(band->high));
+    const auto low = m_als.convLuxInExponentMantissaByte(static_cast<float>(band->low));
+    return m_als.setThresholds(high, low) == 0;
+}
+
+/** Starts the sensor and puts its band around the present light; whether everything worked. */
+bool LightSensor::start()
+{
+    if (m_als.init() != 0)
+        return false;
+    const std::optional<double> lux = read();
+    return lux && setBand(levelOf(*lux)) &&
+           m_als.setThresholdsTimer(thresholdTimerByte(readThresholdTimer())) == 0 &&
+           m_als.interruptEnable(true) == 0;
+}
+
+/** Asks for the interrupt line; false when the sensor offers none. */
+bool LightSensor::findInterrupt()
+{
+    const int descriptor = m_als.getinterruptHandler();
+    if (descriptor >= 0)
+        m_interrupt = descriptor;
+    return descriptor != noInterrupt;
+}

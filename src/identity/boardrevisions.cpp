@@ -1,0 +1,21 @@
+#include "boardrevisions.h"
+
+#include "boardrevision.h"
+#include "iboardrev.h"
+
+QVariantMap readRevisions(IBoardRev &board)
+{
+    QVariantMap revisions;
+    unsigned int revision = 0;
+    if (board.getRevision(DEVICE_SOM, &revision) == 0) {
+        revisions.insert(QStringLiteral("SOM"), revision);
+        board.setSoMRevision(revision);
+    }
+    if (board.getRevision(DEVICE_HPS, &revision) == 0)
+        revisions.insert(QStringLiteral("HPS"), revision);
+    if (board.getRevision(DEVICE_FPGA, &revision) == 0)
+        revisions.insert(QStringLiteral("FPGA"), fpgaRevisionText(revision));
+    if (board.getRevision(DEVICE_MESURE_CARD, &revision) == 0)
+        revisions.insert(QStringLiteral("MESURE_CARD"), revision);
+    return revisions;
+}

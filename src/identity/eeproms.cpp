@@ -1,0 +1,25 @@
+#include "eeproms.h"
+
+QByteArray Eeproms::read(e_eeprom eeprom, int size)
+{
+    // A buffer that the library leaves as it is must not pass for a record: zeros would.
+    QByteArray record(size, '\xFF');
+    char *buffer = record.data();
+    const int result = m_eeprom.readEeprom(eeprom, &buffer, 0, static_cast<unsigned int>(size));
+    return result == 0 ? record : QByteArray();
+}
+
+QVector<Eeproms::Step> Eeproms::write(const QVector<Content> &contents)
+{
+    if (m_eeprom.setWriteEnable(true) != 0)
+        return {Step::LiftProtection};
+    QVector<Step> failed;
+    for (Content content : contents) {
+        const auto size = static_cast<unsigned int>(content.bytes.size());
+        if (m_eeprom.writeEeprom(content.eeprom, content.bytes.data(), 0, size) != 0)
+            failed.append(Step::Write);
+    }
+    if (m_eeprom.setWriteEnable(false) != 0)
+        failed.append(Step::RestoreProtection);
+    return failed;
+}
