@@ -115,6 +115,10 @@ void selectHost(const QString &host)
 
 QDBusConnection bus()
 {
+    // Qt D-Bus's thread constructs values of registered types until its static destructor stops it.
+    // The registry must be older than the thread: at exit, the newer one is destroyed first.
+    static const int registered = qRegisterMetaType<QDBusMessage>();
+    Q_UNUSED(registered)
     static const QDBusConnection connection =
         selectedAddress.isEmpty()
             ? QDBusConnection::systemBus()

@@ -4,6 +4,10 @@
 #include "daemontest.h"
 #include "terminalprogram.h"
 
+#include <QDBusConnection>
+#include <QDBusConnectionInterface>
+#include <QDBusMessage>
+#include <QDBusPendingCall>
 #include <QJsonDocument>
 #include <QJsonObject>
 #include <QRegularExpression>
@@ -27,6 +31,7 @@ private Q_SLOTS:
     void anUnknownSignalIsRefused();
     void everySignalOfTheDaemonIsKnown();
     void withoutTheBusMonitorEnds();
+    void messagesDuringItsEndAreIgnored();
 
     void watchShowsTheInstrument();
     void watchFollowsTheSignals();
@@ -187,6 +192,36 @@ void TestKyboardctlLive::withoutTheBusMonitorEnds()
     QCOMPARE(result.complaint,
              QStringLiteral("kyboardctl: monitor: the connection to the bus ended\n"));
     QCOMPARE(result.status, 3);
+}
+
+/** Qt D-Bus's thread reads messages until it is stopped, which is after main() has returned. */
+void TestKyboardctlLive::messagesDuringItsEndAreIgnored()
+{
+    QDBusConnection bus = QDBusConnection::systemBus();
+    const QStringList others = bus.interface()->registeredServiceNames();
+    QProcess client;
+    startClient(client, {"monitor", "--count=1", "--timeout=600"}, {}, {"LD_PRELOAD=" SLOW_EXIT});
+    QVERIFY(listens(client));
+    QStringList names = bus.interface()->registeredServiceNames();
+    for (const QString &other : others)
+        names.removeAll(other);
+    QCOMPARE(names.size(), 1);
+    QDBusMessage message =
+        QDBusMessage::createTargetedSignal(names.first(), "/", "com.orvendis.Test", "compound");
+    message.setArguments({QVariantMap{{"key", QVariantList{1, 2}}}});
+
+    const Remote users("/KyConfigMgr", "Users");
+    const QDBusPendingCall call = users.start("setUser", {"user2"});
+    const auto hasEnded = [&] {
+        for (int times = 0; times < 100; ++times)
+            bus.send(message);
+        return client.state() == QProcess::NotRunning;
+    };
+    QVERIFY(QTest::qWaitFor(hasEnded, 60000));
+
+    const ClientResult result = resultOf(client);
+    QCOMPARE(result.complaint, QString());
+    QCOMPARE(result.status, 0);
 }
 
 void TestKyboardctlLive::watchShowsTheInstrument()

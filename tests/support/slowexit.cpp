@@ -1,0 +1,33 @@
+#include <dlfcn.h>
+#include <unistd.h>
+
+/*
+ * Put before the libraries of a program, this makes it pause after each of the functions that run
+ * when it exits, which are the destructors of static objects: what its other threads do meanwhile
+ * is seen.
+ */
+
+namespace
+{
+using Function = void (*)(void *);
+
+struct Handler {
+    Function function;
+    void *argument;
+};
+
+void runSlowly(void *argument)
+{
+    auto *handler = static_cast<Handler *>(argument);
+    handler->function(handler->argument);
+    delete handler;
+    usleep(20000);
+}
+} // namespace
+
+extern "C" int __cxa_atexit(Function function, void *argument, void *library)
+{
+    using Register = int (*)(Function, void *, void *);
+    static const auto next = reinterpret_cast<Register>(dlsym(RTLD_NEXT, "__cxa_atexit"));
+    return next(runSlowly, new Handler{function, argument}, library);
+}
