@@ -185,7 +185,8 @@ QString TestConnmanFaults::call(const QString &fault, const QString &method,
     QDBusPendingCall pending = m_remote->start(method, arguments);
     const auto isAnswered = [&] { return pending.isFinished(); };
     if (fault == "stopped") {
-        daemon.letTimePassUntil(isAnswered);
+        if (!daemon.letTimePassUntil(isAnswered))
+            return QStringLiteral("the call does not end");
     } else if (fault == "20 s late") {
         for (int times = 0; times < 200 && !isAnswered(); ++times) {
             static_cast<void>(

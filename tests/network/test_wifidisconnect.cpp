@@ -293,7 +293,7 @@ void TestWifiDisconnect::aConnManThatStandsStillDoesNotHinderTheEnd()
     connman.freeze();
 
     const QDBusPendingCall reply = wifi.start("disconnect");
-    daemon.letTimePassUntil([&] { return reply.isFinished(); });
+    QVERIFY(daemon.letTimePassUntil([&] { return reply.isFinished(); }));
 
     QVERIFY(renderReply(reply.reply()).startsWith(failed(text)));
     QCOMPARE(recorder->waitFor(2),
@@ -316,7 +316,7 @@ void TestWifiDisconnect::aConnManThatStandsStillDoesNotStopThePings()
     connman.freeze();
 
     const QDBusPendingCall reply = wifi.start("disconnect");
-    daemon.letTimePassUntil([&] { return reply.isFinished(); });
+    QVERIFY(daemon.letTimePassUntil([&] { return reply.isFinished(); }));
 
     const QString question = "call org.freedesktop.DBus.GetId()";
     QCOMPARE(monitor.takeFromDaemon().filter(QRegularExpression("^call net.connman|GetId")),

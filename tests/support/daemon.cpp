@@ -7,6 +7,7 @@
 #include <QDBusConnectionInterface>
 #include <QDBusMessage>
 #include <QDateTime>
+#include <QDeadlineTimer>
 #include <QDir>
 #include <QTest>
 
@@ -116,14 +117,19 @@ void Daemon::letMillisecondsPass(int milliseconds)
     wakeDaemon();
 }
 
-void Daemon::letTimePassUntil(const std::function<bool()> &condition)
+bool Daemon::letTimePassUntil(const std::function<bool()> &condition)
 {
     const int call = 25;
-    // When the daemon begins to wait cannot be seen; a while that passes earlier is no help to it.
-    for (int times = 0; times < 100 && !condition(); ++times) {
+    // Longer than a call of the test waits for its reply.
+    const QDeadlineTimer deadline(120000);
+    // When the daemon begins to wait cannot be seen; time that passes earlier has no effect on it.
+    while (!condition()) {
+        if (deadline.hasExpired() || !isRunning())
+            return false;
         letTimePass(call);
         static_cast<void>(QTest::qWaitFor(condition, 100));
     }
+    return true;
 }
 
 void Daemon::setEnvironment(const QString &name, const QString &value)

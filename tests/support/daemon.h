@@ -32,8 +32,12 @@ public:
      */
     void stopClock();
     void letMillisecondsPass(int milliseconds);
-    /** Lets the time of one call to a peer pass again and again, until @p condition holds. */
-    void letTimePassUntil(const std::function<bool()> &condition);
+    /**
+     * Lets the time of one call to a peer pass again and again, until @p condition holds.
+     *
+     * @return false when the daemon has ended, or at the deadline of two minutes
+     */
+    [[nodiscard]] bool letTimePassUntil(const std::function<bool()> &condition);
     /** A variable of the daemon's environment, on top of the test's own. */
     void setEnvironment(const QString &name, const QString &value);
     void resetEnvironment();

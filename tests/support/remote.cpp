@@ -9,7 +9,7 @@
 namespace
 {
 const QString daemonName = QStringLiteral("com.orvendis.Strandel.BoardManager");
-const int replyTimeout = 30000;
+const int replyTimeout = 60000;
 
 /** Fails the test when the daemon, not the bus, has sent an error that clients are not told of. */
 void expectDocumented(const QDBusMessage &call, const QDBusMessage &reply)
@@ -68,6 +68,8 @@ QString Remote::property(const QString &name) const
 
 QString renderReply(const QDBusMessage &reply)
 {
+    if (reply.type() == QDBusMessage::InvalidMessage)
+        return QStringLiteral("no reply yet");
     if (reply.type() == QDBusMessage::ErrorMessage)
         return reply.errorName() + QStringLiteral(": ") + reply.errorMessage();
     return render(reply.arguments());

@@ -42,7 +42,7 @@ private:
     QString m_interface;
 };
 
-/** A reply as Remote::call() shows it. */
+/** A reply as Remote::call() shows it; "no reply yet" for that of a call that is under way. */
 QString renderReply(const QDBusMessage &reply);
 
 /** The name of one of the daemon's own errors, followed by its text, as Remote::call() shows it. */
