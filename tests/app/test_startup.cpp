@@ -1,6 +1,7 @@
 #include "childsignal.h"
 #include "daemontest.h"
 #include "kycommgr.h"
+#include "processes.h"
 
 #include <QDBusConnection>
 #include <QDBusConnectionInterface>
@@ -230,9 +231,9 @@ void TestStartup::theEndOfARealChildIsPrintedAndTheChildNotReaped()
     writeFile("/tmp/User_part/go", "\n");
 
     QVERIFY(daemon.waitForOutput("signal SIGCHLD received\n"));
-    const QString task = QStringLiteral("/proc/%1/task/%1/children").arg(daemon.processId());
-    const QByteArray child = readFile(task).trimmed();
-    QVERIFY(readFile("/proc/" + child + "/stat").contains(") Z "));
+    const QList<int> children = childrenOf(daemon.processId());
+    QCOMPARE(children.size(), 1);
+    QCOMPARE(stateOf(children.first()), QByteArray("Z"));
 }
 
 void TestStartup::otherSignalsPrintNothing()

@@ -1,7 +1,7 @@
 #include "board.h"
 #include "busmonitor.h"
 #include "daemontest.h"
-#include "standstill.h"
+#include "processes.h"
 #include "systemdwatchdog.h"
 
 #include <QProcess>

@@ -1,6 +1,7 @@
 #include "ethernettest.h"
 #include "figures.h"
 #include "networktest.h"
+#include "processes.h"
 
 #include <QStandardPaths>
 
@@ -78,14 +79,8 @@ void endRunning()
 /** Children of @p process that have ended and that it has not collected. */
 int uncollected(qint64 process)
 {
-    int count = 0;
-    for (const QString &entry : QDir("/proc").entryList(QDir::Dirs)) {
-        const QByteArray status = readFile(QStringLiteral("/proc/%1/stat").arg(entry));
-        const QList<QByteArray> columns = status.mid(status.lastIndexOf(')')).split(' ');
-        if (columns.value(1) == "Z" && columns.value(2).toLongLong() == process)
-            ++count;
-    }
-    return count;
+    const QList<int> children = childrenOf(process);
+    return int(std::count_if(children.begin(), children.end(), hasEnded));
 }
 } // namespace
 

@@ -1,6 +1,7 @@
 #include "board.h"
 #include "ethernettest.h"
 #include "figures.h"
+#include "processes.h"
 #include "render.h"
 #include "wifitest.h"
 
@@ -370,12 +371,9 @@ void TestConnmanFaults::aBusThatIsGoneIsGoneForGood()
             "com.orvendis.Strandel.BoardManager");
     };
     const auto sleeps = [this] {
-        const QString tasks = QStringLiteral("/proc/%1/task").arg(daemon.processId());
-        for (const QString &task : QDir(tasks).entryList(QDir::Dirs | QDir::NoDotAndDotDot)) {
-            if (!readFile(tasks + '/' + task + "/stat").contains(") S "))
-                return false;
-        }
-        return true;
+        const QList<int> threads = threadsOf(daemon.processId());
+        return std::all_of(threads.begin(), threads.end(),
+                           [](int thread) { return stateOf(thread) == "S"; });
     };
     QProcess bus;
     startBus(bus);

@@ -1,6 +1,7 @@
 #include "board.h"
 #include "figures.h"
 #include "networktest.h"
+#include "processes.h"
 
 #include <QDBusConnection>
 #include <QDBusConnectionInterface>
@@ -48,18 +49,6 @@ const int largeSize = 30 * 1000 * 1000;
 
 /** How long another client waits for its answer, in ms, until the daemon counts as deaf. */
 const int longestWait = 120000;
-
-/** Kilobytes, from /proc/PID/status. */
-qint64 memory(qint64 process, const char *field)
-{
-    const QList<QByteArray> lines =
-        readFile(QStringLiteral("/proc/%1/status").arg(process)).split('\n');
-    for (const QByteArray &line : lines) {
-        if (line.startsWith(field))
-            return line.mid(int(qstrlen(field)) + 1).trimmed().split(' ').first().toLongLong();
-    }
-    return 0;
-}
 
 /** What @p process has used so far, in ms. */
 qint64 processorTime(qint64 process)
@@ -128,7 +117,7 @@ void Deafness::beginAttack()
 {
     begin();
     m_process = daemon.processId();
-    m_memoryBefore = memory(m_process, "VmRSS:");
+    m_memoryBefore = statusOf(m_process, "VmRSS").toLongLong();
     // The peak begins anew.
     writeFile(QStringLiteral("/proc/%1/clear_refs").arg(m_process), "5");
 }
@@ -172,8 +161,8 @@ void Deafness::endAttack(qint64 longestMeanwhile)
                       .arg(QLatin1String(QTest::currentTestFunction()),
                            QLatin1String(QTest::currentDataTag() ? QTest::currentDataTag() : ""))
                       .arg(m_memoryBefore / 1024)
-                      .arg(memory(m_process, "VmHWM:") / 1024)
-                      .arg(memory(m_process, "VmRSS:") / 1024)
+                      .arg(statusOf(m_process, "VmHWM").toLongLong() / 1024)
+                      .arg(statusOf(m_process, "VmRSS").toLongLong() / 1024)
                       .arg(qMax(longestMeanwhile, afterwards)));
 }
 

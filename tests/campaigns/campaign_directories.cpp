@@ -1,5 +1,6 @@
 #include "daemontest.h"
 #include "figures.h"
+#include "processes.h"
 
 #include <QElapsedTimer>
 #include <QRegularExpression>
@@ -166,8 +167,7 @@ bool TestDirectories::isUntouched(const QStringList &before)
 
 QString TestDirectories::peakMemory() const
 {
-    const QString status = readFile(QStringLiteral("/proc/%1/status").arg(daemon.processId()));
-    return status.section("VmHWM:", 1).section('\n', 0, 0).simplified();
+    return statusOf(daemon.processId(), "VmHWM") + " kB";
 }
 
 void TestDirectories::aLinkThatWasThereBeforeIsNotFollowed_data()

@@ -1,6 +1,7 @@
 #include "board.h"
 #include "daemontest.h"
 #include "modescript.h"
+#include "processes.h"
 #include "realconnman.h"
 #include "supplicantstandin.h"
 
@@ -613,18 +614,8 @@ QString InstrumentLife::addressOf(const Remote &interface)
 
 InstrumentLife::Holdings InstrumentLife::holdings() const
 {
-    const QString process = QStringLiteral("/proc/%1/").arg(daemon.processId());
-    const auto count = [&](const char *folder) {
-        return QDir(process + QLatin1String(folder))
-            .entryList(QDir::AllEntries | QDir::System | QDir::NoDotAndDotDot)
-            .size();
-    };
-    const QString memory =
-        QString::fromLatin1(readFile(process + "status")).section("RssAnon:", 1).trimmed();
-    const int processes =
-        QDir("/proc").entryList(QDir::Dirs).filter(QRegularExpression("^\\d+$")).size();
-    return {count("fd"), count("task"), daemon.children(), processes,
-            memory.section(' ', 0, 0).toLong()};
+    return {daemon.descriptors(), threadsOf(daemon.processId()).size(), daemon.children(),
+            processes().size(), statusOf(daemon.processId(), "RssAnon").toLong()};
 }
 
 int main(int argc, char *argv[])

@@ -2,7 +2,7 @@
 #include "busmonitor.h"
 #include "commands.h"
 #include "daemontest.h"
-#include "standstill.h"
+#include "processes.h"
 
 #include <QJsonDocument>
 #include <QJsonObject>

@@ -1,5 +1,6 @@
 #include "board.h"
 #include "files.h"
+#include "processes.h"
 
 #include "kyals.h"
 
@@ -47,11 +48,6 @@ int leaveWithASensor()
     std::exit(3);
 }
 
-QStringList tasks()
-{
-    return QDir(QStringLiteral("/proc/self/task")).entryList(QDir::Dirs | QDir::NoDotAndDotDot);
-}
-
 /** Whether one of our descriptors has changes of files that nobody has read yet. */
 bool areChangesUnread()
 {
@@ -68,12 +64,9 @@ bool areChangesUnread()
 
 bool doOtherThreadsSleep()
 {
-    for (const QString &task : tasks()) {
-        const QByteArray status = readFile(QStringLiteral("/proc/self/task/%1/stat").arg(task));
-        if (task.toInt() != getpid() && status.mid(status.lastIndexOf(')') + 2, 1) != "S")
-            return false;
-    }
-    return true;
+    const QList<int> threads = threadsOf(getpid());
+    return std::all_of(threads.begin(), threads.end(),
+                       [](int thread) { return thread == getpid() || stateOf(thread) == "S"; });
 }
 
 /** Whether the sensor has noticed all changes of the board by now, and raises no interrupt. */
@@ -549,21 +542,18 @@ void TestBoardSensor::aForkedChildThatDropsTheSensorLeavesItToUs()
 void TestBoardSensor::theWatcherTakesNoSignals()
 {
     m_sensor.reset();
-    const QStringList before = tasks();
+    const QList<int> before = threadsOf(getpid());
     KyAls sensor;
     QCOMPARE(sensor.interruptEnable(true), 0);
     // A new thread gets its mask only when it runs, which it has when the interrupt is here.
     Board::set("als/interrupt", "1");
     QVERIFY(isUrgent(sensor.getinterruptHandler(), deadline));
 
-    QStringList after = tasks();
-    for (const QString &task : before)
-        after.removeAll(task);
+    QList<int> after = threadsOf(getpid());
+    for (const int thread : before)
+        after.removeAll(thread);
     QCOMPARE(after.size(), 1);
-    QFile status(QStringLiteral("/proc/self/task/%1/status").arg(after.first()));
-    QVERIFY(status.open(QIODevice::ReadOnly));
-    const QByteArray text = status.readAll();
-    const QByteArray mask = text.mid(text.indexOf("SigBlk:") + 7, 17).trimmed();
+    const QByteArray mask = statusOf(after.first(), "SigBlk");
     const quint64 childSignal = quint64(1) << (SIGCHLD - 1);
     QVERIFY2(mask.toULongLong(nullptr, 16) & childSignal, mask);
 }

@@ -3,7 +3,7 @@
 #include "daemontest.h"
 #include "kernelevents.h"
 #include "kystorage.h"
-#include "standstill.h"
+#include "processes.h"
 
 #include <QProcess>
 #include <QSignalSpy>
@@ -121,9 +121,7 @@ void TestStorage::verifyBurstIsAnnounced(SignalRecorder &recorder)
 
 int TestStorage::threads() const
 {
-    return QDir(QStringLiteral("/proc/%1/task").arg(daemon.processId()))
-        .entryList(QDir::Dirs | QDir::NoDotAndDotDot)
-        .size();
+    return threadsOf(daemon.processId()).size();
 }
 
 void TestStorage::slotsOfTheListenerCannotBeCalled_data()
@@ -378,15 +376,13 @@ void TestStorage::theListenerLeavesAllSignalsToTheOtherThreads()
 {
     QVERIFY(startListening());
 
-    const QString tasks = QStringLiteral("/proc/%1/task/").arg(daemon.processId());
-    QByteArray listener;
-    for (const QString &task : QDir(tasks).entryList(QDir::Dirs | QDir::NoDotAndDotDot)) {
-        const QByteArray status = readFile(tasks + task + QStringLiteral("/status"));
-        if (status.startsWith("Name:\tKySdcardThread\n"))
-            listener += status;
+    QList<QByteArray> blocked;
+    for (const int thread : threadsOf(daemon.processId())) {
+        if (statusOf(thread, "Name") == "KySdcardThread")
+            blocked << statusOf(thread, "SigBlk");
     }
     // All but those that nobody can block (9 and 19) and those of the C library (32 and 33).
-    QVERIFY2(listener.contains("SigBlk:\tfffffffe7ffbfeff\n"), listener.constData());
+    QCOMPARE(blocked, QList<QByteArray>{"fffffffe7ffbfeff"});
 }
 
 void TestStorage::eventsOfTheFirstPartitionsAreAnnounced_data()

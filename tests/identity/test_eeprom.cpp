@@ -3,6 +3,7 @@
 #include "daemontest.h"
 #include "instrumentrecord.h"
 #include "measurerecord.h"
+#include "processes.h"
 #include "samplerecords.h"
 #include "wire.h"
 
@@ -655,13 +656,7 @@ void TestEeprom::fileDescriptorsAreNotKept()
     // By now the start is over, and by then what it wrote has been put away.
     QVERIFY(version.call(getInstrument).startsWith('('));
     QTRY_VERIFY(!QFile::exists("/opt/settings.ini.lock"));
-    const QString folder = QStringLiteral("/proc/%1/fd").arg(daemon.processId());
-    const auto count = [folder] {
-        return QDir(folder)
-            .entryList(QDir::AllEntries | QDir::System | QDir::NoDotAndDotDot)
-            .size();
-    };
-    const int before = count();
+    const int before = daemon.descriptors();
     for (const char *value : {"h 1", "(h) 1", "av 2 h 1 i 1", "ah 3 1 1 1"}) {
         const QString values =
             instrumentValues("Brand", value).replace("a{sv} 12", "a{sv} 13") + " Extra " + value;
@@ -671,7 +666,7 @@ void TestEeprom::fileDescriptorsAreNotKept()
             QVERIFY(version.call(getInstrument).startsWith("({\"CRC\": <true>, \"Fabrication\""));
             QVERIFY(version.call(getMeasure).startsWith("({\"AdjustementDate\""));
         }
-        QTRY_COMPARE(count(), before);
+        QTRY_COMPARE(daemon.descriptors(), before);
     }
 }
 
@@ -1103,11 +1098,9 @@ void TestEeprom::noSignalEndsItWhileTheProtectionIsLifted()
     QCOMPARE(syscall(SYS_tgkill, process, thread, signal), 0);
 
     // It waits in the main thread, which is in the library.
-    const QString status = QStringLiteral("/proc/%1/task/%1/status").arg(process);
     const auto isPending = [=] {
-        const QString pending =
-            QString::fromLatin1(readFile(status)).section("SigPnd:", 1).section('\n', 0, 0);
-        return ((pending.trimmed().toULongLong(nullptr, 16) >> (signal - 1)) & 1) == 1;
+        const quint64 pending = statusOf(process, "SigPnd").toULongLong(nullptr, 16);
+        return ((pending >> (signal - 1)) & 1) == 1;
     };
     QTRY_VERIFY(isPending());
     QVERIFY(daemon.isRunning());

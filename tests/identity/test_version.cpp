@@ -1,5 +1,6 @@
 #include "board.h"
 #include "daemontest.h"
+#include "processes.h"
 
 #include <QElapsedTimer>
 
@@ -85,10 +86,7 @@ void TestVersion::installApplication(const QByteArray &script)
 /** The most memory that the daemon has had so far, in KiB; 0 when that cannot be told. */
 int TestVersion::peakMemory() const
 {
-    const QByteArray status = readFile(QStringLiteral("/proc/%1/status").arg(daemon.processId()));
-    const QByteArray label = "VmHWM:";
-    const int start = status.indexOf(label) + label.size();
-    return status.mid(start, status.indexOf("kB", start) - start).trimmed().toInt();
+    return statusOf(daemon.processId(), "VmHWM").toInt();
 }
 
 /** The daemon never had room for what does not end. */
@@ -380,11 +378,9 @@ void TestVersion::anApplicationThatHangsIsEndedAfterThreeSeconds()
     QCOMPARE(version.call(getVersions), ownVersionAlone);
 
     QVERIFY(timer.elapsed() >= 3000);
-    const QString process = QStringLiteral("/proc/") +
-                            QString::fromLatin1(readFile("/tmp/application.pid").trimmed()) +
-                            QStringLiteral("/stat");
+    const int process = readFile("/tmp/application.pid").trimmed().toInt();
     // Not even as a process that waits to be collected.
-    QTRY_VERIFY(!QFile::exists(process));
+    QTRY_VERIFY(stateOf(process).isEmpty());
     QCOMPARE(version.call(getVersions), ownVersionAlone);
     QCOMPARE(readFile("/tmp/runs"), QByteArray("run\n"));
 }
@@ -394,10 +390,8 @@ void TestVersion::anApplicationThatFloodsIsEndedAtOnce()
     installApplication("echo $$ > /tmp/application.pid\nexec yes");
     QVERIFY(daemon.start());
     QCOMPARE(version.call(getVersions), ownVersionAlone);
-    const QString process = QStringLiteral("/proc/") +
-                            QString::fromLatin1(readFile("/tmp/application.pid").trimmed()) +
-                            QStringLiteral("/stat");
-    QTRY_VERIFY(!QFile::exists(process));
+    const int process = readFile("/tmp/application.pid").trimmed().toInt();
+    QTRY_VERIFY(stateOf(process).isEmpty());
     VERIFY_LITTLE_MEMORY();
 }
 

@@ -1,9 +1,9 @@
 #include "connmansignals.h"
 #include "daemontest.h"
 #include "modescript.h"
+#include "processes.h"
 #include "realconnman.h"
 #include "render.h"
-#include "standstill.h"
 
 #include <QDBusConnection>
 #include <QDBusPendingReply>

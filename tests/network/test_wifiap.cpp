@@ -1,7 +1,10 @@
 #include "busmonitor.h"
 #include "networkinterface.h"
 #include "networktest.h"
+#include "processes.h"
 #include "programs.h"
+
+#include <unistd.h>
 
 /** The Wi-Fi access point, on the running daemon. */
 class TestWifiAp : public NetworkTest
@@ -486,9 +489,7 @@ void TestWifiAp::theInheritedMethodsAnswer()
 void TestWifiAp::askingAnInterfaceForItsFlagsLeavesNothingOpen()
 {
     const QNetworkInterface loopback = findNetworkInterface("lo");
-    const auto descriptors = [] {
-        return QDir("/proc/self/fd").entryList(QDir::NoDotAndDotDot | QDir::AllEntries).size();
-    };
+    const auto descriptors = [] { return descriptorsOf(getpid()).size(); };
     const int before = descriptors();
 
     QVERIFY(isUp(loopback));

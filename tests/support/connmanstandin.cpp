@@ -1,7 +1,7 @@
 #include "connmanstandin.h"
 
+#include "processes.h"
 #include "remote.h"
-#include "standstill.h"
 
 #include <QDBusConnection>
 #include <QDBusConnectionInterface>

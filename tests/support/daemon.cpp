@@ -2,13 +2,13 @@
 
 #include "files.h"
 #include "kernelevents.h"
+#include "processes.h"
 
 #include <QDBusConnection>
 #include <QDBusConnectionInterface>
 #include <QDBusMessage>
 #include <QDateTime>
 #include <QDeadlineTimer>
-#include <QDir>
 #include <QTest>
 
 #include <csignal>
@@ -199,25 +199,16 @@ qint64 Daemon::processId() const
 
 int Daemon::children() const
 {
-    int children = 0;
-    for (const QString &entry : QDir(QStringLiteral("/proc")).entryList(QDir::Dirs)) {
-        const QByteArray status = readFile(QStringLiteral("/proc/%1/stat").arg(entry));
-        // After the name, which is in parentheses: its state, then its parent.
-        if (status.mid(status.lastIndexOf(')')).split(' ').value(2).toLongLong() == processId())
-            ++children;
-    }
-    return children;
+    return childrenOf(processId()).size();
 }
 
 int Daemon::otherThread(qint64 process) const
 {
     const qint64 main = process ? process : processId();
-    const QString folder = QStringLiteral("/proc/%1/task/").arg(main);
-    const QStringList threads = QDir(folder).entryList(QDir::Dirs | QDir::NoDotAndDotDot);
-    for (const QString &thread : threads) {
-        if (thread.toLongLong() != main &&
-            readFile(folder + thread + "/status").contains("SigBlk:\t0000000000000000\n"))
-            return thread.toInt();
+    const QList<int> threads = threadsOf(main);
+    for (const int thread : threads) {
+        if (thread != main && statusOf(thread, "SigBlk") == "0000000000000000")
+            return thread;
     }
     return 0;
 }
@@ -235,21 +226,13 @@ int Daemon::privateMemory() const
 
 int Daemon::descriptors() const
 {
-    return QDir(QStringLiteral("/proc/%1/fd").arg(processId()))
-        .entryList(QDir::NoDotAndDotDot | QDir::AllEntries | QDir::System)
-        .size();
+    return descriptorsOf(processId()).size();
 }
 
 int Daemon::settledDescriptors()
 {
-    const QDir folder(QStringLiteral("/proc/%1/fd").arg(processId()));
-    const bool isSettled = waitUntil([&] {
-        for (const QFileInfo &entry :
-             folder.entryInfoList(QDir::NoDotAndDotDot | QDir::AllEntries | QDir::System)) {
-            if (entry.symLinkTarget().endsWith(QLatin1String("anon_inode:inotify")))
-                return true;
-        }
-        return false;
+    const bool isSettled = waitUntil([this] {
+        return !descriptorsOf(processId()).filter(QStringLiteral("anon_inode:inotify")).isEmpty();
     });
     if (!isSettled || !KernelEvents::waitForListeners(1))
         qFatal("the light sensor does not watch, or nobody listens to device events");

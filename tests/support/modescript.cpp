@@ -1,14 +1,13 @@
 #include "modescript.h"
 
 #include "files.h"
-#include "standstill.h"
+#include "processes.h"
 
 #include <QDir>
 #include <QFile>
 #include <QProcess>
 #include <QTest>
 
-#include <csignal>
 #include <fcntl.h>
 #include <sys/stat.h>
 #include <unistd.h>
@@ -23,63 +22,6 @@ void run(const QString &program, const QStringList &arguments)
 {
     if (QProcess::execute(program, arguments) != 0)
         qFatal("%s %s fails", qPrintable(program), qPrintable(arguments.join(QLatin1Char(' '))));
-}
-
-QList<pid_t> processes()
-{
-    QList<pid_t> found;
-    for (const QString &entry : QDir(QStringLiteral("/proc")).entryList(QDir::Dirs)) {
-        if (entry.toInt() > 0)
-            found << entry.toInt();
-    }
-    return found;
-}
-
-QByteArray processFile(pid_t process, const char *name)
-{
-    return readFile(QStringLiteral("/proc/%1/%2").arg(process).arg(QLatin1String(name)));
-}
-
-/** The fields of a process's status that follow its name, from its state on. */
-QList<QByteArray> statusOf(pid_t process)
-{
-    const QByteArray status = processFile(process, "stat");
-    return status.mid(status.lastIndexOf(')') + 2).split(' ');
-}
-
-/** A process that has ended may still wait for its parent to notice. */
-bool hasEnded(pid_t process)
-{
-    const QByteArray state = statusOf(process).value(0);
-    return state.isEmpty() || state == "Z" || state == "X";
-}
-
-void waitUntilEnded(pid_t process)
-{
-    if (!QTest::qWaitFor([process] { return hasEnded(process); }, 10000))
-        qFatal("process %d does not end", int(process));
-}
-
-/** Kills a process and its children. Stops it first, so that it starts no more of them. */
-void endTree(pid_t process)
-{
-    if (!stopProcess(process))
-        return;
-    for (const pid_t other : processes()) {
-        if (statusOf(other).value(1).toInt() == process)
-            endTree(other);
-    }
-    kill(process, SIGKILL);
-    waitUntilEnded(process);
-}
-
-/** Kills every process of that name; nothing else in the test's world has it. */
-void endProgram(const QByteArray &name)
-{
-    for (const pid_t process : processes()) {
-        if (processFile(process, "comm").trimmed() == name && kill(process, SIGKILL) == 0)
-            waitUntilEnded(process);
-    }
 }
 } // namespace
 
@@ -106,12 +48,9 @@ void ModeScript::remove()
 void ModeScript::clear()
 {
     // Whatever a script has started would go on changing the interfaces.
-    for (const pid_t process : processes()) {
-        if (processFile(process, "cmdline").contains(script.toLatin1()))
-            endTree(process);
-    }
+    killCommand(script.toLatin1());
     for (const char *program : {"hostapd", "dhcpd"})
-        endProgram(program);
+        killProgram(program);
     if (QFile::exists("/sys/class/net/wifi_ap"))
         removeInterface();
     emptyFolder(control);

@@ -1,8 +1,8 @@
 #include "realconnman.h"
 
 #include "listedobject.h"
+#include "processes.h"
 #include "remote.h"
-#include "standstill.h"
 
 #include <QDBusConnection>
 #include <QDBusConnectionInterface>

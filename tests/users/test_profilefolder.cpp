@@ -1,4 +1,5 @@
 #include "files.h"
+#include "processes.h"
 #include "profilefolder.h"
 #include "trustedpath.h"
 
@@ -383,9 +384,7 @@ void TestProfileFolder::aMissingFolderIsAnEmptySource()
 
 static int openDescriptors()
 {
-    return QDir("/proc/self/fd")
-        .entryList(QDir::AllEntries | QDir::System | QDir::NoDotAndDotDot)
-        .size();
+    return descriptorsOf(getpid()).size();
 }
 
 void TestProfileFolder::nothingIsLeftOpen()
