@@ -122,6 +122,13 @@ TestErrors::Provocation TestErrors::withoutConnman(const Remote &interface)
 
 void TestErrors::addGeneral(QMap<QString, Provocation> &all)
 {
+    all[ofAny("LimitsExceeded", "The map holds too many values")] = [this] {
+        // Each key and each value counts.
+        QVariantMap map;
+        for (int entry = 0; entry < 65537; ++entry)
+            map.insert(QString::number(entry), entry);
+        return ethernet.reply("setIPv4", {map});
+    };
     all[ofAny("UnknownMethod", "No such method '{method}' in interface '{interface}' at object "
                                "path '{path}' (signature '{signature}')")] = [] {
         return call("/KyConfigMgr", "Users", "setUser", {5});
