@@ -1,0 +1,49 @@
+"""The snippets of docs/flows.md, run one after another as they stand; those in C++ are compiled."""
+
+import os
+import pathlib
+import subprocess
+
+import snippets
+
+PAGE = snippets.read("flows.md")
+FLOWS = 5
+
+
+def blocks(language):
+    """What all snippets use, and a snippet for each flow."""
+    found = snippets.fenced(PAGE, language)
+    assert len(found) == 1 + FLOWS
+    return found
+
+
+def test_in_python(instrument):
+    done = instrument.run("/usr/bin/python3", "-", input="\n".join(blocks("python")), check=False,
+                          timeout=200)
+    assert (done.returncode, done.stderr) == (0, "")
+    assert instrument["Version"].call("getEepromMesure")["AdjustementSite"] == 7
+
+
+def test_in_a_shell(instrument):
+    done = instrument.run("bash", "-c", "set -euo pipefail\n" + "\n".join(blocks("bash")),
+                          check=False, timeout=200)
+    assert (done.returncode, done.stderr) == (0, "")
+    assert done.stdout.count("WIFI.propertyChanged") == 2
+    assert done.stdout.count("WIFIAP.propertyChanged") == 2
+    assert done.stdout.count("Storage.sdcardPresence (false,)") == 1
+    assert done.stdout.endswith('"CRC" b true\n')
+
+
+def test_in_cpp(tmp_path):
+    headers = pathlib.Path(os.environ["CLIENT_HEADERS"])
+    common, *flows = blocks("cpp")
+    includes = [f"#include <{header.name}>" for header in sorted(headers.glob("boardmanager*.h"))]
+    functions = [f"void flow{number}()\n{{\n{flow}}}\n" for number, flow in enumerate(flows)]
+    source = tmp_path / "flows.cpp"
+    source.write_text("\n".join(["#include <QtDBus>", *includes, common, *functions]))
+    flags = subprocess.run(["pkg-config", "--cflags", "Qt5DBus"], stdout=subprocess.PIPE, text=True,
+                           check=True).stdout.split()
+    done = subprocess.run(["g++", "-std=c++17", "-fPIC", "-fsyntax-only", "-Wall", "-Wextra",
+                           "-Werror", *flags, f"-I{headers}", source], stderr=subprocess.PIPE,
+                          text=True)
+    assert done.stderr == "" and done.returncode == 0
