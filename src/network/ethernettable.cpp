@@ -8,7 +8,7 @@ using namespace linksets;
 
 // From, event, to, actions.
 const LinkRow rows[] = {
-    row({all}, Event::Started, {}, Do::PowerOff),
+    row({idle}, Event::Started, {}, Do::PowerOff),
 
     row({idle | failure}, Event::ConnectCalled, {}, Do::StartConnectTime, Do::SwitchToEthernet),
     row({idle | failure}, Event::ScriptRefused, {toFailure}, Do::ReplyCannotSwitch, Do::Announce),

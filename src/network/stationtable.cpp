@@ -9,7 +9,7 @@ using namespace linksets;
 // From (state, operation, firmware flag, condition), event, to (state, operation), actions.
 const LinkRow rows[] = {
     // The radio is off unless it is used.
-    row({all}, Event::Started, {}, Do::PowerOff),
+    row({idle, none}, Event::Started, {}, Do::PowerOff),
 
     // A scan or a connect begins with the mode script. The "idle" of a connect is not announced:
     // clients take it for the end of an attempt.
@@ -85,17 +85,17 @@ const LinkRow rows[] = {
         Do::Announce, Do::ForgetNetwork, Do::PowerOff),
     row({all, all, either, When::HasNoService}, Event::DisconnectCalled, {toDisconnect, toNone},
         Do::Announce, Do::PowerOff),
-    row({leaving, all, either, When::NetworkIsForgotten}, Event::PowerOffAccepted, {},
+    row({leaving, none, either, When::NetworkIsForgotten}, Event::PowerOffAccepted, {},
         Do::UnregisterAgent, Do::StartLeavingTime),
-    row({leaving, all, either, When::NetworkIsKept}, Event::PowerOffAccepted, {},
+    row({leaving, none, either, When::NetworkIsKept}, Event::PowerOffAccepted, {},
         Do::UnregisterAgent, Do::ReplyNotForgotten, Do::StartLeavingTime),
-    row({leaving, all, either, When::NetworkIsForgotten}, Event::PowerOffRefused, {},
+    row({leaving, none, either, When::NetworkIsForgotten}, Event::PowerOffRefused, {},
         Do::UnregisterAgent, Do::ReplyNotPoweredOff, Do::Leave),
-    row({leaving, all, either, When::NetworkIsKept}, Event::PowerOffRefused, {},
+    row({leaving, none, either, When::NetworkIsKept}, Event::PowerOffRefused, {},
         Do::UnregisterAgent, Do::ReplyNotForgotten, Do::Leave),
-    row({leaving}, Event::Left, {toIdle}, Do::Announce),
-    row({leaving}, Event::TechnologyOff, {toIdle}, Do::Announce),
-    row({leaving}, Event::LeavingIsOver, {toIdle}, Do::Announce),
+    row({leaving, none}, Event::Left, {toIdle}, Do::Announce),
+    row({leaving, none}, Event::TechnologyOff, {toIdle}, Do::Announce),
+    row({leaving, none}, Event::LeavingIsOver, {toIdle}, Do::Announce),
 };
 
 const struct {

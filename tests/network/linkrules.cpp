@@ -114,6 +114,19 @@ bool isOrdered(Outcome o, std::initializer_list<LinkAction> actions)
     return true;
 }
 
+bool isFirst(Outcome o, LinkAction action, State state)
+{
+    return !o.acts.empty() && o.acts.front().action == action && o.acts.front().link.state == state;
+}
+
+/** Whether @p action was carried out in @p state. */
+bool isDoneIn(Outcome o, LinkAction action, State state)
+{
+    return std::any_of(o.acts.begin(), o.acts.end(), [action, state](const LinkAct &act) {
+        return act.action == action && act.link.state == state;
+    });
+}
+
 bool isLast(Outcome o, LinkAction action, State state)
 {
     return !o.acts.empty() && o.acts.back().action == action && o.acts.back().link.state == state;
@@ -148,7 +161,8 @@ const std::vector<LinkRule> linkRules = {
      [](Outcome o, LinkKind) {
          if (!isAccepted(o) || replyOf(o) == Do::None)
              return true;
-         return isLast(o, Do::Announce, Failure) && isReply(o.acts[o.acts.size() - 2].action);
+         return isLast(o, Do::Announce, Failure) && o.acts.size() > 1 &&
+                isReply(o.acts[o.acts.size() - 2].action);
      }},
     {"a wired connect starts its time and the script",
      [](Outcome o, LinkKind kind) {
@@ -188,7 +202,7 @@ const std::vector<LinkRule> linkRules = {
      [](Outcome o, LinkKind) {
          if (o.event != Event::DisconnectCalled || replyOf(o) == Do::ReplyDisconnectedAlready)
              return true;
-         return o.acts.front().action == Do::Announce && o.acts.front().link.state == Disconnect &&
+         return isFirst(o, Do::Announce, Disconnect) &&
                 o.after.link.operation == LinkOperation::None;
      }},
     {"a disconnect orders the radio off",
@@ -204,7 +218,7 @@ const std::vector<LinkRule> linkRules = {
          return o.has(Do::ForgetNetwork) == o.before.link.hasService &&
                 (!o.before.link.hasService || isOrdered(o, {Do::ForgetNetwork, Do::PowerOff})) &&
                 isOrdered(o, {Do::PowerOff, Do::UnregisterAgent}) &&
-                o.acts[size_t(o.indexOf(Do::UnregisterAgent))].link.state == Disconnect &&
+                isDoneIn(o, Do::UnregisterAgent, Disconnect) &&
                 (replyOf(o) == Do::None || isOrdered(o, {Do::UnregisterAgent, replyOf(o)}));
      }},
     {"a disconnect ends idle, at once where nothing else will end it",
@@ -304,12 +318,8 @@ const std::vector<LinkRule> linkRules = {
      }},
     {"an address that is there, or a service that is online, ends the time",
      [](Outcome o, LinkKind) {
-         const bool isOnline = o.has(Event::AddressThere) || o.has(Event::RequestedOnline);
-         return !isOnline ||
-                (o.after.link.state == Online && !o.after.link.isTimed &&
-                 isOrdered(o, {Do::StopTime, Do::Announce}) == true) ||
-                (o.has(Event::AddressThere) && o.after.link.state == Online &&
-                 !o.after.link.isTimed);
+         return (!o.has(Event::AddressThere) && !o.has(Event::RequestedOnline)) ||
+                (o.after.link.state == Online && !o.after.link.isTimed && o.has(Do::StopTime));
      }},
     {"an error of the service fails and switches off, once there is firmware",
      [](Outcome o, LinkKind) {
