@@ -50,6 +50,7 @@ const struct {
 } leds[] = {{"BAT_RS1", 0},  {"BAT_GS1", 2},   {"BAT_GS2", 4},    {"BAT_GS3", 6},   {"BAT_GS4", 8},
             {"BAT_GS5", 10}, {"UTC_SYNC", 12}, {"RECORDING", 14}, {"BT", 16},       {"WIFI", 18},
             {"WPS", 20},     {"POWER_Y", 22},  {"POWER_G", 24},   {"SD_STATUS", 26}};
+const int ledCount = sizeof leds / sizeof leds[0];
 
 const char *const states[] = {"OFF", "BLINK_1HZ", "BLINK_3HZ", "ON", "UNKNOWN"};
 
@@ -182,7 +183,7 @@ void TestLed::getLedStatusTellsWhatEveryLedShows()
     QVERIFY(daemon.start());
     QStringList calls;
     QStringList entries;
-    for (int row = 0; row < 14; ++row) {
+    for (int row = 0; row < ledCount; ++row) {
         const int state = row % 5;
         Board::set(QStringLiteral("leds/") + leds[row].name, states[state]);
         calls << QStringLiteral("KyLeds.getLedState(%1) = 0 %2").arg(leds[row].number).arg(state);
@@ -213,7 +214,7 @@ void TestLed::getLedStatusOfNoReadableLedIsEmpty()
     Board::clearJournal();
 
     QCOMPARE(led.call("getLEDStatus"), QStringLiteral("({})"));
-    QCOMPARE(Board::journal().size(), 14);
+    QCOMPARE(Board::journal().size(), ledCount);
 }
 
 void TestLed::getLedStatusTellsNamesOfStatesOnly()

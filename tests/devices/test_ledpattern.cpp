@@ -1,3 +1,4 @@
+#include "enumnames.h"
 #include "ledpattern.h"
 
 #include <QTest>
@@ -18,7 +19,7 @@ private Q_SLOTS:
 
 namespace
 {
-const int statuses = 14;
+const int statuses = registeredEnum(Battery::staticMetaObject, "Status").keyCount();
 
 /** The settings in order, as in "RS1=0 GS1=3". */
 QString render(const QVector<LedSetting> &settings)
