@@ -4,8 +4,9 @@
 # what is to be done before.
 
 # Sets "command" to the command that is to run in the instrument, "instrument_options" to what is to be
-# different in an instrument that is started, and "own_handle" to the handle of --handle. Ends after
-# --help, or at what it does not understand.
+# different in an instrument that is started, "own_handle" to the handle of --handle, "panel" where that
+# command is the front panel, and "picture" to the file for a picture of it. Ends after --help, or at
+# what it does not understand.
 # usage: parse_command_line NAME DOCUMENTS [ARGUMENT...]
 parse_command_line() {
     # The instrument's own texts name them, too.
@@ -13,6 +14,8 @@ parse_command_line() {
     shift 2
     instrument_options=()
     own_handle=
+    panel='' picture=''
+    local size=''
     while [ $# -gt 0 ]; do
         case $1 in
         -h | --help)
@@ -30,6 +33,20 @@ parse_command_line() {
             own_handle=$2
             shift 2
             ;;
+        --panel)
+            panel=yes
+            shift
+            ;;
+        --picture | --size)
+            [ $# -gt 1 ] || refuse "$1 needs a value"
+            panel=yes
+            case $1 in
+            --size) size=$2 ;;
+            # Whoever started us may have been in another directory than we are in now.
+            --picture) picture=$(cd "${from:-.}" && realpath "$2") || exit 2 ;;
+            esac
+            shift 2
+            ;;
         --)
             shift
             break
@@ -39,6 +56,9 @@ parse_command_line() {
         esac
     done
     command=("$@")
+    [ -n "$panel" ] || return 0
+    [ $# -eq 0 ] || refuse "the panel is a command of its own"
+    command=(panel ${picture:+--picture -} ${size:+--size "$size"})
 }
 
 refuse() {
@@ -57,6 +77,9 @@ Starts the virtual instrument in the foreground, or runs a command inside it:
   $name --speed N ...   an instrument whose time passes N times faster, 1 to 60
   $name --handle FILE ...
   ${name//?/ }                 the same with an instrument of its own for each FILE, whatever else runs
+  $name --panel         its front panel in a window, likewise
+  $name --picture FILE  a picture of the panel as PNG, for which no display is needed
+  $name --size WxH      with one of these two: how large, in pixels
   $name --help          this text
 $INSTRUMENT_DOCUMENTS/virtual-instrument.md tells what is in it.
 EOT
@@ -72,15 +95,20 @@ start_instrument() {
     if [ "$(cat "/proc/$(cat "$handle" 2>/dev/null)/comm" 2>/dev/null)" = unshare ]; then
         [ ${#instrument_options[@]} -eq 0 ] \
             || refuse "--speed belongs to the start, and an instrument is running already"
-        if [ ${#command[@]} -gt 0 ]; then
-            exec "$here/world" "$@" --display --join "$handle" -- "${command[@]}"
+        if [ ${#command[@]} -eq 0 ]; then
+            echo "An instrument is running already; $INSTRUMENT_COMMAND -- COMMAND runs a command in it" >&2
+            exit 1
         fi
-        echo "An instrument is running already; $INSTRUMENT_COMMAND -- COMMAND runs a command in it" >&2
-        exit 1
+        set -- "$@" --display --join "$handle" -- "${command[@]}"
+    else
+        # What stays until somebody ends it can be joined.
+        if [ ${#command[@]} -eq 0 ] || [ -n "$own_handle$panel" ]; then
+            set -- "$@" --handle "$handle"
+        fi
+        set -- "$@" --display -- "$here/instrument" "${instrument_options[@]}" "${command[@]}"
     fi
-    if [ ${#command[@]} -eq 0 ] || [ -n "$own_handle" ]; then
-        set -- "$@" --handle "$handle"
-    fi
-    exec "$here/world" "$@" --display -- "$here/instrument" "${instrument_options[@]}" \
-        "${command[@]}"
+    [ -n "$picture" ] || exec "$here/world" "$@"
+    # The world hides many of the machine's directories.
+    "$here/world" "$@" >"$picture.part" || { rm -f "$picture.part" && exit 1; }
+    mv "$picture.part" "$picture"
 }

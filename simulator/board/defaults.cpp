@@ -41,6 +41,7 @@ const struct {
     {"storage/USB/inserted", "0"},
     {"storage/USB/mounted", "0"},
     {"eeprom/write_enabled", "0"},
+    {"watchdog/feeds", "0"},
     {"revision/SOM", "3"},
     {"revision/HPS", "1"},
     {"revision/FPGA", "0x00020003"},

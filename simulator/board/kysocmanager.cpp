@@ -12,6 +12,7 @@ using namespace board;
 namespace
 {
 const unsigned short statusRegister = 0x600;
+const unsigned short watchdogRegister = 0x68;
 const unsigned int chargerPresentBit = 1u << 30;
 
 std::optional<unsigned int> readRegister(unsigned short reg)
@@ -19,6 +20,9 @@ std::optional<unsigned int> readRegister(unsigned short reg)
     char file[16];
     static_cast<void>(std::snprintf(file, sizeof file, "soc/0x%x", reg));
     const auto value = readNumber<unsigned int>(file, 0, UINT_MAX);
+    // The reading itself feeds the watchdog; that it cannot be counted is no failure.
+    if (value && reg == watchdogRegister)
+        static_cast<void>(increment("watchdog/feeds"));
     if (!value || reg != statusRegister)
         return value;
     const std::optional<bool> isChargerPresent = readFlag("charger/present");

@@ -384,6 +384,7 @@ void TestBoard::aNewBoardHasSensibleValues_data()
         {"powerman/wifi_soft_resets", "0"},
         {"powerman/wifi_hard_resets", "0"},
         {"powerman/watchdog_acknowledgements", "0"},
+        {"watchdog/feeds", "0"},
         {"soc/0x6b", "1"},
         {"temperature/SOM", "42"},
         {"temperature/ANALOG_CHAIN", "38"},
@@ -1022,6 +1023,8 @@ void TestBoard::theJournalIsInOrderOverLibrariesAndProcesses()
                                    "KyFaccess.isMounted(0) = false",
                                    "KyLeds.setLedState(18, 0) = 0",
                                }));
+    // That register is the watchdog's.
+    QCOMPARE(Board::get("watchdog/feeds"), QStringLiteral("1"));
     QList<QByteArray> lines = Board::bytes("journal").split('\n');
     QCOMPARE(lines.takeLast(), QByteArray());
     double last = 0;

@@ -1,0 +1,109 @@
+#include "panelwidget.h"
+#include "trafficlog.h"
+
+#include <QApplication>
+#include <QCommandLineParser>
+#include <QElapsedTimer>
+#include <QFile>
+#include <QSplitter>
+
+#include <iostream>
+
+namespace
+{
+const int complain = 1;
+
+int fail(const QString &complaint)
+{
+    std::cerr << "panel: " << qPrintable(complaint) << '\n';
+    return complain;
+}
+
+/** "WIDTHxHEIGHT"; an empty size for anything else. */
+QSize sizeOf(const QString &text)
+{
+    const QStringList numbers = text.split(QLatin1Char('x'));
+    const QSize size(numbers.value(0).toInt(), numbers.value(1).toInt());
+    const bool isGood = numbers.size() == 2 && size.width() >= 100 && size.height() >= 100 &&
+                        size.width() <= 10000 && size.height() <= 10000;
+    return isGood ? size : QSize();
+}
+
+/** Waits until the daemon has told everything, and writes the picture as PNG. */
+int takePicture(PanelWidget &panel, const QString &path, const QSize &size)
+{
+    QElapsedTimer waited;
+    waited.start();
+    while (!panel.isComplete()) {
+        if (waited.elapsed() > 20000)
+            return fail(QStringLiteral("the daemon does not answer"));
+        QCoreApplication::processEvents(QEventLoop::WaitForMoreEvents);
+    }
+    QFile file(path);
+    const bool isOpen = path == QLatin1String("-") ? file.open(stdout, QIODevice::WriteOnly)
+                                                   : file.open(QIODevice::WriteOnly);
+    if (!isOpen || !panel.picture(size).save(&file, "PNG") || !file.flush())
+        return fail(QStringLiteral("cannot write ") + path);
+    return 0;
+}
+} // namespace
+
+int main(int argc, char *argv[])
+{
+    bool isPicture = false;
+    for (int index = 1; index < argc; ++index)
+        isPicture = isPicture || QByteArray(argv[index]).startsWith("--picture");
+    if (isPicture) {
+        qputenv("QT_QPA_PLATFORM", "offscreen");
+    } else if (!qEnvironmentVariableIsSet("DISPLAY") &&
+               !qEnvironmentVariableIsSet("WAYLAND_DISPLAY") &&
+               !qEnvironmentVariableIsSet("QT_QPA_PLATFORM")) {
+        return fail(QStringLiteral("there is no display; --picture FILE needs none, nor does "
+                                   "QT_QPA_PLATFORM=vnc (docs/your-application.md)"));
+    }
+    QApplication application(argc, argv);
+    QApplication::setApplicationName(QStringLiteral("panel"));
+    QCommandLineParser options;
+    options.setApplicationDescription(
+        QStringLiteral("The front panel of the virtual instrument, in its world."));
+    options.addHelpOption();
+    const QCommandLineOption picture(
+        QStringLiteral("picture"),
+        QStringLiteral("Write a PNG of the panel (-: to stdout) and end."), QStringLiteral("FILE"));
+    const QCommandLineOption size(
+        QStringLiteral("size"), QStringLiteral("Width and height of picture or panel, in pixels."),
+        QStringLiteral("WxH"));
+    options.addOptions({picture, size});
+    options.process(application);
+
+    PanelWidget panel(QStringLiteral(PANEL_DRAWING), QStringLiteral(TREE));
+    if (!panel.isGood())
+        return fail(QStringLiteral(PANEL_DRAWING " is no drawing"));
+    QSize wanted = panel.sizeHint();
+    if (options.isSet(size)) {
+        wanted = sizeOf(options.value(size));
+        if (wanted.isEmpty())
+            return fail(QStringLiteral("--size is as in 1280x800"));
+    }
+    if (options.isSet(picture))
+        return takePicture(panel, options.value(picture), wanted);
+
+    TrafficLog log;
+    log.setIgnored(panel.daemonView().ownName());
+    QObject::connect(&panel, &PanelWidget::busCame, &log,
+                     [&] { log.setIgnored(panel.daemonView().ownName()); });
+    QObject::connect(&panel, &PanelWidget::commandRan, &log, &TrafficLog::note);
+    QSplitter window;
+    window.setWindowTitle(QStringLiteral("Strandel, virtual instrument"));
+    window.addWidget(&panel);
+    window.addWidget(&log);
+    window.setStretchFactor(0, 1);
+    window.setSizes({wanted.width(), 420});
+    window.resize(wanted.width() + 420, wanted.height());
+    window.show();
+    const int status = QApplication::exec();
+    // They are ours, not the splitter's.
+    panel.setParent(nullptr);
+    log.setParent(nullptr);
+    return status;
+}

@@ -1,0 +1,212 @@
+#include "panelwidget.h"
+
+#include "hands.h"
+#include "surroundings.h"
+
+#include <QMenu>
+#include <QMouseEvent>
+#include <QPainter>
+#include <QToolTip>
+
+namespace
+{
+/** LEDs that blink three times a second change every sixth of one. */
+const int tick = 50;
+/** The bus and what surrounds the daemon are looked at less often than the board. */
+const int slowTicks = 4;
+} // namespace
+
+PanelWidget::PanelWidget(const QString &drawing, const QString &tree)
+    : m_tree(tree), m_drawing(drawing), m_faultMenu(new QMenu(this))
+{
+    setMouseTracking(true);
+    setMinimumSize(480, 300);
+    m_clock.start();
+    m_hand.setWorkingDirectory(m_tree);
+    QObject::connect(
+        &m_hand, static_cast<void (QProcess::*)(int, QProcess::ExitStatus)>(&QProcess::finished),
+        this, [this](int status) {
+            const QByteArray complaint = m_hand.readAllStandardError().trimmed();
+            m_instrument.complaint = QString();
+            if (status != 0)
+                m_instrument.complaint = complaint.isEmpty()
+                                             ? QStringLiteral("ended with status %1").arg(status)
+                                             : QString::fromUtf8(complaint.split('\n').first());
+            look();
+            startNext();
+        });
+    QObject::connect(&m_daemonView, &DaemonView::busCame, this, &PanelWidget::busCame);
+    QObject::connect(&m_timer, &QTimer::timeout, this, &PanelWidget::look);
+    m_timer.start(tick);
+    look();
+}
+
+PanelWidget::~PanelWidget()
+{
+    m_hand.disconnect();
+    m_hand.waitForFinished(5000);
+}
+
+bool PanelWidget::isComplete() const
+{
+    return m_daemonView.isComplete() && !m_instrument.board.isEmpty();
+}
+
+QSize PanelWidget::sizeHint() const
+{
+    return m_drawing.size().toSize();
+}
+
+void PanelWidget::look()
+{
+    if (m_ticks++ % slowTicks == 0) {
+        m_daemonView.joinBus();
+        readSurroundings(m_instrument);
+    }
+    readBoard(m_instrument);
+    m_daemonView.fill(m_instrument);
+    const Look now = lookOf(m_instrument, m_clock.elapsed());
+    if (now == m_look)
+        return;
+    m_look = now;
+    m_drawing.apply(m_look);
+    m_image = QImage();
+    update();
+}
+
+QImage PanelWidget::picture(const QSize &size)
+{
+    look();
+    m_drawing.apply(lookOf(m_instrument, 0));
+    return m_drawing.render(size);
+}
+
+void PanelWidget::paintEvent(QPaintEvent *)
+{
+    const QSize wanted = size() * devicePixelRatio();
+    if (m_image.size() != wanted)
+        m_image = m_drawing.render(wanted);
+    QPainter(this).drawImage(rect(), m_image);
+}
+
+QRectF PanelWidget::boundsOnWidget(const QString &element) const
+{
+    const QRectF place = m_drawing.placeIn(size());
+    const double scale = place.width() / m_drawing.size().width();
+    const QRectF bounds = m_drawing.bounds(element);
+    return {place.topLeft() + bounds.topLeft() * scale, bounds.size() * scale};
+}
+
+QPoint PanelWidget::placeOf(const QString &element) const
+{
+    return placeOf(element, 0.5);
+}
+
+QPoint PanelWidget::placeOf(const QString &element, double place) const
+{
+    const QRectF bounds = boundsOnWidget(element);
+    return QPointF(bounds.left() + place * bounds.width(), bounds.center().y()).toPoint();
+}
+
+QString PanelWidget::elementAt(const QPoint &place) const
+{
+    for (const QString &element : handElements()) {
+        if (boundsOnWidget(element).contains(place))
+            return element;
+    }
+    return {};
+}
+
+double PanelWidget::placeOn(const QString &element, const QPoint &place) const
+{
+    const QRectF bounds = boundsOnWidget(element);
+    return qBound(0.0, (place.x() - bounds.left()) / bounds.width(), 1.0);
+}
+
+void PanelWidget::mousePressEvent(QMouseEvent *event)
+{
+    const QString element = elementAt(event->pos());
+    if (event->button() != Qt::LeftButton || element.isEmpty())
+        return;
+    if (element == QLatin1String("faults")) {
+        showFaultMenu(event->globalPos());
+        return;
+    }
+    if (isDragged(element))
+        m_dragged = element;
+    run(commandFor(element, placeOn(element, event->pos()), m_instrument));
+}
+
+void PanelWidget::mouseMoveEvent(QMouseEvent *event)
+{
+    if (!m_dragged.isEmpty()) {
+        const QString command =
+            commandFor(m_dragged, placeOn(m_dragged, event->pos()), m_instrument);
+        // Only where the hand is in the end counts.
+        if (!m_commands.isEmpty())
+            m_commands.removeLast();
+        run(command);
+        return;
+    }
+    const QString element = elementAt(event->pos());
+    setCursor(element.isEmpty()    ? Qt::ArrowCursor
+              : isDragged(element) ? Qt::SizeHorCursor
+                                   : Qt::PointingHandCursor);
+    const QString command = commandFor(element, placeOn(element, event->pos()), m_instrument);
+    setToolTip(command.isEmpty() ? QString() : asTyped(command));
+}
+
+void PanelWidget::mouseReleaseEvent(QMouseEvent *)
+{
+    m_dragged.clear();
+}
+
+void PanelWidget::run(const QString &command)
+{
+    if (command.isEmpty())
+        return;
+    m_commands << command;
+    startNext();
+}
+
+void PanelWidget::startNext()
+{
+    if (m_commands.isEmpty() || m_hand.state() != QProcess::NotRunning)
+        return;
+    const QString command = m_commands.takeFirst();
+    const QString typed = asTyped(command);
+    if (typed == m_instrument.command && !m_dragged.isEmpty())
+        return;
+    m_instrument.command = typed;
+    m_instrument.complaint.clear();
+    m_hand.start(QStringLiteral("sh"), {QStringLiteral("-c"), command});
+    look();
+    Q_EMIT commandRan(typed);
+}
+
+void PanelWidget::showFaultMenu(const QPoint &place)
+{
+    m_faultMenu->clear();
+    m_faultMenu->addAction(QStringLiteral("Heal everything"), this,
+                           [this] { run(healAllCommand()); });
+    m_faultMenu->addSeparator();
+    QMenu *ofClass = nullptr;
+    for (const QString &operation : faultOperations()) {
+        const QString name = operation.section(QLatin1Char('.'), 0, 0);
+        if (!ofClass || ofClass->title() != name)
+            ofClass = m_faultMenu->addMenu(name);
+        QMenu *choices = ofClass->addMenu(operation.section(QLatin1Char('.'), 1));
+        for (const FaultChoice &choice : faultChoices) {
+            const QString words = QString::fromLatin1(choice.words);
+            choices->addAction(QString::fromLatin1(choice.title), this,
+                               [this, operation, words] { run(faultCommand(operation, words)); });
+        }
+        choices->addSeparator();
+        const QString file = QStringLiteral("faults/") + operation;
+        choices
+            ->addAction(QStringLiteral("heal"), this,
+                        [this, operation] { run(healCommand(operation)); })
+            ->setEnabled(m_instrument.board.contains(file));
+    }
+    m_faultMenu->popup(place);
+}

@@ -1,0 +1,79 @@
+#ifndef PANELWIDGET_H
+#define PANELWIDGET_H
+
+#include "daemonview.h"
+#include "drawing.h"
+#include "instrument.h"
+
+#include <QElapsedTimer>
+#include <QProcess>
+#include <QTimer>
+#include <QWidget>
+
+class QMenu;
+
+/** The front panel: shows the instrument, and does what hands do. */
+class PanelWidget : public QWidget
+{
+    Q_OBJECT
+
+public:
+    /**
+     * @param drawing path of the SVG file
+     * @param tree where the commands of the simulator are, the directory that they run in
+     */
+    PanelWidget(const QString &drawing, const QString &tree);
+    ~PanelWidget() override;
+
+    bool isGood() const { return !m_drawing.size().isEmpty(); }
+    /** Whether everything is known that a picture shows. */
+    bool isComplete() const;
+    /** The panel as it is now, LEDs that blink lit. */
+    QImage picture(const QSize &size);
+
+    /** Where the middle of an element is on the widget. */
+    QPoint placeOf(const QString &element) const;
+    /** Where an element is on the widget, @p place from its left to its right, 0 to 1. */
+    QPoint placeOf(const QString &element, double place) const;
+
+    const Instrument &instrument() const { return m_instrument; }
+    const DaemonView &daemonView() const { return m_daemonView; }
+    QMenu *faultMenu() const { return m_faultMenu; }
+    QSize sizeHint() const override;
+
+Q_SIGNALS:
+    /** A command was run, as somebody types it outside. */
+    void commandRan(const QString &command);
+    void busCame();
+
+protected:
+    void paintEvent(QPaintEvent *event) override;
+    void mousePressEvent(QMouseEvent *event) override;
+    void mouseMoveEvent(QMouseEvent *event) override;
+    void mouseReleaseEvent(QMouseEvent *event) override;
+
+private:
+    void look();
+    void run(const QString &command);
+    void startNext();
+    void showFaultMenu(const QPoint &place);
+    QString elementAt(const QPoint &place) const;
+    double placeOn(const QString &element, const QPoint &place) const;
+    QRectF boundsOnWidget(const QString &element) const;
+
+    const QString m_tree;
+    Drawing m_drawing;
+    Instrument m_instrument;
+    DaemonView m_daemonView;
+    Look m_look;
+    QImage m_image;
+    QTimer m_timer;
+    QElapsedTimer m_clock;
+    int m_ticks = 0;
+    QProcess m_hand;
+    QStringList m_commands;
+    QString m_dragged;
+    QMenu *m_faultMenu;
+};
+
+#endif

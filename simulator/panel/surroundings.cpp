@@ -1,0 +1,108 @@
+#include "surroundings.h"
+
+#include "boardfolder.h"
+#include "defaults.h"
+
+#include <QDateTime>
+#include <QDir>
+#include <QFile>
+#include <QFileInfo>
+
+namespace
+{
+/** The content of @p path, null where there is none. Larger than an EEPROM it makes no sense. */
+QByteArray contentOf(const QString &path)
+{
+    // A FIFO in a file's place would hold us up.
+    if (!QFileInfo(path).isFile())
+        return {};
+    QFile file(path);
+    return file.open(QIODevice::ReadOnly) ? file.read(8192) : QByteArray();
+}
+
+QString boardPath(const QString &file)
+{
+    return QString::fromStdString(board::pathOf(file.toStdString()));
+}
+
+/** 1 where the process in @p pidFile is stopped, 0 where it runs, -1 where there is none. */
+int isStopped(const QString &pidFile)
+{
+    const QByteArray pid = contentOf(pidFile).trimmed();
+    QFile status(QStringLiteral("/proc/%1/stat").arg(QString::fromLatin1(pid)));
+    if (pid.isEmpty() || !status.open(QIODevice::ReadOnly))
+        return -1;
+    const QByteArray line = status.readAll();
+    return line.mid(line.lastIndexOf(')') + 2, 1) == "T" ? 1 : 0;
+}
+
+int cableState()
+{
+    // The carrier of the near end, which is up whatever ConnMan does with the interface on it.
+    QFile carrier(QStringLiteral("/sys/class/net/socket/carrier"));
+    if (!carrier.open(QIODevice::ReadOnly))
+        return -1;
+    const QByteArray value = carrier.readAll().trimmed();
+    return value == "1" ? 1 : value == "0" ? 0 : -1;
+}
+
+QVector<AirPoint> pointsInTheAir()
+{
+    const QString air = qEnvironmentVariable("STRANDEL_AIR", QStringLiteral("/run/strandel-air"));
+    QVector<AirPoint> points;
+    for (const QString &folder : QDir(air).entryList(QDir::Dirs | QDir::NoDotAndDotDot)) {
+        const auto value = [&](const char *property) {
+            return contentOf(air + QLatin1Char('/') + folder + QLatin1Char('/') +
+                             QLatin1String(property))
+                .trimmed();
+        };
+        AirPoint point;
+        point.folder = folder;
+        point.ssid = QString::fromUtf8(value("ssid"));
+        if (point.ssid.isEmpty())
+            continue;
+        bool isNumber = false;
+        const int signal = value("signal").toInt(&isNumber);
+        if (isNumber)
+            point.signal = signal;
+        point.isInRange = value("in_range") != "0";
+        point.isHidden = value("hidden") == "1";
+        point.isProtected = value("security") == "wpa2";
+        points << point;
+    }
+    return points;
+}
+} // namespace
+
+void readBoard(Instrument &instrument)
+{
+    instrument.board.clear();
+    QStringList names{QStringLiteral("held")};
+    for (const board::DefaultFile &file : board::defaultFiles())
+        names << QString::fromStdString(file.name);
+    for (const char *folder : {"soc", "faults"}) {
+        for (const QString &name :
+             QDir(boardPath(QString::fromLatin1(folder))).entryList(QDir::Files))
+            names << QString::fromLatin1(folder) + QLatin1Char('/') + name;
+    }
+    for (const QString &name : names) {
+        const QByteArray content = contentOf(boardPath(name));
+        if (!content.isNull())
+            instrument.board.insert(name, content);
+    }
+    const QString feeds = QStringLiteral("watchdog/feeds");
+    instrument.fedBefore = -1;
+    if (instrument.board.value(feeds).trimmed().toLongLong() > 0)
+        instrument.fedBefore = std::max<qint64>(
+            0, QFileInfo(boardPath(feeds)).lastModified().msecsTo(QDateTime::currentDateTime()));
+}
+
+void readSurroundings(Instrument &instrument)
+{
+    instrument.speed =
+        std::max(1, contentOf(QStringLiteral("/run/strandel-speed")).trimmed().toInt());
+    instrument.isCableIn = cableState();
+    instrument.isDhcpMute = isStopped(QStringLiteral("/run/ethernet-dhcp.pid"));
+    instrument.isWifiDhcpMute = isStopped(QStringLiteral("/run/wifi-dhcp.pid"));
+    instrument.air = pointsInTheAir();
+}

@@ -1,0 +1,384 @@
+#include "board.h"
+#include "daemontest.h"
+#include "hands.h"
+#include "look.h"
+#include "panelwidget.h"
+#include "trafficlog.h"
+
+#include <QApplication>
+#include <QMenu>
+#include <QProcess>
+#include <QTemporaryDir>
+
+#include <csignal>
+#include <memory>
+
+/** The front panel on the running daemon: what is clicked reaches it, and what it does is seen. */
+class TestPanel : public DaemonTest
+{
+    Q_OBJECT
+
+private Q_SLOTS:
+    void init();
+    void cleanup();
+
+    void anLedLightsUpWhereItIsDrawn();
+    void anLedBlinks();
+    void aCardIsInsertedMountedAndPulled();
+    void theChargerAndTheBatteryReachTheDaemon();
+    void lightAndTemperatureReachTheDaemon();
+    void onlyTheEndOfADragCounts();
+    void theProfileIsTheDaemons();
+    void statesAreShownAsTheyPass();
+    void accessPointsAreMoved();
+    void aFaultOfTheMenuFails();
+    void aCommandThatFailsSaysWhy();
+    void theDaemonGoesAndComes();
+    void theBusGoesAndComes();
+    void theBoardGoesAndComes();
+    void theLogTellsWhatGoesOverTheBus();
+
+private:
+    void click(const QString &element, double place = 0.5);
+    QColor colourOf(const QString &element);
+    QString text(const QString &element) const;
+    bool shows(const QString &element, const QString &wanted);
+
+    const QByteArray m_usualBus = qgetenv("DBUS_SYSTEM_BUS_ADDRESS");
+    std::unique_ptr<PanelWidget> panel;
+    const Remote leds{"/KyDeviceMgr", "LED"};
+    const Remote alimentation{"/KyDeviceMgr", "Alimentation"};
+    const Remote storage{"/KyDeviceMgr", "Storage"};
+};
+
+void TestPanel::init()
+{
+    DaemonTest::init();
+    QVERIFY(daemon.start());
+    panel = std::make_unique<PanelWidget>(DRAWING, TREE);
+    panel->resize(1280, 800);
+    panel->show();
+    QTRY_VERIFY_WITH_TIMEOUT(panel->isComplete(), 20000);
+}
+
+void TestPanel::cleanup()
+{
+    panel.reset();
+    qputenv("DBUS_SYSTEM_BUS_ADDRESS", m_usualBus);
+    DaemonTest::cleanup();
+}
+
+void TestPanel::click(const QString &element, double place)
+{
+    QTest::mouseClick(panel.get(), Qt::LeftButton, {}, panel->placeOf(element, place));
+}
+
+/** What is seen in the middle of an element. */
+QColor TestPanel::colourOf(const QString &element)
+{
+    return panel->grab().toImage().pixelColor(panel->placeOf(element));
+}
+
+QString TestPanel::text(const QString &element) const
+{
+    return lookOf(panel->instrument(), 0).texts.value(element);
+}
+
+bool TestPanel::shows(const QString &element, const QString &wanted)
+{
+    return QTest::qWaitFor([&] { return text(element) == wanted; }, 20000);
+}
+
+void TestPanel::anLedLightsUpWhereItIsDrawn()
+{
+    const QColor dark = colourOf("WIFI");
+    QCOMPARE(leds.call("setLEDStatus", {"WIFI", "ON"}), QStringLiteral("()"));
+    QTRY_VERIFY_WITH_TIMEOUT(colourOf("WIFI").blue() > dark.blue() + 100, 20000);
+    QVERIFY(colourOf("BT") == dark);
+    QCOMPARE(leds.call("setLEDStatus", {"WIFI", "OFF"}), QStringLiteral("()"));
+    QTRY_VERIFY_WITH_TIMEOUT(colourOf("WIFI") == dark, 20000);
+    // The files are the truth, whatever the daemon says.
+    Board::set("leds/RECORDING", "ON");
+    QTRY_VERIFY_WITH_TIMEOUT(colourOf("RECORDING").red() > 200, 20000);
+}
+
+void TestPanel::anLedBlinks()
+{
+    QCOMPARE(leds.call("setLEDStatus", {"WPS", "BLINK_3HZ"}), QStringLiteral("()"));
+    for (int times = 0; times < 2; ++times) {
+        QTRY_VERIFY_WITH_TIMEOUT(colourOf("WPS").red() > 200, 20000);
+        QTRY_VERIFY_WITH_TIMEOUT(colourOf("WPS").red() < 120, 20000);
+    }
+}
+
+void TestPanel::aCardIsInsertedMountedAndPulled()
+{
+    SignalRecorder signalsOfDevices("/KyDeviceMgr");
+    click("SD-mount");
+    click("SD-hand");
+    QVERIFY(shows("SD-text", "inserted"));
+    QCOMPARE(text("command"), QStringLiteral("./run -- simulator/storage insert SD"));
+    QVERIFY(signalsOfDevices.waitFor(2).contains("Storage.sdcardPresence(true)"));
+    click("SD-mount");
+    QVERIFY(shows("SD-text", "mounted"));
+    QCOMPARE(storage.call("isMounted", {"SD"}), QStringLiteral("(true)"));
+    QTRY_VERIFY_WITH_TIMEOUT(colourOf("SD_STATUS").green() > 160, 20000);
+    // What a client unmounts is seen.
+    QCOMPARE(storage.call("umount", {"SD"}), QStringLiteral("()"));
+    QVERIFY(shows("SD-text", "inserted"));
+    signalsOfDevices.take();
+    click("SD");
+    QVERIFY(shows("SD-text", "empty"));
+    QVERIFY(signalsOfDevices.waitFor(2).contains("Storage.sdcardPresence(false)"));
+    click("USB");
+    QVERIFY(shows("USB-text", "inserted"));
+    QVERIFY(signalsOfDevices.waitFor(1).contains("Storage.usbKeyPresence(true)"));
+}
+
+void TestPanel::theChargerAndTheBatteryReachTheDaemon()
+{
+    QVERIFY(shows("battery-status", "CHARGER_OFF_BAT_INF_80"));
+    click("charger");
+    QVERIFY(shows("battery-direction", "charging"));
+    // The daemon announces what it notices when it is asked.
+    QCOMPARE(alimentation.property("batteryStatus"),
+             QStringLiteral("(<\"CHARGER_ON_BAT_INF_80\">)"));
+    QVERIFY(shows("battery-status", "CHARGER_ON_BAT_INF_80"));
+    click("battery-track", 0.3);
+    QVERIFY(shows("battery-voltage", "6600 mV"));
+    QCOMPARE(alimentation.property("batteryStatus"),
+             QStringLiteral("(<\"CHARGER_ON_BAT_INF_40\">)"));
+    click("battery-track", 1);
+    // What is written last.
+    QVERIFY(shows("battery-voltage", "8000 mV"));
+    QCOMPARE(alimentation.property("batteryStatus"), QStringLiteral("(<\"CHARGER_ON_BAT_FULL\">)"));
+    click("charger");
+    QVERIFY(shows("battery-direction", "on battery"));
+    click("battery-track", 0.08);
+    QVERIFY(shows("battery-voltage", "6160 mV"));
+    QCOMPARE(alimentation.property("batteryStatus"),
+             QStringLiteral("(<\"CHARGER_OFF_BAT_PRWT\">)"));
+    QTRY_VERIFY_WITH_TIMEOUT(colourOf("battery-track") != QColor(0x63, 0xb7, 0x7c), 20000);
+}
+
+void TestPanel::lightAndTemperatureReachTheDaemon()
+{
+    SignalRecorder signalsOfDevices("/KyDeviceMgr");
+    click("light-track", 0.75);
+    QVERIFY(shows("light-text", "5600 lux"));
+    const QStringList announced = signalsOfDevices.waitFor(1);
+    QVERIFY(!announced.isEmpty());
+    QVERIFY2(announced.first().startsWith("Brightness.reachedBrightnessThreshold(d:5600"),
+             qPrintable(announced.first()));
+    click("temperature-SOM-track", 0.625);
+    QVERIFY(shows("temperature-SOM-text", "60 \u00b0C"));
+    QCOMPARE(Remote("/KyDeviceMgr", "Temperature").call("getTemperatures"),
+             QStringLiteral("({\"ANALOG_CHAIN\": <38>, \"SOM\": <60>})"));
+}
+
+void TestPanel::onlyTheEndOfADragCounts()
+{
+    QTest::mousePress(panel.get(), Qt::LeftButton, {}, panel->placeOf("battery-track", 0.5));
+    for (int percent = 49; percent >= 20; --percent) {
+        QMouseEvent move(QEvent::MouseMove, panel->placeOf("battery-track", percent / 100.0),
+                         Qt::NoButton, Qt::LeftButton, Qt::NoModifier);
+        QApplication::sendEvent(panel.get(), &move);
+    }
+    QTest::mouseRelease(panel.get(), Qt::LeftButton, {}, panel->placeOf("battery-track", 0.2));
+    QVERIFY(shows("battery-charge", "20 %"));
+    QCOMPARE(text("command"), QStringLiteral("./run -- simulator/battery 20"));
+    // Moving on without pressing does nothing.
+    QMouseEvent move(QEvent::MouseMove, panel->placeOf("battery-track", 0.9), Qt::NoButton,
+                     Qt::NoButton, Qt::NoModifier);
+    QApplication::sendEvent(panel.get(), &move);
+    QCOMPARE(panel->toolTip(), QStringLiteral("./run -- simulator/battery 90"));
+    QCOMPARE(Board::get("battery/charge"), QStringLiteral("20"));
+}
+
+void TestPanel::theProfileIsTheDaemons()
+{
+    QVERIFY(shows("daemon-profile", "profile user1"));
+    QCOMPARE(Remote("/KyConfigMgr", "Users").call("setUser", {"user3"}), QStringLiteral("()"));
+    QVERIFY(shows("daemon-profile", "profile user3"));
+}
+
+void TestPanel::statesAreShownAsTheyPass()
+{
+    QCOMPARE(text("Ethernet-state"), QStringLiteral("not known"));
+    // Without ConnMan a connection fails at its first step.
+    Remote("/KyComMgr", "Ethernet").call("connect");
+    QTRY_VERIFY_WITH_TIMEOUT(!panel->instrument().links.value("Ethernet").trail.isEmpty(), 20000);
+    QCOMPARE(text("Ethernet-state"), panel->instrument().links.value("Ethernet").trail.last());
+    QCOMPARE(text("WIFI-state"), QStringLiteral("not known"));
+}
+
+void TestPanel::accessPointsAreMoved()
+{
+    writeFile("/run/strandel-air/cafe/ssid", "Cafe\n");
+    QVERIFY(shows("air-1-name", "Cafe"));
+    QVERIFY(shows("air-1-signal", "-60 dBm"));
+    click("air-1-track", 1);
+    QVERIFY(shows("air-1-signal", "-30 dBm"));
+    QCOMPARE(readFile("/run/strandel-air/cafe/signal"), QByteArray("-30\n"));
+    click("air-1-switch");
+    QTRY_COMPARE_WITH_TIMEOUT(readFile("/run/strandel-air/cafe/in_range"), QByteArray("0\n"),
+                              20000);
+    QTRY_VERIFY_WITH_TIMEOUT(!panel->instrument().air.first().isInRange, 20000);
+    click("air-1-switch");
+    QTRY_COMPARE_WITH_TIMEOUT(readFile("/run/strandel-air/cafe/in_range"), QByteArray("1\n"),
+                              20000);
+    click("air-2-switch");
+    removePath("/run/strandel-air");
+    QTRY_VERIFY_WITH_TIMEOUT(panel->instrument().air.isEmpty(), 20000);
+}
+
+void TestPanel::aFaultOfTheMenuFails()
+{
+    click("faults");
+    QMenu *menu = panel->faultMenu();
+    QTRY_VERIFY_WITH_TIMEOUT(menu->isVisible(), 20000);
+    for (QAction *ofClass : menu->actions()) {
+        if (ofClass->text() != "KyLeds")
+            continue;
+        for (QAction *operation : ofClass->menu()->actions()) {
+            if (operation->text() == "setLedState")
+                operation->menu()->actions().first()->trigger();
+        }
+    }
+    QVERIFY(shows("fault-text", "fault: KyLeds.setLedState"));
+    QVERIFY(leds.call("setLEDStatus", {"WIFI", "ON"}).contains("Error.Write"));
+    menu->actions().first()->trigger();
+    QVERIFY(shows("fault-text", "no faults"));
+    QCOMPARE(leds.call("setLEDStatus", {"WIFI", "ON"}), QStringLiteral("()"));
+    menu->close();
+}
+
+void TestPanel::aCommandThatFailsSaysWhy()
+{
+    // Somebody else was faster: the panel has not seen it yet.
+    QVERIFY(Board::storage("insert", "SD"));
+    Board::set("storage/SD/inserted", "0");
+    QVERIFY(shows("SD-text", "empty"));
+    click("SD-hand");
+    QVERIFY(shows("command-result", "storage: the SD device is inserted already"));
+}
+
+void TestPanel::theDaemonGoesAndComes()
+{
+    QVERIFY(shows("daemon-text", "on the bus"));
+    const QColor there = colourOf("daemon-there");
+    daemon.stop();
+    QVERIFY(shows("daemon-text", "away"));
+    QTRY_VERIFY_WITH_TIMEOUT(colourOf("daemon-there").red() > there.red() + 100, 20000);
+    QCOMPARE(text("daemon-profile"), QString());
+    QCOMPARE(text("battery-status"), QStringLiteral("nothing"));
+    Board::set("temperature/SOM", "77");
+    QVERIFY(shows("temperature-SOM-text", "77 \u00b0C"));
+    QVERIFY(daemon.start());
+    QVERIFY(shows("daemon-text", "on the bus"));
+    QVERIFY(shows("daemon-profile", "profile user1"));
+    QVERIFY(shows("battery-status", "CHARGER_OFF_BAT_INF_80"));
+}
+
+void TestPanel::theBusGoesAndComes()
+{
+    const QString address = "unix:path=/run/dbus/other";
+    QProcess bus;
+    QByteArray configuration = readFile("/run/dbus/system.conf");
+    configuration.replace("/run/dbus/system_bus_socket", "/run/dbus/other");
+    writeFile("/run/dbus/other.conf", configuration);
+    const auto startBus = [&] {
+        QFile::remove("/run/dbus/other");
+        bus.start("dbus-daemon",
+                  {"--config-file=/run/dbus/other.conf", "--nofork", "--print-address=1"});
+        return QTest::qWaitFor([&] { return bus.canReadLine(); }, 20000);
+    };
+    QVERIFY(startBus());
+    qputenv("DBUS_SYSTEM_BUS_ADDRESS", address.toLatin1());
+    panel = std::make_unique<PanelWidget>(DRAWING, TREE);
+    QProcess other;
+    const auto startDaemon = [&] { other.start("KyBoardManager", QStringList()); };
+    QVERIFY(shows("daemon-text", "away"));
+    startDaemon();
+    QVERIFY(shows("daemon-text", "on the bus"));
+
+    bus.kill();
+    QVERIFY(shows("daemon-text", "the bus is away"));
+    Board::set("temperature/SOM", "55");
+    QVERIFY(shows("temperature-SOM-text", "55 \u00b0C"));
+    // The daemon stays without a bus; its keeper would start it again.
+    other.kill();
+    QVERIFY(other.waitForFinished(20000));
+    QVERIFY(startBus());
+    QVERIFY(shows("daemon-text", "away"));
+    startDaemon();
+    QVERIFY(shows("daemon-text", "on the bus"));
+    QVERIFY(shows("daemon-profile", "profile user1"));
+    panel.reset();
+    other.kill();
+    other.waitForFinished();
+    bus.kill();
+    bus.waitForFinished();
+}
+
+void TestPanel::theBoardGoesAndComes()
+{
+    Board::set("leds/BT", "ON");
+    QTRY_VERIFY_WITH_TIMEOUT(colourOf("BT").blue() > 200, 20000);
+    daemon.stop();
+    emptyFolder(Board::pathOf(QString()));
+    QVERIFY(shows("battery-charge", "?"));
+    QVERIFY(shows("light-text", "?"));
+    QTRY_VERIFY_WITH_TIMEOUT(colourOf("BT").blue() < 200, 20000);
+    QVERIFY(!QFile::exists(Board::pathOf("leds/BT")));
+    Board::reset();
+    QVERIFY(shows("battery-charge", "80 %"));
+    QVERIFY(shows("light-text", "120 lux"));
+}
+
+void TestPanel::theLogTellsWhatGoesOverTheBus()
+{
+    TrafficLog log;
+    log.setIgnored(panel->daemonView().ownName());
+    const auto has = [&](const QString &part) {
+        return QTest::qWaitFor([&] { return log.text().contains(part); }, 20000);
+    };
+    // It listens when it has heard something.
+    QVERIFY(QTest::qWaitFor(
+        [&] {
+            leds.call("setLEDStatus", {"WPS", "OFF"});
+            return QTest::qWaitFor([&] { return log.text().contains("WPS"); }, 200);
+        },
+        20000));
+    leds.call("setLEDStatus", {"WIFI", "BRIGHT"});
+    QVERIFY(has("call    LED.setLEDStatus(\"WIFI\", \"BRIGHT\")"));
+    QVERIFY(has("error   LED.setLEDStatus: com.orvendis.Strandel.BoardManager.Error."));
+    Remote("/KyConfigMgr", "Users").call("setUser", {"user2"});
+    QVERIFY(has("signal  Users.userChanged(\"user2\")"));
+    log.note("./run -- simulator/charger plug");
+    // The panel asks for the profile after that, which is none of anybody's business.
+    QVERIFY(shows("daemon-profile", "profile user2"));
+    QVERIFY(!log.text().contains("getUser"));
+
+    log.showInterface("Users");
+    QVERIFY(!log.text().contains("LED."));
+    QVERIFY(log.text().contains("userChanged"));
+    QVERIFY(log.text().contains("$ ./run -- simulator/charger plug"));
+    QTemporaryDir folder;
+    QVERIFY(log.save(folder.path() + "/log"));
+    QCOMPARE(readFile(folder.path() + "/log"), log.text().toUtf8() + '\n');
+    QVERIFY(!log.save(folder.path() + "/none/log"));
+    log.showInterface(QString());
+    QVERIFY(log.text().contains("LED."));
+}
+
+int main(int argc, char *argv[])
+{
+    if (!QFile::exists(QStringLiteral("/run/private-world")))
+        qFatal("this test writes to /opt and /tmp: run it in a private world");
+    qputenv("QT_QPA_PLATFORM", "offscreen");
+    QApplication itself(argc, argv);
+    TestPanel test;
+    return QTest::qExec(&test, itself.arguments());
+}
+#include "test_panel.moc"

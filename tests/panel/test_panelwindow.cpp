@@ -1,0 +1,157 @@
+#include "drawing.h"
+#include "virtualscreen.h"
+
+#include <QApplication>
+#include <QProcess>
+#include <QTest>
+
+/** The panel as a program, in the instrument that ./run starts. */
+class TestPanelWindow : public QObject
+{
+    Q_OBJECT
+
+private Q_SLOTS:
+    void clicksInAWindowReachTheInstrument();
+    void aViewerReachesItOverTheNetwork();
+    void picturesNeedNoDisplay();
+    void whatMakesNoSenseIsRefused();
+    void thePicturesOfTheDocumentsAreWhatIsSeen_data();
+    void thePicturesOfTheDocumentsAreWhatIsSeen();
+
+private:
+    static QStringList arguments(const QString &script);
+    static QByteArray output(const QString &script);
+    static int largestDifference(const QImage &one, const QImage &other);
+};
+
+QStringList TestPanelWindow::arguments(const QString &script)
+{
+    return QString::fromLocal8Bit(qgetenv("WORLD_OPTIONS")).split(' ') +
+           QStringList{TREE "/simulator/instrument", "sh", "-c", "cd " TREE ";" + script};
+}
+
+/** What a script in a new instrument prints. */
+QByteArray TestPanelWindow::output(const QString &script)
+{
+    QProcess world;
+    world.start(TREE "/simulator/world", arguments(script));
+    if (!world.waitForFinished(60000))
+        return "no end";
+    return world.readAllStandardOutput();
+}
+
+void TestPanelWindow::clicksInAWindowReachTheInstrument()
+{
+    VirtualScreen screen;
+    QVERIFY(screen.start());
+    qputenv("DISPLAY", screen.name().toLatin1());
+    QProcess world;
+    // Its files tell what the clicks did.
+    world.start(
+        TREE "/simulator/world",
+        arguments("env -u QT_QPA_PLATFORM panel --size 1280x800 & "
+                  "until [ \"$(cat /run/strandel-board/storage/SD/inserted)\" = 1 ]; "
+                  "do sleep 0.02; done; echo inserted; "
+                  "while pidof KyBoardManager >/dev/null; do sleep 0.02; done; echo killed; "
+                  "until pidof KyBoardManager >/dev/null; do sleep 0.02; done; echo started; "
+                  "kill $!"));
+    QProcess search;
+    search.start("xdotool", {"search", "--sync", "--onlyvisible", "--name", "Strandel"});
+    QVERIFY(search.waitForFinished(30000));
+    const QString window = QString::fromLatin1(search.readLine()).trimmed();
+    QVERIFY(!window.isEmpty());
+    const Drawing drawing{TREE "/simulator/panel/panel.svg"};
+    QCOMPARE(drawing.size(), QSizeF(1280, 800));
+    const auto click = [&](const QString &element) {
+        const QPoint place = drawing.bounds(element).center().toPoint();
+        return QProcess::execute("xdotool",
+                                 {"mousemove", "--window", window, QString::number(place.x()),
+                                  QString::number(place.y()), "click", "1"}) == 0;
+    };
+    QVERIFY(click("SD-hand"));
+    QTRY_VERIFY_WITH_TIMEOUT(world.canReadLine(), 20000);
+    QCOMPARE(world.readLine(), QByteArray("inserted\n"));
+    QVERIFY(click("daemon-kill"));
+    QTRY_VERIFY_WITH_TIMEOUT(world.canReadLine(), 20000);
+    QCOMPARE(world.readLine(), QByteArray("killed\n"));
+    QVERIFY(click("daemon-start"));
+    QTRY_VERIFY_WITH_TIMEOUT(world.canReadLine(), 20000);
+    QCOMPARE(world.readLine(), QByteArray("started\n"));
+    QVERIFY(world.waitForFinished(20000));
+    qunsetenv("DISPLAY");
+}
+
+void TestPanelWindow::aViewerReachesItOverTheNetwork()
+{
+    // A VNC server speaks first.
+    QCOMPARE(output("QT_QPA_PLATFORM=vnc panel >/dev/null 2>&1 & "
+                    "until grep -q :170C /proc/net/tcp /proc/net/tcp6; do sleep 0.02; done; "
+                    "touch /tmp/said; until [ -s /tmp/said ]; do sleep 0.02; done | "
+                    "simulator/port 5900 >/tmp/said; head -c 4 /tmp/said; kill $!"),
+             QByteArray("RFB "));
+}
+
+void TestPanelWindow::picturesNeedNoDisplay()
+{
+    const QByteArray picture =
+        output("env -u QT_QPA_PLATFORM panel --picture - --size 640x400 2>/dev/null");
+    const QImage image = QImage::fromData(picture, "PNG");
+    QCOMPARE(image.size(), QSize(640, 400));
+}
+
+void TestPanelWindow::whatMakesNoSenseIsRefused()
+{
+    QCOMPARE(output("panel --picture - --size 10x10 2>&1; echo $?; "
+                    "panel --picture /none/file 2>&1; echo $?; "
+                    "env -u QT_QPA_PLATFORM -u DISPLAY panel 2>&1 | head -c 26;"),
+             QByteArray("panel: --size is as in 1280x800\n1\n"
+                        "panel: cannot write /none/file\n1\n"
+                        "panel: there is no display"));
+}
+
+/** Of small squares, which text that is drawn a little differently does not change much. */
+int TestPanelWindow::largestDifference(const QImage &one, const QImage &other)
+{
+    const QSize squares = one.size() / 8;
+    const QImage coarse = one.scaled(squares, Qt::IgnoreAspectRatio, Qt::SmoothTransformation);
+    const QImage otherCoarse =
+        other.scaled(squares, Qt::IgnoreAspectRatio, Qt::SmoothTransformation);
+    int largest = 0;
+    for (int y = 0; y < squares.height(); ++y) {
+        for (int x = 0; x < squares.width(); ++x) {
+            const QColor a = coarse.pixelColor(x, y);
+            const QColor b = otherCoarse.pixelColor(x, y);
+            largest = std::max({largest, std::abs(a.red() - b.red()),
+                                std::abs(a.green() - b.green()), std::abs(a.blue() - b.blue())});
+        }
+    }
+    return largest;
+}
+
+void TestPanelWindow::thePicturesOfTheDocumentsAreWhatIsSeen_data()
+{
+    QTest::addColumn<QString>("picture");
+    QTest::newRow("new") << "panel-new";
+    QTest::newRow("in use") << "panel";
+}
+
+void TestPanelWindow::thePicturesOfTheDocumentsAreWhatIsSeen()
+{
+    QFETCH(QString, picture);
+    const QImage drawn = QImage::fromData(output("tools/picture " + picture), "PNG");
+    QVERIFY(!drawn.isNull());
+    const QString file = TREE "/docs/pictures/" + picture + ".png";
+    const QImage shown(file);
+    QVERIFY(!shown.isNull());
+    QCOMPARE(drawn.size(), shown.size());
+    const int difference = largestDifference(drawn, shown);
+    if (difference > 24)
+        drawn.save(QDir::current().filePath(picture + ".png"));
+    QVERIFY2(difference <= 24, qPrintable(QStringLiteral("%1; ./run -- tools/picture %2 >%3 if the "
+                                                         "panel is to look so")
+                                              .arg(difference)
+                                              .arg(picture, file)));
+}
+
+QTEST_MAIN(TestPanelWindow)
+#include "test_panelwindow.moc"
