@@ -95,7 +95,8 @@ int countValues(const QDBusArgument &argument, int enough)
 /** False where there are too many values. */
 bool readMap(const QDBusArgument &message, QVariantMap &map)
 {
-    // A copy: what has been read cannot be read again.
+    // A copy: what has been read cannot be read again, although it is said to be const.
+    // NOLINTNEXTLINE(performance-unnecessary-copy-initialization)
     const QDBusArgument argument(message);
     int room = mostValuesOfMap;
     argument.beginMap();
@@ -103,6 +104,7 @@ bool readMap(const QDBusArgument &message, QVariantMap &map)
         argument.beginMapEntry();
         QString key;
         argument >> key;
+        // NOLINTNEXTLINE(performance-unnecessary-copy-initialization)
         const QDBusArgument ahead(argument);
         const int count = countValues(ahead, mostValuesOfEntry + 1);
         QDBusVariant value;
