@@ -30,7 +30,7 @@ struct Client {
  * A reset waits until everything on its file system is written, also what others have written: on a
  * busy disk longer than the 25 s that libdbus waits by default.
  */
-static const int patience = 600 * 1000;
+static const int timeoutMs = 600 * 1000;
 
 /* The bus lets nobody wait for more replies than 128. */
 static const int mostUnderWay = 100;
@@ -69,7 +69,7 @@ static void begin(struct Client *client)
     struct Call *call = malloc(sizeof *call);
     call->client = client;
     call->start = now();
-    if (!dbus_connection_send_with_reply(client->connection, message, &pending, patience) ||
+    if (!dbus_connection_send_with_reply(client->connection, message, &pending, timeoutMs) ||
         !pending)
         fail("call", "the connection is gone");
     dbus_pending_call_set_notify(pending, finish, call, free);
@@ -95,7 +95,7 @@ static void callOneByOne(void)
         DBusMessage *message = nextCall(template);
         const double start = now();
         DBusMessage *reply =
-            dbus_connection_send_with_reply_and_block(connection, message, patience, &error);
+            dbus_connection_send_with_reply_and_block(connection, message, timeoutMs, &error);
         durations[done] = now() - start;
         if (!reply)
             fail(error.name, error.message);

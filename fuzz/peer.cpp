@@ -12,7 +12,7 @@ const QString path = QStringLiteral("/values");
 const QString interface = QStringLiteral("com.orvendis.Strandel.Values");
 const QString member = QStringLiteral("value");
 
-/** The event loop that the bus library needs; it outlives everything. */
+/** The event loop that Qt D-Bus needs; it outlives everything. */
 QCoreApplication &application()
 {
     static int count = 1;

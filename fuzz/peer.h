@@ -13,7 +13,7 @@
 #include <string>
 
 /**
- * Lets values pass through the bus library in this process, so that readers get them in the very
+ * Lets values pass through Qt D-Bus in this process, so that readers get them in the very
  * form in which the daemon gets them, without a bus.
  */
 class Peer : public QObject

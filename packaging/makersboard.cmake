@@ -1,4 +1,4 @@
-# The maker's hardware libraries, from the folders that BOARD_HEADERS and BOARD_LIBRARIES name, in
+# The maker's hardware libraries, from the directories that BOARD_HEADERS and BOARD_LIBRARIES name, in
 # the place of the simulated ones.
 if(NOT BOARD_HEADERS OR NOT BOARD_LIBRARIES)
     message(FATAL_ERROR "BOARD_HEADERS and BOARD_LIBRARIES go together: give both or neither")

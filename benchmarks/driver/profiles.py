@@ -10,31 +10,31 @@ from figures import ratio, summary
 
 ROUNDS = 5
 SIZES = [(10, 2048), (100, 2048), (1000, 2048), (20000, 2048), (20, 5000000)]
-FILES_PER_FOLDER = 500
+FILES_PER_DIRECTORY = 500
 
-FOLDER = pathlib.Path("/tmp/User_part")
-DEFAULT = FOLDER / "default_user_profile"
-TARGET = FOLDER / "user4_profile"
-COPY = FOLDER / "copy"
-
-
-def remove(folder):
-    services.run("rm", "-rf", folder)
+DIRECTORY = pathlib.Path("/tmp/User_part")
+DEFAULT = DIRECTORY / "default_user_profile"
+TARGET = DIRECTORY / "user4_profile"
+COPY = DIRECTORY / "copy"
 
 
-def fill(folder, files, size):
+def remove(directory):
+    services.run("rm", "-rf", directory)
+
+
+def fill(directory, files, size):
     content = os.urandom(size)
     for index in range(files):
-        subfolder = folder / f"folder{index // FILES_PER_FOLDER}"
-        if index % FILES_PER_FOLDER == 0:
-            subfolder.mkdir(parents=True)
-        (subfolder / f"file{index}").write_bytes(content)
+        subdirectory = directory / f"directory{index // FILES_PER_DIRECTORY}"
+        if index % FILES_PER_DIRECTORY == 0:
+            subdirectory.mkdir(parents=True)
+        (subdirectory / f"file{index}").write_bytes(content)
 
 
 @contextlib.contextmanager
 def default_profile(files, size):
     """Another default profile for a while."""
-    aside = FOLDER / f"aside-{files}-{size}"
+    aside = DIRECTORY / f"aside-{files}-{size}"
     DEFAULT.rename(aside)
     DEFAULT.mkdir()
     fill(DEFAULT, files, size)
@@ -50,12 +50,12 @@ def on_disk():
     """The profiles on the disk that the tree is on, instead of in memory."""
     disk = services.BUILD / "bench-disk"
     remove(disk)
-    services.run("cp", "-a", FOLDER, disk)
-    services.run("mount", "--bind", disk, FOLDER)
+    services.run("cp", "-a", DIRECTORY, disk)
+    services.run("mount", "--bind", disk, DIRECTORY)
     try:
         yield
     finally:
-        services.run("umount", "--lazy", FOLDER)
+        services.run("umount", "--lazy", DIRECTORY)
         remove(disk)
 
 
@@ -73,7 +73,7 @@ def reset():
 
 def settle():
     """Lets nobody pay for what another has left to be written."""
-    services.run("sync", "--file-system", FOLDER)
+    services.run("sync", "--file-system", DIRECTORY)
 
 
 def round_of(rounds):
@@ -85,10 +85,10 @@ def round_of(rounds):
     rounds["cp"].append(milliseconds("cp", "-a", DEFAULT, COPY))
     settle()
     start = time.monotonic()
-    services.run("cp", "-a", DEFAULT, FOLDER / "second")
+    services.run("cp", "-a", DEFAULT, DIRECTORY / "second")
     settle()
     rounds["cp and sync"].append((time.monotonic() - start) * 1000)
-    remove(FOLDER / "second")
+    remove(DIRECTORY / "second")
     settle()
     rounds["rm"].append(milliseconds("rm", "-r", COPY))
     with default_profile(0, 0):

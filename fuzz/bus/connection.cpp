@@ -8,7 +8,7 @@ const char daemonName[] = "com.orvendis.Strandel.BoardManager";
 
 namespace
 {
-const int patience = 60000;
+const int timeoutMs = 60000;
 }
 
 void giveUp(const std::string &why)
@@ -49,7 +49,7 @@ Message Connection::take()
 Message Connection::callAndWait(const Message &message)
 {
     return Message(
-        dbus_connection_send_with_reply_and_block(m_connection, message.get(), patience, nullptr));
+        dbus_connection_send_with_reply_and_block(m_connection, message.get(), timeoutMs, nullptr));
 }
 
 bool Connection::flush()

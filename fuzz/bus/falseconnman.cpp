@@ -86,12 +86,13 @@ void appendObjects(const Message &message, bool isOfServices, Choices &choices)
     ValueWriter writer(message.get(), choices);
     DBusMessageIter list;
     dbus_message_iter_open_container(&writer.end(), DBUS_TYPE_ARRAY, "(oa{sv})", &list);
-    const std::string folder = isOfServices ? "/net/connman/service/" : "/net/connman/technology/";
+    const std::string directory =
+        isOfServices ? "/net/connman/service/" : "/net/connman/technology/";
     static const std::string types[] = {"ethernet", "wifi", "wifi"};
     for (std::uint32_t left = choices.below(5); left > 0; --left) {
         const std::string type = choices.among(types);
         const std::string path =
-            folder + type + (isOfServices ? '_' + std::to_string(choices.below(3)) : "");
+            directory + type + (isOfServices ? '_' + std::to_string(choices.below(3)) : "");
         const char *pathText = path.c_str();
         DBusMessageIter object;
         DBusMessageIter map;

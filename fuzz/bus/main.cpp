@@ -25,7 +25,7 @@ using Clock = std::chrono::steady_clock;
 /** The bus allows a client no more calls without an answer than 128. */
 const std::size_t mostAwaited = 24;
 /** No call takes the daemon longer than two that ConnMan does not answer. */
-const std::chrono::seconds patience(120);
+const std::chrono::seconds longestWait(120);
 /** After each of so many equal parts of the calls the daemon's footprint is taken. */
 const unsigned int parts = 8;
 /** Once in so many calls ConnMan, or somebody in its place, does something by itself. */
@@ -83,13 +83,13 @@ long allocatedBy(int process)
 
 long descriptorsOf(int process)
 {
-    DIR *folder = opendir(("/proc/" + std::to_string(process) + "/fd").c_str());
-    if (folder == nullptr)
+    DIR *directory = opendir(("/proc/" + std::to_string(process) + "/fd").c_str());
+    if (directory == nullptr)
         return 0;
     long count = -2;
-    while (readdir(folder) != nullptr)
+    while (readdir(directory) != nullptr)
         ++count;
-    closedir(folder);
+    closedir(directory);
     return count;
 }
 
@@ -196,7 +196,7 @@ private:
             account(message);
         if (!isAlive(m_options.process))
             fail("the daemon has ended");
-        if (!m_awaited.empty() && Clock::now() - m_awaited.begin()->second.since > patience)
+        if (!m_awaited.empty() && Clock::now() - m_awaited.begin()->second.since > longestWait)
             fail("the daemon does not answer");
     }
 

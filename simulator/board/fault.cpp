@@ -1,6 +1,6 @@
 #include "fault.h"
 
-#include "boardfolder.h"
+#include "boarddirectory.h"
 #include "value.h"
 
 #include <cstdlib>

@@ -1,6 +1,6 @@
 #include "journal.h"
 
-#include "boardfolder.h"
+#include "boarddirectory.h"
 #include "descriptor.h"
 
 #include <cstdio>

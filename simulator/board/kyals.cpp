@@ -1,6 +1,6 @@
 #include "kyals.h"
 
-#include "boardfolder.h"
+#include "boarddirectory.h"
 #include "call.h"
 #include "lightsensor.h"
 #include "thresholdcode.h"

@@ -1,6 +1,6 @@
 #include "kyeeprom.h"
 
-#include "boardfolder.h"
+#include "boarddirectory.h"
 #include "call.h"
 #include "defaults.h"
 #include "value.h"

@@ -1,6 +1,6 @@
 #include "kyfaccess.h"
 
-#include "boardfolder.h"
+#include "boarddirectory.h"
 #include "call.h"
 #include "value.h"
 

@@ -1,6 +1,6 @@
 #include "kyleds.h"
 
-#include "boardfolder.h"
+#include "boarddirectory.h"
 #include "call.h"
 #include "ledname.h"
 #include "value.h"

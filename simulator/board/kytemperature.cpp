@@ -1,6 +1,6 @@
 #include "kytemperature.h"
 
-#include "boardfolder.h"
+#include "boarddirectory.h"
 #include "call.h"
 #include "value.h"
 

@@ -1,6 +1,6 @@
 #include "lightsensor.h"
 
-#include "boardfolder.h"
+#include "boarddirectory.h"
 #include "thresholdcode.h"
 #include "value.h"
 
@@ -198,7 +198,7 @@ void LightSensor::watch()
     }
 }
 
-/** Has the kernel tell of every change in the sensor's folder. */
+/** Has the kernel tell of every change in the sensor's directory. */
 int LightSensor::openWatch(Descriptor &changes) const
 {
     changes.reset(inotify_init1(IN_CLOEXEC | IN_NONBLOCK));

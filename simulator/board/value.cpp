@@ -1,6 +1,6 @@
 #include "value.h"
 
-#include "boardfolder.h"
+#include "boarddirectory.h"
 
 #include <cerrno>
 #include <climits>

@@ -14,7 +14,7 @@ void refuse(const QDBusMessage &call, const QString &name, const QString &text);
 /** Answers @p call with an error of ConnMan's own, such as "InvalidArguments". */
 void refuse(const QDBusMessage &call, const char *name, const char *text);
 
-/** Answers @p call as a bus library does where it finds nothing: "UnknownMethod" or such. */
+/** Answers @p call as Qt D-Bus does where it finds nothing: "UnknownMethod" or such. */
 void refuseUnknown(const QDBusMessage &call, const char *what);
 
 /** @p value, taken out of its variant where it is in one. */

@@ -1,6 +1,6 @@
 #include "hands.h"
 
-#include "boardfolder.h"
+#include "boarddirectory.h"
 #include "look.h"
 
 #include <QRegularExpression>
@@ -29,7 +29,7 @@ QString airCommand(const AirPoint &point, const char *property, int value)
     const QString air = qEnvironmentVariable("STRANDEL_AIR", QStringLiteral("/run/strandel-air"));
     return QStringLiteral("echo %1 >%2/%3/%4")
         .arg(value)
-        .arg(air, point.folder, QLatin1String(property));
+        .arg(air, point.directory, QLatin1String(property));
 }
 
 /** The command for "air-N-switch" and "air-N-track". */

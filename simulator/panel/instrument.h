@@ -9,7 +9,7 @@
 
 /** An access point in the air, as its files tell. */
 struct AirPoint {
-    QString folder;
+    QString directory;
     QString ssid;
     int signal = -60;
     bool isInRange = true;

@@ -382,8 +382,8 @@ private:
                 continue;
             const AirPoint &point = m_instrument.air.at(row);
             QString name = point.ssid;
-            if (point.folder.compare(point.ssid, Qt::CaseInsensitive) != 0)
-                name += QStringLiteral(" (%1)").arg(point.folder);
+            if (point.directory.compare(point.ssid, Qt::CaseInsensitive) != 0)
+                name += QStringLiteral(" (%1)").arg(point.directory);
             if (point.isHidden)
                 name += QStringLiteral(", hidden");
             write(id + QStringLiteral("-name"), name.left(20));

@@ -1,6 +1,6 @@
 #include "surroundings.h"
 
-#include "boardfolder.h"
+#include "boarddirectory.h"
 #include "defaults.h"
 
 #include <QDateTime>
@@ -50,14 +50,14 @@ QVector<AirPoint> pointsInTheAir()
 {
     const QString air = qEnvironmentVariable("STRANDEL_AIR", QStringLiteral("/run/strandel-air"));
     QVector<AirPoint> points;
-    for (const QString &folder : QDir(air).entryList(QDir::Dirs | QDir::NoDotAndDotDot)) {
+    for (const QString &directory : QDir(air).entryList(QDir::Dirs | QDir::NoDotAndDotDot)) {
         const auto value = [&](const char *property) {
-            return contentOf(air + QLatin1Char('/') + folder + QLatin1Char('/') +
+            return contentOf(air + QLatin1Char('/') + directory + QLatin1Char('/') +
                              QLatin1String(property))
                 .trimmed();
         };
         AirPoint point;
-        point.folder = folder;
+        point.directory = directory;
         point.ssid = QString::fromUtf8(value("ssid"));
         if (point.ssid.isEmpty())
             continue;
@@ -80,10 +80,10 @@ void readBoard(Instrument &instrument)
     QStringList names{QStringLiteral("held")};
     for (const board::DefaultFile &file : board::defaultFiles())
         names << QString::fromStdString(file.name);
-    for (const char *folder : {"soc", "faults"}) {
+    for (const char *directory : {"soc", "faults"}) {
         for (const QString &name :
-             QDir(boardPath(QString::fromLatin1(folder))).entryList(QDir::Files))
-            names << QString::fromLatin1(folder) + QLatin1Char('/') + name;
+             QDir(boardPath(QString::fromLatin1(directory))).entryList(QDir::Files))
+            names << QString::fromLatin1(directory) + QLatin1Char('/') + name;
     }
     for (const QString &name : names) {
         const QByteArray content = contentOf(boardPath(name));

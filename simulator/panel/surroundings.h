@@ -7,7 +7,8 @@
  */
 void readBoard(Instrument &instrument);
 
-/** Reads how fast time passes, and how the cable, the DHCP servers and the access points are, into @p instrument. */
+/** Reads how fast time passes, and how the cable, the DHCP servers and the access points are, into
+ * @p instrument. */
 void readSurroundings(Instrument &instrument);
 
 #endif

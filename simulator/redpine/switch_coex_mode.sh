@@ -11,24 +11,24 @@
 #                 leaves that out of the access point
 set -u
 mode=${1:-}
-folder=/run/strandel-redpine
+directory=/run/strandel-redpine
 configuration=/tmp/User_part/hostapd.conf
 # Whoever runs the caller in a time of its own must not change ours.
 unset LD_PRELOAD FAKETIME FAKETIME_SHARED
 
 say() {
-    echo "$1 $mode" >>"$folder/log"
+    echo "$1 $mode" >>"$directory/log"
 }
 
 told() {
-    [ -e "$folder/$1" ]
+    [ -e "$directory/$1" ]
 }
 
 end_program() {
-    [ -e "$folder/$1.pid" ] || return 0
-    pid=$(cat "$folder/$1.pid")
+    [ -e "$directory/$1.pid" ] || return 0
+    pid=$(cat "$directory/$1.pid")
     kill "$pid" 2>/dev/null && tail --pid="$pid" -s 0.02 -f /dev/null
-    rm -f "$folder/$1.pid"
+    rm -f "$directory/$1.pid"
 }
 
 take_access_point_down() {
@@ -45,11 +45,11 @@ bring_interface_up() {
     told no-carrier || ip link set wifi_air up
 }
 
-# It leaves its starter before it has written its process number, by which it will be ended.
+# It leaves its starter before it has written its PID, by which it will be ended.
 start_hostapd() {
-    hostapd -B -P "$folder/hostapd.pid" "$configuration" || return 0
+    hostapd -B -P "$directory/hostapd.pid" "$configuration" || return 0
     attempts=0
-    until [ -s "$folder/hostapd.pid" ] || [ "$attempts" -ge 500 ]; do
+    until [ -s "$directory/hostapd.pid" ] || [ "$attempts" -ge 500 ]; do
         attempts=$((attempts + 1))
         sleep 0.01
     done
@@ -57,15 +57,15 @@ start_hostapd() {
 
 start_dhcpd() {
     network=${address%.*}
-    cat >"$folder/dhcpd.conf" <<CONFIGURATION
+    cat >"$directory/dhcpd.conf" <<CONFIGURATION
 authoritative;
 subnet $network.0 netmask 255.255.255.0 {
     range $network.100 $network.200;
     option routers $address;
 }
 CONFIGURATION
-    : >"$folder/dhcpd.leases"
-    dhcpd -4 -q -cf "$folder/dhcpd.conf" -lf "$folder/dhcpd.leases" -pf "$folder/dhcpd.pid" wifi_ap
+    : >"$directory/dhcpd.leases"
+    dhcpd -4 -q -cf "$directory/dhcpd.conf" -lf "$directory/dhcpd.leases" -pf "$directory/dhcpd.pid" wifi_ap
 }
 
 bring_access_point_up() {
@@ -76,16 +76,16 @@ bring_access_point_up() {
     told no-dhcpd || told no-interface || start_dhcpd
 }
 
-mkdir -p "$folder"
+mkdir -p "$directory"
 say start
-[ ! -p "$folder/hold" ] || read -r _ <"$folder/hold"
-! told delay || sleep "$(cat "$folder/delay")"
+[ ! -p "$directory/hold" ] || read -r _ <"$directory/hold"
+! told delay || sleep "$(cat "$directory/delay")"
 status=0
 if told fail; then
-    status=$(cat "$folder/fail")
+    status=$(cat "$directory/fail")
 else
     take_access_point_down
     [ "$mode" != 2 ] || bring_access_point_up
-fi >>"$folder/output" 2>&1
+fi >>"$directory/output" 2>&1
 say end
 exit "$status"

@@ -27,11 +27,11 @@ void readSecurity(const QByteArray &text, bool &isProtected)
         isProtected = text == "wpa2";
 }
 
-/** Stays the same as long as the folder keeps its name. */
-QByteArray hardwareAddress(const QString &folder)
+/** Stays the same as long as the directory keeps its name. */
+QByteArray hardwareAddress(const QString &directory)
 {
     const QByteArray hash =
-        QCryptographicHash::hash(folder.toUtf8(), QCryptographicHash::Md5).left(5);
+        QCryptographicHash::hash(directory.toUtf8(), QCryptographicHash::Md5).left(5);
     return '\x02' + hash;
 }
 } // namespace
@@ -54,7 +54,7 @@ AccessPoint accessPointFrom(const QMap<QString, QByteArray> &files, const Access
     return result;
 }
 
-QVariantMap bssProperties(const QString &folder, const AccessPoint &accessPoint, bool isNamed)
+QVariantMap bssProperties(const QString &directory, const AccessPoint &accessPoint, bool isNamed)
 {
     QVariantMap rsn;
     if (accessPoint.isProtected)
@@ -62,7 +62,7 @@ QVariantMap bssProperties(const QString &folder, const AccessPoint &accessPoint,
                {QStringLiteral("Pairwise"), QStringList{QStringLiteral("ccmp")}},
                {QStringLiteral("Group"), QStringLiteral("ccmp")}};
     return {
-        {QStringLiteral("BSSID"), hardwareAddress(folder)},
+        {QStringLiteral("BSSID"), hardwareAddress(directory)},
         {QStringLiteral("SSID"), isNamed ? accessPoint.ssid : QByteArray("")},
         {QStringLiteral("Mode"), QStringLiteral("infrastructure")},
         {QStringLiteral("Signal"), QVariant::fromValue(accessPoint.signal)},

@@ -23,11 +23,11 @@ struct AccessPoint {
     bool isMute = false;
 };
 
-/** By name of their folders. */
+/** By name of their directories. */
 using AccessPoints = QMap<QString, AccessPoint>;
 
 /**
- * The access point that the files of a folder describe, by name of the file.
+ * The access point that the files of a directory describe, by name of the file.
  *
  * A file that is missing, empty or nonsensical, as it is for a moment while it is written, leaves
  * what was known @p before.
@@ -35,6 +35,6 @@ using AccessPoints = QMap<QString, AccessPoint>;
 AccessPoint accessPointFrom(const QMap<QString, QByteArray> &files, const AccessPoint &before);
 
 /** What the supplicant tells of it; without its name where @p isNamed is false. */
-QVariantMap bssProperties(const QString &folder, const AccessPoint &accessPoint, bool isNamed);
+QVariantMap bssProperties(const QString &directory, const AccessPoint &accessPoint, bool isNamed);
 
 #endif

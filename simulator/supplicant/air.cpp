@@ -13,7 +13,7 @@ namespace
 const qint64 longestText = 1000;
 
 struct Default {
-    const char *folder;
+    const char *directory;
     const char *ssid;
     const char *signal;
     const char *security;
@@ -44,25 +44,25 @@ void write(const QString &path, const char *text)
 void create(const QString &air)
 {
     for (const Default &accessPoint : defaults) {
-        const QString folder = air + '/' + QLatin1String(accessPoint.folder);
-        QDir().mkpath(folder);
-        write(folder + QStringLiteral("/ssid"), accessPoint.ssid);
-        write(folder + QStringLiteral("/signal"), accessPoint.signal);
-        write(folder + QStringLiteral("/security"), accessPoint.security);
-        write(folder + QStringLiteral("/passphrase"), accessPoint.passphrase);
-        write(folder + QStringLiteral("/hidden"), accessPoint.hidden);
-        write(folder + QStringLiteral("/in_range"), "1");
-        write(folder + QStringLiteral("/refuses"), accessPoint.refuses);
+        const QString directory = air + '/' + QLatin1String(accessPoint.directory);
+        QDir().mkpath(directory);
+        write(directory + QStringLiteral("/ssid"), accessPoint.ssid);
+        write(directory + QStringLiteral("/signal"), accessPoint.signal);
+        write(directory + QStringLiteral("/security"), accessPoint.security);
+        write(directory + QStringLiteral("/passphrase"), accessPoint.passphrase);
+        write(directory + QStringLiteral("/hidden"), accessPoint.hidden);
+        write(directory + QStringLiteral("/in_range"), "1");
+        write(directory + QStringLiteral("/refuses"), accessPoint.refuses);
     }
 }
 
-/** The first line of every file in @p folder. */
-QMap<QString, QByteArray> texts(const QString &folder)
+/** The first line of every file in @p directory. */
+QMap<QString, QByteArray> texts(const QString &directory)
 {
-    const QStringList names = QDir(folder).entryList(QDir::Files);
+    const QStringList names = QDir(directory).entryList(QDir::Files);
     QMap<QString, QByteArray> result;
     for (const QString &name : names) {
-        QFile file(folder + '/' + name);
+        QFile file(directory + '/' + name);
         if (!file.open(QIODevice::ReadOnly))
             continue;
         QByteArray line = file.readLine(longestText);
@@ -73,17 +73,17 @@ QMap<QString, QByteArray> texts(const QString &folder)
     return result;
 }
 
-/** The names of the access points of the air in @p folder. */
-QStringList namesIn(const QString &folder)
+/** The names of the access points of the air in @p directory. */
+QStringList namesIn(const QString &directory)
 {
-    return QDir(folder).entryList(QDir::Dirs | QDir::NoDotAndDotDot);
+    return QDir(directory).entryList(QDir::Dirs | QDir::NoDotAndDotDot);
 }
 } // namespace
 
-Air::Air() : m_folder(qEnvironmentVariable("STRANDEL_AIR", QStringLiteral("/run/strandel-air")))
+Air::Air() : m_directory(qEnvironmentVariable("STRANDEL_AIR", QStringLiteral("/run/strandel-air")))
 {
-    if (!QDir(m_folder).exists())
-        create(m_folder);
+    if (!QDir(m_directory).exists())
+        create(m_directory);
     QObject::connect(&m_watcher, &QFileSystemWatcher::directoryChanged, this, &Air::changed);
     QObject::connect(&m_watcher, &QFileSystemWatcher::fileChanged, this, &Air::changed);
     read();
@@ -99,11 +99,11 @@ void Air::read()
 {
     // What is written from here on is announced, and what was written before is read.
     watch();
-    const QStringList names = namesIn(m_folder);
+    const QStringList names = namesIn(m_directory);
     AccessPoints found;
     for (const QString &name : names) {
         const AccessPoint accessPoint =
-            accessPointFrom(texts(m_folder + '/' + name), m_accessPoints.value(name));
+            accessPointFrom(texts(m_directory + '/' + name), m_accessPoints.value(name));
         if (!accessPoint.ssid.isEmpty())
             found.insert(name, accessPoint);
     }
@@ -112,14 +112,14 @@ void Air::read()
 
 void Air::watch()
 {
-    const QStringList names = namesIn(m_folder);
-    QStringList paths{m_folder};
+    const QStringList names = namesIn(m_directory);
+    QStringList paths{m_directory};
     for (const QString &name : names) {
-        const QDir folder(m_folder + '/' + name);
-        const QStringList files = folder.entryList(QDir::Files);
-        paths << folder.path();
+        const QDir directory(m_directory + '/' + name);
+        const QStringList files = directory.entryList(QDir::Files);
+        paths << directory.path();
         for (const QString &file : files)
-            paths << folder.filePath(file);
+            paths << directory.filePath(file);
     }
     for (const QString &path : std::as_const(paths))
         m_watcher.addPath(path);

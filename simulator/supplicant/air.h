@@ -7,17 +7,17 @@
 #include <QObject>
 
 /**
- * The access points around the instrument: a folder for each, with a small text file for each of
+ * The access points around the instrument: a directory for each, with a small text file for each of
  * its properties, to be changed at any time by anybody.
  *
- * The folder of the air is STRANDEL_AIR of the environment, or /run/strandel-air.
+ * The directory of the air is STRANDEL_AIR of the environment, or /run/strandel-air.
  */
 class Air : public QObject
 {
     Q_OBJECT
 
 public:
-    /** Makes the folder with a handful of access points unless it is there. */
+    /** Makes the directory with a handful of access points unless it is there. */
     Air();
 
     /** Everything as it is now. */
@@ -31,7 +31,7 @@ private:
     void read();
     void watch();
 
-    const QString m_folder;
+    const QString m_directory;
     QFileSystemWatcher m_watcher;
     AccessPoints m_accessPoints;
 };

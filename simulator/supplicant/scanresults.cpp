@@ -9,7 +9,7 @@ bool isSameObject(const ScanResults::Result &one, const ScanResults::Result &oth
     QVariantMap properties = one.properties;
     const QString signal = QStringLiteral("Signal");
     properties.insert(signal, other.properties.value(signal));
-    return one.folder == other.folder && one.isNamed == other.isNamed &&
+    return one.directory == other.directory && one.isNamed == other.isNamed &&
            properties == other.properties;
 }
 } // namespace
@@ -68,10 +68,10 @@ QList<QDBusObjectPath> ScanResults::paths() const
     return result;
 }
 
-QDBusObjectPath ScanResults::pathOf(const QString &folder) const
+QDBusObjectPath ScanResults::pathOf(const QString &directory) const
 {
     for (const Result &entry : std::as_const(m_results)) {
-        if (entry.folder == folder && entry.isNamed)
+        if (entry.directory == directory && entry.isNamed)
             return entry.path;
     }
     return QDBusObjectPath(QStringLiteral("/"));

@@ -11,7 +11,7 @@ class ScanResults
 {
 public:
     struct Result {
-        QString folder;
+        QString directory;
         /** A hidden access point that was asked for by its name is found once more, with it. */
         bool isNamed;
         QDBusObjectPath path;
@@ -35,7 +35,7 @@ public:
     QList<QDBusObjectPath> paths() const;
 
     /** The object of that access point, by its name where there is one; "/" without. */
-    QDBusObjectPath pathOf(const QString &folder) const;
+    QDBusObjectPath pathOf(const QString &directory) const;
 
     /** Empty where there is no such object. */
     QVariantMap properties(const QString &path) const;

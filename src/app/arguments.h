@@ -6,7 +6,7 @@ class QDBusMessage;
 /**
  * Whether @p message, a call of a method that takes no arguments, brings none.
  *
- * The bus library hands such a method every call of its name, whatever it brings. One that brings
+ * Qt D-Bus hands such a method every call of its name, whatever it brings. One that brings
  * arguments is answered here with the error that every other method of ours answers to a wrong
  * signature: org.freedesktop.DBus.Error.UnknownMethod.
  */

@@ -13,7 +13,7 @@ namespace
 /**
  * Lets @p take have the key and the value of each entry, and of several with one key the last.
  *
- * A peer may send a key again and again, and the bus library keeps all of its values, of which
+ * A peer may send a key again and again, and Qt D-Bus keeps all of its values, of which
  * a look-up finds the last.
  */
 template <typename Take>

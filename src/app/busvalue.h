@@ -7,7 +7,7 @@
 /*
  * Values that came from the bus, read safely.
  *
- * This is the only place that reads compound values of messages: the bus library ends the process
+ * This is the only place that reads compound values of messages: Qt D-Bus ends the process
  * when one is read as another type than it has, or read twice. Whoever takes a variant, or a map
  * of them, from a message lets one of these functions read it before looking at it. They read a
  * copy: the value that they were given can be read again, and sent again as it came. Where a map

@@ -8,7 +8,7 @@ const int mostCachedSlots = 100;
 
 namespace
 {
-/** The property of an adaptor in which the bus library keeps what it has looked up. */
+/** The property of an adaptor in which Qt D-Bus keeps what it has looked up. */
 const char cacheProperty[] = "_qdbus_slotCache";
 
 /** Counts the look-ups of one adaptor, and empties its cache. */

@@ -3,12 +3,12 @@
 
 class QObject;
 
-/** How many methods the bus library may remember for an adaptor: a client that means well uses a
+/** How many methods Qt D-Bus may remember for an adaptor: a well-behaved client calls a
  *  handful. */
 extern const int mostCachedSlots;
 
 /**
- * Keeps the bus library from remembering, for each of the adaptors of @p root, every method that
+ * Keeps Qt D-Bus from remembering, for each of the adaptors of @p root, every method that
  * somebody has ever tried to call.
  *
  * It remembers each name and each signature, the wrong ones too, for ever, and copies all of them

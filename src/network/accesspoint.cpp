@@ -14,7 +14,7 @@
 
 namespace
 {
-const QString templateFolder = QStringLiteral("/usr/share/redpine/");
+const QString templateDirectory = QStringLiteral("/usr/share/redpine/");
 const char configurationFile[] = "/tmp/User_part/hostapd.conf";
 
 AccessPointParameters readParameters(const QVariantMap &settings)
@@ -26,7 +26,7 @@ AccessPointParameters readParameters(const QVariantMap &settings)
 
 bool writeText(const QByteArray &text)
 {
-    // Other programs may write to the folder.
+    // Other programs may write to the directory.
     const int descriptor = openRegularFile(configurationFile, O_TRUNC, 0666);
     QFile file;
     return descriptor >= 0 &&
@@ -60,7 +60,7 @@ bool AccessPoint::writeConfiguration() const
     QFile file;
     return fitsHostapdLines(parameters) &&
            openForReading(
-               file, templateFolder + hostapdTemplateName(settingText(m_arguments, "Security")),
+               file, templateDirectory + hostapdTemplateName(settingText(m_arguments, "Security")),
                QIODevice::ReadOnly | QIODevice::Text) &&
            writeText(hostapdConfiguration(file.readAll(), parameters));
 }

@@ -21,7 +21,7 @@ struct ConnmanObject {
 
 QDBusArgument &operator<<(QDBusArgument &argument, const ConnmanObject &object);
 
-/** Reads @p object; the values of its properties stay as the bus library gives them. */
+/** Reads @p object; the values of its properties stay as Qt D-Bus gives them. */
 const QDBusArgument &operator>>(const QDBusArgument &argument, ConnmanObject &object);
 
 /** The properties of each interface of an object, by the interface's name. On the bus: a{sa{sv}} */
@@ -37,7 +37,7 @@ Q_DECLARE_METATYPE(ManagedObjectList)
 /**
  * The network manager on the system bus, and the only place that calls it.
  *
- * Every call but connectService() blocks for at most the bus library's default time-out, and each
+ * Every call but connectService() blocks for at most Qt D-Bus's default time-out, and each
  * is made once.
  */
 namespace connman
@@ -53,7 +53,7 @@ extern const QString technologyInterface;
 /** The object path of the technology @p technology, as in "ethernet". */
 QString technologyPath(const QString &technology);
 
-/** Makes the types above known to the bus library; to be done before a list is read. */
+/** Makes the types above known to Qt D-Bus; to be done before a list is read. */
 void registerTypes();
 
 /**

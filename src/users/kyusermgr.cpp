@@ -28,10 +28,10 @@ const ErrorText factoryResetErrors[] = {
 };
 } // namespace
 
-const QString &KyUserMgr::M_userFolderPath = profiles::folderPath;
-const QString &KyUserMgr::M_userFolderSuffix = profiles::folderSuffix;
+const QString &KyUserMgr::M_userFolderPath = profiles::directoryPath;
+const QString &KyUserMgr::M_userFolderSuffix = profiles::directorySuffix;
 const QString &KyUserMgr::M_systemFileName = profiles::linkPath;
-const QString &KyUserMgr::M_defaultFolder = profiles::defaultFolder;
+const QString &KyUserMgr::M_defaultFolder = profiles::defaultDirectory;
 
 KyUserMgr::KyUserMgr(QObject *parent) : QDBusAbstractAdaptor(parent)
 {

@@ -44,10 +44,10 @@ public Q_SLOTS:
     QString getUser(const QDBusMessage &message);
 
     /**
-     * Makes @p user's profile the active one; its folder is rebuilt from the default profile
+     * Makes @p user's profile the active one; its directory is rebuilt from the default profile
      * where it is incomplete.
      *
-     * Error::m_invalidArgument for an invalid user, Error::m_process when the folder cannot be
+     * Error::m_invalidArgument for an invalid user, Error::m_process when the directory cannot be
      * rebuilt or the configuration not reloaded, Error::m_write when the link cannot be made.
      */
     void setUser(QString user, const QDBusMessage &message);

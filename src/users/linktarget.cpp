@@ -23,16 +23,16 @@ QString linkTarget(const QString &path)
 {
     const QByteArray whole = QFile::encodeName(path);
     const int end = whole.lastIndexOf('/');
-    const QByteArray folder = whole.left(end);
+    const QByteArray directory = whole.left(end);
     char target[PATH_MAX + 1];
     const ssize_t length =
-        readlinkat(openDirectory(folder).get(), whole.constData() + end + 1, target, PATH_MAX);
+        readlinkat(openDirectory(directory).get(), whole.constData() + end + 1, target, PATH_MAX);
     if (length <= 0)
         return QString();
     target[length] = '\0';
     QString held = QFile::decodeName(target);
     if (isClean(target, static_cast<size_t>(length)))
         return held;
-    return QDir::cleanPath(target[0] == '/' ? held
-                                            : QFile::decodeName(folder) + QLatin1Char('/') + held);
+    return QDir::cleanPath(
+        target[0] == '/' ? held : QFile::decodeName(directory) + QLatin1Char('/') + held);
 }

@@ -29,15 +29,15 @@ struct Entry {
 };
 
 /** A descriptor that is good for more than looking up names. */
-Descriptor openToRead(const Descriptor &folder)
+Descriptor openToRead(const Descriptor &directory)
 {
-    return Descriptor(openat(folder.get(), ".", O_RDONLY | O_DIRECTORY | O_CLOEXEC));
+    return Descriptor(openat(directory.get(), ".", O_RDONLY | O_DIRECTORY | O_CLOEXEC));
 }
 
 /** Everything in a directory; false when it is not, or cannot be listed. */
-bool readEntries(const Descriptor &folder, std::vector<Entry> &entries)
+bool readEntries(const Descriptor &directory, std::vector<Entry> &entries)
 {
-    Descriptor readable = openToRead(folder);
+    Descriptor readable = openToRead(directory);
     DIR *const stream = fdopendir(readable.get());
     if (!stream)
         return false;
@@ -54,12 +54,12 @@ bool readEntries(const Descriptor &folder, std::vector<Entry> &entries)
 }
 
 /** What @p entry is, or leads to: DT_UNKNOWN for nothing, and where that cannot be told. */
-bool findType(const Descriptor &folder, const Entry &entry, unsigned char &type)
+bool findType(const Descriptor &directory, const Entry &entry, unsigned char &type)
 {
     type = entry.type;
     if (type != DT_LNK && type != DT_UNKNOWN)
         return true;
-    const Descriptor target = openTrusted(folder.get(), entry.name, O_PATH);
+    const Descriptor target = openTrusted(directory.get(), entry.name, O_PATH);
     struct stat status = {};
     type = DT_UNKNOWN;
     if (fstat(target.get(), &status) == 0)
@@ -70,40 +70,41 @@ bool findType(const Descriptor &folder, const Entry &entry, unsigned char &type)
 /** The names of a directory's files and subdirectories. */
 struct Listing {
     std::vector<QByteArray> files;
-    std::vector<QByteArray> folders;
+    std::vector<QByteArray> directories;
 };
 
-/** Lists @p folder; false when not all of it can be told. */
-bool list(const Descriptor &folder, Listing &listing)
+/** Lists @p directory; false when not all of it can be told. */
+bool list(const Descriptor &directory, Listing &listing)
 {
     std::vector<Entry> entries;
-    bool isWhole = readEntries(folder, entries);
+    bool isWhole = readEntries(directory, entries);
     for (const Entry &entry : entries) {
         unsigned char type = DT_UNKNOWN;
-        isWhole = findType(folder, entry, type) && isWhole;
+        isWhole = findType(directory, entry, type) && isWhole;
         if (type == DT_REG)
             listing.files.push_back(entry.name);
         else if (type == DT_DIR)
-            listing.folders.push_back(entry.name);
+            listing.directories.push_back(entry.name);
     }
     return isWhole;
 }
 
-Descriptor openSubfolder(const Descriptor &folder, const QByteArray &name)
+Descriptor openSubdirectory(const Descriptor &directory, const QByteArray &name)
 {
-    return openTrusted(folder.get(), name, asDirectory);
+    return openTrusted(directory.get(), name, asDirectory);
 }
 
 /** The same where @p name must not be a link, whoever owns it. */
-Descriptor openPlainSubfolder(const Descriptor &folder, const QByteArray &name)
+Descriptor openPlainSubdirectory(const Descriptor &directory, const QByteArray &name)
 {
-    return Descriptor(openat(folder.get(), name.constData(), asDirectory | O_NOFOLLOW | O_CLOEXEC));
+    return Descriptor(
+        openat(directory.get(), name.constData(), asDirectory | O_NOFOLLOW | O_CLOEXEC));
 }
 
-/** Opens a file of @p folder for reading, never waiting for a FIFO or for another process. */
-Descriptor openFile(const Descriptor &folder, const QByteArray &name)
+/** Opens a file of @p directory for reading, never waiting for a FIFO or for another process. */
+Descriptor openFile(const Descriptor &directory, const QByteArray &name)
 {
-    Descriptor file = openTrusted(folder.get(), name, O_RDONLY | O_NONBLOCK | O_NOCTTY);
+    Descriptor file = openTrusted(directory.get(), name, O_RDONLY | O_NONBLOCK | O_NOCTTY);
     struct stat status = {};
     return fstat(file.get(), &status) == 0 && S_ISREG(status.st_mode) ? std::move(file)
                                                                       : Descriptor();
@@ -113,11 +114,11 @@ Descriptor openFile(const Descriptor &folder, const QByteArray &name)
 class Level
 {
 public:
-    Level(const Descriptor &folder, const Level *above)
+    Level(const Descriptor &directory, const Level *above)
         : m_above(above), m_depth(above ? above->m_depth + 1 : 0)
     {
         struct stat status = {};
-        m_isKnown = fstat(folder.get(), &status) == 0;
+        m_isKnown = fstat(directory.get(), &status) == 0;
         m_device = status.st_dev;
         m_inode = status.st_ino;
     }
@@ -145,18 +146,18 @@ private:
     ino_t m_inode;
 };
 
-bool holdsFile(const Descriptor &folder, const QByteArray &name)
+bool holdsFile(const Descriptor &directory, const QByteArray &name)
 {
     struct stat status = {};
-    if (fstatat(folder.get(), name.constData(), &status, AT_SYMLINK_NOFOLLOW) != 0)
+    if (fstatat(directory.get(), name.constData(), &status, AT_SYMLINK_NOFOLLOW) != 0)
         return false;
     if (!S_ISLNK(status.st_mode))
         return true;
-    const Descriptor target = openTrusted(folder.get(), name, O_PATH);
+    const Descriptor target = openTrusted(directory.get(), name, O_PATH);
     return target.isOpen() || target.error() == EPERM;
 }
 
-bool isComplete(const Descriptor &reference, const Descriptor &folder, const Level *above)
+bool isComplete(const Descriptor &reference, const Descriptor &directory, const Level *above)
 {
     const Level level(reference, above);
     if (level.isBottomless())
@@ -164,39 +165,40 @@ bool isComplete(const Descriptor &reference, const Descriptor &folder, const Lev
     Listing expected;
     list(reference, expected);
     for (const QByteArray &file : expected.files) {
-        if (!holdsFile(folder, file))
+        if (!holdsFile(directory, file))
             return false;
     }
-    for (const QByteArray &name : expected.folders) {
-        const Descriptor subfolder = openSubfolder(folder, name);
-        if (!subfolder.isOpen() || !isComplete(openSubfolder(reference, name), subfolder, &level))
+    for (const QByteArray &name : expected.directories) {
+        const Descriptor subdirectory = openSubdirectory(directory, name);
+        if (!subdirectory.isOpen() ||
+            !isComplete(openSubdirectory(reference, name), subdirectory, &level))
             return false;
     }
     return true;
 }
 
-/** Whether all of @p source can be read and @p folder is no part of it. */
-bool isReadable(const Descriptor &source, const Level &folder, const Level *above)
+/** Whether all of @p source can be read and @p directory is no part of it. */
+bool isReadable(const Descriptor &source, const Level &directory, const Level *above)
 {
     const Level level(source, above);
     Listing listing;
-    if (level.isBottomless() || level.isSame(folder) || !list(source, listing))
+    if (level.isBottomless() || level.isSame(directory) || !list(source, listing))
         return false;
     for (const QByteArray &file : listing.files) {
         if (!openFile(source, file).isOpen())
             return false;
     }
-    for (const QByteArray &name : listing.folders) {
-        if (!isReadable(openSubfolder(source, name), folder, &level))
+    for (const QByteArray &name : listing.directories) {
+        if (!isReadable(openSubdirectory(source, name), directory, &level))
             return false;
     }
     return true;
 }
 
-/** Whether @p folder lies in @p other, at any depth. */
-bool isBelow(const Descriptor &folder, const Level &other)
+/** Whether @p directory lies in @p other, at any depth. */
+bool isBelow(const Descriptor &directory, const Level &other)
 {
-    Descriptor at(openat(folder.get(), "..", asDirectory | O_CLOEXEC));
+    Descriptor at(openat(directory.get(), "..", asDirectory | O_CLOEXEC));
     for (;;) {
         const Level level(at, nullptr);
         if (level.isSame(other))
@@ -216,39 +218,39 @@ bool isRemoved(int result)
 }
 
 /** Lets the owner of a directory that is to be removed, as far as we may, remove what is in it. */
-void permitOwner(const Descriptor &folder)
+void permitOwner(const Descriptor &directory)
 {
     struct stat status = {};
-    if (fstat(folder.get(), &status) == 0 && (status.st_mode & S_IRWXU) != S_IRWXU)
-        fchmod(openToRead(folder).get(), (status.st_mode & permissions) | S_IRWXU);
+    if (fstat(directory.get(), &status) == 0 && (status.st_mode & S_IRWXU) != S_IRWXU)
+        fchmod(openToRead(directory).get(), (status.st_mode & permissions) | S_IRWXU);
 }
 
-bool eraseContents(const Descriptor &folder, int depth);
+bool eraseContents(const Descriptor &directory, int depth);
 
-bool eraseSubfolder(const Descriptor &folder, const QByteArray &name, int depth)
+bool eraseSubdirectory(const Descriptor &directory, const QByteArray &name, int depth)
 {
-    const Descriptor subfolder = openPlainSubfolder(folder, name);
-    permitOwner(subfolder);
-    return subfolder.isOpen() && eraseContents(subfolder, depth) &&
-           isRemoved(unlinkat(folder.get(), name.constData(), AT_REMOVEDIR));
+    const Descriptor subdirectory = openPlainSubdirectory(directory, name);
+    permitOwner(subdirectory);
+    return subdirectory.isOpen() && eraseContents(subdirectory, depth) &&
+           isRemoved(unlinkat(directory.get(), name.constData(), AT_REMOVEDIR));
 }
 
-bool eraseContents(const Descriptor &folder, int depth)
+bool eraseContents(const Descriptor &directory, int depth)
 {
     std::vector<Entry> entries;
     // One more than is copied: a power cut leaves a copy one level deeper.
-    if (depth > deepest + 1 || !readEntries(folder, entries))
+    if (depth > deepest + 1 || !readEntries(directory, entries))
         return false;
-    std::vector<QByteArray> folders;
+    std::vector<QByteArray> directories;
     for (const Entry &entry : entries) {
-        if (entry.type != DT_DIR && isRemoved(unlinkat(folder.get(), entry.name.constData(), 0)))
+        if (entry.type != DT_DIR && isRemoved(unlinkat(directory.get(), entry.name.constData(), 0)))
             continue;
         if (entry.type != DT_DIR && errno != EISDIR)
             return false;
-        folders.push_back(entry.name);
+        directories.push_back(entry.name);
     }
-    for (const QByteArray &name : folders) {
-        if (!eraseSubfolder(folder, name, depth + 1))
+    for (const QByteArray &name : directories) {
+        if (!eraseSubdirectory(directory, name, depth + 1))
             return false;
     }
     return true;
@@ -282,11 +284,11 @@ bool copyFile(const Descriptor &source, const Descriptor &destination, const QBy
 bool restrictOwner(const Descriptor &source, const Descriptor &destination, const QByteArray &name)
 {
     struct stat original = {};
-    if (fstat(openSubfolder(source, name).get(), &original) != 0)
+    if (fstat(openSubdirectory(source, name).get(), &original) != 0)
         return false;
     if ((original.st_mode & S_IRWXU) == S_IRWXU)
         return true;
-    const Descriptor copy = openToRead(openPlainSubfolder(destination, name));
+    const Descriptor copy = openToRead(openPlainSubdirectory(destination, name));
     struct stat status = {};
     return fstat(copy.get(), &status) == 0 &&
            fchmod(copy.get(), status.st_mode & original.st_mode & permissions) == 0;
@@ -294,10 +296,10 @@ bool restrictOwner(const Descriptor &source, const Descriptor &destination, cons
 
 bool copyContents(const Descriptor &source, const Descriptor &destination, const Level *above);
 
-bool copySubfolder(const Descriptor &source, const Descriptor &destination, const QByteArray &name,
-                   const Level &level)
+bool copySubdirectory(const Descriptor &source, const Descriptor &destination,
+                      const QByteArray &name, const Level &level)
 {
-    const Descriptor from = openSubfolder(source, name);
+    const Descriptor from = openSubdirectory(source, name);
     struct stat status = {};
     if (fstat(from.get(), &status) != 0)
         return false;
@@ -305,7 +307,7 @@ bool copySubfolder(const Descriptor &source, const Descriptor &destination, cons
     const mode_t mode = (status.st_mode & permissions) | S_IRWXU;
     if (mkdirat(destination.get(), name.constData(), mode) != 0)
         return false;
-    return copyContents(from, openPlainSubfolder(destination, name), &level);
+    return copyContents(from, openPlainSubdirectory(destination, name), &level);
 }
 
 bool copyContents(const Descriptor &source, const Descriptor &destination, const Level *above)
@@ -318,8 +320,8 @@ bool copyContents(const Descriptor &source, const Descriptor &destination, const
         if (!copyFile(source, destination, file))
             return false;
     }
-    for (const QByteArray &name : listing.folders) {
-        if (!copySubfolder(source, destination, name, level))
+    for (const QByteArray &name : listing.directories) {
+        if (!copySubdirectory(source, destination, name, level))
             return false;
         // Those at the top have to be moved yet, which only their owner may.
         if (above && !restrictOwner(source, destination, name))
@@ -328,17 +330,17 @@ bool copyContents(const Descriptor &source, const Descriptor &destination, const
     return true;
 }
 
-bool isNameFree(const Descriptor &folder, const QByteArray &name)
+bool isNameFree(const Descriptor &directory, const QByteArray &name)
 {
     struct stat status = {};
-    return fstatat(folder.get(), name.constData(), &status, AT_SYMLINK_NOFOLLOW) != 0;
+    return fstatat(directory.get(), name.constData(), &status, AT_SYMLINK_NOFOLLOW) != 0;
 }
 
-/** A name in @p folder that neither it nor @p source has. */
-QByteArray freeName(const Descriptor &folder, const Descriptor &source)
+/** A name in @p directory that neither it nor @p source has. */
+QByteArray freeName(const Descriptor &directory, const Descriptor &source)
 {
     QByteArray name = QByteArrayLiteral(".rebuild");
-    while (!isNameFree(folder, name) || !isNameFree(source, name))
+    while (!isNameFree(directory, name) || !isNameFree(source, name))
         name += '+';
     return name;
 }
@@ -361,46 +363,47 @@ bool moveContents(const Descriptor &source, const Descriptor &staging,
         if (!moveEntry(staging, destination, file))
             return false;
     }
-    for (const QByteArray &name : listing.folders) {
+    for (const QByteArray &name : listing.directories) {
         if (!moveEntry(staging, destination, name) || !restrictOwner(source, destination, name))
             return false;
     }
     return true;
 }
 
-/** Writes all that is pending on the file system of @p folder to its disk. */
-bool synchronise(const Descriptor &folder)
+/** Writes all that is pending on the file system of @p directory to its disk. */
+bool synchronise(const Descriptor &directory)
 {
-    return syncfs(openToRead(folder).get()) == 0;
+    return syncfs(openToRead(directory).get()) == 0;
 }
 } // namespace
 
-bool isFolderComplete(const Descriptor &reference, const Descriptor &folder)
+bool isFolderComplete(const Descriptor &reference, const Descriptor &directory)
 {
-    return isComplete(reference, folder, nullptr);
+    return isComplete(reference, directory, nullptr);
 }
 
-bool canReplace(const Descriptor &folder, const Descriptor &source)
+bool canReplace(const Descriptor &directory, const Descriptor &source)
 {
     if (!source.isOpen())
         return source.isAbsent();
-    const Level erased(folder, nullptr);
+    const Level erased(directory, nullptr);
     return isReadable(source, erased, nullptr) && !isBelow(source, erased);
 }
 
-bool eraseFolder(const Descriptor &folder)
+bool eraseFolder(const Descriptor &directory)
 {
-    return folder.isOpen() ? eraseContents(folder, 0) : folder.isAbsent();
+    return directory.isOpen() ? eraseContents(directory, 0) : directory.isAbsent();
 }
 
-void makeIncomplete(const Descriptor &folder, const Descriptor &reference)
+void makeIncomplete(const Descriptor &directory, const Descriptor &reference)
 {
     Listing listing;
     list(reference, listing);
-    const std::vector<QByteArray> &names = listing.files.empty() ? listing.folders : listing.files;
+    const std::vector<QByteArray> &names =
+        listing.files.empty() ? listing.directories : listing.files;
     if (!names.empty())
-        renameat(folder.get(), names[0].constData(), folder.get(),
-                 freeName(folder, reference).constData());
+        renameat(directory.get(), names[0].constData(), directory.get(),
+                 freeName(directory, reference).constData());
 }
 
 bool copyFolder(const Descriptor &source, const Descriptor &destination)
@@ -410,10 +413,10 @@ bool copyFolder(const Descriptor &source, const Descriptor &destination)
     const QByteArray name = freeName(destination, source);
     if (mkdirat(destination.get(), name.constData(), S_IRWXU) != 0)
         return false;
-    const Descriptor staging = openPlainSubfolder(destination, name);
+    const Descriptor staging = openPlainSubdirectory(destination, name);
     // One sync of the file system: a sync of each file costs many times the copy itself.
     const bool isCopied = copyContents(source, staging, nullptr) && synchronise(staging) &&
                           moveContents(source, staging, destination);
-    eraseSubfolder(destination, name, 0);
+    eraseSubdirectory(destination, name, 0);
     return isCopied;
 }

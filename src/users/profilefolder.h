@@ -13,31 +13,31 @@ class Descriptor;
  */
 
 /**
- * Whether @p folder holds, at every depth, a file or subdirectory for each one of @p reference.
+ * Whether @p directory holds, at every depth, a file or subdirectory for each one of @p reference.
  *
  * Extra entries do not matter and contents are not compared. A link that must not be followed is a
  * file in its own right, and no subdirectory.
  */
-bool isFolderComplete(const Descriptor &reference, const Descriptor &folder);
+bool isFolderComplete(const Descriptor &reference, const Descriptor &directory);
 
 /**
- * Whether the content of @p folder can be replaced by that of @p source: every file and
- * subdirectory of @p source can be read, and none is lost by erasing @p folder, as it would be if
- * one of the two were the other one or lay in it.
+ * Whether the content of @p directory can be replaced by that of @p source: every file and
+ * subdirectory of @p source can be read, and none is lost by erasing @p directory, as it would be
+ * if one of the two were the other one or lay in it.
  */
-bool canReplace(const Descriptor &folder, const Descriptor &source);
+bool canReplace(const Descriptor &directory, const Descriptor &source);
 
 /**
- * Removes everything inside @p folder; the directory itself stays. Links are removed, never
+ * Removes everything inside @p directory; the directory itself stays. Links are removed, never
  * followed. False at the first entry that cannot be removed.
  */
-bool eraseFolder(const Descriptor &folder);
+bool eraseFolder(const Descriptor &directory);
 
 /**
- * Takes a file of @p reference, or a subdirectory if it has no file, from @p folder by giving it
+ * Takes a file of @p reference, or a subdirectory if it has no file, from @p directory by giving it
  * another name. Done before erasing, it has isFolderComplete() recognise what a power cut leaves.
  */
-void makeIncomplete(const Descriptor &folder, const Descriptor &reference);
+void makeIncomplete(const Descriptor &directory, const Descriptor &reference);
 
 /**
  * Copies the files and subdirectories of @p source into @p destination.

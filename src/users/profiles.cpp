@@ -17,24 +17,24 @@ namespace
 {
 const char linkName[] = "system";
 
-QString folderOf(const QString &user)
+QString directoryOf(const QString &user)
 {
-    return folderPath + user + folderSuffix;
+    return directoryPath + user + directorySuffix;
 }
 
 bool isComplete(const QString &path)
 {
-    const Descriptor folder = openDirectory(path);
-    return folder.isOpen() && isFolderComplete(openDirectory(defaultFolder), folder);
+    const Descriptor directory = openDirectory(path);
+    return directory.isOpen() && isFolderComplete(openDirectory(defaultDirectory), directory);
 }
 
-/** Points the link to the active profile at @p folder; false where that fails. */
-bool makeLink(const QString &folder)
+/** Points the link to the active profile at @p directory; false where that fails. */
+bool makeLink(const QString &directory)
 {
-    const Descriptor place = openDirectory(folderPath);
+    const Descriptor place = openDirectory(directoryPath);
     // A link that cannot be removed shows when the new one is made.
     unlinkat(place.get(), linkName, 0);
-    return symlinkat(QFile::encodeName(folder).constData(), place.get(), linkName) == 0;
+    return symlinkat(QFile::encodeName(directory).constData(), place.get(), linkName) == 0;
 }
 
 void storeValidity(const QString &user, bool isValid)
@@ -43,10 +43,10 @@ void storeValidity(const QString &user, bool isValid)
 }
 } // namespace
 
-const QString folderPath = QStringLiteral("/tmp/User_part/");
-const QString folderSuffix = QStringLiteral("_profile");
-const QString linkPath = folderPath + QLatin1String(linkName);
-const QString defaultFolder = folderPath + QStringLiteral("default_user") + folderSuffix;
+const QString directoryPath = QStringLiteral("/tmp/User_part/");
+const QString directorySuffix = QStringLiteral("_profile");
+const QString linkPath = directoryPath + QLatin1String(linkName);
+const QString defaultDirectory = directoryPath + QStringLiteral("default_user") + directorySuffix;
 
 const QString users[userCount] = {QStringLiteral("user1"), QStringLiteral("user2"),
                                   QStringLiteral("user3"), QStringLiteral("user4")};
@@ -56,8 +56,8 @@ std::optional<QString> activeUser()
     QString user = linkTarget(linkPath);
     if (user.isEmpty())
         return std::nullopt;
-    user.remove(folderPath);
-    user.remove(folderSuffix);
+    user.remove(directoryPath);
+    user.remove(directorySuffix);
     return user;
 }
 
@@ -75,7 +75,7 @@ void validateUsers()
 
 Outcome activate(const QString &user)
 {
-    const QString path = folderOf(user);
+    const QString path = directoryOf(user);
     Outcome outcome = Outcome::Done;
     if (!isComplete(path))
         outcome = rebuild(user);
@@ -87,16 +87,16 @@ Outcome activate(const QString &user)
 
 Outcome rebuild(const QString &user)
 {
-    const QString path = folderOf(user);
-    const Descriptor defaults = openDirectory(defaultFolder);
-    Descriptor folder = openDirectory(path);
-    if (!canReplace(folder, defaults))
+    const QString path = directoryOf(user);
+    const Descriptor defaults = openDirectory(defaultDirectory);
+    Descriptor directory = openDirectory(path);
+    if (!canReplace(directory, defaults))
         return Outcome::NotCopied;
-    makeIncomplete(folder, defaults);
-    if (!eraseFolder(folder))
+    makeIncomplete(directory, defaults);
+    if (!eraseFolder(directory))
         return Outcome::NotErased;
-    if (!folder.isOpen())
-        folder = makeDirectory(path);
-    return copyFolder(defaults, folder) ? Outcome::Done : Outcome::NotCopied;
+    if (!directory.isOpen())
+        directory = makeDirectory(path);
+    return copyFolder(defaults, directory) ? Outcome::Done : Outcome::NotCopied;
 }
 } // namespace profiles

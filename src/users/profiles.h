@@ -13,13 +13,13 @@
 namespace profiles
 {
 /** Directory of all profile folders and of the link; expected to exist. */
-extern const QString folderPath;
+extern const QString directoryPath;
 /** Suffix of a profile folder's name. */
-extern const QString folderSuffix;
+extern const QString directorySuffix;
 /** The link to the active profile folder. */
 extern const QString linkPath;
 /** The factory default profile, source of every reset; never written. */
-extern const QString defaultFolder;
+extern const QString defaultDirectory;
 
 /** The users, in the order in which a start tries them. */
 constexpr int userCount = 4;
@@ -36,7 +36,7 @@ enum class Outcome {
     NotLinked,
 };
 
-/** The user whose folder the link names, who need not be a valid one; nothing without a link. */
+/** The user whose directory the link names, who need not be a valid one; nothing without a link. */
 std::optional<QString> activeUser();
 
 /** Whether @p user is one of the four whose last switch, if there was one, succeeded. */
@@ -46,7 +46,7 @@ bool isValidUser(const QString &user);
 void validateUsers();
 
 /**
- * Makes the profile of @p user, who is valid, the active one; its folder is rebuilt from the
+ * Makes the profile of @p user, who is valid, the active one; its directory is rebuilt from the
  * default profile where it is incomplete. The user becomes invalid where that fails.
  */
 Outcome activate(const QString &user);

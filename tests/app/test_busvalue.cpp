@@ -80,7 +80,7 @@ void TestBusValue::initTestCase()
         QVERIFY(bus.connect(name, path, interface, member, this, SLOT(keep(QDBusMessage))));
 }
 
-/** The one value of a message, as the bus library hands it to a slot. */
+/** The one value of a message, as Qt D-Bus hands it to a slot. */
 QVariant TestBusValue::receive(const QString &values)
 {
     received.clear();

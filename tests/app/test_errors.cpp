@@ -166,7 +166,7 @@ void TestErrors::addUsers(QMap<QString, Provocation> &all)
     all[ofOwn("Users.setUser", "Process",
               "Error while forcing a reload of the user configurations.")] = [] {
         removePath(profile("user2"));
-        writeFile(profile("user2"), "no folder");
+        writeFile(profile("user2"), "no directory");
         return call("/KyConfigMgr", "Users", "setUser", {"user2"});
     };
     all[ofOwn("Users.setUser", "Write", "Not able to overwrite the current user symlink.")] = [] {

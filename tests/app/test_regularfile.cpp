@@ -10,7 +10,7 @@
 #include <sys/stat.h>
 #include <unistd.h>
 
-/** Opening files in folders to which others may write. */
+/** Opening files in directories to which others may write. */
 class TestRegularFile : public QObject
 {
     Q_OBJECT
@@ -28,8 +28,8 @@ private Q_SLOTS:
     void aFifoIsNotWaitedFor();
     void aFifoWithAReaderIsNotWrittenTo();
     void aDeviceIsNotWrittenTo();
-    void aFolderIsRefused();
-    void aMissingFolderIsNotMade();
+    void aDirectoryIsRefused();
+    void aMissingDirectoryIsNotMade();
     void childrenDoNotInheritTheDescriptor();
 
     void aFileIsReadAlsoThroughALink();
@@ -39,14 +39,14 @@ private Q_SLOTS:
 private:
     bool append(const QByteArray &text, int flags = O_APPEND);
 
-    QScopedPointer<QTemporaryDir> m_folder;
+    QScopedPointer<QTemporaryDir> m_directory;
     QString m_path;
 };
 
 void TestRegularFile::init()
 {
-    m_folder.reset(new QTemporaryDir);
-    m_path = m_folder->filePath(QStringLiteral("file"));
+    m_directory.reset(new QTemporaryDir);
+    m_path = m_directory->filePath(QStringLiteral("file"));
 }
 
 /** Opens the file and writes @p text; false when it was not opened. */
@@ -97,7 +97,7 @@ void TestRegularFile::aFileThatIsNotTruncatedKeepsItsEnd()
 
 void TestRegularFile::aLinkIsNotFollowed()
 {
-    const QString target = m_folder->filePath(QStringLiteral("target"));
+    const QString target = m_directory->filePath(QStringLiteral("target"));
     writeFile(target, "precious");
     QVERIFY(QFile::link(target, m_path));
 
@@ -109,7 +109,7 @@ void TestRegularFile::aLinkIsNotFollowed()
 
 void TestRegularFile::aLinkToNowhereMakesNoFile()
 {
-    const QString target = m_folder->filePath(QStringLiteral("target"));
+    const QString target = m_directory->filePath(QStringLiteral("target"));
     QVERIFY(QFile::link(target, m_path));
 
     QVERIFY(!append("new"));
@@ -119,7 +119,7 @@ void TestRegularFile::aLinkToNowhereMakesNoFile()
 
 void TestRegularFile::aSecondNameOfAFileIsRefused()
 {
-    const QString precious = m_folder->filePath(QStringLiteral("precious"));
+    const QString precious = m_directory->filePath(QStringLiteral("precious"));
     writeFile(precious, "keep");
     QCOMPARE(link(qPrintable(precious), qPrintable(m_path)), 0);
     QVERIFY(!append("text"));
@@ -153,17 +153,17 @@ void TestRegularFile::aDeviceIsNotWrittenTo()
     QVERIFY(!append("new", O_TRUNC));
 }
 
-void TestRegularFile::aFolderIsRefused()
+void TestRegularFile::aDirectoryIsRefused()
 {
-    m_path = m_folder->path();
+    m_path = m_directory->path();
     QVERIFY(!append("new"));
 }
 
-void TestRegularFile::aMissingFolderIsNotMade()
+void TestRegularFile::aMissingDirectoryIsNotMade()
 {
-    m_path = m_folder->filePath(QStringLiteral("folder/file"));
+    m_path = m_directory->filePath(QStringLiteral("directory/file"));
     QVERIFY(!append("new"));
-    QVERIFY(!QFile::exists(m_folder->filePath(QStringLiteral("folder"))));
+    QVERIFY(!QFile::exists(m_directory->filePath(QStringLiteral("directory"))));
 }
 
 void TestRegularFile::childrenDoNotInheritTheDescriptor()
@@ -176,8 +176,8 @@ void TestRegularFile::childrenDoNotInheritTheDescriptor()
 
 void TestRegularFile::aFileIsReadAlsoThroughALink()
 {
-    const QString target = m_folder->filePath("target");
-    const QString link = m_folder->filePath("link");
+    const QString target = m_directory->filePath("target");
+    const QString link = m_directory->filePath("link");
     writeFile(target, "a\r\nb");
     QVERIFY(QFile::link(target, link));
     for (const QString &path : {target, link}) {
@@ -191,7 +191,7 @@ void TestRegularFile::nothingElseIsRead_data()
 {
     QTest::addColumn<QString>("path");
     QTest::newRow("nothing") << "missing";
-    QTest::newRow("folder") << ".";
+    QTest::newRow("directory") << ".";
     QTest::newRow("fifo") << "fifo";
     QTest::newRow("device") << "/dev/zero";
 }
@@ -200,9 +200,9 @@ void TestRegularFile::nothingElseIsRead()
 {
     QFETCH(QString, path);
     if (path == "fifo")
-        QCOMPARE(mkfifo(qPrintable(m_folder->filePath(path)), 0600), 0);
+        QCOMPARE(mkfifo(qPrintable(m_directory->filePath(path)), 0600), 0);
     QFile file;
-    QVERIFY(!openForReading(file, QDir(m_folder->path()).filePath(path), QIODevice::ReadOnly));
+    QVERIFY(!openForReading(file, QDir(m_directory->path()).filePath(path), QIODevice::ReadOnly));
     QVERIFY(!file.isOpen());
 }
 

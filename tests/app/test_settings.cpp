@@ -135,12 +135,12 @@ void TestSettings::aFileThatCannotBeUsedIsAnEmptyOne()
 
 void TestSettings::aFileThatCannotBeWrittenIsNotReported()
 {
-    QVERIFY(QDir().mkpath("/opt/settings.ini/folder"));
+    QVERIFY(QDir().mkpath("/opt/settings.ini/directory"));
     QVERIFY(daemon.start());
     QCOMPARE(users.call("setUser", {"user2"}), QStringLiteral("()"));
     QCOMPARE(users.call("getUser"), QStringLiteral("(\"user2\")"));
     QCOMPARE(daemon.log(), QString());
-    QCOMPARE(snapshot("/opt/settings.ini"), QStringList{"folder"});
+    QCOMPARE(snapshot("/opt/settings.ini"), QStringList{"directory"});
 }
 
 void TestSettings::nothingIsStoredUntilTheNextStartWhereNoFileCanBe_data()
@@ -200,7 +200,7 @@ void TestSettings::whatIsNoFileIsNeitherReadNorWrittenWhileTheDaemonRuns()
 
     // A flag that cannot be stored stays what it was.
     const QString link = "/tmp/User_part/system";
-    QVERIFY(QFile::remove(link) && QDir().mkpath(link + "/folder"));
+    QVERIFY(QFile::remove(link) && QDir().mkpath(link + "/directory"));
     QVERIFY(users.call("setUser", {"user3"}).contains("Not able to overwrite"));
     QVERIFY(users.call("setUser", {"user3"}).contains("Not able to overwrite"));
 }
@@ -210,8 +210,7 @@ void TestSettings::aLockThatAPowerCutHasLeftIsNotWaitedFor_data()
     QTest::addColumn<QString>("content");
     QTest::newRow("no content") << QString();
     QTest::newRow("half of its content") << "1234\nKyBoard";
-    QTest::newRow("the same process number")
-        << "%1\nKyBoardManager\n" + QSysInfo::machineHostName() + '\n';
+    QTest::newRow("the same PID") << "%1\nKyBoardManager\n" + QSysInfo::machineHostName() + '\n';
 }
 
 void TestSettings::aLockThatAPowerCutHasLeftIsNotWaitedFor()
@@ -219,7 +218,7 @@ void TestSettings::aLockThatAPowerCutHasLeftIsNotWaitedFor()
     QFETCH(QString, content);
     const QString file = "/opt/settings.ini";
     const QString lock = file + ".lock";
-    // The shell's process number is the daemon's; a lock of the future is an old one only later.
+    // The shell's PID is the daemon's; a lock of the future is an old one only later.
     writeFile("/run/lock-content", content.toUtf8());
     daemon.setWrapper({"sh", "-c",
                        "sed \"s/%1/$$/\" /run/lock-content >$0 && touch -d '25 seconds' $0 && "

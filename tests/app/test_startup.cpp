@@ -192,7 +192,7 @@ void TestStartup::withoutABusTheStatusIsOne()
 
 void TestStartup::withoutPermissionToOwnTheNameTheStatusIsOne()
 {
-    // A stranger may not even look into the folders that the build lies in.
+    // A stranger may not even look into the directories that the build lies in.
     const QString readable = QStringLiteral("/run/readable");
     QVERIFY(QDir().mkpath(readable));
     QVERIFY(QFile::copy(QStandardPaths::findExecutable("KyBoardManager"),

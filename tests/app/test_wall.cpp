@@ -37,20 +37,20 @@ private:
         int status = -1;
         QString errors;
     };
-    static Outcome run(const QString &folder, QStringList command, const QByteArray &input = {});
+    static Outcome run(const QString &directory, QStringList command, const QByteArray &input = {});
     Outcome compile(const QString &source, const QByteArray &firstLine) const;
-    QString sourceIn(const QString &library, const QString &folder) const;
+    QString sourceIn(const QString &library, const QString &directory) const;
 
     QJsonArray m_commands;
 };
 
 namespace
 {
-const char *const folders[] = {"app", "devices", "identity", "network", "users"};
+const char *const directories[] = {"app", "devices", "identity", "network", "users"};
 
-QStringList headersOf(const QString &folder)
+QStringList headersOf(const QString &directory)
 {
-    return QDir(SOURCES "/src/" + folder).entryList({"*.h"});
+    return QDir(SOURCES "/src/" + directory).entryList({"*.h"});
 }
 
 QString contentOf(const QString &path)
@@ -65,10 +65,11 @@ void TestWall::initTestCase()
     QVERIFY(m_commands.size() > 50);
 }
 
-TestWall::Outcome TestWall::run(const QString &folder, QStringList command, const QByteArray &input)
+TestWall::Outcome TestWall::run(const QString &directory, QStringList command,
+                                const QByteArray &input)
 {
     QProcess process;
-    process.setWorkingDirectory(folder);
+    process.setWorkingDirectory(directory);
     process.setProcessChannelMode(QProcess::MergedChannels);
     const QString program = command.takeFirst();
     process.start(program, command);
@@ -107,12 +108,12 @@ TestWall::Outcome TestWall::compile(const QString &source, const QByteArray &fir
     return {};
 }
 
-/** A source of @p library in @p folder; empty where there is none. */
-QString TestWall::sourceIn(const QString &library, const QString &folder) const
+/** A source of @p library in @p directory; empty where there is none. */
+QString TestWall::sourceIn(const QString &library, const QString &directory) const
 {
     for (const QJsonValue &entry : m_commands) {
         const QString source = entry["file"].toString();
-        if (QFileInfo(source).path() == SOURCES "/src/" + folder &&
+        if (QFileInfo(source).path() == SOURCES "/src/" + directory &&
             entry["command"].toString().contains("CMakeFiles/" + library + ".dir/"))
             return source;
     }
@@ -123,10 +124,10 @@ void TestWall::aSourceAloneCompiles_data()
 {
     QTest::addColumn<QString>("source");
     for (const char *library : {"boardlogic", "busvalues"}) {
-        for (const char *folder : folders) {
-            const QString source = sourceIn(library, folder);
+        for (const char *directory : directories) {
+            const QString source = sourceIn(library, directory);
             if (!source.isEmpty())
-                QTest::addRow("%s, %s", library, folder) << source;
+                QTest::addRow("%s, %s", library, directory) << source;
         }
     }
 }
@@ -153,15 +154,15 @@ void TestWall::anIncludeAcrossTheWallDoesNotCompile_data()
         << sourceIn("busvalues", "app") << QByteArray("#include \"kyals.h\"\n")
         << "kyals.h: No such file";
     int adaptors = 0;
-    for (const char *folder : folders) {
-        for (const QString &header : headersOf(folder)) {
-            const QString content = contentOf(SOURCES "/src/" + QString(folder) + '/' + header);
+    for (const char *directory : directories) {
+        for (const QString &header : headersOf(directory)) {
+            const QString content = contentOf(SOURCES "/src/" + QString(directory) + '/' + header);
             if (!content.contains("public QDBusAbstractAdaptor"))
                 continue;
             ++adaptors;
             for (const char *library : {"boardlogic", "busvalues"})
                 QTest::addRow("%s, %s", library, qPrintable(header))
-                    << sourceIn(library, library == QString("busvalues") ? "app" : folder)
+                    << sourceIn(library, library == QString("busvalues") ? "app" : directory)
                     << "#include \"" + header.toUtf8() + "\"\n"
                     << "(QDBus\\w+|\\w+\\.h): No such file|expected class-name";
         }
@@ -238,17 +239,18 @@ void TestWall::aCallAcrossTheWallDoesNotLink()
     QFETCH(QString, program);
     QFETCH(QByteArray, source);
     QFETCH(QString, missing);
-    const QTemporaryDir folder;
-    const QString object = folder.filePath("crossing.o");
-    const Outcome compiled = run(
-        folder.path(), {CXX, "-fPIC", "-std=c++17", "-x", "c++", "-c", "-", "-o", object}, source);
+    const QTemporaryDir directory;
+    const QString object = directory.filePath("crossing.o");
+    const Outcome compiled =
+        run(directory.path(), {CXX, "-fPIC", "-std=c++17", "-x", "c++", "-c", "-", "-o", object},
+            source);
     QCOMPARE(compiled.errors, QString());
 
     const Outcome listed = run(BUILD, {"ninja", "-t", "commands", "-s", program});
     QString line = listed.errors.trimmed();
     line.remove(QRegularExpression("^: && ")).remove(QRegularExpression(" && :$"));
     QStringList command = QProcess::splitCommand(line);
-    command[command.indexOf("-o") + 1] = folder.filePath("program");
+    command[command.indexOf("-o") + 1] = directory.filePath("program");
     command.insert(command.indexOf("-o"), object);
     const Outcome linked = run(BUILD, command);
     QVERIFY2(linked.errors.contains(missing), qPrintable(linked.errors));

@@ -41,9 +41,9 @@ const QString fakes = QStringLiteral("/run/fakes");
 const QString module = QStringLiteral("/usr/share/redpine/switch_coex_mode.sh");
 const QString application = QStringLiteral("/opt/KyApp");
 
-const QStringList faults = {"hangs",       "prints megabytes", "ends by a signal",
-                            "ends with 1", "is missing",       "is not executable",
-                            "is a folder", "is no program",    "leaves a child behind"};
+const QStringList faults = {"hangs",          "prints megabytes", "ends by a signal",
+                            "ends with 1",    "is missing",       "is not executable",
+                            "is a directory", "is no program",    "leaves a child behind"};
 
 QString pathOf(const QString &child)
 {
@@ -107,7 +107,7 @@ void TestChildFaults::install(const QString &child, const QString &fault)
     removePath(path);
     if (fault == "is missing")
         return;
-    if (fault == "is a folder") {
+    if (fault == "is a directory") {
         QVERIFY(QDir().mkpath(path));
         return;
     }

@@ -14,8 +14,8 @@
 #include <unistd.h>
 
 /**
- * Every file and folder that the daemon reads or writes, times everything that may be in its place:
- * whoever does not need it notices nothing, and whoever needs it is told so as he is to be.
+ * Every file and directory that the daemon reads or writes, times everything that may be in its
+ * place: whoever does not need it notices nothing, and whoever needs it is told so as he is to be.
  *
  * FAULTS=all in the environment lets everything also happen while the daemon runs.
  */
@@ -83,11 +83,11 @@ const QList<Place> places = {
 
 const QStringList conditions = {"missing",
                                 "unreadable",
-                                "a folder",
+                                "a directory",
                                 "a link to nowhere",
                                 "a link to itself",
                                 "a link to a file",
-                                "a link to a folder",
+                                "a link to a directory",
                                 "a link to a device without an end",
                                 "a fifo",
                                 "a socket",
@@ -216,15 +216,15 @@ void TestFileFaults::have(const QString &condition, const QString &path)
         return;
     }
     removePath(path);
-    if (condition == "a folder")
-        check(QDir().mkpath(path + "/inside"), "folder");
+    if (condition == "a directory")
+        check(QDir().mkpath(path + "/inside"), "directory");
     else if (condition == "a link to nowhere")
         check(QFile::link("/opt/nowhere", path), "link");
     else if (condition == "a link to itself")
         check(symlink(qPrintable(path), qPrintable(path)) == 0, "link");
     else if (condition == "a link to a file")
         check(QFile::link(precious, path), "link");
-    else if (condition == "a link to a folder")
+    else if (condition == "a link to a directory")
         check(QDir().mkpath("/opt/elsewhere/inside") && QFile::link("/opt/elsewhere", path),
               "link");
     else if (condition == "a link to a device without an end")
@@ -277,7 +277,7 @@ void TestFileFaults::theDaemonDoesWithout_data()
         for (int index = 0; index < places.size(); ++index) {
             const QString path = places.at(index).path;
             const bool isDisk = condition.startsWith("on a ");
-            // No folder of the system goes, nor may root be kept from one.
+            // No directory of the system goes, nor may root be kept from one.
             if (path == "/opt" && !isDisk)
                 continue;
             // A link cannot be mounted on.

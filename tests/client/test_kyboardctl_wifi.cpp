@@ -136,8 +136,8 @@ void TestKyboardctlWifi::scanForMachinesIsOneObject()
 
 void TestKyboardctlWifi::anEmptyAirIsNoFailure()
 {
-    for (const char *folder : {"cafe", "grumpy", "hall_near", "hall_far", "workshop", "vault"})
-        supplicant.set(QLatin1String(folder) + "/in_range", "0");
+    for (const char *directory : {"cafe", "grumpy", "hall_near", "hall_far", "workshop", "vault"})
+        supplicant.set(QLatin1String(directory) + "/in_range", "0");
     const Result result = run({"wifi", "scan"});
     QCOMPARE(result.output, QStringLiteral("no network in reach\n"));
     QCOMPARE(result.status, 0);

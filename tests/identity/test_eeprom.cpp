@@ -211,7 +211,7 @@ QString TestEeprom::set(const QString &method, const QString &values)
     return wire.call(service, "/KyDeviceMgr", service + ".Version", method, values);
 }
 
-/** The record that @p method answers, with compounds as the bus library gives them. */
+/** The record that @p method answers, with compounds as Qt D-Bus gives them. */
 QVariantMap TestEeprom::recordOf(const QString &method)
 {
     return qdbus_cast<QVariantMap>(version.reply(method).arguments().value(0));
@@ -1197,7 +1197,7 @@ void TestEeprom::invalidateWritesTheSecondRecordWhenTheFirstFails()
 
 void TestEeprom::invalidateReportsASecondRecordThatFails()
 {
-    // No file can be put in the place of a folder.
+    // No file can be put in the place of a directory.
     Board::remove("eeprom/measure");
     QVERIFY(QDir().mkpath(Board::pathOf("eeprom/measure/in/the/way")));
     QVERIFY(daemon.start());

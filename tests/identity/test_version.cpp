@@ -27,7 +27,7 @@ private Q_SLOTS:
     void bspVersionIsTheFirstLine_data();
     void bspVersionIsTheFirstLine();
     void bspVersionIsLeftOutWithoutAFile();
-    void bspVersionIsLeftOutForAFolder();
+    void bspVersionIsLeftOutForADirectory();
     void bspVersionMayBeLong();
     void theLongestBspVersionIsGivenAndALongerOneLeftOut();
     void bspVersionIsLeftOutWhenItFitsNoMessage();
@@ -243,7 +243,7 @@ void TestVersion::bspVersionIsLeftOutWithoutAFile()
     QCOMPARE(version.call(getVersions), ownVersionAlone);
 }
 
-void TestVersion::bspVersionIsLeftOutForAFolder()
+void TestVersion::bspVersionIsLeftOutForADirectory()
 {
     QVERIFY(QDir().mkpath(bspFile));
     QVERIFY(daemon.start());

@@ -30,16 +30,16 @@ private Q_SLOTS:
 
 private:
     void makePidof(const QByteArray &script);
-    QString path(const char *name) const { return m_folder->path() + '/' + name; }
+    QString path(const char *name) const { return m_directory->path() + '/' + name; }
 
-    QScopedPointer<QTemporaryDir> m_folder;
+    QScopedPointer<QTemporaryDir> m_directory;
     QByteArray m_searchPath;
 };
 
 void TestPrograms::init()
 {
     m_searchPath = qgetenv("PATH");
-    m_folder.reset(new QTemporaryDir);
+    m_directory.reset(new QTemporaryDir);
 }
 
 void TestPrograms::cleanup()
@@ -51,7 +51,7 @@ void TestPrograms::makePidof(const QByteArray &script)
 {
     writeFile(path("pidof"), "#!/bin/sh\n" + script + "\n");
     QFile::setPermissions(path("pidof"), QFile::ReadOwner | QFile::ExeOwner);
-    qputenv("PATH", m_folder->path().toLocal8Bit() + ':' + m_searchPath);
+    qputenv("PATH", m_directory->path().toLocal8Bit() + ':' + m_searchPath);
 }
 
 void TestPrograms::aProgramRunsWherePidofSaysSo()
@@ -74,7 +74,7 @@ void TestPrograms::aProgramDoesNotRunWherePidofCrashes()
 
 void TestPrograms::aProgramDoesNotRunWithoutPidof()
 {
-    qputenv("PATH", m_folder->path().toLocal8Bit());
+    qputenv("PATH", m_directory->path().toLocal8Bit());
     QVERIFY(!isProgramRunning("connmand"));
 }
 
@@ -107,7 +107,7 @@ void TestPrograms::aPidofThatHangsIsEndedAfterASecond()
 
 void TestPrograms::aMissingPidofLeavesNothingBehind()
 {
-    qputenv("PATH", m_folder->path().toLocal8Bit());
+    qputenv("PATH", m_directory->path().toLocal8Bit());
     const auto memoryAfterAsking = [](int times) {
         for (int i = 0; i < times; ++i)
             isProgramRunning("connmand");

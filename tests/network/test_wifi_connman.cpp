@@ -247,8 +247,8 @@ void TestWifiConnman::aRadioThatIsOnAlreadyIsSearchedAtOnce()
 {
     const QString technology = "/net/connman/technology/wifi";
     const Remote radio("net.connman", technology, "net.connman.Technology");
-    for (const char *folder : {"cafe", "grumpy", "hall_near", "hall_far", "workshop", "vault"})
-        supplicant.set(QLatin1String(folder) + "/in_range", "0");
+    for (const char *directory : {"cafe", "grumpy", "hall_near", "hall_far", "workshop", "vault"})
+        supplicant.set(QLatin1String(directory) + "/in_range", "0");
     QCOMPARE(radio.call("SetProperty", {"Powered", QVariant::fromValue(QDBusVariant(true))}), done);
     QTRY_COMPARE(RealConnman::properties(technology).value("Powered").toBool(), true);
     BusMonitor monitor;

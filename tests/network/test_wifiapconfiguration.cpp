@@ -171,17 +171,17 @@ void TestWifiApConfiguration::anEarlierConfigurationIsReplaced()
 
 void TestWifiApConfiguration::aTemplateThatCannotBeReadKeepsTheEarlierConfiguration_data()
 {
-    QTest::addColumn<bool>("isFolder");
+    QTest::addColumn<bool>("isDirectory");
     QTest::newRow("missing") << false;
-    QTest::newRow("a folder") << true;
+    QTest::newRow("a directory") << true;
 }
 
 void TestWifiApConfiguration::aTemplateThatCannotBeReadKeepsTheEarlierConfiguration()
 {
-    QFETCH(bool, isFolder);
+    QFETCH(bool, isDirectory);
     writeFile("/tmp/User_part/hostapd.conf", "earlier");
     removePath("/usr/share/redpine/hostapd_open.conf");
-    if (isFolder)
+    if (isDirectory)
         QDir().mkdir("/usr/share/redpine/hostapd_open.conf");
     begin();
 
@@ -197,7 +197,7 @@ void TestWifiApConfiguration::aConfigurationThatCannotBeWrittenFails_data()
 {
     QTest::addColumn<QString>("kind");
     for (const char *kind :
-         {"no folder", "folder", "link", "fifo", "stranger's link to its folder"})
+         {"no directory", "directory", "link", "fifo", "stranger's link to its directory"})
         QTest::newRow(kind) << kind;
 }
 
@@ -208,9 +208,9 @@ void TestWifiApConfiguration::aConfigurationThatCannotBeWrittenFails()
     const QString precious = "/opt/precious";
     writeFile(precious, "kept");
     begin();
-    if (kind == "no folder")
+    if (kind == "no directory")
         removePath("/tmp/User_part");
-    else if (kind == "folder")
+    else if (kind == "directory")
         QVERIFY(QDir().mkdir(path));
     else if (kind == "link")
         QVERIFY(QFile::link(precious, path));

@@ -542,7 +542,7 @@ void TestWifiScan::aTraceOfFourMebibytesGrowsNoMore()
 void TestWifiScan::aPlantedTraceIsNotWrittenTo_data()
 {
     QTest::addColumn<QString>("kind");
-    for (const char *kind : {"link", "link to nowhere", "fifo", "folder"})
+    for (const char *kind : {"link", "link to nowhere", "fifo", "directory"})
         QTest::newRow(kind) << kind;
 }
 

@@ -9,22 +9,22 @@ repositories() {
         --format 'deb $(REPO_URI) $(RELEASE) $(COMPONENT)' | sort -u
 }
 
-# A minimal system with these packages as FOLDER/system.tar, which stays for the next time.
-# usage: make_system FOLDER [PACKAGE...]
+# A minimal system with these packages as DIRECTORY/system.tar, which stays for the next time.
+# usage: make_system DIRECTORY [PACKAGE...]
 make_system() {
-    local folder=$1
+    local directory=$1
     shift
-    [ "$(cat "$folder/complete" 2>/dev/null)" != "system of $*" ] || return 0
-    mkdir -p "$folder"
-    rm -f "$folder/complete"
+    [ "$(cat "$directory/complete" 2>/dev/null)" != "system of $*" ] || return 0
+    mkdir -p "$directory"
+    rm -f "$directory/complete"
     [ -n "$(repositories)" ] || fail "apt is configured without Debian"
     repositories | mmdebstrap --quiet --variant=minbase --include="$(IFS=,; echo "$*")" \
-        '' "$folder/system.tar" -
-    echo "system of $*" >"$folder/complete"
+        '' "$directory/system.tar" -
+    echo "system of $*" >"$directory/complete"
 }
 
-# Unpacks it afresh as FOLDER/root.
-# usage: unpack_system FOLDER
+# Unpacks it afresh as DIRECTORY/root.
+# usage: unpack_system DIRECTORY
 unpack_system() {
     rm -rf "$1/root"
     mkdir "$1/root"

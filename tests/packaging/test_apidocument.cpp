@@ -52,13 +52,13 @@ TestApiDocument::Result TestApiDocument::run(const QStringList &options)
 
 TestApiDocument::Result TestApiDocument::runAfter(const QString &file, const QByteArray &content)
 {
-    QTemporaryDir folder;
+    QTemporaryDir directory;
     const QDir documents(QStringLiteral(INTROSPECTION));
     for (const QString &name : documents.entryList({QStringLiteral("*.xml")}))
-        QFile::copy(documents.filePath(name), folder.filePath(name));
-    QFile::remove(folder.filePath(file));
-    writeFile(folder.filePath(file), content);
-    return run({QStringLiteral("--folder"), folder.path()});
+        QFile::copy(documents.filePath(name), directory.filePath(name));
+    QFile::remove(directory.filePath(file));
+    writeFile(directory.filePath(file), content);
+    return run({QStringLiteral("--directory"), directory.path()});
 }
 
 void TestApiDocument::theDocumentIsWhatTheProgramPrints()

@@ -34,10 +34,10 @@ QString TestDocuments::complaints(const QStringList &documents)
 
 QString TestDocuments::complaintsOf(const QByteArray &text)
 {
-    QTemporaryDir folder;
-    writeFile(folder.filePath("other.md"), "# One thing: and another\n\n## Twice\n\n## Twice\n");
-    writeFile(folder.filePath("document.md"), text);
-    return complaints({folder.filePath("document.md")});
+    QTemporaryDir directory;
+    writeFile(directory.filePath("other.md"), "# One thing: and another\n\n## Twice\n\n## Twice\n");
+    writeFile(directory.filePath("document.md"), text);
+    return complaints({directory.filePath("document.md")});
 }
 
 void TestDocuments::everythingThatTheDocumentsNameIsThere()

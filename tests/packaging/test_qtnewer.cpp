@@ -47,8 +47,8 @@ void TestQtNewer::everyListedNameIsFound()
 {
     QFile list(SOURCES "/tools/qt-newer-names");
     QVERIFY(list.open(QIODevice::ReadOnly));
-    const QTemporaryDir folder;
-    const QString source = folder.filePath("all.cpp");
+    const QTemporaryDir directory;
+    const QString source = directory.filePath("all.cpp");
     QFile file(source);
     QVERIFY(file.open(QIODevice::WriteOnly));
     QStringList expected;
@@ -65,7 +65,7 @@ void TestQtNewer::everyListedNameIsFound()
     file.close();
     QVERIFY(expected.size() > 150);
 
-    const Finding finding = check({folder.path()});
+    const Finding finding = check({directory.path()});
 
     QCOMPARE(finding.lines, expected);
     QCOMPARE(finding.status, 1);
@@ -73,8 +73,8 @@ void TestQtNewer::everyListedNameIsFound()
 
 void TestQtNewer::commentsAndLongerNamesAreNotFound()
 {
-    const QTemporaryDir folder;
-    QFile file(folder.filePath("other.h"));
+    const QTemporaryDir directory;
+    QFile file(directory.filePath("other.h"));
     QVERIFY(file.open(QIODevice::WriteOnly));
     file.write("value = 1; // not QStringView\n"
                "/** Not qAsConst,\n"
@@ -82,7 +82,7 @@ void TestQtNewer::commentsAndLongerNamesAreNotFound()
                "Q_ENUMS(Kind) myQStringView QString::SkipEmptyParts unchopped(1)\n");
     file.close();
 
-    const Finding finding = check({folder.path()});
+    const Finding finding = check({directory.path()});
 
     QCOMPARE(finding.lines, QStringList());
     QCOMPARE(finding.status, 0);
@@ -90,8 +90,8 @@ void TestQtNewer::commentsAndLongerNamesAreNotFound()
 
 void TestQtNewer::functionsOfTheLibrariesAreFoundInAProgram()
 {
-    const QTemporaryDir folder;
-    const Finding finding = check({folder.path(), "--", NEWER_PROGRAM});
+    const QTemporaryDir directory;
+    const Finding finding = check({directory.path(), "--", NEWER_PROGRAM});
     const auto found = [](const char *function) {
         return QStringLiteral(NEWER_PROGRAM ": ") + QString::fromLatin1(function);
     };
@@ -108,8 +108,8 @@ void TestQtNewer::functionsOfTheLibrariesAreFoundInAProgram()
 
 void TestQtNewer::aProgramWithoutQtIsNoProof()
 {
-    const QTemporaryDir folder;
-    const Finding finding = check({folder.path(), "--", "/bin/true"});
+    const QTemporaryDir directory;
+    const Finding finding = check({directory.path(), "--", "/bin/true"});
     QCOMPARE(finding.lines, QStringList("/bin/true calls nothing of Qt: it cannot be checked"));
     QCOMPARE(finding.status, 1);
 }

@@ -56,7 +56,7 @@ Instrument TestLook::newInstrument()
     instrument.profile = "user1";
     for (int count = 0; count < airRows + 1; ++count) {
         AirPoint point;
-        point.folder = QStringLiteral("point%1").arg(count);
+        point.directory = QStringLiteral("point%1").arg(count);
         point.ssid = QStringLiteral("Name %1").arg(count);
         instrument.air << point;
     }

@@ -326,7 +326,7 @@ void TestPanel::theBoardGoesAndComes()
     Board::set("leds/BT", "ON");
     QTRY_VERIFY_WITH_TIMEOUT(colourOf("BT").blue() > 200, 20000);
     daemon.stop();
-    emptyFolder(Board::pathOf(QString()));
+    emptyDirectory(Board::pathOf(QString()));
     QVERIFY(shows("battery-charge", "?"));
     QVERIFY(shows("light-text", "?"));
     QTRY_VERIFY_WITH_TIMEOUT(colourOf("BT").blue() < 200, 20000);
@@ -364,10 +364,10 @@ void TestPanel::theLogTellsWhatGoesOverTheBus()
     QVERIFY(!log.text().contains("LED."));
     QVERIFY(log.text().contains("userChanged"));
     QVERIFY(log.text().contains("$ ./run -- simulator/charger plug"));
-    QTemporaryDir folder;
-    QVERIFY(log.save(folder.path() + "/log"));
-    QCOMPARE(readFile(folder.path() + "/log"), log.text().toUtf8() + '\n');
-    QVERIFY(!log.save(folder.path() + "/none/log"));
+    QTemporaryDir directory;
+    QVERIFY(log.save(directory.path() + "/log"));
+    QCOMPARE(readFile(directory.path() + "/log"), log.text().toUtf8() + '\n');
+    QVERIFY(!log.save(directory.path() + "/none/log"));
     log.showInterface(QString());
     QVERIFY(log.text().contains("LED."));
 }

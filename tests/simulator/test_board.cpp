@@ -466,15 +466,15 @@ void TestBoard::aBoardThatCannotBeMadeFailsEveryCall()
 
 void TestBoard::aBoardThatCannotBeWrittenIsReadAllTheSame()
 {
-    const QByteArray folder = Board::pathOf(QString()).toLocal8Bit();
-    QCOMPARE(mount(folder, folder, nullptr, MS_BIND, nullptr), 0);
-    QCOMPARE(mount(nullptr, folder, nullptr, MS_REMOUNT | MS_BIND | MS_RDONLY, nullptr), 0);
+    const QByteArray directory = Board::pathOf(QString()).toLocal8Bit();
+    QCOMPARE(mount(directory, directory, nullptr, MS_BIND, nullptr), 0);
+    QCOMPARE(mount(nullptr, directory, nullptr, MS_REMOUNT | MS_BIND | MS_RDONLY, nullptr), 0);
 
     const QString read = readTemperature(TEMPDEV_SOM);
     const int write = KyPowerman().wifiPower(true);
     const int count = KyPowerman().wifiHardReset();
 
-    QCOMPARE(umount(folder), 0);
+    QCOMPARE(umount(directory), 0);
     QCOMPARE(read, QStringLiteral("0 42"));
     QCOMPARE(write, 1);
     QCOMPARE(count, 1);
@@ -686,13 +686,13 @@ void TestBoard::whatIsInTheFilesIsRead_data()
         "temperature/ANALOG_CHAIN", "71", [] { return readTemperature(TEMPDEV_ANALOG_CHAIN); },
         "0 71");
     for (const e_storagedevice number : {STORAGE_SD, STORAGE_USB}) {
-        const QString folder = number == STORAGE_SD ? "storage/SD/" : "storage/USB/";
+        const QString directory = number == STORAGE_SD ? "storage/SD/" : "storage/USB/";
         const Operation isInserted = [=] { return seen(KyFaccess().isDeviceInserted(number)); };
         const Operation isMounted = [=] { return seen(KyFaccess().isMounted(number)); };
-        add(qPrintable(folder + "inserted"), "1", isInserted, "true");
-        add(qPrintable(folder + "inserted"), "0", isInserted, "false");
-        add(qPrintable(folder + "mounted"), "1", isMounted, "true");
-        add(qPrintable(folder + "mounted"), "0", isMounted, "false");
+        add(qPrintable(directory + "inserted"), "1", isInserted, "true");
+        add(qPrintable(directory + "inserted"), "0", isInserted, "false");
+        add(qPrintable(directory + "mounted"), "1", isMounted, "true");
+        add(qPrintable(directory + "mounted"), "0", isMounted, "false");
     }
 }
 
@@ -1114,21 +1114,21 @@ void TestBoard::theKernelTellsOfAnInsertionOnce()
     QFETCH(QString, device);
     QFETCH(QString, partition);
     const KernelEvents events;
-    const QString folder = QStringLiteral("storage/%1/").arg(device);
+    const QString directory = QStringLiteral("storage/%1/").arg(device);
 
     QVERIFY(Board::storage("insert", device));
     QCOMPARE(events.take(partition), QStringList{"add@/devices/virtual/net/" + partition});
-    QCOMPARE(Board::get(folder + "inserted"), QStringLiteral("1"));
-    QCOMPARE(Board::get(folder + "mounted"), QStringLiteral("0"));
+    QCOMPARE(Board::get(directory + "inserted"), QStringLiteral("1"));
+    QCOMPARE(Board::get(directory + "mounted"), QStringLiteral("0"));
 
     QVERIFY(Board::storage("mount", device));
     QCOMPARE(events.take(partition), QStringList());
-    QCOMPARE(Board::get(folder + "mounted"), QStringLiteral("1"));
+    QCOMPARE(Board::get(directory + "mounted"), QStringLiteral("1"));
 
     QVERIFY(Board::storage("remove", device));
     QCOMPARE(events.take(partition), QStringList{"remove@/devices/virtual/net/" + partition});
-    QCOMPARE(Board::get(folder + "inserted"), QStringLiteral("0"));
-    QCOMPARE(Board::get(folder + "mounted"), QStringLiteral("0"));
+    QCOMPARE(Board::get(directory + "inserted"), QStringLiteral("0"));
+    QCOMPARE(Board::get(directory + "mounted"), QStringLiteral("0"));
 }
 
 void TestBoard::onlyWhatIsInsertedIsMountedOrRemoved()

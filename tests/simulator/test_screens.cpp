@@ -72,7 +72,7 @@ void TestScreens::start(QProcess &world, const QStringList &command)
                            QStringList{INSTRUMENT} + command);
 }
 
-/** Without what is another one each time: addresses that are leased, and process numbers. */
+/** Without what is another one each time: addresses that are leased, and PIDs. */
 QString TestScreens::masked(QString text)
 {
     return text.replace(QRegularExpression("\\b10\\.7([78])\\.0\\.[5-9]\\d\\b"), "10.7\\1.0.N")

@@ -24,7 +24,7 @@ private Q_SLOTS:
     void theMachinesDevicesCannotBeReplaced();
     void itHasItsOwnProcessesAndNetwork();
     void itHasItsOwnBus();
-    void aFolderThatIsKeptIsSeenAndSafe();
+    void aDirectoryThatIsKeptIsSeenAndSafe();
     void everythingEndsWithTheCommand();
     void everythingEndsWhenTheWorldIsAskedTo();
     void everythingEndsWhenTheWorldIsKilled();
@@ -102,19 +102,19 @@ void TestWorld::inputAndOutputAreTheCommands()
 void TestWorld::nothingWrittenThereReachesTheMachine()
 {
     const QString name = QStringLiteral("private-world-%1").arg(QCoreApplication::applicationPid());
-    const QStringList folders = {
+    const QStringList directories = {
         "/opt", "/tmp", "/run", "/etc", "/usr/share", "/usr/share/redpine", "/var/lib", "/dev/shm"};
     QString script;
-    for (const QString &folder : folders)
-        script += QStringLiteral("echo x > %1/%2 && test -s %1/%2 && ").arg(folder, name);
+    for (const QString &directory : directories)
+        script += QStringLiteral("echo x > %1/%2 && test -s %1/%2 && ").arg(directory, name);
     script += "echo 1.2 > /etc/sw_version && ls -A /opt /usr/share/redpine";
 
     const Result result = run({"sh", "-c", script});
 
     QCOMPARE(result.complaint, QString());
     QCOMPARE(result.output, QStringLiteral("/opt:\n%1\n\n/usr/share/redpine:\n%1\n").arg(name));
-    for (const QString &folder : folders)
-        QVERIFY2(!QFile::exists(folder + '/' + name), qPrintable(folder));
+    for (const QString &directory : directories)
+        QVERIFY2(!QFile::exists(directory + '/' + name), qPrintable(directory));
 }
 
 void TestWorld::theMachinesDevicesCannotBeReplaced()
@@ -146,15 +146,15 @@ void TestWorld::itHasItsOwnBus()
     QCOMPARE(result.output.count('\n'), 1);
 }
 
-void TestWorld::aFolderThatIsKeptIsSeenAndSafe()
+void TestWorld::aDirectoryThatIsKeptIsSeenAndSafe()
 {
-    QTemporaryDir folder;
-    writeFile(folder.path() + "/file", "seen");
-    QVERIFY(run({"cat", folder.path() + "/file"}).status != 0);
-    QCOMPARE(run({"cat", folder.path() + "/file"}, {"--keep", folder.path()}).output,
+    QTemporaryDir directory;
+    writeFile(directory.path() + "/file", "seen");
+    QVERIFY(run({"cat", directory.path() + "/file"}).status != 0);
+    QCOMPARE(run({"cat", directory.path() + "/file"}, {"--keep", directory.path()}).output,
              QStringLiteral("seen"));
-    QVERIFY(run({"rm", folder.path() + "/file"}, {"--keep", folder.path()}).status != 0);
-    QCOMPARE(readFile(folder.path() + "/file"), QByteArray("seen"));
+    QVERIFY(run({"rm", directory.path() + "/file"}, {"--keep", directory.path()}).status != 0);
+    QCOMPARE(readFile(directory.path() + "/file"), QByteArray("seen"));
 }
 
 void TestWorld::everythingEndsWithTheCommand()
@@ -193,8 +193,8 @@ void TestWorld::everythingEndsWhenTheWorldIsKilled()
 
 void TestWorld::aCommandJoinsARunningWorld()
 {
-    QTemporaryDir folder;
-    const QString handle = folder.path() + "/handle";
+    QTemporaryDir directory;
+    const QString handle = directory.path() + "/handle";
     QProcess world;
     world.start(WORLD, worldArguments({"sh", "-c", "echo here > /tmp/who; echo up; cat"},
                                       {"--handle", handle}));
@@ -227,8 +227,8 @@ void TestWorld::aJoinedCommandEndsWithItsCaller()
     QFETCH(QString, trap);
     const QString marker = QStringLiteral("300%1").arg(QCoreApplication::applicationPid());
     const QString other = QStringLiteral("400%1").arg(QCoreApplication::applicationPid());
-    QTemporaryDir folder;
-    const QString handle = folder.path() + "/handle";
+    QTemporaryDir directory;
+    const QString handle = directory.path() + "/handle";
     QProcess world;
     world.start(WORLD, worldArguments({"sh", "-c", "sleep " + other + " & echo up; cat"},
                                       {"--handle", handle}));
@@ -266,8 +266,8 @@ QByteArray TestWorld::keyOfScreen()
 
 void TestWorld::windowsOpenOnTheScreenOutside()
 {
-    QTemporaryDir folder;
-    const QString key = folder.path() + "/key";
+    QTemporaryDir directory;
+    const QString key = directory.path() + "/key";
     writeFile(key, keyOfScreen());
     VirtualScreen screen;
     QVERIFY(screen.start(key));
@@ -279,18 +279,18 @@ void TestWorld::windowsOpenOnTheScreenOutside()
     qunsetenv("XAUTHORITY");
     QCOMPARE(run(client, {"--display"}).output, QString());
     // Where nothing else is said, the key is in the home directory.
-    QVERIFY(QFile::copy(key, folder.path() + "/.Xauthority"));
+    QVERIFY(QFile::copy(key, directory.path() + "/.Xauthority"));
     const QByteArray home = qgetenv("HOME");
-    qputenv("HOME", folder.path().toLocal8Bit());
+    qputenv("HOME", directory.path().toLocal8Bit());
     QCOMPARE(run(client, {"--display"}).output, QStringLiteral("1400 1000\n"));
     qputenv("HOME", home);
 }
 
 void TestWorld::windowsOpenFromAJoinedCommand()
 {
-    QTemporaryDir folder;
-    const QString handle = folder.path() + "/handle";
-    const QString key = folder.path() + "/key";
+    QTemporaryDir directory;
+    const QString handle = directory.path() + "/handle";
+    const QString key = directory.path() + "/key";
     writeFile(key, keyOfScreen());
     VirtualScreen screen;
     QVERIFY(screen.start(key));
@@ -313,9 +313,9 @@ void TestWorld::windowsOpenFromAJoinedCommand()
 
 void TestWorld::theSocketOfWaylandIsReached()
 {
-    QTemporaryDir folder;
+    QTemporaryDir directory;
     QLocalServer compositor;
-    QVERIFY(compositor.listen(folder.path() + "/wayland-7"));
+    QVERIFY(compositor.listen(directory.path() + "/wayland-7"));
     // Hangs up on everybody.
     connect(&compositor, &QLocalServer::newConnection,
             [&] { delete compositor.nextPendingConnection(); });
@@ -329,7 +329,7 @@ void TestWorld::theSocketOfWaylandIsReached()
     for (const QString &name : {QStringLiteral("wayland-7"), path}) {
         connections.clear();
         QProcess world;
-        qputenv("XDG_RUNTIME_DIR", folder.path().toLocal8Bit());
+        qputenv("XDG_RUNTIME_DIR", directory.path().toLocal8Bit());
         qputenv("WAYLAND_DISPLAY", name.toLocal8Bit());
         world.start(WORLD, command);
         qunsetenv("WAYLAND_DISPLAY");

@@ -2,7 +2,7 @@
 
 #include "files.h"
 
-#include "boardfolder.h"
+#include "boarddirectory.h"
 #include "records.h"
 
 #include <QFile>
@@ -16,7 +16,7 @@
 namespace
 {
 const QString journalFile = QStringLiteral("journal");
-const QString faultFolder = QStringLiteral("faults");
+const QString faultDirectory = QStringLiteral("faults");
 const int deadline = 20000;
 
 bool run(const QString &program, const QStringList &arguments, const QByteArray &input = {})
@@ -42,7 +42,7 @@ void Board::reset()
 {
     removeStorage(QStringLiteral("SD"), QStringLiteral("mmcblk0p1"));
     removeStorage(QStringLiteral("USB"), QStringLiteral("sda1"));
-    emptyFolder(pathOf(QString()));
+    emptyDirectory(pathOf(QString()));
     board::create();
     setBytes(journalFile, QByteArray());
 }
@@ -126,12 +126,12 @@ bool Board::waitForJournal(const QString &line)
 
 void Board::fault(const QString &operation, const QString &words)
 {
-    set(faultFolder + QLatin1Char('/') + operation, words);
+    set(faultDirectory + QLatin1Char('/') + operation, words);
 }
 
 void Board::clearFaults()
 {
-    emptyFolder(pathOf(faultFolder));
+    emptyDirectory(pathOf(faultDirectory));
 }
 
 bool Board::storage(const QString &action, const QString &device)
@@ -151,13 +151,13 @@ QString Board::pathOf(const QString &path)
 }
 
 HeldBoard::HeldBoard()
-    : m_folder(open(qPrintable(Board::pathOf(QString())), O_RDONLY | O_DIRECTORY))
+    : m_directory(open(qPrintable(Board::pathOf(QString())), O_RDONLY | O_DIRECTORY))
 {
-    if (flock(m_folder, LOCK_EX) != 0)
+    if (flock(m_directory, LOCK_EX) != 0)
         qFatal("cannot hold the board");
 }
 
 HeldBoard::~HeldBoard()
 {
-    close(m_folder);
+    close(m_directory);
 }

@@ -9,7 +9,7 @@
 /**
  * The simulated board as a test sees it: its files, its journal, and the faults it is given.
  *
- * Files are named by their place in the board's folder, as in "als/lux".
+ * Files are named by their place in the board's directory, as in "als/lux".
  */
 class Board
 {
@@ -69,7 +69,7 @@ public:
     HeldBoard &operator=(const HeldBoard &) = delete;
 
 private:
-    int m_folder;
+    int m_directory;
 };
 
 #endif

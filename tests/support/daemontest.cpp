@@ -19,12 +19,12 @@ void DaemonTest::init()
                              "/tmp/User_part", "/tmp/logkywifi", "/etc/sw_version"})
         removePath(QString::fromLatin1(path));
     Board::reset();
-    const QStringList folders = {QStringLiteral("default_user"), QStringLiteral("user1"),
-                                 QStringLiteral("user2"), QStringLiteral("user3"),
-                                 QStringLiteral("user4")};
-    for (const QString &folder : folders) {
-        writeFile(profile(folder) + QStringLiteral("/measure.conf"), folder.toUtf8());
-        writeFile(profile(folder) + QStringLiteral("/display/theme.conf"), "dark");
+    const QStringList directories = {QStringLiteral("default_user"), QStringLiteral("user1"),
+                                     QStringLiteral("user2"), QStringLiteral("user3"),
+                                     QStringLiteral("user4")};
+    for (const QString &directory : directories) {
+        writeFile(profile(directory) + QStringLiteral("/measure.conf"), directory.toUtf8());
+        writeFile(profile(directory) + QStringLiteral("/display/theme.conf"), "dark");
     }
     QFile::link(profile(QStringLiteral("user1")), QStringLiteral("/tmp/User_part/system"));
 }

@@ -30,18 +30,18 @@ void removePath(const QString &path)
     fs::remove_all(path.toStdString(), error);
 }
 
-void emptyFolder(const QString &folder)
+void emptyDirectory(const QString &directory)
 {
     std::error_code error;
-    for (const fs::directory_entry &entry : fs::directory_iterator(folder.toStdString(), error))
+    for (const fs::directory_entry &entry : fs::directory_iterator(directory.toStdString(), error))
         fs::remove_all(entry.path());
 }
 
-QStringList snapshot(const QString &folder)
+QStringList snapshot(const QString &directory)
 {
     QStringList lines;
     std::error_code error;
-    const fs::path root = folder.toStdString();
+    const fs::path root = directory.toStdString();
     for (const fs::directory_entry &entry : fs::recursive_directory_iterator(root, error)) {
         QString line = QString::fromStdString(fs::relative(entry.path().parent_path(), root) /
                                               entry.path().filename());

@@ -35,7 +35,7 @@ void ModeScript::install()
     clear();
     QDir().mkpath(installed);
     QDir().mkpath(control);
-    const QDir source(QStringLiteral(SIMULATOR_FOLDER "/redpine"));
+    const QDir source(QStringLiteral(SIMULATOR_DIRECTORY "/redpine"));
     for (const QString &file : source.entryList(QDir::Files))
         run("cp", {"--preserve=mode", source.filePath(file), installed});
 }
@@ -53,8 +53,8 @@ void ModeScript::clear()
         killProgram(program);
     if (QFile::exists("/sys/class/net/wifi_ap"))
         removeInterface();
-    emptyFolder(control);
-    emptyFolder(installed);
+    emptyDirectory(control);
+    emptyDirectory(installed);
 }
 
 QStringList ModeScript::log()

@@ -8,9 +8,9 @@
 int main(int argc, char *argv[])
 {
     const QCoreApplication application(argc, argv);
-    const QString folder = QDir::tempPath().trimmed();
-    qInfo() << folder;
-    for (const QString &piece : folder.split(QLatin1Char('/'), Qt::SkipEmptyParts))
+    const QString directory = QDir::tempPath().trimmed();
+    qInfo() << directory;
+    for (const QString &piece : directory.split(QLatin1Char('/'), Qt::SkipEmptyParts))
         qDebug() << piece.chopped(1);
-    return QDir(folder).isEmpty() ? 1 : 0;
+    return QDir(directory).isEmpty() ? 1 : 0;
 }

@@ -1,6 +1,6 @@
 // Runs a program whose power is cut at one of its calls to the file system:
-//   powercut CONTROL FOLDER... -- PROGRAM [ARGUMENT...]
-// As long as the file CONTROL holds a number, calls on something below the folders are counted,
+//   powercut CONTROL DIRECTORY... -- PROGRAM [ARGUMENT...]
+// As long as the file CONTROL holds a number, calls on something below the directories are counted,
 // from the moment on when the file is there. At the call of that number every thread of the program
 // is killed before the call is made; 0 only counts. CONTROL.log lists the calls that were counted.
 
@@ -142,17 +142,17 @@ std::string pathOf(pid_t process, const FileCall &call, const std::uint64_t *arg
     if (call.descriptor < 0)
         return path;
     const int descriptor = static_cast<int>(arguments[call.descriptor]);
-    const std::string folder = descriptor == AT_FDCWD
-                                   ? linkTarget(own + "/cwd")
-                                   : linkTarget(own + "/fd/" + std::to_string(descriptor));
-    return path.empty() ? folder : folder + '/' + path;
+    const std::string directory = descriptor == AT_FDCWD
+                                      ? linkTarget(own + "/cwd")
+                                      : linkTarget(own + "/fd/" + std::to_string(descriptor));
+    return path.empty() ? directory : directory + '/' + path;
 }
 
 class Tracer
 {
 public:
-    Tracer(pid_t traced, const std::string &control, const std::vector<std::string> &folders)
-        : m_traced(traced), m_control(control), m_folders(folders)
+    Tracer(pid_t traced, const std::string &control, const std::vector<std::string> &directories)
+        : m_traced(traced), m_control(control), m_directories(directories)
     {
     }
 
@@ -198,8 +198,8 @@ private:
 
     bool isOurs(const std::string &path) const
     {
-        for (const std::string &folder : m_folders) {
-            if (path.compare(0, folder.size(), folder) == 0)
+        for (const std::string &directory : m_directories) {
+            if (path.compare(0, directory.size(), directory) == 0)
                 return true;
         }
         return false;
@@ -207,26 +207,26 @@ private:
 
     const pid_t m_traced;
     const std::string m_control;
-    const std::vector<std::string> m_folders;
+    const std::vector<std::string> m_directories;
     long m_count = 0;
 };
 } // namespace
 
 int main(int argc, char *argv[])
 {
-    std::vector<std::string> folders;
+    std::vector<std::string> directories;
     int index = 2;
     for (; index < argc && std::strcmp(argv[index], "--") != 0; ++index)
-        folders.emplace_back(argv[index]);
+        directories.emplace_back(argv[index]);
     if (index + 1 >= argc) {
         static_cast<void>(
-            std::fputs("usage: powercut CONTROL FOLDER... -- PROGRAM [ARGUMENT...]\n", stderr));
+            std::fputs("usage: powercut CONTROL DIRECTORY... -- PROGRAM [ARGUMENT...]\n", stderr));
         return 126;
     }
     int ready[2];
     if (pipe2(ready, O_CLOEXEC) != 0)
         fail("powercut: pipe");
-    // The program keeps our process number; who traces it is a grandchild that it does not know.
+    // The program keeps our PID; who traces it is a grandchild that it does not know.
     const pid_t traced = getpid();
     prctl(PR_SET_PTRACER, PR_SET_PTRACER_ANY);
     const pid_t child = fork();
@@ -245,7 +245,7 @@ int main(int argc, char *argv[])
         // Whoever reads the program's output must not wait for us.
         for (int descriptor = 0; descriptor < 3; ++descriptor)
             close(descriptor);
-        Tracer(traced, argv[1], folders).run();
+        Tracer(traced, argv[1], directories).run();
         std::_Exit(0);
     }
     waitpid(child, nullptr, 0);

@@ -10,11 +10,11 @@
 
 namespace
 {
-/** The entries of @p folder that are numbers. */
-QList<int> numbersIn(const QString &folder)
+/** The entries of @p directory that are numbers. */
+QList<int> numbersIn(const QString &directory)
 {
     QList<int> numbers;
-    const QStringList names = QDir(folder).entryList(QDir::Dirs);
+    const QStringList names = QDir(directory).entryList(QDir::Dirs);
     for (const QString &name : names) {
         if (name.toInt() > 0)
             numbers << name.toInt();

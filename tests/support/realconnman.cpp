@@ -10,7 +10,7 @@
 
 namespace
 {
-const QString network = QStringLiteral(SIMULATOR_FOLDER "/network/ethernet");
+const QString network = QStringLiteral(SIMULATOR_DIRECTORY "/network/ethernet");
 
 void change(const QString &what)
 {

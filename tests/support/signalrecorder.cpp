@@ -31,7 +31,7 @@ QStringList SignalRecorder::take()
 {
     // The bus keeps the order of one sender, and the daemon answers this where it also emits its
     // signals, in its main thread: what was emitted before the reply is here after it. A Ping
-    // would not do, the bus library answers it in a thread of its own.
+    // would not do, Qt D-Bus answers it in a thread of its own.
     Remote(daemonName, m_path, QStringLiteral("org.freedesktop.DBus.Introspectable"))
         .reply(QStringLiteral("Introspect"));
     QCoreApplication::processEvents();

@@ -8,7 +8,7 @@
 
 namespace
 {
-const QString network = QStringLiteral(SIMULATOR_FOLDER "/network/wifi");
+const QString network = QStringLiteral(SIMULATOR_DIRECTORY "/network/wifi");
 const QString air = QStringLiteral("/run/strandel-air");
 
 void change(const QString &what)

@@ -23,7 +23,7 @@ if(CMAKE_CROSSCOMPILING)
     # Without it Qt cannot start programs there (simulator/emulated).
     set(CMAKE_CROSSCOMPILING_EMULATOR ${NATIVE_BUILD}/tests/support/refuse pidfd
         ${CMAKE_CROSSCOMPILING_EMULATOR})
-    set(patience 5)
+    set(timeout_factor 5)
     # What an emulator cannot show.
     set_property(DIRECTORY APPEND PROPERTY CMAKE_CONFIGURE_DEPENDS support/arm-exceptions.txt)
     file(STRINGS support/arm-exceptions.txt exceptions REGEX "^[^#]")
@@ -44,9 +44,9 @@ else()
         --programs ${PEERS}
         --)
     set(supplicant $<TARGET_FILE_DIR:supplicantstandin>)
-    set(patience 1)
+    set(timeout_factor 1)
     if(SANITIZE OR COVERAGE)
-        set(patience 3)
+        set(timeout_factor 3)
     endif()
 endif()
 
@@ -82,7 +82,7 @@ function(add_world_program name)
 endfunction()
 
 function(limit_test name)
-    math(EXPR timeout "60 * ${patience}")
+    math(EXPR timeout "60 * ${timeout_factor}")
     set_tests_properties(${name} PROPERTIES TIMEOUT ${timeout} FAIL_REGULAR_EXPRESSION "SKIP   :")
 endfunction()
 
@@ -129,7 +129,7 @@ function(add_world_test name)
         set(tests ${name})
         add_test(NAME ${name} COMMAND ${world} ${program})
     endif()
-    math(EXPR timeout "120 * ${patience}")
+    math(EXPR timeout "120 * ${timeout_factor}")
     set_tests_properties(${tests} PROPERTIES TIMEOUT ${timeout} ${cost}
         FAIL_REGULAR_EXPRESSION "SKIP   :")
 endfunction()

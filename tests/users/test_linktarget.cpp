@@ -20,9 +20,9 @@ private Q_SLOTS:
     void noTargetIsLeftFromTheLinkBefore();
 
 private:
-    QString pathOf(const QString &name) const { return m_folder.filePath(name); }
+    QString pathOf(const QString &name) const { return m_directory.filePath(name); }
 
-    QTemporaryDir m_folder;
+    QTemporaryDir m_directory;
 };
 
 void TestLinkTarget::linksPointToAbsoluteCleanPaths_data()
@@ -42,8 +42,8 @@ void TestLinkTarget::linksPointToAbsoluteCleanPaths_data()
     const QByteArray accented = "/nowhere/\xc3\xa9t\xc3\xa9";
     QTest::newRow("a name that is not ASCII") << accented << QFile::decodeName(accented);
     QTest::newRow("relative") << QByteArray("user1_profile") << pathOf("user1_profile");
-    QTest::newRow("relative, to a folder") << QByteArray("folder") << pathOf("folder");
-    QTest::newRow("relative, upwards") << QByteArray("folder/../user1") << pathOf("user1");
+    QTest::newRow("relative, to a directory") << QByteArray("directory") << pathOf("directory");
+    QTest::newRow("relative, upwards") << QByteArray("directory/../user1") << pathOf("user1");
 }
 
 void TestLinkTarget::linksPointToAbsoluteCleanPaths()
@@ -52,7 +52,7 @@ void TestLinkTarget::linksPointToAbsoluteCleanPaths()
     QFETCH(QString, target);
     const QString link = pathOf(QStringLiteral("link"));
     QFile::remove(link);
-    QDir(m_folder.path()).mkdir(QStringLiteral("folder"));
+    QDir(m_directory.path()).mkdir(QStringLiteral("directory"));
     QCOMPARE(symlink(held.constData(), QFile::encodeName(link).constData()), 0);
 
     QCOMPARE(linkTarget(link), target);
@@ -64,7 +64,7 @@ void TestLinkTarget::aLinkThatIsNoneHasNoTarget_data()
     QTest::addColumn<QString>("name");
 
     QTest::newRow("nothing") << "nothing";
-    QTest::newRow("a folder") << ".";
+    QTest::newRow("a directory") << ".";
     QTest::newRow("a file") << "file";
 }
 

@@ -19,40 +19,40 @@ class TestProfileFolder : public QObject
 private Q_SLOTS:
     void init();
 
-    void aFolderWithEverythingIsComplete();
+    void aDirectoryWithEverythingIsComplete();
     void extraEntriesAndOtherContentsDoNotMatter();
     void aMissingFileIsNoticed();
-    void aMissingHiddenFileInASubfolderIsNoticed();
+    void aMissingHiddenFileInASubdirectoryIsNoticed();
     void aMissingHiddenFileIsNoticed();
-    void aFileInPlaceOfAFolderIsNoticed();
+    void aFileInPlaceOfADirectoryIsNoticed();
     void everythingIsCompleteAgainstAMissingReference();
     void aReferenceThatContainsItselfEndsTheComparison();
 
-    void erasingLeavesTheFolderItself();
+    void erasingLeavesTheDirectoryItself();
     void erasingRemovesLinksNotTheirTargets();
-    void aMissingFolderIsErased();
+    void aMissingDirectoryIsErased();
     void whatCannotBeErasedIsTold_data();
     void whatCannotBeErasedIsTold();
 
     void copyingMakesTheDestinationWithItsParents();
-    void copyingTakesHiddenFilesAndFolders();
+    void copyingTakesHiddenFilesAndDirectories();
     void copyingTakesWhatLinksPointAt();
     void copyingKeepsModes();
     void copyingOntoAnExistingFileFails();
     void aCopyLeavesNothingElseBehind();
     void aCopyThatFailsLeavesNothingBehind();
     void aNameThatTheSourceHasIsNotUsedForCopying();
-    void copyingFromAMissingSourceMakesAnEmptyFolder();
+    void copyingFromAMissingSourceMakesAnEmptyDirectory();
     void aSourceThatContainsItselfIsRefused();
     void aDestinationThatIsAFileIsRefusedAndKept();
 
     void aPathLongerThanTheKernelTakesIsCopiedAndErased();
-    void aFolderThatIsTooDeepIsRefused();
-    void aFolderIsIncompleteBeforeItIsErased_data();
-    void aFolderIsIncompleteBeforeItIsErased();
+    void aDirectoryThatIsTooDeepIsRefused();
+    void aDirectoryIsIncompleteBeforeItIsErased_data();
+    void aDirectoryIsIncompleteBeforeItIsErased();
     void onlyWhatSurvivesAReplacementIsCopied();
-    void aFolderWithALoopCannotBeASource();
-    void aMissingFolderIsAnEmptySource();
+    void aDirectoryWithALoopCannotBeASource();
+    void aMissingDirectoryIsAnEmptySource();
     void nothingIsLeftOpen();
 
 private:
@@ -73,7 +73,7 @@ void TestProfileFolder::init()
     writeFile(path("default/.cache/deep/c"), "C");
 }
 
-void TestProfileFolder::aFolderWithEverythingIsComplete()
+void TestProfileFolder::aDirectoryWithEverythingIsComplete()
 {
     QVERIFY(copyFolder(at("default"), made("user")));
     QVERIFY(isFolderComplete(at("default"), at("user")));
@@ -94,7 +94,7 @@ void TestProfileFolder::aMissingFileIsNoticed()
     QVERIFY(!isFolderComplete(at("default"), at("user")));
 }
 
-void TestProfileFolder::aMissingHiddenFileInASubfolderIsNoticed()
+void TestProfileFolder::aMissingHiddenFileInASubdirectoryIsNoticed()
 {
     copyFolder(at("default"), made("user"));
     QVERIFY(QFile::remove(path("user/.cache/deep/c")));
@@ -108,12 +108,12 @@ void TestProfileFolder::aMissingHiddenFileIsNoticed()
     QVERIFY(!isFolderComplete(at("default"), at("user")));
 }
 
-void TestProfileFolder::aFileInPlaceOfAFolderIsNoticed()
+void TestProfileFolder::aFileInPlaceOfADirectoryIsNoticed()
 {
     copyFolder(at("default"), made("user"));
-    emptyFolder(path("user/sub"));
+    emptyDirectory(path("user/sub"));
     rmdir(qPrintable(path("user/sub")));
-    writeFile(path("user/sub"), "no folder");
+    writeFile(path("user/sub"), "no directory");
     QVERIFY(!isFolderComplete(at("default"), at("user")));
 }
 
@@ -130,7 +130,7 @@ void TestProfileFolder::aReferenceThatContainsItselfEndsTheComparison()
     QVERIFY(!isFolderComplete(at("default"), at("user")));
 }
 
-void TestProfileFolder::erasingLeavesTheFolderItself()
+void TestProfileFolder::erasingLeavesTheDirectoryItself()
 {
     QVERIFY(eraseFolder(at("default")));
     QCOMPARE(snapshot(m_root->path()), QStringList{QStringLiteral("default")});
@@ -139,7 +139,7 @@ void TestProfileFolder::erasingLeavesTheFolderItself()
 void TestProfileFolder::erasingRemovesLinksNotTheirTargets()
 {
     writeFile(path("precious/file"), "P");
-    QVERIFY(QFile::link(path("precious"), path("default/folderlink")));
+    QVERIFY(QFile::link(path("precious"), path("default/directorylink")));
     QVERIFY(QFile::link(path("precious/file"), path("default/filelink")));
     QVERIFY(QFile::link(path("nowhere"), path("default/sub/dangling")));
 
@@ -149,7 +149,7 @@ void TestProfileFolder::erasingRemovesLinksNotTheirTargets()
     QCOMPARE(snapshot(path("precious")), QStringList{QStringLiteral("file=P")});
 }
 
-void TestProfileFolder::aMissingFolderIsErased()
+void TestProfileFolder::aMissingDirectoryIsErased()
 {
     QVERIFY(eraseFolder(at("missing")));
     QVERIFY(!QFile::exists(path("missing")));
@@ -157,18 +157,18 @@ void TestProfileFolder::aMissingFolderIsErased()
 
 void TestProfileFolder::whatCannotBeErasedIsTold_data()
 {
-    QTest::addColumn<QString>("folder");
+    QTest::addColumn<QString>("directory");
     // The kernel lets nobody remove anything there.
     QTest::newRow("files") << "/proc/self/fdinfo";
-    QTest::newRow("folders") << "/proc/self/task";
+    QTest::newRow("directories") << "/proc/self/task";
     QTest::newRow("a link to itself") << "circle";
 }
 
 void TestProfileFolder::whatCannotBeErasedIsTold()
 {
-    QFETCH(QString, folder);
+    QFETCH(QString, directory);
     QVERIFY(QFile::link(path("circle"), path("circle")));
-    QVERIFY(!eraseFolder(openDirectory(QDir(m_root->path()).absoluteFilePath(folder))));
+    QVERIFY(!eraseFolder(openDirectory(QDir(m_root->path()).absoluteFilePath(directory))));
 }
 
 void TestProfileFolder::copyingMakesTheDestinationWithItsParents()
@@ -177,7 +177,7 @@ void TestProfileFolder::copyingMakesTheDestinationWithItsParents()
     QCOMPARE(snapshot(path("new/parents/user")), snapshot(path("default")));
 }
 
-void TestProfileFolder::copyingTakesHiddenFilesAndFolders()
+void TestProfileFolder::copyingTakesHiddenFilesAndDirectories()
 {
     copyFolder(at("default"), made("user"));
     QCOMPARE(snapshot(path("user")), (QStringList{".cache", ".cache/deep", ".cache/deep/c=C",
@@ -188,15 +188,15 @@ void TestProfileFolder::copyingTakesWhatLinksPointAt()
 {
     writeFile(path("elsewhere/file"), "E");
     QVERIFY(QFile::link(path("elsewhere/file"), path("default/filelink")));
-    QVERIFY(QFile::link(path("elsewhere"), path("default/folderlink")));
+    QVERIFY(QFile::link(path("elsewhere"), path("default/directorylink")));
     QVERIFY(QFile::link(path("nowhere"), path("default/dangling")));
 
     QVERIFY(copyFolder(at("default"), made("user")));
 
     QCOMPARE(readFile(path("user/filelink")), QByteArray("E"));
     QVERIFY(!QFileInfo(path("user/filelink")).isSymLink());
-    QVERIFY(!QFileInfo(path("user/folderlink")).isSymLink());
-    QCOMPARE(readFile(path("user/folderlink/file")), QByteArray("E"));
+    QVERIFY(!QFileInfo(path("user/directorylink")).isSymLink());
+    QCOMPARE(readFile(path("user/directorylink/file")), QByteArray("E"));
     QVERIFY(!QFileInfo(path("user/dangling")).isSymLink());
 }
 
@@ -258,7 +258,7 @@ void TestProfileFolder::aNameThatTheSourceHasIsNotUsedForCopying()
     QCOMPARE(snapshot(path("user")), snapshot(path("default")));
 }
 
-void TestProfileFolder::copyingFromAMissingSourceMakesAnEmptyFolder()
+void TestProfileFolder::copyingFromAMissingSourceMakesAnEmptyDirectory()
 {
     QVERIFY(copyFolder(at("missing"), made("user")));
     QVERIFY(QFileInfo(path("user")).isDir());
@@ -273,10 +273,10 @@ void TestProfileFolder::aSourceThatContainsItselfIsRefused()
 
 void TestProfileFolder::aDestinationThatIsAFileIsRefusedAndKept()
 {
-    writeFile(path("user"), "no folder");
+    writeFile(path("user"), "no directory");
     QVERIFY(eraseFolder(at("user")));
     QVERIFY(!copyFolder(at("default"), made("user")));
-    QCOMPARE(readFile(path("user")), QByteArray("no folder"));
+    QCOMPARE(readFile(path("user")), QByteArray("no directory"));
 }
 
 /** Makes directories of that name, each in the one before, as many as @p depth says. */
@@ -303,7 +303,7 @@ void TestProfileFolder::aPathLongerThanTheKernelTakesIsCopiedAndErased()
     QVERIFY(eraseFolder(at("default")));
 }
 
-void TestProfileFolder::aFolderThatIsTooDeepIsRefused()
+void TestProfileFolder::aDirectoryThatIsTooDeepIsRefused()
 {
     QVERIFY(QDir().mkdir(path("deep")));
     nest(path("deep"), "d", 256);
@@ -325,14 +325,14 @@ void TestProfileFolder::aFolderThatIsTooDeepIsRefused()
     QVERIFY(eraseFolder(at("user")));
 }
 
-void TestProfileFolder::aFolderIsIncompleteBeforeItIsErased_data()
+void TestProfileFolder::aDirectoryIsIncompleteBeforeItIsErased_data()
 {
     QTest::addColumn<QString>("erased");
     QTest::newRow("with files") << QString();
     QTest::newRow("with subdirectories alone") << "a .hidden";
 }
 
-void TestProfileFolder::aFolderIsIncompleteBeforeItIsErased()
+void TestProfileFolder::aDirectoryIsIncompleteBeforeItIsErased()
 {
     QFETCH(QString, erased);
     for (const QString &name : erased.split(' ', Qt::SkipEmptyParts))
@@ -368,17 +368,17 @@ void TestProfileFolder::onlyWhatSurvivesAReplacementIsCopied()
     QVERIFY(!canReplace(at("default"), at("defaults")));
 }
 
-void TestProfileFolder::aFolderWithALoopCannotBeASource()
+void TestProfileFolder::aDirectoryWithALoopCannotBeASource()
 {
     QVERIFY(canReplace(made("user"), at("default")));
     QVERIFY(QFile::link(path("default"), path("default/sub/loop")));
     QVERIFY(!canReplace(at("user"), at("default")));
 }
 
-void TestProfileFolder::aMissingFolderIsAnEmptySource()
+void TestProfileFolder::aMissingDirectoryIsAnEmptySource()
 {
     QVERIFY(canReplace(at("default"), at("missing")));
-    writeFile(path("file"), "no folder");
+    writeFile(path("file"), "no directory");
     QVERIFY(canReplace(at("default"), at("file")));
 }
 

@@ -38,7 +38,7 @@ private Q_SLOTS:
     void startChoosesTheFirstUsableUser();
     void startTakesTheNextUserWhenOneCannotBeActivated();
     void startMakesEveryUserValidAgain();
-    void startWithoutAnyFolderServesAllTheSame();
+    void startWithoutAnyDirectoryServesAllTheSame();
 
     void setUserSwitchesToACompleteProfileAsItIs();
     void setUserToTheActiveUserDoesNothing();
@@ -48,7 +48,7 @@ private Q_SLOTS:
     void setUserRebuildsAnIncompleteProfile();
     void setUserBuildsAMissingProfile();
     void setUserKeepsExtraFilesOfACompleteProfile();
-    void setUserWithoutADefaultProfileTakesAnyFolder();
+    void setUserWithoutADefaultProfileTakesAnyDirectory();
     void setUserMakesAMissingLink();
     void setUserReplacesAFileInTheLinksPlace();
     void aLinkThatCannotBeMadeInvalidatesTheUser();
@@ -247,7 +247,7 @@ void TestUsers::startTakesTheNextUserWhenOneCannotBeActivated()
 {
     QFile::remove(system);
     removePath(profile("user1"));
-    writeFile(profile("user1"), "no folder");
+    writeFile(profile("user1"), "no directory");
 
     QVERIFY(daemon.start());
 
@@ -264,7 +264,7 @@ void TestUsers::startMakesEveryUserValidAgain()
         QVERIFY(isUserValid(user));
 }
 
-void TestUsers::startWithoutAnyFolderServesAllTheSame()
+void TestUsers::startWithoutAnyDirectoryServesAllTheSame()
 {
     removePath("/tmp/User_part");
     QVERIFY(daemon.start());
@@ -369,7 +369,7 @@ void TestUsers::setUserKeepsExtraFilesOfACompleteProfile()
     QCOMPARE(readFile(profile("user2") + "/measure.conf"), QByteArray("user2"));
 }
 
-void TestUsers::setUserWithoutADefaultProfileTakesAnyFolder()
+void TestUsers::setUserWithoutADefaultProfileTakesAnyDirectory()
 {
     removePath(profile("default_user"));
     removePath(profile("user4"));
@@ -545,9 +545,9 @@ void TestUsers::theDefaultProfileIsNeverErased_data()
 {
     QTest::addColumn<QString>("link");
     QTest::addColumn<QString>("target");
-    QTest::newRow("user's folder leads to it") << profile("user2") << profile("default_user");
+    QTest::newRow("user's directory leads to it") << profile("user2") << profile("default_user");
     QTest::newRow("it leads to the user's") << profile("default_user") << profile("user2");
-    QTest::newRow("user's folder leads into it")
+    QTest::newRow("user's directory leads into it")
         << profile("user2") << profile("default_user") + "/display";
 }
 
@@ -691,7 +691,7 @@ void TestUsers::nobodyCanBeActivated()
     QFile::remove(system);
     for (const char *user : {"user1", "user2", "user3", "user4"}) {
         removePath(profile(user));
-        writeFile(profile(user), "no folder");
+        writeFile(profile(user), "no directory");
     }
     QVERIFY(daemon.start());
     QCOMPARE(users.call("getUser"), failure("Read", "Not able to read the current user."));
@@ -702,14 +702,14 @@ void TestUsers::nobodyCanBeActivated()
 void TestUsers::aProfileFolderThatIsAFileInvalidatesTheUserAndIsKept()
 {
     removePath(profile("user2"));
-    writeFile(profile("user2"), "no folder");
+    writeFile(profile("user2"), "no directory");
     QVERIFY(daemon.start());
 
     QCOMPARE(users.call("setUser", {"user2"}),
              failure("Process", "Error while forcing a reload of the user configurations."));
 
     QCOMPARE(users.call("setUser", {"user2"}), invalid);
-    QCOMPARE(readFile(profile("user2")), QByteArray("no folder"));
+    QCOMPARE(readFile(profile("user2")), QByteArray("no directory"));
     QCOMPARE(QFile::symLinkTarget(system), profile("user1"));
 }
 

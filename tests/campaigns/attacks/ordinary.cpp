@@ -15,7 +15,7 @@
 namespace
 {
 /** How long a reply is waited for, in seconds: as long as clients of the bus usually do. */
-const double patience = 25;
+const double timeout_s = 25;
 
 volatile std::sig_atomic_t hasToEnd = 0;
 
@@ -29,7 +29,7 @@ struct Tally {
 /** The reply to the call of @p serial; null when the connection ends or nothing comes in time. */
 Message waitForReply(Bus &bus, dbus_uint32_t serial)
 {
-    const double deadline = now() + patience;
+    const double deadline = now() + timeout_s;
     while (now() < deadline && bus.isConnected()) {
         Message message = bus.next(100);
         if (message && dbus_message_get_reply_serial(message.get()) == serial)

@@ -1,4 +1,4 @@
-"""What the build folder knows of how things are compiled, linked and tested; for scripts that make
+"""What the build directory knows of how things are compiled, linked and tested; for scripts that make
 other variants of some of it."""
 
 import json
@@ -15,10 +15,10 @@ TREE = os.path.dirname(os.path.dirname(os.path.abspath(__file__)))
 
 
 class Build:
-    """The build folder. Nothing in it is changed."""
+    """The build directory. Nothing in it is changed."""
 
-    def __init__(self, folder):
-        self.folder = os.path.abspath(folder)
+    def __init__(self, directory):
+        self.directory = os.path.abspath(directory)
         with open(self.path('compile_commands.json'), encoding='utf-8') as file:
             self.compile_commands = {command['file']: command['command']
                                      for command in json.load(file)}
@@ -26,14 +26,14 @@ class Build:
         self.tests = {test['name']: test for test in listing['tests']}
 
     def path(self, *names):
-        return os.path.join(self.folder, *names)
+        return os.path.join(self.directory, *names)
 
     def output(self, *command):
-        return subprocess.run(command, cwd=self.folder, check=True, text=True,
+        return subprocess.run(command, cwd=self.directory, check=True, text=True,
                               stdout=subprocess.PIPE).stdout
 
     def run_quietly(self, command):
-        return subprocess.run(command, cwd=self.folder, check=False, stdout=subprocess.DEVNULL,
+        return subprocess.run(command, cwd=self.directory, check=False, stdout=subprocess.DEVNULL,
                               stderr=subprocess.DEVNULL).returncode
 
     def object_of(self, file):
@@ -84,10 +84,10 @@ class Build:
 
     def program_of(self, name):
         """The program of a test, relative to the build directory."""
-        return os.path.relpath(self.tests[name]['command'][-1], self.folder)
+        return os.path.relpath(self.tests[name]['command'][-1], self.directory)
 
     def test_command(self, name, programs, program=None):
-        """How a test runs with the daemon in the given folder and, if need be, another program."""
+        """How a test runs with the daemon in the given directory and, if need be, another program."""
         command = list(self.tests[name]['command'])
         if '--' in command:
             command[command.index('--'):command.index('--')] = ['--programs', programs]
@@ -103,7 +103,7 @@ class Build:
         environment.update(entry.split('=', 1) for entry in properties.get('ENVIRONMENT', []))
         printed = []
         failed = False
-        with subprocess.Popen(command, cwd=properties.get('WORKING_DIRECTORY', self.folder),
+        with subprocess.Popen(command, cwd=properties.get('WORKING_DIRECTORY', self.directory),
                               env=environment, stdin=subprocess.DEVNULL, stdout=subprocess.PIPE,
                               stderr=subprocess.STDOUT, start_new_session=True) as process:
             timer = threading.Timer(deadline, end, [process])

@@ -1,4 +1,4 @@
-#include "boardfolder.h"
+#include "boarddirectory.h"
 
 #include "defaults.h"
 #include "descriptor.h"
@@ -26,13 +26,13 @@ const std::string &root()
     return location;
 }
 
-std::string folderOf(const std::string &file)
+std::string directoryOf(const std::string &file)
 {
     return file.substr(0, file.find('/'));
 }
 
-/** Makes @p path and the folders on the way to it; true when @p path itself is new. */
-bool makeFolder(const std::string &path)
+/** Makes @p path and the directories on the way to it; true when @p path itself is new. */
+bool makeDirectory(const std::string &path)
 {
     for (std::size_t slash = path.find('/', 1); slash != std::string::npos;
          slash = path.find('/', slash + 1))
@@ -75,7 +75,7 @@ void createFile(const std::string &file, const std::string &content)
     const std::string path = pathOf(file);
     if (access(path.c_str(), F_OK) == 0)
         return;
-    makeFolder(pathOf(file.substr(0, file.rfind('/'))));
+    makeDirectory(pathOf(file.substr(0, file.rfind('/'))));
     const std::string fresh = writeBeside(file, content);
     if (fresh.empty())
         return;
@@ -97,12 +97,12 @@ void restore(const std::string &file)
         return;
     }
     const Lock lock;
-    const std::string folder = folderOf(file);
-    if (access(pathOf(folder).c_str(), F_OK) != 0) {
+    const std::string directory = directoryOf(file);
+    if (access(pathOf(directory).c_str(), F_OK) != 0) {
         for (const DefaultFile &entry : defaultFiles())
-            if (folderOf(entry.name) == folder)
+            if (directoryOf(entry.name) == directory)
                 createFile(entry.name, entry.content);
-    } else if (folder != "soc") {
+    } else if (directory != "soc") {
         for (const DefaultFile &entry : defaultFiles())
             if (entry.name == file)
                 createFile(entry.name, entry.content);
@@ -125,9 +125,9 @@ std::string pathOf(const std::string &file)
 
 void create()
 {
-    makeFolder(root());
+    makeDirectory(root());
     const Lock lock;
-    makeFolder(pathOf("faults"));
+    makeDirectory(pathOf("faults"));
     for (const DefaultFile &entry : defaultFiles())
         createFile(entry.name, entry.content);
 }
@@ -173,7 +173,7 @@ bool writeFile(const std::string &file, const std::string &content)
 {
     std::string fresh = writeBeside(file, content);
     if (fresh.empty() && errno == ENOENT) {
-        makeFolder(pathOf(file.substr(0, file.rfind('/'))));
+        makeDirectory(pathOf(file.substr(0, file.rfind('/'))));
         fresh = writeBeside(file, content);
     }
     if (fresh.empty())
@@ -188,18 +188,18 @@ Lock::Lock()
 {
     if (lockDepth++ > 0)
         return;
-    m_folder = open(root().c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC);
-    while (m_folder >= 0 && flock(m_folder, LOCK_EX) != 0 && errno == EINTR) {
+    m_directory = open(root().c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC);
+    while (m_directory >= 0 && flock(m_directory, LOCK_EX) != 0 && errno == EINTR) {
     }
 }
 
 Lock::~Lock()
 {
     --lockDepth;
-    if (m_folder < 0)
+    if (m_directory < 0)
         return;
     // Closing alone would not unlock what a child forked meanwhile holds, too.
-    flock(m_folder, LOCK_UN);
-    close(m_folder);
+    flock(m_directory, LOCK_UN);
+    close(m_directory);
 }
 } // namespace board

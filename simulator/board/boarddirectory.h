@@ -1,25 +1,26 @@
-#ifndef BOARDFOLDER_H
-#define BOARDFOLDER_H
+#ifndef BOARDDIRECTORY_H
+#define BOARDDIRECTORY_H
 
 #include <cstddef>
 #include <optional>
 #include <string>
 
 /**
- * The folder that is the simulated board: small text files, one per value.
+ * The directory that is the simulated board: small text files, one per value.
  *
  * It lies where STRANDEL_BOARD says, else at /run/strandel-board. Files are named by their place in
- * the folder, as in "als/lux". Every process and every thread may use the folder at the same time.
+ * the directory, as in "als/lux". Every process and every thread may use the directory at the same
+ * time.
  */
 namespace board
 {
-/** Where @p file is in the file system; the folder itself for an empty name. */
+/** Where @p file is in the file system; the directory itself for an empty name. */
 std::string pathOf(const std::string &file);
 
-/** Makes the folder and every file that it lacks; what is there already stays as it is. */
+/** Makes the directory and every file that it lacks; what is there already stays as it is. */
 void create();
 
-/** Does create() where there is no folder yet; asks for that only once in a process. */
+/** Does create() where there is no directory yet; asks for that only once in a process. */
 void createOnce();
 
 /**
@@ -42,7 +43,7 @@ public:
     Lock &operator=(const Lock &) = delete;
 
 private:
-    int m_folder = -1;
+    int m_directory = -1;
 };
 } // namespace board
 
