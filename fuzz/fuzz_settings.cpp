@@ -46,9 +46,8 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t *data, std::size_t size
             settings.value(BRIGHTNESS + QStringLiteral("level%1").arg(level), level).toInt();
     const int level = brightnessLevel(100, bounds);
     require(level >= 1 && level <= 16, "light has a level");
-    BrightnessBand band = {0, 0};
-    if (brightnessBand(level, bounds, band) == 0)
-        require(band.low >= 0 && band.low <= band.high, "a band is in order");
+    const std::optional<BrightnessBand> band = brightnessBand(level, bounds);
+    require(!band || (band->low >= 0 && band->low <= band->high), "a band is in order");
     thresholdTimerByte(settings.value(BRIGHTNESS_TIMER, 5).toUInt());
 
     BacklightSteps steps;

@@ -14,9 +14,11 @@ QVector<Eeproms::Step> Eeproms::write(const QVector<Content> &contents)
     if (m_eeprom.setWriteEnable(true) != 0)
         return {Step::LiftProtection};
     QVector<Step> failed;
-    for (Content content : contents) {
-        const auto size = static_cast<unsigned int>(content.bytes.size());
-        if (m_eeprom.writeEeprom(content.eeprom, content.bytes.data(), 0, size) != 0)
+    for (const Content &content : contents) {
+        // The library takes no constant bytes.
+        QByteArray bytes = content.bytes;
+        const auto size = static_cast<unsigned int>(bytes.size());
+        if (m_eeprom.writeEeprom(content.eeprom, bytes.data(), 0, size) != 0)
             failed.append(Step::Write);
     }
     if (m_eeprom.setWriteEnable(false) != 0)

@@ -342,8 +342,9 @@ QString expectedAnswer(const QString &stimulus, const QString &operation, const 
 /** Counts and times, which an earlier attempt changes as well. */
 bool isCount(const QString &line)
 {
-    static const QRegularExpression counts(QStringLiteral(
-        "^(journal|held|faults|powerman/.*_(resets|acknowledgements)|battery/shutdowns_prepared)"));
+    static const QRegularExpression counts(
+        QStringLiteral("^(journal|held|faults|powerman/.*_(resets|acknowledgements)|battery/"
+                       "shutdowns_prepared|watchdog/feeds)"));
     return counts.match(line).hasMatch();
 }
 

@@ -77,7 +77,7 @@ void TestPanelWindow::clicksInAWindowReachTheInstrument()
     QVERIFY(click("daemon-start"));
     QTRY_VERIFY_WITH_TIMEOUT(world.canReadLine(), 20000);
     QCOMPARE(world.readLine(), QByteArray("started\n"));
-    QVERIFY(world.waitForFinished(20000));
+    QVERIFY(world.state() == QProcess::NotRunning || world.waitForFinished(20000));
     qunsetenv("DISPLAY");
 }
 

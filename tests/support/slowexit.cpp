@@ -1,5 +1,5 @@
+#include <ctime>
 #include <dlfcn.h>
-#include <unistd.h>
 
 /*
  * Put before the libraries of a program, this makes it pause after each of the functions that run
@@ -21,7 +21,8 @@ void runSlowly(void *argument)
     auto *handler = static_cast<Handler *>(argument);
     handler->function(handler->argument);
     delete handler;
-    usleep(20000);
+    const timespec pause{0, 20'000'000};
+    nanosleep(&pause, nullptr);
 }
 } // namespace
 
