@@ -3,6 +3,7 @@
 #include "busvalue.h"
 #include "daemontest.h"
 #include "render.h"
+#include "samplerecords.h"
 #include "wire.h"
 
 #include <QDBusArgument>
@@ -59,23 +60,6 @@ QString manyEntries(int count, const QStringList &keys = {})
     return QStringLiteral("a{sv} %1").arg(count + keys.size()) + entries + times(count, " k i 1");
 }
 
-/** Every key of both records. */
-const QStringList recordKeys{"Subsidiary",
-                             "Fabrication",
-                             "Brand",
-                             "Type",
-                             "Model",
-                             "SerialNumber",
-                             "WarrantyNumber",
-                             "TroubleshootingTag",
-                             "RelaunchTag",
-                             "FirstPassTag",
-                             "IrdInstrumentPassword",
-                             "IrdSessionPassword",
-                             "AdjustementSite",
-                             "AdjustementDate",
-                             "NextAdjustementDate",
-                             "AdjustementCoefficients"};
 } // namespace
 
 void TestLimitedMap::keep(const QDBusMessage &message)
@@ -220,7 +204,8 @@ void TestLimitedMap::methodsRefuseAMapOfTooManyValues()
     QFETCH(QString, answer);
     QVERIFY(daemon.start());
     SignalRecorder announced(object);
-    static const QString tooMuch = manyEntries(65537, recordKeys);
+    static const QString tooMuch =
+        manyEntries(65537, instrumentRecord().keys() + measureRecord().keys());
     const QString service = QStringLiteral("com.orvendis.Strandel.BoardManager");
     const QString name = service + '.' + method.section('.', 0, 0);
 
