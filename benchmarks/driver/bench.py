@@ -47,7 +47,7 @@ def describe_machine():
 
 def document(text):
     """Puts the tables between the marks of the document, in the place of those before."""
-    path = services.TREE / "docs/performance.md"
+    path = services.TREE / "docs/measurements.md"
     marks = "<!-- from here on as ./bench prints it -->", "<!-- as far as here -->"
     before, _, rest = path.read_text().partition(marks[0])
     _, _, after = rest.partition(marks[1])
@@ -60,7 +60,7 @@ def main():
     layout.add_argument("--json", action="store_true", help="the results for a machine")
     layout.add_argument("--markdown", action="store_true", help="the tables for a document")
     layout.add_argument("--document", action="store_true",
-                        help="puts the tables into docs/performance.md")
+                        help="puts the tables into docs/measurements.md")
     parser.add_argument("sections", nargs="*", metavar="SECTION", choices=[*SECTIONS, []],
                         help=f"{', '.join(SECTIONS)}; all of them unless some are named")
     options = parser.parse_args()

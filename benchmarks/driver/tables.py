@@ -1,4 +1,4 @@
-"""The results as tables, for reading or for docs/performance.md."""
+"""The results as tables, for reading or for docs/measurements.md."""
 
 from figures import number, shown
 

@@ -137,7 +137,7 @@ void TestRelease::aStaleDebianChangelogIsNoticed()
 
 void TestRelease::aReleaseChangesTheVersionEverywhere()
 {
-    const QString performance = text("docs/performance.md");
+    const QString measurements = text("docs/measurements.md");
     QVERIFY(text("README.md").contains("KyBoardManager=" VERSION "\n"));
     const Result result = release({newest});
     QVERIFY2(result.status == 0, qPrintable(result.complaint));
@@ -147,7 +147,7 @@ void TestRelease::aReleaseChangesTheVersionEverywhere()
         QVERIFY(!text(file).contains("KyBoardManager=" VERSION));
     }
     // Other figures there may read like the version.
-    QCOMPARE(text("docs/performance.md"), performance);
+    QCOMPARE(text("docs/measurements.md"), measurements);
     QCOMPARE(git({"status", "--porcelain"}), QString());
 }
 
