@@ -4,17 +4,17 @@
 class QDBusMessage;
 
 /**
- * Whether @p message, a call of a method that takes no arguments, brings none.
+ * Returns true if @p message, a call of a method without arguments, carries none.
  *
- * Qt D-Bus hands such a method every call of its name, whatever it brings. One that brings
- * arguments is answered here with the error that every other method of ours answers to a wrong
- * signature: org.freedesktop.DBus.Error.UnknownMethod.
+ * Qt D-Bus dispatches such a call to the slot whatever arguments it carries. If it carries any,
+ * this function replies with the error that our other methods send for a wrong signature:
+ * org.freedesktop.DBus.Error.UnknownMethod.
  */
 bool hasNoArguments(const QDBusMessage &message);
 
 /**
- * Whether the map in @p message, a call of a method that takes one, is within the limits of
- * limitedMap(). Otherwise the method got an empty one, and the call is answered here with
+ * Returns true if the map in @p message, a call of a method that takes one, is within the limits of
+ * limitedMap(). Otherwise the method got an empty map, and this function replies with
  * org.freedesktop.DBus.Error.LimitsExceeded.
  */
 bool hasMapWithinLimits(const QDBusMessage &message);

@@ -11,10 +11,11 @@
 namespace
 {
 /**
- * Lets @p take have the key and the value of each entry, and of several with one key the last.
+ * Calls @p take for the key and the value of each entry; of several entries with the same key, for
+ * the last one.
  *
- * A peer may send a key again and again, and Qt D-Bus keeps all of its values, of which
- * a look-up finds the last.
+ * A peer may send a key more than once. Qt D-Bus then keeps all of its values, and a look-up finds
+ * the last one.
  */
 template <typename Take>
 void forEachEntry(const QVariantMap &map, Take take)
@@ -24,7 +25,7 @@ void forEachEntry(const QVariantMap &map, Take take)
         take(entry.key(), entry.value());
 }
 
-/** Reads an array of numbers, keeping the numbers' type. */
+/** Reads an array of numbers and keeps their type. */
 template <typename Number>
 QVariant readNumbers(const QDBusArgument &argument)
 {
@@ -41,7 +42,7 @@ QVariantList plainList(const QVariantList &list)
 
 using Reader = QVariant (*)(const QDBusArgument &);
 
-/** How each compound that can be read is read, by its signature. */
+/** The function that reads each compound, by its signature. */
 const struct {
     const char *signature;
     Reader read;
@@ -81,13 +82,13 @@ quint32 toNumber(Integer element)
     return static_cast<quint32>(element);
 }
 
-/** Rounds, as the conversion of a variant does. */
+/** Rounds, as the conversion of a QVariant does. */
 quint32 toNumber(double element)
 {
     return QVariant(element).toUInt();
 }
 
-/** Reads element by element: a list of variants takes many times the room of its numbers. */
+/** Reads one element at a time: a list of variants takes many times the memory of its numbers. */
 template <typename Element>
 QVector<quint32> readArray(const QDBusArgument &argument)
 {
@@ -102,7 +103,7 @@ QVector<quint32> readArray(const QDBusArgument &argument)
     return numbers;
 }
 
-/** How each list of numbers is read, by its signature. */
+/** The function that reads each list of numbers, by its signature. */
 const struct {
     const char *signature;
     QVector<quint32> (*read)(const QDBusArgument &);
@@ -122,8 +123,10 @@ QVector<quint32> readNumberList(const QDBusArgument &argument)
     return QVector<quint32>();
 }
 
-/** Whether there are values of @p signature that cannot be stored, or variants, which may hold
- * some. */
+/**
+ * Returns true for signatures of values that cannot be stored, and for variants, which may hold
+ * one.
+ */
 bool mayBeUnstorable(const QString &signature)
 {
     return std::any_of(signature.begin(), signature.end(), [](QChar type) {
@@ -163,7 +166,7 @@ bool isCompoundStorable(const QDBusArgument &argument)
     const QString signature = argument.currentSignature();
     if (signature.contains(QLatin1Char('h')))
         return false;
-    // Most compounds need not be looked into.
+    // Most compounds need no look inside.
     if (!mayBeUnstorable(signature))
         return true;
     bool areStorable = true;
@@ -213,7 +216,7 @@ QVariant plainValue(const QVariant &value)
 
 QVariantMap plainMap(QVariantMap map)
 {
-    // In its place: a map that nobody else holds is not made again.
+    // Edits in place: a map that nobody else shares is not copied.
     for (auto entry = map.begin(); entry != map.end();) {
         entry.value() = plainValue(entry.value());
         auto next = std::next(entry);

@@ -5,77 +5,77 @@
 #include <QVector>
 
 /*
- * Values that came from the bus, read safely.
+ * Safe reading of values from the bus.
  *
- * This is the only place that reads compound values of messages: Qt D-Bus ends the process
- * when one is read as another type than it has, or read twice. Whoever takes a variant, or a map
- * of them, from a message lets one of these functions read it before looking at it. They read a
- * copy: the value that they were given can be read again, and sent again as it came. Where a map
- * has several entries of one key, the last one counts.
+ * No other file reads compound values of messages: Qt D-Bus aborts the process when a compound is
+ * read as the wrong type, or read twice. Pass every variant, and every map of variants, of a
+ * message to one of these functions first. They read a copy, so the original can still be read and
+ * sent. Of several map entries with the same key the last one counts.
  */
 
 /**
- * @p value as ordinary Qt values all the way down.
+ * Converts @p value to ordinary Qt values at every depth.
  *
  * Variants are unwrapped at every depth. a{sv} becomes a QVariantMap, av a QVariantList, as a
  * QStringList, ay a QByteArray, an array of numbers a list of that number's type. Any other
- * compound (structures, other dictionaries, arrays of arrays) becomes an invalid QVariant, and a
- * map entry or a list element of such a value stays in its place as an invalid one.
+ * compound (structure, other dictionary, array of arrays) becomes an invalid QVariant; in a map or
+ * list the invalid QVariant takes its place.
  */
 QVariant plainValue(const QVariant &value);
 
-/** plainValue() of every value of @p map, which is cheapest when it is moved here. */
+/** plainValue() of every value of @p map. Cheapest when the map is moved. */
 QVariantMap plainMap(QVariantMap map);
 
 /**
- * @p value out of the variants around it, where it is a number, a text, a byte array (ay) or a
- * list of texts (as); an invalid QVariant for any other compound, which is not even read.
+ * Unwraps @p value from the variants around it if it is a number, a text, a byte array (ay) or a
+ * list of texts (as). Returns an invalid QVariant for any other compound, without reading it.
  */
 QVariant basicValue(const QVariant &value);
 
 /** basicValue() of every value of @p map. */
 QVariantMap basicMap(const QVariantMap &map);
 
-/** @p value as a map where it is one, an empty map otherwise. */
+/** Returns @p value if it is a map, otherwise an empty map. */
 QVariantMap toMap(const QVariant &value);
 
 /**
- * @p map without the invalid values and empty signatures in it, at every depth: what can be sent
- * on.
+ * Returns @p map without invalid values and empty signatures, at every depth.
  *
- * Qt D-Bus sends no message at all, not even an error, in the place of one with such a value in it.
+ * Qt D-Bus silently sends no message at all, not even an error, for a message with such a value in
+ * it.
  */
 QVariantMap sendableMap(const QVariantMap &map);
 
 /**
- * The numbers of a list of numbers of any kind, of texts (as) or of variants (av), however long;
- * nothing for any other value.
+ * Returns the numbers of a list of numbers of any type, of texts (as) or of variants (av), of any
+ * length; an empty vector for any other value.
  *
- * Every element is cut to its low 32 bits, a floating-point one is rounded. One that is no number,
- * nor text of one, is 0.
+ * Every element is truncated to its low 32 bits; a floating-point one is rounded. An element that
+ * is neither a number nor the text of one is 0.
  */
 QVector<quint32> toNumbers(const QVariant &value);
 
 /**
- * @p map without the entries that cannot be stored and sent later: those that hold, at whatever
- * depth, a file descriptor or an empty signature.
+ * Returns @p map without the entries that cannot be stored and sent later: those with a file
+ * descriptor or an empty signature at any depth.
  *
- * The sender's files would stay open, and Qt D-Bus leaks a descriptor each time it sends one inside
- * a compound. A message with an empty signature in it is never sent (see sendableMap()).
+ * A stored descriptor keeps the sender's file open, and Qt D-Bus leaks a descriptor each time it
+ * sends one inside a compound. Qt D-Bus never sends a message with an empty signature (see
+ * sendableMap()).
  */
 QVariantMap storableMap(const QVariantMap &map);
 
 /**
- * A copy of @p value, of the same type on the bus, that does not keep alive the message in which it
- * came. Compounds are written once more; they can be sent, and not be read any more.
+ * Returns a copy of @p value with the same D-Bus type that holds no reference to the message in
+ * which it came. Compounds are marshalled again: the copy can be sent, but not read.
  */
 QVariant detachedValue(const QVariant &value);
 
 /**
- * About how many bytes @p value takes on the bus: 8 for each number, text, byte array and other
- * compound, and the length of texts (as UTF-8) and byte arrays.
+ * Estimates how many bytes @p value takes on the bus: 8 for each number, text, byte array and other
+ * compound, plus the length of texts (as UTF-8) and byte arrays.
  *
- * @param enough where counting may stop: anything from there on means more than that
+ * @param enough counting may stop here; a larger result only means "more than this"
  */
 int sizeOnBus(const QVariant &value, int enough);
 

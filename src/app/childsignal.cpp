@@ -12,7 +12,7 @@ void sig_handler(int signalNumber)
         return;
     static const char line[] = "signal SIGCHLD received\n";
     const int callersErrno = errno;
-    // Nothing depends on the line: where nobody reads, it is dropped.
+    // Nothing depends on this line; without a reader it is lost.
     writeWithoutWaiting(STDOUT_FILENO, line, sizeof line - 1);
     errno = callersErrno;
 }

@@ -2,10 +2,10 @@
 #define CHILDSIGNAL_H
 
 /**
- * Writes the line "signal SIGCHLD received" to standard output when @p signalNumber is SIGCHLD.
+ * Writes the line "signal SIGCHLD received" to stdout when @p signalNumber is SIGCHLD.
  *
- * Safe in a signal handler: one unbuffered write that does not wait, errno kept. The child is not
- * reaped; the process object that started it does that.
+ * Async-signal-safe: one non-blocking write, errno preserved. Does not reap the child; the QProcess
+ * that started it does.
  */
 void sig_handler(int signalNumber);
 

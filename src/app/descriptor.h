@@ -1,13 +1,15 @@
 #ifndef DESCRIPTOR_H
 #define DESCRIPTOR_H
 
-/** Owns a file descriptor, or remembers why there is none. */
+/** Owns a file descriptor, or the errno that explains why there is none. */
 class Descriptor
 {
 public:
-    /** None, as when nothing has been opened. */
+    /** No descriptor and no error. */
     Descriptor() = default;
-    /** Takes over @p descriptor, the result of a system call; errno counts where it is negative. */
+    /**
+     * Takes ownership of @p descriptor, the result of a system call; keeps errno if it is negative.
+     */
     explicit Descriptor(int descriptor);
     Descriptor(Descriptor &&other) noexcept;
     Descriptor &operator=(Descriptor &&other) noexcept;
@@ -16,14 +18,16 @@ public:
     ~Descriptor();
 
     bool isOpen() const { return m_descriptor >= 0; }
-    /** The descriptor; -1 where there is none. */
+    /** Returns the descriptor, -1 if there is none. */
     int get() const { return m_descriptor; }
-    /** The errno of the call that gave no descriptor; 0 where there is one. */
+    /** Returns the errno of the call that failed, 0 if there is a descriptor. */
     int error() const { return m_error; }
-    /** Whether there is none because nothing, or nothing of the kind asked for, has the name. */
+    /**
+     * Returns true if the call failed because no entry, or none of the right kind, has that name.
+     */
     bool isAbsent() const;
 
-    /** Gives the descriptor away: it is the caller's to close. */
+    /** Releases ownership: the caller closes the descriptor. */
     int release();
 
 private:

@@ -14,15 +14,13 @@
 QMetaEnum registeredEnum(const QMetaObject &metaObject, const char *name);
 
 /**
- * The value of the enumerator called @p name.
+ * Returns the value of the enumerator called @p name, or nothing if there is none.
  *
- * Exactly so: the registry's own look-up would also take a name qualified with its class.
- *
- * @return nothing when no enumerator has that name
+ * Compares exactly: QMetaEnum's own look-up would accept a name qualified with its class, too.
  */
 std::optional<int> enumValue(const QMetaEnum &enumeration, const QString &name);
 
-/** The name of the enumerator with @p value; empty when none has it. */
+/** Returns the name of the enumerator with @p value; empty if there is none. */
 QString enumName(const QMetaEnum &enumeration, int value);
 
 #endif

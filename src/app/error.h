@@ -6,21 +6,21 @@
 class QDBusMessage;
 
 /**
- * Answers @p message at once, on the system bus, with an error reply.
+ * Replies to @p message immediately with an error, on the system bus.
  *
- * The slot's ordinary reply still follows; callers act on the first reply that reaches them.
+ * Qt D-Bus still sends the slot's ordinary reply afterwards; callers use the first one.
  *
  * @param code an Error::Code; any other number sends the name of Undefined
  * @param text the human-readable text of the reply
  */
 void sendErrorReply(int code, const QString &text, const QDBusMessage &message);
 
-/** The same with the D-Bus error name @p name, for interfaces whose names are not our own. */
+/** The same with the D-Bus error name @p name, for interfaces that are not ours. */
 void sendErrorReply(const QString &name, const QString &text, const QDBusMessage &message);
 
 /**
- * Answers @p message with the error of @p code and its text in a method's table of failures, unless
- * the code is none. A code that the table does not hold goes with the sentence that asks for a bug
+ * Replies to @p message with the error of @p code and its text from a method's table of failures,
+ * unless the code is None. A code that is not in the table gets the sentence that asks for a bug
  * report.
  */
 template <size_t Rows>

@@ -6,8 +6,8 @@
 /**
  * The names and codes of the daemon's error replies.
  *
- * Internal operations hand a code around as int, 0 meaning success; the wire name is looked up
- * when the reply is sent.
+ * Internal operations return a code as int, 0 for success; the D-Bus name is looked up when the
+ * reply is sent.
  */
 class Error
 {
@@ -41,19 +41,19 @@ public:
     static int codeOf(const QString &name);
 };
 
-/** A row of a method's table of failures: the text that goes with an error code. */
+/** A row of a method's table of failures: the text for an error code. */
 struct ErrorText {
     int code;
     const char *text;
 };
 
-/** The sentence that ends the text of every failure that a method has no row for. */
+/** The sentence that ends the text of every failure without a row in its method's table. */
 extern const char unhandledError[];
 
 /**
- * The text of @p code in a method's table of failures.
+ * Returns the text for @p code in a method's table of failures.
  *
- * @param unexpected the text for a code that the table does not hold
+ * @param unexpected the text for a code that is not in the table
  */
 template <size_t Rows>
 QString errorText(int code, const ErrorText (&table)[Rows], const QString &unexpected)

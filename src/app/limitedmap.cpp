@@ -38,7 +38,7 @@ int countArray(const QDBusArgument &argument, int enough)
     return count;
 }
 
-/** Qt D-Bus counts ay and as among the basic types, and reads them in one step. */
+/** Qt D-Bus treats ay and as as basic types and reads them in one step. */
 bool isListOfTexts(const QDBusArgument &argument)
 {
     return argument.currentSignature() == QLatin1String("as");
@@ -52,10 +52,10 @@ int countBasic(const QDBusArgument &argument, int enough)
     return 1;
 }
 
-/** Counts a variant, and what is in it where that is more than one basic value. */
+/** Counts a variant, and its content if that is more than one basic value. */
 int countVariant(const QDBusArgument &argument, int enough)
 {
-    // Qt D-Bus steps into a variant as it does into a structure, and has no other way to.
+    // Qt D-Bus has no other way to enter a variant than as a structure.
     argument.beginStructure();
     int count = 1;
     if (argument.currentType() != QDBusArgument::BasicType || isListOfTexts(argument))
@@ -65,9 +65,9 @@ int countVariant(const QDBusArgument &argument, int enough)
 }
 
 /**
- * Moves @p argument on by one value and counts what is in it, without making a QVariant of it.
+ * Advances @p argument by one value and counts its content, without building a QVariant.
  *
- * @param enough where counting may stop: anything from there on means more than that
+ * @param enough counting may stop here; a larger result only means "more than this"
  */
 int countValues(const QDBusArgument &argument, int enough)
 {
@@ -92,10 +92,10 @@ int countValues(const QDBusArgument &argument, int enough)
     }
 }
 
-/** False where there are too many values. */
+/** Returns false if there are too many values. */
 bool readMap(const QDBusArgument &message, QVariantMap &map)
 {
-    // A copy: what has been read cannot be read again, although it is said to be const.
+    // A copy: reading advances even a const QDBusArgument.
     // NOLINTNEXTLINE(performance-unnecessary-copy-initialization)
     const QDBusArgument argument(message);
     int room = mostValuesOfMap;
@@ -138,7 +138,7 @@ bool isWithinLimits(const QDBusArgument &argument)
 
 void limitMaps()
 {
-    // Qt D-Bus registers its own reader with the first look-up of a type.
+    // The first look-up of a type makes Qt D-Bus register its own reader.
     QDBusMetaType::typeToSignature(QMetaType::QVariantMap);
     QDBusMetaType::registerMarshallOperators(
         QMetaType::QVariantMap,

@@ -5,29 +5,30 @@
 
 class QDBusArgument;
 
-/** How many values one entry of a caller's map may hold, at whatever depth; a text is one. */
+/**
+ * The limit of values in one entry of a caller's map, at all depths together; a text is one value.
+ */
 extern const int mostValuesOfEntry;
 
-/** How many values are read of a caller's map in all: its keys, and what its entries hold. */
+/** The limit of values in a caller's map: its keys and everything in its entries. */
 extern const int mostValuesOfMap;
 
 /**
- * Reads @p argument, an a{sv}, no further than its limits. Where it has several entries of one key,
- * the last one counts.
+ * Reads @p argument, an a{sv}, up to its limits. Of several entries with the same key the last one
+ * counts.
  *
- * An entry of more than mostValuesOfEntry values becomes an invalid one, and a map of more than
- * mostValuesOfMap values an empty one. Neither is built: 30 MB of small values take seconds.
+ * An entry with more than mostValuesOfEntry values becomes invalid, and a map with more than
+ * mostValuesOfMap values empty. Neither is built: building 30 MB of small values takes seconds.
  */
 QVariantMap limitedMap(const QDBusArgument &argument);
 
-/** Whether @p argument is an a{sv} that limitedMap() reads as a whole. */
+/** Returns true if @p argument is an a{sv} that limitedMap() reads completely. */
 bool isWithinLimits(const QDBusArgument &argument);
 
 /**
- * From now on Qt D-Bus reads each a{sv} that it hands to a slot by limitedMap().
+ * Registers limitedMap() as Qt D-Bus's reader for every a{sv} parameter of a slot.
  *
- * Qt D-Bus reads a slot's parameters before it calls the slot, which would be too late to look at
- * the size.
+ * Qt D-Bus reads the parameters before it calls the slot, too early for the slot to check the size.
  */
 void limitMaps();
 

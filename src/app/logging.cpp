@@ -11,9 +11,9 @@
 
 void writeWithoutWaiting(int descriptor, const char *text, size_t size)
 {
-    // A pipe that can be written to takes PIPE_BUF bytes. A signal handler may write its own, short
-    // line in between, so only half of them are relied on. The descriptor itself must not be made
-    // non-blocking: others have it, too.
+    // A writable pipe accepts PIPE_BUF bytes. A signal handler may write its own short line in
+    // between, so rely on half of them only. The descriptor must stay blocking: other processes
+    // share it.
     const size_t most = PIPE_BUF / 2;
     while (size > 0) {
         pollfd ready = {descriptor, POLLOUT, 0};
@@ -34,7 +34,7 @@ std::mutex logMutex;
 void logMessage(QtMsgType type, const QMessageLogContext &context, const QString &message)
 {
     const QString text = qFormatLogMessage(type, context, message);
-    // A pattern may leave nothing of some messages.
+    // A message pattern can leave nothing of a message.
     if (text.isNull())
         return;
     const QByteArray line = text.toLocal8Bit() + '\n';
@@ -46,7 +46,7 @@ void logMessage(QtMsgType type, const QMessageLogContext &context, const QString
 void logWithoutWaiting()
 {
     qInstallMessageHandler(logMessage);
-    // A handler, for exec() would hand an ignored signal on to child processes.
+    // A handler, because child processes inherit an ignored signal across exec().
     struct sigaction present = {};
     struct sigaction action = {};
     action.sa_handler = [](int) {};

@@ -4,15 +4,15 @@
 #include <cstddef>
 
 /**
- * Writes @p text to @p descriptor as far as it can be written at once, and drops the rest: nobody
- * may be reading. Safe in a signal handler.
+ * Writes as much of @p text to @p descriptor as it accepts at once and drops the rest. Safe in a
+ * signal handler.
  */
 void writeWithoutWaiting(int descriptor, const char *text, size_t size);
 
 /**
- * Has messages be logged to stderr, in the form that Qt gives them, without ever waiting for
- * whoever reads them, and keeps SIGPIPE from ending the process when nobody does any more. Child
- * processes have SIGPIPE's default.
+ * Logs messages to stderr in Qt's format without ever blocking on a full pipe, and prevents SIGPIPE
+ * from ending the process when the pipe has no reader. Child processes have SIGPIPE's default
+ * disposition.
  */
 void logWithoutWaiting();
 

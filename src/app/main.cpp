@@ -41,7 +41,7 @@ int main(int argc, char *argv[])
     liftReceiveLimits(bus);
     limitMaps();
 
-    // All hardware and network initialisation happens here, before clients can know the name.
+    // Initialise hardware and network before clients can see the bus name.
     QObject configRoot;
     QObject deviceRoot;
     QObject comRoot;
@@ -53,7 +53,7 @@ int main(int argc, char *argv[])
 
     if (!bus.registerService(QStringLiteral("com.orvendis.Strandel.BoardManager"))) {
         qDebug() << bus.lastError().message();
-        // Not a return: the destructors of the roots would wait for the next kernel event.
+        // Not a return: the roots' destructors would wait for the next kernel event.
         std::exit(EXIT_FAILURE);
     }
     bus.registerObject(QStringLiteral("/KyConfigMgr"), &configRoot,

@@ -8,7 +8,8 @@
 void liftReceiveLimits(const QDBusConnection &bus)
 {
     void *connection = bus.internalPointer();
-    // Qt D-Bus is linked with libdbus or has loaded it; another one must never get its connection.
+    // Use the libdbus that Qt D-Bus has loaded or is linked with; never pass its connection to
+    // another one.
     void *library = dlopen("libdbus-1.so.3", RTLD_LAZY | RTLD_NOLOAD);
     if (!connection || !library)
         return;

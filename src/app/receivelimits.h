@@ -4,15 +4,14 @@
 class QDBusConnection;
 
 /**
- * Lifts libdbus's limits of received messages, and of file descriptors in them, for @p bus.
+ * Lifts libdbus's limits on received messages, and on file descriptors in them, for @p bus.
  *
- * Above 63 MB of messages that are still in use libdbus stops reading. Qt D-Bus cannot make it go
- * on: it switches the socket notifier from the thread that released the last message, which is not
- * the notifier's, and the connection stays deaf. How much memory messages may take is the business
- * of whoever starts the daemon (MemoryMax in the unit).
+ * libdbus stops reading while more than 63 MB of messages are still referenced. Qt D-Bus cannot
+ * resume it: it switches the socket notifier from the thread that released the last message, which
+ * is not the notifier's thread, and the connection never reads again. MemoryMax in the unit limits
+ * the memory instead.
  *
- * Does nothing where @p bus is not connected, or where libdbus is not loaded as a library of its
- * own.
+ * Does nothing if @p bus is not connected, or if libdbus is not loaded as a shared library.
  */
 void liftReceiveLimits(const QDBusConnection &bus);
 

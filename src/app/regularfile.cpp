@@ -10,7 +10,7 @@
 
 namespace
 {
-/** A file under a second name may be somebody else's, linked here to be written by us. */
+/** A second hard link may be another account's attempt to let us write to its target. */
 bool isRegular(int descriptor)
 {
     struct stat status = {};

@@ -9,22 +9,22 @@ class QFile;
 class QString;
 
 /**
- * Opens the regular file @p path for writing, making it where it is missing.
+ * Opens the regular file @p path for writing; creates it if it is missing.
  *
- * For files in directories to which others may write: a link in the last place of the path is not
- * followed, nor one before it that must not be (see trustedpath.h), and nothing else that is
- * planted there (a FIFO, a device) is written to or waited for.
+ * For files in directories that others can write to. Does not follow a symbolic link in the last
+ * component, nor an untrusted one before it (see trustedpath.h), and neither writes to nor waits
+ * for a planted FIFO or device.
  *
- * @param flags open flags besides those for writing and making the file; O_TRUNC takes effect only
- *        where the file turns out to be a regular one
- * @param mode permission bits of a new file, before the process's mask
- * @return the descriptor, not inherited by child processes; -1 when it cannot be opened
+ * @param flags open flags besides those for writing and creating; O_TRUNC takes effect only if the
+ *         file is a regular one
+ * @param mode permission bits of a new file, before the umask
+ * @return the descriptor, close-on-exec; -1 on failure
  */
 int openRegularFile(const char *path, int flags, mode_t mode);
 
 /**
- * Opens the regular file @p path, or the one that it links to, for reading; false for anything
- * else, which could keep whoever reads it waiting, or have no end.
+ * Opens the regular file @p path, or the one that it links to, for reading. Returns false for
+ * anything else: a FIFO could block the reader, and a device may have no end.
  */
 bool openForReading(QFile &file, const QString &path, QIODevice::OpenMode mode);
 

@@ -10,9 +10,9 @@ namespace
 const QString settingsFile = QStringLiteral("/opt/settings.ini");
 
 /**
- * Removes what a power cut has left of the lock under which the settings are written: one without
- * content, or with the number that this process happens to have. The library would take either for
- * somebody else's, and wait for half a minute.
+ * Removes a stale lock file of the settings that a power cut left: an empty one, or one with our
+ * own recycled PID. QSettings would believe that another process holds either, and wait for half a
+ * minute.
  */
 void removeStrayLock()
 {
@@ -26,8 +26,8 @@ void removeStrayLock()
 }
 
 /**
- * Whether a regular file is, or could be made, in the settings' place. QSettings would block on a
- * FIFO there.
+ * Returns true if the settings file is a regular file, or could be created as one. QSettings would
+ * block on a FIFO.
  */
 bool isRegularFilePossible()
 {
@@ -36,8 +36,8 @@ bool isRegularFilePossible()
 }
 
 /**
- * The settings file, or a path that cannot exist: QSettings makes missing directories, so a path
- * below the settings file would become one as soon as the file's place is free.
+ * Returns the settings file, or a path that cannot exist. QSettings creates missing directories, so
+ * a path below the settings file would become a directory as soon as the name is free.
  */
 QString usableSettingsFile()
 {

@@ -7,20 +7,20 @@
 /**
  * The daemon's settings file, "/opt/settings.ini".
  *
- * A missing, unreadable or malformed file behaves as an empty one: every reader passes the
- * default of its key. Values are read when their reader is built and take effect at the next
+ * A missing, unreadable or malformed file counts as an empty one: every reader passes the default
+ * of its key. Values are read when their reader is built, so a change takes effect at the next
  * start.
  */
 class Settings : public QSettings
 {
 public:
-    /** The one instance of the process, made on first use. */
+    /** The only instance in the process, created on first use. */
     static Settings &instance();
 
     /**
-     * Stores @p value under @p key; it is in the file soon afterwards. While something other than a
-     * regular file is in the file's place, @p value is dropped and the earlier value stays. If it
-     * was there at the start, values are kept in memory only, until the next start.
+     * Stores @p value under @p key; QSettings writes the file soon afterwards. While something
+     * other than a regular file has the file's name, @p value is dropped and the earlier value
+     * stays. If that was so at the start, values stay in memory until the next start.
      */
     void store(const QString &key, const QVariant &value);
 
@@ -28,11 +28,11 @@ private:
     Settings();
 };
 
-// Key constants: a group's prefix, then the full keys of the group. Several are declared for the
-// file's sake and consulted by nobody.
+// Key constants: a group's prefix, then the full keys of the group. Some keys are part of the file
+// format, but the daemon does not read them.
 
 extern const QString USER;
-/** Followed directly by a user name: whether that profile may be used. bool, false. */
+/** Followed directly by a user name: true if that profile may be used. bool, default false. */
 extern const QString USER_STATE;
 
 extern const QString NETWORK_ENABLE_WINDOW;
@@ -44,7 +44,7 @@ extern const QString WIFI_AP_MIN_CHANNEL;
 extern const QString WIFI_AP_MAX_CHANNEL;
 extern const QString WIFI_AP_WPS_CHECK_INTERVAL;
 
-/** Backlight percentages, int. Steps 0 to 2 are declared and not read. */
+/** Backlight percentages, int. The daemon does not read steps 0 to 2. */
 extern const QString SCREEN_BACKLIGHT;
 extern const QString SCREEN_BACKLIGHT_STEP_0;
 extern const QString SCREEN_BACKLIGHT_STEP_1;
@@ -63,8 +63,10 @@ extern const QString SCREEN_BACKLIGHT_STEP_13;
 extern const QString SCREEN_BACKLIGHT_STEP_14;
 extern const QString SCREEN_BACKLIGHT_STEP_15;
 
-/** Light sensor: how long the light must stay outside its band (unsigned int), and the lux bounds
- *  of the brightness levels (int). */
+/**
+ * Light sensor: persistence time outside the band (unsigned int), and the lux bounds of the
+ * brightness levels (int).
+ */
 extern const QString BRIGHTNESS;
 extern const QString BRIGHTNESS_TIMER;
 extern const QString BRIGHTNESS_LEVEL_0;

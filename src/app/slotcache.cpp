@@ -8,10 +8,10 @@ const int mostCachedSlots = 100;
 
 namespace
 {
-/** The property of an adaptor in which Qt D-Bus keeps what it has looked up. */
+/** The property of an adaptor in which Qt D-Bus caches its look-ups. */
 const char cacheProperty[] = "_qdbus_slotCache";
 
-/** Counts the look-ups of one adaptor, and empties its cache. */
+/** Counts the look-ups of one adaptor and empties its cache. */
 class CacheLimit : public QObject
 {
 public:
@@ -22,7 +22,7 @@ public:
         if (event->type() == QEvent::DynamicPropertyChange &&
             static_cast<QDynamicPropertyChangeEvent *>(event)->propertyName() == cacheProperty &&
             ++m_lookUps > mostCachedSlots) {
-            // Emptying it counts as a look-up, too.
+            // Emptying the cache counts as a look-up, too.
             m_lookUps = -1;
             adaptor->setProperty(cacheProperty, QVariant());
         }

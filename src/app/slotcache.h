@@ -3,16 +3,18 @@
 
 class QObject;
 
-/** How many methods Qt D-Bus may remember for an adaptor: a well-behaved client calls a
- *  handful. */
+/**
+ * How many methods Qt D-Bus may cache for an adaptor. A well-behaved client calls a handful of
+ * methods.
+ */
 extern const int mostCachedSlots;
 
 /**
- * Keeps Qt D-Bus from remembering, for each of the adaptors of @p root, every method that
- * somebody has ever tried to call.
+ * Limits Qt D-Bus's method cache for each of the adaptors of @p root.
  *
- * It remembers each name and each signature, the wrong ones too, for ever, and copies all of them
- * for each new one: any client could make the process bigger and slower until it is of no use.
+ * Qt D-Bus caches every name and signature that a client ever called, also unknown ones, and copies
+ * the whole cache for each new one. Any client could let the daemon's memory and CPU time grow
+ * without end.
  */
 void limitSlotCaches(QObject *root);
 

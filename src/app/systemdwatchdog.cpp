@@ -23,7 +23,7 @@ int watchdogInterval(const QByteArray &allowed, const QByteArray &process, qint6
 
 namespace
 {
-/** Writes @p text to the socket that systemd listens to; a path, or "@" and an abstract name. */
+/** Writes @p text to systemd's notification socket: a path, or "@" and an abstract name. */
 void notifySystemd(const QByteArray &text)
 {
     const QByteArray name = qgetenv("NOTIFY_SOCKET");
@@ -37,7 +37,7 @@ void notifySystemd(const QByteArray &text)
     const int socket = ::socket(AF_UNIX, SOCK_DGRAM | SOCK_CLOEXEC, 0);
     if (socket < 0)
         return;
-    // A systemd that does not read must not hold the main loop up.
+    // Non-blocking: a systemd that does not read must not block the main loop.
     const ssize_t sent =
         sendto(socket, text.constData(), size_t(text.size()), MSG_DONTWAIT | MSG_NOSIGNAL,
                reinterpret_cast<const sockaddr *>(&address),
@@ -51,7 +51,7 @@ int interval()
                             QCoreApplication::applicationPid());
 }
 
-/** What only the bus itself can answer. */
+/** A question that only the bus itself can answer. */
 QDBusMessage question()
 {
     const QString bus = QStringLiteral("org.freedesktop.DBus");
@@ -69,13 +69,13 @@ SystemdWatchdog::SystemdWatchdog()
     askBus();
 }
 
-/** Asks the bus, and tells systemd once the answer is here. */
+/** Sends the bus a question and pings systemd after the answer. */
 void SystemdWatchdog::askBus()
 {
     auto *answer =
         new QDBusPendingCallWatcher(QDBusConnection::systemBus().asyncCall(question()), this);
     connect(answer, &QDBusPendingCallWatcher::finished, this, [](QDBusPendingCallWatcher *reply) {
-        // A bus that is gone is answered for by the library, with an error.
+        // Without a bus, libdbus answers with an error.
         if (!reply->isError())
             notifySystemd("WATCHDOG=1");
         reply->deleteLater();

@@ -5,29 +5,29 @@
 #include <QTimer>
 
 /**
- * How often systemd's watchdog is to be pinged, in milliseconds; 0 for never.
+ * Returns the interval of pings to systemd's watchdog in milliseconds, 0 for none.
  *
- * An eighth of the time that systemd allows: while ConnMan does not answer a call, the main loop
- * stands still for 25 s, and of 30 s that leaves enough for the pings around it.
+ * An eighth of the timeout: a call that ConnMan does not answer blocks the main loop for 25 s, and
+ * the remaining 5 of 30 s must suffice for the pings around it.
  *
  * @param allowed the value of WATCHDOG_USEC, microseconds
- * @param process the value of WATCHDOG_PID; where it is set the watchdog is that process's alone
- * @param itself our own process ID
+ * @param process the value of WATCHDOG_PID; if set, the watchdog belongs to that process only
+ * @param itself our own PID
  */
 int watchdogInterval(const QByteArray &allowed, const QByteArray &process, qint64 itself);
 
 /**
- * Tells systemd that the daemon works, for as long as it does: as long as its main loop asks the
- * bus a question and receives the answer over the connection.
+ * Pings systemd's watchdog as long as the main loop can send the bus a question and receive the
+ * answer.
  *
- * Where systemd has no watchdog, nothing is asked and no timer runs.
+ * Without a watchdog in systemd, no question is sent and no timer runs.
  */
 class SystemdWatchdog : public QObject
 {
     Q_OBJECT
 
 public:
-    /** Reads from the environment what systemd expects, and begins at once. */
+    /** Reads systemd's settings from the environment and starts at once. */
     SystemdWatchdog();
 
 private:
@@ -37,8 +37,8 @@ private:
 };
 
 /**
- * The same once, for a main loop that has waited in vain for a peer's answer and may have to wait
- * for another one before it returns. Waits for the bus, for at most 5 s.
+ * Pings once, for a main loop that has just waited in vain for a peer and may have to wait for
+ * another one before it returns. Waits for the bus for at most 5 s.
  */
 void pingSystemdMeanwhile();
 

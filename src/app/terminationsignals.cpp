@@ -4,7 +4,7 @@
 
 namespace
 {
-/** Those by which people, systemd (SIGABRT for its watchdog) and timers end a process. */
+/** The signals by which people, systemd (SIGABRT for its watchdog) and timers end a process. */
 const int terminationSignals[] = {SIGHUP,  SIGINT,  SIGQUIT, SIGABRT,   SIGUSR1, SIGUSR2, SIGALRM,
                                   SIGTERM, SIGXCPU, SIGPWR,  SIGVTALRM, SIGPROF, SIGIO};
 

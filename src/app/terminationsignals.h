@@ -4,20 +4,19 @@
 #include <csignal>
 
 /**
- * Has every signal that asks the process to end be taken by the calling thread, the main one, and
- * end the process there, as without a handler. Ignored signals stay ignored. Child processes have
- * the default dispositions: a handler does not outlive exec().
+ * Makes the calling thread, the main one, receive every termination signal and end the process, as
+ * the default disposition would. Ignored signals stay ignored. Child processes get the default
+ * dispositions, because exec() resets handlers.
  *
- * Without it the kernel may give a signal that the main thread holds back to any other thread.
+ * Otherwise the kernel may deliver a signal that the main thread blocks to any other thread.
  */
 void catchTerminationSignals();
 
 /**
- * Holds back the signals that ask the process to end, for as long as it lives: what has to be
- * undone is undone first. One that has come meanwhile ends the process in the destructor.
+ * Blocks termination signals during its lifetime, so that an operation can be undone first. A
+ * signal that arrived meanwhile ends the process in the destructor.
  *
- * For the main thread, and for no longer than hardware takes. SIGKILL ends the process all the
- * same.
+ * Use it on the main thread only, for as long as a hardware call takes. SIGKILL is not blocked.
  */
 class HeldTermination
 {

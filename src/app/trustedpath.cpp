@@ -11,7 +11,7 @@
 
 namespace
 {
-// As many as the kernel itself follows.
+// The kernel's own limit.
 const int mostLinks = 40;
 
 const int asDirectory = O_PATH | O_DIRECTORY;
@@ -24,7 +24,7 @@ void removeLeadingSlashes(QByteArray &path)
     path.remove(0, count);
 }
 
-/** Takes the first name off @p path. */
+/** Removes and returns the first component of @p path. */
 QByteArray takeName(QByteArray &path)
 {
     const int end = path.indexOf('/');
@@ -40,12 +40,12 @@ bool isLink(const Descriptor &descriptor, struct stat &status)
 }
 
 /**
- * The target of the link @p name; empty if it is none, with @p error in errno, or if it must not be
- * followed.
+ * Returns the target of the link @p name. Returns an empty text if it is no link, with @p error in
+ * errno, or if it must not be followed.
  */
 QByteArray trustedTarget(int directory, const QByteArray &name, int error)
 {
-    // Owner and target are those of one and the same link.
+    // O_PATH: owner and target belong to the same link.
     const Descriptor link(openat(directory, name.constData(), O_PATH | O_NOFOLLOW | O_CLOEXEC));
     struct stat status = {};
     if (!isLink(link, status)) {
@@ -77,7 +77,7 @@ Descriptor openTrusted(int from, QByteArray path, int flags)
         const int how = (isLast ? flags : asDirectory) | O_NOFOLLOW | O_CLOEXEC;
         Descriptor next(openat(directory, name.constData(), how));
         struct stat status = {};
-        // O_PATH without O_DIRECTORY opens the link itself.
+        // Without O_DIRECTORY, O_PATH opens the link itself.
         const bool mayBeLink = (how & asDirectory) == O_PATH;
         const bool isFound = next.isOpen() && !(mayBeLink && isLink(next, status));
         if (isFound && isLast)
@@ -106,8 +106,8 @@ Descriptor openDirectory(const QString &path)
 
 Descriptor openDirectory(const QByteArray &path)
 {
-    // Faster, and the same: nobody but root makes links in "/", so of two names the last one alone
-    // can be somebody else's.
+    // Faster, and equivalent: only root can create links in "/", so of two components only the last
+    // one can belong to another account.
     if (path.startsWith('/') && path.lastIndexOf('/') == path.indexOf('/', 1)) {
         Descriptor directory(open(path.constData(), asDirectory | O_NOFOLLOW | O_CLOEXEC));
         if (directory.isOpen())
@@ -124,7 +124,7 @@ Descriptor makeDirectory(const QString &path)
     const QFileInfo info(path);
     const QByteArray name = QFile::encodeName(info.fileName());
     const Descriptor parent = makeDirectory(info.path());
-    // Fails where a link to nowhere has the name.
+    // Fails if a dangling link has the name.
     if (mkdirat(parent.get(), name.constData(), S_IRWXU | S_IRWXG | S_IRWXO) != 0)
         return Descriptor(-1);
     return Descriptor(openat(parent.get(), name.constData(), asDirectory | O_NOFOLLOW | O_CLOEXEC));

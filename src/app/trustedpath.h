@@ -8,26 +8,26 @@
 class QString;
 
 /*
- * Opening paths of which others may own some directories.
+ * Opening paths through directories that other accounts may own.
  *
- * A symbolic link, anywhere in the path, is followed only if root or the process's own user owns
- * it: nobody else can lead us to what is not theirs. Each name is looked up in a directory that is
- * held open, so a link that takes a directory's place meanwhile changes nothing.
+ * A symbolic link anywhere in the path is followed only if root or the daemon's user owns it, so no
+ * other account can redirect us. Each component is looked up in an open directory, so a concurrent
+ * swap of a directory for a link has no effect.
  */
 
 /**
- * Opens @p path, seen from the directory @p from, with open flags @p flags.
+ * Opens @p path relative to the directory @p from, with open flags @p flags.
  *
- * @return none with EPERM for a link that must not be followed, ELOOP for links in a circle, else
- *         with the error of the call that failed
+ * @return no descriptor with EPERM for a link that must not be followed, ELOOP for a loop of links,
+ *         otherwise with the errno of the call that failed
  */
 Descriptor openTrusted(int from, QByteArray path, int flags);
 
-/** The directory @p path, as a place to look up names in (O_PATH). */
+/** Opens the directory @p path for looking up names (O_PATH). */
 Descriptor openDirectory(const QByteArray &path);
 Descriptor openDirectory(const QString &path);
 
-/** The same, made with all missing parents where it does not exist. */
+/** The same; creates the directory and its missing parents. */
 Descriptor makeDirectory(const QString &path);
 
 #endif

@@ -16,7 +16,7 @@ const ErrorText getUserErrors[] = {
 
 const ErrorText setUserErrors[] = {
     {Error::InvalidArgument, "User name is invalid."},
-    // The answer to a profile folder that cannot be rebuilt.
+    // The reply when a profile folder cannot be rebuilt.
     {Error::Process, "Error while forcing a reload of the user configurations."},
     {Error::Write, "Not able to overwrite the current user symlink."},
 };
@@ -77,7 +77,7 @@ void KyUserMgr::factoryReset(QString user, const QDBusMessage &message)
                       factoryResetErrors, message);
 }
 
-/** Error::None, or InvalidArgument, Process or Write; only the latter two make @p user invalid. */
+/** Returns Error::None, InvalidArgument, Process or Write; the last two make @p user invalid. */
 int KyUserMgr::switchUser(const QString &user)
 {
     if (!profiles::isValidUser(user))

@@ -23,45 +23,45 @@ class KyUserMgr : public QDBusAbstractAdaptor
     Q_CLASSINFO("D-Bus Introspection", INTROSPECTION_USERS)
 
 public:
-    /** Names of the places of profiles.h. */
+    /** Aliases of the paths in profiles.h. */
     static const QString &M_userFolderPath;
     static const QString &M_userFolderSuffix;
     static const QString &M_systemFileName;
     static const QString &M_defaultFolder;
 
     /**
-     * Makes every user valid and, where the link names no valid user, activates the first profile
-     * that can be activated.
+     * Makes every user valid. If the link names no valid user, activates the first profile that can
+     * be activated.
      */
     explicit KyUserMgr(QObject *parent);
 
 public Q_SLOTS:
     /**
-     * The name of the active user, as the link gives it: it need not be a valid one.
+     * Returns the name of the active user as the link gives it, which may be an invalid one.
      *
-     * Error::m_read when there is no link.
+     * Error::m_read if there is no link.
      */
     QString getUser(const QDBusMessage &message);
 
     /**
-     * Makes @p user's profile the active one; its directory is rebuilt from the default profile
-     * where it is incomplete.
+     * Makes @p user's profile the active one. Rebuilds an incomplete profile from the default one
+     * first.
      *
-     * Error::m_invalidArgument for an invalid user, Error::m_process when the directory cannot be
-     * rebuilt or the configuration not reloaded, Error::m_write when the link cannot be made.
+     * Error::m_invalidArgument for an invalid user, Error::m_process if the directory cannot be
+     * rebuilt or the configuration not reloaded, Error::m_write if the link cannot be made.
      */
     void setUser(QString user, const QDBusMessage &message);
 
     /**
      * Replaces the content of @p user's profile folder by a copy of the default profile.
      *
-     * Error::m_invalidArgument for an invalid user, Error::m_process when the old content cannot
-     * be removed or the configuration not reloaded, Error::m_write when the copy fails.
+     * Error::m_invalidArgument for an invalid user, Error::m_process if the old content cannot be
+     * removed or the configuration not reloaded, Error::m_write if the copy fails.
      */
     void factoryReset(QString user, const QDBusMessage &message);
 
 Q_SIGNALS:
-    /** A switch or a reset was accepted; no file has been touched yet. */
+    /** The daemon accepted a switch or a reset and has not changed any file yet. */
     void changingUser();
 
     /** A switch to, or a reset of, @p user is complete. */

@@ -4,10 +4,11 @@
 #include <QString>
 
 /**
- * The absolute and clean target of the symbolic link at @p path, which need not exist; empty when
- * there is no such link, or one on the way to it must not be followed (see trustedpath.h).
+ * Returns the absolute, clean target of the symbolic link at @p path; the target need not exist.
+ * Returns an empty text if there is no such link, or if its path contains a link that must not be
+ * followed (see trustedpath.h).
  *
- * Otherwise the same as QFile::symLinkTarget().
+ * Otherwise equivalent to QFile::symLinkTarget().
  */
 QString linkTarget(const QString &path);
 

@@ -24,17 +24,17 @@ const int asDirectory = O_PATH | O_DIRECTORY;
 
 struct Entry {
     QByteArray name;
-    /** As in struct dirent: DT_UNKNOWN on file systems that do not tell. */
+    /** As in struct dirent: DT_UNKNOWN if the file system does not report types. */
     unsigned char type;
 };
 
-/** A descriptor that is good for more than looking up names. */
+/** Opens a directory for more than looking up names. */
 Descriptor openToRead(const Descriptor &directory)
 {
     return Descriptor(openat(directory.get(), ".", O_RDONLY | O_DIRECTORY | O_CLOEXEC));
 }
 
-/** Everything in a directory; false when it is not, or cannot be listed. */
+/** Lists all entries of a directory; returns false if it is none, or cannot be listed. */
 bool readEntries(const Descriptor &directory, std::vector<Entry> &entries)
 {
     Descriptor readable = openToRead(directory);
@@ -53,7 +53,10 @@ bool readEntries(const Descriptor &directory, std::vector<Entry> &entries)
     return isWhole;
 }
 
-/** What @p entry is, or leads to: DT_UNKNOWN for nothing, and where that cannot be told. */
+/**
+ * Finds the type of @p entry or its target. The type is DT_UNKNOWN for a dangling link and on
+ * failure.
+ */
 bool findType(const Descriptor &directory, const Entry &entry, unsigned char &type)
 {
     type = entry.type;
@@ -73,7 +76,7 @@ struct Listing {
     std::vector<QByteArray> directories;
 };
 
-/** Lists @p directory; false when not all of it can be told. */
+/** Lists @p directory; returns false if it cannot be listed completely. */
 bool list(const Descriptor &directory, Listing &listing)
 {
     std::vector<Entry> entries;
@@ -94,14 +97,14 @@ Descriptor openSubdirectory(const Descriptor &directory, const QByteArray &name)
     return openTrusted(directory.get(), name, asDirectory);
 }
 
-/** The same where @p name must not be a link, whoever owns it. */
+/** Opens the subdirectory @p name; rejects any link, whoever owns it. */
 Descriptor openPlainSubdirectory(const Descriptor &directory, const QByteArray &name)
 {
     return Descriptor(
         openat(directory.get(), name.constData(), asDirectory | O_NOFOLLOW | O_CLOEXEC));
 }
 
-/** Opens a file of @p directory for reading, never waiting for a FIFO or for another process. */
+/** Opens a file of @p directory for reading, without waiting for a FIFO or for another process. */
 Descriptor openFile(const Descriptor &directory, const QByteArray &name)
 {
     Descriptor file = openTrusted(directory.get(), name, O_RDONLY | O_NONBLOCK | O_NOCTTY);
@@ -110,7 +113,7 @@ Descriptor openFile(const Descriptor &directory, const QByteArray &name)
                                                                       : Descriptor();
 }
 
-/** A directory on the current recursion path; detects links in a circle. */
+/** A directory on the current recursion path; detects symbolic-link loops. */
 class Level
 {
 public:
@@ -177,7 +180,7 @@ bool isComplete(const Descriptor &reference, const Descriptor &directory, const 
     return true;
 }
 
-/** Whether all of @p source can be read and @p directory is no part of it. */
+/** Returns true if all of @p source can be read and @p directory is not part of it. */
 bool isReadable(const Descriptor &source, const Level &directory, const Level *above)
 {
     const Level level(source, above);
@@ -195,7 +198,7 @@ bool isReadable(const Descriptor &source, const Level &directory, const Level *a
     return true;
 }
 
-/** Whether @p directory lies in @p other, at any depth. */
+/** Returns true if @p directory is inside @p other, at any depth. */
 bool isBelow(const Descriptor &directory, const Level &other)
 {
     Descriptor at(openat(directory.get(), "..", asDirectory | O_CLOEXEC));
@@ -211,13 +214,13 @@ bool isBelow(const Descriptor &directory, const Level &other)
     }
 }
 
-/** The result of a call that removes something: what is gone already is as good as removed. */
+/** Returns true if a removal succeeded, or if the entry is already gone. */
 bool isRemoved(int result)
 {
     return result == 0 || errno == ENOENT;
 }
 
-/** Lets the owner of a directory that is to be removed, as far as we may, remove what is in it. */
+/** Grants the owner of a directory write permission so that its content can be removed. */
 void permitOwner(const Descriptor &directory)
 {
     struct stat status = {};
@@ -238,7 +241,7 @@ bool eraseSubdirectory(const Descriptor &directory, const QByteArray &name, int 
 bool eraseContents(const Descriptor &directory, int depth)
 {
     std::vector<Entry> entries;
-    // One more than is copied: a power cut leaves a copy one level deeper.
+    // One level more than a copy may have: a power cut leaves a copy one level deeper.
     if (depth > deepest + 1 || !readEntries(directory, entries))
         return false;
     std::vector<QByteArray> directories;
@@ -258,7 +261,7 @@ bool eraseContents(const Descriptor &directory, int depth)
 
 bool copyBytes(const Descriptor &source, const Descriptor &destination)
 {
-    // As much as one call takes. A third faster for large files than to read and to write.
+    // The most that one call transfers. For large files a third faster than read() and write().
     const size_t most = 0x7ffff000;
     ssize_t length;
     do
@@ -280,7 +283,7 @@ bool copyFile(const Descriptor &source, const Descriptor &destination, const QBy
            fchmod(to.get(), status.st_mode & permissions) == 0;
 }
 
-/** Keeps also the owner of a copied subdirectory from what the original keeps its owner from. */
+/** Restricts the owner of a copied subdirectory as the original does. */
 bool restrictOwner(const Descriptor &source, const Descriptor &destination, const QByteArray &name)
 {
     struct stat original = {};
@@ -303,7 +306,8 @@ bool copySubdirectory(const Descriptor &source, const Descriptor &destination,
     struct stat status = {};
     if (fstat(from.get(), &status) != 0)
         return false;
-    // With the mode of the original: what was kept from others stays so. Its owner has to fill it.
+    // Keep the mode of the original, so that private files stay private. The owner must be able to
+    // fill it.
     const mode_t mode = (status.st_mode & permissions) | S_IRWXU;
     if (mkdirat(destination.get(), name.constData(), mode) != 0)
         return false;
@@ -323,7 +327,7 @@ bool copyContents(const Descriptor &source, const Descriptor &destination, const
     for (const QByteArray &name : listing.directories) {
         if (!copySubdirectory(source, destination, name, level))
             return false;
-        // Those at the top have to be moved yet, which only their owner may.
+        // Only the owner can move the entries at the top, so restrict the owner later.
         if (above && !restrictOwner(source, destination, name))
             return false;
     }
@@ -336,7 +340,7 @@ bool isNameFree(const Descriptor &directory, const QByteArray &name)
     return fstatat(directory.get(), name.constData(), &status, AT_SYMLINK_NOFOLLOW) != 0;
 }
 
-/** A name in @p directory that neither it nor @p source has. */
+/** Returns a name that exists neither in @p directory nor in @p source. */
 QByteArray freeName(const Descriptor &directory, const Descriptor &source)
 {
     QByteArray name = QByteArrayLiteral(".rebuild");
@@ -345,14 +349,14 @@ QByteArray freeName(const Descriptor &directory, const Descriptor &source)
     return name;
 }
 
-/** Moves @p name to @p destination, where nothing may have it. */
+/** Moves @p name to @p destination, which must not have an entry of that name. */
 bool moveEntry(const Descriptor &source, const Descriptor &destination, const QByteArray &name)
 {
     return isNameFree(destination, name) &&
            renameat(source.get(), name.constData(), destination.get(), name.constData()) == 0;
 }
 
-/** Moves everything that was copied from @p source to @p staging on to @p destination. */
+/** Moves the copy of @p source from @p staging to @p destination. */
 bool moveContents(const Descriptor &source, const Descriptor &staging,
                   const Descriptor &destination)
 {
@@ -370,7 +374,7 @@ bool moveContents(const Descriptor &source, const Descriptor &staging,
     return true;
 }
 
-/** Writes all that is pending on the file system of @p directory to its disk. */
+/** Writes all pending data of the file system of @p directory to its disk. */
 bool synchronise(const Descriptor &directory)
 {
     return syncfs(openToRead(directory).get()) == 0;
@@ -414,7 +418,7 @@ bool copyFolder(const Descriptor &source, const Descriptor &destination)
     if (mkdirat(destination.get(), name.constData(), S_IRWXU) != 0)
         return false;
     const Descriptor staging = openPlainSubdirectory(destination, name);
-    // One sync of the file system: a sync of each file costs many times the copy itself.
+    // One sync of the file system: synchronising each file costs many times the copy itself.
     const bool isCopied = copyContents(source, staging, nullptr) && synchronise(staging) &&
                           moveContents(source, staging, destination);
     eraseSubdirectory(destination, name, 0);

@@ -28,11 +28,11 @@ bool isComplete(const QString &path)
     return directory.isOpen() && isFolderComplete(openDirectory(defaultDirectory), directory);
 }
 
-/** Points the link to the active profile at @p directory; false where that fails. */
+/** Points the link to the active profile at @p directory; returns false on failure. */
 bool makeLink(const QString &directory)
 {
     const Descriptor place = openDirectory(directoryPath);
-    // A link that cannot be removed shows when the new one is made.
+    // If the old link cannot be removed, creating the new one fails.
     unlinkat(place.get(), linkName, 0);
     return symlinkat(QFile::encodeName(directory).constData(), place.get(), linkName) == 0;
 }

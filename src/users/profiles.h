@@ -6,8 +6,8 @@
 #include <optional>
 
 /*
- * The user profiles as they are in the file system and in the settings: which one is active, which
- * ones may be used, and making one active or new. Users are named "user1" to "user4".
+ * The user profiles in the file system and in the settings: which one is active, which ones are
+ * valid, and how to activate or rebuild one. Users are named "user1" to "user4".
  */
 
 namespace profiles
@@ -21,11 +21,11 @@ extern const QString linkPath;
 /** The factory default profile, source of every reset; never written. */
 extern const QString defaultDirectory;
 
-/** The users, in the order in which a start tries them. */
+/** The users, in the order in which the start tries them. */
 constexpr int userCount = 4;
 extern const QString users[userCount];
 
-/** How making a profile active, or new, ends. */
+/** The result of activating or rebuilding a profile. */
 enum class Outcome {
     Done,
     /** The old content cannot be removed. */
@@ -36,24 +36,27 @@ enum class Outcome {
     NotLinked,
 };
 
-/** The user whose directory the link names, who need not be a valid one; nothing without a link. */
+/**
+ * Returns the user whose directory the link names, who may be an invalid one; nothing without a
+ * link.
+ */
 std::optional<QString> activeUser();
 
-/** Whether @p user is one of the four whose last switch, if there was one, succeeded. */
+/** Returns true if @p user is one of the four, and the last switch to that user did not fail. */
 bool isValidUser(const QString &user);
 
 /** Makes every user valid. */
 void validateUsers();
 
 /**
- * Makes the profile of @p user, who is valid, the active one; its directory is rebuilt from the
- * default profile where it is incomplete. The user becomes invalid where that fails.
+ * Makes the profile of @p user, who must be valid, the active one. Rebuilds an incomplete profile
+ * from the default one first. The user becomes invalid on failure.
  */
 Outcome activate(const QString &user);
 
 /**
  * Replaces the content of the profile folder of @p user by a copy of the default profile. Erases
- * only when the replacement is readable and survives it.
+ * only if the default profile is readable and survives the erasing.
  */
 Outcome rebuild(const QString &user);
 } // namespace profiles
