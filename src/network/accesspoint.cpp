@@ -26,7 +26,7 @@ AccessPointParameters readParameters(const QVariantMap &settings)
 
 bool writeText(const QByteArray &text)
 {
-    // Other programs may write to the directory.
+    // Other accounts may write to the directory.
     const int descriptor = openRegularFile(configurationFile, O_TRUNC, 0666);
     QFile file;
     return descriptor >= 0 &&
@@ -53,7 +53,7 @@ LinkEvent AccessPoint::perform(LinkAction action)
     }
 }
 
-/** Writes hostapd's configuration from the template that goes with the kind of security. */
+/** Writes hostapd's configuration from the template for the requested security. */
 bool AccessPoint::writeConfiguration() const
 {
     const AccessPointParameters parameters = readParameters(m_arguments);

@@ -3,7 +3,7 @@
 
 #include "linkdriver.h"
 
-/** Carries out what is the access point's alone. */
+/** Carries out the actions that only the access point has. */
 class AccessPoint : public LinkDriver
 {
     Q_OBJECT

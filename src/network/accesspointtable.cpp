@@ -24,7 +24,7 @@ const LinkRow rows[] = {
     row({configuration}, Event::AccessPointMissing, {toFailure}, Do::Announce),
     row({configuration}, Event::AccessPointRuns, {toReady}, Do::Announce, Do::StartCheckDelay),
 
-    // Whatever the state is by now: clients know that a check may come after a disconnect.
+    // In any state: clients know that a check may come after a disconnect.
     row({all}, Event::CheckIsDue, {}, Do::CheckInterface),
     row({all}, Event::InterfaceMissing, {toFailure}, Do::Announce),
     row({all}, Event::InterfaceRunning, {toOnline}, Do::Announce),

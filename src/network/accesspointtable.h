@@ -3,7 +3,7 @@
 
 #include "linkmachine.h"
 
-/** The Wi-Fi access point. */
+/** The state table of the Wi-Fi access point. */
 extern const LinkTable accessPointTable;
 
 #endif

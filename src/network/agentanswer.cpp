@@ -26,7 +26,7 @@ QVariantMap agentAnswer(const QVariantMap &fields, const Credentials &credential
     QVariantMap answer;
     for (const auto &row : answers) {
         const QString field = QLatin1String(row.field);
-        // Only these are looked at: a peer may send any number of others.
+        // Looks up these only: a peer may send any number of other fields.
         if (isMandatory(fields.value(field)))
             answer.insert(field, credentials.*row.value);
     }

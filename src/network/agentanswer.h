@@ -3,7 +3,7 @@
 
 #include <QVariantMap>
 
-/** What a user gave to join a network; either may be empty. */
+/** A user's credentials for a network; either may be empty. */
 struct Credentials {
     /** The user name, for networks that ask for an identity. */
     QString identity;
@@ -11,12 +11,12 @@ struct Credentials {
 };
 
 /**
- * The answer to a request for input.
+ * Returns the reply to ConnMan's request for input.
  *
- * @param fields one map per field that is asked for, as the message holds them; read once. A field
- *        whose value is anything else counts as absent.
+ * @param fields one map for each requested field, as in the message; read once. A field whose value
+ *         is no map counts as absent.
  * @return the stored value for each of "Passphrase", "Identity" and "Username" whose "Requirement"
- *         is "mandatory"; every other field stays without an answer
+ *         is "mandatory"; no value for other fields
  */
 QVariantMap agentAnswer(const QVariantMap &fields, const Credentials &credentials);
 

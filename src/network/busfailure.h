@@ -5,7 +5,9 @@
 
 class QDBusMessage;
 
-/** Answers @p message with the standard error of the bus, as the network's methods do. */
+/**
+ * Replies to @p message with org.freedesktop.DBus.Error.Failed, the error of all network methods.
+ */
 void sendFailure(const QString &text, const QDBusMessage &message);
 
 #endif

@@ -47,7 +47,7 @@ namespace
 const QString propertyChanged = QStringLiteral("PropertyChanged");
 const QString propertyChangedSignature = QStringLiteral("sv");
 
-/** An ordinary answer takes a thousandth of it. */
+/** An ordinary reply takes a thousandth of this. */
 constexpr int longCallMs = 1000;
 
 template <typename Type>
@@ -57,7 +57,7 @@ void registerType(const char *name)
     qDBusRegisterMetaType<Type>();
 }
 
-// A proxy object would ask the peer for its introspection with one more blocking call.
+// No QDBusInterface: it would introspect the peer with another blocking call.
 QDBusMessage methodCall(const QString &path, const QString &interface, const QString &method)
 {
     return QDBusMessage::createMethodCall(serviceName, path, interface, method);
@@ -71,7 +71,7 @@ QDBusMessage call(const QString &path, const QString &interface, const QString &
     QElapsedTimer duration;
     duration.start();
     const QDBusMessage reply = QDBusConnection::systemBus().call(message);
-    // Two of these at 25 s are more than systemd's watchdog allows.
+    // Two of these at 25 s exceed systemd's watchdog timeout.
     if (duration.elapsed() > longCallMs)
         pingSystemdMeanwhile();
     return reply;
@@ -95,7 +95,7 @@ QList<ConnmanObject> listObjects(const QString &method)
     if (!isOnBus())
         return {};
     const QDBusMessage reply = call(managerPath, managerInterface, method);
-    // Reading values of another signature would end the process.
+    // Qt D-Bus aborts the process when it reads a value with another signature.
     if (reply.type() != QDBusMessage::ReplyMessage ||
         reply.signature() != QLatin1String("a(oa{sv})"))
         return {};
@@ -124,8 +124,8 @@ QList<ConnmanObject> technologies()
     return listObjects(QStringLiteral("GetTechnologies"));
 }
 
-// Without its signature given, a signal with other arguments is delivered as well, and the bus
-// library ends the process when it cannot read them as the slot's.
+// Subscribe with the signature: without it Qt D-Bus also delivers a signal with other arguments,
+// and aborts the process when they do not fit the slot.
 void watchProperties(const QString &path, const QString &interface, QObject *receiver,
                      const char *slot)
 {

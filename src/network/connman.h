@@ -21,7 +21,7 @@ struct ConnmanObject {
 
 QDBusArgument &operator<<(QDBusArgument &argument, const ConnmanObject &object);
 
-/** Reads @p object; the values of its properties stay as Qt D-Bus gives them. */
+/** Reads @p object; the values of its properties stay as Qt D-Bus delivers them. */
 const QDBusArgument &operator>>(const QDBusArgument &argument, ConnmanObject &object);
 
 /** The properties of each interface of an object, by the interface's name. On the bus: a{sa{sv}} */
@@ -35,10 +35,10 @@ Q_DECLARE_METATYPE(InterfaceList)
 Q_DECLARE_METATYPE(ManagedObjectList)
 
 /**
- * The network manager on the system bus, and the only place that calls it.
+ * The network manager on the system bus. No other file calls it.
  *
- * Every call but connectService() blocks for at most Qt D-Bus's default time-out, and each
- * is made once.
+ * Every call except connectService() blocks for at most Qt D-Bus's default timeout, and is not
+ * retried.
  */
 namespace connman
 {
@@ -50,39 +50,45 @@ extern const QString managerInterface;
 extern const QString serviceInterface;
 extern const QString technologyInterface;
 
-/** The object path of the technology @p technology, as in "ethernet". */
+/** The object path of @p technology, for example "ethernet". */
 QString technologyPath(const QString &technology);
 
-/** Makes the types above known to Qt D-Bus; to be done before a list is read. */
+/** Registers the types above with Qt D-Bus; call it before reading a list. */
 void registerTypes();
 
 /**
- * The services, in ConnMan's order, their properties as plainValue() gives them.
+ * Returns the services in ConnMan's order, with their properties as plainValue() converts them.
  *
- * Empty when ConnMan is not on the bus, answers with an error or answers with anything else than
- * a list of objects.
+ * Empty if ConnMan is not on the bus, replies with an error, or replies with anything but a list of
+ * objects.
  */
 QList<ConnmanObject> services();
 
-/** The technologies; otherwise as services(). */
+/** Returns the technologies in the same way. */
 QList<ConnmanObject> technologies();
 
 /**
- * Calls @p slot, which takes a QString and a QDBusVariant, at every "PropertyChanged" of the object
- * at @p path. A signal of that name with other arguments is not delivered.
+ * Calls @p slot, which takes a QString and a QDBusVariant, for every "PropertyChanged" of the
+ * object at @p path. A signal of that name with other arguments is not delivered.
  */
 void watchProperties(const QString &path, const QString &interface, QObject *receiver,
                      const char *slot);
 
-/** Takes watchProperties() back. */
+/** Ends watchProperties(). */
 void unwatchProperties(const QString &path, const QString &interface, QObject *receiver,
                        const char *slot);
 
-/** The first of @p objects whose property @p name is @p value; one without path where none is. */
+/**
+ * Returns the first of @p objects whose property @p name is @p value; one with an empty path if
+ * there is none.
+ */
 ConnmanObject findObject(const QList<ConnmanObject> &objects, const QString &name,
                          const QString &value);
 
-/** Whether @p value is @p flag; a value of another type is neither true nor false. */
+/**
+ * Returns true if @p value is the boolean @p flag; a value of another type is neither true nor
+ * false.
+ */
 bool isFlag(const QVariant &value, bool flag);
 
 /** Switches a technology on or off. @return ConnMan's error, an invalid one on success */
@@ -92,22 +98,26 @@ QDBusError setTechnologyPowered(const QString &technology, bool powered);
 QDBusError setServiceProperty(const QString &path, const QString &name, const QVariant &value);
 
 /**
- * Asks for a connection to the service at @p path; the only call that does not block.
+ * Calls Connect on the service at @p path; the only call that does not block.
  *
- * ConnMan replies when the connection stands or has failed, and only after its agent has answered.
+ * ConnMan replies when the connection is up or has failed, and only after the agent has answered.
  */
 QDBusPendingCall connectService(const QString &path);
 
-/** Makes ConnMan forget the service at @p path. @return its error, an invalid one on success */
+/**
+ * Makes ConnMan forget the service at @p path. @return ConnMan's error, an invalid one on success
+ */
 QDBusError remove(const QString &path);
 
-/** Asks for a scan; ConnMan announces the outcome with its signal ServicesChanged. */
+/** Requests a scan; ConnMan announces the result with its signal ServicesChanged. */
 void scan(const QString &technology);
 
-/** Names the object at @p path of this process to ConnMan as the one that knows credentials. */
+/**
+ * Registers the object at @p path of this process as ConnMan's agent, which knows the credentials.
+ */
 void registerAgent(const QString &path);
 
-/** Takes registerAgent() back. */
+/** Ends registerAgent(). */
 void unregisterAgent(const QString &path);
 } // namespace connman
 

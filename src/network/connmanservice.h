@@ -5,32 +5,34 @@
 #include <QObject>
 #include <QVariantMap>
 
-/** The ConnMan service that a network interface uses, where it uses one. */
+/** The current ConnMan service of a network interface, if there is one. */
 class ConnmanService : public QObject
 {
     Q_OBJECT
 
 public:
-    /** @param path the name of an interface that never uses one of ConnMan's */
+    /**
+     * @param path a fixed path, for an interface that never has a ConnMan service
+     */
     explicit ConnmanService(const QString &path) : m_path(path) {}
 
-    /** Its object path; empty until there is one. */
+    /** The object path; empty until there is a service. */
     const QString &path() const { return m_path; }
 
-    /** Makes the service at @p path the current one and listens to its changes. */
+    /** Makes the service at @p path the current one and subscribes to its changes. */
     void watch(const QString &path);
 
     /** Ends watch(): there is no current service. */
     void forget();
 
-    /** Its properties; empty where ConnMan lists no such service. */
+    /** Returns the properties; empty if ConnMan does not list the service. */
     QVariantMap properties() const;
 
-    /** Its property "IPv4", as it can be sent on; empty where it has none. */
+    /** Returns the property "IPv4" in a form that can be sent; empty if there is none. */
     QVariantMap ipv4() const;
 
 Q_SIGNALS:
-    /** A property changed, while it is the current service. */
+    /** A property of the current service changed. */
     void propertyChanged(const QString &name, const QVariant &value);
 
 private Q_SLOTS:

@@ -35,7 +35,7 @@ bool EthernetLink::hasAddress(const QVariantMap &ipv4) const
 
 void EthernetLink::judgeService(const QString &name, const QVariant &value)
 {
-    // Qt D-Bus leaks each file descriptor that it sends on.
+    // Qt D-Bus leaks every file descriptor that it sends on.
     if (name != QStringLiteral("IPv4") || storableMap({{name, value}}).isEmpty())
         return;
     const QVariantMap ipv4 = toMap(value);

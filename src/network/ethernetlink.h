@@ -4,13 +4,13 @@
 #include "linkdriver.h"
 #include "technologywatch.h"
 
-/** Carries out what is the wired interface's alone. */
+/** Carries out the actions that only the wired interface has. */
 class EthernetLink : public LinkDriver
 {
     Q_OBJECT
 
 public:
-    /** Listens to ConnMan. */
+    /** Subscribes to ConnMan's signals. */
     explicit EthernetLink(LinkParts &parts);
 
     /** Powers the technology off. */

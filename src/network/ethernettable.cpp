@@ -25,11 +25,11 @@ const LinkRow rows[] = {
 
     row({ready}, Event::TechnologyConnected, {}, Do::AskAddress),
     row({ready}, Event::AddressThere, {toOnline}, Do::StopTime, Do::Announce),
-    // The time goes on: clients rely on it.
+    // The timer continues: clients rely on it.
     row({ready}, Event::ServiceAddress, {toOnline}, Do::Announce, Do::PassOn),
     row({ready}, Event::ServiceIPv4, {}, Do::PassOn),
 
-    // In every state, also after a disconnect, and every minute anew: clients rely on it.
+    // In every state, also after a disconnect, and again every minute: clients rely on it.
     row({all}, Event::TimeIsOver, {toFailure}, Do::Announce, Do::PowerOff),
 
     row({all}, Event::DisconnectCalled, {toDisconnect}, Do::Announce, Do::PowerOff),

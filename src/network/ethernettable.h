@@ -3,7 +3,7 @@
 
 #include "linkmachine.h"
 
-/** The wired interface. */
+/** The state table of the wired interface. */
 extern const LinkTable ethernetTable;
 
 #endif

@@ -6,10 +6,10 @@
 
 namespace
 {
-/** What stands in for a missing netmask or gateway, by the class of the address. */
+/** The default netmask and gateway by the class of the address. */
 const struct AddressClass {
     int lastFirstNumber;
-    /** How many numbers of the address begin the gateway, and what follows them. */
+    /** How many bytes of the address the gateway keeps, and the rest of the gateway. */
     int numbersKept;
     const char *gatewayEnd;
     const char *netmask;
@@ -28,7 +28,7 @@ const AddressClass &classOf(const QStringList &numbers)
     return *found;
 }
 
-/** Whether @p text is a number up to 255 in its shortest form. */
+/** Returns true if @p text is a decimal number up to 255 without leading zeros. */
 bool isByte(const QString &text)
 {
     const int number = text.toInt();

@@ -5,10 +5,10 @@
 
 namespace
 {
-// No address, name or method is longer; more would make messages too big for the bus.
+// No address, name or method is longer; longer texts could exceed the bus's message limit.
 constexpr int longestSetting = 255;
 
-// The name servers of every call are kept; no resolver asks as many as this.
+// The name servers of all calls add up; no resolver uses as many as this.
 constexpr int mostNameservers = 64;
 
 QString boundedText(const QVariantMap &settings, const char *key)

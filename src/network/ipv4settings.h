@@ -4,17 +4,17 @@
 #include <QStringList>
 #include <QVariantMap>
 
-/** The IPv4 settings of a client for the next connection. */
+/** A client's IPv4 settings for the next connection. */
 class Ipv4Settings
 {
 public:
     /**
-     * Takes a client's @p settings.
+     * Stores a client's @p settings.
      *
-     * "Method", "Address", "Netmask" and "Gateway" replace what was kept, "DNS1" and "DNS2" are
-     * added to the name servers, of which the last 64 are kept. A text of more than 255 characters
-     * counts as empty. With the method "manual", addresses that are missing or invalid are made up
-     * (see repairedIPv4()).
+     * "Method", "Address", "Netmask" and "Gateway" replace the stored values. "DNS1" and "DNS2" are
+     * appended to the name servers, of which the last 64 are kept. A text of more than 255
+     * characters counts as empty. With the method "manual", defaults replace missing and invalid
+     * addresses (see repairedIPv4()).
      */
     void take(const QVariantMap &settings);
 

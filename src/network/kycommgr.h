@@ -7,7 +7,7 @@
 
 #include <QObject>
 
-/** The root of the network side: owns the Ethernet, Wi-Fi station and access-point adaptors. */
+/** Owns the adaptors of Ethernet, the Wi-Fi station and the access point. */
 class KyComMgr : public QObject
 {
     Q_OBJECT
@@ -17,7 +17,7 @@ public:
 
 private:
     KyEthernet m_ethernet;
-    // Before the access point, which shares the module with it.
+    // Before the access point, which uses the same module.
     KyWifi m_wifi;
     KyWifiAp m_wifiAp;
 };

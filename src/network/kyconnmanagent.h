@@ -11,9 +11,9 @@
 class QDBusMessage;
 
 /**
- * ConnMan's agent: answers its questions while it joins a secured network.
+ * ConnMan's agent: provides the credentials while ConnMan joins a secured network.
  *
- * It does not watch ConnMan: after a restart of ConnMan the next connection registers it anew.
+ * It does not watch ConnMan. After a restart of ConnMan the next connection registers it again.
  */
 class KyConnmanAgent : public QDBusAbstractAdaptor
 {
@@ -24,30 +24,29 @@ class KyConnmanAgent : public QDBusAbstractAdaptor
 public:
     explicit KyConnmanAgent(QObject *parent);
 
-    /** Stores what the next questions are answered with, and allows two answers. */
+    /** Stores the credentials for the next requests, and allows two replies. */
     void setCredentials(const QString &identity, const QString &passphrase);
 
 public Q_SLOTS:
     /**
-     * The stored value for each credential that @p fields calls mandatory; other fields stay
-     * without an answer.
+     * Returns the stored value for each credential that @p fields marks as mandatory; no value for
+     * other fields.
      *
-     * net.connman.Agent.Error.Canceled, with an empty text, for the third request after
-     * setCredentials() and for every later one, and before the first setCredentials().
+     * net.connman.Agent.Error.Canceled, with an empty text, for the third and every later request
+     * after setCredentials(), and before the first setCredentials().
      */
     QVariantMap RequestInput(const QDBusObjectPath &service, const QVariantMap &fields,
                              const QDBusMessage &message);
 
     /**
-     * Asks ConnMan to try again, whatever the error was: net.connman.Agent.Error.Retry, with an
-     * empty text, always.
+     * Always replies net.connman.Agent.Error.Retry, with an empty text, whatever the error was.
      */
     void ReportError(const QDBusObjectPath &service, const QString &error,
                      const QDBusMessage &message);
 
 private:
     Credentials m_credentials;
-    /** How many more requests may still be answered, plus one. */
+    /** The number of requests that may still be answered, plus one. */
     qint16 m_remainingRequests = 0;
 };
 

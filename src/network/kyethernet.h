@@ -6,11 +6,11 @@
 #include "kytcpip.h"
 
 /**
- * Brings the wired interface up and down through ConnMan.
+ * Connects and disconnects the wired interface through ConnMan.
  *
- * The technology "ethernet" is powered only while a connection is wanted. A connection attempt
- * begins with the mode script of the Wi-Fi module and is followed through ConnMan's signals; every
- * step is announced as a change of the link state.
+ * The technology "ethernet" is powered only while a connection is wanted. An attempt starts the
+ * mode script of the Wi-Fi module first and then follows ConnMan's signals; every step is announced
+ * as a change of the link state.
  */
 class KyEthernet : public KyTcpIp
 {
@@ -19,22 +19,22 @@ class KyEthernet : public KyTcpIp
     Q_CLASSINFO("D-Bus Introspection", INTROSPECTION_ETHERNET)
 
 public:
-    /** Listens to ConnMan and powers the technology off. */
+    /** Subscribes to ConnMan's signals and powers the technology off. */
     explicit KyEthernet(QObject *parent);
 
 public Q_SLOTS:
     /**
      * Starts a connection; ignored unless the state is "idle" or "failure".
      *
-     * Fails with "Cannot switch in mode '1' (WLAN STATION)", and the state "failure", when the mode
-     * script still runs or cannot be started. Whatever goes wrong later shows in the state alone.
+     * Fails with "Cannot switch in mode '1' (WLAN STATION)", and the state "failure", if the mode
+     * script still runs or cannot be started. Later failures show in the state only.
      */
     void connect(const QDBusMessage &message);
 
     /**
-     * Ends the connection; the state is "idle" afterwards in any case.
+     * Ends the connection; the state becomes "idle" even if the method fails.
      *
-     * Fails with "Cannot set property Powered: " and ConnMan's text when it refuses to power the
+     * Fails with "Cannot set property Powered: " and ConnMan's text if ConnMan refuses to power the
      * technology off.
      */
     void disconnect(const QDBusMessage &message);

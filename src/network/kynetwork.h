@@ -11,7 +11,7 @@ class QDBusMessage;
 /**
  * The supply and the resets of the Redpine Wi-Fi module.
  *
- * Every call goes to the hardware as it is, whatever state the module is in.
+ * Every call goes to the hardware, whatever state the module is in.
  */
 class KyNetwork : public QDBusAbstractAdaptor
 {
@@ -20,17 +20,17 @@ class KyNetwork : public QDBusAbstractAdaptor
     Q_CLASSINFO("D-Bus Introspection", INTROSPECTION_NETWORK)
 
 public:
-    /** Touches no hardware yet. */
+    /** Does not access the hardware yet. */
     explicit KyNetwork(QObject *parent);
 
 public Q_SLOTS:
-    /** Switches the supply on or off; Error::m_write when that fails. */
+    /** Switches the supply on or off; Error::m_write on failure. */
     void redpinePower(bool state, const QDBusMessage &message);
 
-    /** Resets the module softly; Error::m_write when that fails. */
+    /** Resets the module by software; Error::m_write on failure. */
     void redpineSoftReset(const QDBusMessage &message);
 
-    /** Resets the module by its reset line; Error::m_write when that fails. */
+    /** Resets the module by its reset line; Error::m_write on failure. */
     void redpineHardReset(const QDBusMessage &message);
 
 private:

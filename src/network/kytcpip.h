@@ -10,8 +10,8 @@
 class QDBusMessage;
 
 /**
- * What the adaptors of the network interfaces share: the announcements, the IPv4 settings for the
- * next connection and the hardware information.
+ * The base of the network adaptors: announcements, IPv4 settings for the next connection, hardware
+ * information.
  *
  * Its methods and its signal belong to the D-Bus interface of each subclass.
  */
@@ -21,29 +21,29 @@ class KyTcpIp : public QDBusAbstractAdaptor
 
 public:
     /**
-     * @param technology ConnMan's name of the technology, as in "ethernet"
-     * @param interfaceName the kernel's name of the network interface, as in "eth0"
-     * @param servicePath what stands for a service where ConnMan has none
+     * @param technology ConnMan's name of the technology, for example "ethernet"
+     * @param interfaceName the kernel's name of the network interface, for example "eth0"
+     * @param servicePath the path in announcements of an interface without a ConnMan service
      */
     KyTcpIp(const QString &technology, const QString &interfaceName, QObject *parent,
             const QString &servicePath = QString());
 
 public Q_SLOTS:
     /**
-     * Keeps IPv4 settings for the next connection; see Ipv4Settings::take().
+     * Stores IPv4 settings for the next connection; see Ipv4Settings::take().
      *
-     * Fails with "Cannot get property Connected", and keeps nothing, when ConnMan does not know
-     * the technology.
+     * Fails with "Cannot get property Connected", and stores nothing, if ConnMan does not know the
+     * technology.
      */
     void setIPv4(const QVariantMap &settings, const QDBusMessage &message);
 
-    /** The "IPv4" property of the current ConnMan service; empty without one. */
+    /** Returns the "IPv4" property of the current ConnMan service; empty without one. */
     QVariantMap getIPv4();
 
     /**
-     * The "Ethernet" property of the current ConnMan service; without a service the same keys
-     * filled from the network interface: "Method" (empty), "Interface", "Address" and "MTU". Empty
-     * when there is no such network interface.
+     * Returns the "Ethernet" property of the current ConnMan service. Without a service, returns
+     * the same keys with values from the network interface: "Method" (empty), "Interface",
+     * "Address" and "MTU". Empty if there is no such network interface.
      */
     QVariantMap getHardwareInfos();
 

@@ -8,9 +8,9 @@
 /**
  * The Wi-Fi station: scans for networks and joins one through ConnMan.
  *
- * A scan or a connect begins with the mode script of the Wi-Fi module and is followed through
- * ConnMan's signals. Every step is announced as a change of the link state or, for a scan, by
- * servicesListChanged(), and is appended to the trace file.
+ * A scan or a connect starts the module's mode script first and then follows ConnMan's signals.
+ * Every step is announced as a change of the link state or, for a scan, by servicesListChanged(),
+ * and is appended to the trace file.
  */
 class KyWifi : public KyTcpIp
 {
@@ -19,7 +19,7 @@ class KyWifi : public KyTcpIp
     Q_CLASSINFO("D-Bus Introspection", INTROSPECTION_WIFI)
 
 public:
-    /** Listens to ConnMan, powers the technology off and offers the agent. */
+    /** Subscribes to ConnMan's signals, powers the technology off and exports the agent. */
     explicit KyWifi(QObject *parent);
 
 public Q_SLOTS:
@@ -28,31 +28,31 @@ public Q_SLOTS:
      * "Password"; ignored unless the state is "idle" or "failure". There is no current service
      * until ConnMan has joined the network.
      *
-     * Fails with "Cannot switch in mode '1' (WLAN STATION)", and the state "failure", when the mode
-     * script still runs or cannot be started. Whatever goes wrong later shows in the state alone.
+     * Fails with "Cannot switch in mode '1' (WLAN STATION)", and the state "failure", if the mode
+     * script still runs or cannot be started. Later failures show in the state only.
      */
     void connect(const QVariantMap &settings, const QDBusMessage &message);
 
     /**
      * Leaves and forgets the network.
      *
-     * Fails with "Cannot remove service" when ConnMan does not forget it, else with "Cannot set
-     * property Powered: " and ConnMan's text when it refuses to power the technology off, as it
-     * does where that is off already. The state becomes "idle" in any case: when the technology is
-     * off, at once after a refusal, and after 15 s at the latest.
+     * Fails with "Cannot remove service" if ConnMan does not forget it, otherwise with "Cannot set
+     * property Powered: " and ConnMan's text if ConnMan refuses to power the technology off, for
+     * example because it is already off. The state always becomes "idle": when the technology is
+     * off, immediately after a refusal, and after 15 s at the latest.
      */
     void disconnect(const QDBusMessage &message);
 
     /**
      * Scans for networks; ignored unless the state is "idle" or "failure", and while a connect is
-     * under way whose state is still "idle". The outcome comes with servicesListChanged(), after
-     * 15 s at the latest once the module is switched.
+     * in progress whose state is still "idle". servicesListChanged() brings the result, at the
+     * latest 15 s after the module has been switched.
      *
      * Fails as connect() does.
      */
     void scan(const QDBusMessage &message);
 
-    /** "Strength" of the current service, as ConnMan gives it; empty without one. */
+    /** Returns "Strength" of the current service as ConnMan reports it; empty without a service. */
     QVariantMap getStrength();
 
 Q_SIGNALS:

@@ -6,10 +6,10 @@
 #include "kytcpip.h"
 
 /**
- * The Wi-Fi access point: writes hostapd's configuration, has the module's mode script start it
- * and watches the network interface until it is on line.
+ * The Wi-Fi access point: writes hostapd's configuration, runs the module's mode script and watches
+ * the network interface until it is up.
  *
- * It does not talk to ConnMan, and starts neither hostapd nor dhcpd itself: the script does.
+ * It does not use ConnMan. The script starts hostapd and dhcpd.
  */
 class KyWifiAp : public KyTcpIp
 {
@@ -25,25 +25,25 @@ public Q_SLOTS:
      * Starts the access point.
      *
      * @param parameters "Channel" (its low 16 bits), "SSID", "Password", "Security" ("WPA2", or
-     *        anything else for an open network) and "IP"; a missing one is 0 or empty, and nothing
-     *        but the absence of control characters is validated
+     *         anything else for an open network) and "IP"; a missing value is 0 or empty. Values
+     *         are only checked for control characters.
      *
      * Fails with "Cannot connect, wap busy" unless the state is "idle" or "failure"; with "Cannot
-     * create hostapd conf file" when a text holds a control character, the template cannot be read
-     * or the configuration not written; with "Cannot switch in mode '2' (WLAN ACCESS POINT)" when
-     * the mode script still runs or cannot be started. The state is "failure" after the latter two.
-     * Whatever goes wrong later shows in the state alone.
+     * create hostapd conf file" if a text has a control character, the template cannot be read or
+     * the configuration not written; with "Cannot switch in mode '2' (WLAN ACCESS POINT)" if the
+     * mode script still runs or cannot be started. The state is "failure" after the latter two.
+     * Later failures show in the state only.
      */
     void connect(const QVariantMap &parameters, const QDBusMessage &message);
 
     /**
-     * Stops the access point; the state is "idle" afterwards, while the script still runs.
+     * Stops the access point; the state becomes "idle" while the script still runs.
      *
      * Fails with "Cannot disconnect WAP, already disconnected" in the state "idle".
      */
     void disconnect(const QDBusMessage &message);
 
-    /** Accepted, and does nothing in this version. */
+    /** Accepted, but has no effect in this version. */
     void wpsEnable();
 
 private:

@@ -11,7 +11,7 @@ namespace
 {
 constexpr int scanTimeMs = 15000;
 constexpr int connectTimeMs = 60000;
-/** What the module takes after its script has ended. */
+/** The module needs this long after its script has ended. */
 constexpr int moduleDelayMs = 2000;
 constexpr int checkDelayMs = 3000;
 
@@ -19,7 +19,7 @@ const struct {
     LinkAction action;
     const char *text;
 } replies[] = {
-    // Of the Ethernet, too, whose mode is another one; clients rely on it.
+    // Ethernet gets this text, too, although its mode is another one; clients rely on it.
     {LinkAction::ReplyCannotSwitch, "Cannot switch in mode '1' (WLAN STATION)"},
     {LinkAction::ReplyCannotSwitchAccessPoint, "Cannot switch in mode '2' (WLAN ACCESS POINT)"},
     {LinkAction::ReplyNotForgotten, "Cannot remove service"},
@@ -135,7 +135,7 @@ LinkEvent LinkDriver::switchMode(const QString &mode)
 LinkEvent LinkDriver::powerOn()
 {
     const QDBusError error = connman::setTechnologyPowered(m_parts.technology, true);
-    // ConnMan will not announce "Powered" then.
+    // ConnMan does not announce "Powered" in this case.
     return error.name() == QLatin1String("net.connman.Error.AlreadyEnabled")
                ? LinkEvent::AlreadyOn
                : LinkEvent::PowerOnAccepted;
@@ -148,7 +148,7 @@ LinkEvent LinkDriver::powerOff()
     return refusal.isValid() ? LinkEvent::PowerOffRefused : LinkEvent::PowerOffAccepted;
 }
 
-/** Hands the kept name servers and IPv4 settings to the current service. */
+/** Sends the stored name servers and IPv4 settings to the current service. */
 LinkEvent LinkDriver::handOver()
 {
     const QString &path = m_parts.service.path();
@@ -157,8 +157,8 @@ LinkEvent LinkDriver::handOver()
                                 m_parts.settings.nameservers());
     const QDBusError refusal =
         connman::setServiceProperty(path, QStringLiteral("IPv4.Configuration"), settings);
-    // The signals of a fast lease are over by now. Settings that ConnMan took and that say
-    // otherwise are still to come into force, and then it sends signals.
+    // The signals of a fast lease have already passed. Settings that ConnMan accepted but that
+    // differ from the present ones have yet to take effect; ConnMan sends signals then.
     const QVariantMap present = m_parts.service.ipv4();
     const bool isSettled = refusal.isValid() || isInForce(settings, present);
     return isSettled && hasAddress(present) ? LinkEvent::AddressThere : LinkEvent::AddressMissing;

@@ -9,13 +9,13 @@
 #include <QObject>
 #include <QTimer>
 
-/** Carries out the actions that the machines of the network interfaces have in common. */
+/** Carries out the actions that all network interfaces share. */
 class LinkDriver : public QObject, protected LinkMachine
 {
     Q_OBJECT
 
 public:
-    /** Handles a client's call; where it fails, @p message is answered with an error. */
+    /** Handles a client's call; on failure replies to @p message with an error. */
     void call(LinkEvent event, const QDBusMessage &message,
               const QVariantMap &arguments = QVariantMap());
 
@@ -29,19 +29,21 @@ protected:
     LinkEvent perform(LinkAction action) override;
     void handled(LinkEvent event, bool isDecided) override;
 
-    /** Whether @p ipv4, a service's "IPv4", holds what this interface counts as an address. */
+    /** Returns true if @p ipv4, a service's "IPv4", counts as an address for this interface. */
     virtual bool hasAddress(const QVariantMap &ipv4) const;
 
     /** Handles @p event, a change of the current service's property @p name to @p value. */
     void serviceChanged(LinkEvent event, const QString &name, const QVariant &value);
 
-    /** Takes the service at @p path for the one to use. @return whether there is one */
+    /**
+     * Stores @p path as the service that was found. @return ServiceListed or NoServiceListed
+     */
     LinkEvent found(const QString &path);
 
     LinkParts &m_parts;
-    /** What the call that is being handled brought. */
+    /** The arguments of the current call. */
     QVariantMap m_arguments;
-    /** Object path of the service that was found last. */
+    /** The object path of the service that was found last. */
     QString m_foundPath;
 
 private:
@@ -54,11 +56,11 @@ private:
     void raiseAfter(int delayMs, LinkEvent event);
 
     QDBusMessage m_message;
-    /** ConnMan's text of the last refusal to power the technology off. */
+    /** ConnMan's text when it last refused to power the technology off. */
     QString m_refusal;
     QString m_changedName;
     QVariant m_changedValue;
-    /** Bounds the attempt or the scan under way. */
+    /** The timeout of the attempt or scan in progress. */
     QTimer m_time;
 };
 

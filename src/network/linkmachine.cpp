@@ -29,7 +29,7 @@ bool holds(LinkCondition condition, const Link &link)
     return true;
 }
 
-/** What the link knows from an event, whatever follows from it. */
+/** Updates the flags of the link for an event, whatever its row. */
 void learn(Link &link, LinkEvent event, bool isTimeRepeated)
 {
     switch (event) {
@@ -57,7 +57,7 @@ void learn(Link &link, LinkEvent event, bool isTimeRepeated)
     }
 }
 
-/** What the link knows from an action that it has done. */
+/** Updates the flags of the link for a completed action. */
 void learn(Link &link, LinkAction action)
 {
     switch (action) {

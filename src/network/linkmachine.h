@@ -5,26 +5,28 @@
 
 #include <optional>
 
-/** What a client wants of the Wi-Fi station. The other interfaces stay at None. */
+/**
+ * The operation that a client requested of the Wi-Fi station. The other interfaces stay at None.
+ */
 enum class LinkOperation { None, Scan, Connect };
 
-/** All that decides what a network interface does next. */
+/** The complete state of a network interface. */
 struct Link {
     KyTcpIpState::State state = KyTcpIpState::Idle;
     LinkOperation operation = LinkOperation::None;
-    /** The module is in the mode that was asked for. */
+    /** The module is in the requested mode. */
     bool isFirmwareLoaded = false;
-    /** The time of the attempt or of the scan runs. */
+    /** The timer of the attempt or scan runs. */
     bool isTimed = false;
-    /** A service of ConnMan is the current one. */
+    /** There is a current ConnMan service. */
     bool hasService = false;
-    /** ConnMan would not forget the network that is being left. */
+    /** ConnMan refused to forget the network that is being left. */
     bool isNetworkKept = false;
-    /** The requested service was "ready" when it was judged last. */
+    /** The requested service was "ready" when it was last judged. */
     bool isRequestedReady = false;
 };
 
-/** What a machine is told. */
+/** The inputs of a machine. */
 enum class LinkEvent {
     None,
     /** The daemon starts. */
@@ -37,15 +39,15 @@ enum class LinkEvent {
 
     // The mode script and the module.
     ScriptEnded,
-    /** The module has had its time since the script ended. */
+    /** The delay after the end of the script is over. */
     ModuleReady,
 
     // Timers.
-    /** The time of the attempt or of the scan is over. */
+    /** The attempt or the scan has timed out. */
     TimeIsOver,
-    /** The technology was to be off by now. */
+    /** The technology should be off by now. */
     LeavingIsOver,
-    /** The access point's interface is to be checked. */
+    /** The next check of the access point's interface is due. */
     CheckIsDue,
 
     // Signals of ConnMan about the technology, its services and the current service.
@@ -56,15 +58,15 @@ enum class LinkEvent {
     ServicesChanged,
     ServiceStrength,
     ServiceError,
-    /** The service's "IPv4" holds what the interface counts as an address. */
+    /** The service's "IPv4" counts as an address for the interface. */
     ServiceAddress,
-    /** The service's "IPv4" holds less than that. */
+    /** The service's "IPv4" does not count as an address. */
     ServiceIPv4,
     ServiceOther,
-    /** ConnMan answers Connect with an error of its own. */
+    /** ConnMan replies to Connect with an error of its own. */
     ConnectFailed,
 
-    // Answers to actions; LinkAction tells which to which.
+    // Results of actions; LinkAction lists which results an action has.
     ScriptStarted,
     ScriptRefused,
     ConnmanRuns,
@@ -103,16 +105,18 @@ enum class LinkEvent {
     Count
 };
 
-/** What a machine has done. An action that asks is answered by one of the events behind it. */
+/**
+ * The outputs of a machine. An action that asks something raises one of the events named with it.
+ */
 enum class LinkAction {
     None,
-    /** Tells clients the state. */
+    /** Announces the state to clients. */
     Announce,
-    /** Passes a changed property of the current service on to clients. */
+    /** Announces a changed property of the current service to clients. */
     PassOn,
-    /** Gives clients the list of networks. */
+    /** Sends clients the list of networks. */
     GiveList,
-    /** Takes the name and the credentials of a connect. */
+    /** Stores the name and the credentials of a connect. */
     TakeRequest,
 
     StartScanTime,
@@ -121,7 +125,7 @@ enum class LinkAction {
     StartLeavingTime,
     StartModuleDelay,
     StartCheckDelay,
-    /** Notes that the module is in the mode that was asked for. */
+    /** Records that the module is in the requested mode. */
     NoteModule,
 
     // Starts the mode script: ScriptStarted, ScriptRefused.
@@ -129,51 +133,51 @@ enum class LinkAction {
     SwitchToStation,
     SwitchToAccessPoint,
 
-    /** Whether ConnMan's program runs: ConnmanRuns, ConnmanAbsent. */
+    /** Is ConnMan's program running? ConnmanRuns, ConnmanAbsent. */
     AskConnman,
-    /** Whether ConnMan lists a network before it is powered: NetworksListed, NoNetworkListed. */
+    /** Does ConnMan list a network before power on? NetworksListed, NoNetworkListed. */
     AskListed,
-    /** Whether ConnMan lists a network once it is powered: NetworksFound, NoNetworkFound. */
+    /** Does ConnMan list a network after power on? NetworksFound, NoNetworkFound. */
     AskFound,
     /** PowerOnAccepted (also after an error), AlreadyOn. */
     PowerOn,
     /** PowerOffAccepted, PowerOffRefused. */
     PowerOff,
     RequestScan,
-    /** Does what ConnMan's signal does: ServicesChanged. */
+    /** Evaluates the services as ConnMan's signal would: ServicesChanged. */
     Evaluate,
-    /** How the requested service is: RequestedMissing ... RequestedOther. */
+    /** What is the state of the requested service? RequestedMissing ... RequestedOther. */
     Judge,
-    /** Whether there is a service to take: ServiceListed, NoServiceListed. */
+    /** Is there a service to use? ServiceListed, NoServiceListed. */
     AskService,
-    /** Whether the technology is connected: TechnologyIsUp, TechnologyIsDown. */
+    /** Is the technology connected? TechnologyIsUp, TechnologyIsDown. */
     AskTechnology,
-    /** Offers the agent and asks for the connection, without waiting: later ConnectFailed. */
+    /** Registers the agent and calls Connect without blocking; ConnectFailed may follow later. */
     RequestConnect,
     /** Makes the service that was found the current one. */
     WatchService,
     ForgetService,
-    /** Hands the IPv4 settings over: AddressThere where the address is settled, AddressMissing. */
+    /** Sends the IPv4 settings: AddressThere if the address is final, AddressMissing. */
     HandOver,
-    /** Whether the service has an address: AddressThere, AddressMissing. */
+    /** Does the service have an address? AddressThere, AddressMissing. */
     AskAddress,
-    /** What is still undecided at the end of the time: TimeJudged. */
+    /** Decides an attempt that is still undecided at its timeout: TimeJudged. */
     JudgeTime,
 
     /** NetworkForgotten, NetworkKept. */
     ForgetNetwork,
     UnregisterAgent,
-    /** Ends a disconnect at once: Left. */
+    /** Ends a disconnect immediately: Left. */
     Leave,
 
     /** ConfigurationWritten, ConfigurationRefused. */
     WriteConfiguration,
-    /** Whether interface, hostapd and dhcpd are there: AccessPointRuns, AccessPointMissing. */
+    /** Do interface, hostapd and dhcpd exist? AccessPointRuns, AccessPointMissing. */
     CheckAccessPoint,
     /** InterfaceRunning, InterfaceDown, InterfaceMissing. */
     CheckInterface,
 
-    // Error replies to the call that is being handled.
+    // Error replies to the current call.
     ReplyCannotSwitch,
     ReplyCannotSwitchAccessPoint,
     ReplyNotForgotten,
@@ -184,7 +188,7 @@ enum class LinkAction {
     Count
 };
 
-/** What else has to hold for a row. */
+/** An additional condition of a row. */
 enum class LinkCondition {
     Always,
     TimeRuns,
@@ -210,12 +214,12 @@ constexpr LinkSet setOf(LinkOperation operation)
     return 1U << static_cast<unsigned>(operation);
 }
 
-/** What a row's firmware flag is compared with. */
+/** The value that a row requires of the firmware flag. */
 enum class LinkFirmware { Any, Loaded };
 
 constexpr int mostLinkActions = 5;
 
-/** Links for which a row holds. */
+/** The links to which a row applies. */
 struct LinkCase {
     LinkSet states;
     LinkSet operations = ~0U;
@@ -223,50 +227,50 @@ struct LinkCase {
     LinkCondition condition = LinkCondition::Always;
 };
 
-/** What a row makes of a link; what is not given stays. */
+/** The new state and operation of a link; a missing one stays the same. */
 struct LinkTarget {
     std::optional<KyTcpIpState::State> state = std::nullopt;
     std::optional<LinkOperation> operation = std::nullopt;
 };
 
-/** A row of a machine: what follows from an event, and what the link is afterwards. */
+/** A row of a machine: the actions for an event, and the link's next state. */
 struct LinkRow {
     LinkCase from;
     LinkEvent event;
     LinkTarget to;
-    /** In this order; the first None ends them. */
+    /** Carried out in this order up to the first None. */
     LinkAction actions[mostLinkActions];
 };
 
-/** A machine. At most one row holds for any link and event; an event without a row is ignored. */
+/** A machine. At most one row applies to any link and event; an event without a row is ignored. */
 struct LinkTable {
     const LinkRow *rows;
     int size;
-    /** Whether the time of an attempt begins anew each time that it is over. */
+    /** True if the timer of an attempt restarts after each timeout. */
     bool isTimeRepeated;
 
     const LinkRow *begin() const { return rows; }
     const LinkRow *end() const { return rows + size; }
 };
 
-/** What follows from an event. */
+/** The result of an event. */
 struct LinkStep {
     Link link;
-    /** The row that holds; null where the event is ignored. */
+    /** The row that applies; null if the event is ignored. */
     const LinkRow *row;
 };
 
-/** Whether @p row holds for @p event while the link is @p link. */
+/** Returns true if @p row applies to @p event for @p link. */
 bool holds(const LinkRow &row, const Link &link, LinkEvent event);
 
-/** What follows from @p event in @p table while the link is @p link. */
+/** Returns the result of @p event in @p table for @p link. */
 LinkStep next(const LinkTable &table, Link link, LinkEvent event);
 
 /**
- * A table at work.
+ * Runs a table.
  *
- * The link is in its next state before the row's actions are carried out, one after another; the
- * answer to an action is handled to its end before the next action.
+ * The link enters its next state before the row's actions are carried out, in order. The result of
+ * an action is handled completely before the next action.
  */
 class LinkMachine
 {
@@ -281,10 +285,12 @@ public:
     void handle(LinkEvent event);
 
 protected:
-    /** Carries @p action out. @return the answer; None where the action does not ask */
+    /**
+     * Carries out @p action. @return its result; None for an action that asks nothing
+     */
     virtual LinkEvent perform(LinkAction action) = 0;
 
-    /** @p event has been handled, with all that followed from it. */
+    /** Called after @p event and everything that followed from it has been handled. */
     virtual void handled(LinkEvent event, bool isDecided) = 0;
 
     const LinkTable &m_table;

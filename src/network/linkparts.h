@@ -5,16 +5,16 @@
 #include "ipv4settings.h"
 #include "modescript.h"
 
-/** What an adaptor of a network interface owns, and its driver works with. */
+/** The parts that an adaptor of a network interface shares with its driver. */
 struct LinkParts {
     LinkParts(const QString &technologyName, const QString &interface, const QString &servicePath)
         : technology(technologyName), interfaceName(interface), service(servicePath)
     {
     }
 
-    /** ConnMan's name of the technology, as in "ethernet". */
+    /** ConnMan's name of the technology, for example "ethernet". */
     const QString technology;
-    /** The kernel's name of the network interface, as in "eth0". */
+    /** The kernel's name of the network interface, for example "eth0". */
     const QString interfaceName;
     ConnmanService service;
     Ipv4Settings settings;

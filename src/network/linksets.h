@@ -3,7 +3,7 @@
 
 #include "linkmachine.h"
 
-/** The words of which the tables of the machines are written. */
+/** The vocabulary of the state tables. */
 namespace linksets
 {
 using Event = LinkEvent;
@@ -38,10 +38,10 @@ constexpr LinkOperation toNone = LinkOperation::None;
 constexpr LinkOperation toScan = LinkOperation::Scan;
 constexpr LinkOperation toConnect = LinkOperation::Connect;
 
-/** For a target: the state stays, the operation may not. */
+/** In a target: the state stays the same while the operation changes. */
 constexpr std::nullopt_t stays = std::nullopt;
 
-/** The row of a table: from, event, to, actions. */
+/** A row of a table: from, event, to, actions. */
 template <typename... Actions>
 constexpr LinkRow row(const LinkCase &from, LinkEvent event, const LinkTarget &to,
                       Actions... actions)

@@ -15,14 +15,14 @@ public:
     /**
      * Starts the script.
      *
-     * @param mode "0" Ethernet alone, "1" Wi-Fi station, "2" access point
-     * @return whether it has started; false while it still runs, and when it has not started within
+     * @param mode "0" Ethernet only, "1" Wi-Fi station, "2" access point
+     * @return true if it has started; false while it still runs, and if it has not started within
      *         1000 ms
      */
     bool start(const QString &mode);
 
 Q_SIGNALS:
-    /** The script has ended, whatever its status. */
+    /** The script has ended, with any status. */
     void ended();
 
 private:

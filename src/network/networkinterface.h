@@ -4,20 +4,21 @@
 #include <QNetworkInterface>
 #include <QString>
 
-/** The network interface of the system with exactly this name; an invalid one where none has. */
+/** Returns the network interface with exactly this name; an invalid one if there is none. */
 QNetworkInterface findNetworkInterface(const QString &name);
 
 /**
- * Whether the interface is switched on, with or without carrier; false for an invalid one.
+ * Returns true if the interface is administratively up, with or without carrier; false for an
+ * invalid one.
  *
- * Newer versions of the network library say so only of an interface that has carrier.
+ * From Qt 5.15 on, IsUp also requires a carrier.
  */
 bool isUp(const QNetworkInterface &interface);
 
-/** Whether the interface is switched on and has carrier; false for an invalid one. */
+/** Returns true if the interface is up and has carrier; false for an invalid one. */
 bool isRunning(const QNetworkInterface &interface);
 
-/** The greatest number of bytes that the interface sends at once; 0 where the kernel says none. */
+/** Returns the MTU of the interface in bytes; 0 if the kernel reports none. */
 ushort maximumTransmissionUnit(const QNetworkInterface &interface);
 
 #endif

@@ -5,7 +5,7 @@
 
 bool isProgramRunning(const QString &name)
 {
-    // Deletes itself when it has ended: waiting for its end could block, even after a kill.
+    // Deletes itself at its end: waiting for it could block, even after a kill.
     auto *pidof = new QProcess;
     QObject::connect(
         pidof, static_cast<void (QProcess::*)(int, QProcess::ExitStatus)>(&QProcess::finished),

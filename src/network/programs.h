@@ -4,9 +4,9 @@
 #include <QString>
 
 /**
- * Whether a program of this name runs, as "pidof" says.
+ * Returns true if "pidof" finds a process with this name.
  *
- * Blocks for at most 1000 ms; false when pidof has not ended by then, fails or is missing.
+ * Blocks for at most 1000 ms; false if pidof has not ended by then, fails or is missing.
  */
 bool isProgramRunning(const QString &name);
 

@@ -4,7 +4,10 @@
 #include <QString>
 #include <QVariant>
 
-/** A client's setting @p key as text, as ConnMan wants every one; empty where it is none. */
+/**
+ * Returns a client's setting @p key as text, the type that ConnMan expects; empty if it cannot be
+ * converted.
+ */
 QString settingText(const QVariantMap &settings, const char *key);
 
 #endif

@@ -8,10 +8,10 @@ using namespace linksets;
 
 // From (state, operation, firmware flag, condition), event, to (state, operation), actions.
 const LinkRow rows[] = {
-    // The radio is off unless it is used.
+    // The radio is off while it is not used.
     row({idle, none}, Event::Started, {}, Do::PowerOff),
 
-    // A scan or a connect begins with the mode script. The "idle" of a connect is not announced:
+    // A scan or a connect starts the mode script first. The "idle" of a connect is not announced:
     // clients take it for the end of an attempt.
     row({idle, none | scan}, Event::ScanCalled, {toIdle, toScan}, Do::StartScanTime, Do::Announce,
         Do::SwitchToStation),
@@ -23,8 +23,8 @@ const LinkRow rows[] = {
         Do::Announce),
     row({all}, Event::ScriptEnded, {}, Do::StartModuleDelay),
 
-    // After a disconnect the module is evaluated for nobody. A scan whose time was over before the
-    // module was ready still has to come to its end.
+    // After a disconnect the module's readiness has no effect. A scan that timed out before the
+    // module was ready still has to end.
     row({idle, scan, either, When::TimeRuns}, Event::ModuleReady, {}, Do::NoteModule,
         Do::AskConnman),
     row({idle, scan, either, When::TimeIsOver}, Event::ModuleReady, {}, Do::NoteModule,
@@ -41,7 +41,7 @@ const LinkRow rows[] = {
     row({idle}, Event::NetworksFound, {}, Do::Evaluate),
     row({idle}, Event::NoNetworkFound, {}, Do::RequestScan),
 
-    // A list ends the scan; a connect judges the service that has the requested name.
+    // A list ends the scan; a connect judges the requested service.
     row({idle, scan, loaded}, Event::ServicesChanged, {stays, toNone}, Do::GiveList, Do::PowerOff),
     row({~configuration, connect, loaded}, Event::ServicesChanged, {}, Do::Judge),
     row({configuration, connect, loaded, When::TimeRuns}, Event::ServicesChanged, {}, Do::Judge),
@@ -58,29 +58,30 @@ const LinkRow rows[] = {
     row({all, connect}, Event::RequestedOnline, {toOnline, toNone}, Do::StopTime, Do::Announce),
     row({configuration, connect}, Event::AddressThere, {toOnline}, Do::StopTime, Do::Announce),
 
-    // The technology is connected before anything was asked.
+    // The technology connected before the daemon asked for it.
     row({idle, connect, loaded}, Event::TechnologyConnected, {}, Do::AskService),
     row({idle, connect}, Event::ServiceListed, {toConfiguration}, Do::WatchService, Do::Announce,
         Do::HandOver),
 
-    // The radio stays on: powered off, ConnMan would forget that the key was wrong, keep it and ask
-    // for no other.
+    // The radio stays on: a power off would make ConnMan forget the refusal, keep the wrong key and
+    // ask for no other.
     row({association}, Event::ConnectFailed, {toFailure, toNone}, Do::Announce),
 
-    // The current service. One that is being left must not end the disconnect in another state.
+    // The current service. The service that is being left must not end the disconnect in another
+    // state.
     row({all, all, loaded}, Event::ServiceStrength, {}, Do::PassOn),
     row({~leaving, all, loaded}, Event::ServiceError, {toFailure, toNone}, Do::Announce,
         Do::PowerOff),
     row({~leaving, all, loaded}, Event::ServiceAddress, {toOnline}, Do::Announce),
 
-    // What is undecided at the end fails. The address of a service that is "ready" may still come;
+    // An undecided attempt fails at its timeout. The address of a "ready" service may still come;
     // it is judged again at each change.
     row({all}, Event::TimeIsOver, {}, Do::Evaluate, Do::JudgeTime),
     row({idle | association, connect}, Event::TimeJudged, {toFailure, toNone}, Do::Announce),
     row({configuration, connect, either, When::RequestedIsNotReady}, Event::TimeJudged,
         {toFailure, toNone}, Do::Announce),
 
-    // Never stuck: a refusal rules out the signal that the technology is off.
+    // Never gets stuck: after a refusal, no signal says that the technology is off.
     row({all, all, either, When::HasService}, Event::DisconnectCalled, {toDisconnect, toNone},
         Do::Announce, Do::ForgetNetwork, Do::PowerOff),
     row({all, all, either, When::HasNoService}, Event::DisconnectCalled, {toDisconnect, toNone},

@@ -5,21 +5,20 @@
 
 #include <QString>
 
-/** The Wi-Fi station. */
+/** The state table of the Wi-Fi station. */
 extern const LinkTable stationTable;
 
 /**
- * What it means for an attempt that ConnMan gives the requested network's service the state
- * @p serviceState.
+ * Returns the event for @p serviceState, ConnMan's state of the requested network's service.
  */
 LinkEvent requestedEvent(const QString &serviceState);
 
 /**
- * Whether the D-Bus error @p errorName, ConnMan's answer to Connect, fails the attempt (empty: no
- * error).
+ * Returns true if the D-Bus error @p errorName, ConnMan's reply to Connect, fails the attempt
+ * (empty: no error).
  *
- * Only an error of ConnMan's own does. A connection that stands or is under way already is no
- * failure, and neither is a reply that has not come in time.
+ * Only ConnMan's own errors do, except those for a connection that exists or is in progress. A
+ * timeout of the call decides nothing.
  */
 bool failsConnect(const QString &errorName);
 

@@ -26,7 +26,7 @@ void TechnologyWatch::technologyPropertyChangedSlot(const QString &name, const Q
         Q_EMIT happened(LinkEvent::TechnologyOther);
 }
 
-// Takes no argument, so that a signal with whatever arguments triggers it.
+// Takes no argument, so that a signal with any arguments triggers it.
 void TechnologyWatch::servicesChangedSlot()
 {
     Q_EMIT happened(LinkEvent::ServicesChanged);

@@ -6,17 +6,17 @@
 #include <QDBusVariant>
 #include <QObject>
 
-/** What ConnMan tells about one technology and about the list of services. */
+/** Turns ConnMan's signals about one technology and the list of services into events. */
 class TechnologyWatch : public QObject
 {
     Q_OBJECT
 
 public:
-    /** Subscribes to the signals of @p technology, as in "ethernet". */
+    /** Subscribes to the signals of @p technology, for example "ethernet". */
     explicit TechnologyWatch(const QString &technology);
 
 Q_SIGNALS:
-    /** A signal has come: one of TechnologyOn ... TechnologyOther, or ServicesChanged. */
+    /** A signal arrived: one of TechnologyOn ... TechnologyOther, or ServicesChanged. */
     void happened(LinkEvent event);
 
 private Q_SLOTS:

@@ -65,7 +65,7 @@ WifiServiceChange wifiServiceChange(const QString &name, const QVariant &value)
 {
     if (name == QStringLiteral("Strength") && strengthOf(value).isValid())
         return {LinkEvent::ServiceStrength, strengthOf(value)};
-    // ConnMan announces an empty error when it forgets one.
+    // ConnMan announces an empty error when it clears one.
     if (name == QStringLiteral("Error") && !basicValue(value).toString().isEmpty())
         return {LinkEvent::ServiceError, QVariant()};
     if (name == QStringLiteral("IPv4") && toMap(value).contains(QStringLiteral("Address")))

@@ -4,36 +4,39 @@
 #include "connman.h"
 #include "linkmachine.h"
 
-/** Those of ConnMan's @p services that are Wi-Fi networks, in ConnMan's order. */
+/** Returns those of ConnMan's @p services that are Wi-Fi networks, in ConnMan's order. */
 QList<ConnmanObject> wifiServices(const QList<ConnmanObject> &services);
 
 /**
- * The first of @p services that bears the name @p name; one without path where none does. A
- * network without a name (a hidden one) is not the one named "".
+ * Returns the first of @p services with the name @p name; one with an empty path if there is none.
+ * A hidden network has no name and does not match "".
  */
 ConnmanObject wifiServiceNamed(const QList<ConnmanObject> &services, const QString &name);
 
 /**
- * The outcome of a scan, for clients: by the network's name, a string list of its object path, its
- * strength in decimal (0 to 100) and its kinds of security, joined by commas.
+ * Returns the result of a scan, for clients: for each network's name a string list of its object
+ * path, its strength in decimal (0 to 100) and its kinds of security, joined by commas.
  *
- * Hidden networks are left out. Of networks of one name only the first is in it, which is the one
- * that would be joined.
+ * Hidden networks are left out. Of several networks with the same name it has the first one, which
+ * a connect would join.
  */
 QVariantMap wifiScanList(const QList<ConnmanObject> &services);
 
-/** ConnMan's number for a service's strength, as it can be sent on; invalid for anything else. */
+/**
+ * Returns ConnMan's strength of a service in a form that can be sent; invalid for anything but a
+ * number.
+ */
 QVariant strengthOf(const QVariant &value);
 
 /** A change of the station's current service. */
 struct WifiServiceChange {
     /** One of ServiceStrength, ServiceError, ServiceAddress and ServiceOther. */
     LinkEvent event;
-    /** The value as it can be sent on, where that is its due. */
+    /** The value in a form that can be sent, for a change that clients receive. */
     QVariant value;
 };
 
-/** What it means that the current service's property @p name is @p value now. */
+/** Interprets the new @p value of the current service's property @p name. */
 WifiServiceChange wifiServiceChange(const QString &name, const QVariant &value);
 
 #endif

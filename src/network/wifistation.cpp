@@ -16,7 +16,7 @@
 namespace
 {
 constexpr int leavingTimeMs = 15000;
-/** No network's name is longer, and the trace holds the name again and again. */
+/** Longer than any network's name. The trace repeats the name in every record. */
 constexpr int longestName = 255;
 
 const QString agentPath = QStringLiteral("/KyComMgr/Agent");
@@ -145,9 +145,8 @@ void WifiStation::requestScan()
 void WifiStation::requestConnect()
 {
     registerAgent();
-    // ConnMan replies only after it has had an answer from the agent, which this very thread
-    // gives: waiting for the reply here would block until the call times out, with the network not
-    // joined and no client served in the meantime.
+    // ConnMan replies only after the agent has answered, and the agent runs on this thread: a
+    // blocking call would time out, join no network and block all clients.
     auto *reply = new QDBusPendingCallWatcher(connman::connectService(m_foundPath), this);
     connect(reply, &QDBusPendingCallWatcher::finished, this, &WifiStation::connectAnswered);
     m_connectReply = reply;
@@ -159,7 +158,7 @@ void WifiStation::connectAnswered(QDBusPendingCallWatcher *reply)
     if (reply->isError())
         qDebug() << "Connect:" << reply->error().message();
     reply->deleteLater();
-    // A reply may come in a later attempt, about which it says nothing.
+    // A late reply of an earlier attempt says nothing about this one.
     if (reply != m_connectReply)
         return;
     m_connectReply = nullptr;

@@ -7,16 +7,16 @@
 class KyConnmanAgent;
 class QDBusPendingCallWatcher;
 
-/** Carries out what is the Wi-Fi station's alone, and writes the trace. */
+/** Carries out the actions that only the Wi-Fi station has, and writes the trace. */
 class WifiStation : public LinkDriver
 {
     Q_OBJECT
 
 public:
-    /** Listens to ConnMan. */
+    /** Subscribes to ConnMan's signals. */
     explicit WifiStation(LinkParts &parts);
 
-    /** Powers the technology off and offers the agent. */
+    /** Powers the technology off and exports the agent. */
     void start();
 
 Q_SIGNALS:
@@ -42,11 +42,11 @@ private:
 
     TechnologyWatch m_watch;
     KyConnmanAgent *m_agent = nullptr;
-    /** The name of the network that the last connect named. */
+    /** The network of the last connect. */
     QString m_requestedService;
-    /** ConnMan's reply to the last Connect; null when it has come. */
+    /** The pending reply to the last Connect; null when it has arrived. */
     const QDBusPendingCallWatcher *m_connectReply = nullptr;
-    /** Bounds the wait for the technology to be off. */
+    /** The timeout for the technology to be off. */
     QTimer m_leavingTime;
 };
 

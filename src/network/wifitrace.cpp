@@ -10,7 +10,7 @@
 
 namespace
 {
-/** Callers decide how many records there are and how long: they must not fill the disk. */
+/** Clients determine the number and length of records: limit the disk space. */
 constexpr off_t mostBytes = 4 << 20;
 
 const struct {
@@ -77,7 +77,7 @@ void appendWifiTrace(const WifiTraceRecord &record)
     const int descriptor = openRegularFile("/tmp/logkywifi", O_APPEND, 0777);
     if (descriptor < 0)
         return;
-    // A standard stream that was closed must not become the trace.
+    // Descriptor 0: a closed standard stream must not become the trace.
     if (descriptor > 0 && hasRoom(descriptor)) {
         const QByteArray lines = wifiTraceLines(record);
         const ssize_t written = write(descriptor, lines.constData(), size_t(lines.size()));

@@ -5,37 +5,37 @@
 
 #include <QString>
 
-/** One step of the Wi-Fi station, as the trace file tells it. */
+/** One step of the Wi-Fi station in the trace file. */
 struct WifiTraceRecord {
-    /** The method that ends with this record. */
+    /** The method whose end this record marks. */
     QString method;
-    /** What is under way, as in "OP:scan". */
+    /** The operation in progress, for example "OP:scan". */
     QString operation;
     /** The name of the station's state. */
     QString state;
-    /** The network that the last connect named. */
+    /** The network of the last connect. */
     QString requestedService;
 };
 
-/** The method that an event of the station ends with a record of. */
+/** The name that the trace gives to an event of the station. */
 struct WifiTraceMethod {
-    /** Null for an event that has no record of its own. */
+    /** Null for an event without a record of its own. */
     const char *name;
-    /** Whether there is a record also where the event is ignored. */
+    /** True if the event is also recorded when the table ignores it. */
     bool isTracedWhenIgnored;
 };
 
 WifiTraceMethod wifiTraceMethod(LinkEvent event);
 
-/** How the trace names @p operation. */
+/** Returns the trace's name of @p operation. */
 QString wifiTraceOperation(LinkOperation operation);
 
-/** @p record as the lines of the trace file, in UTF-8. */
+/** Returns @p record as the lines of the trace file, in UTF-8. */
 QByteArray wifiTraceLines(const WifiTraceRecord &record);
 
 /**
- * Appends @p record to "/tmp/logkywifi", in one write; a file that cannot be written is ignored.
- * A file that has 4 MiB stays as it is until it is rotated.
+ * Appends @p record to "/tmp/logkywifi" with one write; errors are ignored. A file of 4 MiB or more
+ * gets no further records until it is rotated.
  */
 void appendWifiTrace(const WifiTraceRecord &record);
 
