@@ -7,7 +7,7 @@ constexpr int lastEntry = 12;
 
 int backlightStep(int percentage, const BacklightSteps &steps)
 {
-    // The search begins behind entry 0.
+    // Starts at entry 1: step 0 is never the result.
     for (int step = 1; step <= lastEntry; ++step) {
         if (steps.percentage[step] >= percentage)
             return step;

@@ -26,11 +26,12 @@ const Bound charging[] = {
     {60, Battery::CHARGER_ON_BAT_INF_60},
     {80, Battery::CHARGER_ON_BAT_INF_80},
     {100, Battery::CHARGER_ON_BAT_INF_100},
-    // More than full is no measurement.
+    // A charge above 100 % is no measurement.
     {unbounded, Battery::CHARGER_OFF_UNKNOWN_BAT},
 };
 
-/** The status of the first row that covers @p charge, which is wide enough to be any int negated.
+/**
+ * Returns the status of the first row that covers @p charge, which holds the negation of any int.
  */
 Battery::Status statusOf(qint64 charge, const Bound *bound)
 {
@@ -53,7 +54,7 @@ Battery::Status batteryStatus(bool chargerPresent, int meterType,
         return statusOf(charge, discharging);
     if (meterType != 1 && meterType != 2)
         return Battery::CHARGER_ON_NO_BAT;
-    // The meter negates the percentage while the battery is being charged.
+    // The charge meter reports a negative percentage while the battery is being charged.
     if (charge < 0)
         return statusOf(-charge, charging);
     return measurement.isCharging ? Battery::CHARGER_ON_BAT_INF_20 : Battery::CHARGER_ON_BAT_FULL;

@@ -32,19 +32,19 @@ public:
     };
 };
 
-/** What the charge meter measured. */
+/** A measurement of the charge meter. */
 struct BatteryMeasurement {
     /** Charging has not ended; meaningful with the charger present and @ref charge >= 0. */
     bool isCharging;
-    /** In percent, negative while the battery is being charged; may be any number. */
+    /** In percent, negative while the battery is being charged; can be any number. */
     int charge;
 };
 
 /**
- * The battery status that @p measurement stands for.
+ * Returns the battery status for @p measurement.
  *
- * @param meterType the type of charge meter fitted; with the charger present only types 1 and 2
- *        tell how full the battery is
+ * @param meterType the type of the charge meter; with the charger present only types 1 and 2 report
+ *         the charge
  */
 Battery::Status batteryStatus(bool chargerPresent, int meterType,
                               const BatteryMeasurement &measurement);
@@ -52,7 +52,7 @@ Battery::Status batteryStatus(bool chargerPresent, int meterType,
 /** The name of @p status. */
 QString batteryStatusName(Battery::Status status);
 
-/** The status of that name, compared exactly; nothing for any other text. */
+/** Returns the status with exactly that name; nothing for any other text. */
 std::optional<Battery::Status> batteryStatusNamed(const QString &name);
 
 #endif

@@ -4,36 +4,36 @@
 #include <optional>
 
 /*
- * The brightness levels: how an illuminance is sorted into them, and around which band of it the
- * light sensor is to stay silent.
+ * The brightness levels: the level of an illuminance, and the band in which the light sensor must
+ * not interrupt.
  */
 
-/** The lux bounds of the levels. They should ascend; no other order does harm. */
+/** The lux bounds of the levels. They should ascend; another order is harmless. */
 struct BrightnessBounds {
     int level[18];
 };
 
-/** An illuminance band, in lux, ends included. */
+/** An illuminance band in lux, both ends included. */
 struct BrightnessBand {
     int low;
     int high;
 };
 
 /**
- * The level of @p lux: the first of 1 to 16 whose bound is not below it, 16 above all of them.
+ * Returns the level of @p lux: the first of 1 to 16 whose bound is not below it, or 16.
  *
- * The outermost bounds, 0 and 17, are no level of their own; they only close the bands.
+ * The outermost bounds, 0 and 17, are not levels; they only end the bands.
  */
 int brightnessLevel(double lux, const BrightnessBounds &bounds);
 
 /**
- * The band around @p level (1 to 16), which reaches from the bound below it to the one above it:
- * the light must cross a neighbouring level before it counts as changed. Nothing where that band
- * would be negative or upside down.
+ * Returns the band around @p level (1 to 16), from the bound below it to the bound above it: the
+ * light must cross a neighbouring level before it counts as changed. Nothing if the band would be
+ * negative or inverted.
  */
 std::optional<BrightnessBand> brightnessBand(int level, const BrightnessBounds &bounds);
 
-/** The sensor's persistence byte for the setting @p timer, of which only the low bits count. */
+/** Returns the sensor's persistence byte for the setting @p timer; only the low bits count. */
 unsigned char thresholdTimerByte(unsigned int timer);
 
 #endif

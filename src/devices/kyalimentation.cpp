@@ -12,7 +12,7 @@ constexpr int steadyIntervalMs = 300000;
 constexpr unsigned short supplyRegister = 0x600;
 constexpr unsigned int chargerPresentBit = 1U << 30;
 
-/** False also when the register cannot be read. */
+/** Also returns false if the register cannot be read. */
 bool readChargerPresence()
 {
     KySocManager socManager;
@@ -72,7 +72,7 @@ void KyAlimentation::periodicBatteryCheck()
     Q_EMIT batteryStatus(readBatteryStatus());
 }
 
-/** Tells the monitor about the charger even when nothing changed. */
+/** Updates the monitor's charger state even when it has not changed. */
 void KyAlimentation::refresh()
 {
     m_chargerPresent = readChargerPresence();

@@ -13,9 +13,9 @@ class QTimer;
 /**
  * The power supply: reduces the charger and the battery's charge meter to one of fourteen statuses.
  *
- * The status is checked every 10 s for the first eleven times and every 5 minutes from then on.
- * Nothing is reported when the hardware fails: a charger that cannot be read counts as absent, a
- * battery that cannot be read as unknown.
+ * The status is checked every 10 s for the first eleven times and every 5 minutes afterwards.
+ * Hardware failures are not reported: a charger that cannot be read counts as absent, a battery
+ * that cannot be read as unknown.
  */
 class KyAlimentation : public QDBusAbstractAdaptor
 {
@@ -23,29 +23,32 @@ class KyAlimentation : public QDBusAbstractAdaptor
     Q_CLASSINFO("D-Bus Interface", "com.orvendis.Strandel.BoardManager.Alimentation")
     Q_CLASSINFO("D-Bus Introspection", INTROSPECTION_ALIMENTATION)
     /**
-     * The name of the present status. Reading it measures; when the charger came or went since the
-     * last measurement, the signal of the same name is sent, too.
+     * The name of the current status. A read takes a measurement. If the charger came or went since
+     * the last measurement, it also sends the signal of the same name.
      */
     Q_PROPERTY(QString batteryStatus READ readBatteryStatus)
 
 public:
     using BatteryStatus = Battery::Status;
 
-    /** Tells the monitor whether the charger is connected and starts the periodic check. */
+    /** Reports the charger to the monitor and starts the periodic check. */
     explicit KyAlimentation(QObject *parent);
 
-    /** Measures; the value of the property, with the signal that reading it may send. */
+    /** Takes a measurement and returns the value of the property; may send the signal. */
     QString readBatteryStatus();
 
-    /** Brings the battery monitor into the state in which power may be cut. The check goes on. */
+    /** Prepares the battery monitor for power off. The periodic check continues. */
     void prepareForShutdown();
 
 public Q_SLOTS:
-    /** The voltage of the last successful measurement, in the charge meter's unit; 0 before. */
+    /**
+     * Returns the voltage of the last successful measurement, in the charge meter's unit; 0 before
+     * the first one.
+     */
     uint getBatteryVoltage() const;
 
 Q_SIGNALS:
-    /** Sent at every periodic check, and by a reading that notices the charger come or go. */
+    /** Sent at every periodic check, and by a read that detects a change of the charger. */
     void batteryStatus(QString status);
 
 private:
@@ -55,7 +58,7 @@ private:
 
     QTimer *m_checkTimer;
     KyBatmonitor m_batmonitor;
-    /** Checks left at the interval of the start; negative once the steady interval runs. */
+    /** Remaining checks at the initial interval; negative once the steady interval runs. */
     qint16 m_fastChecksLeft;
     bool m_chargerPresent;
     quint16 m_batteryVoltage;

@@ -20,9 +20,9 @@ KyBrightness::KyBrightness(QObject *parent) : QDBusAbstractAdaptor(parent)
     setAutoRelaySignals(false);
     if (!m_sensor.interrupt())
         return;
-    // The edge of an interrupt line shows as urgent data.
+    // The notifier reports an interrupt line's edge as urgent data.
     auto *notifier = new QSocketNotifier(*m_sensor.interrupt(), QSocketNotifier::Exception, parent);
-    // Qt 5.15 gives the signal a second form, which only its text tells apart from the first.
+    // Qt 5.15 has a second overload of the signal; only the string syntax selects the first one.
     connect(notifier, SIGNAL(activated(int)), SLOT(handleAlsActivation(int)));
 }
 
@@ -47,7 +47,7 @@ double KyBrightness::getBrightness(const QDBusMessage &message)
     return lux.value_or(-1);
 }
 
-/** Takes in an interrupt of the sensor: puts the band around the new level and announces it. */
+/** Handles an interrupt: sets the band around the new level and announces the level. */
 void KyBrightness::handleAlsActivation(int socket)
 {
     if (!m_sensor.isReady())
@@ -58,7 +58,7 @@ void KyBrightness::handleAlsActivation(int socket)
     if (!m_sensor.acknowledge(socket))
         qDebug() << qPrintable(Q_FUNC_INFO + QStringLiteral("Read interrupt ALS failed"));
     if (!m_sensor.setBand(level)) {
-        // The spelling is relied on.
+        // The journal's readers rely on the spelling.
         qDebug() << qPrintable(Q_FUNC_INFO +
                                QStringLiteral("Setting the new theresholds for ALS failed"));
         return;

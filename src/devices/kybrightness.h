@@ -11,10 +11,10 @@
 class QDBusMessage;
 
 /**
- * The ambient light: its illuminance, and the announcement that it changed by a level.
+ * The ambient light: reads its illuminance and announces changes of its level.
  *
- * Nothing is polled: the sensor interrupts when the light leaves the band around its present
- * level. A sensor that could not be set up stays unusable until the next start.
+ * Nothing is polled: the sensor interrupts when the light leaves the band around its level. A
+ * sensor whose initialisation failed stays unusable until the next start.
  */
 class KyBrightness : public QDBusAbstractAdaptor
 {
@@ -26,7 +26,7 @@ public:
     /** Reads the levels from the settings, sets the sensor up and watches its interrupt. */
     explicit KyBrightness(QObject *parent);
 
-    /** The illuminance in lux; nothing for a sensor that could not be set up, or read. */
+    /** Returns the illuminance in lux; nothing if the sensor failed to initialise or to read. */
     std::optional<double> readLight();
 
     /** The level of @p lux, 1 to 16. */
@@ -34,19 +34,18 @@ public:
 
 public Q_SLOTS:
     /**
-     * The present illuminance in lux.
+     * Returns the current illuminance in lux.
      *
-     * Error::m_initialisation for a sensor that could not be set up, Error::m_read when the reading
-     * fails.
+     * Error::m_initialisation if the sensor failed to initialise, Error::m_read if the read fails.
      */
     double getBrightness(const QDBusMessage &message);
 
 Q_SIGNALS:
     /**
-     * The light left the band around its level. Sent at every interrupt of the sensor, so the level
-     * need not be another one than before.
+     * The light left the band around its level. Sent at every interrupt of the sensor, even if the
+     * level is the same as before.
      *
-     * @param brightness the illuminance in lux; -1 when it could not be read
+     * @param brightness the illuminance in lux; -1 if it could not be read
      * @param brightnessLevel its level, 1 to 16
      */
     void reachedBrightnessThreshold(double brightness, int brightnessLevel);

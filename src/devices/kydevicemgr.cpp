@@ -30,7 +30,7 @@ void KyDeviceMgr::prepareForShutdown(const QDBusMessage & /*message*/)
     m_alimentation.prepareForShutdown();
 }
 
-/** Reads the instrument record, which also tells the board library the brand and the model. */
+/** Reads the instrument record, which also passes brand and model to the board library. */
 bool KyDeviceMgr::readScreenPresence()
 {
     const QVariantMap instrument = m_version.getEepromInstrument();
@@ -44,7 +44,7 @@ void KyDeviceMgr::wireLeds()
     connect(&m_storage, &KyStorage::deviceChangedMountState, &m_led, &KyLED::handleStorage);
 }
 
-/** Tells the LEDs what no event might tell them for long. */
+/** Updates the LEDs, because the next event may be a long time away. */
 void KyDeviceMgr::showPresentState()
 {
     Q_EMIT m_alimentation.batteryStatus(m_alimentation.readBatteryStatus());

@@ -16,10 +16,10 @@ class KyScreenBacklight;
 class QDBusMessage;
 
 /**
- * The root of the device side: owns the adaptors of the board's devices, wires them to one another
- * and prepares the board for power-off.
+ * Owns the adaptors of the board's devices, connects them with one another and prepares the board
+ * for power off.
  *
- * All of them adapt the object that this one adapts.
+ * All of them adapt the same object as this one.
  */
 class KyDeviceMgr : public QDBusAbstractAdaptor
 {
@@ -29,19 +29,19 @@ class KyDeviceMgr : public QDBusAbstractAdaptor
 
 public:
     /**
-     * Initialises the devices and makes the LEDs show the present state.
+     * Initialises the devices and makes the LEDs show the current state.
      *
-     * Screen backlight and light sensor are offered on the models that have a screen; an
-     * instrument record that cannot be read counts as one without.
+     * Exports backlight and light sensor on models with a screen; an instrument record that cannot
+     * be read counts as a model without one.
      */
     explicit KyDeviceMgr(QObject *parent);
 
 public Q_SLOTS:
     /**
-     * Brings the LEDs and the battery monitor into the state in which power may be cut. From then
-     * on the battery status, which is still announced, no longer changes any LED.
+     * Prepares the LEDs and the battery monitor for power off. Afterwards the battery status is
+     * still announced, but changes no LED.
      *
-     * Never fails, whatever arguments it brings; a repeated call does the same again.
+     * Never fails, whatever arguments it gets; a repeated call does the same again.
      */
     void prepareForShutdown(const QDBusMessage &message);
 

@@ -14,11 +14,10 @@ struct LedSetting;
 class QDBusMessage;
 
 /**
- * The front-panel LEDs: set and read by clients, and driven by the battery status and the storage
- * devices.
+ * The front-panel LEDs: clients set and read them, battery status and storage devices drive them.
  *
- * LEDs and what they show go by the names of the two enumerations, compared exactly. No state is
- * kept here: what an LED shows is read back from the hardware.
+ * LEDs and states have the names of the two enumerations, compared exactly. The class keeps no
+ * state: it reads the LEDs back from the hardware.
  */
 class KyLED : public QDBusAbstractAdaptor
 {
@@ -34,26 +33,26 @@ public:
     explicit KyLED(QObject *parent);
 
     /**
-     * Makes the battery gauge show @p status, a name of Battery::Status; any other
-     * text changes nothing. Failures of the hardware are ignored.
+     * Makes the battery gauge show @p status, a name of Battery::Status; ignores any other text and
+     * hardware failures.
      */
     void handleAlimentation(const QString &status);
 
     /** The same for the LEDs of the power button. */
     void handlePowerButton(const QString &status);
 
-    /** Makes the LED of the SD card show whether it is mounted; other devices have no LED. */
+    /** Makes the SD card's LED show whether the card is mounted; other devices have no LED. */
     void handleStorage(const QString &device, bool isMounted);
 
 public Q_SLOTS:
     /**
-     * Makes @p led show @p status; every name of the states is passed on, "UNKNOWN" too.
+     * Sets @p led to @p status; passes every state name to the hardware, including "UNKNOWN".
      *
-     * Error::m_invalidArgument for a name that is none, Error::m_write when the hardware refuses.
+     * Error::m_invalidArgument for an unknown name, Error::m_write if the hardware refuses.
      */
     void setLEDStatus(QString led, QString status, const QDBusMessage &message);
 
-    /** What each LED shows, by its name; an LED that cannot be read is left out. */
+    /** Returns the state of each LED by its name; leaves out an LED that cannot be read. */
     QVariantMap getLEDStatus();
 
     /** Makes the power button show that the instrument shuts down; failures are ignored. */

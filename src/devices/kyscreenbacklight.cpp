@@ -23,7 +23,7 @@ const ErrorText setBacklightStepErrors[] = {
     {Error::Write, "Could not set the current backlight value"},
 };
 
-/** Sets the light to @p percentage, which need not be one. */
+/** Sets the backlight to @p percentage, which may be out of range. */
 int write(int percentage)
 {
     if (percentage < 0 || percentage > 100)
@@ -81,7 +81,7 @@ void KyScreenBacklight::setBacklightStep(bool autoBacklight, int getBacklightSte
     reportFailure(code, setBacklightStepErrors, message);
 }
 
-/** In automatic mode, follows the ambient light to another step. */
+/** Automatic mode: changes the step with the ambient light. */
 void KyScreenBacklight::handleBrightnessChange(double /*brightness*/, int brightnessLevel)
 {
     const LightStep light = stepForLevel(brightnessLevel);
@@ -97,7 +97,7 @@ void KyScreenBacklight::handleBrightnessChange(double /*brightness*/, int bright
     }
 }
 
-/** Sets the backlight by the present light and announces it; only a failed reading is an error. */
+/** Sets the backlight for the current light and announces it; only a failed read is an error. */
 int KyScreenBacklight::followLight()
 {
     const std::optional<double> lux = m_brightness->readLight();

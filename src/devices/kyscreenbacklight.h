@@ -10,11 +10,11 @@ class KyBrightness;
 class QDBusMessage;
 
 /**
- * The backlight of the screen, set as a percentage, as a step of a table of percentages, or by the
+ * The backlight of the screen: set as a percentage, as a step of a table of percentages, or by the
  * ambient light.
  *
- * Every start begins in manual mode with the backlight as the hardware left it. An error code that
- * a method does not name is answered with a sentence that asks for a bug report.
+ * Every start is in manual mode and keeps the hardware's backlight. An error code without a text in
+ * a method's table gets a sentence that asks for a bug report.
  */
 class KyScreenBacklight : public QDBusAbstractAdaptor
 {
@@ -23,41 +23,41 @@ class KyScreenBacklight : public QDBusAbstractAdaptor
     Q_CLASSINFO("D-Bus Introspection", INTROSPECTION_BACKLIGHT)
 
 public:
-    /** Reads the steps from the settings and attaches the light sensor, too, to @p parent. */
+    /** Reads the steps from the settings and adds the light sensor's adaptor to @p parent, too. */
     explicit KyScreenBacklight(QObject *parent);
 
 public Q_SLOTS:
-    /** The present percentage. Error::m_read when it cannot be read. */
+    /** Returns the current percentage. Error::m_read if it cannot be read. */
     int getBacklight(const QDBusMessage &message);
 
     /**
-     * Sets the percentage @p backlight, 0 to 100; the mode stays.
+     * Sets the percentage @p backlight, 0 to 100; does not change the mode.
      *
-     * Error::m_invalidArgument for any other number, Error::m_write when the hardware refuses.
+     * Error::m_invalidArgument for any other number, Error::m_write if the hardware refuses.
      */
     void setBacklight(int backlight, const QDBusMessage &message);
 
-    /** Switches the backlight on or off. Error::m_write when the hardware refuses. */
+    /** Switches the backlight on or off. Error::m_write if the hardware refuses. */
     void enableBacklight(bool enable, const QDBusMessage &message);
 
     /**
-     * The step of the present percentage: 1 to 12, or 15 above the whole table.
+     * Returns the step of the current percentage: 1 to 12, or 15 above the whole table.
      *
-     * Error::m_read when it cannot be read.
+     * Error::m_read if it cannot be read.
      */
     int getBacklightStep(const QDBusMessage &message);
 
     /**
-     * Chooses automatic or manual mode, and the step of manual mode.
+     * Sets automatic or manual mode, and the step of manual mode.
      *
-     * The mode is changed even when the step is refused. In automatic mode the step is only
-     * checked, and the backlight set by the present light.
+     * Changes the mode even if the step is invalid. In automatic mode it only checks the step, and
+     * sets the backlight for the current light.
      *
-     * @param getBacklightStep 0 to 13, of which 13 means 12
+     * @param getBacklightStep 0 to 13; 13 means 12
      *
-     * Error::m_invalidArgument for any other step or for one whose percentage is none,
-     * Error::m_write when the hardware refuses in manual mode, Error::m_read when the light cannot
-     * be read in automatic mode.
+     * Error::m_invalidArgument for any other step or for a step whose percentage is out of range,
+     * Error::m_write if the hardware refuses in manual mode, Error::m_read if the light cannot be
+     * read in automatic mode.
      */
     void setBacklightStep(bool autoBacklight, int getBacklightStep, const QDBusMessage &message);
 

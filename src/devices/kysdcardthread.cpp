@@ -9,16 +9,16 @@
 
 namespace
 {
-// Groups of listeners to device events: the kernel's own and one more of the platform.
+// Multicast groups of device events: the kernel's and one that the platform adds.
 const unsigned int eventGroups = 0x11;
 
-// Room for ten thousand of the largest events that the kernel sends, should the listener not get
-// to run for a while. The kernel doubles it, for what it keeps beside each event.
+// Holds ten thousand of the kernel's largest events while the listener does not run. The kernel
+// doubles it for its own bookkeeping.
 const int receiveBufferSize = 32 * 1024 * 1024;
 
 using EventBuffer = char[4096];
 
-/** Signals are for the other threads: here they would interrupt a receive. */
+/** Blocks all signals, so that they do not interrupt a receive; other threads handle them. */
 void leaveSignalsToOthers()
 {
     sigset_t all;
@@ -26,11 +26,11 @@ void leaveSignalsToOthers()
     pthread_sigmask(SIG_SETMASK, &all, nullptr);
 }
 
-/** Keeps a burst of events from being lost, and from counting as a failure if some are lost. */
+/** Prevents lost events in a burst, and the error that a lost event would cause. */
 void prepareForBursts(int descriptor)
 {
     const int size = receiveBufferSize;
-    // Without the privilege to exceed it, the system's limit applies.
+    // Without CAP_NET_ADMIN the system's limit applies.
     if (setsockopt(descriptor, SOL_SOCKET, SO_RCVBUFFORCE, &size, sizeof size) != 0)
         setsockopt(descriptor, SOL_SOCKET, SO_RCVBUF, &size, sizeof size);
     const int on = 1;
@@ -45,7 +45,7 @@ int bindToEvents(int descriptor)
     return bind(descriptor, reinterpret_cast<const sockaddr *>(&address), sizeof address);
 }
 
-/** The length of the event received into @p buffer, which ends with a zero; negative on failure. */
+/** Returns the length of the event in @p buffer, which is zero-terminated; negative on failure. */
 ssize_t receive(int descriptor, EventBuffer &buffer)
 {
     sockaddr_nl sender = {};
@@ -68,7 +68,7 @@ void KySdcardThread::run()
     leaveSignalsToOthers();
     const int descriptor = socket(AF_NETLINK, SOCK_RAW | SOCK_CLOEXEC, NETLINK_KOBJECT_UEVENT);
     prepareForBursts(descriptor);
-    // This fails, too, when the socket could not be opened.
+    // Fails, too, if the socket could not be opened.
     if (bindToEvents(descriptor) == 0)
         listen(descriptor);
     close(descriptor);

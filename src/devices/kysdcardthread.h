@@ -8,8 +8,8 @@
 /**
  * Listens to the kernel's device events for the SD card and the USB key.
  *
- * The thread shares nothing with the others but its stop flag and its signals. It ends when the
- * kernel's events cannot be received (any more), silently, and is never restarted.
+ * The thread shares only its stop flag and its signals with other threads. It ends silently when
+ * the kernel's events cannot be received, and is never restarted.
  */
 class KySdcardThread : public QThread
 {
@@ -19,14 +19,14 @@ public:
     KySdcardThread();
 
 public Q_SLOTS:
-    /** The listener itself; not to be called, see start(). */
+    /** The event loop; do not call it, see start(). */
     void run() override;
 
-    /** Ends the thread. It notices when the next event of any device arrives. */
+    /** Ends the thread at the next event of any device. */
     void stop();
 
 Q_SIGNALS:
-    /** The SD card was inserted or, with @p present false, removed. Sent from the thread. */
+    /** The SD card was inserted or, if @p present is false, removed. Emitted in the thread. */
     void sdcardEvent(bool present);
 
     /** The same for the USB key. */

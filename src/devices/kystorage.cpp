@@ -15,7 +15,7 @@ const Device devices[] = {
     {"USB", STORAGE_USB, &KyStorage::usbKeyPresence},
 };
 
-/** Null for an unknown name. */
+/** Returns null for an unknown name. */
 const Device *deviceNamed(const QString &name)
 {
     for (const Device &device : devices) {
@@ -65,14 +65,14 @@ bool KyStorage::isMounted(QString device)
     return known && m_faccess.isMounted(known->number);
 }
 
-/** An inserted card counts as mounted: mounting it is the system's job. */
+/** An inserted card counts as mounted: the system mounts it. */
 void KyStorage::sdCardSlot(bool present)
 {
     Q_EMIT deviceChangedMountState(QStringLiteral("SD"), present);
     Q_EMIT sdcardPresence(present);
 }
 
-/** Unlike that of an SD card, a USB key's coming or going says nothing about its being mounted. */
+/** Inserting or removing a USB key says nothing about whether it is mounted. */
 void KyStorage::usbKeySlot(bool present)
 {
     Q_EMIT usbKeyPresence(present);

@@ -11,11 +11,11 @@
 class QDBusMessage;
 
 /**
- * The removable storage: announces the SD card and the USB key coming and going, tells whether
- * they are mounted, and unmounts them. Mounting is the system's job.
+ * The removable storage: announces when SD card and USB key come and go, reports whether they are
+ * mounted, and unmounts them. The system mounts them.
  *
- * The devices are called "SD" and "USB", compared exactly. Insertions and removals are no longer
- * announced once the kernel's events cannot be received.
+ * The devices are called "SD" and "USB", compared exactly. Without the kernel's events, insertions
+ * and removals are not announced.
  */
 class KyStorage : public QDBusAbstractAdaptor
 {
@@ -32,10 +32,9 @@ public:
 
 public Q_SLOTS:
     /**
-     * Unmounts @p device. Whether or not that succeeds, the device is announced as unmounted and
-     * absent.
+     * Unmounts @p device. Announces it as unmounted and absent even on failure.
      *
-     * Error::m_write when @p device is unknown, which announces nothing, or cannot be unmounted.
+     * Error::m_write if @p device cannot be unmounted, or is unknown; the latter announces nothing.
      */
     void umount(QString device, const QDBusMessage &message);
 
@@ -43,11 +42,13 @@ public Q_SLOTS:
     bool isMounted(QString device);
 
 Q_SIGNALS:
-    /** Sent when an SD card comes or goes, which counts as its being mounted or not, and after an
-     *  attempt to unmount a device. */
+    /**
+     * Sent when an SD card is inserted (counts as mounted) or removed, and after an attempt to
+     * unmount a device.
+     */
     void deviceChangedMountState(QString device, bool isMounted);
 
-    /** The SD card came or, with @p present false, went. */
+    /** The SD card was inserted or, if @p present is false, removed. */
     void sdcardPresence(bool present);
 
     /** The same for the USB key. */
@@ -58,7 +59,7 @@ private:
     void usbKeySlot(bool present);
 
     KyFaccess m_faccess;
-    /** Where the system mounts the devices; nothing here needs to know, so far. */
+    /** The directory in which the system mounts the devices; not used so far. */
     const QString m_mountRoot;
     KySdcardThread m_listener;
 };

@@ -54,7 +54,7 @@ void KyTemperatureWatcher::setTemperatureThreshold(QString device, int threshold
 void KyTemperatureWatcher::setInterval(int interval, const QDBusMessage &message)
 {
     if (interval < shortestIntervalMs) {
-        // Clients match on this wording, though 1000 itself is accepted.
+        // Clients match on this wording, although 1000 itself is accepted.
         sendErrorReply(Error::InvalidArgument,
                        QStringLiteral("Intervall is too short, should be > 1s (1000)"), message);
         return;
@@ -67,7 +67,7 @@ void KyTemperatureWatcher::periodicTemperatureCheck()
     getTemperatures();
 }
 
-/** Adds the temperature of @p device to @p temperatures and announces it where it is too high. */
+/** Adds the temperature of @p device to @p temperatures, and announces it if it is too high. */
 void KyTemperatureWatcher::readSensor(KyTemperature &sensors, Device device, int threshold,
                                       const char *failure, QVariantMap &temperatures)
 {

@@ -13,10 +13,10 @@ class QDBusMessage;
 class QTimer;
 
 /**
- * The board's temperatures: read on request and checked periodically against a threshold each.
+ * The board's temperatures: read on request, and checked periodically against one threshold each.
  *
  * Temperatures and thresholds are in the board library's unit. Thresholds and interval are not
- * saved: they are 80 and 300000 ms at every start.
+ * saved: every start sets 80 and 300000 ms.
  */
 class KyTemperatureWatcher : public QDBusAbstractAdaptor
 {
@@ -37,31 +37,31 @@ public:
 
 public Q_SLOTS:
     /**
-     * Reads both sensors and announces each one that is at or above its threshold.
+     * Reads both sensors and announces each one at or above its threshold.
      *
-     * @return the temperature (int) of each sensor by its name; one that cannot be read is left out
+     * @return the temperature (int) of each sensor by its name, without those that cannot be read
      */
     QVariantMap getTemperatures();
 
     /**
-     * Sets the threshold of @p device, a name of Device; any number will do.
+     * Sets the threshold of @p device, a name of Device, to any number.
      *
      * Error::m_invalidArgument for any other name.
      */
     void setTemperatureThreshold(QString device, int threshold, const QDBusMessage &message);
 
     /**
-     * Makes the periodic check run every @p interval milliseconds, counted from now.
+     * Sets the interval of the periodic check to @p interval milliseconds and restarts it.
      *
      * Error::m_invalidArgument for less than 1000.
      */
     void setInterval(int interval, const QDBusMessage &message);
 
-    /** Checks now, as the timer does: like getTemperatures(), without the result. */
+    /** Checks immediately, as the timer does: getTemperatures() without a result. */
     void periodicTemperatureCheck();
 
 Q_SIGNALS:
-    /** Sent at every reading for as long as @p device is at or above its threshold. */
+    /** Sent at every read while @p device is at or above its threshold. */
     void temperatureReached(QString device, int temperature);
 
 private:

@@ -12,7 +12,7 @@ void KyWatchdog::keepAlive(const QDBusMessage &message)
     if (m_startupPending && !acknowledgeStartup(message))
         return;
     m_startupPending = false;
-    // The reading itself feeds the watchdog.
+    // Reading the register feeds the watchdog.
     unsigned int unused = 0;
     if (m_socManager.getSoCRegister(m_keepAliveRegister, &unused) != 0)
         sendErrorReply(Error::Write,
@@ -20,7 +20,9 @@ void KyWatchdog::keepAlive(const QDBusMessage &message)
                        message);
 }
 
-/** Tells the MSP430 that the system is up; false when that failed, after the error reply. */
+/**
+ * Reports to the MSP430 that the system is up; on failure sends the error reply and returns false.
+ */
 bool KyWatchdog::acknowledgeStartup(const QDBusMessage &message)
 {
     unsigned int isInitialised = 0;

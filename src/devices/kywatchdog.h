@@ -10,10 +10,10 @@
 class QDBusMessage;
 
 /**
- * The proof that the instrument's application is alive.
+ * Proves that the instrument's application is alive.
  *
- * Two supervisors wait for it: the power-management microcontroller (MSP430), which has to be told
- * once that the system came up, and the watchdog in the FPGA, which has to be fed periodically.
+ * Two supervisors expect it: the power-management microcontroller (MSP430), once after the system
+ * came up, and the watchdog in the FPGA, periodically.
  */
 class KyWatchdog : public QDBusAbstractAdaptor
 {
@@ -22,15 +22,16 @@ class KyWatchdog : public QDBusAbstractAdaptor
     Q_CLASSINFO("D-Bus Introspection", INTROSPECTION_WATCHDOG)
 
 public:
-    /** Touches no hardware yet. */
+    /** Does not access the hardware yet. */
     explicit KyWatchdog(QObject *parent);
 
 public Q_SLOTS:
     /**
-     * Feeds the FPGA's watchdog; the first successful call tells the MSP430 that the system is up.
+     * Feeds the FPGA's watchdog; the first successful call reports to the MSP430 that the system is
+     * up.
      *
-     * Error::m_initialisation when the HPS is not initialised or cannot be asked, or the MSP430
-     * does not take the acknowledgement: the next call tries again. Error::m_write when the FPGA
+     * Error::m_initialisation if the HPS is not initialised or does not answer, or if the MSP430
+     * rejects the acknowledgement; the next call tries again. Error::m_write if the FPGA's watchdog
      * cannot be fed.
      */
     void keepAlive(const QDBusMessage &message);

@@ -15,13 +15,13 @@ const Leds::Led buttonLeds[] = {Leds::POWER_G, Leds::POWER_Y};
 const int gaugeColumns = sizeof gaugeLeds / sizeof gaugeLeds[0];
 const int buttonColumns = sizeof buttonLeds / sizeof buttonLeds[0];
 
-/** What the LEDs show for a battery status; the rows are indexed by it. */
+/** The LED states of a battery status, which is the index of the row. */
 struct Pattern {
     Leds::State gauge[gaugeColumns];
     Leds::State button[buttonColumns];
 };
 
-// While the battery is being charged, the segment that is being filled blinks.
+// While the battery is being charged, the gauge's current segment blinks.
 // clang-format off
 const Pattern patterns[] = {
     //                             BAT_RS1    BAT_GS1    BAT_GS2    BAT_GS3    BAT_GS4    BAT_GS5      POWER_G    POWER_Y
@@ -42,7 +42,7 @@ const Pattern patterns[] = {
 };
 // clang-format on
 
-/** Everything off, then the steady LEDs from the last to the first, then those that blink. */
+/** Order: all LEDs that are off, the steady LEDs from last to first, the blinking LEDs. */
 template <int Columns>
 QVector<LedSetting> inOrder(const Leds::Led (&leds)[Columns], const Leds::State (&states)[Columns])
 {

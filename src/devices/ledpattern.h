@@ -13,11 +13,10 @@ struct LedSetting {
 };
 Q_DECLARE_TYPEINFO(LedSetting, Q_PRIMITIVE_TYPE);
 
-/** What the battery gauge shows for @p status: its LEDs in the order in which they are to be set.
- */
+/** Returns the battery gauge's LEDs for @p status in the order in which to set them. */
 QVector<LedSetting> batteryGaugePattern(Battery::Status status);
 
-/** The same for the LEDs of the power button. */
+/** The same for the power button's LEDs. */
 QVector<LedSetting> powerButtonPattern(Battery::Status status);
 
 #endif

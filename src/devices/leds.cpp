@@ -4,7 +4,7 @@
 
 namespace
 {
-/** The enumerators of an enumeration, with names that need not be made again for each reply. */
+/** The enumerators of an enumeration with their names, built once instead of for each reply. */
 QVector<NamedValue> listNames(const char *enumeration)
 {
     const QMetaEnum registered = registeredEnum(Leds::staticMetaObject, enumeration);

@@ -7,7 +7,7 @@
 
 #include <optional>
 
-/** The front-panel LEDs and what they show. The names are part of the interface. */
+/** The front-panel LEDs and their states. The names are part of the interface. */
 class Leds
 {
     Q_GADGET
@@ -32,7 +32,7 @@ public:
         SD_STATUS = 26,
     };
 
-    /** What an LED shows, by the board library's numbers. */
+    /** The state of an LED, by the board library's numbers. */
     enum State {
         OFF = 0,
         BLINK_1HZ = 1,
@@ -51,13 +51,13 @@ struct NamedValue {
 /** Every LED. */
 const QVector<NamedValue> &ledNames();
 
-/** The LED of that name, compared exactly; nothing for any other text. */
+/** Returns the LED with exactly that name; nothing for any other text. */
 std::optional<int> ledNamed(const QString &name);
 
-/** The state of that name, compared exactly; nothing for any other text. */
+/** Returns the state with exactly that name; nothing for any other text. */
 std::optional<int> ledStateNamed(const QString &name);
 
-/** The name of @p state; a number that the library should not give has the name of UNKNOWN. */
+/** Returns the name of @p state; UNKNOWN for a number that the enumeration does not have. */
 QString ledStateName(int state);
 
 #endif

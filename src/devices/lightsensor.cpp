@@ -6,7 +6,7 @@
 
 namespace
 {
-/** The library's failure in place of a descriptor; on any other negative one nothing is watched. */
+/** The library's result on failure; with any other negative result nothing is watched either. */
 constexpr int noInterrupt = -2;
 } // namespace
 
@@ -25,10 +25,10 @@ std::optional<double> LightSensor::read()
 bool LightSensor::acknowledge(int descriptor)
 {
     char event[8];
-    // The kernel keeps the event of a value file until that is read from its beginning; a socket
-    // has none, and refuses.
+    // The kernel keeps the event of a sysfs value file until a read from its start; seeking fails
+    // on a socket, which has no such position.
     lseek(descriptor, 0, SEEK_SET);
-    // Only drains the event; whatever it holds, the sensor is asked itself.
+    // Only drains the event; the value comes from the sensor.
     const ssize_t drained = ::read(descriptor, event, sizeof event);
     static_cast<void>(drained);
     bool isRaised = false;
@@ -45,7 +45,7 @@ bool LightSensor::setBand(int level)
     return m_als.setThresholds(high, low) == 0;
 }
 
-/** Starts the sensor and puts its band around the present light; whether everything worked. */
+/** Starts the sensor and sets its band around the current light; returns false on any failure. */
 bool LightSensor::start()
 {
     if (m_als.init() != 0)
@@ -56,7 +56,7 @@ bool LightSensor::start()
            m_als.interruptEnable(true) == 0;
 }
 
-/** Asks for the interrupt line; false when the sensor offers none. */
+/** Requests the interrupt line; returns false if the sensor has none. */
 bool LightSensor::findInterrupt()
 {
     const int descriptor = m_als.getinterruptHandler();

@@ -4,13 +4,13 @@
 
 namespace
 {
-/** A setting and what counts without it. */
+/** A setting and its default. */
 struct Row {
     const QString &key;
     int otherwise;
 };
 
-// In the order of the steps; the first three keys of the group are no steps.
+// In the order of the steps; the first three keys of the group are not steps.
 const Row steps[] = {
     {SCREEN_BACKLIGHT_STEP_3, 15},   {SCREEN_BACKLIGHT_STEP_4, 20},  {SCREEN_BACKLIGHT_STEP_5, 25},
     {SCREEN_BACKLIGHT_STEP_6, 30},   {SCREEN_BACKLIGHT_STEP_7, 35},  {SCREEN_BACKLIGHT_STEP_8, 40},
@@ -31,7 +31,7 @@ const Row levels[] = {
 
 constexpr unsigned int defaultTimer = 5;
 
-/** Reads each row into its place; tables of different lengths do not compile. */
+/** Reads each row into its field; tables of different lengths do not compile. */
 template <int Rows>
 void readRows(const Row (&rows)[Rows], int (&values)[Rows])
 {

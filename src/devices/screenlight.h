@@ -3,17 +3,15 @@
 
 #include <optional>
 
-/*
- * The screen's light as the hardware has it, in percent.
- */
+/* The hardware's backlight, in percent. */
 
-/** The present percentage; nothing when it cannot be read. */
+/** Returns the current percentage; nothing if it cannot be read. */
 std::optional<int> readScreenLight();
 
-/** Sets the percentage; false when the hardware refuses. */
+/** Sets the percentage; returns false if the hardware refuses. */
 bool writeScreenLight(int percentage);
 
-/** Switches the light on or off; false when the hardware refuses. */
+/** Switches the backlight on or off; returns false if the hardware refuses. */
 bool enableScreenLight(bool enable);
 
 #endif

@@ -4,9 +4,9 @@
 #include <QString>
 
 /**
- * Whether the instrument model @p model has a screen, and with it a backlight and a light sensor.
+ * Returns true if the instrument model @p model has a screen, a backlight and a light sensor.
  *
- * @param model the model number in hexadecimal; a text that is none has no screen
+ * @param model the model number in hexadecimal; any other text has no screen
  */
 bool hasScreen(const QString &model);
 

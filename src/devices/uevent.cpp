@@ -8,7 +8,7 @@ struct Partition {
     StorageEvent removed;
 };
 
-// The first partition that a header contains decides.
+// The first partition found in the header decides.
 constexpr Partition partitions[] = {
     {"mmcblk0p1", StorageEvent::SdCardInserted, StorageEvent::SdCardRemoved},
     {"sda1", StorageEvent::UsbKeyInserted, StorageEvent::UsbKeyRemoved},

@@ -3,7 +3,7 @@
 
 #include <string_view>
 
-/** What a kernel event means to the storage devices. */
+/** The meaning of a kernel event for the storage devices. */
 enum class StorageEvent {
     None,
     SdCardInserted,
@@ -13,11 +13,11 @@ enum class StorageEvent {
 };
 
 /**
- * The meaning of the kernel event @p message, which may be any bytes of any length.
+ * Interprets the kernel event @p message, which may have any content and length.
  *
- * Only its header counts, which is what stands before its first zero byte, or all of it where it
- * has none: the action, an at sign and the device path. Only the first partition of each storage
- * device is watched, and only its coming and going.
+ * Only the header counts, up to the first zero byte or the end: the action, an at sign and the
+ * device path. Only the first partition of each storage device counts, and only its addition and
+ * removal.
  */
 StorageEvent storageEvent(std::string_view message);
 

@@ -3,10 +3,10 @@
 
 #include <QString>
 
-/** The board library's number (0 to 3) of the instrument model @p model of a record. */
+/** Returns the board library's number (0 to 3) of the instrument model @p model in a record. */
 unsigned int libraryModel(quint16 model);
 
-/** The FPGA's revision as people read it: high and low 16 bits in decimal, as in "2.3". */
+/** Returns the FPGA's revision as text: high and low 16 bits in decimal, for example "2.3". */
 QString fpgaRevisionText(unsigned int revision);
 
 #endif

@@ -6,8 +6,8 @@
 class IBoardRev;
 
 /**
- * The revisions of the board's parts, by the names that clients know, without those that cannot be
- * read. The library is told that of the system-on-module.
+ * Returns the revisions of the board's parts by their names on the bus, without those that cannot
+ * be read. Also passes the system-on-module's revision to the library.
  */
 QVariantMap readRevisions(IBoardRev &board);
 

@@ -6,7 +6,7 @@ namespace
 {
 const unsigned int reflectedPolynomial = 0xA001;
 
-/** What one byte contributes to the CRC, for every byte. */
+/** The contribution of each byte value to the CRC. */
 constexpr std::array<quint16, 256> makeTable()
 {
     std::array<quint16, 256> contributions{};

@@ -2,7 +2,7 @@
 
 QByteArray Eeproms::read(e_eeprom eeprom, int size)
 {
-    // A buffer that the library leaves as it is must not pass for a record: zeros would.
+    // Fill with 0xFF: an untouched buffer of zeros would parse as a valid record.
     QByteArray record(size, '\xFF');
     char *buffer = record.data();
     const int result = m_eeprom.readEeprom(eeprom, &buffer, 0, static_cast<unsigned int>(size));
@@ -15,7 +15,7 @@ QVector<Eeproms::Step> Eeproms::write(const QVector<Content> &contents)
         return {Step::LiftProtection};
     QVector<Step> failed;
     for (const Content &content : contents) {
-        // The library takes no constant bytes.
+        // The library's interface takes no const bytes.
         QByteArray bytes = content.bytes;
         const auto size = static_cast<unsigned int>(bytes.size());
         if (m_eeprom.writeEeprom(content.eeprom, bytes.data(), 0, size) != 0)

@@ -6,25 +6,25 @@
 #include <QByteArray>
 #include <QVector>
 
-/** The identification EEPROMs, whose write protection is lifted for each write only. */
+/** The identification EEPROMs. Their write protection is lifted only for each write. */
 class Eeproms
 {
 public:
-    /** A step of a write that can fail. */
+    /** A step of a write; each one can fail. */
     enum class Step { LiftProtection, Write, RestoreProtection };
 
-    /** Bytes for the beginning of one of them. */
+    /** The bytes to write to the beginning of an EEPROM. */
     struct Content {
         e_eeprom eeprom;
         QByteArray bytes;
     };
 
-    /** The first @p size bytes of @p eeprom; a null byte array when it cannot be read. */
+    /** Returns the first @p size bytes of @p eeprom; a null byte array if it cannot be read. */
     QByteArray read(e_eeprom eeprom, int size);
 
     /**
-     * Writes @p contents, one after another, and says which steps failed, in their order. Nothing
-     * is written when the protection cannot be lifted.
+     * Writes @p contents in order. Returns the failed steps, in their order. Writes nothing if the
+     * protection cannot be lifted.
      */
     QVector<Step> write(const QVector<Content> &contents);
 

@@ -12,7 +12,7 @@ namespace
 {
 enum class Encoding { Number, Model, DashFilled, ZeroFilled };
 
-/** The fields behind the CRC, in the order of the record. */
+/** The fields after the CRC, in the order of the record. */
 const struct Field {
     const char *key;
     int width;

@@ -4,27 +4,27 @@
 #include <QByteArray>
 #include <QVariantMap>
 
-/** Size of an instrument record in bytes, its CRC included. */
+/** Size of an instrument record in bytes, including its CRC. */
 extern const int instrumentRecordSize;
 
-/** The entries of @p map that make an instrument record; an empty map where one is missing. */
+/** Returns the entries of @p map that form an instrument record; an empty map if one is missing. */
 QVariantMap instrumentFields(const QVariantMap &map);
 
 /**
- * The instrument record made of @p fields, whose values are basic ones (see busvalue.h).
+ * Encodes @p fields, whose values are basic ones (see busvalue.h), as an instrument record.
  *
- * Numbers are cut to their byte. "Model" is hexadecimal text. The serial and warranty numbers and
- * the two passwords are bytes, cut to the width of their field, or filled up with "-" and with
- * zero bytes respectively. A value that does not convert counts as 0, or as no bytes at all.
+ * Numbers are truncated to one byte. "Model" is hexadecimal text. The serial and warranty numbers
+ * and the two passwords are bytes, truncated to their field, or padded with "-" and with zero bytes
+ * respectively. A value that cannot be converted counts as 0 or as an empty byte array.
  */
 QByteArray encodeInstrumentRecord(const QVariantMap &fields);
 
 /**
- * The fields of an instrument record.
+ * Decodes an instrument record.
  *
  * @return "CRC" = true and every field: numbers as int, "Model" as lower-case hexadecimal text,
- *         everything else as byte arrays of the whole width of the field; only "CRC" = false when
- *         @p record has another size or another CRC than it should
+ *         other fields as byte arrays of their full width; only "CRC" = false if @p record has a
+ *         wrong size or CRC
  */
 QVariantMap decodeInstrumentRecord(const QByteArray &record);
 

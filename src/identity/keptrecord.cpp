@@ -22,7 +22,7 @@ QVariantMap keptRecord(const QVariantMap &map, const QVariantMap &fields)
 {
     QVariantMap kept = fields;
     int room = mostSurplus;
-    // Of several entries with one key the last counts, as it does in a look-up.
+    // Of several entries with the same key the last one counts, as in a look-up.
     for (auto entry = map.constBegin(); entry != map.constEnd();
          entry = map.upperBound(entry.key())) {
         if (fields.contains(entry.key()) || !entry.value().isValid())

@@ -3,23 +3,24 @@
 
 #include <QVariantMap>
 
-/** How many bytes the fields of a kept record may have in all, and its other entries (sizeOnBus()).
- */
+/** The limit in bytes (sizeOnBus()) for the fields of a kept record, and for its other entries. */
 extern const int mostOfFields;
 extern const int mostSurplus;
 
-/** Whether @p fields are of a size that is kept: mostOfFields bytes, and no value too long to be
- * read. */
+/**
+ * Returns true if @p fields are small enough to keep: at most mostOfFields bytes, and no value too
+ * long to be read.
+ */
 bool canBeKept(const QVariantMap &fields);
 
 /**
- * What is kept of @p map, a record that a caller has set, to be answered later in the types in
- * which it came: its @p fields, and of its other entries, in the order of their keys, each one that
- * still fits into mostSurplus bytes (key and value, see sizeOnBus()) and was short enough to be
- * read.
+ * Returns the part of @p map, a record that a caller has set, that is kept for later replies in its
+ * original types: its @p fields, and of its other entries, in the order of their keys, each one
+ * that still fits into mostSurplus bytes (key and value, see sizeOnBus()) and was short enough to
+ * be read.
  *
- * Without entries that cannot be stored (see storableMap()), and without the caller's "CRC".
- * Nothing of it keeps the caller's message alive.
+ * Leaves out entries that cannot be stored (see storableMap()) and the caller's "CRC". The result
+ * holds no reference to the caller's message.
  */
 QVariantMap keptRecord(const QVariantMap &map, const QVariantMap &fields);
 

@@ -111,7 +111,7 @@ void KyVersion::writeRecord(e_eeprom eeprom, const QByteArray &record, QVariantM
         cache.insert(crc, true);
 }
 
-/** Sends an error for each step that fails; false where nothing could be written at all. */
+/** Sends an error for each failed step; returns false if nothing was written. */
 bool KyVersion::write(const QVector<Eeproms::Content> &contents, const QDBusMessage &message)
 {
     const HeldTermination held;

@@ -14,8 +14,8 @@ class QDBusMessage;
  * The identity of the instrument: the two identification records in EEPROMs, the revisions of the
  * board's parts and the versions of the installed software.
  *
- * Every answer is gathered once and kept. A record is kept until it is set or invalidated, also
- * one that could not be read; revisions and versions are kept until the next start.
+ * Every result is read once and cached. A record stays cached until it is set or invalidated, even
+ * if it could not be read; revisions and versions until the next start.
  */
 class KyVersion : public QDBusAbstractAdaptor
 {
@@ -24,62 +24,62 @@ class KyVersion : public QDBusAbstractAdaptor
     Q_CLASSINFO("D-Bus Introspection", INTROSPECTION_VERSION)
 
 public:
-    /** Touches no hardware yet. */
+    /** Does not access the hardware yet. */
     explicit KyVersion(QObject *parent);
 
 public Q_SLOTS:
     /**
-     * The instrument record: "Subsidiary", "Fabrication", "Brand", "Type", "TroubleshootingTag",
-     * "RelaunchTag", "FirstPassTag" (int, 0 to 255), "Model" (hexadecimal text), "SerialNumber",
-     * "WarrantyNumber", "IrdInstrumentPassword", "IrdSessionPassword" (byte arrays) and "CRC" =
-     * true; only "CRC" = false when it cannot be read or is not valid. After a set, the values
-     * that were given.
+     * Returns the instrument record: "Subsidiary", "Fabrication", "Brand", "Type",
+     * "TroubleshootingTag", "RelaunchTag", "FirstPassTag" (int, 0 to 255), "Model" (hexadecimal
+     * text), "SerialNumber", "WarrantyNumber", "IrdInstrumentPassword", "IrdSessionPassword" (byte
+     * arrays) and "CRC" = true; only "CRC" = false if it cannot be read or is invalid. After a set,
+     * returns the values of the set.
      *
-     * Reading a valid record tells the board library the instrument's brand and model.
+     * Reading a valid record passes the instrument's brand and model to the board library.
      */
     QVariantMap getEepromInstrument();
 
     /**
-     * Writes the instrument record; values are converted, not checked.
+     * Writes the instrument record; converts the values without checking them.
      *
-     * Error::m_write for a missing field and for fields that are too long to be kept (canBeKept()),
-     * in which cases nothing is written, for a failed write and for a write protection that cannot
-     * be restored; Error::m_initialisation for one that cannot be lifted.
+     * Error::m_write for a missing field and for fields too long to keep (canBeKept()), which write
+     * nothing; also for a failed write and if the write protection cannot be restored.
+     * Error::m_initialisation if it cannot be lifted.
      */
     void setEepromInstrument(const QVariantMap &map, const QDBusMessage &message);
 
     /**
-     * The record of the measure card: "AdjustementSite" (int, 0 to 65535), "AdjustementDate",
+     * Returns the measure card's record: "AdjustementSite" (int, 0 to 65535), "AdjustementDate",
      * "NextAdjustementDate" (unsigned int), "AdjustementCoefficients" (list of unsigned int) and
      * "CRC" = true; otherwise as getEepromInstrument().
      */
     QVariantMap getEepromMesure();
 
-    /** Writes the record of the measure card; errors as setEepromInstrument(). */
+    /** Writes the measure card's record; errors as setEepromInstrument(). */
     void setEepromMesure(const QVariantMap &map, const QDBusMessage &message);
 
     /**
-     * Spoils both records: their CRCs become 0, their data stays.
+     * Invalidates both records: sets their CRCs to 0 and keeps their data.
      *
-     * Sends an error for each step that fails: Error::m_initialisation for a write protection that
-     * cannot be lifted, Error::m_write for each record that cannot be written and for a write
-     * protection that cannot be restored.
+     * Sends an error for each failed step: Error::m_initialisation if the write protection cannot
+     * be lifted, Error::m_write for each record that cannot be written and if the write protection
+     * cannot be restored.
      */
     void invalidateEepromsContent(const QDBusMessage &message);
 
     /**
-     * The revisions of the board: "SOM", "HPS", "MESURE_CARD" (unsigned int) and "FPGA" (text, as
-     * in "2.3"), without those that cannot be read.
+     * Returns the board's revisions: "SOM", "HPS", "MESURE_CARD" (unsigned int) and "FPGA" (text,
+     * for example "2.3"), without those that cannot be read.
      *
-     * The board library is told the revision of the system-on-module.
+     * Passes the system-on-module's revision to the board library.
      */
     QVariantMap getRevision();
 
     /**
-     * The versions of the software: "BSP" and "KyApp" (byte arrays) and "KyBoardManager" (text),
-     * without those that cannot be found out.
+     * Returns the versions of the software: "BSP" and "KyApp" (byte arrays) and "KyBoardManager"
+     * (text), without those that cannot be determined.
      *
-     * The first call waits for the application's answer, for at most 3000 ms.
+     * The first call waits for the application, for at most 3000 ms.
      */
     QVariantMap getSoftwareVersions();
 

@@ -10,7 +10,7 @@ const int measureRecordSize = 1196;
 
 namespace
 {
-// The spelling of the keys is what clients use.
+// Clients use this spelling of the keys.
 const QString site = QStringLiteral("AdjustementSite");
 const QString date = QStringLiteral("AdjustementDate");
 const QString nextDate = QStringLiteral("NextAdjustementDate");
@@ -31,7 +31,7 @@ QVariantMap measureFields(const QVariantMap &map)
 QByteArray encodeMeasureRecord(const QVariantMap &fields, const QVector<quint32> &coefficients)
 {
     QByteArray data;
-    // However many there are, there must be room for them only once.
+    // Reserve once: many coefficients must not be copied while the array grows.
     data.reserve(measureRecordSize + coefficients.size() * int(sizeof(quint32)));
     QDataStream stream(&data, QIODevice::WriteOnly);
     stream << static_cast<quint16>(fields.value(site).toUInt())

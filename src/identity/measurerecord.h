@@ -5,29 +5,29 @@
 #include <QVariantMap>
 #include <QVector>
 
-/** Size of a measure record in bytes, its CRC included. */
+/** Size of a measure record in bytes, including its CRC. */
 extern const int measureRecordSize;
 
-/** The entries of @p map that make a measure record; an empty map where one is missing. */
+/** Returns the entries of @p map that form a measure record; an empty map if one is missing. */
 QVariantMap measureFields(const QVariantMap &map);
 
 /**
- * The measure record made of @p fields, whose values are basic ones (see busvalue.h).
+ * Encodes @p fields, whose values are basic ones (see busvalue.h), as a measure record.
  *
- * The site is cut to 16 bits, the two dates are opaque 32-bit numbers; a value that does not
- * convert counts as 0.
+ * The site is truncated to 16 bits, the two dates are opaque 32-bit numbers; a value that cannot be
+ * converted counts as 0.
  *
- * @param coefficients follow the other fields, however many there are; only a record with 296
- *        of them can be read again
+ * @param coefficients any number of them, after the other fields; only a record with 296
+ *         coefficients can be read again
  */
 QByteArray encodeMeasureRecord(const QVariantMap &fields, const QVector<quint32> &coefficients);
 
 /**
- * The fields of a measure record.
+ * Decodes a measure record.
  *
  * @return "CRC" = true and every field: the site as int, the dates as unsigned int, the
- *         coefficients as a list of unsigned int; only "CRC" = false when @p record has another
- *         size or another CRC than it should
+ *         coefficients as a list of unsigned int; only "CRC" = false if @p record has a wrong size
+ *         or CRC
  */
 QVariantMap decodeMeasureRecord(const QByteArray &record);
 

@@ -4,18 +4,18 @@
 #include <QByteArray>
 
 /*
- * The frame that all identification records share: the CRC-16 of the data, high byte first, and
- * the data behind it.
+ * The frame of all identification records: the CRC-16 of the data, high byte first, followed by the
+ * data.
  */
 
-/** @p data with its CRC in front, which is cheapest when it is moved here. */
+/** Returns @p data after its CRC. Cheapest when the data is moved. */
 QByteArray framed(QByteArray data);
 
 /**
- * The data of @p record.
+ * Returns the data of @p record.
  *
- * @param size how many bytes the whole record has to have
- * @return a null byte array when @p record has another size or its CRC is not that of its data
+ * @param size the size of the whole record in bytes
+ * @return a null byte array if @p record has another size or a wrong CRC
  */
 QByteArray unframed(const QByteArray &record, int size);
 

@@ -16,7 +16,7 @@ constexpr int timeoutMs = 3000;
 
 using Finished = void (QProcess::*)(int, QProcess::ExitStatus);
 
-/** Waits until @p process ends, the time is over or it has written more than any version. */
+/** Waits until @p process ends, the timeout expires or the output is longer than any version. */
 void waitForEnd(QProcess &process)
 {
     QElapsedTimer timer;
@@ -26,7 +26,7 @@ void waitForEnd(QProcess &process)
         if (remaining <= 0 || !process.waitForReadyRead(remaining))
             break;
     }
-    // Its output may be closed while it still runs.
+    // The process can close its output before it ends.
     const int remaining = timeoutMs - static_cast<int>(timer.elapsed());
     if (process.bytesAvailable() <= longestVersion && remaining > 0)
         process.waitForFinished(remaining);
@@ -59,7 +59,7 @@ std::optional<QByteArray> askApplicationVersion()
     waitForEnd(*process);
     if (process->state() != QProcess::NotRunning) {
         process->kill();
-        // It is collected when its end is announced; nobody waits for that.
+        // Reaped asynchronously on SIGCHLD.
         QProcess *killed = process.release();
         QObject::connect(killed, static_cast<Finished>(&QProcess::finished), killed,
                          &QObject::deleteLater);

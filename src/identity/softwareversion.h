@@ -6,23 +6,22 @@
 #include <optional>
 
 /*
- * The versions of the software around the daemon. A text that would not fit into a message of the
- * bus (more than 8 MiB) is no version.
+ * The versions of the software around the daemon. A text too long for a D-Bus message (more than 8
+ * MiB) does not count as a version.
  */
 
 /**
- * The version of the board support package: the first line of "/etc/sw_version" without the white
- * space around it. Nothing when the file cannot be opened.
+ * Returns the version of the board support package: the first line of "/etc/sw_version", trimmed.
+ * Nothing if the file cannot be opened.
  */
 std::optional<QByteArray> readBspVersion();
 
 /**
- * Asks the instrument's application, "/opt/KyApp", for its version: its standard output without
- * the white space around it. Waits for at most 3000 ms; a program that has not ended by then is
- * killed.
+ * Asks the instrument's application, "/opt/KyApp", for its version: its trimmed standard output.
+ * Waits for at most 3000 ms, then kills the program.
  *
- * @return nothing when the program cannot be started, does not end in time, ends abnormally or has
- *         an exit code other than 0
+ * @return nothing if the program cannot be started, does not end in time, ends abnormally or has an
+ *         exit code other than 0
  */
 std::optional<QByteArray> askApplicationVersion();
 

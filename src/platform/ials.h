@@ -11,7 +11,7 @@ class IAls
 public:
     virtual ~IAls() = default;
 
-    /** Powers the sensor up and brings it into its measuring mode. */
+    /** Powers the sensor up and starts measuring. */
     virtual int init() = 0;
 
     /** Reads the illuminance, in lux, into @p lux. */
@@ -26,10 +26,10 @@ public:
     /** Sets how long the light must stay outside the band before the sensor interrupts. */
     virtual int setThresholdsTimer(unsigned char persistence) = 0;
 
-    /** Lets the sensor interrupt, or stops it from doing so. */
+    /** Enables or disables the sensor's interrupt. */
     virtual int interruptEnable(bool enable) = 0;
 
-    /** A descriptor that signals urgent data at every interrupt; -2 on failure. */
+    /** Returns a descriptor that signals urgent data at every interrupt; -2 on failure. */
     virtual int getinterruptHandler() = 0;
 
     /** Acknowledges the interrupt and reads the sensor's interrupt flag into @p raised. */

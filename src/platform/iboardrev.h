@@ -21,16 +21,16 @@ class IBoardRev
 public:
     virtual ~IBoardRev() = default;
 
-    /** Tells the library the brand of the instrument. */
+    /** Passes the instrument's brand to the library. */
     virtual int setBrand(e_brand brand) = 0;
 
-    /** Tells the library the model of the instrument. */
+    /** Passes the instrument's model to the library. */
     virtual int setModel(e_model model) = 0;
 
     /** Reads the revision of @p device into @p revision. */
     virtual int getRevision(e_device device, unsigned int *revision) = 0;
 
-    /** Tells the library the revision of the system-on-module. */
+    /** Passes the revision of the system-on-module to the library. */
     virtual int setSoMRevision(unsigned int revision) = 0;
 };
 

@@ -19,7 +19,7 @@ enum e_leds : unsigned int {
     LED_SD_STATUS = 26,
 };
 
-/** What an LED shows. */
+/** The state of an LED. */
 enum e_led_state : unsigned int {
     LED_OFF = 0,
     LED_BLINK_1HZ = 1,
@@ -34,10 +34,10 @@ class ILeds
 public:
     virtual ~ILeds() = default;
 
-    /** Makes @p led show @p state. */
+    /** Sets @p led to @p state. */
     virtual int setLedState(e_leds led, e_led_state state) = 0;
 
-    /** Reads what @p led shows into @p state. */
+    /** Reads the state of @p led into @p state. */
     virtual int getLedState(e_leds led, e_led_state *state) = 0;
 };
 

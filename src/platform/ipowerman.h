@@ -10,13 +10,13 @@ public:
     /** Switches the supply of the Wi-Fi module on or off. */
     virtual int wifiPower(bool on) = 0;
 
-    /** Resets the Wi-Fi module softly. */
+    /** Resets the Wi-Fi module by software. */
     virtual int wifiSoftReset() = 0;
 
     /** Resets the Wi-Fi module by its reset line. */
     virtual int wifiHardReset() = 0;
 
-    /** Tells the microcontroller that the system came up and must not be rebooted. */
+    /** Reports to the microcontroller that the system is up and must not be rebooted. */
     virtual int setAckWatchdog() = 0;
 };
 

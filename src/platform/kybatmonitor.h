@@ -1,7 +1,7 @@
 #ifndef KYBATMONITOR_H
 #define KYBATMONITOR_H
 
-/** What the charge meter measured last. */
+/** The last measurement of the charge meter. */
 struct cmeter_data {
     /** Charging has not ended; meaningful with the charger present and @ref charge >= 0. */
     unsigned char flag;
@@ -20,16 +20,16 @@ public:
     KyBatmonitor(const KyBatmonitor &) = delete;
     KyBatmonitor &operator=(const KyBatmonitor &) = delete;
 
-    /** Tells the monitor whether the charger is connected; 0 on success. */
+    /** Reports to the monitor whether the charger is connected; 0 on success. */
     int update(bool chargerPresent);
 
-    /** The type of charge meter fitted; 1 and 2 report a percentage with its direction. */
+    /** Returns the type of the charge meter; 1 and 2 report a signed percentage. */
     int getCmeterType();
 
     /** Fills @p data with the last measurement; 0 on success. */
     int getBatteryInfo(cmeter_data *data);
 
-    /** Brings the charge meter into the state in which power may be cut; 0 on success. */
+    /** Prepares the charge meter for power off; 0 on success. */
     int prepareForShutdown();
 
 private:
