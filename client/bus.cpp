@@ -19,7 +19,7 @@ const QString daemonService = QStringLiteral("com.orvendis.Strandel.BoardManager
 
 namespace
 {
-/** The longest that a method of the daemon takes when everything behind it is slow. */
+/** The longest that a method of the daemon takes when everything it waits for is slow. */
 int replyTimeout = 60000;
 
 /** Empty for the system bus of this machine. */
@@ -57,7 +57,7 @@ QString userName()
     return user ? QString::fromLocal8Bit(user->pw_name) : QString::number(geteuid());
 }
 
-/** Whether the bus lets this user call the daemon: root, and the group of the policy. */
+/** Returns true if the bus policy lets this user call the daemon: root and the group. */
 bool isMember()
 {
     const group *members = getgrnam("strandel");
@@ -116,7 +116,7 @@ void selectHost(const QString &host)
 QDBusConnection bus()
 {
     // Qt D-Bus's thread constructs values of registered types until its static destructor stops it.
-    // The registry must be older than the thread: at exit, the newer one is destroyed first.
+    // The registry must be older than the thread: the newer of the two is destroyed first at exit.
     static const int registered = qRegisterMetaType<QDBusMessage>();
     Q_UNUSED(registered)
     static const QDBusConnection connection =
@@ -151,7 +151,7 @@ Answer send(const QDBusMessage &message, QDBusMessage *whole)
     if (whole)
         *whole = reply;
     if (reply.type() == QDBusMessage::ErrorMessage) {
-        // The bus says the same when the daemon ends, but at once. Qt's own timer is a coarse one.
+        // The bus sends the same error when the daemon ends, but at once. Qt's own timer is coarse.
         if (timer.hasExpired(qint64(replyTimeout) / 10 * 9))
             return {OutcomeMissing,
                     {},

@@ -8,54 +8,54 @@
 
 extern const QString daemonService;
 
-/** What kyboardctl ends with. */
+/** The exit statuses of kyboardctl. */
 enum ExitStatus {
     Success = 0,
-    DaemonError = 1,     ///< the daemon, or the bus, answered with an error
-    BadUsage = 2,        ///< the command line was wrong; nothing was sent
+    DaemonError = 1,     ///< the daemon or the bus replied with an error
+    BadUsage = 2,        ///< wrong command line; nothing was sent
     DaemonAway = 3,      ///< no bus, or the daemon is not on it
-    InterfaceAbsent = 4, ///< this model of the instrument has no such interface
-    OutcomeFailed = 5,   ///< what was started ended in failure
-    OutcomeMissing = 6,  ///< no answer in time, or what was started did not come to an end in time
-    OutputLost = 7,      ///< what was done cannot be told: the output takes nothing more
-    NothingThere = 8,    ///< what was asked for is not there: not connected, no such hardware
-    NotConfirmed = 9,    ///< what destroys something was not confirmed; nothing was sent
-    RecordInvalid = 10,  ///< a record in the EEPROM is not valid
-    SignalsMissing = 11, ///< the signals that were waited for did not come in time
+    InterfaceAbsent = 4, ///< this model has no such interface
+    OutcomeFailed = 5,   ///< the operation ended in "failure"
+    OutcomeMissing = 6,  ///< no reply, or no outcome of the operation, in time
+    OutputLost = 7,      ///< the call succeeded, but standard output is not writable
+    NothingThere = 8,    ///< no value: not connected, no such hardware
+    NotConfirmed = 9,    ///< a destructive command was not confirmed; nothing was sent
+    RecordInvalid = 10,  ///< a record in the EEPROM is invalid
+    SignalsMissing = 11, ///< the expected signals did not arrive in time
 };
 
-/** The answer to a call: its plain values, or why there are none. */
+/** The reply to a call: its plain values, or the reason why there are none. */
 struct Answer {
     ExitStatus status;
     QVariantList values;
     /** The failure in one sentence. */
     QString complaint;
-    /** The name and the text of the error as the bus gave them. */
+    /** The name and the text of the D-Bus error. */
     QString errorName;
     QString errorText;
 
     bool isGood() const { return status == Success; }
-    /** The error as the bus gave it. */
+    /** The unmodified D-Bus error. */
     QString detail() const { return errorName + QStringLiteral(": ") + errorText; }
 };
 
-/** Takes the bus at @p address in the place of the system bus, before anything else is called. */
+/** Selects the bus at @p address instead of the system bus; call it first. */
 void selectBus(const QString &address);
 
 /**
- * Takes the system bus of another machine, before anything else is called.
+ * Selects the system bus of another machine; call it first.
  *
- * @param host as ssh takes it: HOST or USER@HOST
+ * @param host HOST or USER@HOST, as for ssh
  */
 void selectHost(const QString &host);
 
-/** The bus that was selected; joined at the first call. */
+/** The selected bus; connected at the first call. */
 QDBusConnection bus();
 
-/** How long every call from now on waits for its answer; a minute where nothing is said. */
+/** Sets the timeout of all further calls; a minute by default. */
 void setCallTimeout(int seconds);
 
-/** A good answer where the bus can be joined and the daemon is on it. */
+/** Returns a good answer if the bus can be reached and the daemon is on it. */
 Answer findDaemon();
 
 /** Calls a method of the daemon and waits for its reply. */
@@ -66,13 +66,13 @@ Answer call(const QString &path, const QString &interface, const QString &method
 Answer readProperty(const QString &path, const QString &interface, const QString &property);
 
 /**
- * Sends any call, and waits for its reply.
+ * Sends any call and waits for its reply.
  *
- * @param reply takes it as it came, where that is wanted
+ * @param reply gets the unmodified reply, unless null
  */
 Answer send(const QDBusMessage &message, QDBusMessage *reply = nullptr);
 
-/** Subscribes a slot that takes the message to signals; an empty @p signal means all. */
+/** Connects a slot that takes the message to signals; an empty @p signal means all. */
 bool subscribe(const QString &path, const QString &interface, const QString &signal,
                QObject *receiver, const char *slot);
 

@@ -4,7 +4,7 @@
 
 namespace
 {
-/** As an address wants its values: every byte but a few in hexadecimal. */
+/** Escapes a value of a D-Bus address: every byte but a few in hexadecimal. */
 QString escaped(const QString &text)
 {
     QString made;
@@ -24,7 +24,7 @@ QString escaped(const QString &text)
 
 QString addressOfHost(const QString &host)
 {
-    // What follows the two dashes is no option.
+    // After the two dashes nothing is an option.
     return QStringLiteral("unixexec:path=ssh,argv1=-xT,argv2=--,argv3=%1,"
                           "argv4=systemd-stdio-bridge")
         .arg(escaped(host));

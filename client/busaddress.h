@@ -4,14 +4,14 @@
 #include <QString>
 
 /**
- * The D-Bus address of the system bus of @p host, as systemd's tools reach it: ssh runs
- * systemd-stdio-bridge there, and its standard input and output are the connection.
+ * Returns the D-Bus address of the system bus of @p host, as systemd's tools reach it: ssh runs
+ * systemd-stdio-bridge there, whose standard input and output are the connection.
  *
- * @param host as ssh takes it: HOST or USER@HOST, never as an option of ssh's
+ * @param host HOST or USER@HOST, as for ssh; never taken as an option
  */
 QString addressOfHost(const QString &host);
 
-/** Whether @p host can be given to ssh: no empty name, no blank, no control character. */
+/** Returns true if @p host can be given to ssh: not empty, no blank, no control character. */
 bool isHostName(const QString &host);
 
 #endif

@@ -15,7 +15,7 @@ QString sentenceOfJoining(const BusFault &fault)
 {
     if (fault.address.isEmpty())
         return QStringLiteral("%1 cannot be reached through ssh").arg(fault.bus);
-    // The bus ends the connection of a user whom it does not admit: no reply comes any more.
+    // The bus closes the connection of a user whom its policy rejects: no reply arrives.
     const bool isRefused =
         isOneOf(fault.errorName, {QStringLiteral("NoReply"), QStringLiteral("AuthFailed"),
                                   QStringLiteral("AccessDenied"), QStringLiteral("Disconnected")});

@@ -3,23 +3,23 @@
 
 #include <QString>
 
-/** All that is known of a call that failed on the bus, or of a bus that could not be joined. */
+/** The circumstances of a call that failed, or of a bus that could not be reached. */
 struct BusFault {
-    /** How the bus is called, as in "the system bus". */
+    /** The bus's name in messages, for example "the system bus". */
     QString bus;
-    /** Where it is; empty for another machine's, which ssh reaches. */
+    /** Its address; empty for another machine's bus, which ssh reaches. */
     QString address;
-    /** Whether the bus was joined. */
+    /** True if the connection succeeded. */
     bool isJoined;
-    /** The user who called; empty where that is another machine's. */
+    /** The user who called; empty on another machine. */
     QString user;
-    /** Whether that user is root, or in the group that may call the daemon. */
+    /** True if that user is root or a member of the group that may call the daemon. */
     bool isMember;
     QString errorName;
     QString errorText;
 };
 
-/** What happened, in one sentence without its full stop. Pure. */
+/** Describes the fault in one sentence without its full stop. Pure. */
 QString sentence(const BusFault &fault);
 
 #endif

@@ -18,7 +18,7 @@ bool isNothing(const Command &command, const Answer &answer)
                                           (command.needsAddress && !isConnected(command)));
 }
 
-/** The answer with other values in the place of the secrets in it. */
+/** Returns the answer with its secrets masked. */
 QVariantList withoutSecrets(const Command &command, const QVariantList &values,
                             const QVariant &instead)
 {

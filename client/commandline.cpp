@@ -9,7 +9,7 @@
 
 namespace
 {
-/** More than any file of numbers has: whatever else the name leads to is not read to its end. */
+/** More than any file of numbers has: limits the read if the name leads to another file. */
 const qint64 longestFile = 65536;
 
 bool isSecret(const Argument &argument)
@@ -21,16 +21,19 @@ bool parseInteger(const Argument &argument, const QString &word, QVariant &value
 {
     bool isNumber = false;
     const qlonglong number = word.toLongLong(&isNumber);
-    // Qt also takes blanks and a plus sign.
+    // Qt also accepts blanks and a plus sign.
     if (!isNumber || !isWholeNumber(word) || number < argument.minimum || number > argument.maximum)
         return false;
-    // Unsigned only where the value asks for it: the methods' own numbers are signed.
+    // Unsigned only if the value needs it: the methods' own numbers are signed.
     value =
         number > std::numeric_limits<int>::max() ? QVariant(uint(number)) : QVariant(int(number));
     return true;
 }
 
-/** The numbers themselves, or those in the file that the word names; false without that file. */
+/**
+ * The numbers themselves, or those in the file that the word names; returns false if it cannot be
+ * read.
+ */
 bool readNumbers(const QString &word, QString &text)
 {
     text = word;
@@ -43,7 +46,7 @@ bool readNumbers(const QString &word, QString &text)
     return true;
 }
 
-/** What is wrong with a list of numbers; empty where nothing is. */
+/** The error in a list of numbers; empty if there is none. */
 QString parseNumbers(const Argument &argument, const QString &word, QVariant &value)
 {
     QString text;
@@ -136,7 +139,7 @@ bool addSecrets(const Argument &settings, const SecretReader &reader, QVariantMa
             complaint = key.name + QStringLiteral(" could not be read");
             return false;
         }
-        // What it is stays out of the complaint.
+        // The complaint must not contain the secret.
         if (!areBytes(key, secret)) {
             complaint =
                 QStringLiteral("%1: what was given is not %2").arg(key.name, bytesWanted(key));

@@ -7,20 +7,20 @@
 
 #include <functional>
 
-/** Gives the secret that @p prompt asks for; false where it cannot be had. */
+/** Reads the secret that @p prompt asks for; returns false on failure. */
 using SecretReader = std::function<bool(const QString &prompt, QString &secret)>;
 
 /**
- * Turns the words of a command line into the arguments of the call, or says what is wrong.
+ * Converts the words of a command line to the arguments of the call, or describes the error.
  *
  * Nothing is sent before this has succeeded.
  *
- * @param complaint set where the function returns false
+ * @param complaint set if the function returns false
  */
 bool parseArguments(const Command &command, const QStringList &words, const SecretReader &reader,
                     QVariantList &arguments, QString &complaint);
 
-/** One value of the kind that @p argument wants, as it goes onto the bus. */
+/** Converts one word to a value of the kind of @p argument, as it is sent over the bus. */
 bool parseValue(const Argument &argument, const QString &word, QVariant &value, QString &complaint);
 
 #endif

@@ -22,7 +22,7 @@ Argument argument(const char *name, Kind kind, const char *help)
     return {text(name), kind, text(help), {}, 0, 0, {}, false, nullptr, {}, nullptr};
 }
 
-/** A text that @p accepts takes, of which @p wanted says what that is. */
+/** A text that @p accepts checks; @p wanted describes it. */
 Argument ruled(const char *name, bool (*accepts)(const QString &), const char *wanted,
                const char *help)
 {
@@ -32,7 +32,7 @@ Argument ruled(const char *name, bool (*accepts)(const QString &), const char *w
     return made;
 }
 
-/** Up to @p maximum bytes, or numbers. */
+/** At most @p maximum bytes or numbers. */
 Argument limited(const char *name, Kind kind, qlonglong maximum, const char *help)
 {
     Argument made = argument(name, kind, help);
@@ -120,7 +120,7 @@ QVector<Argument> instrumentKeys()
 
 QVector<Argument> measureKeys()
 {
-    // The dates have no unit of their own: any number of 32 bits may be one.
+    // The dates have no defined unit: any 32-bit number is valid.
     return {required(integer("AdjustementSite", 0, 65535, "")),
             required(integer("AdjustementDate", 0, uint32Maximum, "stored as it is")),
             required(integer("NextAdjustementDate", 0, uint32Maximum, "stored as it is")),

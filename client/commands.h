@@ -6,11 +6,9 @@
 #include <QVariantMap>
 #include <QVector>
 
-/*
- * What kyboardctl can be told, as one table. Parsing, help, completion and the tests all read it.
- */
+/* The commands of kyboardctl as one table, which parsing, help, completion and the tests read. */
 
-/** What an argument, or one value of a set of settings, may be. */
+/** The kind of an argument, or of one value of a set of settings. */
 enum class Kind {
     Text,
     Choice,      ///< one of Argument::choices
@@ -31,55 +29,59 @@ struct Argument {
     QStringList choices;
     qlonglong minimum;
     qlonglong maximum;
-    /** Of Settings: the keys that may be given. */
+    /** Settings: the possible keys. */
     QVector<Argument> keys;
-    /** Of one key of Settings: whether it must be given. */
+    /** Key of Settings: true if the key is mandatory. */
     bool required;
-    /** Of Text: whether a word is right, and what it has to be; null where any word is. */
+    /** Text: checks a word, with a description of a valid one; null if any word is valid. */
     bool (*accepts)(const QString &word);
     QString wanted;
-    /** Of Settings: what is wrong with values that are right one by one; null where nothing is. */
+    /**
+     * Settings: returns the error in a combination of valid values; null if there is no such check.
+     */
     QString (*disagreement)(const QVariantMap &settings);
 };
 
-/** What an option belongs to. */
+/** The commands that an option belongs to. */
 enum class Scope {
     Every,       ///< every command
-    Operation,   ///< commands that have an outcome to wait for
-    WifiConnect, ///< wifi connect alone
-    Destructive, ///< commands that ask before they destroy something
-    Secret,      ///< commands whose answer holds secrets
+    Operation,   ///< commands with an outcome to wait for
+    WifiConnect, ///< only wifi connect
+    Destructive, ///< commands that need a confirmation
+    Secret,      ///< commands whose answer has secrets
     Fields,      ///< commands whose answer has fields
-    Voltage,     ///< battery voltage alone
-    Monitor,     ///< monitor alone
+    Voltage,     ///< only battery voltage
+    Monitor,     ///< only monitor
 };
 
 struct Option {
-    /** With its dashes, as in "--json". */
+    /** With its dashes, for example "--json". */
     QString name;
-    /** The letter that stands for it, as in "h"; empty where there is none. */
+    /** Its short form, for example "h"; empty if there is none. */
     QString letter;
-    /** What its value is called; empty for an option without one. */
+    /** The name of its value; empty for an option without one. */
     QString value;
     QString help;
     Scope scope;
-    /** The values that there are; empty where there is no end of them. */
+    /** The possible values; empty if they are unlimited. */
     QStringList choices = {};
 
-    /** Whether its value is a whole number from 1 on, of what it is called after. */
+    /** Returns true if its value is an integer of at least 1, which its name says. */
     bool isNumber() const
     {
         return value == QLatin1String("SECONDS") || value == QLatin1String("SIGNALS");
     }
 };
 
-/** What the program ends with, see ExitStatus. */
+/** An exit status of the program, see ExitStatus. */
 struct StatusMeaning {
     int status;
     QString meaning;
 };
 
-/** How the outcome of a command that only starts something is told: by the "State" signals. */
+/**
+ * How to wait for the outcome of a command that only starts an operation: by its "State" signals.
+ */
 struct Outcome {
     QString success;
     QString failure;
@@ -87,41 +89,41 @@ struct Outcome {
 };
 
 struct Command {
-    /** The words that name it, as in "user set". */
+    /** The words of the command, for example "user set". */
     QString words;
     QString help;
     QString path;
-    /** What follows the service's name in the name of the interface. */
+    /** The last part of the interface's name. */
     QString interface;
     /** The method; empty for a property. */
     QString method;
     QString property;
     QVector<Argument> arguments;
-    /** Of a scan, which brings networks and no state: without the states. */
+    /** A scan brings networks and no state: without states. */
     Outcome outcome;
-    /** What a person is asked before it is sent; empty where it destroys nothing. */
+    /** The question to confirm before it is sent; empty if the command destroys nothing. */
     QString question = {};
-    /** What an empty answer means; empty where an answer is never empty. */
+    /** The text for an empty answer; empty if an answer is never empty. */
     QString nothing = {};
-    /** Whether the answer is a map, of which one entry can be asked for. */
+    /** True if the answer is a map, of which one entry can be selected. */
     bool hasFields = false;
     /** The unit of the numbers in the answer. */
     QString unit = {};
-    /** Whether the answer counts as empty as long as the interface has no address. */
+    /** True if the answer counts as empty while the interface has no address. */
     bool needsAddress = false;
-    /** The text of the error that means that what is wanted is the case already; empty for none. */
+    /** The error text that means that the wanted state already exists; empty if there is none. */
     QString done = {};
     /** The keys of the answer whose values are shown only on request. */
     QStringList secrets = {};
 
-    /** Whether it only starts something, whose outcome signals tell. */
+    /** Returns true if the command only starts an operation, whose outcome comes in signals. */
     bool isOperation() const { return outcome.seconds > 0; }
 };
 
 /** Every command that is one call of the daemon. */
 const QVector<Command> &commands();
 
-/** The other ones, by their words, or words and argument. */
+/** The other commands, by their words, or words and argument. */
 const QVector<Command> &ownCommands();
 
 /** The daemon's signals, each as "INTERFACE.SIGNAL". */
@@ -129,18 +131,20 @@ const QStringList &signalNames();
 
 const QVector<Option> &options();
 
-/** The option of that name; nullptr where there is none. */
+/** Returns the option with that name; nullptr if there is none. */
 const Option *findOption(const QString &name);
 
 const QVector<StatusMeaning> &exitStatuses();
 
-/** The command whose words begin @p words; nullptr where there is none. @p used: how many words. */
+/**
+ * Returns the command that begins @p words; nullptr if there is none. @p used: its number of words.
+ */
 const Command *findCommand(const QStringList &words, int *used);
 
-/** Whether @p option means anything to @p command. */
+/** Returns true if @p option applies to @p command. */
 bool belongsTo(const Option &option, const Command &command);
 
-/** The words of the one command that @p option belongs to; empty where there are several. */
+/** The words of the only command that @p option belongs to; empty if there are several. */
 QString onlyCommand(const Option &option);
 
 /** The synopsis of @p command: its words and the names of its arguments. */

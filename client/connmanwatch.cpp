@@ -104,7 +104,7 @@ void ConnmanWatch::takeProperty(const QDBusMessage &message)
 
 void ConnmanWatch::takeError(const QVariant &error)
 {
-    // ConnMan clears it before the next attempt: what was wrong stays worth knowing.
+    // ConnMan clears the error before the next attempt: keep the last one.
     const QString text = plainValue(error).toString();
     if (!text.isEmpty())
         m_error = text;

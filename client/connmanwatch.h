@@ -7,7 +7,7 @@
 #include <QObject>
 #include <QStringList>
 
-/** What ConnMan tells of one Wi-Fi network, from the construction on. */
+/** Follows what ConnMan reports about one Wi-Fi network, from the construction on. */
 class ConnmanWatch : public QObject
 {
     Q_OBJECT
@@ -15,14 +15,14 @@ class ConnmanWatch : public QObject
 public:
     explicit ConnmanWatch(const QString &network);
 
-    /** Whether ConnMan is on the bus. */
+    /** Returns true if ConnMan is on the bus. */
     static bool isConnmanThere();
 
     /**
      * Asks ConnMan for the network.
      *
-     * @param path that of its service; empty where ConnMan does not list it
-     * @param state ConnMan's word for the state of that service
+     * @param path its service's path; empty if ConnMan does not list it
+     * @param state ConnMan's state of that service
      */
     Answer find(QString &path, QString &state) const;
 
@@ -32,10 +32,10 @@ public:
     /** Whether ConnMan has listed the network. */
     bool isListed() const { return m_isListed; }
 
-    /** The last "Error" of the network's service; empty where it had none. */
+    /** The last "Error" of the network's service; empty if there was none. */
     QString error() const { return m_error; }
 
-    /** The states that ConnMan has announced of the network's service, in order. */
+    /** The states of the network's service that ConnMan has announced, in order. */
     QStringList states() const { return m_states; }
 
 Q_SIGNALS:

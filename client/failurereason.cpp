@@ -2,7 +2,7 @@
 
 namespace
 {
-/** ConnMan's words, and those for people. */
+/** ConnMan's words and ours. */
 const struct {
     const char *error;
     const char *reason;

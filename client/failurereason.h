@@ -4,23 +4,25 @@
 #include <QString>
 #include <QStringList>
 
-/** What was seen of a connect until its end. */
+/** The observations during a connect. */
 struct FailureFacts {
     /** The first word of the command: "ethernet", "wifi" or "ap". */
     QString group;
     /** The states that the daemon announced, and those of ConnMan's service. */
     QStringList states;
-    /** The "Error" of ConnMan's service of the network; empty where it had none. */
+    /** The "Error" of the network's ConnMan service; empty if there was none. */
     QString error;
-    /** Whether ConnMan listed the network. */
+    /** True if ConnMan listed the network. */
     bool isListed;
     bool isConnmanThere;
 };
 
-/** Why a connect failed, in a few words; empty where nothing is known. Pure. */
+/** The reason of a failed connect in a few words; empty if it is unknown. Pure. */
 QString failureReason(const FailureFacts &facts);
 
-/** Whether ConnMan's Wi-Fi service at @p path is that of the network of that name. Pure. */
+/**
+ * Returns true if ConnMan's Wi-Fi service at @p path belongs to the network with that name. Pure.
+ */
 bool isServiceOf(const QString &path, const QString &network);
 
 #endif

@@ -24,13 +24,13 @@ Follower::Follower(const Command &command)
         if (!m_hasEnded)
             end(DaemonAway);
     });
-    // Signals are held back until the event loop has run once.
+    // Qt D-Bus delivers no signals before the first run of the event loop.
     QCoreApplication::processEvents();
 }
 
 bool Follower::hasStarted()
 {
-    // What was announced before the reply has arrived by now, and waits to be taken.
+    // Signals sent before the reply have arrived by now and are pending.
     QCoreApplication::processEvents();
     return m_hasEnded || !m_states.isEmpty();
 }

@@ -8,9 +8,9 @@
 #include <QStringList>
 
 /**
- * Starts an operation of a network interface and follows its "State" signals to the end.
+ * Starts an operation of a network interface and follows its "State" signals until its outcome.
  *
- * Use one for one operation: subscribe first, then start, then wait.
+ * Use one instance for each operation: subscribe first, then start, then wait.
  */
 class Follower : public QObject
 {
@@ -19,16 +19,16 @@ class Follower : public QObject
 public:
     explicit Follower(const Command &command);
 
-    /** Whether anything was announced since the start, the reply to which has come. */
+    /** Returns true if a state was announced between the start and its reply. */
     bool hasStarted();
 
-    /** Waits for the outcome; what it ends with is the program's exit status. */
+    /** Waits for the outcome; returns the program's exit status. */
     ExitStatus wait(int seconds);
 
-    /** The states that were announced, in order. */
+    /** The announced states, in order. */
     QStringList states() const { return m_states; }
 
-    /** The networks that a scan brought. */
+    /** The networks that a scan found. */
     QVariantMap networks() const { return m_networks; }
 
 Q_SIGNALS:

@@ -7,7 +7,7 @@
 
 namespace
 {
-/** The daemon switches the radio off as soon as it has the list, so a removal may come too late. */
+/** The daemon switches the radio off as soon as it has the list, so a removal can come too late. */
 const int mostScans = 3;
 
 const Command &commandOf(const char *words)
@@ -22,7 +22,7 @@ bool isInUse(const QString &state)
            state != QLatin1String("disconnect");
 }
 
-/** Has the daemon scan, and removes the network when ConnMan lists it. */
+/** Starts a scan and removes the network when ConnMan lists it. */
 ExitStatus removeInScan(const Command &command, const QString &network, Answer &removed,
                         bool &isListed)
 {

@@ -6,10 +6,10 @@
 #include "invocation.h"
 
 /**
- * Makes ConnMan forget a Wi-Fi network, its passphrase included.
+ * Makes ConnMan forget a Wi-Fi network, including its passphrase.
  *
- * ConnMan forgets only what it lists. The network that is joined is left through the daemon. While
- * the radio is off nothing is listed: a scan of the daemon's brings the list.
+ * ConnMan forgets only listed networks. The connected network is left through the daemon. While the
+ * radio is off ConnMan lists nothing: a scan by the daemon fills the list.
  */
 ExitStatus forgetNetwork(const Command &command, const Invocation &invocation,
                          const QVariantList &arguments);

@@ -63,7 +63,7 @@ QString optionHelp(const Option &option)
     return only.isEmpty() ? option.help : only + QStringLiteral(": ") + option.help;
 }
 
-/** What may stand in the place of an argument: the values that are known beforehand. */
+/** Possible values of an argument, as far as they are known in advance. */
 QStringList candidatesFor(const Argument &argument)
 {
     QStringList candidates = argument.choices;
@@ -79,7 +79,7 @@ QStringList candidatesFor(const Argument &argument)
     return candidates;
 }
 
-/** The words of a command line without its options and their values. */
+/** The words of a command line without options and their values. */
 QStringList withoutOptions(const QStringList &words)
 {
     QStringList rest;
@@ -94,7 +94,7 @@ QStringList withoutOptions(const QStringList &words)
     return rest;
 }
 
-/** Words and values of @p command that may follow the words @p before. */
+/** Words and values of @p command that can follow the words @p before. */
 QStringList candidatesAfter(const QStringList &before, const Command &command)
 {
     const QStringList name = wordsOf(command);
@@ -111,7 +111,9 @@ QStringList candidatesAfter(const QStringList &before, const Command &command)
                                             : QStringList();
 }
 
-/** Whether it is the next step from @p begun: first a key with its equals sign, then its values. */
+/**
+ * Returns true for the next step after @p begun: first a key with its equals sign, then its values.
+ */
 bool isNext(const QString &candidate, const QString &begun)
 {
     if (!candidate.startsWith(begun))

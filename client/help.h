@@ -6,16 +6,16 @@
 #include <QString>
 #include <QStringList>
 
-/** Help on everything. */
+/** Help on all commands. */
 QString helpText();
 
-/** Help on the commands whose words begin with @p words; empty where there are none. */
+/** Help on the commands that begin with @p words; empty if there are none. */
 QString helpText(const QStringList &words);
 
-/** What help says of an argument, or a key of settings: its help and the values that it may be. */
+/** Describes an argument, or a key of settings: its help and its possible values. */
 QString argumentText(const Argument &argument);
 
-/** What may follow @p words, the last of which is the beginning of a word. */
+/** Possible completions of @p words, the last of which is an incomplete word. */
 QStringList completions(const QStringList &words);
 
 #endif

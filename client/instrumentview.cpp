@@ -10,7 +10,7 @@ namespace
 {
 const QString accessDenied = QStringLiteral("org.freedesktop.DBus.Error.AccessDenied");
 
-/** LEDs that are off are the usual thing: only the others are worth a place on the screen. */
+/** Most LEDs are off: show only the others. */
 QString ledText(const QVariant &value, const QString &)
 {
     QStringList lit;
@@ -28,7 +28,7 @@ QString strengthText(const QVariant &value, const QString &unit)
     return strength.isEmpty() ? QStringLiteral("none") : inlineText(strength.first(), unit);
 }
 
-/** An interface has an address exactly as long as it is connected. */
+/** An interface has an address exactly while it is connected. */
 QString ipv4Text(const QVariant &value, const QString &)
 {
     const QVariantMap ipv4 = value.toMap();
@@ -55,7 +55,7 @@ QString interfaceText(const QVariant &value, const QString &)
              inlineText(interface.value(QStringLiteral("MTU"))));
 }
 
-/** Its interface is there only while the module is an access point. */
+/** The interface exists only while the module is an access point. */
 QString accessPointText(const QVariant &value, const QString &unit)
 {
     return value.toMap().isEmpty() ? QStringLiteral("off") : interfaceText(value, unit);
@@ -66,7 +66,7 @@ QString mapText(const QVariant &value, const QString &unit)
     return value.toMap().isEmpty() ? QStringLiteral("none") : inlineText(value, unit);
 }
 
-/** One line of the screen: what is asked, the name under which it is shown, and how. */
+/** One line of the screen: what it queries, its name and its format. */
 struct Question {
     const char *title;
     const char *key;
@@ -83,7 +83,7 @@ const char config[] = "/KyConfigMgr";
 const char com[] = "/KyComMgr";
 const char device[] = "/KyDeviceMgr";
 
-/** A question without an argument. */
+/** A query without an argument. */
 constexpr Question asks(const char *title, const char *key, const char *path, const char *interface,
                         const char *method,
                         QString (*text)(const QVariant &value, const QString &unit),
@@ -141,7 +141,7 @@ bool isConnected(const Answer &ipv4)
     return !ipv4.values.value(0).toMap().value(QStringLiteral("Address")).toString().isEmpty();
 }
 
-/** Whether the daemon has nothing to tell, which it answers with an empty map. */
+/** Returns true for an empty map: the daemon has no value. */
 bool isNothing(const QVariant &value)
 {
     return value.userType() == QMetaType::QVariantMap && value.toMap().isEmpty();
@@ -162,7 +162,7 @@ Answer InstrumentView::ask()
 {
     for (int index = 0; index < m_answers.size(); ++index) {
         Answer answer = askAgain(index);
-        // Who may not ask one thing may ask nothing.
+        // A user who may not make one call may make none.
         if (answer.status == DaemonAway || answer.errorName == accessDenied)
             return answer;
     }
@@ -188,10 +188,10 @@ QString InstrumentView::text() const
     for (int index = 0; index < m_answers.size(); ++index) {
         const Question &question = questions[index];
         Answer answer = m_answers.at(index);
-        // A model without a screen has no backlight and no light sensor, which is no failure.
+        // A model without a screen has no backlight and no light sensor; this is no failure.
         if (answer.status == InterfaceAbsent)
             continue;
-        // The network whose strength it was may have been left.
+        // The network may have been left meanwhile.
         if (question.text == strengthText && answer.isGood() && !isJoined)
             answer.values = {QVariantMap()};
         if (question.text == ipv4Text)

@@ -6,28 +6,30 @@
 #include <QVariantMap>
 #include <QVector>
 
-/** The whole instrument as the daemon tells of it. */
+/** The whole instrument as the daemon reports it. */
 class InstrumentView
 {
 public:
     InstrumentView();
 
-    /** Asks for everything. @return the answer that ended it, or a good one */
+    /**
+     * Queries everything. @return the answer that ended the queries, or a good one
+     */
     Answer ask();
 
-    /** Asks again for what @p interface tells of. */
+    /** Queries the values of @p interface again. */
     Answer ask(const QString &interface);
 
-    /** The screen: a line for each thing that this model has. */
+    /** The screen: a line for each feature of this model. */
     QString text() const;
 
-    /** The values by the names that machines know them by; null where there is nothing to tell. */
+    /** The values by their names for machines; null if the daemon has no value. */
     QVariantMap values() const;
 
 private:
     Answer askAgain(int index);
 
-    /** In the order of the questions. */
+    /** In the order of the queries. */
     QVector<Answer> m_answers;
 };
 

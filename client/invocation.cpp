@@ -7,7 +7,7 @@
 
 namespace
 {
-/** Stands for the minus of a negative number, which the parser would take for options. */
+/** Replaces the minus of a negative number, which the parser would take for an option. */
 const QChar minus(0xE000);
 
 bool isNegativeNumber(const QString &word)
@@ -38,7 +38,7 @@ QCommandLineOption parserOption(const Option &option)
     return {names, option.help, option.value};
 }
 
-/** The parser's own text as our complaints are: begun small, and without a full stop. */
+/** The parser's text in the form of our complaints: lower case, without a full stop. */
 QString complaintOf(const QCommandLineParser &parser)
 {
     QString text = parser.errorText();

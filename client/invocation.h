@@ -7,29 +7,31 @@
 #include <QString>
 #include <QStringList>
 
-/** A command line, its options told from its words. */
+/** A command line, split into options and words. */
 class Invocation
 {
 public:
-    /** @param words all behind the program's name */
+    /**
+     * @param words everything after the program's name
+     */
     explicit Invocation(const QStringList &words);
 
-    /** What is wrong with the options by themselves; empty where nothing is. */
+    /** The error in the options; empty if there is none. */
     QString complaint() const { return m_complaint; }
 
-    /** What is wrong with the options for @p command; empty where nothing is. */
+    /** The error in the options for @p command; empty if there is none. */
     QString misplaced(const Command &command) const;
 
     /** The command and its arguments. */
     QStringList words() const { return m_words; }
 
-    /** Whether the option of that name, with its dashes, is given. */
+    /** Returns true if the option with that name, including its dashes, is given. */
     bool has(const char *option) const;
 
-    /** The value of an option; empty where it is not given. */
+    /** The value of an option; empty if the option is missing. */
     QString value(const char *option) const;
 
-    /** The whole number that is the value of an option; 0 where it is not given. */
+    /** The integer value of an option; 0 if the option is missing. */
     int number(const char *option) const;
 
 private:

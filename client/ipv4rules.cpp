@@ -26,8 +26,10 @@ QString networkText(quint32 address, quint32 netmask)
         .arg(prefixLength(netmask));
 }
 
-/** What is wrong with an address in its network, of which there are none of its own in the last two
- * sizes. */
+/**
+ * The error of an address in its network. Networks of the two smallest sizes have neither a network
+ * nor a broadcast address.
+ */
 QString addressDisagreement(const char *name, quint32 address, quint32 netmask)
 {
     const quint32 host = address & ~netmask;
@@ -74,7 +76,7 @@ QString ipv4Disagreement(const QVariantMap &settings)
         return isManual ? QStringLiteral("Address= is missing, which Method=manual needs")
                         : QString();
     const bool hasGateway = settings.contains(QStringLiteral("Gateway"));
-    // Without the method, what is stored already stands in for what is missing.
+    // Without the method, stored values can replace missing ones.
     if (!isManual && !settings.contains(QStringLiteral("Netmask")))
         return QString();
     const QVariantMap filled = repairedIPv4(settings);

@@ -13,7 +13,7 @@ const char yellow[] = "33";
 const char cyan[] = "36";
 const char faint[] = "2";
 
-/** What is shown in which colour; the first that fits counts. */
+/** Patterns and their colours; the first match counts. */
 const struct {
     const char *pattern;
     const char *colour;
@@ -41,7 +41,7 @@ QString inColour(const QString &text, const char *colour)
     return escape(colour) + text + escape("0");
 }
 
-/** All patterns as one, each a group of its own. */
+/** Combines all patterns, each in a group of its own. */
 QRegularExpression makePattern()
 {
     QStringList groups;
@@ -51,7 +51,7 @@ QRegularExpression makePattern()
         QStringLiteral("(?<![\\w.'-])(?:%1)(?![\\w.'-])").arg(groups.join(QLatin1Char('|'))));
 }
 
-/** Where what is broken off @p line begins below it. */
+/** The indentation of the continuation of @p line. */
 int indentation(const QString &line)
 {
     static const QRegularExpression gap(QStringLiteral("^ *\\S.*?  +(?=\\S)"));

@@ -8,16 +8,16 @@
  */
 
 /**
- * @p text with no line longer than @p width, as far as there are blanks to break it at.
+ * Breaks the lines of @p text at blanks so that they fit @p width.
  *
- * What is broken off goes on below the value that it belongs to: below the text behind the first
- * gap of two blanks, or indented by four. A width below 20 changes nothing.
+ * A continuation line starts below the value: below the text after the first gap of two blanks, or
+ * indented by four. A width below 20 changes nothing.
  */
 QString wrapped(const QString &text, int width);
 
 /**
- * @p text with colours: LEDs that are lit in their own colour, states and battery levels by what
- * they mean. Only escape sequences are added.
+ * Adds colours to @p text: lit LEDs in their own colour, states and battery levels by their
+ * meaning. Adds only escape sequences.
  */
 QString coloured(const QString &text);
 

@@ -65,7 +65,7 @@ ExitStatus runStatus(const Command &command, const Invocation &invocation, const
     return showStatus(command, invocation);
 }
 
-/** The commands that are more than one call. */
+/** The commands that make more than one call. */
 const struct {
     const char *words;
     ExitStatus (*run)(const Command &, const Invocation &, const QVariantList &);
@@ -152,7 +152,7 @@ int run(const QStringList &arguments)
                                         : runCommand(*command, invocation, words.mid(used));
 }
 
-/** What is given is UTF-8, as all that is printed, whatever a shell without a locale says. */
+/** Reads arguments as UTF-8, like all output, whatever the locale. */
 bool readArguments(int count, char *words[], QStringList &arguments)
 {
     for (int index = 1; index < count; ++index) {

@@ -19,7 +19,7 @@
 
 namespace
 {
-/** The numbers of signals that have a unit, by their places. */
+/** The positions of numbers with a unit in signals. */
 const struct {
     const char *signal;
     int place;

@@ -7,29 +7,29 @@
 #include <QObject>
 #include <QStringList>
 
-/** Prints every signal of the daemon, a line each with its time, until the program is ended. */
+/** Prints every signal of the daemon as a line with its time, until the program ends. */
 class Monitor : public QObject
 {
     Q_OBJECT
 
 public:
-    /** What is wanted of it. */
+    /** The options of the command. */
     struct Wish {
         /** One JSON object on each line. */
         bool asJson;
-        /** As in signalNames(); all where there is none. */
+        /** As in signalNames(); empty for all. */
         QStringList signalNames;
-        /** After how many signals it ends; 0: never. */
+        /** The number of signals after which it ends; 0 for no limit. */
         int count;
-        /** After how many seconds it ends; 0: never. */
+        /** The number of seconds after which it ends; 0 for no limit. */
         int seconds;
     };
 
     explicit Monitor(const Wish &wish);
 
     /**
-     * Runs until it has printed as many signals as are wanted, its time is over, or the program is
-     * ended by a signal. SignalsMissing when some are missing at the end of the time.
+     * Runs until it has printed the requested number of signals, its time is over, or a signal ends
+     * the program. Returns SignalsMissing if its time is over before that number.
      */
     ExitStatus run();
 

@@ -24,7 +24,7 @@ void printNetworks(const QVariantMap &networks)
     show(lines.isEmpty() ? QStringLiteral("no network in reach\n") : lines.text());
 }
 
-/** The networks of a scan with the fields of each named. */
+/** The networks of a scan, each with named fields. */
 QJsonObject networksJson(const QVariantMap &networks)
 {
     QJsonObject object;
@@ -38,13 +38,13 @@ QJsonObject networksJson(const QVariantMap &networks)
     return object;
 }
 
-/** The network that a connect is to join; empty for every other operation. */
+/** The network of a connect; empty for every other operation. */
 QString networkOf(const QVariantList &arguments)
 {
     return arguments.value(0).toMap().value(QStringLiteral("Service")).toString();
 }
 
-/** Whether ConnMan says that the network is the one that is connected. */
+/** Returns true if ConnMan reports the network as connected. */
 bool isJoined(const QString &network)
 {
     QString path;
@@ -53,7 +53,7 @@ bool isJoined(const QString &network)
     return state == QLatin1String("ready") || state == QLatin1String("online");
 }
 
-/** The address that the interface of @p command has; empty while it is not connected. */
+/** The address of the interface of @p command; empty while it is not connected. */
 QString addressOf(const Command &command)
 {
     const Answer answer = call(command.path, command.interface, QStringLiteral("getIPv4"));
@@ -80,7 +80,7 @@ QString failureText(const Command &command, const Follower &follower, const Conn
     return reason.isEmpty() ? QStringLiteral("failed") : QStringLiteral("failed: ") + reason;
 }
 
-/** Tells how an operation ended, which took at most so many seconds. */
+/** Reports the outcome of an operation, with its time limit in seconds. */
 ExitStatus reportOutcome(const Command &command, const Invocation &invocation,
                          const Follower &follower, const ConnmanWatch &watch, ExitStatus status,
                          int seconds)
@@ -102,8 +102,8 @@ ExitStatus reportOutcome(const Command &command, const Invocation &invocation,
 }
 
 /**
- * Whether @p command needs nothing done, or would be ignored, because the interface is connected:
- * the daemon answers a connect then as any other, and does nothing.
+ * Returns true if the interface is already connected, so that @p command has no effect: the daemon
+ * replies to such a connect as usual and ignores it.
  */
 bool isDone(const Command &command, const Invocation &invocation, const QVariantList &arguments,
             ExitStatus &status)
@@ -136,7 +136,7 @@ ExitStatus runOperation(const Command &command, const Invocation &invocation,
     const bool isDoneAlready = !command.done.isEmpty() && answer.errorText == command.done;
     if (!answer.isGood() && !isDoneAlready)
         return fail(command, answer);
-    // Of all operations this is the one whose beginning is announced.
+    // A scan is the only operation whose start is announced.
     if (command.method == QLatin1String("scan") && !follower.hasStarted())
         return fail(command, OutcomeFailed,
                     QStringLiteral("not while it is connected or busy with something else"));

@@ -5,7 +5,7 @@
 #include "commands.h"
 #include "invocation.h"
 
-/** Starts what takes time, and waits for its outcome unless told otherwise. */
+/** Starts an operation that takes time and, unless told otherwise, waits for its outcome. */
 ExitStatus runOperation(const Command &command, const Invocation &invocation,
                         const QVariantList &arguments);
 

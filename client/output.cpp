@@ -10,7 +10,7 @@
 
 void printJson(const QJsonValue &value)
 {
-    // A document holds an array or an object: a lone value is the inside of an array of one.
+    // A JSON document holds an array or an object: print a lone value as the content of an array.
     if (value.isObject()) {
         print(QString::fromUtf8(QJsonDocument(value.toObject()).toJson()));
         return;

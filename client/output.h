@@ -7,28 +7,26 @@
 
 #include <QJsonValue>
 
-/*
- * What a command ends with, told to people and machines.
- */
+/* The results of commands, for people and machines. */
 
 /** Prints a value for machines: an object on several lines, anything else on one. */
 void printJson(const QJsonValue &value);
 
-/** Complains of @p command; gives @p status. */
+/** Complains about @p command; returns @p status. */
 ExitStatus fail(const Command &command, ExitStatus status, const QString &complaint);
 
-/** Complains of what went wrong with a call for @p command; gives its status. */
+/** Complains about a failed call for @p command; returns its status. */
 ExitStatus fail(const Command &command, const Answer &answer);
 
-/** Prints the one entry of @p map that --field names. */
+/** Prints the entry of @p map that --field names. */
 ExitStatus printField(const Command &command, const Invocation &invocation, const QVariantMap &map);
 
-/** Tells, for machines by null, that there is nothing to tell. */
+/** Reports that there is no value; null for machines. */
 ExitStatus tellOfNothing(const Command &command, const Invocation &invocation);
 
 /**
- * Whether @p command may be sent: it destroys nothing, --yes is given, or a person at the terminal
- * confirms it. NotConfirmed, with a complaint, otherwise.
+ * Returns a good status if @p command may be sent: it destroys nothing, --yes is given, or a person
+ * confirms it on the terminal. Otherwise complains and returns NotConfirmed.
  */
 ExitStatus confirm(const Command &command, const Invocation &invocation);
 

@@ -4,7 +4,7 @@
 
 namespace
 {
-/** Reads a passphrase that @p accepts takes. */
+/** Reads a passphrase and checks it with @p accepts. */
 bool readPassphrase(const QString &prompt, const SecretReader &reader,
                     bool (*accepts)(const QString &), const QString &wanted, QString &passphrase,
                     QString &complaint)
@@ -28,7 +28,7 @@ bool completeConnect(const Invocation &invocation, const SecretReader &reader,
                                    "characters")
                         .arg(shown(user));
     } else if (invocation.has("--user")) {
-        // A password has no bounds of the network's.
+        // A password is not limited like a network's passphrase.
         readPassphrase(QStringLiteral("Password"), reader, isUserName,
                        QStringLiteral("1 to 255 characters without control characters"), password,
                        complaint);

@@ -5,11 +5,11 @@
 #include "invocation.h"
 
 /**
- * Completes the arguments of the two operations that need a passphrase, "wifi connect" and
- * "ap start"; those of every other command stay as they are.
+ * Completes the arguments of the two operations that need a passphrase, "wifi connect" and "ap
+ * start"; leaves other commands unchanged.
  *
- * @return false, with @p complaint, which does not hold the passphrase, where it cannot be had or
- *         is none
+ * @return false, with @p complaint, if the passphrase cannot be read or is invalid; the complaint
+ *         does not contain it
  */
 bool addPassphrase(const Command &command, const Invocation &invocation, const SecretReader &reader,
                    QVariantList &arguments, QString &complaint);

@@ -5,26 +5,24 @@
 #include <QString>
 #include <QVariant>
 
-/*
- * Values of the bus for people and for machines. They have been made plain before: see busvalue.h.
- */
+/* Formats plain values of the bus (see busvalue.h) for people and for machines. */
 
 /**
- * A value on one line: lists with commas, bytes as text where they are, else hexadecimal; every
- * number with @p unit behind it.
+ * A value on one line: lists with commas, bytes as text if they are text, otherwise hexadecimal;
+ * every number with @p unit.
  */
 QString inlineText(const QVariant &value, const QString &unit = QString());
 
 /** A reply for people: a map as aligned lines, anything else on one line; empty for no value. */
 QString replyText(const QVariantList &values, const QString &unit = QString());
 
-/** The value for machines: bytes as one character each, numbers as numbers. */
+/** A value for machines: bytes as one character each, numbers as numbers. */
 QJsonValue toJson(const QVariant &value);
 
-/** A reply for machines: its one value, null where there is none. */
+/** A reply for machines: its one value, or null. */
 QJsonValue replyJson(const QVariantList &values);
 
-/** Lines of a table: a name and a value, the values aligned. */
+/** A table of names and aligned values. */
 class Lines
 {
 public:

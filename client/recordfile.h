@@ -6,33 +6,32 @@
 #include <QVariantMap>
 
 /*
- * A copy of both identification records as a JSON file. Pure: records in, the file's content out,
- * and back again.
+ * A copy of both identification records as a JSON file. Pure: records to content, and content to
+ * records.
  *
- * Each record is an object with all of its fields, named as on the bus, and with the CRC that it
- * has in the EEPROM. Numbers are numbers; bytes are text of one character for each byte, of the
- * whole width of the field.
+ * Each record is an object with all of its fields, named as on the bus, and with its CRC in the
+ * EEPROM. Numbers are numbers; bytes are text with one character for each byte, in the full width
+ * of the field.
  */
 
-/** Both records, the values of whose fields can be sent to the daemon as they are. */
+/** Both records; the values of their fields can be sent to the daemon unchanged. */
 struct Records {
     QVariantMap instrument;
     QVariantMap measure;
 };
 
 /**
- * The content of the file with @p records, as the daemon gave them.
+ * Returns the content of the file for @p records, as the daemon returned them.
  *
- * @param complaint why there is none, where the result is empty: a record that is not valid, or
- *        without some of its fields
+ * @param complaint the reason for an empty result: a record is invalid or lacks fields
  */
 QByteArray writeRecords(const Records &records, QString &complaint);
 
 /**
- * The records in a file of that @p content.
+ * Reads the records from a file with that @p content.
  *
- * @return false, with @p complaint, where the file is not whole: a field is missing, is none of the
- *         record's or no value of its kind, or the record has another CRC
+ * @return false, with @p complaint, if the file is incomplete or changed: a field is missing,
+ *         unknown or has a wrong value, or the record has another CRC
  */
 bool readRecords(const QByteArray &content, Records &records, QString &complaint);
 

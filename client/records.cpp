@@ -12,7 +12,7 @@ namespace
 const QString device = QStringLiteral("/KyDeviceMgr");
 const QString version = QStringLiteral("Version");
 
-/** Many times what a copy needs: whatever else the name leads to is not read to its end. */
+/** Many times the size of a copy: limits the read if the name leads to another file. */
 const qint64 longestFile = 1 << 20;
 
 ExitStatus read(const char *method, QVariantMap &fields, Answer &answer)

@@ -10,13 +10,13 @@
 /**
  * Copies both identification records into a file that only its owner can read.
  *
- * An existing file is never replaced. Nothing is asked for before the file is known to be
- * writable, and no file appears before both records are in it.
+ * Never replaces an existing file. Makes no call before the file is known to be writable; creates
+ * the file only with both records in it.
  */
 ExitStatus dumpRecords(const Command &command, const Invocation &invocation,
                        const QVariantList &arguments);
 
-/** Writes both records from a file, which is checked as a whole before anything is sent. */
+/** Writes both records from a file. Checks the whole file before it sends anything. */
 ExitStatus restoreRecords(const Command &command, const Invocation &invocation,
                           const QVariantList &arguments);
 

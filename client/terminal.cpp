@@ -14,10 +14,10 @@
 
 namespace
 {
-/** Reads a line, without its end; false at the end of the input. */
+/** Reads a line, without its end; returns false at the end of the input. */
 bool readLine(QByteArray &line)
 {
-    // Byte by byte: what follows the line belongs to the next reader.
+    // Byte by byte: the rest belongs to the next reader.
     char byte = 0;
     while (true) {
         const ssize_t got = read(STDIN_FILENO, &byte, 1);
@@ -30,8 +30,8 @@ bool readLine(QByteArray &line)
 }
 
 /**
- * Where a person reads who types at standard input: standard error, or the terminal itself where
- * that leads elsewhere. Without such a place nobody can be asked.
+ * The output that a person sees who types at standard input: standard error, or the terminal itself
+ * if standard error is redirected. Without either, no question can be asked.
  */
 class Prompt
 {
@@ -65,26 +65,26 @@ bool areDetailsWanted = false;
 
 termios ordinary = {};
 
-/** Whoever ends the program at the prompt keeps a terminal that shows what is typed. */
+/** Restores the echo when a signal ends the program at the prompt. */
 void restoreTerminal(int signal)
 {
     tcsetattr(STDIN_FILENO, TCSANOW, &ordinary);
     static_cast<void>(raise(signal));
 }
 
-/** Has @p handler take the signals that end a program at the prompt. */
+/** Installs @p handler for the signals that end a program at the prompt. */
 void handleEnd(void (*handler)(int))
 {
     for (const int signal : {SIGINT, SIGTERM, SIGHUP, SIGQUIT}) {
         struct sigaction action = {};
         action.sa_handler = handler;
-        // The signal that is raised in the handler comes after it, and ends the program.
+        // The handler raises the signal again, which then ends the program.
         action.sa_flags = static_cast<int>(SA_RESETHAND);
         sigaction(signal, &action, nullptr);
     }
 }
 
-/** Hides what is typed, until the program ends or showInput() is called. */
+/** Switches the echo off, until the program ends or showInput() is called. */
 void hideInput()
 {
     handleEnd(restoreTerminal);
@@ -102,12 +102,12 @@ void showInput()
 void write(std::FILE *stream, const QString &text)
 {
     const QByteArray bytes = text.toUtf8();
-    // The stream remembers that something was lost.
+    // The stream remembers a failed write.
     static_cast<void>(std::fwrite(bytes.constData(), 1, size_t(bytes.size()), stream));
     static_cast<void>(std::fflush(stream));
 }
 
-/** Columns and rows of the terminal at standard output; none where there is none. */
+/** Columns and rows of the terminal at standard output; zero without a terminal. */
 winsize terminalSize()
 {
     winsize size = {};
@@ -123,7 +123,7 @@ bool hasColours(int stream)
            terminal != "dumb";
 }
 
-/** What an access point calls itself must not move the cursor. */
+/** A hostile network name must not move the cursor. */
 QString safeLines(const QString &text)
 {
     QStringList lines = text.split(QLatin1Char('\n'));

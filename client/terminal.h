@@ -7,55 +7,58 @@
 void print(const QString &text);
 
 /**
- * Writes @p text for people to standard output: without control characters of others and, where
- * that is a terminal, with colours and in lines that fit it.
+ * Writes @p text for people to standard output: without foreign control characters and, on a
+ * terminal, with colours and with lines that fit.
  *
- * Colours are left out where NO_COLOR is set, or the terminal is a dumb one.
+ * No colours if NO_COLOR is set, or on a dumb terminal.
  */
 void show(const QString &text);
 
-/** As show(), without colours: for text that explains. */
+/** Like show(), without colours: for explanations. */
 void explain(const QString &text);
 
-/** Whether standard output is a terminal. */
+/** Returns true if standard output is a terminal. */
 bool isShownAtTerminal();
 
-/** Takes the whole terminal for drawScreen(), until giveScreenBack(). */
+/** Takes over the whole terminal for drawScreen(), until giveScreenBack(). */
 void takeScreen();
 
-/** Draws @p text in the place of what was drawn before; what does not fit is left out. */
+/** Replaces the screen with @p text; cuts what does not fit. */
 void drawScreen(const QString &text);
 
 void giveScreenBack();
 
-/** Whether all that was printed has been written. */
+/** Returns true if everything printed has been written. */
 bool isAllPrinted();
 
-/** Has complaints come with their details from now on. */
+/** From now on complaints show their details. */
 void showDetails();
 
-/** Writes "kyboardctl: " and @p text, a line, to standard error, and @p detail if it is wanted. */
+/**
+ * Writes "kyboardctl: " and the line @p text to standard error, and @p detail if details are on.
+ */
 void complain(const QString &text, const QString &detail = QString());
 
-/** Shows @p text in place of the last progress line, where standard error is a terminal. */
+/** Replaces the last progress line with @p text if standard error is a terminal. */
 void showProgress(const QString &text);
 
-/** Takes the progress line away. */
+/** Removes the progress line. */
 void clearProgress();
 
-/** How a person answers a question. */
+/** A person's answer to a question. */
 enum class Consent {
     Given,
     Refused,
     NobodyThere, ///< standard input is no terminal, or the question could not be seen
 };
 
-/** Asks @p question at the terminal; only "y" and "yes" are a consent. */
+/** Asks @p question on the terminal; only "y" and "yes" count as consent. */
 Consent askFor(const QString &question);
 
 /**
- * Reads the secret of that @p name: from the terminal, without showing it, where standard input is
- * one; else the next line of standard input. False where there is none, or nobody can be asked.
+ * Reads the secret of that @p name: from the terminal, without echo, if standard input is one;
+ * otherwise the next line of standard input. Returns false if there is none, or no terminal to ask
+ * on.
  */
 bool readSecret(const QString &name, QString &secret);
 

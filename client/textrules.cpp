@@ -15,7 +15,7 @@ bool isHexadecimal(const QString &text)
     });
 }
 
-/** Line and paragraph separators end a line, too, where text is read by Unicode's rules. */
+/** Includes line and paragraph separators: Unicode text viewers end a line there, too. */
 bool isControl(QChar character)
 {
     return character.category() == QChar::Other_Control || character == QChar::LineSeparator ||

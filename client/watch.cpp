@@ -14,15 +14,15 @@
 
 namespace
 {
-/** Signals that belong together come one right after the other. */
+/** Signals of one change arrive shortly after one another. */
 const int drawingDelay = 100;
 
-/** What changes without a signal, as the battery's voltage, is asked for that often. */
+/** The interval of queries for values without a signal, such as the battery's voltage. */
 const int refreshInterval = 10000;
 
 /**
- * To ask for temperatures has the daemon announce those that are too high, to everybody: that is
- * done as seldom as the daemon's own check goes, and never because of such an announcement.
+ * Asking for temperatures makes the daemon announce to all clients those that are too high. Do that
+ * only as often as the daemon's own check, and never because of such an announcement.
  */
 const int refreshesPerTemperature = 30;
 const char temperature[] = "Temperature";
@@ -103,7 +103,7 @@ void Watch::take(const QDBusMessage &message)
     const QString interface = message.interface().mid(daemonService.size() + 1);
     if (interface != QLatin1String(temperature))
         m_changed << interface;
-    // LEDs follow the battery and the storage, and have no signal of their own.
+    // LEDs follow the battery and the storage and have no signal of their own.
     m_changed << QStringLiteral("LED");
     if (!m_drawing.isActive())
         m_drawing.start(drawingDelay);

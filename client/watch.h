@@ -9,7 +9,7 @@
 #include <QSet>
 #include <QTimer>
 
-/** The whole instrument on one screen of a terminal, drawn again when something changes. */
+/** The whole instrument on one terminal screen, updated on every change. */
 class Watch : public QObject
 {
     Q_OBJECT
@@ -17,7 +17,7 @@ class Watch : public QObject
 public:
     Watch();
 
-    /** Runs until the program is asked to end; leaves the terminal as it was. */
+    /** Runs until a signal ends the program; restores the terminal. */
     ExitStatus run();
 
 private Q_SLOTS:
@@ -31,7 +31,7 @@ private:
     void takeSignal(int descriptor);
 
     InstrumentView m_view;
-    /** Of what is asked for again before the screen is drawn. */
+    /** The interfaces to query again before the next update of the screen. */
     QSet<QString> m_changed;
     QTimer m_drawing;
     QTimer m_refreshing;
