@@ -55,8 +55,7 @@ QString storageHand(const QString &device, bool isMounting, const Instrument &in
         action = holds("/inserted") ? "remove" : "insert";
     else if (holds("/inserted"))
         action = holds("/mounted") ? "unmount" : "mount";
-    return action ? say("simulator/storage", QLatin1String(action) + QLatin1Char(' ') + device)
-                  : QString();
+    return action ? say("storage", QLatin1String(action) + QLatin1Char(' ') + device) : QString();
 }
 
 /** To two digits, as nobody drags more finely than that. */
@@ -96,32 +95,31 @@ QString commandFor(const QString &element, double place, const Instrument &instr
     if (element == QLatin1String("charger")) {
         const bool isIn =
             instrument.board.value(QStringLiteral("charger/present")).trimmed() == "1";
-        return say("simulator/charger", isIn ? QStringLiteral("unplug") : QStringLiteral("plug"));
+        return say("charger", isIn ? QStringLiteral("unplug") : QStringLiteral("plug"));
     }
     if (element == QLatin1String("battery-track"))
-        return say("simulator/battery", QString::number(std::lround(place * 100)));
+        return say("battery", QString::number(std::lround(place * 100)));
     if (element == QLatin1String("light-track"))
-        return say("simulator/light", QString::number(roundedLight(lightScale.valueAt(place))));
+        return say("light", QString::number(roundedLight(lightScale.valueAt(place))));
     if (element.startsWith(QLatin1String("temperature-")))
-        return say("simulator/temperature", QStringLiteral("%1 %2")
-                                                .arg(element.section(QLatin1Char('-'), 1, 1))
-                                                .arg(std::lround(temperatureScale.valueAt(place))));
+        return say("temperature", QStringLiteral("%1 %2")
+                                      .arg(element.section(QLatin1Char('-'), 1, 1))
+                                      .arg(std::lround(temperatureScale.valueAt(place))));
     if (element == QLatin1String("SD") || element == QLatin1String("USB") ||
         element.endsWith(QLatin1String("-hand")) || element.endsWith(QLatin1String("-mount")))
         return storageHand(element.section(QLatin1Char('-'), 0, 0),
                            element.endsWith(QLatin1String("-mount")), instrument);
     if (element == QLatin1String("cable"))
-        return say("simulator/network/ethernet",
+        return say("ethernet",
                    instrument.isCableIn == 0 ? QStringLiteral("plug") : QStringLiteral("unplug"));
     if (element == QLatin1String("dhcp"))
-        return say("simulator/network/ethernet",
+        return say("ethernet",
                    instrument.isDhcpMute == 1 ? QStringLiteral("unmute") : QStringLiteral("mute"));
     if (element == QLatin1String("wifi-dhcp"))
-        return say("simulator/network/wifi", instrument.isWifiDhcpMute == 1
-                                                 ? QStringLiteral("unmute")
-                                                 : QStringLiteral("mute"));
+        return say("wifi", instrument.isWifiDhcpMute == 1 ? QStringLiteral("unmute")
+                                                          : QStringLiteral("mute"));
     if (element.startsWith(QLatin1String("daemon-")))
-        return say("simulator/daemon", element.section(QLatin1Char('-'), 1, 1));
+        return say("daemon", element.section(QLatin1Char('-'), 1, 1));
     if (element.startsWith(QLatin1String("air-")))
         return airHand(element, place, instrument);
     return {};
@@ -130,9 +128,10 @@ QString commandFor(const QString &element, double place, const Instrument &instr
 QString asTyped(const QString &command)
 {
     static const QRegularExpression forShell(QStringLiteral("[<>*]"));
+    const QString instrument = qEnvironmentVariable("INSTRUMENT_COMMAND", QStringLiteral("./run"));
     if (!command.contains(forShell))
-        return QStringLiteral("./run -- ") + command;
-    return QStringLiteral("./run -- sh -c '%1'").arg(command);
+        return QStringLiteral("%1 -- %2").arg(instrument, command);
+    return QStringLiteral("%1 -- sh -c '%2'").arg(instrument, command);
 }
 
 QStringList faultOperations()

@@ -20,7 +20,8 @@ bool isDragged(const QString &element);
  */
 QString commandFor(const QString &element, double place, const Instrument &instrument);
 
-/** How somebody types the same command outside. */
+/** How somebody types the same command outside, with the name that the instrument was started by.
+ */
 QString asTyped(const QString &command);
 
 /** The operations of the hardware libraries that a fault can be given to. */

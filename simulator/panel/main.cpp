@@ -59,7 +59,8 @@ int main(int argc, char *argv[])
                !qEnvironmentVariableIsSet("WAYLAND_DISPLAY") &&
                !qEnvironmentVariableIsSet("QT_QPA_PLATFORM")) {
         return fail(QStringLiteral("there is no display; --picture FILE needs none, nor does "
-                                   "QT_QPA_PLATFORM=vnc (docs/your-application.md)"));
+                                   "QT_QPA_PLATFORM=vnc (%1/your-application.md)")
+                        .arg(qEnvironmentVariable("INSTRUMENT_DOCUMENTS", QStringLiteral("docs"))));
     }
     QApplication application(argc, argv);
     QApplication::setApplicationName(QStringLiteral("panel"));
@@ -76,9 +77,9 @@ int main(int argc, char *argv[])
     options.addOptions({picture, size});
     options.process(application);
 
-    PanelWidget panel(QStringLiteral(PANEL_DRAWING), QStringLiteral(TREE));
+    PanelWidget panel(QStringLiteral(":/panel.svg"));
     if (!panel.isGood())
-        return fail(QStringLiteral(PANEL_DRAWING " is no drawing"));
+        return fail(QStringLiteral("panel.svg is no drawing"));
     QSize wanted = panel.sizeHint();
     if (options.isSet(size)) {
         wanted = sizeOf(options.value(size));

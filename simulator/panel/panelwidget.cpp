@@ -16,13 +16,11 @@ const int tick = 50;
 const int slowTicks = 4;
 } // namespace
 
-PanelWidget::PanelWidget(const QString &drawing, const QString &tree)
-    : m_tree(tree), m_drawing(drawing), m_faultMenu(new QMenu(this))
+PanelWidget::PanelWidget(const QString &drawing) : m_drawing(drawing), m_faultMenu(new QMenu(this))
 {
     setMouseTracking(true);
     setMinimumSize(480, 300);
     m_clock.start();
-    m_hand.setWorkingDirectory(m_tree);
     QObject::connect(
         &m_hand, static_cast<void (QProcess::*)(int, QProcess::ExitStatus)>(&QProcess::finished),
         this, [this](int status) {

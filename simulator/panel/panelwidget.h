@@ -19,10 +19,11 @@ class PanelWidget : public QWidget
 
 public:
     /**
+     * The commands that do what hands do are found as programs are.
+     *
      * @param drawing path of the SVG file
-     * @param tree where the commands of the simulator are, the directory that they run in
      */
-    PanelWidget(const QString &drawing, const QString &tree);
+    explicit PanelWidget(const QString &drawing);
     ~PanelWidget() override;
 
     bool isGood() const { return !m_drawing.size().isEmpty(); }
@@ -61,7 +62,6 @@ private:
     double placeOn(const QString &element, const QPoint &place) const;
     QRectF boundsOnWidget(const QString &element) const;
 
-    const QString m_tree;
     Drawing m_drawing;
     Instrument m_instrument;
     DaemonView m_daemonView;

@@ -221,26 +221,25 @@ void TestLook::handsRunCommands_data()
                         const char *content, const char *command) {
         QTest::newRow(name) << element << place << file << QByteArray(content) << command;
     };
-    row("plug", "charger", 0.5, "charger/present", "0\n", "simulator/charger plug");
-    row("unplug", "charger", 0.5, "charger/present", "1\n", "simulator/charger unplug");
-    row("battery", "battery-track", 0.354, "", "", "simulator/battery 35");
-    row("dark", "light-track", 0, "", "", "simulator/light 1");
-    row("light", "light-track", 0.5, "", "", "simulator/light 320");
-    row("bright", "light-track", 1, "", "", "simulator/light 100000");
-    row("cold", "temperature-SOM-track", 0, "", "", "simulator/temperature SOM -40");
-    row("warm", "temperature-ANALOG_CHAIN-track", 1, "", "",
-        "simulator/temperature ANALOG_CHAIN 120");
-    row("insert", "SD-hand", 0, "storage/SD/inserted", "0", "simulator/storage insert SD");
-    row("the card itself", "SD", 0, "storage/SD/inserted", "0", "simulator/storage insert SD");
-    row("pull", "USB-hand", 0, "storage/USB/inserted", "1", "simulator/storage remove USB");
-    row("mount", "SD-mount", 0, "storage/SD/inserted", "1", "simulator/storage mount SD");
+    row("plug", "charger", 0.5, "charger/present", "0\n", "charger plug");
+    row("unplug", "charger", 0.5, "charger/present", "1\n", "charger unplug");
+    row("battery", "battery-track", 0.354, "", "", "battery 35");
+    row("dark", "light-track", 0, "", "", "light 1");
+    row("light", "light-track", 0.5, "", "", "light 320");
+    row("bright", "light-track", 1, "", "", "light 100000");
+    row("cold", "temperature-SOM-track", 0, "", "", "temperature SOM -40");
+    row("warm", "temperature-ANALOG_CHAIN-track", 1, "", "", "temperature ANALOG_CHAIN 120");
+    row("insert", "SD-hand", 0, "storage/SD/inserted", "0", "storage insert SD");
+    row("the card itself", "SD", 0, "storage/SD/inserted", "0", "storage insert SD");
+    row("pull", "USB-hand", 0, "storage/USB/inserted", "1", "storage remove USB");
+    row("mount", "SD-mount", 0, "storage/SD/inserted", "1", "storage mount SD");
     row("mount nothing", "SD-mount", 0, "storage/SD/inserted", "0", "");
-    row("cable", "cable", 0, "", "", "simulator/network/ethernet unplug");
-    row("server", "dhcp", 0, "", "", "simulator/network/ethernet mute");
-    row("server of the air", "wifi-dhcp", 0, "", "", "simulator/network/wifi mute");
-    row("start", "daemon-start", 0, "", "", "simulator/daemon start");
-    row("stop", "daemon-stop", 0, "", "", "simulator/daemon stop");
-    row("kill", "daemon-kill", 0, "", "", "simulator/daemon kill");
+    row("cable", "cable", 0, "", "", "ethernet unplug");
+    row("server", "dhcp", 0, "", "", "ethernet mute");
+    row("server of the air", "wifi-dhcp", 0, "", "", "wifi mute");
+    row("start", "daemon-start", 0, "", "", "daemon start");
+    row("stop", "daemon-stop", 0, "", "", "daemon stop");
+    row("kill", "daemon-kill", 0, "", "", "daemon kill");
     row("far", "air-2-track", 0, "", "", "echo -100 >/run/strandel-air/point1/signal");
     row("off the air", "air-2-switch", 0, "", "", "echo 0 >/run/strandel-air/point1/in_range");
     row("the menu", "faults", 0, "", "", "");
@@ -279,11 +278,15 @@ void TestLook::whatIsDraggedComesBackAsItWas()
 
 void TestLook::commandsAreShownAsTheyAreTyped()
 {
-    QCOMPARE(asTyped("simulator/storage insert SD"),
-             QStringLiteral("./run -- simulator/storage insert SD"));
+    QCOMPARE(asTyped("storage insert SD"), QStringLiteral("./run -- storage insert SD"));
     QCOMPARE(asTyped("echo 1 >file"), QStringLiteral("./run -- sh -c 'echo 1 >file'"));
     QCOMPARE(asTyped(healAllCommand()),
              QStringLiteral("./run -- sh -c 'rm /run/strandel-board/faults/*'"));
+    qputenv("INSTRUMENT_COMMAND", "kyboard-instrument");
+    QCOMPARE(asTyped("storage insert SD"),
+             QStringLiteral("kyboard-instrument -- storage insert SD"));
+    QCOMPARE(asTyped("echo 1 >file"), QStringLiteral("kyboard-instrument -- sh -c 'echo 1 >file'"));
+    qunsetenv("INSTRUMENT_COMMAND");
 }
 
 void TestLook::everyOperationOfTheLibrariesCanFail()

@@ -55,7 +55,7 @@ void TestPanel::init()
 {
     DaemonTest::init();
     QVERIFY(daemon.start());
-    panel = std::make_unique<PanelWidget>(DRAWING, TREE);
+    panel = std::make_unique<PanelWidget>(DRAWING);
     panel->resize(1280, 800);
     panel->show();
     QTRY_VERIFY_WITH_TIMEOUT(panel->isComplete(), 20000);
@@ -117,7 +117,7 @@ void TestPanel::aCardIsInsertedMountedAndPulled()
     click("SD-mount");
     click("SD-hand");
     QVERIFY(shows("SD-text", "inserted"));
-    QCOMPARE(text("command"), QStringLiteral("./run -- simulator/storage insert SD"));
+    QCOMPARE(text("command"), QStringLiteral("./run -- storage insert SD"));
     QVERIFY(signalsOfDevices.waitFor(2).contains("Storage.sdcardPresence(true)"));
     click("SD-mount");
     QVERIFY(shows("SD-text", "mounted"));
@@ -186,12 +186,12 @@ void TestPanel::onlyTheEndOfADragCounts()
     }
     QTest::mouseRelease(panel.get(), Qt::LeftButton, {}, panel->placeOf("battery-track", 0.2));
     QVERIFY(shows("battery-charge", "20 %"));
-    QCOMPARE(text("command"), QStringLiteral("./run -- simulator/battery 20"));
+    QCOMPARE(text("command"), QStringLiteral("./run -- battery 20"));
     // Moving on without pressing does nothing.
     QMouseEvent move(QEvent::MouseMove, panel->placeOf("battery-track", 0.9), Qt::NoButton,
                      Qt::NoButton, Qt::NoModifier);
     QApplication::sendEvent(panel.get(), &move);
-    QCOMPARE(panel->toolTip(), QStringLiteral("./run -- simulator/battery 90"));
+    QCOMPARE(panel->toolTip(), QStringLiteral("./run -- battery 90"));
     QCOMPARE(Board::get("battery/charge"), QStringLiteral("20"));
 }
 
@@ -295,7 +295,7 @@ void TestPanel::theBusGoesAndComes()
     };
     QVERIFY(startBus());
     qputenv("DBUS_SYSTEM_BUS_ADDRESS", address.toLatin1());
-    panel = std::make_unique<PanelWidget>(DRAWING, TREE);
+    panel = std::make_unique<PanelWidget>(DRAWING);
     QProcess other;
     const auto startDaemon = [&] { other.start("KyBoardManager", QStringList()); };
     QVERIFY(shows("daemon-text", "away"));
@@ -355,7 +355,7 @@ void TestPanel::theLogTellsWhatGoesOverTheBus()
     QVERIFY(has("error   LED.setLEDStatus: com.orvendis.Strandel.BoardManager.Error."));
     Remote("/KyConfigMgr", "Users").call("setUser", {"user2"});
     QVERIFY(has("signal  Users.userChanged(\"user2\")"));
-    log.note("./run -- simulator/charger plug");
+    log.note("./run -- charger plug");
     // The panel asks for the profile after that, which is none of anybody's business.
     QVERIFY(shows("daemon-profile", "profile user2"));
     QVERIFY(!log.text().contains("getUser"));
@@ -363,7 +363,7 @@ void TestPanel::theLogTellsWhatGoesOverTheBus()
     log.showInterface("Users");
     QVERIFY(!log.text().contains("LED."));
     QVERIFY(log.text().contains("userChanged"));
-    QVERIFY(log.text().contains("$ ./run -- simulator/charger plug"));
+    QVERIFY(log.text().contains("$ ./run -- charger plug"));
     QTemporaryDir directory;
     QVERIFY(log.save(directory.path() + "/log"));
     QCOMPARE(readFile(directory.path() + "/log"), log.text().toUtf8() + '\n');

@@ -99,11 +99,11 @@ void TestInstrument::theDaemonGoesAwayAndComesBack()
              QStringLiteral("daemon: it runs already\ndaemon: it does not run\n"
                             "kyboardctl: the board manager is not on the system bus\n"
                             "user1\nuser1\nON\n"
-                            "(The daemon ended with status 137; simulator/daemon start starts it "
+                            "(The daemon ended with status 137; \"daemon start\" starts it "
                             "again.)\n"
-                            "(The daemon ended with status 143; simulator/daemon start starts it "
+                            "(The daemon ended with status 143; \"daemon start\" starts it "
                             "again.)\n"
-                            "(The daemon ended with status 143; simulator/daemon start starts it "
+                            "(The daemon ended with status 143; \"daemon start\" starts it "
                             "again.)\n"));
     QVERIFY(printed.contains("usage: daemon COMMAND"));
 }
