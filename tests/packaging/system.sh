@@ -1,25 +1,17 @@
 # shellcheck shell=bash
-# For the checks that need a system of nothing but Debian's packages. "fail" is the caller's.
-
-# Where apt of this machine gets Debian's packages from.
-repositories() {
-    # What is not to be expanded is apt's own.
-    # shellcheck disable=SC2016
-    apt-get indextargets 'Created-By: Packages' 'Origin: Debian' 'Label: Debian' \
-        --format 'deb $(REPO_URI) $(RELEASE) $(COMPONENT)' | sort -u
-}
+# For the checks that need a system of nothing but Debian's packages.
 
 # A minimal system with these packages as DIRECTORY/system.tar, which stays for the next time.
 # usage: make_system DIRECTORY [PACKAGE...]
 make_system() {
-    local directory=$1
+    local directory=$1 repositories
     shift
     [ "$(cat "$directory/complete" 2>/dev/null)" != "system of $*" ] || return 0
     mkdir -p "$directory"
     rm -f "$directory/complete"
-    [ -n "$(repositories)" ] || fail "apt is configured without Debian"
-    repositories | mmdebstrap --quiet --variant=minbase --include="$(IFS=,; echo "$*")" \
-        '' "$directory/system.tar" -
+    repositories=$("${BASH_SOURCE[0]%/*}/../../tools/repositories")
+    mmdebstrap --quiet --variant=minbase --include="$(IFS=,; echo "$*")" \
+        '' "$directory/system.tar" - <<<"$repositories"
     echo "system of $*" >"$directory/complete"
 }
 
@@ -29,4 +21,14 @@ unpack_system() {
     rm -rf "$1/root"
     mkdir "$1/root"
     tar --extract --file "$1/system.tar" --directory "$1/root"
+}
+
+# Boots what was unpacked, with no network, and lets it run until it is powered off, or until the time is
+# over. Whatever a service there cannot write to is for its own restrictions, not for the container's.
+# usage: boot_system DIRECTORY SECONDS
+boot_system() {
+    SYSTEMD_NSPAWN_API_VFS_WRITABLE=yes timeout --kill-after=10 "$2" \
+        systemd-nspawn --quiet --directory="$1/root" --register=no --keep-unit \
+        --private-network --console=pipe --boot </dev/null >"$1/console" 2>&1 \
+        || echo "the container ended with status $?" >&2
 }
