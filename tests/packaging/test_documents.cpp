@@ -1,6 +1,8 @@
 #include "files.h"
 
+#include <QDir>
 #include <QProcess>
+#include <QRegularExpression>
 #include <QTemporaryDir>
 #include <QTest>
 
@@ -14,11 +16,20 @@ private Q_SLOTS:
     void whatIsNotThereIsNoticed_data();
     void whatIsNotThereIsNoticed();
     void whatIsThereIsNotComplainedOf();
+    void theManualPageHasTheOptionsOfTheInstrument();
+    void theManualPageHasTheCommandsInTheInstrument();
+    void installingNamesTheBuildDependencies();
+    void installingNamesTheLeastVersions();
+    void readmeNamesWhatIsInstalled();
 
 private:
     /** What the program complains of; "none" where it is content. */
     static QString complaints(const QStringList &documents);
     static QString complaintsOf(const QByteArray &text);
+    static QString text(const QString &file);
+    /** What the expression's group matches in the text, sorted, each once. */
+    static QStringList matches(const QString &text, const char *expression);
+    static QString manualPage();
 };
 
 QString TestDocuments::complaints(const QStringList &documents)
@@ -87,6 +98,111 @@ void TestDocuments::whatIsThereIsNotComplainedOf()
                           "`kyboardctl --json user set user2`\n\n    # kyboardctl monitor  # what\n"
                           "\n<!-- made up: src/none.h -->\n\n`src/none.h`\n"),
              QString("none"));
+}
+
+QString TestDocuments::text(const QString &file)
+{
+    return QString::fromUtf8(readFile(QStringLiteral(SOURCES "/") + file));
+}
+
+QStringList TestDocuments::matches(const QString &text, const char *expression)
+{
+    QStringList result;
+    auto found =
+        QRegularExpression(expression, QRegularExpression::MultilineOption).globalMatch(text);
+    while (found.hasNext())
+        result << found.next().captured(1);
+    result.removeDuplicates();
+    result.sort();
+    return result;
+}
+
+QString TestDocuments::manualPage()
+{
+    return text("simulator/kyboard-instrument.1").replace("\\-", "-");
+}
+
+void TestDocuments::theManualPageHasTheOptionsOfTheInstrument()
+{
+    QProcess run;
+    run.start(SOURCES "/run", {"--help"});
+    QVERIFY(run.waitForFinished(20000));
+    const QStringList options =
+        matches(QString::fromUtf8(run.readAllStandardOutput()), "(?<=[ ])(--[a-z]+)");
+    QVERIFY(options.contains("--panel"));
+    QCOMPARE(matches(text("simulator/commandline.sh"), "(?<= )(--[a-z]+)(?=\\)| \\| )"), options);
+    QCOMPARE(
+        matches(manualPage().section(".SH OPTIONS", 1).section(".SH ", 0, 0), "^\\.B.*?(--[a-z]+)"),
+        options);
+}
+
+void TestDocuments::theManualPageHasTheCommandsInTheInstrument()
+{
+    // What starts the instrument, and what only other scripts call.
+    const QStringList internal{"emulated", "instrument", "kyboard-instrument", "world"};
+    QStringList commands{"uevent"};
+    for (const char *directory : {"/simulator", "/simulator/network"}) {
+        const QDir scripts(QStringLiteral(SOURCES) + directory);
+        for (const QString &script : scripts.entryList(QDir::Files | QDir::Executable)) {
+            if (!internal.contains(script))
+                commands << script;
+        }
+    }
+    commands.sort();
+    QCOMPARE(matches(manualPage().section(".SH DESCRIPTION", 1).section(".SH ", 0, 0),
+                     "^\\.TP\\n\\.B[RI]? ([a-z]+)"),
+             commands);
+}
+
+void TestDocuments::installingNamesTheBuildDependencies()
+{
+    // Without what only the virtual instrument needs, and what every Debian package is built with.
+    QStringList declared =
+        matches(text("debian/control").section("Build-Depends:", 1).section("libqt5svg5-dev", 0, 0),
+                "([a-z][a-z0-9+-]+)(?: \\([^)]*\\))?,");
+    QVERIFY(declared.removeOne("debhelper-compat"));
+    declared << "g++";
+    declared.sort();
+    QStringList told = matches(text("docs/installing.md"), "^    apt install (.*)$")
+                           .filter("g++")
+                           .first()
+                           .split(' ');
+    told.sort();
+    QCOMPARE(told, declared);
+}
+
+void TestDocuments::installingNamesTheLeastVersions()
+{
+    const QString document = text("docs/installing.md");
+    const auto version = [&](const char *file, const char *expression) {
+        return matches(text(file), expression).value(0);
+    };
+    const QString cmake = version("CMakeLists.txt", "^cmake_minimum_required\\(VERSION (.*)\\)$");
+    const QString presets = version("CMakePresets.json", "\"cmakeMinimumRequired\": \\{ (.*) \\}");
+    const QString qt = version("CMakeLists.txt", "^find_package\\(Qt5 ([0-9.]+) ");
+    const QString standard = version("CMakeLists.txt", "^set\\(CMAKE_CXX_STANDARD ([0-9]+)\\)$");
+    QCOMPARE(presets, QStringLiteral("\"major\": 3, \"minor\": 25"));
+    QVERIFY(document.contains(QStringLiteral("| compiler | C++%1 |").arg(standard)));
+    QVERIFY(
+        document.contains(QStringLiteral("| CMake | %1 | `cmake_minimum_required`; the presets, "
+                                         "and so `./run` and `./test`, take 3.25 |")
+                              .arg(cmake)));
+    QVERIFY(document.contains(QStringLiteral("| Qt | %1 |").arg(qt)));
+}
+
+void TestDocuments::readmeNamesWhatIsInstalled()
+{
+    const QString prepare = text("tools/prepare");
+    QStringList installed;
+    for (const char *list : {"packages", "example", "panel", "tests", "campaigns"}) {
+        const QString words =
+            matches(prepare, qPrintable(QStringLiteral("(?s)^%1=\\((.*?)\\)$").arg(list))).value(0);
+        QVERIFY2(!words.isEmpty(), list);
+        installed += words.split(QRegularExpression("\\s+")).filter(QRegularExpression("^[a-z]"));
+    }
+    const QString readme = text("README.md");
+    for (const QString &package : qAsConst(installed))
+        QVERIFY2(readme.contains('`' + package + '`'), qPrintable(package));
 }
 
 QTEST_GUILESS_MAIN(TestDocuments)
