@@ -1,5 +1,5 @@
 # shellcheck shell=bash
-# For the scripts that do with the simulated board what a hand does with a real one.
+# For the scripts that change the simulated board as a person changes a real one.
 
 board=${STRANDEL_BOARD:-/run/strandel-board}
 
@@ -8,7 +8,7 @@ fail() {
     exit 1
 }
 
-# set_value FILE VALUE: in one step, as readers never see half a value then.
+# set_value FILE VALUE: replaces the file atomically, so that readers never see a partial value.
 set_value() {
     mkdir -p "$board/${1%/*}"
     local fresh=$board/${1%/*}/.${1##*/}.$$
@@ -27,8 +27,8 @@ has_charger() {
     [ "$(cat "$board/charger/present" 2>/dev/null)" = 1 ]
 }
 
-# set_battery PERCENT: what the charge meter measures, by whether the charger is there. The meter
-# negates the charge while the battery is being charged; the flag tells that charging has not ended.
+# set_battery PERCENT: sets the charge meter's values, depending on the charger. The meter reports a
+# negative charge while the battery is being charged; the flag says that charging has not ended.
 set_battery() {
     local charge=$1 flag=0
     if has_charger && [ "$1" -lt 100 ]; then

@@ -1,15 +1,14 @@
 # shellcheck shell=bash
-# The command line of the virtual instrument, for the two commands that start it: ./run in this tree,
-# and kyboard-instrument of the package. They differ in their names, in where the programs are, and in
-# what is to be done before.
+# The command line of the virtual instrument, for the two commands that start it: ./run in this
+# tree, and kyboard-instrument of the package. They differ in their names, in where the programs
+# are, and in what they prepare.
 
-# Sets "command" to the command that is to run in the instrument, "instrument_options" to what is to be
-# different in an instrument that is started, "own_handle" to the handle of --handle, "panel" where that
-# command is the front panel, and "picture" to the file for a picture of it. Ends after --help, or at
-# what it does not understand.
+# Sets "command" to the command to run in the instrument, "instrument_options" to the options of a new
+# instrument, "own_handle" to the handle of --handle, "panel" if the command is the front panel, and
+# "picture" to the file for a picture of it. Exits after --help and on an error.
 # usage: parse_command_line NAME DOCUMENTS [ARGUMENT...]
 parse_command_line() {
-    # The instrument's own texts name them, too.
+    # The instrument's own texts need them, too.
     export INSTRUMENT_COMMAND=$1 INSTRUMENT_DOCUMENTS=$2
     shift 2
     instrument_options=()
@@ -42,7 +41,7 @@ parse_command_line() {
             panel=yes
             case $1 in
             --size) size=$2 ;;
-            # Whoever started us may have been in another directory than we are in now.
+            # Relative to the caller's directory, which we may have left.
             --picture) picture=$(cd "${from:-.}" && realpath "$2") || exit 2 ;;
             esac
             shift 2
@@ -85,8 +84,8 @@ $INSTRUMENT_DOCUMENTS/virtual-instrument.md tells what is in it.
 EOT
 }
 
-# Becomes the instrument, or the command in it. A running instrument is found by its handle: that of
-# --handle, or else HANDLE, which an instrument that is started for a command alone does not have.
+# Becomes the instrument, or the command in it. Finds a running instrument by its handle: that of
+# --handle, otherwise HANDLE. An instrument that runs only for a command has none.
 # usage: start_instrument HANDLE WORLD_OPTION...
 start_instrument() {
     local handle=${own_handle:-$1} here
@@ -101,7 +100,7 @@ start_instrument() {
         fi
         set -- "$@" --display --join "$handle" -- "${command[@]}"
     else
-        # What stays until somebody ends it can be joined.
+        # An instrument that runs until it is stopped can be joined.
         if [ ${#command[@]} -eq 0 ] || [ -n "$own_handle$panel" ]; then
             set -- "$@" --handle "$handle"
         fi

@@ -1,8 +1,8 @@
 /**
- * Sends a kernel event of any text to everybody in this network namespace who listens for them.
+ * Sends a kernel event with any content to every listener in this network namespace.
  *
- * usage: uevent [--count N] TEXT...    each text ends with a zero byte, as the kernel's do
- *        uevent [--count N] -          the message is what standard input holds, as it is
+ * usage: uevent [--count N] TEXT...    terminates each text with a zero byte, as the kernel does
+ *        uevent [--count N] -          sends standard input unchanged
  */
 
 #include <cstdio>

@@ -16,7 +16,7 @@ namespace board
 {
 namespace
 {
-// Never destroyed: a thread of ours may still run while the process exits.
+// Never destroyed: our thread may still run while the process exits.
 const std::string &root()
 {
     static const std::string &location = *[] {
@@ -31,7 +31,7 @@ std::string directoryOf(const std::string &file)
     return file.substr(0, file.find('/'));
 }
 
-/** Makes @p path and the directories on the way to it; true when @p path itself is new. */
+/** Creates @p path and its parents; returns true if @p path itself is new. */
 bool makeDirectory(const std::string &path)
 {
     for (std::size_t slash = path.find('/', 1); slash != std::string::npos;
@@ -54,7 +54,7 @@ bool writeAll(int descriptor, const std::string &content)
     return true;
 }
 
-/** A new hidden file beside @p file that holds @p content; its path is empty on failure. */
+/** Creates a hidden file beside @p file with @p content; returns its path, empty on failure. */
 std::string writeBeside(const std::string &file, const std::string &content)
 {
     std::string path = pathOf(file);
@@ -69,7 +69,7 @@ std::string writeBeside(const std::string &file, const std::string &content)
     return {};
 }
 
-/** Makes @p file unless it is there. */
+/** Creates @p file unless it exists. */
 void createFile(const std::string &file, const std::string &content)
 {
     const std::string path = pathOf(file);
@@ -79,16 +79,16 @@ void createFile(const std::string &file, const std::string &content)
     const std::string fresh = writeBeside(file, content);
     if (fresh.empty())
         return;
-    // Unlike a rename this leaves alone what somebody else made meanwhile.
+    // Unlike rename(), link() does not replace a file that another process created meanwhile.
     if (link(fresh.c_str(), path.c_str()) != 0 && errno != EEXIST)
-        // Some file systems have no links.
+        // Some file systems have no hard links.
         static_cast<void>(rename(fresh.c_str(), path.c_str()));
     unlink(fresh.c_str());
 }
 
 /**
- * Makes a file that turned out to be missing. A register without a file is one that the chip does
- * not have, so of these only a whole set is ever made.
+ * Creates a missing file with its default. A missing register means that the chip does not have it,
+ * so registers are created only with the whole set.
  */
 void restore(const std::string &file)
 {
@@ -111,7 +111,7 @@ void restore(const std::string &file)
 
 int openForReading(const std::string &file)
 {
-    // Without O_NONBLOCK a pipe in the file's place would stop us.
+    // Without O_NONBLOCK a FIFO would block us.
     return open(pathOf(file).c_str(), O_RDONLY | O_NONBLOCK | O_CLOEXEC);
 }
 
@@ -198,7 +198,7 @@ Lock::~Lock()
     --lockDepth;
     if (m_directory < 0)
         return;
-    // Closing alone would not unlock what a child forked meanwhile holds, too.
+    // A forked child shares the lock: closing alone would not release it.
     flock(m_directory, LOCK_UN);
     close(m_directory);
 }

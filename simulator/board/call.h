@@ -10,16 +10,16 @@
 namespace board
 {
 /**
- * One call of a library operation: has the fault that is asked for, and leaves its line in the
- * journal when it ends.
+ * One call of a library operation: applies the requested fault and writes the journal line at its
+ * end.
  */
 class Call
 {
 public:
     /**
-     * Begins the call, and takes as long as its fault says.
+     * Begins the call and waits as long as its fault requires.
      *
-     * @param operation as in "KyAls.init"; a text that lives as long as the call
+     * @param operation for example "KyAls.init"; must outlive the call
      */
     template <typename... Arguments>
     explicit Call(const char *operation, const Arguments &...arguments)
@@ -31,7 +31,9 @@ public:
     Call(const Call &) = delete;
     Call &operator=(const Call &) = delete;
 
-    /** Does @p work, which returns whether it succeeded; 0 on success. */
+    /**
+     * Runs @p work, which returns true on success. @return 0 on success
+     */
     template <typename Work>
     int act(Work work)
     {
@@ -39,10 +41,10 @@ public:
     }
 
     /**
-     * Gives what @p work returns to the caller through @p out.
+     * Runs @p work and stores its result in @p out.
      *
-     * @param nonsense what a call whose fault is garbage gives instead
-     * @param work returns a std::optional, empty when it failed
+     * @param nonsense the result under the fault "garbage"
+     * @param work returns a std::optional, empty on failure
      * @return 0 on success
      */
     template <typename Value, typename Work>
@@ -61,11 +63,11 @@ public:
     }
 
     /**
-     * Returns what @p work returns, for an operation that has no status.
+     * Runs @p work and returns its result, for an operation without a status.
      *
-     * @param failure what a call that fails returns
-     * @param nonsense what a call whose fault is garbage returns
-     * @param work returns a std::optional, empty when it failed
+     * @param failure the result on failure
+     * @param nonsense the result under the fault "garbage"
+     * @param work returns a std::optional, empty on failure
      */
     template <typename Value, typename Work>
     Value answer(Value failure, Value nonsense, Work work)

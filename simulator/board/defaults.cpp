@@ -48,7 +48,7 @@ const struct {
     {"revision/MESURE_CARD", "2"},
 };
 
-/** The content of an EEPROM that holds @p record and is erased behind it. */
+/** Returns the content of an EEPROM: @p record, followed by erased bytes. */
 std::string image(std::string record, std::size_t size)
 {
     record.resize(size, '\xFF');
@@ -70,7 +70,7 @@ std::vector<DefaultFile> makeDefaultFiles()
 
 const std::vector<DefaultFile> &defaultFiles()
 {
-    // Never destroyed: a thread of ours may still run while the process exits.
+    // Never destroyed: our thread may still run while the process exits.
     static const std::vector<DefaultFile> &files =
         *new std::vector<DefaultFile>(makeDefaultFiles());
     return files;

@@ -7,7 +7,7 @@
 
 namespace board
 {
-/** A file of the board and what it holds on a new board. */
+/** A file of the board and its content on a new board. */
 struct DefaultFile {
     std::string name;
     std::string content;

@@ -15,7 +15,7 @@ public:
     int get() const { return m_descriptor; }
     bool isOpen() const { return m_descriptor >= 0; }
 
-    /** Closes the descriptor and takes another one in its place. */
+    /** Closes the descriptor and replaces it with another one. */
     void reset(int descriptor = -1)
     {
         if (m_descriptor >= 0)

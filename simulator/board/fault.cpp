@@ -15,7 +15,7 @@ namespace
 const long long longestDelay = 600000;
 const long long mostCalls = 1000000000;
 
-/** The number that @p word is, or -1. */
+/** Returns the number in @p word, or -1. */
 long long numberIn(const std::string &word, long long highest)
 {
     if (word.empty() || word.size() > 10 || word.find_first_not_of("0123456789") != word.npos)
@@ -70,7 +70,7 @@ std::string faultText(const FaultWords &asked)
         words += " hold";
     if (asked.after > 0)
         words += " after " + std::to_string(asked.after);
-    // Whatever is asked for, some word has to say so.
+    // An empty file would mean a failure: write at least one word.
     if (asked.fault.delay > 0 || words.empty())
         words += " delay " + std::to_string(asked.fault.delay);
     return words.substr(1);
@@ -84,7 +84,7 @@ Fault takeFault(const std::string &operation)
         return {};
     const Lock lock;
     const std::optional<std::string> words = readText(file);
-    // Another call may just have had the last of them.
+    // Another call may have removed the file when it used the last fault.
     if (!words && access(path.c_str(), F_OK) != 0)
         return {};
     FaultWords asked = parseFault(words.value_or(std::string()));

@@ -5,48 +5,48 @@
 
 namespace board
 {
-/** What somebody wants to go wrong with one call. */
+/** The fault of one call. */
 struct Fault {
-    /** What the call does in the end. */
+    /** The effect of the fault. */
     enum Kind {
-        None,    ///< its work
-        Failure, ///< nothing, and it says so
-        Garbage, ///< nothing but giving nonsense, and it calls that a success
+        None,    ///< the call works
+        Failure, ///< the call fails
+        Garbage, ///< the call does nothing, returns garbage and reports success
     };
 
     Kind kind = None;
-    /** How long the call takes, in milliseconds. */
+    /** The duration of the call in milliseconds. */
     long long delay = 0;
-    /** Whether it takes until the file that asks for the fault is gone. */
+    /** True if the call blocks until the fault's file is removed. */
     bool isHeld = false;
 };
 
-/** What a file of faults asks for. */
+/** The content of a fault's file. */
 struct FaultWords {
     Fault fault;
-    /** How many calls it is still for; negative for all of them. */
+    /** The remaining faulty calls; negative for all calls. */
     long long calls = -1;
-    /** How many calls go well before the first of them. */
+    /** The calls that work before the first faulty one. */
     long long after = 0;
 };
 
 /**
- * Reads the words of a file of faults: "always" or a number of calls, "delay" and milliseconds,
- * "after" and a number of calls, "garbage", "hold", in any order.
+ * Parses a fault's file: "always" or a number of calls, "delay" and milliseconds, "after" and a
+ * number of calls, "garbage", "hold", in any order.
  *
- * @return what they ask for; words that make no sense, or none, ask for a failure of every call
+ * @return the fault; a failure of every call if the words are invalid or missing
  */
 FaultWords parseFault(const std::string &words);
 
-/** The words that ask for @p asked. */
+/** Returns the words for @p asked. */
 std::string faultText(const FaultWords &asked);
 
-/** Takes the fault that the next call of @p operation, as in "KyAls.init", is to have. */
+/** Takes the fault of the next call of @p operation, for example "KyAls.init". */
 Fault takeFault(const std::string &operation);
 
 /**
- * Returns when the file that asks for the fault of @p operation is gone. In the meantime the file
- * "held" of the board names the operation.
+ * Blocks until the fault's file of @p operation is removed. Meanwhile the board's file "held" names
+ * the operation.
  */
 void waitForRelease(const std::string &operation);
 } // namespace board

@@ -17,7 +17,7 @@ void writeJournal(const std::string &line)
         open(pathOf("journal").c_str(), O_WRONLY | O_APPEND | O_NONBLOCK | O_CLOEXEC));
     if (!journal.isOpen())
         return;
-    // So that the times are in the order of the lines.
+    // Lock first, so that the lines are in the order of their times.
     flock(journal.get(), LOCK_EX);
     timespec now = {};
     clock_gettime(CLOCK_MONOTONIC, &now);

@@ -6,8 +6,8 @@
 namespace board
 {
 /**
- * Adds a line for one library call, as in "KyLeds.setLedState(18, 3) = 0", to the board's journal,
- * behind the time. Does nothing unless somebody made the file "journal".
+ * Appends a line for one library call with its time, for example "KyLeds.setLedState(18, 3) = 0",
+ * to the board's journal. Does nothing unless the file "journal" exists.
  */
 void writeJournal(const std::string &line);
 } // namespace board

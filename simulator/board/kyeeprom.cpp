@@ -56,13 +56,13 @@ bool writeBytes(e_eeprom number, const std::string &bytes, unsigned int offset)
     std::optional<std::string> image = readFile(eeprom->file, eeprom->size);
     if (!image)
         return false;
-    // A person may have left less than the whole; the rest is as an erased part would be.
+    // The file may be shorter than the EEPROM; the rest reads as erased.
     image->resize(std::max(image->size(), offset + bytes.size()), '\xFF');
     image->replace(offset, bytes.size(), bytes);
     return writeFile(eeprom->file, *image);
 }
 
-/** What the caller of a write gave; no more than any EEPROM could take is looked at. */
+/** Returns the bytes to write; at most as many as the largest EEPROM holds. */
 Bytes given(const char *bytes, unsigned int size)
 {
     return {bytes && size <= measureEepromSize ? std::string(bytes, size) : std::string()};

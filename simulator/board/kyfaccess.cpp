@@ -10,7 +10,7 @@ namespace
 {
 const bool nonsense = true;
 
-/** The file @p value of @p device; empty when there is no such device. */
+/** Returns the path of @p value for @p device; empty for an unknown device. */
 std::string fileOf(e_storagedevice device, const char *value)
 {
     switch (device) {

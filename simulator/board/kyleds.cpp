@@ -11,7 +11,7 @@ namespace
 {
 const e_led_state nonsense = static_cast<e_led_state>(0xBAD);
 
-/** The file of @p led; empty when there is no such LED. */
+/** Returns the file of @p led; empty for an unknown LED. */
 std::string fileOf(e_leds led)
 {
     for (const LedName &entry : ledNames)

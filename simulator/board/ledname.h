@@ -11,7 +11,7 @@ struct LedName {
     const char *name;
 };
 
-/** What an LED shows and how the board's files call it. */
+/** The state of an LED and its name in the board's files. */
 struct LedStateName {
     e_led_state state;
     const char *name;

@@ -16,7 +16,7 @@ namespace board
 namespace
 {
 const float brightest = 1e6F;
-/** How often we look when the kernel does not tell us of changes, in milliseconds. */
+/** The interval in milliseconds at which we poll if the kernel does not report changes. */
 const int lookInterval = 100;
 
 struct Registers {
@@ -56,7 +56,7 @@ std::chrono::milliseconds persistence()
     return std::chrono::milliseconds(100 * std::max(tenths, 1LL));
 }
 
-/** Takes the changes that the kernel told us of; false when it will tell of no more. */
+/** Reads the kernel's change events; returns false if it will report no more. */
 bool takeChanges(int changes)
 {
     alignas(inotify_event) char buffer[4096];
@@ -79,7 +79,7 @@ LightSensor::~LightSensor()
 {
     if (!m_watcher.joinable())
         return;
-    // A child that was forked has the object, but not the thread.
+    // A forked child has the object but not the thread.
     if (getpid() != m_process) {
         m_watcher.detach();
         return;
@@ -101,7 +101,7 @@ std::optional<float> LightSensor::read()
 {
     const std::lock_guard<std::mutex> guard(m_mutex);
     const std::optional<float> lux = readLux();
-    // In between, a reader must not take the interrupt away from whoever waits for it.
+    // Before the interrupt, a read must not count as having seen the change.
     if (lux && (m_isRaised || !m_isEnabled))
         m_settled = lux;
     return lux;
@@ -147,7 +147,7 @@ std::optional<bool> LightSensor::acknowledge()
     const std::lock_guard<std::mutex> guard(m_mutex);
     const Lock lock;
     const std::optional<bool> wasRaised = readFlag("als/interrupt");
-    // The watcher sees this change, too, and looks whether the light has changed meanwhile.
+    // The watcher sees this change, too, and checks whether the light has changed meanwhile.
     if (!wasRaised || !writeNumber("als/interrupt", 0))
         return {};
     m_isRaised = false;
@@ -161,7 +161,7 @@ bool LightSensor::start()
     m_stop.reset(eventfd(0, EFD_CLOEXEC));
     if (!m_line.open() || !m_stop.isOpen())
         return false;
-    // Signals of the process are none of this thread's business; it inherits the mask.
+    // The process's signals are for other threads; the new thread inherits the mask.
     sigset_t all;
     sigset_t before;
     sigfillset(&all);
@@ -198,7 +198,7 @@ void LightSensor::watch()
     }
 }
 
-/** Has the kernel tell of every change in the sensor's directory. */
+/** Watches the sensor's directory for changes. */
 int LightSensor::openWatch(Descriptor &changes) const
 {
     changes.reset(inotify_init1(IN_CLOEXEC | IN_NONBLOCK));
@@ -206,7 +206,7 @@ int LightSensor::openWatch(Descriptor &changes) const
                              IN_CLOSE_WRITE | IN_MOVED_TO | IN_MOVE_SELF | IN_DELETE_SELF);
 }
 
-/** Looks at the sensor's registers as the sensor does after each measurement. */
+/** Evaluates the registers as the sensor does after each measurement. */
 void LightSensor::evaluate()
 {
     const Lock lock;
@@ -218,7 +218,7 @@ void LightSensor::evaluate()
         m_isRaised = false;
     if (!registers->isEnabled || registers->isRaised) {
         m_repetition.reset();
-        // Somebody else has raised it, and we share the line.
+        // Another process has raised the interrupt on the shared line.
         if (registers->isEnabled && !m_isRaised)
             raise(registers->lux);
         return;
@@ -257,7 +257,7 @@ int LightSensor::millisecondsToRepetition() const
     using std::chrono::milliseconds;
     if (!m_repetition)
         return -1;
-    // Rounded up, not to wake up just before.
+    // Round up, so as not to wake up too early.
     const auto left =
         std::chrono::duration_cast<milliseconds>(*m_repetition - Clock::now()) + milliseconds(1);
     return static_cast<int>(std::max(left, milliseconds(0)).count());

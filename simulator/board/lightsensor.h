@@ -15,13 +15,13 @@ namespace board
 /**
  * The ambient-light sensor on the simulated board.
  *
- * While interrupts are enabled it interrupts
+ * While interrupts are enabled, the sensor interrupts
  * - at once when the light changes to a value outside the band, or from one outside to one inside;
- * - again and again when the light stays outside, each time after the persistence time, counted in
+ * - repeatedly while the light stays outside, each time after the persistence time, counted in
  *   tenths of a second (at least one) from the acknowledgement of the last interrupt.
  *
- * It interrupts only once until that is acknowledged. Nothing is lost by this: a change that was
- * not read by then counts as a change at the acknowledgement.
+ * It does not interrupt again before the acknowledgement. No change is lost: a change that was
+ * not read by then interrupts at the acknowledgement.
  *
  * A value is outside the band when its code is above the upper threshold or below the lower one.
  */
@@ -33,10 +33,10 @@ public:
     LightSensor(const LightSensor &) = delete;
     LightSensor &operator=(const LightSensor &) = delete;
 
-    /** Brings the sensor into its measuring mode, with interrupts off; false on failure. */
+    /** Starts measuring with interrupts off; returns false on failure. */
     bool init();
 
-    /** The light in lux; nothing when there is no sensible value. */
+    /** Returns the light in lux; nothing if there is no valid value. */
     std::optional<float> read();
 
     /** Sets the band; false on failure. */
@@ -45,13 +45,13 @@ public:
     /** Sets the persistence time in tenths of a second; false on failure. */
     bool setTimer(unsigned char persistence);
 
-    /** Lets the sensor interrupt or not; false on failure. */
+    /** Enables or disables the interrupt; returns false on failure. */
     bool enableInterrupt(bool enable);
 
-    /** The descriptor that signals urgent data at an interrupt; nothing on failure. */
+    /** Returns the descriptor that signals urgent data at an interrupt; nothing on failure. */
     std::optional<int> descriptor();
 
-    /** Acknowledges the interrupt; whether there was one, or nothing on failure. */
+    /** Acknowledges the interrupt. Returns true if there was one, nothing on failure. */
     std::optional<bool> acknowledge();
 
 private:
@@ -70,9 +70,9 @@ private:
     Descriptor m_stop;
     std::thread m_watcher;
     const pid_t m_process;
-    /** The light for which no interrupt is due any more. */
+    /** The light for which no further interrupt is due. */
     std::optional<float> m_settled;
-    /** When light that stays outside interrupts again. */
+    /** When light that stays outside the band interrupts again. */
     std::optional<Clock::time_point> m_repetition;
     bool m_isEnabled = false;
     bool m_isRaised = false;

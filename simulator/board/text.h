@@ -5,10 +5,10 @@
 
 #include <string>
 
-/** How the journal shows arguments and results. */
+/** The format of arguments and results in the journal. */
 namespace board
 {
-/** Bytes that go to or come from an EEPROM. */
+/** Bytes written to or read from an EEPROM. */
 struct Bytes {
     std::string content;
 };

@@ -16,10 +16,10 @@
  */
 namespace board
 {
-/** The code that @p lux falls into; 0 for what is negative or no number. */
+/** Returns the code of @p lux; 0 for a negative value and NaN. */
 unsigned char thresholdCode(float lux);
 
-/** The least light, in lux, that @p code stands for. */
+/** Returns the smallest value in lux that has @p code. */
 float leastLux(unsigned char code);
 } // namespace board
 

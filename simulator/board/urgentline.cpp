@@ -11,7 +11,7 @@ namespace
 {
 const int connectTimeout = 250;
 
-/** Waits until the connection stands; it never does where the loopback interface is down. */
+/** Waits until the connection is established; fails if the loopback interface is down. */
 bool waitForConnection(int sender)
 {
     pollfd waited = {sender, POLLOUT, 0};
@@ -41,7 +41,7 @@ bool connectOverLoopback(Descriptor &sender, Descriptor &receiver)
     length = sizeof caller;
     receiver.reset(accept4(listener.get(), reinterpret_cast<sockaddr *>(&caller), &length,
                            SOCK_CLOEXEC | SOCK_NONBLOCK));
-    // Some other program may have found the listener first.
+    // Another program may have connected to the listener first.
     length = sizeof here;
     return receiver.isOpen() && getsockname(sender.get(), address, &length) == 0 &&
            caller.sin_port == here.sin_port;
@@ -57,7 +57,7 @@ bool UrgentLine::open()
         m_receiver.reset();
         return false;
     }
-    // A byte must not wait for the acknowledgement of the last one.
+    // A byte must not wait for the acknowledgement of the previous one.
     const int on = 1;
     setsockopt(m_sender.get(), IPPROTO_TCP, TCP_NODELAY, &on, sizeof on);
     return true;

@@ -4,22 +4,22 @@
 #include "descriptor.h"
 
 /**
- * A line whose one end can be made to signal urgent data, as the value file of a GPIO does at an
- * edge: a connection over the loopback interface, because only TCP has urgent data everywhere.
+ * A line that signals urgent data, as a GPIO's value file does at an edge: a connection over the
+ * loopback interface, because only TCP sockets have urgent data on every kernel.
  */
 class UrgentLine
 {
 public:
-    /** Makes the connection; true when it stands, then or before. */
+    /** Establishes the connection; returns true if it exists, new or old. */
     bool open();
 
-    /** The end that signals, and does not block; -1 while there is none. */
+    /** The end that signals; non-blocking. -1 if there is none. */
     int descriptor() const { return m_receiver.get(); }
 
-    /** Makes the other end signal until somebody reads it. */
+    /** Signals urgent data until a reader consumes it. */
     void raise();
 
-    /** Takes back what was raised and not read yet. */
+    /** Withdraws a signal that has not been read. */
     void clear();
 
 private:

@@ -54,7 +54,7 @@ std::optional<float> readReal(const std::string &file, float lowest, float highe
     const std::optional<std::string> text = readText(file);
     if (!text)
         return {};
-    // Unlike strtof() a stream takes the decimal point whatever the process's locale is.
+    // Unlike strtof(), a stream accepts a decimal point in every locale.
     std::istringstream stream(*text);
     stream.imbue(std::locale::classic());
     float number = 0;

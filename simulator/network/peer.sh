@@ -1,6 +1,6 @@
 # shellcheck shell=sh
-# For the scripts beside it: the network namespace "peer", where the other ends of the instrument's
-# links are, each with a DHCP server of its own.
+# For the scripts beside it: the network namespace "peer" with the other ends of the instrument's
+# links, each with a DHCP server of its own.
 
 make_peer() {
     [ ! -e /run/netns/peer ] || return 0
@@ -13,12 +13,13 @@ count_servers() {
     ip netns exec peer grep -c ':0043 ' /proc/net/udp || :
 }
 
-# start_server PIDFILE INTERFACE NETWORK: gives the interface, which is up, the first address of the
-# network (such as 10.77.0), and lets a server lease 50 to 99.
-# In the foreground it keeps its user and its groups, which an ordinary user's world cannot change.
+# start_server PIDFILE INTERFACE NETWORK: gives the interface, which must be up, the first address of the
+# network (such as 10.77.0), and starts a server that leases 50 to 99.
+# In the foreground the server keeps its user and groups, which an ordinary user's world cannot change.
 start_server() {
     ip -n peer address add "$3.1/24" dev "$2"
-    # ConnMan drops DHCP offers without the checksum that a veth leaves to hardware it has not.
+    # A veth leaves checksums to hardware that does not exist; ConnMan drops DHCP offers without
+    # one.
     ip netns exec peer ethtool --offload "$2" tx off >/dev/null
     servers=$(count_servers)
     ip netns exec peer dnsmasq --no-daemon --conf-file=/dev/null --user=root --port=0 \
@@ -27,7 +28,7 @@ start_server() {
         --dhcp-option=option:router,"$3.1" --dhcp-option=option:dns-server,"$3.1" \
         --dhcp-leasefile="$1.leases" >"$1.log" 2>&1 &
     echo $! >"$1"
-    # ConnMan's first question would be lost on a server that does not listen yet.
+    # Wait until the server listens: ConnMan's first request would be lost.
     attempt=0
     until [ "$(count_servers)" -gt "$servers" ]; do
         attempt=$((attempt + 1))
@@ -39,13 +40,13 @@ start_server() {
     done
 }
 
-# stop_server PIDFILE: ends the server, if it runs, even if it is muted.
+# stop_server PIDFILE: ends the server if it runs, even if it is muted.
 stop_server() {
     [ -e "$1" ] || return 0
     old=$(cat "$1")
     rm "$1"
     kill -CONT "$old" && kill -KILL "$old" || return 0
-    # Its socket would be taken for that of the next one.
+    # The next server must not see the old one's socket.
     while readlink "/proc/$old/exe" >/dev/null; do
         sleep 0.01
     done

@@ -1,19 +1,19 @@
 #!/bin/sh
 # Switches the simulated Wi-Fi module: 0 nothing, 1 station, 2 access point. The access point is an
-# interface "wifi_ap" with hostapd and dhcpd on it; every other mode takes that away.
+# interface "wifi_ap" with hostapd and dhcpd on it; every other mode removes it.
 #
-# It says what it does in /run/strandel-redpine/log: "start MODE" and "end MODE". Files beside the
-# log tell it to behave otherwise:
-#   hold          a fifo: goes on only when somebody writes a line into it
+# It logs "start MODE" and "end MODE" in /run/strandel-redpine/log. Files beside the log change its
+# behaviour:
+#   hold          a FIFO: waits until a line is written to it
 #   delay         takes this many seconds longer
-#   fail          ends with this status and switches nothing
+#   fail          exits with this status and switches nothing
 #   no-interface  no-carrier  no-hostapd  no-dhcpd
-#                 leaves that out of the access point
+#                 leaves that part of the access point out
 set -u
 mode=${1:-}
 directory=/run/strandel-redpine
 configuration=/tmp/User_part/hostapd.conf
-# Whoever runs the caller in a time of its own must not change ours.
+# A controlled clock of the caller must not affect us.
 unset LD_PRELOAD FAKETIME FAKETIME_SHARED
 
 say() {
@@ -45,7 +45,7 @@ bring_interface_up() {
     told no-carrier || ip link set wifi_air up
 }
 
-# It leaves its starter before it has written its PID, by which it will be ended.
+# hostapd returns before it has written the PID file that we need to end it.
 start_hostapd() {
     hostapd -B -P "$directory/hostapd.pid" "$configuration" || return 0
     attempts=0

@@ -27,7 +27,7 @@ void readSecurity(const QByteArray &text, bool &isProtected)
         isProtected = text == "wpa2";
 }
 
-/** Stays the same as long as the directory keeps its name. */
+/** Derived from the name of the directory. */
 QByteArray hardwareAddress(const QString &directory)
 {
     const QByteArray hash =

@@ -14,27 +14,27 @@ struct AccessPoint {
     /** WPA2 with a passphrase; otherwise open. */
     bool isProtected = false;
     QByteArray passphrase;
-    /** It does not tell its name unless asked for by it. */
+    /** Does not send its name unless asked by that name. */
     bool isHidden = false;
     bool isInRange = true;
-    /** It accepts no passphrase, not even its own. */
+    /** Rejects every passphrase, even its own. */
     bool refuses = false;
-    /** It is seen, and answers nobody who wants to join it. */
+    /** Visible, but answers no station. */
     bool isMute = false;
 };
 
-/** By name of their directories. */
+/** By the names of their directories. */
 using AccessPoints = QMap<QString, AccessPoint>;
 
 /**
- * The access point that the files of a directory describe, by name of the file.
+ * Returns the access point that the files of a directory describe, by file name.
  *
- * A file that is missing, empty or nonsensical, as it is for a moment while it is written, leaves
- * what was known @p before.
+ * A file that is missing, empty (as it is for a moment during a write) or invalid keeps the value
+ * of @p before.
  */
 AccessPoint accessPointFrom(const QMap<QString, QByteArray> &files, const AccessPoint &before);
 
-/** What the supplicant tells of it; without its name where @p isNamed is false. */
+/** Returns the supplicant's properties of it; without its name if @p isNamed is false. */
 QVariantMap bssProperties(const QString &directory, const AccessPoint &accessPoint, bool isNamed);
 
 #endif

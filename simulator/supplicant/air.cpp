@@ -56,7 +56,7 @@ void create(const QString &air)
     }
 }
 
-/** The first line of every file in @p directory. */
+/** Returns the first line of every file in @p directory. */
 QMap<QString, QByteArray> texts(const QString &directory)
 {
     const QStringList names = QDir(directory).entryList(QDir::Files);
@@ -73,7 +73,7 @@ QMap<QString, QByteArray> texts(const QString &directory)
     return result;
 }
 
-/** The names of the access points of the air in @p directory. */
+/** Returns the names of the access points in @p directory. */
 QStringList namesIn(const QString &directory)
 {
     return QDir(directory).entryList(QDir::Dirs | QDir::NoDotAndDotDot);
@@ -97,7 +97,7 @@ const AccessPoints &Air::accessPoints()
 
 void Air::read()
 {
-    // What is written from here on is announced, and what was written before is read.
+    // Watch first, then read: later changes are announced, earlier ones are read.
     watch();
     const QStringList names = namesIn(m_directory);
     AccessPoints found;

@@ -7,24 +7,24 @@
 #include <QObject>
 
 /**
- * The access points around the instrument: a directory for each, with a small text file for each of
- * its properties, to be changed at any time by anybody.
+ * The access points around the instrument: one directory for each, with a small text file for each
+ * property, which can be changed at any time.
  *
- * The directory of the air is STRANDEL_AIR of the environment, or /run/strandel-air.
+ * STRANDEL_AIR names the directory, /run/strandel-air is the default.
  */
 class Air : public QObject
 {
     Q_OBJECT
 
 public:
-    /** Makes the directory with a handful of access points unless it is there. */
+    /** Creates the directory with several access points unless it exists. */
     Air();
 
-    /** Everything as it is now. */
+    /** Returns the current access points. */
     const AccessPoints &accessPoints();
 
 Q_SIGNALS:
-    /** The files may say something new. */
+    /** The files may have changed. */
     void changed();
 
 private:

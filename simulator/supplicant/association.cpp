@@ -6,7 +6,7 @@ bool fits(const AccessPoint &accessPoint, const QVariantMap &network)
 {
     const bool usesKey =
         network.value(QStringLiteral("key_mgmt")).toString().contains(QLatin1String("WPA-PSK"));
-    // A hidden one answers only those who ask for it by its name.
+    // A hidden access point answers only requests by its name.
     const bool asks = network.value(QStringLiteral("scan_ssid")).toUInt() == 1;
     return accessPoint.isInRange && usesKey == accessPoint.isProtected &&
            (asks || !accessPoint.isHidden) &&

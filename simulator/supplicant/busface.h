@@ -5,7 +5,7 @@
 
 #include <QDBusVirtualObject>
 
-/** What the bus sees of the supplicant. */
+/** The supplicant's objects on the bus. */
 class BusFace : public QDBusVirtualObject
 {
     Q_OBJECT

@@ -3,7 +3,7 @@
 
 #include <QString>
 
-/** Switches a network interface on or off; false where there is none of this name. */
+/** Switches a network interface on or off; returns false if there is none with this name. */
 bool setLinkUp(const QString &interfaceName, bool up);
 
 #endif

@@ -41,7 +41,7 @@ ScanResults::Difference ScanResults::update(const AccessPoints &air,
     return difference;
 }
 
-/** Adds what was found to @p results, as the object that it was before or as a new one. */
+/** Adds a result to @p results, with its previous object or a new one. */
 void ScanResults::find(const Result &result, QList<Result> &results, Difference &difference)
 {
     Result found = result;

@@ -6,38 +6,45 @@
 #include <QDBusObjectPath>
 #include <QList>
 
-/** What a scan has found, each an object of its own on the bus. */
+/** The results of a scan, each an object of its own on the bus. */
 class ScanResults
 {
 public:
     struct Result {
         QString directory;
-        /** A hidden access point that was asked for by its name is found once more, with it. */
+        /**
+         * A hidden access point that was asked for by name appears a second time, with its name.
+         */
         bool isNamed;
         QDBusObjectPath path;
         QVariantMap properties;
     };
 
-    /** What is different after a scan. */
+    /** The differences after a scan. */
     struct Difference {
         QList<Result> added;
-        /** The same objects with another signal. */
+        /** The same objects with another signal strength. */
         QList<Result> changed;
         QList<QDBusObjectPath> removed;
     };
 
-    /** @param interfacePath the object below which the results are */
+    /**
+     * @param interfacePath the parent object of the results
+     */
     explicit ScanResults(const QString &interfacePath);
 
-    /** Scans the air, asking for the access points of these names, too. */
+    /** Scans the air, including the hidden access points with these names. */
     Difference update(const AccessPoints &air, const QList<QByteArray> &askedFor);
 
     QList<QDBusObjectPath> paths() const;
 
-    /** The object of that access point, by its name where there is one; "/" without. */
+    /**
+     * Returns the object of that access point, preferably the one with a name; "/" if there is
+     * none.
+     */
     QDBusObjectPath pathOf(const QString &directory) const;
 
-    /** Empty where there is no such object. */
+    /** Empty if there is no such object. */
     QVariantMap properties(const QString &path) const;
 
 private:

@@ -12,7 +12,7 @@ const QString interface = QStringLiteral("fi.w1.wpa_supplicant1.Interface");
 const QString completed = QStringLiteral("completed");
 const QString disconnected = QStringLiteral("disconnected");
 
-/** In milliseconds: shorter than a radio's, long enough to be seen. */
+/** In milliseconds: shorter than a radio's, long enough to be observed. */
 const int scanTime = 50;
 const int stepTime = 10;
 const int retryTime = 500;
@@ -125,7 +125,7 @@ QDBusMessage Station::scan(const QDBusMessage &call)
 void Station::finishScan()
 {
     const AccessPoints air = m_air.accessPoints();
-    // The one it has joined is never lost sight of, even if hidden.
+    // Always find the access point that the station has joined, even a hidden one.
     m_askedFor << air.value(m_accessPoint).ssid;
     const ScanResults::Difference difference = m_results.update(air, m_askedFor);
     for (const ScanResults::Result &result : difference.added)

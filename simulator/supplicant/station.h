@@ -10,7 +10,7 @@
 
 class Air;
 
-/** A network interface that the supplicant looks after: it scans and joins networks. */
+/** A network interface of the supplicant: it scans and joins networks. */
 class Station : public QObject
 {
     Q_OBJECT
@@ -23,10 +23,10 @@ public:
 
     QVariantMap properties() const;
 
-    /** Properties of one of its results; empty where there is no such object. */
+    /** Returns the properties of one of its results; empty if there is no such object. */
     QVariantMap resultProperties(const QString &path) const { return m_results.properties(path); }
 
-    /** Does what a call of the interface's own says and answers it. */
+    /** Carries out and answers a call of the interface's object. */
     void receive(const QDBusMessage &call);
 
 private:
@@ -53,7 +53,7 @@ private:
     QList<QByteArray> m_askedFor;
     QMap<QString, QVariantMap> m_networks;
     int m_lastNetwork = -1;
-    /** The network to be joined, and joined again when it is lost. */
+    /** The network to join, and to rejoin when it is lost. */
     QString m_selected;
     QString m_accessPoint;
     QString m_state;

@@ -8,16 +8,16 @@
 
 #include <memory>
 
-/** The supplicant's main object: it has at most one interface, as the instrument has. */
+/** The supplicant's main object. It has at most one interface, like the instrument. */
 class Supplicant
 {
 public:
     static const QString path;
 
-    /** The interface; null before one was asked for. */
+    /** The interface; null until a client has created one. */
     Station *station() const { return m_station.get(); }
 
-    /** Does what a call of the main object's own interface says and answers it. */
+    /** Carries out and answers a call of the main object. */
     void receive(const QDBusMessage &call);
 
 private:

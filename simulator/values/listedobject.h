@@ -18,7 +18,7 @@ using ListedObjects = QList<ListedObject>;
 QDBusArgument &operator<<(QDBusArgument &argument, const ListedObject &object);
 const QDBusArgument &operator>>(const QDBusArgument &argument, ListedObject &object);
 
-/** Makes lists of them known to Qt D-Bus; to be called before one is sent or read. */
+/** Registers lists of them with Qt D-Bus; call it before one is sent or read. */
 void registerListedObjects();
 
 Q_DECLARE_METATYPE(ListedObject)

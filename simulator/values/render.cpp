@@ -61,7 +61,7 @@ QString renderCompound(const QDBusArgument &argument)
     }
 }
 
-/** A list of one type, as in QList<uint>. */
+/** A list of one type, for example QList<uint>. */
 QString renderSequence(const QSequentialIterable &sequence)
 {
     QStringList elements;

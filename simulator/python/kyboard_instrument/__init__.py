@@ -1,4 +1,4 @@
-"""Virtual instruments for tests in Python: docs/python.md tells how they are used."""
+"""Virtual instruments for tests in Python; see docs/python.md."""
 
 from .bus import CallError, Interface, Signals
 from .hardware import Board, Cable, Card, Files

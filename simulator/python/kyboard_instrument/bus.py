@@ -20,7 +20,7 @@ class CallError(Exception):
 
     def __init__(self, error):
         self.name = Gio.DBusError.get_remote_error(error) or ""
-        # Gio's own function that strips this changes a copy only.
+        # Gio's own function changes only a copy of the error.
         self.message = error.message.removeprefix(f"GDBus.Error:{self.name}: ")
         self.short_name = self.name.removeprefix(f"{SERVICE}.Error.")
         super().__init__(f"{self.name}: {self.message}")
@@ -28,7 +28,7 @@ class CallError(Exception):
 
 @contextlib.contextmanager
 def named_errors():
-    """Turns what Gio raises for a call into CallError."""
+    """Converts Gio's exceptions of a call to CallError."""
     try:
         yield
     except GLib.Error as error:
@@ -36,10 +36,10 @@ def named_errors():
 
 
 def connect(path):
-    """Connects to the bus that listens at the socket, as the root of its world.
+    """Connects to the bus at the socket, as the root of its world.
 
-    An ordinary user is root in the world alone. Gio would introduce itself by the number that the
-    user has outside, which the bus there does not believe.
+    An ordinary user is root only in the world. Gio would authenticate with the user's ID
+    outside, which the bus in the world rejects.
     """
     with socket.socket(socket.AF_UNIX) as end:
         end.settimeout(ANSWER_SECONDS)
@@ -59,7 +59,8 @@ def connect(path):
 
 
 def variant(value):
-    """A value of an a{sv}: text s, truth value b, number i (u from 2147483648 on), bytes ay, list av."""
+    """Converts to a value of an a{sv}: text s, boolean b, number i (u from 2147483648 on), bytes ay,
+    list av."""
     if isinstance(value, GLib.Variant):
         return value
     if isinstance(value, bool):
@@ -74,14 +75,14 @@ def variant(value):
 
 
 def argument(signature, value):
-    """A value as Gio packs it."""
+    """Converts to a value as Gio packs it."""
     if signature == "a{sv}":
         return {key: variant(one) for key, one in value.items()}
     return value
 
 
 def plain(value):
-    """What a GLib.Variant holds, as Python's own types; ay is bytes."""
+    """Converts a GLib.Variant to Python's own types; ay to bytes."""
     kind = value.get_type_string()
     if kind == "ay":
         return bytes(value.unpack())
@@ -97,9 +98,10 @@ def plain(value):
 
 
 class Signals:
-    """The signals of one name, from the moment it was made until close() or the end of "with".
+    """The signals of one name, from its construction until close() or the end of "with".
 
-    After a call has been answered, received holds every signal that the daemon sent before.
+    After the reply to a call, received holds every signal that the daemon sent before the
+    reply.
     """
 
     def __init__(self, bus, path, interface, name):
@@ -110,20 +112,21 @@ class Signals:
         self._subscription = bus.signal_subscribe(
             SERVICE, interface, name, path, None, Gio.DBusSignalFlags.NONE,
             lambda *arguments: self._values.append(plain(arguments[5])))
-        # Only when the bus has answered something that was sent later does it send the signals.
+        # Round trip to the bus: from here on it delivers the signals.
         bus.call_sync("org.freedesktop.DBus", "/org/freedesktop/DBus", "org.freedesktop.DBus",
                       "GetId", None, None, Gio.DBusCallFlags.NONE, ANSWER_SECONDS * 1000, None)
 
     @property
     def received(self):
-        """The values of all signals so far, a tuple each."""
+        """The values of all signals so far, as tuples."""
         deliver()
         return list(self._values)
 
     def wait(self, matches=lambda *values: True, timeout=30):
-        """Waits for a signal whose values match, after the one that was waited for last.
+        """Waits for the next signal whose values match.
 
-        Returns its values; after timeout seconds raises TimeoutError with what came instead.
+        Returns its values. Raises TimeoutError after timeout seconds, with the signals that
+        arrived.
         """
         def look():
             for index in range(self._waited_for, len(self._values)):
@@ -145,7 +148,7 @@ class Signals:
 
 
 class Interface:
-    """One of the daemon's interfaces, by what the daemon itself says of it."""
+    """One of the daemon's interfaces, from its introspection data."""
 
     def __init__(self, bus, path, info):
         self._bus = bus
@@ -153,9 +156,10 @@ class Interface:
         self._info = info
 
     def call(self, name, *values, timeout=ANSWER_SECONDS):
-        """Calls a method, and returns its result: None, a value, or a tuple of several.
+        """Calls a method. Returns None, a value, or a tuple of several values.
 
-        Maps are dicts, whose values are packed by their types, or GLib.Variants. Raises CallError.
+        Maps are dicts whose values are packed by their types, or GLib.Variants. Raises
+        CallError.
         """
         method = self._info.lookup_method(name)
         if method is None:
@@ -173,7 +177,7 @@ class Interface:
         return results if len(results) > 1 else next(iter(results), None)
 
     def get(self, name):
-        """Reads a property, now."""
+        """Reads a property."""
         with named_errors():
             answer = self._bus.call_sync(
                 SERVICE, self._path, "org.freedesktop.DBus.Properties", "Get",
@@ -182,14 +186,14 @@ class Interface:
         return plain(answer)[0]
 
     def signals(self, name):
-        """Hears a signal from now on."""
+        """Subscribes to a signal."""
         if self._info.lookup_signal(name) is None:
             raise AttributeError(f"{self._info.name} has no signal {name}")
         return Signals(self._bus, self._path, self._info.name, name)
 
 
 def find_interface(bus, short_name):
-    """The interface of that short name, such as "WIFI", as the daemon shows it; else None."""
+    """Returns the daemon's interface with that short name, such as "WIFI", or None."""
     for path in OBJECTS:
         with named_errors():
             text, = bus.call_sync(

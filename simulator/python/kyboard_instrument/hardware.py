@@ -1,4 +1,4 @@
-"""What is around the daemon of a virtual instrument: board, cards, cable, access points."""
+"""The surroundings of the daemon in a virtual instrument: board, cards, cable, access points."""
 
 import contextlib
 import os
@@ -10,7 +10,7 @@ from .waiting import wait_until
 class Files:
     """A directory of small text files: files["temperature/SOM"] = 61.
 
-    Every value is a text when it is read, without blanks at its ends.
+    A read returns the value as text, without leading and trailing blanks.
     """
 
     def __init__(self, directory):
@@ -22,7 +22,7 @@ class Files:
     def __setitem__(self, name, value):
         path = self.directory / name
         path.parent.mkdir(parents=True, exist_ok=True)
-        # Replaced in one step: a reader never sees an empty file.
+        # Replace atomically: a reader never sees an empty file.
         fresh = path.with_name(f".{path.name}.{os.getpid()}")
         fresh.write_text(f"{value}\n")
         fresh.replace(path)
@@ -34,7 +34,7 @@ class Files:
         return (self.directory / name).exists()
 
     def wait(self, name, value, timeout=30):
-        """Waits until a file holds the value."""
+        """Waits until a file has the value."""
         def holds():
             try:
                 return self[name] == str(value)
@@ -46,22 +46,22 @@ class Files:
 
 
 class Board(Files):
-    """The simulated board; docs/simulated-board.md has its files and faults."""
+    """The simulated board; docs/simulated-board.md lists its files and faults."""
 
     @contextlib.contextmanager
     def fault(self, operation, words="always"):
-        """Gives an operation a fault, such as "KyLeds.setLedState", for the time of "with"."""
+        """Applies a fault to an operation, such as "KyLeds.setLedState", during "with"."""
         name = f"faults/{operation}"
         self[name] = words
         try:
             yield
         finally:
-            # One that counts down is gone after its last failure.
+            # A counted fault removes its file after its last failure.
             (self.directory / name).unlink(missing_ok=True)
 
 
 class Card:
-    """The SD card or the USB key, in the hand of the test."""
+    """The SD card or the USB key in the test's hand."""
 
     def __init__(self, run, device):
         self._run = run

@@ -1,4 +1,4 @@
-"""A virtual instrument from its start to its end."""
+"""A virtual instrument, from its start to its end."""
 
 import os
 import pathlib
@@ -11,14 +11,15 @@ import tempfile
 from . import bus
 from .hardware import Board, Cable, Card, Files
 
-# The command of a source tree builds before it starts.
+# In a source tree the command builds before it starts.
 START_SECONDS = 600
 END_SECONDS = 30
 COMMAND_SECONDS = 60
 
 
 def find_command():
-    """The command that starts an instrument: that of KYBOARD_INSTRUMENT, of this tree, or of PATH."""
+    """Returns the command that starts an instrument: KYBOARD_INSTRUMENT, this tree's, or the one in
+    PATH."""
     if "KYBOARD_INSTRUMENT" in os.environ:
         return shlex.split(os.environ["KYBOARD_INSTRUMENT"])
     tree = pathlib.Path(__file__).resolve().parents[3]
@@ -32,17 +33,17 @@ def find_command():
 
 
 class Instrument:
-    """A virtual instrument of its own, whatever else runs; for "with".
+    """A virtual instrument of its own, independent of all others; use it in "with".
 
-    It lives in a world of its own, but its files and its bus can be reached from outside: through
-    the root directory that the kernel shows of each process. It ends with the process that made it.
+    It runs in a private world. Its files and its bus are accessible from outside through the
+    root directory of one of its processes in /proc. It ends with the process that created it.
     With a speed from 1 to 60, time passes that much faster in it.
     """
 
     def __init__(self, speed=1):
         self._directory = tempfile.mkdtemp(prefix="instrument-")
         self._handle = os.path.join(self._directory, "handle")
-        #: The words that begin a command line by which others reach this instrument; "--" follows.
+        #: The start of a command line that runs a command in this instrument; "--" follows.
         self.command = [*find_command(), "--handle", self._handle]
         self._interfaces = {}
         self._process = None
@@ -51,14 +52,14 @@ class Instrument:
             #: The root directory of the instrument's world, a pathlib.Path.
             self.root = pathlib.Path(f"/proc/{pathlib.Path(self._handle).read_text().strip()}/root")
             socket = self.root / "run/dbus/system_bus_socket"
-            #: The address of the private bus, for other programs. They have to run as root, or to
-            #: leave their number out when they introduce themselves, as busctl does.
+            #: The address of the private bus, for other programs. They must run as root, or
+            #: authenticate without a user ID, as busctl does.
             self.address = f"unix:path={socket}"
-            #: The private bus, a Gio.DBusConnection of root's.
+            #: The private bus: a Gio.DBusConnection as root.
             self.bus = bus.connect(socket)
             #: The simulated board.
             self.board = Board(self.root / "run/strandel-board")
-            #: The access points, a directory each.
+            #: The access points, one directory each.
             self.air = Files(self.root / "run/strandel-air")
             #: The cable of eth0.
             self.cable = Cable(self.run)
@@ -68,7 +69,7 @@ class Instrument:
 
     def _start(self, speed):
         complaints = os.path.join(self._directory, "complaints")
-        # The command in it ends when nobody holds the other end of its input any more.
+        # The command ends when the last writer of its stdin has gone.
         with open(complaints, "wb") as file:
             self._process = subprocess.Popen(
                 [*self.command, "--speed", str(speed), "--", "sh", "-c", "echo up; exec cat"],
@@ -92,7 +93,8 @@ class Instrument:
         return Card(self.run, device)
 
     def run(self, *command, input=None, check=True, timeout=COMMAND_SECONDS):
-        """Runs a command in the instrument; returns its subprocess.CompletedProcess, with texts.
+        """Runs a command in the instrument and returns its subprocess.CompletedProcess, with text
+        output.
 
         Unless check is false, a status other than 0 raises subprocess.CalledProcessError.
         """
@@ -105,26 +107,26 @@ class Instrument:
         return done
 
     def stop_daemon(self):
-        """Ends the daemon, as a shutdown does."""
+        """Stops the daemon, as a shutdown does."""
         self.run("daemon", "stop")
 
     def kill_daemon(self):
-        """Ends the daemon, as a crash does."""
+        """Kills the daemon, as a crash does."""
         self.run("daemon", "kill")
 
     def start_daemon(self):
-        """Starts the daemon after its end, and waits until it answers."""
+        """Starts the daemon again and waits until it answers."""
         self._interfaces = {}
         self.run("daemon", "start")
 
     def restart_daemon(self):
-        """Ends the daemon and starts it again: it reads settings and records anew."""
+        """Restarts the daemon, which reads settings and records again."""
         self.stop_daemon()
         self.start_daemon()
 
     @property
     def log(self):
-        """What the daemon has logged."""
+        """The daemon's log."""
         return (self.root / "run/KyBoardManager.log").read_text(errors="replace")
 
     def close(self):

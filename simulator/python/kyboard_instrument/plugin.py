@@ -1,4 +1,4 @@
-"""The fixtures for pytest: pytest_plugins = ["kyboard_instrument.plugin"] in conftest.py."""
+"""Fixtures for pytest: pytest_plugins = ["kyboard_instrument.plugin"] in conftest.py."""
 
 import pytest
 
@@ -14,14 +14,14 @@ def instrument():
 
 @pytest.fixture(scope="session")
 def session_instrument():
-    """One virtual instrument for all tests that ask for it; what a test changes, the next one finds."""
+    """One virtual instrument for all tests that use it; changes of one test affect the next."""
     with Instrument() as one:
         yield one
 
 
 @pytest.hookimpl(hookwrapper=True)
 def pytest_runtest_makereport(item):
-    """Shows the daemon's log with a test that failed."""
+    """Shows the daemon's log for a failed test."""
     report = (yield).get_result()
     if report.when != "call" or not report.failed:
         return

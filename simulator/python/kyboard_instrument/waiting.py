@@ -1,4 +1,4 @@
-"""Waiting for events, always with a deadline."""
+"""Waits for events, always with a deadline."""
 
 import time
 
@@ -8,21 +8,21 @@ LOOK_AGAIN_MS = 20
 
 
 def deliver():
-    """Delivers what has come from the bus, without waiting for more."""
+    """Delivers pending messages from the bus, without waiting for more."""
     context = GLib.MainContext.default()
     while context.pending():
         context.iteration(False)
 
 
 def wait_until(condition, timeout, describe):
-    """Waits until condition() holds, and returns what it returns.
+    """Waits until condition() is true, and returns its result.
 
-    Meanwhile signals are delivered; after timeout seconds it raises TimeoutError with the text that
-    describe() returns.
+    Delivers signals meanwhile. Raises TimeoutError after timeout seconds, with the text of
+    describe().
     """
     context = GLib.MainContext.default()
     deadline = time.monotonic() + timeout
-    # Wakes the loop for conditions that no signal announces.
+    # Wakes the loop for conditions without a signal.
     source = GLib.timeout_add(LOOK_AGAIN_MS, lambda: GLib.SOURCE_CONTINUE)
     try:
         while not (result := condition()):
