@@ -6,7 +6,7 @@
 
 namespace
 {
-/** As long as ConnMan waits for a person to type a passphrase. */
+/** ConnMan's timeout for a person who types a passphrase. */
 const int answerTimeout = 120000;
 } // namespace
 

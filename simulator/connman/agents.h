@@ -9,7 +9,7 @@
 
 #include <functional>
 
-/** The agents that are registered: at most one for each connection to the bus. */
+/** The registered agents: at most one for each connection to the bus. */
 class Agents : public QObject
 {
     Q_OBJECT
@@ -19,18 +19,22 @@ public:
 
     explicit Agents(QObject *parent);
 
-    /** @return false where that connection has an agent already */
+    /**
+     * @return false if that connection has an agent already
+     */
     bool add(const QString &connection, const QString &path);
 
-    /** @return false where that connection has no agent at that path */
+    /**
+     * @return false if that connection has no agent at that path
+     */
     bool remove(const QString &connection, const QString &path);
 
     bool has(const QString &connection) const;
 
-    /** The connection whose agent was registered last; empty without any. */
+    /** The connection whose agent was registered last; empty without an agent. */
     QString latest() const;
 
-    /** Calls a method of the agent of @p connection; @p answered is told what came back. */
+    /** Calls a method of the agent of @p connection; passes the reply to @p answered. */
     void call(const QString &connection, const QString &method, const QList<QVariant> &arguments,
               const Answered &answered);
 

@@ -8,7 +8,7 @@
 
 #include <QDBusVirtualObject>
 
-/** What the bus sees: ConnMan's objects, and the one by which the stand-in is driven. */
+/** The stand-in's objects on the bus: ConnMan's, and the one that controls the stand-in. */
 class BusFace : public QDBusVirtualObject
 {
     Q_OBJECT

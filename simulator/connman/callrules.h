@@ -6,36 +6,36 @@
 #include <QString>
 #include <QVariant>
 
-/** What is to be done with a call other than what ConnMan does with it. */
+/** Overrides how the stand-in handles a call. */
 struct CallRule {
     enum Kind { Fail, Reply, Delay, Hold };
 
     Kind kind;
-    /** The rule is for every call whose line in the journal begins like this. */
+    /** The rule applies to every call whose journal line begins with this. */
     QString call;
     /** Fail: name and text of the error. */
     QString errorName;
     QString errorText;
-    /** Reply: the values of the reply, of whatever types. */
+    /** Reply: the values of the reply, of any type. */
     QList<QVariant> values;
-    /** Delay: for how many milliseconds. */
+    /** Delay: the delay. */
     int milliseconds = 0;
 };
 
-/** The rules in force. Of several rules of one kind for a call, the one added last holds. */
+/** The active rules. Of several rules of one kind for a call, the last one applies. */
 class CallRules
 {
 public:
     void add(const CallRule &rule);
 
-    /** Takes away the rules of @p kind that were added for exactly @p call. */
+    /** Removes the rules of @p kind that were added for exactly @p call. */
     void remove(CallRule::Kind kind, const QString &call);
     void clear();
 
-    /** The rule of @p kind for the call with this line in the journal; null where there is none. */
+    /** Returns the rule of @p kind for the call with this journal line; null if there is none. */
     const CallRule *find(CallRule::Kind kind, const QString &line) const;
 
-    /** The rule that replaces ConnMan's own answer to the call, an error or a reply. */
+    /** Returns the rule that replaces ConnMan's own reply to the call, with an error or a reply. */
     const CallRule *findAnswer(const QString &line) const;
 
 private:

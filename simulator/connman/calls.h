@@ -10,8 +10,8 @@
 class Connman;
 
 /**
- * The calls to ConnMan: each is written into the journal as it comes; then the rules decide when
- * it is answered, and whether by ConnMan or with an error or a reply of the rules' own.
+ * The calls to ConnMan: writes each one to the journal on arrival. The rules decide when it is
+ * answered, and whether by ConnMan or with the error or reply of a rule.
  */
 class Calls : public QObject
 {
@@ -24,7 +24,7 @@ public:
 
     CallRules &rules() { return m_rules; }
 
-    /** Ends the rule that holds the calls beginning like @p call, and lets those held go on. */
+    /** Ends the rule that holds the calls beginning with @p call, and continues the held calls. */
     void release(const QString &call);
 
     const QStringList &journal() const { return m_journal; }

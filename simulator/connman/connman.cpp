@@ -79,7 +79,7 @@ const Connman::Method *Connman::findMethod(const QDBusMessage &call) const
     return nullptr;
 }
 
-/** The interface of the object at @p path; empty where there is none. */
+/** Returns the interface of the object at @p path; empty if there is none. */
 QString Connman::interfaceAt(const QString &path) const
 {
     if (path == QLatin1String("/"))

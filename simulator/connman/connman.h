@@ -11,11 +11,11 @@
 class Lively;
 
 /**
- * What ConnMan keeps and does: its technologies, services and agents, and the methods of the
+ * ConnMan's state and behaviour: its technologies, services and agents, and the methods of the
  * manager, of a technology and of a service.
  *
- * Calls change what is kept and answer as ConnMan does. Signals are sent, and anything else
- * happens, only when somebody who drives the stand-in asks for it; or as Lively has it.
+ * Calls change the state and reply as ConnMan does. Signals, and all other events, are sent only on
+ * request through the control object, or by Lively.
  */
 class Connman : public QObject
 {
@@ -24,47 +24,53 @@ class Connman : public QObject
 public:
     explicit Connman(QObject *parent);
 
-    /** Does what @p call asks for and answers it, now or, for Connect, after the agent has. */
+    /**
+     * Carries out @p call and replies, immediately or, for Connect, after the agent has answered.
+     */
     void serve(const QDBusMessage &call);
 
     void setTechnologies(const ListedObjects &technologies);
     void setServices(const ListedObjects &services);
 
-    /** Who does what follows from the calls; null where nothing does. */
+    /** Sets the object that carries out the consequences of calls; null for none. */
     void setLively(Lively *lively);
 
     void addService(const ListedObject &service);
     void dropService(const QString &path);
 
-    /** Whether technologies have the method AsyncScan, which not every ConnMan has. */
+    /** Sets whether technologies have the method AsyncScan, which some versions of ConnMan lack. */
     void setAsyncScan(bool exists);
 
     /**
-     * Sets a property of a service or a technology, adding it where it is not there.
+     * Sets a property of a service or a technology; adds it if it is missing.
      *
      * @return false without an object of that path
      */
     bool storeProperty(const QString &path, const QString &name, const QVariant &value);
 
-    /** A property of a service or a technology; invalid where there is none. */
+    /** Returns a property of a service or a technology; invalid if there is none. */
     QVariant property(const QString &path, const QString &name) const;
 
-    /** Sends PropertyChanged of the service or the technology; false without such an object. */
+    /**
+     * Sends PropertyChanged of the service or the technology; returns false without such an object.
+     */
     bool announceProperty(const QString &path, const QString &name);
 
     /**
-     * Sends ServicesChanged with the whole list: the properties of those services that no earlier
-     * one held, none for the others, and the paths of those that are gone.
+     * Sends ServicesChanged with the whole list: services that no earlier list had with their
+     * properties, the others without, and the paths of removed services.
      */
     void announceServices();
 
-    /** Whether clients know the object; of a service they know when a list has been announced. */
+    /**
+     * Returns true if clients know the object. They know a service once a list has been announced.
+     */
     bool isAnnounced(const QString &path) const;
 
     /** Sends PropertyChanged of the manager's state. */
     void announceState();
 
-    /** Connect of this service asks the caller's agent for @p fields before it answers. */
+    /** Makes Connect of this service ask the caller's agent for @p fields before it replies. */
     void askOnConnect(const QString &service, const QVariantMap &fields);
 
     Agents &agents() { return m_agents; }

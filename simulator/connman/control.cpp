@@ -12,34 +12,34 @@ const QString Control::path = QStringLiteral("/standin");
 const QString Control::interface = QStringLiteral("com.orvendis.Strandel.ConnManStandIn");
 
 /*
- * A call in the rules is the beginning of a line in the journal: "Technology.SetProperty" is every
- * such call, "Technology.SetProperty /net/connman/technology/wifi" only those of that technology.
+ * In a rule, a call is the beginning of a journal line: "Technology.SetProperty" matches every such
+ * call, "Technology.SetProperty /net/connman/technology/wifi" only those of that technology.
  */
 const Control::Method Control::methods[] = {
-    // What ConnMan has, without telling anybody.
+    // Sets ConnMan's state without signals.
     {"SetTechnologies", "a(oa{sv})", false, &Control::setTechnologies},
     {"SetServices", "a(oa{sv})", false, &Control::setServices},
     {"SetAsyncScan", "b", false, &Control::setAsyncScan},
     {"StoreProperty", "osv", false, &Control::storeProperty},
-    // The same for one property of a service or a technology, with its PropertyChanged.
+    // Sets one property of a service or a technology, and sends its PropertyChanged.
     {"ChangeProperty", "osv", false, &Control::changeProperty},
     {"AnnounceServices", "", false, &Control::announceServices},
     // Path, interface and name of any signal, and its values.
     {"SendSignal", "oss", true, &Control::sendSignal},
-    // A call with the name and the text of its error, or with the values of its reply.
+    // A call, with the name and text of its error or with the values of its reply.
     {"Fail", "sss", false, &Control::fail},
     {"Reply", "s", true, &Control::reply},
-    // A call with milliseconds; a call that is not answered until it is released.
+    // A call and its delay in milliseconds; a call that is not answered until it is released.
     {"Delay", "su", false, &Control::delay},
     {"Hold", "s", false, &Control::hold},
     {"Release", "s", false, &Control::release},
     {"ClearRules", "", false, &Control::clearRules},
-    // What Connect of a service asks the agent before it answers.
+    // The fields that Connect of a service asks the agent for before it replies.
     {"AskOnConnect", "oa{sv}", false, &Control::askOnConnect},
-    // A method of the agent that was registered last, and its arguments; answers as the agent does.
+    // A method of the agent registered last, and its arguments; replies as the agent does.
     {"CallAgent", "s", true, &Control::callAgent},
-    // From now on things happen by themselves, to cables and networks that are added and removed
-    // (of their technology, which must be there), and whose passphrases are known.
+    // From now on the stand-in acts by itself when cables and networks are added and removed (their
+    // technology must exist), with their known passphrases.
     {"SetLively", "b", false, &Control::setLively},
     {"AddSurrounding", "oa{sv}", false, &Control::addSurrounding},
     {"RemoveSurrounding", "o", false, &Control::removeSurrounding},

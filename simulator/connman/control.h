@@ -7,7 +7,7 @@ class Calls;
 class Connman;
 class Lively;
 
-/** The object by which tests and people drive the stand-in. */
+/** The object through which tests and people control the stand-in. */
 class Control
 {
 public:
@@ -19,17 +19,17 @@ public:
     {
     }
 
-    /** Does what @p call asks for and answers it. */
+    /** Carries out @p call and replies. */
     void drive(const QDBusMessage &call);
 
-    /** The interface, for introspection. */
+    /** The introspection data of the interface. */
     static QString description();
 
 private:
     using Drive = void (Control::*)(const QDBusMessage &call);
     struct Method {
         const char *name;
-        /** The types of the arguments; those of an open method are followed by any others. */
+        /** The types of the arguments; an open method accepts further arguments of any type. */
         const char *signature;
         bool open;
         Drive drive;

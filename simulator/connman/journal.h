@@ -5,8 +5,8 @@
 #include <QString>
 
 /**
- * A call as one line: the interface's last word, the method, the object, and the values with
- * their types: `Technology.SetProperty /net/connman/technology/ethernet ("Powered", <true>)`.
+ * Formats a call as one line: the interface's last word, the method, the object, and the values
+ * with their types: `Technology.SetProperty /net/connman/technology/ethernet ("Powered", <true>)`.
  */
 QString journalLine(const QDBusMessage &call);
 

@@ -7,7 +7,7 @@
 
 namespace
 {
-/** For how long ConnMan gathers changes of the list before it announces them. */
+/** How long ConnMan collects changes of the list before it announces them. */
 const int announcementDelay = 100;
 
 const QString configurationKey = QStringLiteral("IPv4.Configuration");
@@ -18,7 +18,7 @@ const QString invalidKey = QStringLiteral("invalid-key");
 const QString typeKey = QStringLiteral("Type");
 const QString wifi = QStringLiteral("wifi");
 
-/** The entries of @p map with these keys. */
+/** Returns the entries of @p map with these keys. */
 QVariantMap part(const QVariantMap &map, std::initializer_list<const char *> keys)
 {
     QVariantMap entries;
@@ -162,7 +162,7 @@ QString Lively::technologyOf(const QString &service) const
            service.section(QLatin1Char('/'), -1).section(QLatin1Char('_'), 0, 0);
 }
 
-/** The IPv4 settings by which a connection is made: the client's own, or a lease. */
+/** Returns the IPv4 settings of a connection: the client's own, or a lease. */
 QVariantMap Lively::address(const QString &service) const
 {
     const QVariantMap own = mapOf(m_connman.property(service, configurationKey));
@@ -174,7 +174,7 @@ QVariantMap Lively::address(const QString &service) const
             {QStringLiteral("Gateway"), QStringLiteral("10.77.0.1")}};
 }
 
-/** Announced, except for a service that no announced list has held yet. */
+/** Announces the change, unless no announced list has had the service yet. */
 void Lively::change(const QString &path, const QString &name, const QVariant &value)
 {
     if (m_connman.storeProperty(path, name, value) && m_connman.isAnnounced(path))
@@ -193,7 +193,7 @@ void Lively::announceServicesSoon()
         m_announcement.start(announcementDelay);
 }
 
-/** A cable is connected before the list that holds it is announced. */
+/** A cable is connected before its list is announced. */
 void Lively::appear(const ListedObject &service)
 {
     const QString path = service.path.path();
@@ -267,7 +267,7 @@ void Lively::join(const QDBusMessage &call, const QString &passphrase)
     change(service, ipv4Key, ipv4);
 }
 
-/** A passphrase that no network can have never leaves ConnMan; the agent may give another one. */
+/** ConnMan does not try a malformed passphrase; it asks the agent again. */
 void Lively::refuseMalformed(const QDBusMessage &call)
 {
     change(call.path(), errorKey, invalidKey);
@@ -282,7 +282,7 @@ void Lively::refuseMalformed(const QDBusMessage &call)
                             });
 }
 
-/** The network refused the passphrase: whatever the agent answers, the connection has failed. */
+/** The network refused the passphrase: the connection has failed, whatever the agent answers. */
 void Lively::rejectPassphrase(const QDBusMessage &call)
 {
     change(call.path(), errorKey, invalidKey);

@@ -7,12 +7,12 @@
 #include <QTimer>
 
 /**
- * What happens in ConnMan by itself: services come and go with the power of their technology, with
- * the cable and with the networks in reach, connections are made, and all of it is announced in
- * the order in which the real one announces it.
+ * Unprompted behaviour of ConnMan: services come and go with the power of their technology, with
+ * the cable and with the networks in reach; connections are made. Everything is announced in the
+ * same order as by the real one.
  *
- * A cable in a powered socket is connected at once, to a DHCP server that gives 10.77.0.72. A
- * network is joined on Connect, with the passphrase that the caller's agent knows.
+ * A cable in a powered socket is connected at once, to a DHCP server that leases 10.77.0.72. A
+ * network is joined on Connect, with the passphrase of the caller's agent.
  */
 class Lively : public QObject
 {
@@ -22,16 +22,15 @@ public:
     Lively(Connman &connman, QObject *parent);
 
     /**
-     * Adds a cable or a network to the surroundings, or takes it away. While its technology is
-     * powered it is listed.
+     * Adds or removes a cable or a network. It is listed while its technology is powered.
      */
     void add(const ListedObject &service);
     void remove(const QString &service);
 
-    /** The passphrase of a network; without one every passphrase is the right one. */
+    /** Sets the passphrase of a network; without one, every passphrase is accepted. */
     void setPassphrase(const QString &service, const QString &passphrase);
 
-    /** Does what a call asks for, announces what comes of it and answers the call. */
+    /** Carries out a call, announces its consequences and replies. */
     void setPowered(const QDBusMessage &call, bool powered);
     void setServiceProperty(const QDBusMessage &call, const QString &name, const QVariant &value);
     void connectService(const QDBusMessage &call);

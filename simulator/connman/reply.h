@@ -5,25 +5,25 @@
 #include <QString>
 #include <QVariant>
 
-/** Answers @p call with these values. */
+/** Replies to @p call with these values. */
 void answer(const QDBusMessage &call, const QList<QVariant> &values = {});
 
-/** Answers @p call with an error. */
+/** Replies to @p call with an error. */
 void refuse(const QDBusMessage &call, const QString &name, const QString &text);
 
-/** Answers @p call with an error of ConnMan's own, such as "InvalidArguments". */
+/** Replies to @p call with an error of ConnMan's own, such as "InvalidArguments". */
 void refuse(const QDBusMessage &call, const char *name, const char *text);
 
-/** Answers @p call as Qt D-Bus does where it finds nothing: "UnknownMethod" or such. */
+/** Replies to @p call as Qt D-Bus does to an unknown name: "UnknownMethod" or similar. */
 void refuseUnknown(const QDBusMessage &call, const char *what);
 
-/** @p value, taken out of its variant where it is in one. */
+/** Returns @p value without the variant around it. */
 QVariant withoutVariant(const QVariant &value);
 
-/** The signature of a value that came from the bus. */
+/** Returns the signature of a value that came from the bus. */
 QString signatureOf(const QVariant &value);
 
-/** @p value as a map; an empty one where it is none of type a{sv}. */
+/** Returns @p value as a map; empty unless its type is a{sv}. */
 QVariantMap mapOf(const QVariant &value);
 
 #endif

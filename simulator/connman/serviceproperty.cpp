@@ -20,7 +20,7 @@ const struct {
     {"mDNS.Configuration", "b"},
 };
 
-/** As the C library reads addresses: short forms such as 10.7 are addresses, too. */
+/** Parses addresses as the C library does: short forms such as 10.7 are valid, too. */
 bool isAddress(const QVariant &value)
 {
     addrinfo hints = {};

@@ -18,7 +18,7 @@ const QString ethernetName = QStringLiteral("Ethernet");
 const QString wifiName = QStringLiteral("WIFI");
 const QString accessPointName = QStringLiteral("WIFIAP");
 
-/** Asked for each time: libdbus itself would keep the first one. */
+/** Read each time: libdbus would cache the first address. */
 QString busAddress()
 {
     return qEnvironmentVariable("DBUS_SYSTEM_BUS_ADDRESS",
@@ -26,7 +26,7 @@ QString busAddress()
 }
 } // namespace
 
-/** Everything that lives as long as one connection to the bus. */
+/** The proxies for one connection to the bus. */
 struct DaemonView::Proxies {
     explicit Proxies(const QDBusConnection &bus)
         : connection(bus),
@@ -46,7 +46,7 @@ struct DaemonView::Proxies {
     BoardManagerEthernet ethernet;
     BoardManagerWIFI wifi;
     BoardManagerWIFIAP accessPoint;
-    /** The parent of those who wait for answers. */
+    /** The parent of the pending-call watchers. */
     QObject answers;
 };
 
@@ -103,7 +103,7 @@ void DaemonView::joinBus()
         m_known.isBusThere = false;
         setDaemonThere(false);
     }
-    // A name that was ever used would give the old connection.
+    // Qt D-Bus returns the old connection for a name that was used before.
     static int connections = 0;
     const QString name = QStringLiteral("panel-%1").arg(++connections);
     const QDBusConnection bus = QDBusConnection::connectToBus(busAddress(), name);
@@ -123,7 +123,8 @@ void DaemonView::joinBus()
     QObject::connect(&m_proxies->users, &BoardManagerUsers::userChanged, this,
                      [this](const QString &) {
                          m_known.isChangingProfile = false;
-                         // A reset announces the profile that was reset, active or not.
+                         // A reset announces the profile that was reset, whether it is active or
+                         // not.
                          follow(m_proxies->users.getUser(), [this](const QDBusPendingCall &call) {
                              m_known.profile = QDBusPendingReply<QString>(call).value();
                          });
@@ -173,7 +174,7 @@ void DaemonView::follow(const QDBusPendingCall &call,
         watcher->deleteLater();
         if (!watcher->isError())
             take(*watcher);
-        // The daemon has its name a moment before its objects.
+        // The daemon claims its name just before it exports its objects.
         else if (watcher->error().type() == QDBusError::UnknownObject)
             m_isToAsk = true;
     });
@@ -185,7 +186,7 @@ void DaemonView::ask()
     follow(m_proxies->users.getUser(), [this](const QDBusPendingCall &call) {
         m_known.profile = QDBusPendingReply<QString>(call).value();
     });
-    // The class would block while it reads the property.
+    // The generated class would block while it reads the property.
     QDBusMessage read = QDBusMessage::createMethodCall(
         BoardManager::service(), BoardManager::alimentationPath(),
         QStringLiteral("org.freedesktop.DBus.Properties"), QStringLiteral("Get"));
@@ -225,7 +226,7 @@ void DaemonView::takeProperty(const QString &interface, const QString &path, con
     }
 }
 
-/** Who has an address is connected: more a program that comes late cannot know. */
+/** An interface with an address is connected. A program that starts later cannot know more. */
 void DaemonView::askAddress(const QString &interface)
 {
     const QDBusPendingCall call = interface == ethernetName ? m_proxies->ethernet.getIPv4()

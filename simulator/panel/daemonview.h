@@ -12,8 +12,8 @@
 #include <memory>
 
 /**
- * What the daemon says of itself, over D-Bus. Asks once when the daemon comes and listens from then
- * on; survives the end of the daemon and of the bus.
+ * The daemon's state, over D-Bus. Queries it once when the daemon appears, and subscribes to
+ * changes; survives the end of the daemon and of the bus.
  */
 class DaemonView : public QObject
 {
@@ -23,16 +23,16 @@ public:
     DaemonView();
     ~DaemonView() override;
 
-    /** Puts what is known into @p instrument. */
+    /** Writes the known state to @p instrument. */
     void fill(Instrument &instrument) const;
 
-    /** Whether the daemon is there and has answered everything that it was asked. */
+    /** Returns true if the daemon is there and has answered every query. */
     bool isComplete() const;
 
-    /** Our own name on the bus, as in ":1.7"; empty where there is no bus. */
+    /** Our own unique name on the bus, for example ":1.7"; empty without a bus. */
     QString ownName() const;
 
-    /** Joins the bus, where it is not joined yet or not any more. Call it from time to time. */
+    /** Connects to the bus if it is not connected. Call it periodically. */
     void joinBus();
 
 Q_SIGNALS:
@@ -53,7 +53,7 @@ private:
 
     int m_unanswered = 0;
     bool m_isToAsk = false;
-    /** The daemon's parts of it alone are in use. */
+    /** Only the daemon's parts of it are used. */
     Instrument m_known;
     std::unique_ptr<Proxies> m_proxies;
 };

@@ -11,32 +11,34 @@
 #include <QSizeF>
 
 /**
- * The panel as it is drawn in an SVG file. Its elements are known by their ids; all that is done to
- * them is in a Look.
+ * The panel's drawing from an SVG file. Its elements have IDs; a Look describes all changes to
+ * them.
  */
 class Drawing
 {
 public:
-    /** @p file that is no drawing gives one of no size, without elements. */
+    /** A @p file that is no drawing gives an empty one without elements. */
     explicit Drawing(const QString &file);
 
     QSizeF size() const { return m_size; }
     bool has(const QString &id) const { return m_elements.contains(id); }
 
-    /** The ids in @p look for which there is no element. */
+    /** Returns the IDs in @p look that have no element. */
     QStringList missing(const Look &look) const;
 
-    /** Where an element is as it is drawn, in the drawing's own units; empty where there is none.
+    /**
+     * Returns the original bounds of an element, in the drawing's own units; empty if there is
+     * none.
      */
     QRectF bounds(const QString &id) const { return m_bounds.value(id); }
 
-    /** Gives the elements this look. */
+    /** Applies this look to the elements. */
     void apply(const Look &look);
 
-    /** Draws it in the middle of an image of @p size, as large as it fits. */
+    /** Draws it centred in an image of @p size, as large as it fits. */
     QImage render(const QSize &size) const;
 
-    /** Where render() puts the drawing in an image of @p size. */
+    /** Returns the rectangle of the drawing in an image of @p size. */
     QRectF placeIn(const QSize &size) const;
 
 private:
@@ -45,7 +47,7 @@ private:
     QDomDocument m_document;
     QHash<QString, QDomElement> m_elements;
     QHash<QString, QRectF> m_bounds;
-    /** Of the drawing as it came: what a rectangle reaches is parts of these. */
+    /** From the original drawing: a Look gives spans as parts of these. */
     QHash<QString, double> m_lefts;
     QHash<QString, double> m_widths;
     QSizeF m_size;

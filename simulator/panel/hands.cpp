@@ -32,7 +32,7 @@ QString airCommand(const AirPoint &point, const char *property, int value)
         .arg(air, point.directory, QLatin1String(property));
 }
 
-/** The command for "air-N-switch" and "air-N-track". */
+/** Returns the command for "air-N-switch" and "air-N-track". */
 QString airHand(const QString &element, double place, const Instrument &instrument)
 {
     const int row = element.section(QLatin1Char('-'), 1, 1).toInt() - 1;
@@ -58,7 +58,7 @@ QString storageHand(const QString &device, bool isMounting, const Instrument &in
     return action ? say("storage", QLatin1String(action) + QLatin1Char(' ') + device) : QString();
 }
 
-/** To two digits, as nobody drags more finely than that. */
+/** Two significant digits: a hand drags no more precisely. */
 int roundedLight(double lux)
 {
     const double unit = std::pow(10, std::max(0.0, std::floor(std::log10(lux)) - 1));

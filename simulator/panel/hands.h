@@ -9,32 +9,31 @@
 /** The elements that a hand can press or drag, the innermost first. */
 QStringList handElements();
 
-/** Whether the hand drags a value there, and does not only press. */
+/** Returns true if the element is dragged to a value, not only pressed. */
 bool isDragged(const QString &element);
 
 /**
- * The command, for a shell in the world, that does what a hand does there.
+ * Returns the shell command in the world for a hand on an element.
  *
- * @param place where on the element from left to right, 0 to 1, the hand is
- * @return empty where there is nothing to be done
+ * @param place the hand's position on the element from left to right, 0 to 1
+ * @return empty if nothing happens
  */
 QString commandFor(const QString &element, double place, const Instrument &instrument);
 
-/** How somebody types the same command outside, with the name that the instrument was started by.
- */
+/** Returns the same command as typed outside, with the name by which the instrument was started. */
 QString asTyped(const QString &command);
 
-/** The operations of the hardware libraries that a fault can be given to. */
+/** The operations of the hardware libraries that can have a fault. */
 QStringList faultOperations();
 
-/** What a fault does to a call, in the words of a menu, and the words of its file. */
+/** A fault's text in the menu, and the words of its file. */
 struct FaultChoice {
     const char *title;
     const char *words;
 };
 extern const QVector<FaultChoice> faultChoices;
 
-/** The commands that give a fault to @p operation, take it away, and take all away. */
+/** Returns the command that gives @p operation a fault, removes it, or removes all faults. */
 QString faultCommand(const QString &operation, const QString &words);
 QString healCommand(const QString &operation);
 QString healAllCommand();

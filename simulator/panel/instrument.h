@@ -7,7 +7,7 @@
 #include <QStringList>
 #include <QVector>
 
-/** An access point in the air, as its files tell. */
+/** An access point in the air, from its files. */
 struct AirPoint {
     QString directory;
     QString ssid;
@@ -17,32 +17,32 @@ struct AirPoint {
     bool isProtected = false;
 };
 
-/** One of the daemon's network interfaces, as the daemon announces it. */
+/** One of the daemon's network interfaces, from its announcements. */
 struct Link {
     /** The last state; empty until one was announced. */
     QString state;
-    /** The states on the way there, the last one last. */
+    /** The states on the way to the last one, which is included. */
     QStringList trail;
     QString address;
 };
 
 /** Everything that the panel shows. */
 struct Instrument {
-    /** The files of the board by their names, as in "als/lux"; what is not there is missing. */
+    /** The board's files by their names, for example "als/lux"; missing files are not included. */
     QMap<QString, QByteArray> board;
-    /** How long ago the watchdog was fed, in milliseconds; negative: not known to have been. */
+    /** Milliseconds since the watchdog was fed; negative if no feeding is known. */
     qint64 fedBefore = -1;
 
-    /** How many times faster than the machine's the instrument's time passes. */
+    /** How many times faster the instrument's time passes. */
     int speed = 1;
 
-    /** What surrounds the daemon; 1 and 0, or -1 where it cannot be told. */
+    /** The surroundings of the daemon: 1, 0, or -1 if unknown. */
     int isCableIn = -1;
     int isDhcpMute = -1;
     int isWifiDhcpMute = -1;
     QVector<AirPoint> air;
 
-    /** What the daemon says. */
+    /** The state that the daemon reports. */
     bool isBusThere = false;
     bool isDaemonThere = false;
     QString profile;
@@ -50,12 +50,12 @@ struct Instrument {
     QString batteryStatus;
     /** By interface: "Ethernet", "WIFI", "WIFIAP". */
     QMap<QString, Link> links;
-    /** Of the current Wi-Fi network, 0 to 100; negative: none. */
+    /** Of the current Wi-Fi network, 0 to 100; negative without a network. */
     int strength = -1;
-    /** The network that the station was connected to by its own announcement; empty: none. */
+    /** The network that the station announced as connected; empty without one. */
     QString joinedService;
 
-    /** The last command that a hand on the panel ran, and how it failed; empty: it did not. */
+    /** The last command from the panel and its failure; empty on success. */
     QString command;
     QString complaint;
 };

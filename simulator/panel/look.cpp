@@ -37,13 +37,13 @@ double ledOpacity(const QByteArray &state, qint64 milliseconds)
         return milliseconds * 3 % 1000 < 500 ? 1 : 0;
     if (state == "OFF")
         return 0;
-    // Neither lit nor dark: UNKNOWN, or what makes no sense.
+    // Neither lit nor dark: UNKNOWN, or an invalid value.
     return 0.35;
 }
 
 namespace
 {
-/** The daemon's network interfaces, and what the screen calls them. */
+/** The daemon's network interfaces, and their names on the screen. */
 const struct {
     const char *name;
     const char *shown;
@@ -56,7 +56,7 @@ QString named(const char *before, const QString &value)
     return QString::fromLatin1(before) + QLatin1Char(' ') + value;
 }
 
-/** Fills in a look from what is known of the instrument. */
+/** Makes a look from the state of the instrument. */
 class Painter
 {
 public:
@@ -86,14 +86,14 @@ public:
 private:
     QByteArray raw(const QString &file) const { return m_instrument.board.value(file); }
 
-    /** The value in @p file as it is; a question mark where there is none. */
+    /** The value in @p file; a question mark if there is none. */
     QString value(const char *file) const
     {
         const QString text = QString::fromUtf8(raw(QString::fromLatin1(file)).trimmed());
         return text.isEmpty() || text.size() > 12 ? unknown : text;
     }
 
-    /** The number in @p file; @p otherwise where it is none. */
+    /** The number in @p file; @p otherwise if it is none. */
     double number(const QString &file, double otherwise, bool *isGood = nullptr) const
     {
         bool good = false;
@@ -156,7 +156,7 @@ private:
         bool isKnown = false;
         const double brightness = std::clamp(number("backlight/brightness", 0, &isKnown), 0., 100.);
         const bool isOn = flag("backlight/enabled");
-        // Even the darkest backlight lets what is on the screen be guessed.
+        // The screen stays recognisable even with the darkest backlight.
         m_look.opacities[QStringLiteral("screen-shade")] =
             isOn && isKnown ? 0.72 * (1 - brightness / 100) : 0.94;
         QString text = isKnown ? QStringLiteral("backlight %1 %").arg(brightness)
@@ -268,7 +268,7 @@ private:
                                                  : QStringLiteral("%1 faults").arg(faults.size()));
     }
 
-    /** A board does not tell when its watchdog would bite; half a minute is what we allow. */
+    /** The board does not report its watchdog's timeout; assume half a minute. */
     void paintWatchdog()
     {
         const qint64 seconds = m_instrument.fedBefore / 1000;
@@ -283,7 +283,7 @@ private:
                                                .arg(value("powerman/watchdog_acknowledgements")));
     }
 
-    /** Whether the record of @p size bytes, the first two its checksum, is sound. */
+    /** Returns whether the record of @p size bytes, which begins with its checksum, is valid. */
     QString validity(const char *file, int size) const
     {
         const QByteArray record = raw(QString::fromLatin1(file)).left(size);
@@ -361,7 +361,7 @@ private:
         for (int bar = 1; bar <= 4; ++bar)
             show(QStringLiteral("strength-%1").arg(bar), strength >= 25 * bar - 20);
         write("strength-text", strength < 0 ? QString() : QStringLiteral("%1 %").arg(strength));
-        // Where the end of a cable cannot be seen, it counts as in.
+        // If the cable's end is not visible, assume that it is plugged in.
         show("cable-in", m_instrument.isCableIn != 0);
         show("cable-out", m_instrument.isCableIn == 0);
         write("cable-text", m_instrument.isCableIn == 0 ? QStringLiteral("Plug the cable in")
@@ -397,7 +397,7 @@ private:
         write("air-more", more > 0 ? QStringLiteral("and %1 more").arg(more) : QString());
     }
 
-    /** ConnMan's services bear the name of the network in hexadecimal. */
+    /** ConnMan's services contain the network's name in hexadecimal. */
     bool isJoined(const AirPoint &point) const
     {
         return m_instrument.joinedService.contains(

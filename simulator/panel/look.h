@@ -5,11 +5,11 @@
 
 #include <QPair>
 
-/** What the elements of the drawing look like, by their ids. */
+/** The appearance of the drawing's elements, by their IDs. */
 struct Look {
-    /** 0: not seen; 1: as drawn. */
+    /** 0: invisible; 1: as drawn. */
     QMap<QString, double> opacities;
-    /** From where to where a rectangle reaches, as parts of its width as drawn. */
+    /** The start and end of a rectangle, as parts of its original width. */
     QMap<QString, QPair<double, double>> spans;
     QMap<QString, QString> texts;
 
@@ -20,15 +20,15 @@ struct Look {
     bool operator!=(const Look &other) const { return !(*this == other); }
 };
 
-/** The ends of a value's scale, and whether it grows by factors. */
+/** The ends of a value's scale, and whether it is logarithmic. */
 struct Scale {
     double lowest;
     double highest;
     bool isLogarithmic;
 
-    /** Where @p value is on it, 0 to 1. */
+    /** Returns the position of @p value on it, 0 to 1. */
     double placeOf(double value) const;
-    /** The value at @p place, which is limited to 0 to 1. */
+    /** Returns the value at @p place, which is limited to 0 to 1. */
     double valueAt(double place) const;
 };
 
@@ -36,16 +36,16 @@ extern const Scale temperatureScale;
 extern const Scale lightScale;
 extern const Scale signalScale;
 
-/** How many access points have a row in the drawing. */
+/** The number of access points with a row in the drawing. */
 const int airRows = 6;
 
-/** What an LED that shows @p state, as the board's file names it, looks like at a time. */
+/** Returns the opacity at a time of an LED with @p state, a name in the board's files. */
 double ledOpacity(const QByteArray &state, qint64 milliseconds);
 
 /**
- * What @p instrument looks like.
+ * Returns the appearance of @p instrument.
  *
- * @param milliseconds of any clock that does not jump; LEDs blink by it
+ * @param milliseconds of any monotonic clock, by which LEDs blink
  */
 Look lookOf(const Instrument &instrument, qint64 milliseconds);
 

@@ -19,7 +19,7 @@ int fail(const QString &complaint)
     return complain;
 }
 
-/** "WIDTHxHEIGHT"; an empty size for anything else. */
+/** Parses "WIDTHxHEIGHT"; an empty size for anything else. */
 QSize sizeOf(const QString &text)
 {
     const QStringList numbers = text.split(QLatin1Char('x'));
@@ -29,7 +29,7 @@ QSize sizeOf(const QString &text)
     return isGood ? size : QSize();
 }
 
-/** Waits until the daemon has told everything, and writes the picture as PNG. */
+/** Waits until the daemon has answered everything, and writes the picture as PNG. */
 int takePicture(PanelWidget &panel, const QString &path, const QSize &size)
 {
     QElapsedTimer waited;
@@ -103,7 +103,7 @@ int main(int argc, char *argv[])
     window.resize(wanted.width() + 420, wanted.height());
     window.show();
     const int status = QApplication::exec();
-    // They are ours, not the splitter's.
+    // The objects are ours: the splitter must not delete them.
     panel.setParent(nullptr);
     log.setParent(nullptr);
     return status;

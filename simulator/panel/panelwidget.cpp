@@ -10,9 +10,9 @@
 
 namespace
 {
-/** LEDs that blink three times a second change every sixth of one. */
+/** An LED that blinks three times a second changes every sixth of a second. */
 const int tick = 50;
-/** The bus and what surrounds the daemon are looked at less often than the board. */
+/** The bus and the surroundings of the daemon are polled less often than the board. */
 const int slowTicks = 4;
 } // namespace
 
@@ -140,7 +140,7 @@ void PanelWidget::mouseMoveEvent(QMouseEvent *event)
     if (!m_dragged.isEmpty()) {
         const QString command =
             commandFor(m_dragged, placeOn(m_dragged, event->pos()), m_instrument);
-        // Only where the hand is in the end counts.
+        // Only the hand's last position counts.
         if (!m_commands.isEmpty())
             m_commands.removeLast();
         run(command);

@@ -12,14 +12,14 @@
 
 class QMenu;
 
-/** The front panel: shows the instrument, and does what hands do. */
+/** The front panel: shows the instrument, and carries out what a hand does on it. */
 class PanelWidget : public QWidget
 {
     Q_OBJECT
 
 public:
     /**
-     * The commands that do what hands do are found as programs are.
+     * Finds the commands in PATH.
      *
      * @param drawing path of the SVG file
      */
@@ -27,14 +27,14 @@ public:
     ~PanelWidget() override;
 
     bool isGood() const { return !m_drawing.size().isEmpty(); }
-    /** Whether everything is known that a picture shows. */
+    /** Returns true if everything that a picture shows is known. */
     bool isComplete() const;
-    /** The panel as it is now, LEDs that blink lit. */
+    /** The current panel; blinking LEDs are lit. */
     QImage picture(const QSize &size);
 
-    /** Where the middle of an element is on the widget. */
+    /** The centre of an element on the widget. */
     QPoint placeOf(const QString &element) const;
-    /** Where an element is on the widget, @p place from its left to its right, 0 to 1. */
+    /** A point of an element on the widget, @p place from its left to its right, 0 to 1. */
     QPoint placeOf(const QString &element, double place) const;
 
     const Instrument &instrument() const { return m_instrument; }
@@ -43,7 +43,7 @@ public:
     QSize sizeHint() const override;
 
 Q_SIGNALS:
-    /** A command was run, as somebody types it outside. */
+    /** A command was run; @p command is what to type outside. */
     void commandRan(const QString &command);
     void busCame();
 

@@ -10,10 +10,10 @@
 
 namespace
 {
-/** The content of @p path, null where there is none. Larger than an EEPROM it makes no sense. */
+/** The content of @p path, null if it is missing or larger than an EEPROM. */
 QByteArray contentOf(const QString &path)
 {
-    // A FIFO in a file's place would hold us up.
+    // A FIFO would block us.
     if (!QFileInfo(path).isFile())
         return {};
     QFile file(path);
@@ -25,7 +25,7 @@ QString boardPath(const QString &file)
     return QString::fromStdString(board::pathOf(file.toStdString()));
 }
 
-/** 1 where the process in @p pidFile is stopped, 0 where it runs, -1 where there is none. */
+/** 1 if the process in @p pidFile is stopped, 0 if it runs, -1 if there is none. */
 int isStopped(const QString &pidFile)
 {
     const QByteArray pid = contentOf(pidFile).trimmed();
@@ -38,7 +38,8 @@ int isStopped(const QString &pidFile)
 
 int cableState()
 {
-    // The carrier of the near end, which is up whatever ConnMan does with the interface on it.
+    // The near end's carrier: that end is up, whatever ConnMan does with the interface on top of
+    // it.
     QFile carrier(QStringLiteral("/sys/class/net/socket/carrier"));
     if (!carrier.open(QIODevice::ReadOnly))
         return -1;

@@ -3,12 +3,10 @@
 
 #include "instrument.h"
 
-/** Reads the files of the board, changing nothing, into @p instrument; without one there are none.
- */
+/** Reads the files of the board into @p instrument, without changing them; none without a board. */
 void readBoard(Instrument &instrument);
 
-/** Reads how fast time passes, and how the cable, the DHCP servers and the access points are, into
- * @p instrument. */
+/** Reads the speed, the cable, the DHCP servers and the access points into @p instrument. */
 void readSurroundings(Instrument &instrument);
 
 #endif

@@ -98,7 +98,7 @@ bool Traffic::take(const QJsonObject &message, const QString &ignored, TrafficLi
     }
     if (line.interface.startsWith(ownPrefix))
         line.interface = line.interface.mid(ownPrefix.size());
-    // The bus's own are of interest to nobody who looks at the instrument.
+    // Calls to the bus itself say nothing about the instrument.
     const bool isOfBus = line.interface.startsWith(QLatin1String("org.freedesktop.DBus")) &&
                          !line.interface.endsWith(QLatin1String(".Properties"));
     return !line.member.isEmpty() && !isOfBus &&

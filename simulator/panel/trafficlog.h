@@ -11,7 +11,7 @@
 class QComboBox;
 class QPlainTextEdit;
 
-/** The daemon's signals, and the calls to it and from it, as they come. */
+/** The daemon's signals, and the calls to and from it, as they happen. */
 class TrafficLog : public QWidget
 {
     Q_OBJECT
@@ -20,19 +20,19 @@ public:
     TrafficLog();
     ~TrafficLog() override;
 
-    /** Leaves out the calls of the one with this name on the bus. */
+    /** Leaves out the calls of the connection with this bus name. */
     void setIgnored(const QString &name) { m_ignored = name; }
 
-    /** Adds a line of our own, in between. */
+    /** Inserts a line of our own. */
     void note(const QString &text);
 
-    /** What is shown, a line for each message. */
+    /** The visible text, a line for each message. */
     QString text() const;
 
-    /** Shows one interface alone; an empty name: all. */
+    /** Shows only one interface; an empty name means all. */
     void showInterface(const QString &name);
 
-    /** Writes what is shown to a file; false when it cannot. */
+    /** Saves the visible text to a file; returns false on failure. */
     bool save(const QString &file) const;
 
 private:
