@@ -1,4 +1,4 @@
-/** Linked with the whole of one library: it links if that library needs no other one of ours. */
+/** Linked with the whole of one library. Links only if the library needs none of our others. */
 int main()
 {
     return 0;

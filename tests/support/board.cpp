@@ -30,7 +30,7 @@ bool run(const QString &program, const QStringList &arguments, const QByteArray 
            process.exitCode() == 0;
 }
 
-/** A kernel object of the last test would be in the way of the next one. */
+/** A kernel object of a previous test would block the next one. */
 void removeStorage(const QString &device, const QString &partition)
 {
     if (QFile::exists(QStringLiteral("/sys/class/net/") + partition))

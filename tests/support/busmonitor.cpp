@@ -73,7 +73,7 @@ void becomeMonitor(DBusConnection *connection)
     dbus_message_unref(reply);
 }
 
-/** Removes every call of @p member of @p interface, and all replies to it. */
+/** Removes every call of @p member of @p interface, and all replies to these calls. */
 void removeCalls(QList<BusMessage> &messages, const QString &interface, const QString &member)
 {
     const QList<BusMessage> all = messages;
@@ -123,7 +123,7 @@ BusMonitor::~BusMonitor()
 
 QList<BusMessage> BusMonitor::take()
 {
-    // Introspection waits for the slot that is running; a ping would overtake it.
+    // Introspection is answered after the running slot; a ping would overtake it.
     const QString introspectable = QStringLiteral("org.freedesktop.DBus.Introspectable");
     const QString introspect = QStringLiteral("Introspect");
     Remote(daemonName, QStringLiteral("/KyDeviceMgr"), introspectable).reply(introspect);

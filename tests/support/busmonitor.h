@@ -8,13 +8,13 @@
 struct DBusConnection;
 struct DBusMessage;
 
-/** A message as it went over the bus. */
+/** A message on the bus. */
 struct BusMessage {
     enum Type { Call, Return, Error, Signal };
 
     Type type;
     uint serial;
-    /** Serial of the call that a reply belongs to. */
+    /** The serial of the call that a reply answers. */
     uint replySerial;
     QString sender;
     QString destination;
@@ -23,7 +23,7 @@ struct BusMessage {
     QString member;
     QString errorName;
     QString signature;
-    /** The first value, where that is a text. */
+    /** The first value, if it is a text. */
     QString text;
 
     /**
@@ -34,8 +34,8 @@ struct BusMessage {
 };
 
 /**
- * Records every message on the system bus, also those that the bus does not deliver: replies after
- * the first one, for example.
+ * Records every message on the system bus, including those that the bus does not deliver, such as
+ * replies after the first one.
  */
 class BusMonitor
 {
@@ -46,15 +46,18 @@ public:
     BusMonitor &operator=(const BusMonitor &) = delete;
 
     /**
-     * Everything since the last call, in order, including all that the daemon did before it became
-     * ready for a further call now.
+     * Returns all messages since the last call, in order, including everything that the daemon did
+     * before it became ready for a further call.
      */
     QList<BusMessage> take();
 
-    /** Whether a call of @p member has come since the last take(), without asking the daemon. */
+    /**
+     * Returns true if a call of @p member has arrived since the last take(). Does not call the
+     * daemon.
+     */
     bool hasSeen(const char *member);
 
-    /** The lines of take() for what the daemon sent to @p destination, or to anybody. */
+    /** Returns the lines of take() that the daemon sent to @p destination, or broadcast. */
     QStringList takeFromDaemon(const QString &destination = QString());
 
 private:

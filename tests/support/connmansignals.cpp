@@ -20,7 +20,7 @@ ConnmanSignals::ConnmanSignals()
 
 QStringList ConnmanSignals::take()
 {
-    // The bus keeps the order of one sender: what was sent before this reply is here after it.
+    // The bus preserves the order of one sender: everything sent before this reply has arrived.
     Remote("net.connman", "/", "net.connman.Manager").reply("GetTechnologies");
     QCoreApplication::processEvents();
     QStringList recorded;

@@ -14,15 +14,15 @@ public:
     ConnmanSignals();
 
     /**
-     * Everything recorded since the last call, in order, including all that ConnMan sent before
-     * now: "/net/connman/technology/ethernet PropertyChanged ("Powered", <true>)".
+     * Returns all signals since the last call, in order, including everything that ConnMan has sent
+     * so far: "/net/connman/technology/ethernet PropertyChanged ("Powered", <true>)".
      */
     QStringList take();
 
-    /** Waits until one that begins like this has come since the last take(). */
+    /** Waits until a signal with this beginning has arrived since the last take(). */
     bool waitFor(const QString &beginning);
 
-    /** Waits until ConnMan has sent nothing for a second; forgets what it sent. */
+    /** Waits until ConnMan has sent nothing for a second; discards its signals. */
     bool waitForQuiet();
 
 private Q_SLOTS:

@@ -17,7 +17,7 @@ bool isOnTheBus()
     return QDBusConnection::systemBus().interface()->isServiceRegistered(name);
 }
 
-/** The object by which it is driven. */
+/** The control object. */
 Remote remote()
 {
     return Remote(name, QStringLiteral("/standin"),

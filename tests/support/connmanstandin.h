@@ -10,14 +10,12 @@
 /**
  * The stand-in for ConnMan, a process named connmand that owns net.connman.
  *
- * It serves ConnMan's methods and sends no signal unless told to, or unless it is lively. Every
- * function here returns when the stand-in has done what it says; one that cannot be done fails the
- * test's process.
+ * It implements ConnMan's methods. It sends no signals unless told to, or unless it is lively.
+ * Every function here returns when the stand-in has finished; a failure aborts the test program.
  *
- * Where a call is to be named, the name is the beginning of its line in the journal:
- * "Service.Connect" is every such call, "Service.Connect /net/connman/service/x" that of one
- * service, and "Technology.SetProperty /net/connman/technology/wifi (\"Powered\", <true>)" is one
- * with its values.
+ * A call is named by the beginning of its journal line: "Service.Connect" matches every such call,
+ * "Service.Connect /net/connman/service/x" those of one service, and "Technology.SetProperty
+ * /net/connman/technology/wifi (\"Powered\", <true>)" those with these values.
  */
 class ConnmanStandIn
 {
@@ -28,26 +26,26 @@ public:
     ~ConnmanStandIn();
 
     /**
-     * Starts it, without services, with the two technologies powered off; waits for its name.
+     * Starts it, without services and with both technologies powered off; waits for its name.
      *
-     * @param program what pidof is to know it by
+     * @param program the name that pidof finds
      */
     void start(const QString &program = QStringLiteral("connmand"));
 
-    /** Ends it as at shutdown, or at once; waits until its name is gone from the bus. */
+    /** Stops it as a shutdown does, or kills it; waits until its name has left the bus. */
     void stop();
     void kill();
     bool isRunning() const;
 
-    /** Suspends it (SIGSTOP), from when on it answers nothing, and lets it go on. */
+    /** Suspends it (SIGSTOP), or resumes it. */
     void freeze();
     void thaw();
 
-    /** Replaces the lists; no signal is sent. */
+    /** Replaces the list; sends no signal. */
     void setServices(const ListedObjects &services);
     void setTechnologies(const ListedObjects &technologies);
 
-    /** Whether technologies have the method AsyncScan; they have not at start. */
+    /** Sets whether technologies have the method AsyncScan; by default they have not. */
     void setAsyncScan(bool exists);
 
     /** Changes a property of a service or a technology and sends its PropertyChanged. */
@@ -56,56 +54,56 @@ public:
     /** The same without the signal. */
     void storeProperty(const QString &path, const QString &name, const QVariant &value);
 
-    /** Sends ServicesChanged with the list as it is. */
+    /** Sends ServicesChanged with the current list. */
     void emitServicesChanged();
 
-    /** Sends any signal, such as a malformed one. */
+    /** Sends any signal, for example a malformed one. */
     void emitSignal(const QString &path, const QString &interface, const QString &name,
                     const QList<QVariant> &values);
 
-    /** Answers @p call with an error and does nothing else. */
+    /** Answers @p call with an error and has no other effect. */
     void failMethod(const QString &call, const QString &errorName, const QString &text);
 
-    /** Answers @p call with these values, of whatever types, and does nothing else. */
+    /** Answers @p call with these values, of any type, and has no other effect. */
     void replyToMethod(const QString &call, const QList<QVariant> &values);
 
-    /** Serves @p call only after that time. */
+    /** Handles @p call only after this delay. */
     void delayMethod(const QString &call, uint milliseconds);
 
-    /** Leaves @p call without an answer until it is released. */
+    /** Does not answer @p call until it is released. */
     void holdMethod(const QString &call);
     void releaseMethod(const QString &call);
 
-    /** Ends all failures, replies, delays and holds; calls held by now are never answered. */
+    /** Ends all failures, replies, delays and holds; calls that are held now are never answered. */
     void clearRules();
 
-    /** From now on Connect of @p service asks the agent before it answers. */
+    /** From now on Connect of @p service asks the agent before it replies. */
     void askOnConnect(const QString &service, const QVariantMap &fields);
 
-    /** Calls the agent that was registered last; its answer as renderReply() shows it. */
+    /** Calls the agent that was registered last; returns its reply as renderReply() formats it. */
     QString requestInput(const QString &service, const QVariantMap &fields);
     QString reportError(const QString &service, const QString &error);
     QString callAgent(const QString &method, const QList<QVariant> &arguments);
 
-    /** One field of RequestInput: {"Requirement": requirement}, with its "Type" where given. */
+    /** One field of RequestInput: {"Requirement": requirement}, and its "Type" if given. */
     static QVariantMap field(const QString &requirement, const QString &type = QString());
 
     /**
-     * From now on things happen by themselves as they do with the real one, to the cables and
-     * networks that are added here; each is listed while its technology is powered.
+     * From now on the stand-in acts like the real one with the cables and networks that are added
+     * here; each is listed while its technology is powered.
      */
     void setLively(bool lively);
     void addSurrounding(const ListedObject &service);
     void removeSurrounding(const QString &service);
 
-    /** The passphrase by which a lively network can be joined; without one any will do. */
+    /** Sets the passphrase of a lively network; without one, every passphrase is accepted. */
     void setPassphrase(const QString &service, const QString &passphrase);
 
     /** The calls since the last clearJournal(), in order. */
     QStringList journal();
     void clearJournal();
 
-    /** Waits until the journal holds a call that begins like this. */
+    /** Waits until the journal has a call with this beginning. */
     bool waitForCall(const QString &call, int count = 1);
 
 private:

@@ -19,11 +19,11 @@ namespace
 const QString daemonName = QStringLiteral("com.orvendis.Strandel.BoardManager");
 const QString clockFile = QStringLiteral("/run/daemon-clock");
 
-// Not a full second, to which coarse timers are moved. The fraction is exact as a floating-point
-// number, which libfaketime makes of it.
+// Not a full second, to which Qt aligns coarse timers. The fraction is exact as a floating-point
+// number, into which libfaketime converts it.
 const QDateTime stoppedClock(QDate(2030, 1, 1), QTime(12, 0, 0, 125));
 
-/** Makes both threads of the daemon look at the clock as soon as they can. */
+/** Makes both threads of the daemon read the clock as soon as possible. */
 void wakeDaemon()
 {
     for (const char *name :
@@ -68,8 +68,8 @@ void Daemon::setWrapper(const QStringList &wrapper)
 
 void Daemon::speedUp(int factor)
 {
-    // The library itself: the program of the same name stays between us and the daemon, and would
-    // leave the daemon running when it is ended.
+    // Preload the library: the program faketime stays between us and the daemon, and would leave
+    // the daemon running when it is killed.
     setWrapper({QStringLiteral("env"), QStringLiteral("FAKETIME=+0 x%1").arg(factor),
                 QStringLiteral("LD_PRELOAD=/usr/$LIB/faketime/libfaketime.so.1")});
 }
@@ -97,7 +97,7 @@ void Daemon::takeClock(bool isStopped)
 void Daemon::writeClock() const
 {
     const QDateTime time = stoppedClock.addMSecs(m_millisecondsPassed);
-    // The daemon must never read half of it.
+    // Replace atomically: the daemon must not read a partial file.
     writeFile(clockFile + QStringLiteral(".new"),
               m_isClockStopped ? time.toString(QStringLiteral("yyyy-MM-dd HH:mm:ss.zzz")).toLatin1()
                                : '+' + QByteArray::number(m_millisecondsPassed / 1000.0, 'f', 3));
@@ -120,9 +120,9 @@ void Daemon::letMillisecondsPass(int milliseconds)
 bool Daemon::letTimePassUntil(const std::function<bool()> &condition)
 {
     const int call = 25;
-    // Longer than a call of the test waits for its reply.
+    // Longer than the timeout of the test's own calls.
     const QDeadlineTimer deadline(120000);
-    // When the daemon begins to wait cannot be seen; time that passes earlier has no effect on it.
+    // The start of the daemon's wait is not observable; time that passes before it has no effect.
     while (!condition()) {
         if (deadline.hasExpired() || !isRunning())
             return false;
@@ -146,7 +146,8 @@ void Daemon::resetEnvironment()
 
 bool Daemon::start(const QStringList &arguments)
 {
-    // Until the bus has noticed the end of the daemon before, that one's name would pass for ours.
+    // Wait until the bus has noticed the end of the previous daemon, whose name would pass for
+    // ours.
     if (!waitUntil([] { return !isNameOwned(); }))
         return false;
     launch(arguments);
@@ -251,7 +252,7 @@ QString Daemon::output()
     return QString::fromUtf8(m_output);
 }
 
-/** Takes in what the pipes hold by now. */
+/** Reads everything available from the pipes. */
 void Daemon::drain()
 {
     while (m_process.waitForReadyRead(0)) {

@@ -6,86 +6,86 @@
 
 #include <functional>
 
-/** The running daemon: the very program that ships, in the private world of the test. */
+/** The running daemon: the same binary that ships, in the private world of the test. */
 class Daemon
 {
 public:
     Daemon();
     ~Daemon();
 
-    /** The version that it was built as, as in "2.06". */
+    /** The version of its build, for example "2.06". */
     static QString version();
 
-    /** Programs that start the daemon for us, each becoming the next one. */
+    /** Programs that start the daemon; each one executes the next. */
     void setWrapper(const QStringList &wrapper);
     /** Makes time pass @p factor times as fast for the daemon. */
     void speedUp(int factor);
     /**
-     * Gives the daemon a clock that letTimePass() sets forward. What becomes due then does not
-     * depend on how fast the machine is.
+     * Gives the daemon a clock that letTimePass() advances. Expiring timers then do not depend on
+     * the speed of the machine.
      */
     void controlClock();
     void letTimePass(int seconds);
     /**
-     * As controlClock(), but the clock stands still in between: what is due is known to the
-     * millisecond.
+     * Like controlClock(), but the clock stands still in between: the times of timers are exact to
+     * the millisecond.
      */
     void stopClock();
     void letMillisecondsPass(int milliseconds);
     /**
-     * Lets the time of one call to a peer pass again and again, until @p condition holds.
+     * Repeatedly lets the timeout of one call to a peer pass, until @p condition is true.
      *
-     * @return false when the daemon has ended, or at the deadline of two minutes
+     * @return false if the daemon has ended, or after two minutes
      */
     [[nodiscard]] bool letTimePassUntil(const std::function<bool()> &condition);
-    /** A variable of the daemon's environment, on top of the test's own. */
+    /** Sets a variable of the daemon's environment, in addition to the test's own. */
     void setEnvironment(const QString &name, const QString &value);
     void resetEnvironment();
 
-    /** Starts it and waits until it owns its name; false when it ended or the deadline passed. */
+    /** Starts it and waits for its bus name; returns false if it ended, or at the deadline. */
     bool start(const QStringList &arguments = {});
 
-    /** Starts it without waiting for the name. */
+    /** Starts it without waiting for its bus name. */
     void launch(const QStringList &arguments = {});
 
-    /** Waits for its own end; its exit status, or -1 when it was killed or is still running. */
+    /** Waits for its end. Returns its exit status, or -1 if it was killed or is still running. */
     int waitForExit();
 
     /**
-     * Ends it as the system does at shutdown. The test fails when it has already ended by itself,
-     * unless waitForExit() has told the test.
+     * Stops it as a shutdown does. The test fails if it has already ended, unless waitForExit() has
+     * reported that.
      */
     void stop();
 
     bool isRunning() const;
     qint64 processId() const;
 
-    /** The number of its children that run, or whose end it has not seen yet. */
+    /** The number of its children that run or have not been reaped. */
     int children() const;
 
     /**
-     * The ID of another thread than the main one that takes signals, of the process @p process, or
-     * of the daemon that this started; 0 where there is none.
+     * The ID of a thread other than the main one that can receive signals, of the process @p
+     * process, or of the daemon; 0 if there is none.
      */
     int otherThread(qint64 process = 0) const;
 
-    /** The pages that it alone has, in KB. */
+    /** Its private memory in KB. */
     int privateMemory() const;
 
-    /** How many descriptors it has open. */
+    /** The number of its open file descriptors. */
     int descriptors() const;
 
     /**
-     * Waits until the threads have opened their own, that of device events and that of the light
-     * sensor, which there is on an instrument with a screen; then as descriptors().
+     * Waits until its threads have opened their descriptors: the listener to device events, and on
+     * an instrument with a screen the light sensor. Then like descriptors().
      */
     int settledDescriptors();
 
-    /** Everything it has logged, and everything it has printed, since it was started. */
+    /** Its complete log, and its complete standard output. */
     QString log();
     QString output();
 
-    /** Waits until the log, or the output, holds @p text. */
+    /** Waits until the log, or the output, contains @p text. */
     bool waitForLog(const QString &text);
     bool waitForOutput(const QString &text);
 

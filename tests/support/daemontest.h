@@ -13,10 +13,10 @@
 #include <QTest>
 
 /**
- * Base of the tests on the running daemon.
+ * Base of the tests of the running daemon.
  *
- * Every test function begins on an instrument as it leaves the factory, with no daemon running
- * yet, and ends with the daemon stopped; its log is printed when the test failed.
+ * Every test function starts with a factory-new instrument and without a daemon, and ends with the
+ * daemon stopped. If the test fails, the daemon's log is printed.
  */
 class DaemonTest : public QObject
 {
@@ -33,7 +33,7 @@ protected Q_SLOTS:
     void cleanup();
 };
 
-/** The main function of a test that needs a private world: it refuses to run anywhere else. */
+/** The main function of a test that needs a private world; it refuses to run outside one. */
 #define WORLD_TEST_MAIN(Test)                                                                      \
     int main(int argc, char *argv[])                                                               \
     {                                                                                              \

@@ -8,7 +8,7 @@
 
 namespace
 {
-/** Matches what @p text stands for: each name in {} is any text. */
+/** Returns a pattern for @p text in which each name in {} matches any text. */
 QRegularExpression patternOf(const QString &text)
 {
     QStringList pieces;

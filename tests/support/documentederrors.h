@@ -7,24 +7,24 @@
 
 /** An error that the introspection documents list. */
 struct DocumentedError {
-    /** "*" for every one. */
+    /** "*" for every interface. */
     QString interface;
     QString member;
     QString name;
-    /** As the document shows it, a name in {} standing for any text. */
+    /** As in the document; a name in {} stands for any text. */
     QString text;
-    /** Whether the daemon has a reason to send it. */
+    /** True if the daemon can send it. */
     bool isSent;
     QRegularExpression pattern;
 
-    /** Whether @p errorName and @p errorText are this one. */
+    /** Returns true if @p errorName and @p errorText match this error. */
     bool matches(const QString &errorName, const QString &errorText) const;
 };
 
-/** All of them, as tools/apidocument prints them. */
+/** All documented errors, as tools/apidocument prints them. */
 const QList<DocumentedError> &documentedErrors();
 
-/** Whether clients of @p member of @p interface are told of this error. */
+/** Returns true if the documents list this error for @p member of @p interface. */
 bool isDocumentedError(const QString &interface, const QString &member, const QString &errorName,
                        const QString &errorText);
 

@@ -4,8 +4,8 @@
 #include <QString>
 
 /**
- * Has ./test print @p line, "name: figures", before its summary. Where nobody collects figures, it
- * is printed at once.
+ * Makes ./test print @p line, "name: figures", before its summary. Prints it immediately if nothing
+ * collects figures.
  */
 void reportFigures(const QString &line);
 

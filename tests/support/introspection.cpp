@@ -22,13 +22,13 @@ QString readMember(QXmlStreamReader &reader)
         reader.skipCurrentElement();
         return QStringList{head, type, access}.join(QLatin1Char(' '));
     }
-    // Only the order of what goes the same way counts.
+    // Only the order of arguments in the same direction counts.
     QMap<QString, QStringList> arguments;
     while (reader.readNextStartElement()) {
         const QString usual = kind == QLatin1String("signal") ? "out" : "in";
         const QString direction = attribute(reader, "direction");
         QStringList words = {direction.isEmpty() ? usual : direction, attribute(reader, "type")};
-        // Results of methods have no names in the adaptors.
+        // The adaptors do not name the results of methods.
         if (kind == QLatin1String("signal") || words.first() == QLatin1String("in"))
             words << attribute(reader, "name");
         if (reader.name() == QLatin1String("arg"))

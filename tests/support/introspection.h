@@ -5,24 +5,23 @@
 #include <QString>
 #include <QStringList>
 
-/** What an introspection document says of an object. */
+/** The introspection data of an object. */
 struct Introspection {
-    /** The path that the document gives the object; empty in an answer of the object itself. */
+    /** The path that the document names; empty in a reply of the object itself. */
     QString path;
     /**
      * The members of each interface, sorted: "method isMounted(in s device, out b)", "signal
-     * userChanged(out s user)", "property batteryStatus s read". Results of methods are without
-     * their names.
+     * userChanged(out s user)", "property batteryStatus s read". Results of methods have no names.
      */
     QMap<QString, QStringList> interfaces;
-    /** Why the document cannot be read; empty where it can. */
+    /** The reason why the document cannot be read; empty on success. */
     QString error;
 };
 
-/** Reads the introspection document @p document. */
+/** Parses the introspection document @p document. */
 Introspection readIntrospection(const QByteArray &document);
 
-/** Asks the object at @p path of the daemon for its introspection document. */
+/** Introspects the daemon's object at @p path. */
 Introspection introspect(const QString &path);
 
 #endif

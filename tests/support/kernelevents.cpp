@@ -13,7 +13,7 @@ namespace
 {
 const int deadline = 20000;
 
-/** The lines of the kernel's table for the sockets that listen to device events, in columns. */
+/** The kernel's table of netlink sockets for device events, split into columns. */
 QList<QByteArrayList> listenerTable()
 {
     const QByteArray protocol = QByteArray::number(NETLINK_KOBJECT_UEVENT);

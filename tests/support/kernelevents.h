@@ -1,25 +1,25 @@
 #ifndef KERNELEVENTS_H
 #define KERNELEVENTS_H
 
-/** Who listens to the kernel's device events in the network of the test. */
+/** The listeners to the kernel's device events in the test's network namespace. */
 namespace KernelEvents
 {
-/** How many sockets listen. */
+/** The number of listening sockets. */
 int listeners();
 
-/** The groups of events that they listen to, one bit each. */
+/** The multicast groups that they listen to, one bit each. */
 unsigned int groups();
 
-/** Waits until so many sockets listen; false after 20 s. */
+/** Waits for this number of listening sockets; returns false after 20 s. */
 bool waitForListeners(int count);
 
-/** How many events the kernel could not deliver to those who listen now. */
+/** The number of events that the kernel could not deliver to the current listeners. */
 int undelivered();
 
-/** Waits until those who listen have taken all events that wait for them; false after 20 s. */
+/** Waits until the listeners have read all pending events; returns false after 20 s. */
 bool waitForEmptyQueues();
 
-/** Whether programs of ours may make the room for undelivered events as large as they want. */
+/** Returns true if our programs may set receive buffers of any size. */
 bool isRoomUnlimited();
 } // namespace KernelEvents
 

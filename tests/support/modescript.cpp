@@ -47,7 +47,7 @@ void ModeScript::remove()
 
 void ModeScript::clear()
 {
-    // Whatever a script has started would go on changing the interfaces.
+    // Processes that a script has started would continue to change the interfaces.
     killCommand(script.toLatin1());
     for (const char *program : {"hostapd", "dhcpd"})
         killProgram(program);

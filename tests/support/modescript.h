@@ -4,11 +4,11 @@
 #include <QStringList>
 
 /**
- * The mode-switch script of the Wi-Fi module, as the simulated module's package installs it, with
- * the templates of the access point.
+ * The mode script of the Wi-Fi module, as the simulated module installs it, with the templates of
+ * the access point.
  *
- * Mode "2" makes the interface "wifi_ap" and starts hostapd and dhcpd; every other mode takes them
- * away.
+ * Mode "2" creates the interface "wifi_ap" and starts hostapd and dhcpd; every other mode removes
+ * them.
  */
 class ModeScript
 {
@@ -17,43 +17,43 @@ public:
     ~ModeScript();
     Q_DISABLE_COPY(ModeScript)
 
-    /** Installs script and templates afresh, with nothing told and an empty log. */
+    /** Installs script and templates, without instructions and with an empty log. */
     void install();
 
-    /** Takes the script away, leaving the templates. */
+    /** Removes the script, keeps the templates. */
     void remove();
 
-    /** Ends scripts that still run and what they started, and takes everything away. */
+    /** Ends running scripts and their children, and removes everything. */
     void clear();
 
-    /** What scripts did since install(), in order: "start 0", "end 0". */
+    /** The log of the scripts since install(), in order: "start 0", "end 0". */
     QStringList log();
 
-    /** Waits until the log holds @p line @p count times. */
+    /** Waits until the log has @p line @p count times. */
     bool waitFor(const QString &line, int count = 1);
 
-    /** The scripts started from now on take that much longer. */
+    /** Scripts that start from now on take this much longer. */
     void setDelay(double seconds);
 
-    /** The scripts started from now on end with this status and switch nothing. */
+    /** Scripts that start from now on exit with this status and switch nothing. */
     void setFailure(int status);
 
-    /** The scripts started from now on wait after "start". */
+    /** Scripts that start from now on wait after "start". */
     void hold();
 
-    /** The scripts started from now on do not wait, but those that wait do until release(). */
+    /** Scripts that start from now on do not wait; waiting ones do until release(). */
     void letOthersPass();
 
-    /** Lets one waiting script go on, and those to come not wait; waits for that one. */
+    /** Releases one waiting script and waits for its end; later scripts do not wait. */
     void release();
 
     /** Leaves "interface", "carrier", "hostapd" or "dhcpd" out of the next access point. */
     void leaveOut(const QString &part);
 
-    /** Takes the carrier of the access point's interface away, or gives it back. */
+    /** Removes or restores the carrier of the access point's interface. */
     void setCarrier(bool present);
 
-    /** Takes the access point's interface away. */
+    /** Removes the access point's interface. */
     void removeInterface();
 };
 

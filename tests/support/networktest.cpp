@@ -32,13 +32,13 @@ void NetworkTest::begin()
 
 void NetworkTest::settle()
 {
-    // Served by the thread that handles ConnMan's signals, after them, and asks nobody.
+    // Runs on the thread that handles ConnMan's signals, after them, and calls no peer.
     Remote(QStringLiteral("/KyConfigMgr"), QStringLiteral("Users")).call(QStringLiteral("getUser"));
 }
 
 void NetworkTest::waitForScripts(int running)
 {
-    // What starts the first script, or the next one after another, may be under way.
+    // An operation that starts the first or the next script may be in progress.
     const auto isQuiet = [&] {
         if (daemon.children() != running)
             return false;
@@ -57,7 +57,7 @@ void NetworkTest::passModuleDelay()
 
 QStringList NetworkTest::announced()
 {
-    // Timers that are due are served after the calls that came before.
+    // Expired timers are handled after earlier calls.
     settle();
     return recorder->take();
 }

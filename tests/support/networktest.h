@@ -8,8 +8,8 @@
 #include <QScopedPointer>
 
 /**
- * Base of the tests on the network adaptors: the module's mode script is installed, the stand-in
- * for ConnMan runs, and the daemon's clock is under the test's control.
+ * Base of the tests of the network adaptors: the mode script is installed, the stand-in for ConnMan
+ * runs, and the test controls the daemon's clock.
  */
 class NetworkTest : public DaemonTest
 {
@@ -18,45 +18,45 @@ class NetworkTest : public DaemonTest
 protected:
     ConnmanStandIn connman;
     ModeScript script;
-    /** Records /KyComMgr from begin() on. */
+    /** Records the signals of /KyComMgr after begin(). */
     QScopedPointer<SignalRecorder> recorder;
 
     const Remote ethernet{QStringLiteral("/KyComMgr"), QStringLiteral("Ethernet")};
     const Remote wifi{QStringLiteral("/KyComMgr"), QStringLiteral("WIFI")};
     const Remote wifiAp{QStringLiteral("/KyComMgr"), QStringLiteral("WIFIAP")};
 
-    /** Starts the daemon, forgets what it did on the way, and records its signals. */
+    /** Starts the daemon, discards its calls so far, and records its signals. */
     void begin();
 
-    /** Waits until the daemon has handled everything that reached it by now. */
+    /** Waits until the daemon has handled everything that has reached it. */
     void settle();
 
     /**
-     * Waits until the daemon has seen the ends of all scripts that it started but so many, and of
-     * those that it started thereupon.
+     * Waits until the daemon has seen the ends of all but @p running of its scripts, and of the
+     * scripts that it started as a result.
      */
     void waitForScripts(int running = 0);
 
-    /** waitForScripts(), and lets the two seconds pass that the module takes afterwards. */
+    /** Calls waitForScripts(), and lets the module's delay of two seconds pass. */
     void passModuleDelay();
 
-    /** All that the daemon has announced since the last look, once it has settled. */
+    /** All announcements since the last call, after settle(). */
     QStringList announced();
 
-    /** Calls that ConnMan got since the last look, without the mere questions. */
+    /** The calls to ConnMan since the last call, without plain queries. */
     QStringList orders();
 
-    /** A change of the link state as the recorder shows it. */
+    /** A change of the link state, as the recorder formats it. */
     static QString state(const char *interface, const QString &path, const char *name);
 
-    /** A Wi-Fi network as ConnMan lists it: at networkPath(@p name), psk, of strength 70. */
+    /** A Wi-Fi network in ConnMan's list: at networkPath(@p name), psk, strength 70. */
     static ListedObject network(const QString &name, const QString &serviceState);
     static QString networkPath(const QString &name);
 
     /** The records of the Wi-Fi trace: "method OP:operation state network". */
     static QStringList trace();
 
-    /** Waits until the trace has that many records of @p method. */
+    /** Waits until the trace has this number of records of @p method. */
     static bool waitForTrace(const QString &method, int count = 1);
 
 protected Q_SLOTS:

@@ -1,4 +1,4 @@
-// Uses what Qt 5.4 has not, and is never run: what tools/qt-newer must find.
+// Uses API newer than Qt 5.4, which tools/qt-newer must find. Never run.
 
 #include <QCoreApplication>
 #include <QDebug>

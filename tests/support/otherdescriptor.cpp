@@ -1,8 +1,8 @@
 #include "kyals.h"
 
 /**
- * Put before the board's libraries, a light sensor whose interrupt descriptor is a negative number
- * that is not the library's failure.
+ * Preloaded before the board's libraries: a light sensor whose interrupt descriptor is negative,
+ * but not the library's value for a failure.
  */
 int KyAls::getinterruptHandler()
 {

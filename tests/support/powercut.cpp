@@ -1,8 +1,8 @@
-// Runs a program whose power is cut at one of its calls to the file system:
+// Runs a program whose power is cut at one of its file-system calls:
 //   powercut CONTROL DIRECTORY... -- PROGRAM [ARGUMENT...]
-// As long as the file CONTROL holds a number, calls on something below the directories are counted,
-// from the moment on when the file is there. At the call of that number every thread of the program
-// is killed before the call is made; 0 only counts. CONTROL.log lists the calls that were counted.
+// While the file CONTROL exists and has a number, counts the calls on anything below the
+// directories. At the call of that number, kills every thread of the program before the call is
+// made; 0 only counts. CONTROL.log lists the counted calls.
 
 #include <cerrno>
 #include <cstddef>
@@ -25,7 +25,7 @@
 
 namespace
 {
-/** A call to the file system, and which of its arguments tells what it is on; -1 for none. */
+/** A file-system call, and the index of the argument that names the file; -1 for none. */
 struct FileCall {
     long number;
     const char *name;
@@ -96,7 +96,7 @@ const FileCall *findCall(unsigned long long number)
     std::_Exit(126);
 }
 
-/** From now on the kernel asks whoever traces us before each call to the file system. */
+/** From now on the kernel stops us for our tracer before each file-system call. */
 void askBeforeFileCalls()
 {
     std::vector<sock_filter> filter = {
@@ -116,7 +116,7 @@ void askBeforeFileCalls()
 std::string textAt(pid_t process, unsigned long long address)
 {
     char text[4096] = {};
-    // No page behind the text need exist: what is on the text's own page is enough.
+    // The page after the text may not exist: read only up to the end of the text's page.
     const std::size_t size = 4096 - static_cast<std::size_t>(address & 4095);
     const iovec here = {text, size};
     const iovec there = {reinterpret_cast<void *>(address), size};
@@ -226,7 +226,7 @@ int main(int argc, char *argv[])
     int ready[2];
     if (pipe2(ready, O_CLOEXEC) != 0)
         fail("powercut: pipe");
-    // The program keeps our PID; who traces it is a grandchild that it does not know.
+    // The program keeps our PID; its tracer is a grandchild that it does not know.
     const pid_t traced = getpid();
     prctl(PR_SET_PTRACER, PR_SET_PTRACER_ANY);
     const pid_t child = fork();
@@ -242,7 +242,7 @@ int main(int argc, char *argv[])
             fail("powercut: ready");
         close(ready[0]);
         close(ready[1]);
-        // Whoever reads the program's output must not wait for us.
+        // Readers of the program's output must not wait for us.
         for (int descriptor = 0; descriptor < 3; ++descriptor)
             close(descriptor);
         Tracer(traced, argv[1], directories).run();

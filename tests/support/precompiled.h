@@ -1,4 +1,4 @@
-// What most tests include. They include it themselves, too: this is only sooner compiled.
+// Headers of most tests. The tests include them, too; precompiling only makes that faster.
 #include <QCoreApplication>
 #include <QDBusArgument>
 #include <QDBusConnection>

@@ -10,7 +10,7 @@
 
 namespace
 {
-/** The entries of @p directory that are numbers. */
+/** The numeric entries of @p directory. */
 QList<int> numbersIn(const QString &directory)
 {
     QList<int> numbers;
@@ -27,7 +27,9 @@ QByteArray fileOf(qint64 thread, const char *name)
     return readFile(QStringLiteral("/proc/%1/%2").arg(thread).arg(QLatin1String(name)));
 }
 
-/** What follows the name, which is in parentheses and may hold any: the state, the parent. */
+/**
+ * The fields after the name, which is in parentheses and may contain any character: state, parent.
+ */
 QList<QByteArray> statOf(qint64 thread)
 {
     const QByteArray stat = fileOf(thread, "stat");

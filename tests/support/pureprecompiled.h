@@ -1,4 +1,4 @@
-// As precompiled.h, for the tests without Qt D-Bus.
+// Like precompiled.h, for the tests without Qt D-Bus.
 #include <QDir>
 #include <QFile>
 #include <QProcess>

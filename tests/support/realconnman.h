@@ -19,34 +19,32 @@ public:
     ~RealConnman();
 
     /**
-     * Makes the network afresh, with the cable in and nothing remembered of earlier runs, and
-     * starts connmand; returns when it has connected by itself, as it does where it was never told
-     * otherwise.
+     * Creates the network with the cable plugged in, deletes ConnMan's state of earlier runs, and
+     * starts connmand. Returns when it has connected by itself, its default behaviour.
      */
     void start();
 
-    /** Starts connmand again, as it was left; returns when it is on the bus. */
+    /** Starts connmand again with its old state; returns when it is on the bus. */
     void restart();
 
-    /** Ends it as at shutdown, or at once; waits until its name is gone from the bus. */
+    /** Stops it as a shutdown does, or kills it; waits until its name has left the bus. */
     void stop();
     void kill();
 
-    /** Suspends it (SIGSTOP), from when on it answers nothing, and lets it go on. */
+    /** Suspends it (SIGSTOP), or resumes it. */
     void freeze();
     void thaw();
 
     void plugCable();
     void unplugCable();
 
-    /** Whether the DHCP server answers anybody. */
+    /** Sets whether the DHCP server ignores all requests. */
     void setDhcpServerMute(bool mute);
 
-    /** What ConnMan says of a technology or a service; empty where there is no such object. */
+    /** ConnMan's properties of a technology or a service; empty if there is no such object. */
     static QVariantMap properties(const QString &path);
 
-    /** A property of the wired ones as ConnMan gives it; invalid where there is no such object or
-     * property. */
+    /** A property of the wired technology or service from ConnMan; invalid if it does not exist. */
     static QVariant technology(const QString &name);
     static QVariant service(const QString &name);
 

@@ -1,7 +1,7 @@
-// Runs a program to which the kernel refuses one of its calls:
-//   refuse socket|bind|receive PROGRAM [ARGUMENT...]   one that a listener to device events makes
-//   refuse pidfd PROGRAM [ARGUMENT...]                 to wait for a child by a descriptor, as a
-//                                                      kernel does that knows no such descriptors
+// Runs a program for which the kernel refuses one kind of call:
+//   refuse socket|bind|receive PROGRAM [ARGUMENT...]   those of a listener to device events
+//   refuse pidfd PROGRAM [ARGUMENT...]                 to wait for a child by a pidfd, as an older
+//                                                      kernel does
 
 #include <cerrno>
 #include <cstddef>
@@ -18,7 +18,7 @@
 
 namespace
 {
-/** A call, told from those of the same name that others make by one of its arguments. */
+/** A call; one of its arguments distinguishes it from calls of the same name by other code. */
 struct Refusal {
     const char *name;
     unsigned int call;

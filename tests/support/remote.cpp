@@ -11,7 +11,7 @@ namespace
 const QString daemonName = QStringLiteral("com.orvendis.Strandel.BoardManager");
 const int replyTimeout = 60000;
 
-/** Fails the test when the daemon, not the bus, has sent an error that clients are not told of. */
+/** Fails the test if the daemon (not the bus) has sent an undocumented error. */
 void expectDocumented(const QDBusMessage &call, const QDBusMessage &reply)
 {
     if (call.service() == daemonName && reply.type() == QDBusMessage::ErrorMessage &&

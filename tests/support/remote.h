@@ -6,32 +6,34 @@
 #include <QString>
 #include <QVariant>
 
-/** One interface of an object on the system bus, seen by a client. */
+/** One interface of an object on the system bus, from a client's view. */
 class Remote
 {
 public:
-    /** @param suffix what follows the daemon's service name in the name of the interface */
+    /**
+     * @param suffix the last part of the interface's name, after the daemon's service name
+     */
     Remote(const QString &path, const QString &suffix);
     Remote(const QString &service, const QString &path, const QString &interface);
 
     /**
      * Calls @p method and waits for the first reply.
      *
-     * @return the values of the reply as render() shows them, or, for an error, its name, a colon,
-     *         a blank and its text
+     * @return the values of the reply as render() formats them; for an error its name, a colon, a
+     *         blank and its text
      */
     QString call(const QString &method, const QList<QVariant> &arguments = {}) const;
 
     /**
-     * The same, with the reply as it came. An error of the daemon's that the introspection
-     * documents do not list fails the test.
+     * The same, with the unmodified reply. Fails the test for an error of the daemon that the
+     * introspection documents do not list.
      */
     QDBusMessage reply(const QString &method, const QList<QVariant> &arguments = {}) const;
 
     /** Calls @p method without waiting for the reply. */
     QDBusPendingCall start(const QString &method, const QList<QVariant> &arguments = {}) const;
 
-    /** Reads a property through org.freedesktop.DBus.Properties; rendered as by call(). */
+    /** Reads a property through org.freedesktop.DBus.Properties; formatted as by call(). */
     QString property(const QString &name) const;
 
 private:
@@ -42,13 +44,13 @@ private:
     QString m_interface;
 };
 
-/** A reply as Remote::call() shows it; "no reply yet" for that of a call that is under way. */
+/** Formats a reply as Remote::call() does; "no reply yet" while the call is pending. */
 QString renderReply(const QDBusMessage &reply);
 
-/** The name of one of the daemon's own errors, followed by its text, as Remote::call() shows it. */
+/** The name of one of the daemon's own errors and its text, as Remote::call() formats them. */
 QString failure(const char *name, const QString &text);
 
-/** The same for the error that the network interfaces send. */
+/** The same for the error of the network interfaces. */
 QString failed(const QString &text);
 
 #endif

@@ -3,10 +3,10 @@
 
 #include <QVariantMap>
 
-/** A valid record of the instrument: every text has its full length. */
+/** A valid instrument record with texts of their full length. */
 QVariantMap instrumentRecord();
 
-/** A valid record of the measure card: every coefficient that there may be, each one different. */
+/** A valid measure record with the maximum number of coefficients, all different. */
 QVariantMap measureRecord();
 
 #endif

@@ -14,14 +14,14 @@ const QString daemonName = QStringLiteral("com.orvendis.Strandel.BoardManager");
 
 SignalRecorder::SignalRecorder(const QString &path) : m_path(path)
 {
-    // The library subscribes to interfaces, not to whole objects.
+    // Qt D-Bus subscribes to interfaces, not to whole objects.
     for (const char *suffix :
          {"Users", "Ethernet", "WIFI", "WIFIAP", "MGR", "Alimentation", "LED", "Network", "Storage",
           "Temperature", "Version", "Watchdog", "Backlight", "Brightness"})
         QDBusConnection::systemBus().connect(QString(), path,
                                              daemonName + QLatin1Char('.') + QLatin1String(suffix),
                                              QString(), this, SLOT(record(QDBusMessage)));
-    // The library does not wait until the bus knows; this does.
+    // Qt D-Bus does not wait until the bus has added the match rule; this call does.
     Remote(QStringLiteral("org.freedesktop.DBus"), QStringLiteral("/org/freedesktop/DBus"),
            QStringLiteral("org.freedesktop.DBus"))
         .reply(QStringLiteral("GetId"));
@@ -29,9 +29,9 @@ SignalRecorder::SignalRecorder(const QString &path) : m_path(path)
 
 QStringList SignalRecorder::take()
 {
-    // The bus keeps the order of one sender, and the daemon answers this where it also emits its
-    // signals, in its main thread: what was emitted before the reply is here after it. A Ping
-    // would not do, Qt D-Bus answers it in a thread of its own.
+    // The bus preserves the order of one sender, and the daemon answers introspection on its main
+    // thread, where it also emits its signals: everything emitted before the reply has arrived. A
+    // ping would not do; Qt D-Bus answers it on another thread.
     Remote(daemonName, m_path, QStringLiteral("org.freedesktop.DBus.Introspectable"))
         .reply(QStringLiteral("Introspect"));
     QCoreApplication::processEvents();
@@ -42,7 +42,7 @@ QStringList SignalRecorder::take()
 
 QStringList SignalRecorder::waitFor(int count, int milliseconds)
 {
-    // The caller compares what came; a missing signal shows there.
+    // The caller compares the signals and so detects a missing one.
     static_cast<void>(
         QTest::qWaitFor([this, count] { return m_signals.size() >= count; }, milliseconds));
     return take();

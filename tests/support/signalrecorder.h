@@ -5,7 +5,7 @@
 #include <QObject>
 #include <QStringList>
 
-/** Records every signal that the daemon sends from one object. */
+/** Records all signals of one of the daemon's objects. */
 class SignalRecorder : public QObject
 {
     Q_OBJECT
@@ -14,15 +14,15 @@ public:
     explicit SignalRecorder(const QString &path);
 
     /**
-     * Everything recorded since the last call, in order, including all that the daemon sent before
-     * now: "Users.userChanged("user2")".
+     * Returns all signals since the last call, in order, including everything that the daemon has
+     * sent so far: "Users.userChanged("user2")".
      */
     QStringList take();
 
-    /** The same without asking the daemon, as long as it is kept from answering. */
+    /** The same without calling the daemon, for a daemon that cannot answer. */
     QStringList recorded() const { return m_signals; }
 
-    /** Waits until @p count signals are there, or the deadline has passed; then as take(). */
+    /** Waits for @p count signals or the deadline; then like take(). */
     QStringList waitFor(int count, int milliseconds = 10000);
 
 private Q_SLOTS:

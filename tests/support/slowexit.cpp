@@ -2,9 +2,8 @@
 #include <dlfcn.h>
 
 /*
- * Put before the libraries of a program, this makes it pause after each of the functions that run
- * when it exits, which are the destructors of static objects: what its other threads do meanwhile
- * is seen.
+ * Preloaded before a program's libraries: pauses after each function that runs at exit, such as the
+ * destructors of static objects, so that the behaviour of other threads meanwhile becomes visible.
  */
 
 namespace

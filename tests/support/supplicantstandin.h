@@ -15,17 +15,16 @@ class SupplicantStandIn
 public:
     ~SupplicantStandIn();
 
-    /** Makes the network and the access points afresh and starts the stand-in; waits for its name.
-     */
+    /** Creates the network and the access points and starts the stand-in; waits for its name. */
     void start();
 
-    /** Ends it at once; waits until its name is gone from the bus. */
+    /** Kills it; waits until its name has left the bus. */
     void kill();
 
     /** Writes a property of an access point: set("cafe/in_range", "0"). */
     void set(const QString &property, const QByteArray &value);
 
-    /** Whether the DHCP server of the access points answers anybody. */
+    /** Sets whether the DHCP server of the access points ignores all requests. */
     void setDhcpServerMute(bool mute);
 
 private:

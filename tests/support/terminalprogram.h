@@ -4,7 +4,7 @@
 #include <QByteArray>
 #include <QProcess>
 
-/** A program on a terminal of its own, at which the test sits. */
+/** A program on a pseudo-terminal that the test controls. */
 class TerminalProgram
 {
 public:
@@ -17,20 +17,20 @@ public:
     /** Waits until the terminal has shown @p text. */
     bool shows(const QByteArray &text);
 
-    /** All that the terminal has shown. */
+    /** The complete output of the terminal. */
     QByteArray shown();
 
-    /** Whether what is typed shows. */
+    /** Returns true if the terminal echoes input. */
     bool echoes() const;
 
     void type(const QByteArray &keys);
 
-    /** Makes the terminal narrower or wider, as whoever drags its window. */
+    /** Changes the width of the terminal. */
     void resize(int columns);
 
     qint64 processId() const { return m_process.processId(); }
 
-    /** Waits for the end: the exit status, minus the signal that ended it, or -1000. */
+    /** Waits for the end. Returns the exit status, minus the signal that ended it, or -1000. */
     int waitForEnd();
 
 private:

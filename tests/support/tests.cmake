@@ -1,11 +1,11 @@
-# How tests and campaigns are built and run.
+# Functions that add tests and campaigns.
 
-# What the world is told that a test runs in, up to the test's own program.
+# The options of the world in which a test runs, up to the test program.
 if(CMAKE_CROSSCOMPILING)
-    # The machine's own test programs test the other machine's daemon, which an emulator runs.
+    # This machine's test programs test the other machine's daemon, which an emulator runs.
     set(NATIVE_BUILD "" CACHE PATH "Where this tree is built for the machine itself")
     if(NOT EXISTS ${NATIVE_BUILD}/build.ninja)
-        # What the toolchain file tells pkg-config is not the machine's.
+        # The toolchain file's settings for pkg-config are not this machine's.
         execute_process(WORKING_DIRECTORY ${PROJECT_SOURCE_DIR} COMMAND_ERROR_IS_FATAL ANY
             COMMAND ${CMAKE_COMMAND} -E env
             --unset=PKG_CONFIG_SYSROOT_DIR --unset=PKG_CONFIG_LIBDIR
@@ -24,7 +24,7 @@ if(CMAKE_CROSSCOMPILING)
     set(CMAKE_CROSSCOMPILING_EMULATOR ${NATIVE_BUILD}/tests/support/refuse pidfd
         ${CMAKE_CROSSCOMPILING_EMULATOR})
     set(timeout_factor 5)
-    # What an emulator cannot show.
+    # The tests that are meaningless under an emulator.
     set_property(DIRECTORY APPEND PROPERTY CMAKE_CONFIGURE_DEPENDS support/arm-exceptions.txt)
     file(STRINGS support/arm-exceptions.txt exceptions REGEX "^[^#]")
     foreach(exception IN LISTS exceptions)
@@ -50,8 +50,8 @@ else()
     endif()
 endif()
 
-# A program of tests, with one of the libraries of tests/support. Its first source includes what moc
-# makes of it; no other one needs moc.
+# A test program, with one of the libraries of tests/support. Its first source includes its moc
+# output; no other source needs moc.
 function(add_test_program name support precompiled source)
     add_executable(${name} ${source} ${ARGN})
     set_target_properties(${name} PROPERTIES AUTOMOC OFF)
@@ -64,15 +64,14 @@ function(add_test_program name support precompiled source)
     target_precompile_headers(${name} REUSE_FROM ${precompiled})
 endfunction()
 
-# A program that tests pure logic. It needs no hardware library to run, whatever it links.
+# A program that tests pure logic. It runs without the hardware libraries, whatever it links.
 function(add_pure_program name)
     add_test_program(${name} puresupport pureprecompiled ${ARGN})
     target_link_libraries(${name} PRIVATE boardlogic)
     target_link_options(${name} PRIVATE -Wl,--as-needed)
 endfunction()
 
-# A program that starts the daemon. Tests of another machine's daemon run in the
-# machine's own programs.
+# A program that starts the daemon. This machine's programs also test another machine's daemon.
 function(add_world_program name)
     add_test_program(${name} testsupport precompiled ${ARGN})
     add_dependencies(${name} KyBoardManager kyboardctl peers)
@@ -86,7 +85,7 @@ function(limit_test name)
     set_tests_properties(${name} PROPERTIES TIMEOUT ${timeout} FAIL_REGULAR_EXPRESSION "SKIP   :")
 endfunction()
 
-# A test of pure logic: runs as it is.
+# A test of pure logic: runs directly.
 function(add_pure_test name)
     add_pure_program(${name} ${ARGN})
     if(left_out_of_${name})
@@ -98,8 +97,8 @@ function(add_pure_test name)
     limit_test(${name})
 endfunction()
 
-# A test of behaviour: runs in a private world, where it starts the daemon itself. One that takes very
-# long runs as several tests, NAME_1 to NAME_N with PARTS N, each with a part of its functions.
+# A test of behaviour: runs in a private world, where it starts the daemon itself. With PARTS N a
+# long test runs as N tests, NAME_1 to NAME_N, each with a part of its functions.
 function(add_world_test name)
     cmake_parse_arguments(TEST "" "PARTS" "" ${ARGN})
     add_world_program(${name} ${TEST_UNPARSED_ARGUMENTS})
@@ -113,12 +112,12 @@ function(add_world_test name)
         set(program $<TARGET_FILE:${name}>)
     endif()
     set(world ${PROJECT_SOURCE_DIR}/simulator/world ${world_options})
-    # In a process group of its own: all tests that ctest runs at a time would share one.
+    # In a process group of its own: otherwise all parallel tests of ctest would share one.
     list(PREPEND program setsid)
     set(tests "")
     set(cost "")
     if(TEST_PARTS)
-        # The longest ones first, where it is not known yet how long each takes.
+        # The longest tests first, while their durations are unknown.
         set(cost COST 60)
         foreach(part RANGE 1 ${TEST_PARTS})
             list(APPEND tests ${name}_${part})
@@ -146,8 +145,8 @@ function(add_tool_test name)
     limit_test(${name})
 endfunction()
 
-# A campaign measures: it writes the lines to be printed into the file that FIGURES names. One with
-# LONG runs with ./test --long alone. An emulator's figures would say nothing.
+# A campaign measures: it writes the lines to print to the file that FIGURES names. One with LONG
+# runs only with ./test --long. Figures from an emulator would be meaningless.
 function(add_campaign name)
     if(CMAKE_CROSSCOMPILING)
         return()

@@ -4,10 +4,10 @@
 #include <QTest>
 
 /**
- * Fails the test when @p time is too early for a timer that was set at @p start for @p seconds.
+ * Fails the test if @p time is too early for a timer that was set at @p start for @p seconds.
  *
- * The start that a test knows may come after the timer was set, on a busy machine by a twentieth of
- * the time; a late timer says nothing but that the machine is busy.
+ * On a busy machine the test may see the start up to a twentieth of the time late. A late timer is
+ * no failure: the machine may be busy.
  */
 #define VERIFY_NOT_EARLY(time, start, seconds)                                                     \
     QVERIFY2((time) - (start) >= 0.95 * (seconds),                                                 \

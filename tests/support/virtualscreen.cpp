@@ -2,7 +2,7 @@
 
 VirtualScreen::~VirtualScreen()
 {
-    // Asked to, it takes its socket away.
+    // After SIGTERM it removes its socket.
     m_server.terminate();
     m_server.waitForFinished();
 }
@@ -14,7 +14,7 @@ bool VirtualScreen::start(const QString &keyFile)
     if (!keyFile.isEmpty())
         arguments << QStringLiteral("-auth") << keyFile;
     m_server.start(QStringLiteral("Xvfb"), arguments);
-    // It writes its number when it listens.
+    // It prints its display number when it listens.
     while (!m_server.canReadLine()) {
         if (!m_server.waitForReadyRead(20000))
             return false;

@@ -4,20 +4,20 @@
 #include <QProcess>
 #include <QString>
 
-/** An X server without a screen, which the test has to itself. */
+/** An X server without a screen, for one test. */
 class VirtualScreen
 {
 public:
     ~VirtualScreen();
 
     /**
-     * Starts it and waits until it can be connected to; false when it could not.
+     * Starts it and waits until it accepts connections; returns false on failure.
      *
-     * @param keyFile only who has the key in this file may connect; empty: every program
+     * @param keyFile clients need the key in this file; empty: every program may connect
      */
     bool start(const QString &keyFile = QString());
 
-    /** What DISPLAY has to be, as in ":3". */
+    /** The value for DISPLAY, for example ":3". */
     QString name() const { return m_name; }
 
 private:

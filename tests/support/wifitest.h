@@ -3,42 +3,42 @@
 
 #include "networktest.h"
 
-/** Base of the tests on the Wi-Fi station that join the network "Lab". */
+/** Base of the tests of the Wi-Fi station that join the network "Lab". */
 class WifiTest : public NetworkTest
 {
     Q_OBJECT
 
 protected:
-    /** Joins a network as a client would, as the user "me" with the pass phrase "secret". */
+    /** Joins a network as a client does, as the user "me" with the pass phrase "secret". */
     QString join(const QString &name = QStringLiteral("Lab"));
 
-    /** Waits until the station has dealt with the module that its script has switched. */
+    /** Waits until the station has handled the end of its script and the module's delay. */
     void letModuleSwitch();
 
-    /** Starts a scan and lets the module be switched. */
+    /** Starts a scan and waits until the module is switched. */
     void scan();
 
     /**
      * Starts the daemon and joins "Lab" until the state is "association", "configuration" or
-     * "online"; forgets what happened on the way.
+     * "online"; discards the calls and signals so far.
      */
     void reach(const QString &name);
 
-    /** Gives the service of "Lab" another state, and announces that the services changed. */
+    /** Sets the state of the service of "Lab", and announces that the services changed. */
     void announceService(const QString &serviceState);
 
     const QString lab = networkPath(QStringLiteral("Lab"));
     const QVariantMap address = {{QStringLiteral("Method"), QStringLiteral("dhcp")},
                                  {QStringLiteral("Address"), QStringLiteral("10.0.0.7")}};
 
-    // The announcements of states, with the service that goes with them.
+    // The announcements of states, with their service.
     const QString association = state("WIFI", QString(), "association");
     const QString configuration = state("WIFI", lab, "configuration");
     const QString online = state("WIFI", lab, "online");
     const QString failure = state("WIFI", QString(), "failure");
     const QString labFailure = state("WIFI", lab, "failure");
 
-    // Calls as ConnMan's journal shows them.
+    // Calls as in ConnMan's journal.
     const QString getServices = QStringLiteral("Manager.GetServices / ()");
     const QString getTechnologies = QStringLiteral("Manager.GetTechnologies / ()");
     const QString powerOn = technology("SetProperty", "\"Powered\", <true>");

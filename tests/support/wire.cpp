@@ -20,7 +20,7 @@ void expect(bool isDone, const char *what)
         qFatal("%s", what);
 }
 
-/** Appends written values to a message. */
+/** Appends formatted values to a message. */
 class Writer
 {
 public:
@@ -48,7 +48,7 @@ private:
         return token == QLatin1String("\"\"") ? QString() : token;
     }
 
-    /** One value for each type from @p type on. */
+    /** Writes one value for each type from @p type on. */
     void writeAll(DBusMessageIter &end, DBusSignatureIter &type)
     {
         do {
@@ -132,7 +132,7 @@ private:
             value.u64 = token.toULongLong();
             break;
         default:
-            // On a little-endian machine the low end of this one is every shorter integer.
+            // On a little-endian machine the low end of this is every shorter integer.
             value.i64 = token.toLongLong();
             break;
         }

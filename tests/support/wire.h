@@ -9,9 +9,9 @@ struct DBusMessage;
 /**
  * A client of the system bus that sends values of any type, on a connection of its own.
  *
- * The values of a message are written as busctl takes them, separated by blanks: the signature,
- * then the values; an array begins with the number of its elements, a variant with its signature.
- * The empty text is "". A file descriptor is written as h and any number, and is one of /dev/null.
+ * The values of a message have busctl's format, separated by blanks: the signature, then the
+ * values; an array begins with the number of its elements, a variant with its signature. The empty
+ * text is "". A file descriptor is h and any number, and refers to /dev/null.
  */
 class Wire
 {
@@ -27,13 +27,13 @@ public:
     /**
      * Calls a method and waits for the first reply.
      *
-     * @return "()" for a reply without values, the signature in parentheses for another one, for an
+     * @return "()" for a reply without values, the signature in parentheses for another one; for an
      *         error its name, a colon, a blank and its text
      */
     QString call(const QString &service, const QString &path, const QString &interface,
                  const QString &method, const QString &values = QString());
 
-    /** Sends a signal to everybody. */
+    /** Broadcasts a signal. */
     void signal(const QString &path, const QString &interface, const QString &member,
                 const QString &values);
 
@@ -42,8 +42,8 @@ private:
 };
 
 /**
- * From now on the bus lets file descriptors through to the daemon, as it would without the policy
- * that comes with the daemon. False when the bus does not take the rule.
+ * From now on the bus lets file descriptors through to the daemon, as it would without the daemon's
+ * policy. Returns false if the bus rejects the rule.
  */
 bool letDescriptorsThrough();
 
