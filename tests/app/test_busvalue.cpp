@@ -61,7 +61,7 @@ private:
 
 namespace
 {
-/** @p unit written @p count times. */
+/** Returns @p unit repeated @p count times. */
 QString times(int count, const char *unit)
 {
     return QString::fromLatin1(unit).repeated(count);
@@ -80,7 +80,7 @@ void TestBusValue::initTestCase()
         QVERIFY(bus.connect(name, path, interface, member, this, SLOT(keep(QDBusMessage))));
 }
 
-/** The one value of a message, as Qt D-Bus hands it to a slot. */
+/** Returns the single value of a message, as Qt D-Bus passes it to a slot. */
 QVariant TestBusValue::receive(const QString &values)
 {
     received.clear();
@@ -188,7 +188,7 @@ void TestBusValue::plainValueOfADeepValue_data()
 {
     QTest::addColumn<QString>("values");
     QTest::addColumn<QString>("rendered");
-    // The deepest that the bus delivers.
+    // The greatest depth that the bus delivers.
     QTest::newRow("variants") << times(63, "v ") + "i 5"
                               << "5";
     QTest::newRow("lists") << "v " + times(31, "av 1 ") + "i 5"
@@ -374,7 +374,7 @@ void TestBusValue::detachedValueIsTheSameOnTheBus()
 
     const QVariant detached = detachedValue(value);
 
-    // What it was made from stays as it was.
+    // The original is unchanged.
     QCOMPARE(render(value), rendered);
     for (int time = 0; time < 2; ++time)
         QCOMPARE(render(sendAgain(QVariant::fromValue(QDBusVariant(detached)))),

@@ -3,7 +3,7 @@
 #include <QObject>
 #include <QTest>
 
-/** The names of enumerators; the enumeration is a registered one of this class. */
+/** Names of enumerators; the enumeration is registered by this class. */
 class TestEnumNames : public QObject
 {
     Q_OBJECT

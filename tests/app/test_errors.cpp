@@ -21,7 +21,7 @@ private Q_SLOTS:
 private:
     using Provocation = std::function<QDBusMessage()>;
 
-    /** By interface, member, name and text of the error, with blanks between them. */
+    /** Keys: interface, member, name and text of the error, separated by blanks. */
     QMap<QString, Provocation> provocations();
     void addGeneral(QMap<QString, Provocation> &all);
     void addUsers(QMap<QString, Provocation> &all);
@@ -37,10 +37,10 @@ private:
                              const QList<QVariant> &arguments = {});
     static QDBusMessage property(const char *method, const QList<QVariant> &arguments);
 
-    /** The daemon's reply to a call on the device object after a fault. */
+    /** The reply of the device object to a call under a fault. */
     Provocation faulty(const char *operation, const char *interface, const char *method,
                        const QList<QVariant> &arguments = {});
-    /** The reply of the second call, which finds the script of the first one running. */
+    /** The reply to the second call, while the script of the first one runs. */
     Provocation whileScriptRuns(const Remote &interface, const char *method,
                                 const QList<QVariant> &arguments = {});
     Provocation withoutConnman(const Remote &interface);
@@ -123,7 +123,7 @@ TestErrors::Provocation TestErrors::withoutConnman(const Remote &interface)
 void TestErrors::addGeneral(QMap<QString, Provocation> &all)
 {
     all[ofAny("LimitsExceeded", "The map holds too many values")] = [this] {
-        // Each key and each value counts.
+        // Every key and every value counts.
         QVariantMap map;
         for (int entry = 0; entry < 65537; ++entry)
             map.insert(QString::number(entry), entry);

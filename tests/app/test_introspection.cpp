@@ -21,7 +21,7 @@
 #include <QDBusMetaType>
 #include <QDir>
 
-/** The interfaces of the running daemon against the documents that client developers get. */
+/** Compares the interfaces of the running daemon with the documents for client developers. */
 class TestIntrospection : public DaemonTest
 {
     Q_OBJECT
@@ -50,7 +50,7 @@ Introspection document(const QString &file)
     return readIntrospection(readFile(QStringLiteral(DOCUMENTS "/") + file));
 }
 
-/** All members that the documents give to the object at @p path, but for some interfaces. */
+/** All documented members of the object at @p path, except those of @p absent interfaces. */
 QStringList documentedMembers(const QString &path, const QStringList &absent)
 {
     QStringList members;
@@ -66,7 +66,7 @@ QStringList documentedMembers(const QString &path, const QStringList &absent)
     return members;
 }
 
-/** All members that the running daemon shows at @p path, but for those of every object. */
+/** All members that the running daemon shows at @p path, except those of every object. */
 QStringList shownMembers(const QString &path)
 {
     QStringList members;
@@ -97,7 +97,7 @@ QString signatureOf(int type)
     return QString::fromLatin1(QDBusMetaType::typeToSignature(type));
 }
 
-/** A public slot or a signal as readIntrospection() writes it. */
+/** Formats a public slot or a signal as readIntrospection() does. */
 QString memberOf(const QMetaMethod &method)
 {
     const bool isSignal = method.methodType() == QMetaMethod::Signal;
@@ -119,7 +119,9 @@ QString memberOf(const QMetaMethod &method)
            (arguments + results).join(", ") + ')';
 }
 
-/** What the bus reaches of the adaptor, as readIntrospection() writes it. */
+/**
+ * The members of the adaptor that are reachable over the bus, as readIntrospection() formats them.
+ */
 QStringList membersOf(const QMetaObject &adaptor)
 {
     QStringList members;
@@ -128,7 +130,7 @@ QStringList membersOf(const QMetaObject &adaptor)
         const QMetaMethod method = adaptor.method(i);
         const bool isSlot =
             method.methodType() == QMetaMethod::Slot && method.access() == QMetaMethod::Public;
-        // A method with an optional message exists without it, too.
+        // A slot with an optional message also exists without it.
         if ((isSlot || method.methodType() == QMetaMethod::Signal) &&
             !members.contains(memberOf(method)))
             members << memberOf(method);
@@ -144,7 +146,7 @@ QStringList membersOf(const QMetaObject &adaptor)
     return members;
 }
 
-/** The text of the interface's element. */
+/** The text of the interface's XML element. */
 QByteArray elementOf(const QByteArray &document, const QString &interface)
 {
     const int begin = document.indexOf("<interface name=\"" + interface.toLatin1() + '"');

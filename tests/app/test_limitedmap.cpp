@@ -11,7 +11,7 @@
 #include <QDBusMessage>
 #include <QTimer>
 
-/** Callers' maps are read up to a limit, whatever they are made of. */
+/** Limits of callers' maps. */
 class TestLimitedMap : public DaemonTest
 {
     Q_OBJECT
@@ -51,7 +51,7 @@ QString times(int count, const char *unit)
     return QString::fromLatin1(unit).repeated(count);
 }
 
-/** An a{sv} of @p count numbers, and one for each of @p keys. */
+/** An a{sv} with @p count numbers, and one number for each of @p keys. */
 QString manyEntries(int count, const QStringList &keys = {})
 {
     QString entries;
@@ -73,7 +73,7 @@ void TestLimitedMap::initTestCase()
                                                  SLOT(keep(QDBusMessage))));
 }
 
-/** The one value of a message, as Qt D-Bus reads it before anybody looks at it. */
+/** The single value of a message, as Qt D-Bus reads it first. */
 QDBusArgument TestLimitedMap::receive(const QString &values)
 {
     received.clear();
@@ -151,7 +151,7 @@ void TestLimitedMap::ofSeveralEntriesOfAKeyTheLastCounts()
 
 void TestLimitedMap::aMapIsReadUpToTheLimit()
 {
-    // A key and a value each.
+    // Each entry has a key and a value.
     const QDBusArgument whole = receive(manyEntries(65536));
     QVERIFY(isWithinLimits(whole));
     QCOMPARE(limitedMap(whole), (QVariantMap{{"k", 1}}));

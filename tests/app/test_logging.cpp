@@ -8,7 +8,7 @@
 #include <sys/stat.h>
 #include <unistd.h>
 
-/** A log that nobody reads costs lines, and nothing else. */
+/** Without a reader, log lines are lost and nothing else happens. */
 class TestLogging : public DaemonTest
 {
     Q_OBJECT
@@ -42,7 +42,7 @@ namespace
 const char pipePath[] = "/run/log";
 const QByteArray childLine = "signal SIGCHLD received\n";
 
-/** Fills a pipe to the last byte; how many it took. */
+/** Fills a pipe completely; returns the number of bytes. */
 int fill(int descriptor)
 {
     const int flags = fcntl(descriptor, F_GETFL);
@@ -120,7 +120,7 @@ void TestLogging::longTextIsWrittenAsFarAsItFits()
     QVERIFY(text.startsWith(written));
 }
 
-/** Starts the daemon with both its outputs in a pipe, whose reading end is ours. */
+/** Starts the daemon with stdout and stderr in a pipe that the test reads. */
 void TestLogging::startWithPipe()
 {
     QCOMPARE(mkfifo(pipePath, 0600), 0);
@@ -130,7 +130,7 @@ void TestLogging::startWithPipe()
     QVERIFY(daemon.start());
 }
 
-/** Has the daemon log a line, and print another one. */
+/** Makes the daemon log a line and print another one. */
 void TestLogging::causeLines()
 {
     Board::clearJournal();
@@ -215,7 +215,7 @@ void TestLogging::childrenHaveDefaultSignals()
 {
     QFETCH(QStringList, wrapper);
     const QString script = QStringLiteral("/usr/share/redpine/switch_coex_mode.sh");
-    // The shell's own status: what it starts itself has other signals.
+    // The shell's own status: its child processes have other signal masks.
     writeFile(script,
               "#!/bin/sh\n"
               "while read -r line; do case $line in Sig[BI]*) echo \"$line\"; esac; done "

@@ -10,7 +10,7 @@
 #include <sys/stat.h>
 #include <unistd.h>
 
-/** Opening files in directories to which others may write. */
+/** Opening files in directories that others can write to. */
 class TestRegularFile : public QObject
 {
     Q_OBJECT
@@ -49,7 +49,7 @@ void TestRegularFile::init()
     m_path = m_directory->filePath(QStringLiteral("file"));
 }
 
-/** Opens the file and writes @p text; false when it was not opened. */
+/** Opens the file and writes @p text; returns false if it was not opened. */
 bool TestRegularFile::append(const QByteArray &text, int flags)
 {
     const int descriptor = openRegularFile(qPrintable(m_path), flags, 0640);

@@ -7,8 +7,8 @@
 #include <cstdio>
 
 /**
- * The types of everything that the daemon replies with, inside variants and dictionaries, too.
- * Compared with one file wherever the daemon runs.
+ * The types of all replies of the daemon, including those inside variants and dictionaries.
+ * Compared with the same file on every machine.
  */
 class TestReplyTypes : public EthernetTest
 {
@@ -20,10 +20,10 @@ private Q_SLOTS:
 
 namespace
 {
-/** A rendered reply with the types of its values in their place; the keys of dictionaries stay. */
+/** Replaces the values in a rendered reply by their types; the keys of dictionaries stay. */
 QString types(const QString &rendered)
 {
-    // A key with its colon, then everything that render() makes of a value.
+    // A key with its colon, then a value as render() formats it.
     static const QRegularExpression token(
         QStringLiteral("(?<key>\"[^\"]*\":)|(?<bytes>ay):\"[^\"]*\"|(?<text>\"[^\"]*\")"
                        "|(?<number>[a-z]):[-+.0-9e]+|(?<truth>true|false)|(?<integer>-?[0-9]+)"));
@@ -44,12 +44,12 @@ QString types(const QString &rendered)
             result += 'i';
     }
     result += rendered.midRef(end);
-    // Of elements that are all alike, one.
+    // Reduce equal elements to one.
     static const QRegularExpression repeated(QStringLiteral("\\[([\\w<>]+)(, \\1)+\\]"));
     return result.replace(repeated, QStringLiteral("[\\1...]"));
 }
 
-/** What a method must be given to have something to reply. */
+/** Arguments for a method that make its reply non-empty. */
 QVariantList argumentsOf(const QString &member)
 {
     return member.startsWith(QLatin1String("method isMounted")) ? QVariantList{"SD"}

@@ -98,7 +98,7 @@ void TestSettings::thereIsOneInstance()
 void TestSettings::theFourUsersAreUsableAfterAStart()
 {
     QVERIFY(daemon.start());
-    // Written by the event loop's first round, without the daemon having to end.
+    // The event loop's first round writes them: the daemon does not have to end.
     QTRY_COMPARE(readFile("/opt/settings.ini"), fourUsers);
 }
 
@@ -161,7 +161,7 @@ void TestSettings::nothingIsStoredUntilTheNextStartWhereNoFileCanBe()
     QCOMPARE(QProcess::execute("rm", {"-r", file}), 0);
     const QStringList before = snapshot("/opt");
 
-    // Settings are written by the event loop's next round: before the next call is answered.
+    // The event loop's next round writes the settings, before the next call is answered.
     QCOMPARE(users.call("setUser", {"user2"}), QStringLiteral("()"));
     QCOMPARE(users.call("setUser", {"user3"}), QStringLiteral("()"));
     QCOMPARE(users.call("getUser"), QStringLiteral("(\"user3\")"));
@@ -183,8 +183,8 @@ void TestSettings::whatIsNoFileIsNeitherReadNorWrittenWhileTheDaemonRuns()
 {
     QFETCH(QStringList, command);
     const QString file = "/opt/settings.ini";
-    // Were the device read, it should not take the whole machine's memory. A daemon that checks its
-    // addresses has as much from the start.
+    // If the daemon read the device, it must not take all of the machine's memory. A daemon under
+    // AddressSanitizer reserves as much from the start.
     if (!qEnvironmentVariableIsSet("ASAN_OPTIONS"))
         daemon.setWrapper({"prlimit", "--data=1000000000"});
     QVERIFY(daemon.start());
@@ -198,7 +198,7 @@ void TestSettings::whatIsNoFileIsNeitherReadNorWrittenWhileTheDaemonRuns()
     const QFileInfo info(file);
     QVERIFY(!info.isFile() && (info.exists() || info.isSymLink()));
 
-    // A flag that cannot be stored stays what it was.
+    // A failed write leaves the old flag in effect.
     const QString link = "/tmp/User_part/system";
     QVERIFY(QFile::remove(link) && QDir().mkpath(link + "/directory"));
     QVERIFY(users.call("setUser", {"user3"}).contains("Not able to overwrite"));
@@ -218,7 +218,7 @@ void TestSettings::aLockThatAPowerCutHasLeftIsNotWaitedFor()
     QFETCH(QString, content);
     const QString file = "/opt/settings.ini";
     const QString lock = file + ".lock";
-    // The shell's PID is the daemon's; a lock of the future is an old one only later.
+    // The shell's PID is the daemon's. A lock file from the future becomes stale only later.
     writeFile("/run/lock-content", content.toUtf8());
     daemon.setWrapper({"sh", "-c",
                        "sed \"s/%1/$$/\" /run/lock-content >$0 && touch -d '25 seconds' $0 && "

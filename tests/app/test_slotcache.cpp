@@ -5,7 +5,7 @@
 #include <QDBusPendingCall>
 #include <QDBusPendingReply>
 
-/** What clients call that is not there leaves nothing behind. */
+/** Calls of unknown methods leave nothing behind. */
 class TestSlotCache : public DaemonTest
 {
     Q_OBJECT
@@ -19,7 +19,7 @@ private:
     void callUnknownMethods(const QString &path, int first, int count);
 };
 
-/** Calls so many methods of different names, many at a time, and waits for all the replies. */
+/** Calls this number of methods with different names, many at a time, and waits for all replies. */
 void TestSlotCache::callUnknownMethods(const QString &path, int first, int count)
 {
     for (int done = 0; done < count;) {
@@ -51,7 +51,7 @@ void TestSlotCache::callsOfUnknownMethodsDoNotMakeTheDaemonBigger()
     const int before = daemon.privateMemory();
     callUnknownMethods(path, 500, 2500);
     QVERIFY(before > 0);
-    // Remembered they would be 700 bytes each, for each adaptor of the object.
+    // Cached, each method would take 700 bytes for each adaptor of the object.
     const int grown = daemon.privateMemory() - before;
     QVERIFY2(grown < 600, qPrintable(QString::number(grown)));
 }

@@ -16,7 +16,7 @@
 #include <sys/syscall.h>
 #include <unistd.h>
 
-/** Start-up, command line, object tree and ways out of the daemon. */
+/** Start-up, command line, object tree and exit paths of the daemon. */
 class TestStartup : public DaemonTest
 {
     Q_OBJECT
@@ -75,7 +75,7 @@ void TestStartup::theRootsThemselvesShowNothing()
         const QString document = root.call("Introspect");
         QVERIFY(document.contains("org.freedesktop.DBus.Properties"));
         QVERIFY2(!document.contains("local."), qPrintable(document));
-        // What the export of a root's own members would add.
+        // Exporting a root's own members would add these.
         QCOMPARE(
             Remote("com.orvendis.Strandel.BoardManager", path, "org.freedesktop.DBus.Properties")
                 .call("Get", {"local.QObject", "objectName"})
@@ -163,7 +163,7 @@ void TestStartup::aSecondInstanceEndsWithStatusOneAfterItsOwnStart()
     second.launch();
 
     QCOMPARE(second.waitForExit(), 1);
-    // When the name is merely taken, the connection's last error has no text.
+    // If the name is taken, the connection's last error has no text.
     QCOMPARE(second.log(), QStringLiteral("Init of KyUsers failed: failed to get the current user\n"
                                           "\"\"\n"));
     QCOMPARE(QFile::symLinkTarget("/tmp/User_part/system"), profile("user1"));
@@ -192,7 +192,7 @@ void TestStartup::withoutABusTheStatusIsOne()
 
 void TestStartup::withoutPermissionToOwnTheNameTheStatusIsOne()
 {
-    // A stranger may not even look into the directories that the build lies in.
+    // The user "stranger" cannot enter the parent directories of the build.
     const QString readable = QStringLiteral("/run/readable");
     QVERIFY(QDir().mkpath(readable));
     QVERIFY(QFile::copy(QStandardPaths::findExecutable("KyBoardManager"),
@@ -222,7 +222,7 @@ void TestStartup::theEndOfAChildIsPrinted()
 
 void TestStartup::theEndOfARealChildIsPrintedAndTheChildNotReaped()
 {
-    // The shell leaves the daemon a child that it has not started itself.
+    // The daemon inherits a child of the shell, which it has not started.
     daemon.setWrapper({"sh", "-c", "(read -r _ < /tmp/User_part/go) & exec \"$@\"", "sh"});
     QCOMPARE(mkfifo("/tmp/User_part/go", 0600), 0);
     QVERIFY(daemon.start());
@@ -279,7 +279,7 @@ void TestStartup::theDaemonRunsUntilItIsKilled()
 {
     QFETCH(int, signal);
     QFETCH(bool, isToAnotherThread);
-    // The shell tells by which signal it ended.
+    // The shell reports the signal that ended it.
     daemon.setWrapper({"sh", "-c", "\"$@\"; exit $?", "sh"});
     QVERIFY(daemon.start());
     const uint process =

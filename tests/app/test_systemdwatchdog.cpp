@@ -15,7 +15,7 @@
 #include <sys/un.h>
 #include <unistd.h>
 
-/** The pings for systemd's watchdog, and that they stay out when the bus does. */
+/** Pings of systemd's watchdog, and their absence without a bus. */
 class TestSystemdWatchdog : public DaemonTest
 {
     Q_OBJECT
@@ -67,7 +67,7 @@ void TestSystemdWatchdog::cleanup()
     unlink("/run/notify");
 }
 
-/** Listens as systemd does, and tells the daemon so. */
+/** Listens like systemd, and sets the daemon's environment accordingly. */
 void TestSystemdWatchdog::supervise(const QString &socketName)
 {
     const QByteArray name = socketName.toLocal8Bit();
@@ -84,7 +84,7 @@ void TestSystemdWatchdog::supervise(const QString &socketName)
     daemon.setEnvironment("WATCHDOG_USEC", interval);
 }
 
-/** Waits for the next ping, for at most that many milliseconds. */
+/** Waits for the next ping for at most @p deadline milliseconds. */
 bool TestSystemdWatchdog::isPinged(int deadline)
 {
     pollfd ready = {m_socket, POLLIN, 0};
@@ -95,13 +95,13 @@ bool TestSystemdWatchdog::isPinged(int deadline)
     return QByteArray(text, int(qMax<ssize_t>(size, 0))) == "WATCHDOG=1";
 }
 
-/** Whether the pings end, for several times the interval. */
+/** Returns true if no ping arrives for several intervals. */
 bool TestSystemdWatchdog::isSilent()
 {
     return QTest::qWaitFor([this] { return !isPinged(500); }, 20000) && !isPinged(500);
 }
 
-/** Sends what systemd does not read, until nothing more fits. */
+/** Fills the socket's buffer with messages that systemd does not read. */
 void TestSystemdWatchdog::fillSocket()
 {
     sockaddr_un address = {};
@@ -115,7 +115,7 @@ void TestSystemdWatchdog::fillSocket()
     close(client);
 }
 
-/** A bus for the daemon alone, so that the test can go on when it does not. */
+/** Starts a bus for the daemon only, so that the test can continue when that bus stops. */
 void TestSystemdWatchdog::startSecondBus()
 {
     const QString place = QStringLiteral("unix:path=/run/dbus/second");

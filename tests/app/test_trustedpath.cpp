@@ -10,7 +10,7 @@
 #include <sys/stat.h>
 #include <unistd.h>
 
-/** Opening paths of which others may own some directories. */
+/** Opening paths through directories that other accounts may own. */
 class TestTrustedPath : public QObject
 {
     Q_OBJECT
@@ -71,7 +71,7 @@ void TestTrustedPath::link(const char *target, const char *path, uid_t owner)
         qFatal("cannot make the link %s", path);
 }
 
-/** What @p descriptor leads to; empty where it is none. */
+/** The path of @p descriptor; empty if there is none. */
 QString TestTrustedPath::nameOf(const Descriptor &descriptor)
 {
     return QFile::symLinkTarget(QStringLiteral("/proc/self/fd/%1").arg(descriptor.get()));

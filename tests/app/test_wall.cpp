@@ -13,9 +13,8 @@
 #include <algorithm>
 
 /**
- * The wall around the decisions: what a source of the library boardlogic, and one of busvalues,
- * cannot include, and what it cannot call. Each source is compiled as it is, and with one line
- * more.
+ * The wall around the decisions: what a source of boardlogic or busvalues cannot include and cannot
+ * call. Each source is compiled unchanged, and with one additional line.
  */
 class TestWall : public QObject
 {
@@ -81,8 +80,8 @@ TestWall::Outcome TestWall::run(const QString &directory, QStringList command,
 }
 
 /**
- * Compiles @p source, with @p firstLine before it, as its library does but for the precompiled
- * header, and from its own directory, so that every header there can be reached.
+ * Compiles @p source, with @p firstLine before it, as its library does, but without the precompiled
+ * header. Compiles in the source's directory, so that all headers there are reachable.
  */
 TestWall::Outcome TestWall::compile(const QString &source, const QByteArray &firstLine) const
 {
@@ -96,7 +95,7 @@ TestWall::Outcome TestWall::compile(const QString &source, const QByteArray &fir
         const int precompiled = command.indexOf("-include");
         if (precompiled >= 0)
             command.erase(command.begin() + precompiled, command.begin() + precompiled + 2);
-        // What follows names the object and the source.
+        // The rest names the object and the source.
         command.erase(command.begin() + command.indexOf("-o"), command.end());
         command << "-fsyntax-only"
                 << "-Wfatal-errors"
@@ -108,7 +107,7 @@ TestWall::Outcome TestWall::compile(const QString &source, const QByteArray &fir
     return {};
 }
 
-/** A source of @p library in @p directory; empty where there is none. */
+/** Returns a source of @p library in @p directory; empty if there is none. */
 QString TestWall::sourceIn(const QString &library, const QString &directory) const
 {
     for (const QJsonValue &entry : m_commands) {
@@ -189,8 +188,10 @@ void TestWall::anIncludeAcrossTheWallDoesNotCompile()
              qPrintable(outcome.errors));
 }
 
-/** Headers are found by the include path alone, which is the library's; what is made while building
- * has a directory of its own. */
+/**
+ * Headers are found only by the library's include path; generated files have a directory of their
+ * own.
+ */
 void TestWall::noIncludeNamesADirectory()
 {
     static const QRegularExpression named("#include \"(?!introspection/)[^\"]*/");
@@ -233,7 +234,7 @@ void TestWall::aCallAcrossTheWallDoesNotLink_data()
         << "sendErrorReply";
 }
 
-/** The program takes the whole of its library, and nothing else of ours. */
+/** The program links the whole of its library, and none of our others. */
 void TestWall::aCallAcrossTheWallDoesNotLink()
 {
     QFETCH(QString, program);
@@ -264,7 +265,7 @@ void TestWall::everySourceIsCompiledByItsOwnPart()
         const QString source = QDir(SOURCES).relativeFilePath(entry["file"].toString());
         const QString object =
             QRegularExpression(" -o (\\S+) ").match(entry["command"].toString()).captured(1);
-        // What is made while building is where it is compiled.
+        // Generated sources are in the build directory.
         if (!QDir(BUILD).relativeFilePath(entry["file"].toString()).startsWith(".."))
             continue;
         if (source.section('/', 0, 0) != object.section('/', 0, 0))

@@ -68,7 +68,7 @@ void TestAlimentation::setBattery(int charger, int type, int flag, const QString
     Board::set("battery/charge", charge);
 }
 
-/** The property's text; the whole reply where it is no text. */
+/** The property's text; the whole reply if it is no text. */
 QString TestAlimentation::status() const
 {
     const QString value = alimentation.property("batteryStatus");
@@ -107,7 +107,7 @@ void TestAlimentation::theChargerIsReadAndToldAtTheStart()
     QVERIFY(daemon.start());
 
     QCOMPARE(Board::journal().mid(0, 3), (QStringList{initialise, reading, telling}));
-    // What the LEDs need to know is measured once more, without telling the monitor again.
+    // The measurement for the LEDs does not report the charger to the monitor again.
     QCOMPARE(Board::journal().filter("getSoCRegister(1536)"), (QStringList{reading, reading}));
     QCOMPARE(Board::journal().filter("KyBatmonitor."),
              (QStringList{telling, "KyBatmonitor.getCmeterType() = 1",
@@ -400,7 +400,7 @@ void TestAlimentation::aNewStatusIsAnnouncedBeforeItIsReturned()
 
 void TestAlimentation::theCheckRunsElevenTimesEveryTenSecondsAndThenEveryFiveMinutes()
 {
-    // Clients may find this key in the file, but it is not read.
+    // Clients may find this key in the file, but the daemon does not read it.
     writeFile("/opt/settings.ini", "[Alimentation]\nintervalBattery=1\n");
     setBattery(0, 1, 0, "50");
     daemon.controlClock();
@@ -409,7 +409,7 @@ void TestAlimentation::theCheckRunsElevenTimesEveryTenSecondsAndThenEveryFiveMin
     const QStringList check = {announced("CHARGER_OFF_BAT_INF_60")};
 
     for (int number = 1; number <= 11; ++number) {
-        // In two steps, so that a check that is due too early has a time of its own.
+        // In two steps, to detect a check that is due too early.
         daemon.letTimePass(6);
         const QStringList early = recorder.take();
         daemon.letTimePass(4);
@@ -422,7 +422,7 @@ void TestAlimentation::theCheckRunsElevenTimesEveryTenSecondsAndThenEveryFiveMin
         QCOMPARE(recorder.waitFor(1), check);
     }
 
-    // The monitor is told at the start and at each check.
+    // The monitor gets the charger's state at the start and at each check.
     const QList<double> times = Board::times("KyBatmonitor.update(false)");
     QCOMPARE(times.size(), 14);
     for (int number = 1; number <= 11; ++number)
@@ -441,7 +441,7 @@ void TestAlimentation::theCheckIsDueToTheMillisecond()
 
     for (int number = 1; number <= 13; ++number) {
         daemon.letMillisecondsPass((number <= 11 ? 10000 : 300000) - 1);
-        // Twice: timers that are due are served after the calls that came before.
+        // Twice: expired timers are handled after earlier calls.
         QCOMPARE(recorder.take() + recorder.take(), QStringList());
         daemon.letMillisecondsPass(1);
         QCOMPARE(recorder.waitFor(1), QStringList{announced("CHARGER_OFF_BAT_INF_60")});
@@ -458,7 +458,7 @@ void TestAlimentation::eachCheckAnnouncesTheStatusOnce()
     daemon.letTimePass(10);
     QCOMPARE(recorder.waitFor(1), QStringList(announced("CHARGER_OFF_BAT_INF_60")));
 
-    // The check itself tells the monitor, so a charger that came is no news when it measures.
+    // The check itself reports to the monitor, so the measurement sees no change of the charger.
     Board::set("charger/present", "1");
     Board::clearJournal();
     daemon.letTimePass(10);

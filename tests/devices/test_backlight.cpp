@@ -113,7 +113,9 @@ QString reached(const QString &lux, int level)
     return QStringLiteral("Brightness.reachedBrightnessThreshold(d:%1, %2)").arg(lux).arg(level);
 }
 
-/** Leaves out the signals of other devices, and sorts them as they may cross. */
+/**
+ * Filters the signals of backlight and light sensor, and sorts them: their order is not defined.
+ */
 QStringList onlyLight(const QStringList &recorded)
 {
     return recorded.filter(QStringLiteral("Backlight.")) +
@@ -181,7 +183,7 @@ void TestBacklight::setBacklightSetsThePercentage()
 void TestBacklight::setBacklightRefusesWhatIsNoPercentage_data()
 {
     QTest::addColumn<int>("percentage");
-    // The last ones would be percentages if they were cut to a byte.
+    // Truncated to a byte, the last ones would be percentages.
     for (const int percentage : {101, -1, 255, INT_MAX, INT_MIN, 256, 356, -246})
         QTest::newRow(qPrintable(QString::number(percentage))) << percentage;
 }
@@ -618,7 +620,7 @@ void TestBacklight::lightThatCannotBeReadAgainChangesNothing()
     QCOMPARE(set(true, 0), done);
     SignalRecorder recorder("/KyDeviceMgr");
     Board::clearJournal();
-    // The sensor's own reading, which then counts as level 1, and the backlight's.
+    // Covers the sensor's own read, which then counts as level 1, and the backlight's.
     Board::fault("KyAls.readLux", "2");
 
     Board::set("als/interrupt", "1");
@@ -631,8 +633,8 @@ void TestBacklight::lightThatCannotBeReadAgainChangesNothing()
 
 void TestBacklight::automaticModeFollowsTheLightUpAndDown()
 {
-    // Light that stays within the band around the level before, light that leaves it, the level of
-    // that, and the percentage and step that the backlight follows to, if it does.
+    // Light inside the old level's band, light outside it, its level, and the percentage and step
+    // that the backlight changes to, if any.
     const struct {
         const char *quiet;
         const char *lux;
@@ -649,7 +651,7 @@ void TestBacklight::automaticModeFollowsTheLightUpAndDown()
         {"105", "60", 5, 35, 4},      {"52", "30", 4, 30, 3},      {"26", "12", 2, 20, 1},
         {"11", "4", 1, 15, 0},
     };
-    // Light above every band interrupts again, but not while this test runs.
+    // Light above every band interrupts again, but not during this test.
     writeFile("/opt/settings.ini", "[Brightness]\ntimer=25\n");
     setLux("0");
     QVERIFY(daemon.start());
@@ -668,7 +670,7 @@ void TestBacklight::automaticModeFollowsTheLightUpAndDown()
     }
     QCOMPARE(percentage(), QStringLiteral("15"));
 
-    // Step 0 is never told from the percentage, so each interrupt applies it again.
+    // Step 0 is never derived from the percentage, so each interrupt applies it again.
     Board::set("als/interrupt", "1");
     QCOMPARE(onlyLight(recorder.waitFor(2)), (QStringList{changed(15, 0), reached("4", 1)}));
 }

@@ -4,7 +4,7 @@
 
 #include <climits>
 
-/** The battery status that a measurement stands for. */
+/** The battery status for a measurement. */
 class TestBatteryStatus : public QObject
 {
     Q_OBJECT

@@ -31,7 +31,7 @@ bool isUrgent(int descriptor, int milliseconds)
     return poll(&waited, 1, milliseconds) > 0 && (waited.revents & POLLPRI);
 }
 
-/** Takes the interrupt off the descriptor, as every reader does. */
+/** Reads the interrupt from the descriptor, as every reader does. */
 void drain(int descriptor)
 {
     char bytes[8];
@@ -39,7 +39,7 @@ void drain(int descriptor)
     static_cast<void>(count);
 }
 
-/** The part of another process: it leaves with its sensor still at work. */
+/** Runs in another process: exits while its sensor is active. */
 int leaveWithASensor()
 {
     KyAls &sensor = *new KyAls;
@@ -48,7 +48,7 @@ int leaveWithASensor()
     std::exit(3);
 }
 
-/** Whether one of our descriptors has changes of files that nobody has read yet. */
+/** Returns true if one of our inotify descriptors has unread events. */
 bool areChangesUnread()
 {
     const QDir descriptors(QStringLiteral("/proc/self/fd"));
@@ -69,10 +69,10 @@ bool doOtherThreadsSleep()
                        [](int thread) { return thread == getpid() || stateOf(thread) == "S"; });
 }
 
-/** Whether the sensor has noticed all changes of the board by now, and raises no interrupt. */
+/** Returns true if the sensor has noticed all changes of the board and raises no interrupt. */
 bool staysQuiet(int descriptor)
 {
-    // The sensor's thread sleeps only between its looks.
+    // The sensor's thread sleeps only between its evaluations.
     return QTest::qWaitFor([] { return !areChangesUnread() && doOtherThreadsSleep(); }, deadline) &&
            !isUrgent(descriptor, 0);
 }
@@ -132,7 +132,7 @@ private:
     int m_line = -1;
 };
 
-/** A sensor in use at 120 lux, with a band of 100 to 175 lux and a persistence time of 25.5 s. */
+/** Sets up a sensor at 120 lux, with a band of 100 to 175 lux and a persistence time of 25.5 s. */
 void TestBoardSensor::init()
 {
     Board::reset();
@@ -159,7 +159,7 @@ float TestBoardSensor::lux() const
     return m_sensor->readLux(&value) == 0 ? value : -1;
 }
 
-/** Whether there was an interrupt to acknowledge. */
+/** Returns true if there was an interrupt to acknowledge. */
 bool TestBoardSensor::acknowledge() const
 {
     bool raised = false;
@@ -323,7 +323,7 @@ void TestBoardSensor::aReaderInBetweenTakesNoInterruptAway()
     for (int round = 0; round < 100; ++round) {
         const float light = 500.0F + static_cast<float>(round);
         Board::set("als/lux", QString::number(double(light)));
-        // Sometimes before and sometimes after the sensor has noticed.
+        // Races with the sensor: sometimes before it notices, sometimes after.
         QCOMPARE(lux(), light);
         QVERIFY(isUrgent(m_line, deadline));
         drain(m_line);
@@ -355,7 +355,7 @@ void TestBoardSensor::lightThatIsBackInsideDoesNotInterruptAgain()
     QCOMPARE(lux(), 120.0F);
     QVERIFY(acknowledge());
 
-    // Twice the persistence time, which is the sensor's own.
+    // Twice the sensor's own persistence time.
     QVERIFY(!isUrgent(m_line, 200));
 }
 
@@ -545,7 +545,7 @@ void TestBoardSensor::theWatcherTakesNoSignals()
     const QList<int> before = threadsOf(getpid());
     KyAls sensor;
     QCOMPARE(sensor.interruptEnable(true), 0);
-    // A new thread gets its mask only when it runs, which it has when the interrupt is here.
+    // The signal mask takes effect once the thread runs, which the interrupt proves.
     Board::set("als/interrupt", "1");
     QVERIFY(isUrgent(sensor.getinterruptHandler(), deadline));
 

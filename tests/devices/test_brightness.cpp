@@ -70,7 +70,7 @@ void setLux(const QString &lux)
     Board::set(QStringLiteral("als/lux"), lux);
 }
 
-/** The light's code lies within the thresholds that the sensor has. */
+/** Returns true if the light's code is within the sensor's thresholds. */
 bool isWithinBand(const QString &lux)
 {
     const int code = board::thresholdCode(lux.toFloat());
@@ -89,7 +89,7 @@ QString announced(const QString &arguments)
     return QStringLiteral("Brightness.reachedBrightnessThreshold(") + arguments + QLatin1Char(')');
 }
 
-/** Takes the signals of the ambient light alone. */
+/** Filters the signals of the ambient light. */
 QStringList onlyBrightness(const QStringList &recorded)
 {
     return recorded.filter(QStringLiteral("Brightness."));
@@ -486,7 +486,7 @@ void TestBrightness::aBandOutOfOrderIsOnlyLogged()
     SignalRecorder recorder("/KyDeviceMgr");
     Board::clearJournal();
 
-    // Level 4, whose band would reach from 25 to 20 lux.
+    // Level 4, with an inverted band from 25 to 20 lux.
     setLux("30");
 
     QVERIFY(daemon.waitForLog(handler + "Setting the new theresholds for ALS failed\n"));

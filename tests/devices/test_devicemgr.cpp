@@ -76,14 +76,14 @@ QStringList interfaces()
     return names.filter(QRegularExpression(QStringLiteral("^[A-Z]\\w+$")));
 }
 
-/** The calls of the journal that change something, without the readings. */
+/** The journal's calls that change something, without reads. */
 QStringList changes()
 {
     return Board::journal().filter(
         QRegularExpression(QStringLiteral("KyLeds\\.set|prepareForShutdown")));
 }
 
-/** What each LED shows. */
+/** The state of each LED. */
 QStringList leds()
 {
     QStringList shown;
@@ -126,7 +126,7 @@ void TestDeviceMgr::anyOtherModelOffersNeither_data()
         QTest::newRow(qPrintable(QString::number(model, 16))) << model;
 }
 
-/** The model of the daemon that runs has no screen, and nothing is missing but the screen. */
+/** The daemon's model has no screen, and everything else works. */
 #define VERIFY_NO_SCREEN()                                                                         \
     do {                                                                                           \
         QCOMPARE(interfaces(), (QStringList{"Alimentation", "LED", "MGR", "Network", "Storage",    \
@@ -147,7 +147,7 @@ void TestDeviceMgr::anyOtherModelOffersNeither()
     VERIFY_NO_SCREEN();
 }
 
-/** Has the daemon write the record of a model, and starts it anew. */
+/** Makes the daemon write the record of a model, and restarts it. */
 void TestDeviceMgr::startWithModelText(const QString &model)
 {
     QVERIFY(daemon.start());
@@ -164,7 +164,7 @@ void TestDeviceMgr::startWithModelText(const QString &model)
 void TestDeviceMgr::aModelTextThatIsNoNumberHasNoScreen_data()
 {
     QTest::addColumn<QString>("model");
-    // The record holds each of them as model 0.
+    // The record stores each of them as model 0.
     QTest::newRow("empty") << "";
     QTest::newRow("not hexadecimal") << "Strandel";
     QTest::newRow("a number and more") << "8345 plus";
@@ -301,7 +301,7 @@ void TestDeviceMgr::theSdCardLedShowsThePresentStateAtOnce()
     QFETCH(QString, before);
     QFETCH(QString, after);
     Board::set("storage/SD/mounted", mounted);
-    // Only what is mounted counts.
+    // Only the mounted state counts.
     Board::set("storage/SD/inserted", mounted == "1" ? "0" : "1");
     Board::set("leds/SD_STATUS", before);
     QVERIFY(daemon.start());
@@ -431,7 +431,7 @@ void TestDeviceMgr::afterItTheOtherDevicesGoOn()
     QCOMPARE(prepare(), QStringLiteral("()"));
     Board::clearJournal();
 
-    // The connection of the storage to its LED is left in place.
+    // The connection of the storage to its LED still works.
     QCOMPARE(Remote(path, "Storage").call("umount", {"SD"}), QStringLiteral("()"));
     QCOMPARE(changes(), QStringList{"KyLeds.setLedState(26, 0) = 0"});
     QCOMPARE(backlight.call("setBacklight", {70}), QStringLiteral("()"));

@@ -64,7 +64,7 @@ QString nameOf(int number)
 }
 } // namespace
 
-/** Every LED set since the journal was cleared, in order: "BAT_RS1=OFF". */
+/** All LED settings since the journal was cleared, in order: "BAT_RS1=OFF". */
 QStringList TestLed::ledSettings()
 {
     static const QRegularExpression call("^KyLeds\\.setLedState\\((\\d+), ([0-4])\\) = ");

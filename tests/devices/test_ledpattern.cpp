@@ -3,7 +3,7 @@
 
 #include <QTest>
 
-/** What the LEDs show for each battery status, and the order in which they are set. */
+/** The LEDs for each battery status, and the order in which they are set. */
 class TestLedPattern : public QObject
 {
     Q_OBJECT
@@ -21,7 +21,7 @@ namespace
 {
 const int statuses = registeredEnum(Battery::staticMetaObject, "Status").keyCount();
 
-/** The settings in order, as in "RS1=0 GS1=3". */
+/** Formats the settings in order, for example "RS1=0 GS1=3". */
 QString render(const QVector<LedSetting> &settings)
 {
     const QMap<int, QString> names = {{0, "RS1"}, {2, "GS1"},  {4, "GS2"}, {6, "GS3"},

@@ -73,7 +73,7 @@ private:
 
 namespace
 {
-/** An event as the kernel sends it: the header, then what it says about the device. */
+/** An event as the kernel sends it: the header, then the device's properties. */
 QByteArray kernelEvent(const QByteArray &action, const QByteArray &path)
 {
     const QByteArray name = path.mid(path.lastIndexOf('/') + 1);
@@ -99,17 +99,17 @@ bool run(const QString &program, const QStringList &arguments)
 }
 } // namespace
 
-/** Starts the daemon and waits until its listener hears events. */
+/** Starts the daemon and waits until its listener receives events. */
 bool TestStorage::startListening()
 {
     return daemon.start() && KernelEvents::waitForListeners(1);
 }
 
-/** All that the kernel delivered is announced, and so is what comes after it. */
+/** Verifies that every event that the kernel delivered is announced, and a later one, too. */
 void TestStorage::verifyBurstIsAnnounced(SignalRecorder &recorder)
 {
     const int undelivered = KernelEvents::undelivered();
-    // Without this privilege the listener only has as much room as any program.
+    // Without CAP_NET_ADMIN the listener has the ordinary buffer size.
     if (KernelEvents::isRoomUnlimited())
         QCOMPARE(undelivered, 0);
     const int delivered = burstSize - undelivered;
@@ -324,7 +324,7 @@ void TestStorage::aCardThatIsInAtTheStartIsNotAnnounced()
     QVERIFY(startListening());
 
     QCOMPARE(recorder.take().filter("Storage."), QStringList());
-    // It is asked about, first of all; what the LED shows is whether it is mounted.
+    // The daemon also asks whether it is inserted, but the LED shows whether it is mounted.
     QCOMPARE(
         Board::journal().filter("KyFaccess."),
         (QStringList{"KyFaccess.isDeviceInserted(0) = true", "KyFaccess.isMounted(0) = false"}));
@@ -381,7 +381,7 @@ void TestStorage::theListenerLeavesAllSignalsToTheOtherThreads()
         if (statusOf(thread, "Name") == "KySdcardThread")
             blocked << statusOf(thread, "SigBlk");
     }
-    // All but those that nobody can block (9 and 19) and those of the C library (32 and 33).
+    // All except those that cannot be blocked (9 and 19) and those of the C library (32 and 33).
     QCOMPARE(blocked, QList<QByteArray>{"fffffffe7ffbfeff"});
 }
 
@@ -436,7 +436,7 @@ void TestStorage::otherEventsAreIgnored()
         QByteArray(4096, '\xff'),
         QByteArray("add@"),
     });
-    // Events come in order, so all of them have been looked at when this one is announced.
+    // Events arrive in order: when this one is announced, all have been handled.
     send({kernelEvent("remove", keyPartition)});
 
     QCOMPARE(recorder.waitFor(1), QStringList(keyOut));
@@ -475,7 +475,7 @@ void TestStorage::aDeviceIsAnnouncedWhenItIsPluggedInAndOut()
 
     QVERIFY(Board::storage("insert", device));
     QCOMPARE(recorder.waitFor(in.size()), in);
-    // Only the card has a LED.
+    // Only the card has an LED.
     QCOMPARE(Board::get("leds/SD_STATUS"), QString(device == "SD" ? "ON" : "OFF"));
     QVERIFY(Board::storage("remove", device));
     QCOMPARE(recorder.waitFor(out.size()), out);
@@ -525,7 +525,7 @@ void TestStorage::aListenerThatDoesNotGetToRunLosesNothing()
     SignalRecorder recorder("/KyDeviceMgr");
 
     QVERIFY(stopProcess(daemon.processId()));
-    // The kernel's own events are at most that large.
+    // The size of the kernel's largest events.
     QVERIFY(Board::sendKernelEvent(kernelEvent("add", keyPartition) + QByteArray(2048, 'x'),
                                    burstSize));
     QVERIFY(resumeProcess(daemon.processId()));
@@ -539,7 +539,7 @@ void TestStorage::theListenerTakesNoMoreRoomThanItNeeds()
     QProcess sockets;
     sockets.start("ss", {"--no-header", "--family=netlink", "--memory"});
     QVERIFY(sockets.waitForFinished());
-    // The kernel may keep 64 MB of events for it, and for nobody else as much.
+    // The listener has a receive buffer of 64 MB, and no other socket has.
     const QByteArray printed = sockets.readAllStandardOutput();
     QVERIFY2(printed.contains("skmem:"), printed.constData());
     QCOMPARE(printed.contains("rb67108864,"), KernelEvents::isRoomUnlimited());
@@ -611,7 +611,7 @@ void TestStorage::theStorageWaitsForItsListener()
     QObject root;
     auto adaptor = new KyStorage(&root);
     QVERIFY(KernelEvents::waitForListeners(1));
-    // Until the destructor has its event, this one keeps sending one after the other.
+    // Sends one event after the other until the destructor returns.
     std::atomic<bool> isDestroyed(false);
     QThread *sender = QThread::create([&isDestroyed] {
         while (!isDestroyed)
@@ -622,7 +622,7 @@ void TestStorage::theStorageWaitsForItsListener()
     delete adaptor;
     isDestroyed = true;
 
-    // Until it is a program of its own, what the sender starts holds the listener's socket, too.
+    // Before exec(), the sender's child shares the listener's socket.
     QVERIFY(sender->wait(10000));
     delete sender;
     QCOMPARE(KernelEvents::listeners(), 0);

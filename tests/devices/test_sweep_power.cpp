@@ -4,9 +4,8 @@
 #include <QDBusVariant>
 
 /**
- * What no client should send: calls of a wrong signature and endless names, to the interfaces of
- * the power supply, the screen, the light, the LEDs, the storage and the temperatures, and to that
- * of the shutdown.
+ * Invalid calls: wrong signatures and endless names, to the interfaces of the power supply, the
+ * screen, the light, the LEDs, the storage, the temperatures and the shutdown.
  */
 class TestSweepPower : public DaemonTest
 {
@@ -27,7 +26,7 @@ QVariant inVariant(const QVariant &value)
     return QVariant::fromValue(QDBusVariant(value));
 }
 
-/** Argument lists of every length that a method may have, none of which is any method's own. */
+/** Argument lists of every length that methods have; none fits any method. */
 const QList<Arguments> wrongArguments = {
     {0u},
     {inVariant("SD")},

@@ -47,13 +47,13 @@ private:
         "InvalidArguments", QStringLiteral("Intervall is too short, should be > 1s (1000)"));
 };
 
-/** When the daemon first called the hardware, which is before it set the timer. */
+/** The time of the daemon's first call to the hardware, just before it set the timer. */
 double TestTemperature::startTime()
 {
     return Board::times(QString()).value(0);
 }
 
-/** When the first sensor was read. */
+/** The times at which the first sensor was read. */
 QList<double> TestTemperature::readingTimes()
 {
     return Board::times("KyTemperature.getTemperature(0)");
@@ -164,7 +164,7 @@ void TestTemperature::theCheckAnnouncesEveryTime()
         QCOMPARE(temperature.call("periodicTemperatureCheck"), QStringLiteral("()"));
     QCOMPARE(recorder.take(), (QStringList{reached, reached, reached}));
 
-    // Nothing holds a temperature that has just come down either.
+    // There is no hysteresis below the threshold either.
     Board::set("temperature/SOM", "79");
     temperature.call("periodicTemperatureCheck");
     QCOMPARE(recorder.take(), QStringList());
@@ -277,7 +277,7 @@ void TestTemperature::aSensorThatFailsIsLeftOutAndLogged()
     QFETCH(QString, otherLine);
     QVERIFY(daemon.start());
     SignalRecorder recorder("/KyDeviceMgr");
-    // Below what a reading that was never made could leave behind.
+    // Lower than any value that an omitted read could leave.
     temperature.call("setTemperatureThreshold", {device, INT_MIN});
     Board::set("temperature/" + device, "warm");
 
@@ -364,7 +364,7 @@ void TestTemperature::theIntervalIsKeptToTheMillisecond()
         for (int check = 1; check <= 2; ++check) {
             Board::clearJournal();
             daemon.letMillisecondsPass(interval - 1);
-            // Twice: timers that are due are served after the calls that came before.
+            // Twice: expired timers are handled after earlier calls.
             recorder.take();
             recorder.take();
             QCOMPARE(readingTimes().size(), 0);
@@ -385,7 +385,7 @@ void TestTemperature::aNewIntervalCountsFromTheMomentItIsSet()
 
     temperature.call("getTemperatures");
     QCOMPARE(temperature.call("setInterval", {100000}), QStringLiteral("()"));
-    // In two steps, so that a check that is due between them would show once the daemon has run.
+    // In two steps, to detect a check that is due in between.
     daemon.letTimePass(60);
     recorder.take();
     recorder.take();

@@ -4,7 +4,7 @@
 
 #include <string>
 
-/** What the kernel's device events mean to the storage devices. */
+/** The meaning of the kernel's device events for the storage devices. */
 class TestUevent : public QObject
 {
     Q_OBJECT

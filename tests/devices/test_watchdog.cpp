@@ -2,7 +2,7 @@
 #include "busmonitor.h"
 #include "daemontest.h"
 
-/** The instrument's application keeping itself alive, on the running daemon. */
+/** The application's keep-alive, on the running daemon. */
 class TestWatchdog : public DaemonTest
 {
     Q_OBJECT
@@ -44,7 +44,7 @@ namespace
 const QString keepAlive = QStringLiteral("keepAlive");
 }
 
-/** What the daemon did to the watchdogs. */
+/** The daemon's calls to the watchdogs. */
 QStringList TestWatchdog::calls() const
 {
     QStringList lines;

@@ -7,7 +7,7 @@
 
 #include <unistd.h>
 
-/** Where a symbolic link points to. */
+/** The target of a symbolic link. */
 class TestLinkTarget : public QObject
 {
     Q_OBJECT

@@ -158,7 +158,7 @@ void TestProfileFolder::aMissingDirectoryIsErased()
 void TestProfileFolder::whatCannotBeErasedIsTold_data()
 {
     QTest::addColumn<QString>("directory");
-    // The kernel lets nobody remove anything there.
+    // The kernel allows no removal there.
     QTest::newRow("files") << "/proc/self/fdinfo";
     QTest::newRow("directories") << "/proc/self/task";
     QTest::newRow("a link to itself") << "circle";
@@ -215,12 +215,12 @@ void TestProfileFolder::copyingKeepsModes()
 
     QVERIFY(copyFolder(at("default"), made("user")));
 
-    // What runs with another's rights is no part of a profile.
+    // Set-user-ID files are no part of a profile.
     QCOMPARE(modeOf("user/a"), mode_t(0640));
     QCOMPARE(modeOf("user/sub"), mode_t(0700));
     QCOMPARE(modeOf("user/.cache/deep"), mode_t(0555));
     QCOMPARE(modeOf("user/.cache"), mode_t(0510));
-    // Not even its owner may write to it, who erases it all the same.
+    // Not even its owner may write to it; erasing works nevertheless.
     QVERIFY(eraseFolder(at("user")));
     QVERIFY(eraseFolder(at("default")));
 }
@@ -279,7 +279,7 @@ void TestProfileFolder::aDestinationThatIsAFileIsRefusedAndKept()
     QCOMPARE(readFile(path("user")), QByteArray("no directory"));
 }
 
-/** Makes directories of that name, each in the one before, as many as @p depth says. */
+/** Creates @p depth nested directories, all with this name. */
 static void nest(const QString &start, const QByteArray &name, int depth)
 {
     Descriptor directory = openDirectory(start);
@@ -299,7 +299,7 @@ void TestProfileFolder::aPathLongerThanTheKernelTakesIsCopiedAndErased()
     QVERIFY(isFolderComplete(at("default"), at("user")));
     QVERIFY(eraseFolder(at("user")));
     QCOMPARE(snapshot(path("user")), QStringList());
-    // Longer than QTemporaryDir erases.
+    // Deeper than QTemporaryDir can erase.
     QVERIFY(eraseFolder(at("default")));
 }
 
@@ -345,7 +345,7 @@ void TestProfileFolder::aDirectoryIsIncompleteBeforeItIsErased()
     makeIncomplete(at("user"), at("default"));
 
     QVERIFY(!isFolderComplete(at("default"), at("user")));
-    // Nothing is lost by that yet.
+    // Nothing is lost so far.
     QCOMPARE(snapshot(path("user")).size(), entries);
 }
 
@@ -363,7 +363,7 @@ void TestProfileFolder::onlyWhatSurvivesAReplacementIsCopied()
     QVERIFY(canReplace(at("default"), at("missing")));
     QVERIFY(canReplace(at("missing"), at("default")));
 
-    // Also by way of a link inside.
+    // Also through a link inside.
     QVERIFY(QFile::link(path("default"), path("defaults/link")));
     QVERIFY(!canReplace(at("default"), at("defaults")));
 }

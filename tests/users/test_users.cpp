@@ -106,13 +106,13 @@ private:
     const QString system = QStringLiteral("/tmp/User_part/system");
 };
 
-/** Whether the daemon takes @p user; asked by a reset, which never changes the flag. */
+/** Returns true if the daemon accepts @p user; uses a reset, which never changes the flag. */
 bool TestUsers::isUserValid(const QString &user) const
 {
     return users.call(QStringLiteral("factoryReset"), {user}) != invalid;
 }
 
-/** Has a stranger's link at @p path, in place of what is there. */
+/** Replaces @p path with a link that the user "stranger" owns. */
 void TestUsers::plantLink(const QString &target, const QString &path)
 {
     const uid_t stranger = 61186;
@@ -121,14 +121,16 @@ void TestUsers::plantLink(const QString &target, const QString &path)
         qFatal("cannot plant a link at %s", qPrintable(path));
 }
 
-/** Makes the daemon obey the modes of files, as root otherwise need not. */
+/** Makes mode bits apply to the daemon, although it runs as root. */
 void TestUsers::removeDefaultFileAccess()
 {
     daemon.setWrapper({QStringLiteral("setpriv"), QStringLiteral("--bounding-set"),
                        QStringLiteral("-dac_override,-dac_read_search")});
 }
 
-/** Starts the daemon with some of the kernel's @p calls answered as @p injection says. */
+/**
+ * Starts the daemon under strace, which answers some of the kernel's @p calls as @p injection says.
+ */
 QStringList TestUsers::traced(const char *calls, const char *injection)
 {
     return {"strace",
@@ -278,7 +280,7 @@ void TestUsers::setUserSwitchesToACompleteProfileAsItIs()
     QVERIFY(daemon.start());
     QTRY_VERIFY(QFile::exists("/opt/settings.ini"));
     QCOMPARE(users.call("getUser"), QStringLiteral("(\"user1\")"));
-    // What the start stored is out of the way, as the writing has ended: the switch stores its own.
+    // Wait until the start has stored its settings; then the switch stores its own.
     QFile::remove("/opt/settings.ini");
     const QStringList before = snapshot(profile("user2"));
     SignalRecorder recorder("/KyConfigMgr");
@@ -424,7 +426,7 @@ void TestUsers::aLinkThatCannotBeMadeInvalidatesTheUser()
 
 void TestUsers::aLinkThatCannotBeMadeLeavesNoActiveProfile()
 {
-    // The old link is gone by the time the new one fails.
+    // The old link is already gone when creating the new one fails.
     daemon.setWrapper(traced("symlink,symlinkat", "symlink,symlinkat:error=ENOSPC"));
     QVERIFY(daemon.start());
 
@@ -449,7 +451,7 @@ void TestUsers::aFileHasItsNameOnceItIsOnTheDisk()
     const QByteArray trace = readFile("/tmp/trace");
     QVERIFY2(trace.count("sync") == 1, trace.constData());
     const int synchronised = trace.indexOf("syncfs(");
-    // Written before, named after.
+    // Written before the synchronisation, renamed after it.
     QVERIFY2(trace.lastIndexOf("O_CREAT") >= 0 && trace.lastIndexOf("O_CREAT") < synchronised,
              trace.constData());
     const QStringList renames = QString(trace.mid(synchronised)).split('\n').filter("rename");
@@ -531,7 +533,7 @@ void TestUsers::aFailedRebuildLeavesNothingBehind()
         QCOMPARE(snapshot(profile("user2")), QStringList());
     }
     daemon.stop();
-    // Whoever was told of the failure has put a profile there.
+    // After the error, the client provides a profile.
     writeFile(profile("user2") + "/measure.conf", "own");
     writeFile(profile("user2") + "/display/theme.conf", "own");
 
@@ -766,7 +768,7 @@ void TestUsers::theStoredFlagDecides()
     QCOMPARE(users.call("setUser", {"user2"}), invalid);
     removePath(profile("user2"));
 
-    // Taken over when the settings are written the next time.
+    // Takes effect when the settings are written the next time.
     writeFile(settings, "[Users]\nstateuser2=true\nstateuser4=false\n");
     QCOMPARE(users.call("setUser", {"user3"}), QStringLiteral("()"));
     QTRY_VERIFY(readFile(settings).contains("stateuser3=true"));
@@ -945,7 +947,7 @@ void TestUsers::subdirectoriesThatTheirOwnerMayNotWriteToAreCopied()
     QVERIFY(daemon.start());
 
     QCOMPARE(users.call("setUser", {"user2"}), QStringLiteral("()"));
-    // A second time the copy has to go, too.
+    // The second time the copy must be erased, too.
     for (int count = 0; count < 2; ++count) {
         QCOMPARE(users.call("factoryReset", {"user2"}), QStringLiteral("()"));
         QCOMPARE(snapshot(profile("user2")), snapshot(profile("default_user")));
@@ -967,7 +969,7 @@ void TestUsers::aCallThatFailsFailsTheReset_data()
     QTest::newRow("the mode of a subdirectory's subdirectory") << "fchmod" << 2;
     QTest::newRow("the mode of a subdirectory") << "fchmod" << 3;
     QTest::newRow("synchronising") << "syncfs" << 1;
-    // The first one makes the profile incomplete.
+    // The first call makes the profile incomplete.
     QTest::newRow("moving") << "renameat" << 2;
 }
 
@@ -984,7 +986,7 @@ void TestUsers::aCallThatFailsFailsTheReset()
     QVERIFY(daemon.start());
     daemon.settledDescriptors();
     QTRY_VERIFY(QFile::exists("/opt/settings.ini") && !QFile::exists("/opt/settings.ini.lock"));
-    // Attached when the start has made its own calls: only those of the reset are counted.
+    // Attach after the start: count only the calls of the reset.
     QProcess strace;
     strace.start("strace", {"-f", "-o", "/dev/null", "-p", QString::number(daemon.processId()),
                             "-e", "trace=" + call, "-e",
