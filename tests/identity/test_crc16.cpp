@@ -19,7 +19,7 @@ private Q_SLOTS:
 
 namespace
 {
-/** Bit by bit, as the polynomial is defined. */
+/** Bit by bit, directly from the definition of the polynomial. */
 quint16 crcByDefinition(const QByteArray &data)
 {
     unsigned int crc = 0;

@@ -161,7 +161,7 @@ QString renderedMeasure()
         .arg(list.join(", "));
 }
 
-/** A successful write in the board's journal. */
+/** The journal line of a successful write. */
 QString written(int eeprom, const QByteArray &bytes)
 {
     return QStringLiteral("KyEeprom.writeEeprom(%1, %2, 0, %3) = 0")
@@ -170,13 +170,13 @@ QString written(int eeprom, const QByteArray &bytes)
         .arg(bytes.size());
 }
 
-/** The line of an error reply of the daemon, as the bus monitor shows it. */
+/** The line of an error reply of the daemon, as the bus monitor formats it. */
 QString errorLine(const QString &failure)
 {
     return QStringLiteral("error ") + failure;
 }
 
-/** A complete map of an instrument record, written for the wire, with the value of @p key. */
+/** A complete instrument record in wire format, with the value of @p key. */
 QString instrumentValues(const QString &key, const QString &value)
 {
     QStringList entries;
@@ -185,7 +185,7 @@ QString instrumentValues(const QString &key, const QString &value)
     return QStringLiteral("a{sv} 12 ") + entries.join(QLatin1Char(' '));
 }
 
-/** The same of a measure record, with its coefficients. */
+/** The same for a measure record, with its coefficients. */
 QString measureValues(const QString &coefficientValue)
 {
     return QStringLiteral("a{sv} 4 AdjustementSite i 500 AdjustementDate u 4000000000 "
@@ -200,7 +200,7 @@ TestEeprom::TestEeprom()
 {
 }
 
-/** What the daemon did with the EEPROMs, and told the library of them. */
+/** The daemon's calls to the EEPROMs and to the board library. */
 QStringList TestEeprom::calls() const
 {
     return Board::journal().filter(QRegularExpression(QStringLiteral("KyEeprom|KyBoardRev")));
@@ -211,13 +211,13 @@ QString TestEeprom::set(const QString &method, const QString &values)
     return wire.call(service, "/KyDeviceMgr", service + ".Version", method, values);
 }
 
-/** The record that @p method answers, with compounds as Qt D-Bus gives them. */
+/** The record that @p method returns, with compounds as Qt D-Bus delivers them. */
 QVariantMap TestEeprom::recordOf(const QString &method)
 {
     return qdbus_cast<QVariantMap>(version.reply(method).arguments().value(0));
 }
 
-/** Calls a method that succeeds in lifting the write protection and fails to restore it. */
+/** Calls a method whose write protection can be lifted but not restored. */
 QString TestEeprom::callWithoutRestore(const QString &method, const QList<QVariant> &arguments)
 {
     QDBusMessage message = QDBusMessage::createMethodCall(
@@ -552,7 +552,7 @@ void TestEeprom::entriesThatAreNoFieldsAreKeptUpTo64KiB()
                 {setMeasure, getMeasure, measureRecord()}};
     for (const auto &row : rows) {
         QVariantMap record = row.record;
-        // One byte of key, 8 of length and 65527 of text: not one more fits.
+        // One byte of key, 8 of length and 65527 of text: exactly the limit.
         record["!"] = QString(65527, 'x');
         QCOMPARE(version.call(row.set, {record}), done);
         QCOMPARE(recordOf(row.get).value("!"), record.value("!"));
@@ -561,7 +561,7 @@ void TestEeprom::entriesThatAreNoFieldsAreKeptUpTo64KiB()
         QVERIFY(!recordOf(row.get).contains("!"));
         QCOMPARE(recordOf(row.get).size(), row.record.size() + 1);
 
-        // In the order of their keys: what does not fit any more leaves room for what does.
+        // In the order of their keys: an entry that does not fit leaves room for smaller ones.
         record["!1"] = QByteArray(40000, 'x');
         record["!2"] = QVariant::fromValue(QList<int>::fromVector(QVector<int>(4000, 7)));
         record["!3"] = QStringList(QString(20000, 'x'));
@@ -622,7 +622,7 @@ void TestEeprom::aSetRefusesFieldsOfMoreThan64KiB()
     QCOMPARE(version.call(setMeasure, {measure}), notValid);
 
     QCOMPARE(calls(), before);
-    // As after every set that is refused.
+    // As after every rejected set.
     version.call(getInstrument);
     version.call(getMeasure);
     QCOMPARE(calls().filter("readEeprom").size(), before.filter("readEeprom").size() + 2);
@@ -630,7 +630,7 @@ void TestEeprom::aSetRefusesFieldsOfMoreThan64KiB()
 
 void TestEeprom::nothingOfARecordKeepsItsMessage()
 {
-    // What is freed goes back to the kernel at once.
+    // malloc() returns freed memory to the kernel immediately.
     daemon.setEnvironment("MALLOC_MMAP_THRESHOLD_", "65536");
     QVERIFY(daemon.start());
     version.call(getInstrument);
@@ -644,7 +644,7 @@ void TestEeprom::nothingOfARecordKeepsItsMessage()
     QCOMPARE(version.call(setInstrument, {record}), done);
 
     QVERIFY(version.call(getInstrument).contains("\"SerialNumber\": <[1, 2, 3]>"));
-    // In KB; the message alone would be 20 MB.
+    // In KB; the message itself would be 20 MB.
     const auto growth = [this, before] { return daemon.privateMemory() - before; };
     QTRY_VERIFY2(growth() < 5000, qPrintable(QString::number(growth())));
     daemon.resetEnvironment();
@@ -653,7 +653,7 @@ void TestEeprom::nothingOfARecordKeepsItsMessage()
 void TestEeprom::fileDescriptorsAreNotKept()
 {
     QVERIFY(daemon.start());
-    // By now the start is over, and by then what it wrote has been put away.
+    // The start is over by now and has released its memory.
     QVERIFY(version.call(getInstrument).startsWith('('));
     QTRY_VERIFY(!QFile::exists("/opt/settings.ini.lock"));
     const int before = daemon.descriptors();
@@ -704,7 +704,7 @@ void TestEeprom::valuesAsDeepAsTheBusTakesThemComeBack_data()
     row("dictionaries", "a{y", "}", " 1 7", 30, 2);
 }
 
-/** The map, its entry and its variant are three levels of 64. */
+/** The map, its entry and its variant use three of 64 levels. */
 void TestEeprom::valuesAsDeepAsTheBusTakesThemComeBack()
 {
     QFETCH(QString, outer);
@@ -727,7 +727,7 @@ void TestEeprom::valuesAsDeepAsTheBusTakesThemComeBack()
         QCOMPARE(version.call(getMeasure).count("<1234>"), 1);
     }
 
-    // One level more closes its sender's connection.
+    // One more level makes the bus close the sender's connection.
     const QString tooDeep = outer + QString("v ").repeated(deepest + 1 - levels) + "i 5678";
     QVERIFY(
         Wire()
@@ -929,7 +929,7 @@ void TestEeprom::setRefusesAMeasureMapWithAMissingKey()
     Board::clearJournal();
     QVariantMap map = measureRecord();
     map.remove(key);
-    // The usual spelling is not that of the key.
+    // The usual spelling is not the key's.
     map.insert("AdjustmentSite", 1);
 
     QCOMPARE(version.call(setMeasure, {map}), notValid);
@@ -976,11 +976,11 @@ void TestEeprom::protectionThatCannotBeLiftedStopsASet()
     QVERIFY(daemon.start());
     Board::clearJournal();
     Board::fault("KyEeprom.setWriteEnable", "1");
-    // That it is valid is not the caller's to say.
+    // A caller cannot declare a record valid.
     map.insert("CRC", true);
 
     QCOMPARE(version.call(setter, {map}), notEnabled);
-    // What was to be written is kept, but not called valid.
+    // The values are kept, but not marked as valid.
     QCOMPARE(version.call(getter), values.remove("\"CRC\": <true>, "));
 
     QCOMPARE(calls(), QStringList{"KyEeprom.setWriteEnable(true) = 1"});
@@ -1097,7 +1097,7 @@ void TestEeprom::noSignalEndsItWhileTheProtectionIsLifted()
     QVERIFY(thread != 0);
     QCOMPARE(syscall(SYS_tgkill, process, thread, signal), 0);
 
-    // It waits in the main thread, which is in the library.
+    // Pending for the main thread, which is inside the hardware library.
     const auto isPending = [=] {
         const quint64 pending = statusOf(process, "SigPnd").toULongLong(nullptr, 16);
         return ((pending >> (signal - 1)) & 1) == 1;
@@ -1172,7 +1172,7 @@ void TestEeprom::invalidateStopsWhenTheProtectionCannotBeLifted()
 
     QCOMPARE(monitor.takeFromDaemon(), (QStringList{errorLine(notEnabled), "return ()"}));
     QCOMPARE(calls(), QStringList{"KyEeprom.setWriteEnable(true) = 1"});
-    // Forgotten all the same: both are read again.
+    // The cache is discarded nevertheless: both records are read again.
     Board::setBytes("eeprom/instrument", instrumentBytes);
     Board::setBytes("eeprom/measure", measureBytes);
     QCOMPARE(version.call(getInstrument), renderedInstrument);
@@ -1197,7 +1197,7 @@ void TestEeprom::invalidateWritesTheSecondRecordWhenTheFirstFails()
 
 void TestEeprom::invalidateReportsASecondRecordThatFails()
 {
-    // No file can be put in the place of a directory.
+    // rename() cannot replace a directory with a file.
     Board::remove("eeprom/measure");
     QVERIFY(QDir().mkpath(Board::pathOf("eeprom/measure/in/the/way")));
     QVERIFY(daemon.start());

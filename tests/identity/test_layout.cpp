@@ -17,9 +17,8 @@
 #include <cstdio>
 
 /**
- * What must be the same on every machine: the sizes of what the hardware libraries take and give,
- * the types that go over the bus, and the bytes of the records. Compared with one file wherever the
- * test runs.
+ * Everything that must be the same on every machine: the sizes of the hardware libraries' types,
+ * the types on the bus, and the bytes of the records. Compared with the same file on every machine.
  */
 class TestLayout : public QObject
 {
@@ -93,7 +92,7 @@ void TestLayout::everyMachineHasTheSame()
     addBusType<QList<uint>>("QList<uint>");
     addBusType<QVariantMap>("QVariantMap");
 
-    // Bytes that are negative where a char has a sign, and numbers with four different bytes.
+    // Bytes that are negative as a signed char, and numbers with four different bytes.
     const QVariantMap instrument{
         {"Subsidiary", 0xF1},
         {"Fabrication", -2},

@@ -5,7 +5,7 @@
 #include <QRandomGenerator>
 #include <QTest>
 
-/** The identification records as bytes and as maps, and what else is read from the board. */
+/** The identification records as bytes and as maps, and other data of the board. */
 class TestRecords : public QObject
 {
     Q_OBJECT
@@ -100,7 +100,7 @@ QByteArray measureBytes()
     return bytes;
 }
 
-/** The bytes of the instrument record in which one field has another value. */
+/** The bytes of the instrument record with another value of one field. */
 QByteArray instrumentWith(const QString &key, const QVariant &value, int offset, int width)
 {
     QVariantMap map = instrument;

@@ -5,8 +5,8 @@
 #include <QRegularExpression>
 
 /**
- * What no client should send: calls of a wrong signature and hostile maps, to the interfaces of the
- * identity, the watchdog and the Wi-Fi module's power.
+ * Invalid calls: wrong signatures and hostile maps, to the interfaces of the identity, the watchdog
+ * and the Wi-Fi module's power.
  */
 class TestSweepIdentity : public DaemonTest
 {
@@ -41,7 +41,7 @@ private:
 
 namespace
 {
-/** Every method, and the signature that it takes. */
+/** Every method with its signature. */
 const struct {
     const char *method;
     const char *signature;
@@ -128,7 +128,7 @@ QString signatureOf(const QString &value)
     return value.section(QLatin1Char(' '), 0, 0);
 }
 
-/** A map of all @p keys, each with an integer but @p key with @p value. */
+/** A map with all @p keys, each with an integer, except @p key with @p value. */
 QString mapOf(const QStringList &keys, const QString &key, const QString &value)
 {
     QStringList entries;
@@ -153,14 +153,14 @@ const QStringList measureKeys{"AdjustementSite", "AdjustementDate", "NextAdjuste
                               "AdjustementCoefficients"};
 } // namespace
 
-/** Calls a method that is named after its interface's suffix, as in "Version.getRevision". */
+/** Calls a method by its interface's suffix and its name, for example "Version.getRevision". */
 QString TestSweepIdentity::call(const QString &method, const QString &arguments)
 {
     const QString interface = service + QLatin1Char('.') + method.section('.', 0, 0);
     return wire.call(service, "/KyDeviceMgr", interface, method.section('.', 1), arguments);
 }
 
-/** What the daemon did on behalf of a client; watching the board goes on meanwhile. */
+/** The daemon's hardware calls on behalf of a client, without its periodic checks. */
 QStringList TestSweepIdentity::calls() const
 {
     return Board::journal().filter(QRegularExpression(
@@ -283,7 +283,7 @@ void TestSweepIdentity::anyTypeUnderEveryKeyIsTaken()
     QFETCH(QStringList, keys);
     startAndReadRecords();
     const QStringList before = eeproms();
-    // So far, and no further: such a record would be written.
+    // Stop the set here: otherwise it would write such a record.
     Board::fault("KyEeprom.setWriteEnable", "always");
 
     for (const QString &value : values()) {

@@ -83,13 +83,13 @@ void TestVersion::installApplication(const QByteArray &script)
     QVERIFY(chmod(qPrintable(application), 0755) == 0);
 }
 
-/** The most memory that the daemon has had so far, in KiB; 0 when that cannot be told. */
+/** The peak memory of the daemon in KiB; 0 if it is unknown. */
 int TestVersion::peakMemory() const
 {
     return statusOf(daemon.processId(), "VmHWM").toInt();
 }
 
-/** The daemon never had room for what does not end. */
+/** The daemon never allocated memory for endless data. */
 #define VERIFY_LITTLE_MEMORY()                                                                     \
     do {                                                                                           \
         const int memory = peakMemory();                                                           \
@@ -379,7 +379,7 @@ void TestVersion::anApplicationThatHangsIsEndedAfterThreeSeconds()
 
     QVERIFY(timer.elapsed() >= 3000);
     const int process = readFile("/tmp/application.pid").trimmed().toInt();
-    // Not even as a process that waits to be collected.
+    // Not even as a zombie.
     QTRY_VERIFY(stateOf(process).isEmpty());
     QCOMPARE(version.call(getVersions), ownVersionAlone);
     QCOMPARE(readFile("/tmp/runs"), QByteArray("run\n"));

@@ -27,7 +27,7 @@ LinkSet statesOf(const LinkTable &table)
     return states;
 }
 
-/** "ScanCalled" as "scan called". */
+/** Converts "ScanCalled" to "scan called". */
 QString words(QString name)
 {
     name.replace(QRegularExpression("([a-z0-9])([A-Z])"), "\\1 \\2");
@@ -67,7 +67,7 @@ QString targetOf(const LinkTarget &to)
     return names.join(", ");
 }
 
-/** The transitions between states, each with the events that lead to it. */
+/** The transitions between states, each with its events. */
 QStringList diagramOf(const LinkTable &table)
 {
     const LinkSet all = statesOf(table);

@@ -4,8 +4,9 @@
 #include <QString>
 
 /**
- * @p document with the diagrams and tables of the network interfaces' machines brought up to date:
- * what stands between a line "<!-- machine: NAME -->" and the next "<!-- end of machine -->".
+ * Returns @p document with updated diagrams and tables of the network interfaces' machines:
+ * replaces everything between a line "<!-- machine: NAME -->" and the next "<!-- end of machine
+ * -->".
  */
 QString withMachines(const QString &document);
 

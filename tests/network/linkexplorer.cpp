@@ -12,7 +12,7 @@ using Event = LinkEvent;
 using Do = LinkAction;
 
 constexpr int mostPending = 2;
-/** No event leads to more; a table that does goes in circles. */
+/** No event causes more actions, unless the table has a loop. */
 constexpr size_t mostActs = 40;
 
 const struct {
@@ -49,7 +49,7 @@ bool isSwitch(LinkAction action)
            action == Do::SwitchToAccessPoint;
 }
 
-/** Which of several answers is given each time; leads through all of them. */
+/** Enumerates all combinations of results. */
 class Choices
 {
 public:
@@ -62,7 +62,9 @@ public:
         return m_choices[m_position++].chosen;
     }
 
-    /** Goes on to the next ones. @return whether there are any */
+    /**
+     * Advances to the next combination. @return false after the last one
+     */
     bool advance()
     {
         m_position = 0;
@@ -83,7 +85,7 @@ private:
     size_t m_position = 0;
 };
 
-/** A machine among surroundings that answer as @p choices say. */
+/** A machine whose surroundings return the results of @p choices. */
 class ExploringMachine : public LinkMachine
 {
 public:
@@ -133,7 +135,7 @@ protected:
     void handled(LinkEvent, bool isDecided) override { m_outcome.isDecided = isDecided; }
 
 private:
-    /** What the surroundings are when @p event has come. */
+    /** Updates the surroundings for @p event. */
     void happen(LinkEvent event)
     {
         LinkWorld &world = m_outcome.after;
@@ -151,7 +153,7 @@ private:
 
     void takeOne(int &pending)
     {
-        // The most that are counted may stand for more.
+        // The counter saturates: its maximum may stand for more.
         if (pending < mostPending || m_choices.choose(2) == 0)
             --pending;
     }
@@ -239,7 +241,7 @@ quint32 keyOf(const LinkWorld &world)
     return key;
 }
 
-/** What clients have been promised once @p outcome is over. */
+/** Records what clients may expect after @p outcome. */
 void owe(LinkOutcome &outcome)
 {
     LinkWorld &world = outcome.after;

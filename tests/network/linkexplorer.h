@@ -8,37 +8,37 @@
 
 #include <vector>
 
-/** What surrounds a machine: what may still come, and what clients have been promised. */
+/** The surroundings of a machine: pending events, and outcomes that clients wait for. */
 struct LinkWorld {
     Link link;
     bool isScriptRunning = false;
-    /** How many ends of the script are younger than 2 s; more than two make no difference. */
+    /** The number of script ends less than 2 s ago; more than two make no difference. */
     int moduleDelays = 0;
-    /** How many checks of the access point are due; more than two make no difference. */
+    /** The number of pending checks of the access point; more than two make no difference. */
     int checks = 0;
     bool isLeavingTimed = false;
-    /** ConnMan has not answered the last Connect. */
+    /** ConnMan has not replied to the last Connect. */
     bool isConnectAsked = false;
 
-    /** A scan was accepted whose list has not come. */
+    /** A scan was accepted, and its list has not been sent yet. */
     bool isScanOwed = false;
-    /** A connect was accepted whose end has not come. */
+    /** A connect was accepted, and its outcome has not been announced yet. */
     bool isConnectOwed = false;
-    /** The last call that was accepted was a disconnect. */
+    /** The last accepted call was a disconnect. */
     bool isLeft = false;
 };
 
-/** One action of a machine, and the link when it was carried out. */
+/** One action of a machine, and the link at that time. */
 struct LinkAct {
     LinkAction action;
     Link link;
 };
 
-/** What an event has led to, with one answer to each action that asks. */
+/** The effects of an event, with one result for each action that asks. */
 struct LinkOutcome {
     LinkWorld before;
     LinkEvent event;
-    /** Whether a row of the table held for the event. */
+    /** True if a row of the table applied to the event. */
     bool isDecided = false;
     std::vector<LinkAct> acts;
     std::vector<LinkEvent> answers;
@@ -47,38 +47,40 @@ struct LinkOutcome {
 
     bool has(LinkAction action) const;
     bool has(LinkEvent answer) const;
-    /** The place of the first such action; -1 where there is none. */
+    /** The index of the first such action; -1 if there is none. */
     int indexOf(LinkAction action) const;
-    /** Whether clients are told of @p state. */
+    /** Returns true if @p state is announced to clients. */
     bool announces(KyTcpIpState::State state) const;
 };
 
-/** Whose rules a machine has to keep. */
+/** The rules that a machine must follow. */
 enum class LinkKind { Ethernet, Station, AccessPoint };
 
 /**
- * Leads a machine from its start through every event with every answer that its surroundings can
- * give, until there is no new state, and judges each step by the rules that clients rely on.
+ * Explores a machine from its start through every event with every possible result, until there is
+ * no new state, and checks each step against the rules that clients rely on.
  */
 class LinkExplorer
 {
 public:
-    /** @param mostViolations ends the exploration */
+    /**
+     * @param mostViolations the number of violations that ends the exploration
+     */
     LinkExplorer(const LinkTable &table, LinkKind kind, int mostViolations);
 
     /** Explores everything. */
     void explore();
 
-    /** The broken rules, one line each. */
+    /** The violated rules, one line each. */
     const QStringList &violations() const { return m_violations; }
 
     int states() const { return m_seen.size(); }
     int transitions() const { return m_transitions; }
 
-    /** The rows that held at least once. */
+    /** The rows that applied at least once. */
     const QSet<const LinkRow *> &usedRows() const { return m_usedRows; }
 
-    /** Everything that @p event can lead to. */
+    /** All possible outcomes of @p event. */
     std::vector<LinkOutcome> outcomes(const LinkWorld &world, LinkEvent event);
 
 private:
@@ -95,7 +97,7 @@ private:
     QStringList m_violations;
 };
 
-/** The events of the surroundings that can come in @p world to a machine of @p kind. */
+/** The events that can occur in @p world for a machine of @p kind. */
 std::vector<LinkEvent> possibleEvents(const LinkWorld &world, LinkKind kind);
 
 #endif

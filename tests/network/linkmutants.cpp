@@ -43,7 +43,7 @@ private:
     std::vector<LinkMutant> &m_mutants;
 };
 
-/** What can be under a machine's rows: how it starts, and what its rows lead to. */
+/** The states that a machine can reach: its start, and the targets of its rows. */
 LinkSet reachableStates(const LinkTable &table)
 {
     LinkSet states = setOf(KyTcpIpState::Idle);
@@ -60,7 +60,10 @@ LinkSet reachableOperations(const LinkTable &table)
     return operations;
 }
 
-/** Whether two targets are the same for each of @p from: one of them says what is so anyway. */
+/**
+ * Returns true if both targets are equal for each of @p from: one names the state that the other
+ * keeps.
+ */
 template <typename Value>
 bool isSame(std::optional<Value> one, std::optional<Value> other, LinkSet from)
 {

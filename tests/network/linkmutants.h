@@ -9,15 +9,15 @@
 
 /** A table with one row changed or removed. */
 struct LinkMutant {
-    /** Which row, and what was done to it. */
+    /** The row and its change. */
     QString name;
     std::vector<LinkRow> rows;
 };
 
 /**
- * Every mutant of @p table: each row removed, with each other next state and next operation,
- * without each of its actions, with each two neighbouring actions exchanged, and without its
- * firmware flag and its condition.
+ * Returns every mutant of @p table: each row removed, with each other next state and operation,
+ * without each of its actions, with two neighbouring actions exchanged, and without its firmware
+ * flag and its condition.
  */
 std::vector<LinkMutant> mutantsOf(const LinkTable &table);
 

@@ -12,7 +12,7 @@ QString nameOf(LinkOperation operation);
 QString nameOf(KyTcpIpState::State state);
 QString nameOf(LinkCondition condition);
 
-/** All of @p link in one line. */
+/** Formats all of @p link in one line. */
 QString describe(const Link &link);
 
 #endif

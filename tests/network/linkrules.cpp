@@ -46,7 +46,7 @@ bool isResting(State state)
     return state == Idle || state == Failure;
 }
 
-/** Whether a client's call is one that begins something. */
+/** Returns true if a client's call starts an operation. */
 bool isAccepted(Outcome o)
 {
     const Link &link = o.before.link;
@@ -57,7 +57,7 @@ bool isAccepted(Outcome o)
             (link.state == Idle && link.operation != LinkOperation::Connect));
 }
 
-/** The error that clients are to get. */
+/** Returns the error that the client must get. */
 LinkAction dueReply(Outcome o, LinkKind kind)
 {
     const bool isAccessPoint = kind == LinkKind::AccessPoint;
@@ -77,7 +77,7 @@ LinkAction dueReply(Outcome o, LinkKind kind)
     return Do::None;
 }
 
-/** Whether something ends a machine's present state by itself. */
+/** Returns true if the machine will leave its current state without a client's call. */
 bool isBounded(const LinkWorld &world, LinkKind kind)
 {
     const bool isModuleDue = world.isScriptRunning || world.moduleDelays > 0;
@@ -89,10 +89,10 @@ bool isBounded(const LinkWorld &world, LinkKind kind)
     case Association:
         return world.link.isTimed;
     case Configuration:
-        // The address of a service that is "ready" may still come, however late.
+        // The address of a "ready" service may come at any time.
         if (kind == LinkKind::Station)
             return world.link.isTimed || world.link.isRequestedReady;
-        // The script of the access point has no time.
+        // The access point's script has no timeout.
         return isModuleDue;
     case Ready:
         return kind == LinkKind::AccessPoint ? world.checks > 0 : world.link.isTimed;
@@ -119,7 +119,7 @@ bool isFirst(Outcome o, LinkAction action, State state)
     return !o.acts.empty() && o.acts.front().action == action && o.acts.front().link.state == state;
 }
 
-/** Whether @p action was carried out in @p state. */
+/** Returns true if @p action was carried out in @p state. */
 bool isDoneIn(Outcome o, LinkAction action, State state)
 {
     return std::any_of(o.acts.begin(), o.acts.end(), [action, state](const LinkAct &act) {
@@ -134,42 +134,42 @@ bool isLast(Outcome o, LinkAction action, State state)
 } // namespace
 
 const std::vector<LinkRule> linkRules = {
-    {"every state is announced, but for the idle of a connect",
+    {"every state is announced, except the idle of a connect",
      [](Outcome o, LinkKind) {
          return o.silentStates.isEmpty() ||
                 (o.event == Event::ConnectCalled && o.silentStates == QStringList("idle"));
      }},
-    {"nothing goes in circles", [](Outcome o, LinkKind) { return o.acts.size() < 30; }},
-    {"what is ignored changes nothing",
+    {"no event causes a loop", [](Outcome o, LinkKind) { return o.acts.size() < 30; }},
+    {"an ignored event changes nothing",
      [](Outcome o, LinkKind) {
          return o.isDecided || (o.acts.empty() && isSame(o.before.link, o.after.link));
      }},
 
     // Calls.
-    {"a call that begins nothing does nothing but answer",
+    {"a call that starts no operation only replies",
      [](Outcome o, LinkKind) {
          if (!isCall(o.event) || isAccepted(o) || o.event == Event::DisconnectCalled)
              return true;
          return int(o.acts.size()) == count(o, isReply) && isSame(o.before.link, o.after.link);
      }},
-    {"a call gets the error that is due, and no event else any",
+    {"a call gets its error, and no other event sends one",
      [](Outcome o, LinkKind kind) {
          const LinkAction due = isCall(o.event) ? dueReply(o, kind) : Do::None;
          return replyOf(o) == due && count(o, isReply) == (due == Do::None ? 0 : 1);
      }},
-    {"a call that is accepted and refused then ends in failure, told after the error",
+    {"an accepted call that then fails ends in failure, announced after the error",
      [](Outcome o, LinkKind) {
          if (!isAccepted(o) || replyOf(o) == Do::None)
              return true;
          return isLast(o, Do::Announce, Failure) && o.acts.size() > 1 &&
                 isReply(o.acts[o.acts.size() - 2].action);
      }},
-    {"a wired connect starts its time and the script",
+    {"a wired connect starts its timeout and the script",
      [](Outcome o, LinkKind kind) {
          return kind != LinkKind::Ethernet || !isAccepted(o) ||
                 isOrdered(o, {Do::StartConnectTime, Do::SwitchToEthernet});
      }},
-    {"a connect of the station forgets the service of the attempt before",
+    {"a station's connect forgets the service of the previous attempt",
      [](Outcome o, LinkKind kind) {
          if (kind != LinkKind::Station || !isAccepted(o) || o.event != Event::ConnectCalled)
              return true;
@@ -188,7 +188,7 @@ const std::vector<LinkRule> linkRules = {
                 o.after.link.hasService == o.before.link.hasService &&
                 o.after.link.operation == LinkOperation::Scan;
      }},
-    {"an access point is configured before the script is started",
+    {"an access point is configured before the script starts",
      [](Outcome o, LinkKind kind) {
          if (kind != LinkKind::AccessPoint || !isAccepted(o))
              return true;
@@ -205,13 +205,13 @@ const std::vector<LinkRule> linkRules = {
          return isFirst(o, Do::Announce, Disconnect) &&
                 o.after.link.operation == LinkOperation::None;
      }},
-    {"a disconnect orders the radio off",
+    {"a disconnect switches the radio off",
      [](Outcome o, LinkKind kind) {
          if (o.event != Event::DisconnectCalled || replyOf(o) == Do::ReplyDisconnectedAlready)
              return true;
          return kind == LinkKind::AccessPoint ? o.has(Do::SwitchToEthernet) : o.has(Do::PowerOff);
      }},
-    {"a disconnect of the station forgets the network, if there is one, and takes the agent back",
+    {"a station's disconnect forgets its network, if any, and unregisters the agent",
      [](Outcome o, LinkKind kind) {
          if (kind != LinkKind::Station || o.event != Event::DisconnectCalled)
              return true;
@@ -221,7 +221,7 @@ const std::vector<LinkRule> linkRules = {
                 isDoneIn(o, Do::UnregisterAgent, Disconnect) &&
                 (replyOf(o) == Do::None || isOrdered(o, {Do::UnregisterAgent, replyOf(o)}));
      }},
-    {"a disconnect ends idle, at once where nothing else will end it",
+    {"a disconnect ends in idle, immediately if no event can end it",
      [](Outcome o, LinkKind kind) {
          if (o.event != Event::DisconnectCalled || replyOf(o) == Do::ReplyDisconnectedAlready)
              return true;
@@ -229,7 +229,7 @@ const std::vector<LinkRule> linkRules = {
              return o.after.link.state == Disconnect && o.has(Do::StartLeavingTime);
          return isLast(o, Do::Announce, Idle);
      }},
-    {"a technology that is off ends a disconnect, and so does its time",
+    {"the technology's power off or the timeout ends a disconnect",
      [](Outcome o, LinkKind) {
          const bool isEnd = o.event == Event::TechnologyOff || o.event == Event::LeavingIsOver;
          return o.before.link.state != Disconnect || !isEnd || isLast(o, Do::Announce, Idle);
@@ -240,7 +240,7 @@ const std::vector<LinkRule> linkRules = {
          return o.before.link.state != Disconnect || isEnd || o.after.link.state == Disconnect ||
                 o.event == Event::DisconnectCalled;
      }},
-    {"after a disconnect nothing is switched on, but by the script of a wired connect",
+    {"after a disconnect only the script of a wired connect switches anything on",
      [](Outcome o, LinkKind kind) {
          if (!o.before.isLeft || isCall(o.event))
              return true;
@@ -251,9 +251,9 @@ const std::vector<LinkRule> linkRules = {
      }},
 
     // Bounds.
-    {"every state ends by itself, or is one to rest in",
+    {"every state is a resting state or ends without a call",
      [](Outcome o, LinkKind kind) { return isBounded(o.after, kind); }},
-    {"when the time is over, so is the attempt",
+    {"an attempt ends at its timeout",
      [](Outcome o, LinkKind kind) {
          if (o.event != Event::TimeIsOver || !o.before.isConnectOwed)
              return true;
@@ -261,12 +261,12 @@ const std::vector<LinkRule> linkRules = {
                 (kind == LinkKind::Station && o.after.link.state == Configuration &&
                  o.after.link.isRequestedReady);
      }},
-    {"an attempt under way is bounded",
+    {"an attempt in progress has a timeout",
      [](Outcome o, LinkKind kind) {
          return !o.after.isConnectOwed || kind == LinkKind::AccessPoint || o.after.link.isTimed ||
                 (o.after.link.state == Configuration && o.after.link.isRequestedReady);
      }},
-    {"an attempt is ended by its outcome or by a disconnect",
+    {"only its outcome or a disconnect ends an attempt",
      [](Outcome o, LinkKind) {
          return !o.before.isConnectOwed || o.after.isConnectOwed || o.announces(Failure) ||
                 o.announces(Online) || o.event == Event::DisconnectCalled;
@@ -278,7 +278,7 @@ const std::vector<LinkRule> linkRules = {
      }},
 
     // Scans.
-    {"a list is one that a scan still owes, and the radio is off after it",
+    {"only a pending scan sends a list, and the radio is off afterwards",
      [](Outcome o, LinkKind) {
          if (!o.has(Do::GiveList))
              return true;
@@ -286,25 +286,25 @@ const std::vector<LinkRule> linkRules = {
                 count(o, [](LinkAction action) { return action == Do::GiveList; }) == 1 &&
                 o.after.link.state == Idle && o.after.link.operation == LinkOperation::None;
      }},
-    {"a change of the services or the end of the time gives the list",
+    {"a change of the services or the timeout sends the list",
      [](Outcome o, LinkKind) {
          const bool isDue = o.before.isScanOwed && o.before.link.isFirmwareLoaded &&
                             (o.event == Event::ServicesChanged || o.event == Event::TimeIsOver);
          return !isDue || o.has(Do::GiveList);
      }},
-    {"a scan under way is bounded",
+    {"a scan in progress has a timeout",
      [](Outcome o, LinkKind) {
          return !o.after.isScanOwed || o.after.link.isTimed || o.after.isScriptRunning ||
                 o.after.moduleDelays > 0;
      }},
-    {"a scan is ended by its list, by a failure, by another call or by the service's address",
+    {"its list, a failure, another call or the service's address ends a scan",
      [](Outcome o, LinkKind) {
          return !o.before.isScanOwed || o.after.isScanOwed || o.has(Do::GiveList) ||
                 o.announces(Failure) || isCall(o.event) || o.event == Event::ServiceAddress;
      }},
 
     // The service.
-    {"a service is watched and told before the settings are handed over",
+    {"a service is watched and announced before it gets the settings",
      [](Outcome o, LinkKind) {
          return !o.has(Do::HandOver) || (isOrdered(o, {Do::WatchService, Do::HandOver}) &&
                                          (o.announces(Configuration) || o.announces(Ready)));
@@ -316,12 +316,12 @@ const std::vector<LinkRule> linkRules = {
          const bool isNew = o.announces(Configuration) || o.announces(Ready);
          return isNew == o.has(Do::HandOver);
      }},
-    {"an address that is there, or a service that is online, ends the time",
+    {"an address or an online service stops the timeout",
      [](Outcome o, LinkKind) {
          return (!o.has(Event::AddressThere) && !o.has(Event::RequestedOnline)) ||
                 (o.after.link.state == Online && !o.after.link.isTimed && o.has(Do::StopTime));
      }},
-    {"an error of the service fails and switches off, once there is firmware",
+    {"with firmware, an error of the service fails and powers off",
      [](Outcome o, LinkKind) {
          const bool isDue = o.event == Event::ServiceError && o.before.link.isFirmwareLoaded &&
                             o.before.link.state != Disconnect;
@@ -330,19 +330,19 @@ const std::vector<LinkRule> linkRules = {
                              o.after.link.operation == LinkOperation::None
                        : o.acts.empty());
      }},
-    {"an address of the service is online, once there is firmware",
+    {"with firmware, an address of the service leads to online",
      [](Outcome o, LinkKind kind) {
          if (o.event != Event::ServiceAddress || kind != LinkKind::Station)
              return true;
          const bool isDue = o.before.link.isFirmwareLoaded && o.before.link.state != Disconnect;
          return o.announces(Online) == isDue && (isDue || o.acts.empty());
      }},
-    {"the strength is passed on, once there is firmware",
+    {"with firmware, the strength is passed on",
      [](Outcome o, LinkKind) {
          return o.event != Event::ServiceStrength ||
                 o.has(Do::PassOn) == o.before.link.isFirmwareLoaded;
      }},
-    {"a wired service's addresses are passed on while ready, after the state",
+    {"while ready, a wired service's addresses are passed on after the state",
      [](Outcome o, LinkKind kind) {
          if (kind != LinkKind::Ethernet ||
              (o.event != Event::ServiceAddress && o.event != Event::ServiceIPv4))
@@ -353,14 +353,14 @@ const std::vector<LinkRule> linkRules = {
                  (o.announces(Online) && isOrdered(o, {Do::Announce, Do::PassOn})));
      }},
 
-    // Before the module is ready ConnMan's signals say nothing about it.
-    {"without firmware no signal of ConnMan is acted on, but the end of a disconnect",
+    // Before the module is ready, ConnMan's signals do not apply to it.
+    {"without firmware, signals of ConnMan only end a disconnect",
      [](Outcome o, LinkKind kind) {
          const bool isSignal = o.event >= Event::TechnologyOn && o.event <= Event::ServiceOther;
          return kind != LinkKind::Station || !isSignal || o.before.link.isFirmwareLoaded ||
                 o.before.link.state == Disconnect || o.acts.empty();
      }},
-    {"only a module that was asked for is evaluated",
+    {"the module is evaluated only for a pending operation",
      [](Outcome o, LinkKind kind) {
          if (o.event != Event::ModuleReady)
              return true;
@@ -371,7 +371,7 @@ const std::vector<LinkRule> linkRules = {
                 o.has(Do::AskConnman) ==
                     (link.state == Idle && link.operation != LinkOperation::None);
      }},
-    {"ConnMan's answer to Connect decides in association alone",
+    {"ConnMan's reply to Connect decides only in association",
      [](Outcome o, LinkKind) {
          if (o.event != Event::ConnectFailed)
              return true;
@@ -380,7 +380,7 @@ const std::vector<LinkRule> linkRules = {
                           o.after.link.operation == LinkOperation::None
                     : o.acts.empty();
      }},
-    {"only a technology that is not connected is asked to connect",
+    {"Connect is called only while the technology is not connected",
      [](Outcome o, LinkKind) {
          return o.has(Do::RequestConnect) == o.has(Event::TechnologyIsDown);
      }},

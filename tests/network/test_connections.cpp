@@ -19,7 +19,7 @@ private:
     QString connectOne(const QString &interface);
     QStringList finish(const QString &interface, int otherScripts = 0);
     bool waitForState(const char *interface, const QString &path, const char *name);
-    /** The states that an adaptor announced, and the names of the properties besides. */
+    /** The states that an adaptor announced, and the names of the other properties. */
     QStringList announcedBy(const QString &interface, const QStringList &announcements) const;
 
     const QString cable = "/net/connman/service/ethernet_02aabbccdd02_cable";
@@ -35,7 +35,7 @@ const struct {
     const char *mode;
 } interfaces[] = {{"Ethernet", "0"}, {"WIFI", "1"}, {"WIFIAP", "2"}};
 
-/** What an adaptor announces until it waits for ConnMan, or has all it needs. */
+/** The announcements of an adaptor until it waits for ConnMan, or has completed. */
 QStringList statesOf(const QString &interface)
 {
     return interface == "WIFIAP" ? QStringList{"configuration", "ready", "online"}
@@ -76,7 +76,7 @@ bool TestConnections::waitForState(const char *interface, const QString &path, c
         [&] { return recorder->recorded().contains(state(interface, path, name)); }, 10000);
 }
 
-/** Lets the time pass that an adaptor takes when its script has ended; what came of it all. */
+/** Lets the delays after the end of an adaptor's script pass; returns the announcements. */
 QStringList TestConnections::finish(const QString &interface, int otherScripts)
 {
     waitForScripts(otherScripts);

@@ -254,7 +254,7 @@ void TestConnmanAgent::connManIsAnsweredInTheMiddleOfConnect()
     letModuleSwitch();
     QVERIFY(connman.waitForCall(connectLab));
 
-    // One of the two answers was ConnMan's, and Connect has not failed.
+    // ConnMan received one of the two replies, and Connect has not failed.
     QVERIFY(!daemon.log().contains("Connect:"));
     QCOMPARE(ask(passphrase(mandatory)), secret);
     QCOMPARE(ask(passphrase(mandatory)), cancelled);

@@ -10,7 +10,7 @@
 #include <QProcess>
 #include <QTest>
 
-/** Sends back what it is given: every value is read once and written twice. */
+/** Returns its argument: every value is read once and written twice. */
 class Echo : public QObject
 {
     Q_OBJECT
@@ -21,7 +21,7 @@ public Q_SLOTS:
     ManagedObjectList managed(const ManagedObjectList &value) { return value; }
 };
 
-/** The types of ConnMan's lists, on their way over the bus to the test itself. */
+/** The types of ConnMan's lists, sent over the bus to the test itself. */
 class TestConnmanObject : public QObject
 {
     Q_OBJECT
@@ -56,7 +56,7 @@ void TestConnmanObject::initTestCase()
     QVERIFY(QTest::qWaitFor([this] { return m_bus.canReadLine(); }, 10000));
     const QString address = m_bus.readLine().trimmed();
 
-    // Two connections: Qt D-Bus does not send over the bus what is for the sender itself.
+    // Two connections: Qt D-Bus does not send a message to itself over the bus.
     QDBusConnection service = QDBusConnection::connectToBus(address, "service");
     QVERIFY(service.registerObject("/echo", &m_echo, QDBusConnection::ExportAllSlots));
     m_echoName = service.baseService();

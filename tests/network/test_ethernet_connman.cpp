@@ -13,7 +13,7 @@
 
 namespace
 {
-/** How long the daemon waits for an answer of ConnMan, in seconds. */
+/** The daemon's timeout for calls to ConnMan, in seconds. */
 const int callTimeout = 25;
 } // namespace
 
@@ -64,9 +64,9 @@ private:
     RealConnman connman;
     ModeScript script;
     QScopedPointer<SignalRecorder> recorder;
-    /** The states announced since the daemon was started. */
+    /** The states announced since the start of the daemon. */
     QStringList states;
-    /** How many of them waitForState() has passed. */
+    /** How many of them waitForState() has consumed. */
     int seen = 0;
 };
 
@@ -99,7 +99,7 @@ void TestEthernetConnman::forgetStates()
     seen = 0;
 }
 
-/** Waits until @p state is announced, after the states that were waited for before. */
+/** Waits until @p state is announced, after the states of earlier waits. */
 bool TestEthernetConnman::waitForState(const QString &state)
 {
     const QRegularExpression change("^Ethernet\\.propertyChanged\\(\".*\", \"State\", "
@@ -118,7 +118,7 @@ bool TestEthernetConnman::waitForState(const QString &state)
         20000);
 }
 
-/** Brings the daemon into @p state as far as ConnMan can be brought there. */
+/** Brings the daemon into @p state, as far as ConnMan allows. */
 bool TestEthernetConnman::reach(const QString &state)
 {
     if (state == "idle")
@@ -137,7 +137,7 @@ bool TestEthernetConnman::reach(const QString &state)
     return waitForState(state);
 }
 
-/** With network and ConnMan well again, a new connection succeeds from whatever there was. */
+/** With network and ConnMan working again, a new connection succeeds in any state. */
 bool TestEthernetConnman::connectAnew()
 {
     connman.plugCable();
@@ -155,7 +155,7 @@ QJsonObject TestEthernetConnman::askKernel(const QStringList &what)
     return QJsonDocument::fromJson(ip.readAllStandardOutput()).array().at(0).toObject();
 }
 
-/** The address of eth0 with the length of its prefix; empty without one. */
+/** The address of eth0 with its prefix length; empty without one. */
 QString TestEthernetConnman::kernelAddress()
 {
     const QJsonObject address =
@@ -426,7 +426,7 @@ void TestEthernetConnman::connManMayHangAtAnyTime()
         QDBusMessage::createMethodCall("com.orvendis.Strandel.BoardManager", "/KyComMgr",
                                        "com.orvendis.Strandel.BoardManager.Ethernet", "setIPv4")
         << QVariantMap{{"Method", "dhcp"}});
-    // When the daemon begins to wait cannot be seen; a while that passes earlier is no help to it.
+    // The start of the daemon's wait is not observable; time that passes before it has no effect.
     QVERIFY(QTest::qWaitFor(
         [&] {
             daemon.letTimePass(callTimeout);

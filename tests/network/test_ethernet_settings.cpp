@@ -33,7 +33,7 @@ private:
     QString pushedSettings();
 };
 
-/** The value of "IPv4.Configuration" that the next connection hands to its service. */
+/** The value of "IPv4.Configuration" that the next connection sends to its service. */
 QString TestEthernetSettings::pushedSettings()
 {
     ethernet.call("connect");

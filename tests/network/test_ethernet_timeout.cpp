@@ -2,11 +2,11 @@
 
 namespace
 {
-/** How long a connection attempt may take, in seconds. */
+/** The timeout of a connection attempt, in seconds. */
 const int attempt = 60;
 } // namespace
 
-/** What time brings about on the wired interface. */
+/** The timeouts of the wired interface. */
 class TestEthernetTimeout : public EthernetTest
 {
     Q_OBJECT
@@ -39,7 +39,7 @@ void TestEthernetTimeout::init()
     daemon.controlClock();
 }
 
-/** The reply to a call of ours during which ConnMan lets the daemon's own call time out. */
+/** The reply to a call during which ConnMan lets the daemon's own call time out. */
 QString TestEthernetTimeout::callWithoutAnswer(const QString &method, const QVariantList &values)
 {
     const QDBusPendingCall pending = ethernet.start(method, values);
@@ -184,7 +184,7 @@ void TestEthernetTimeout::anAddressThatIsThereAlreadyEndsTheAttempt()
 
 void TestEthernetTimeout::startWaitsOnceForAConnManThatDoesNotAnswer()
 {
-    // Faster instead of forward: a daemon without its name cannot be told to look at the clock.
+    // Faster instead of advanced: a daemon without its name cannot be woken to read the clock.
     daemon.speedUp(20);
     connman.holdMethod("Technology.SetProperty");
     QVERIFY(daemon.start());

@@ -2,7 +2,7 @@
 
 #include <QTest>
 
-/** The repair of IPv4 settings, and which of them are in force. */
+/** The repair of IPv4 settings, and which settings are in force. */
 class TestIPv4Repair : public QObject
 {
     Q_OBJECT

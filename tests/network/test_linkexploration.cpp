@@ -10,7 +10,7 @@
 
 #include <algorithm>
 
-/** Every order of events, with every answer, of the network interfaces' machines. */
+/** Every order of events, with every result, of the network interfaces' machines. */
 class TestLinkExploration : public QObject
 {
     Q_OBJECT
@@ -53,7 +53,7 @@ QStringList linesOf(const LinkStory &story)
     return lines;
 }
 
-/** A link and an event for which two rows of @p table hold; empty where there is none. */
+/** A link and an event to which two rows of @p table apply; empty if there are none. */
 QString ambiguity(const LinkTable &table)
 {
     for (unsigned bits = 0; bits < 7U * 3 * 32; ++bits) {
@@ -91,14 +91,14 @@ bool keepsTheRules(const LinkTable &table, LinkKind kind)
     return explorer.violations().isEmpty();
 }
 
-/** The mutants that nobody could tell from the machine, and why. */
+/** Equivalent mutants, and why they are equivalent. */
 const struct {
     const char *machine;
     const char *mutant;
     const char *reason;
 } equivalentMutants[] = {
     {"station", "row 21, ServicesChanged: whatever the firmware",
-     "there is no way into configuration without firmware, and a call clears it in idle alone"},
+     "configuration is only reached with firmware, and a call clears that flag only in idle"},
     {"station", "row 22, ServicesChanged: whatever the firmware", "the same"},
 };
 } // namespace

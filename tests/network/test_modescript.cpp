@@ -3,7 +3,7 @@
 
 #include <QNetworkInterface>
 
-/** The simulated module's mode script: tests of the daemon rest on it. */
+/** The simulated module's mode script, on which tests of the daemon depend. */
 class TestModeScript : public QObject
 {
     Q_OBJECT

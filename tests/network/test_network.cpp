@@ -24,7 +24,7 @@ private:
     const QString done = QStringLiteral("()");
 };
 
-/** What the daemon did to the module. */
+/** The daemon's calls to the module. */
 QStringList TestNetwork::calls() const
 {
     return Board::journal().filter(QStringLiteral("KyPowerman."));

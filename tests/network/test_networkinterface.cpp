@@ -7,7 +7,7 @@
 #include <fcntl.h>
 #include <unistd.h>
 
-/** What the kernel says of network interfaces, real ones of the private world. */
+/** The kernel's information about network interfaces, real ones of the private world. */
 class TestNetworkInterface : public QObject
 {
     Q_OBJECT
@@ -28,7 +28,7 @@ private Q_SLOTS:
 
 namespace
 {
-// As long as the kernel lets a name be, and different from the other one in its last letter only.
+// The maximum length of a name; differs from the other name only in the last character.
 const QString name = QStringLiteral("interface000001");
 const QString peer = QStringLiteral("interface000002");
 
@@ -125,7 +125,7 @@ void TestNetworkInterface::whatIsNoInterfaceIsNeitherUpNorRunning()
     QCOMPARE(maximumTransmissionUnit(none), ushort(0));
 }
 
-/** What asks the kernel may be any descriptor that is free, the first one too. */
+/** The query's socket may be any free descriptor, including 0. */
 void TestNetworkInterface::aFreeStandardInputDoesNotHideTheFlags()
 {
     QVERIFY(setLink(name, {"up"}));

@@ -1,6 +1,6 @@
 #include "wifitest.h"
 
-/** What the network adaptors' times are to the millisecond, on the running daemon. */
+/** The timers of the network adaptors, exact to the millisecond, on the running daemon. */
 class TestNetworkTimers : public WifiTest
 {
     Q_OBJECT
@@ -31,7 +31,7 @@ void TestNetworkTimers::init()
     daemon.stopClock();
 }
 
-/** Lets that much time pass: nothing is announced before its end, and then @p expected is. */
+/** Lets this much time pass: nothing is announced earlier, and @p expected at its end. */
 void TestNetworkTimers::passTo(int milliseconds, const QStringList &expected)
 {
     daemon.letMillisecondsPass(milliseconds - 1);
@@ -110,7 +110,7 @@ void TestNetworkTimers::theAccessPointIsLookedAtAgainAfterThreeSeconds()
     QTRY_VERIFY(readFile(operationalState) != "up\n");
 
     passTo(3000, {});
-    // A timer that is due is served after the calls that came before.
+    // An expired timer is handled after earlier calls.
     QCOMPARE(announced(), QStringList());
     script.setCarrier(true);
     QTRY_COMPARE(readFile(operationalState), QByteArray("up\n"));

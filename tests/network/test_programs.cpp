@@ -10,7 +10,7 @@
 #include <csignal>
 #include <malloc.h>
 
-/** Asking pidof for a program; a script of the test's own is the pidof that is found. */
+/** Asking pidof for a program; pidof is a script of the test. */
 class TestPrograms : public QObject
 {
     Q_OBJECT
@@ -90,7 +90,7 @@ void TestPrograms::aPidofThatHangsIsEndedAfterASecond()
     makePidof("echo $$ >" + path("pid").toLocal8Bit() + "\nexec sleep 60");
     pid_t pid = 0;
     qint64 shortest = LLONG_MAX;
-    // A busy machine may end it before it has said who it is, or take its time.
+    // On a busy machine it may be killed before it has written its PID, or take longer.
     for (int attempt = 0; attempt < 20 && (pid == 0 || shortest >= 1900); ++attempt) {
         QElapsedTimer timer;
         timer.start();
@@ -115,7 +115,7 @@ void TestPrograms::aMissingPidofLeavesNothingBehind()
         return mallinfo2().uordblks;
     };
     const size_t before = memoryAfterAsking(10);
-    // What is not deleted takes 1500 bytes each time; the library itself forgets 100.
+    // An object that is not deleted takes 1500 bytes each time; Qt itself leaks 100.
     const size_t grown = memoryAfterAsking(200) - before;
     QVERIFY2(grown < size_t(200) * 500, qPrintable(QString::number(grown)));
 }

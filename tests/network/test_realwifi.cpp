@@ -19,7 +19,7 @@ QString pathOf(const char *ssid, const char *security)
 }
 } // namespace
 
-/** Answers ConnMan's questions from the test itself. */
+/** ConnMan's agent in the test itself. */
 class WifiAgent : public QObject
 {
     Q_OBJECT
@@ -41,7 +41,7 @@ public Q_SLOTS:
     void Release() {}
 };
 
-/** Wi-Fi without a radio: the real ConnMan takes it for a real one. */
+/** Wi-Fi without a radio, which the real ConnMan takes for a real one. */
 class TestRealWifi : public QObject
 {
     Q_OBJECT
@@ -134,7 +134,7 @@ void TestRealWifi::powerOn()
     QTRY_VERIFY_WITH_TIMEOUT(listing().contains("Workshop"), 20000);
 }
 
-/** Connects while the agent can answer; how the call ends. */
+/** Connects while the agent can answer; returns the result of the call. */
 QString TestRealWifi::connectTo(const QString &path)
 {
     QDBusPendingCall call = QDBusConnection::systemBus().asyncCall(

@@ -2,7 +2,7 @@
 
 #include <QTest>
 
-/** What the station does next about the network that it joins. */
+/** The station's next step for the state of the network that it joins. */
 class TestStationTable : public QObject
 {
     Q_OBJECT
@@ -45,7 +45,7 @@ void TestStationTable::aStateFollowsFromBothStates_data()
     QTest::addColumn<QString>("serviceState");
     QTest::addColumn<int>("expected");
 
-    // A column for each of the service's states, in their order.
+    // A column for each state of the service, in their order.
     const struct {
         int state;
         int next[8];
@@ -78,7 +78,7 @@ void TestStationTable::aStateFollowsFromBothStates()
     const LinkStep step = next(stationTable, connecting(state), requestedEvent(serviceState));
 
     QTEST(int(step.link.state), "expected");
-    // An attempt that is online by its service is over; every other one is still judged.
+    // An attempt whose service is online has ended; every other one is still judged.
     QCOMPARE(step.link.operation == LinkOperation::None, serviceState == "online");
 }
 
@@ -113,7 +113,7 @@ void TestStationTable::whatIsUndecidedFailsAtTimeout()
     QFETCH(int, state);
     QFETCH(QString, serviceState);
     QFETCH(bool, fails);
-    // A service that is "online" has ended the attempt when it was judged.
+    // A service that is "online" ended the attempt when it was judged.
     Link link = next(stationTable, connecting(state), requestedEvent(serviceState)).link;
     link.state = State(state);
 

@@ -9,7 +9,7 @@
 
 namespace
 {
-/** How long a state may take: connects that fail otherwise do so after a minute. */
+/** The deadline for a state, shorter than the minute after which other failures come. */
 const int deadline = 20000;
 } // namespace
 
@@ -60,7 +60,7 @@ private:
     SupplicantStandIn supplicant;
     ModeScript script;
     QScopedPointer<SignalRecorder> recorder;
-    /** The announcements since the last call, and how many of them were waited for. */
+    /** The announcements since the last call, and how many of them have been consumed. */
     QStringList signalsSeen;
 };
 
@@ -98,8 +98,7 @@ QString TestWifiConnman::join(const QString &name, const QString &key)
 }
 
 /**
- * Waits until @p state is announced for @p service, and forgets it and all that was announced
- * before.
+ * Waits until @p state is announced for @p service; consumes it and all earlier announcements.
  */
 bool TestWifiConnman::waitForState(const QString &state, const char *interface,
                                    const QString &service)
@@ -116,7 +115,7 @@ bool TestWifiConnman::waitForState(const QString &state, const char *interface,
         deadline);
 }
 
-/** Scans; the list as it is announced. */
+/** Scans; returns the announced list. */
 QString TestWifiConnman::scan()
 {
     if (wifi.call("scan") != done)
@@ -132,7 +131,7 @@ QString TestWifiConnman::scan()
     return QTest::qWaitFor(isListed, deadline) ? list : QStringLiteral("none");
 }
 
-/** The address of @p interface with the length of its prefix; empty without one. */
+/** The address of @p interface with its prefix length; empty without one. */
 QString TestWifiConnman::kernelAddress(const char *interface)
 {
     QProcess ip;
@@ -233,7 +232,7 @@ void TestWifiConnman::aNetworkThatCouldNotBeJoinedIsJoinedWhenItIsBack()
     supplicant.set("cafe/in_range", "0");
     QCOMPARE(join("Cafe"), done);
     QVERIFY(waitForState("association", "WIFI", ""));
-    // No 60 s pass: the error of ConnMan's reply ends it, and the radio stays on.
+    // Without waiting 60 s: the error of ConnMan's reply ends the attempt, and the radio stays on.
     QVERIFY(waitForState("failure", "WIFI", ""));
     QVERIFY(!RealConnman::properties(cafe).isEmpty());
 

@@ -79,7 +79,9 @@ QString TestWifiAp::start(const QVariantMap &parameters)
     return wifiAp.call("connect", {parameters});
 }
 
-/** Starts the daemon and the access point until the state is that; forgets what happened. */
+/**
+ * Starts the daemon and the access point until that state; discards the calls and signals so far.
+ */
 void TestWifiAp::reach(const QString &name)
 {
     begin();
@@ -183,7 +185,7 @@ void TestWifiAp::aFailureIsAnsweredThenAnnouncedThenReturned()
     QStringList kinds;
     for (const QString &line : monitor.takeFromDaemon())
         kinds << line.section(' ', 0, 0);
-    // The first signal is that of the configuration.
+    // The first signal announces the configuration.
     QCOMPARE(kinds, (QStringList{"signal", "error", "signal", "return"}));
 }
 
@@ -279,7 +281,7 @@ void TestWifiAp::anInterfaceThatIsMissingFails()
     start(lab);
     waitForScripts();
     script.removeInterface();
-    // The interface alone is what is missing.
+    // Only the interface is missing.
     QVERIFY(isProgramRunning("hostapd") && isProgramRunning("dhcpd"));
 
     daemon.letTimePass(2);
@@ -347,7 +349,7 @@ void TestWifiAp::aPendingCheckSurvivesADisconnect()
     QCOMPARE(wifiAp.call("disconnect"), QString("()"));
     QCOMPARE(announced(), aps({"disconnect", "idle"}));
 
-    // The script has not taken the interface away yet.
+    // The script has not removed the interface yet.
     daemon.letTimePass(3);
 
     QCOMPARE(recorder->waitFor(1), aps({"online"}));
@@ -417,7 +419,7 @@ void TestWifiAp::disconnectIsRefusedWhileIdle()
     QCOMPARE(announced(), QStringList());
     QCOMPARE(script.log(), QStringList());
 
-    // What a script is starting when a test ends may outlive it.
+    // Programs that a script starts at the end of a test may outlive it.
     script.hold();
     start(lab);
     QVERIFY(script.waitFor("start 2"));

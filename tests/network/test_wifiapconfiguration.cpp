@@ -56,7 +56,7 @@ void TestWifiApConfiguration::initTestCase()
 void TestWifiApConfiguration::init()
 {
     NetworkTest::init();
-    // What follows the configuration is for another test.
+    // The steps after the configuration are tested elsewhere.
     script.setFailure(1);
 }
 
@@ -227,7 +227,7 @@ void TestWifiApConfiguration::aConfigurationThatCannotBeWrittenFails()
     QCOMPARE(snapshot("/opt/victim"), QStringList());
 }
 
-/** Has a stranger's link lead elsewhere in the place of the configuration's directory. */
+/** Replaces the configuration's directory with a link that the user "stranger" owns. */
 void TestWifiApConfiguration::plantElsewhere()
 {
     const char *const profiles = "/tmp/User_part";
@@ -265,7 +265,7 @@ void TestWifiApConfiguration::aControlCharacterIsRefused_data()
     }
 }
 
-/** A line of the caller's choice would be obeyed by hostapd, which is root. */
+/** hostapd, which runs as root, would obey a line of the caller. */
 void TestWifiApConfiguration::aControlCharacterIsRefused()
 {
     QFETCH(QString, key);

@@ -2,7 +2,7 @@
 
 #include <QElapsedTimer>
 
-/** How an attempt to join a network is bounded, and what may cross it; on the running daemon. */
+/** The timeouts of an attempt to join a network, and events during it; on the running daemon. */
 class TestWifiAttempt : public WifiTest
 {
     Q_OBJECT
@@ -53,7 +53,7 @@ private:
     void thenNothingIsDecided();
 };
 
-/** Time passes by now without any effect, not even a trace. */
+/** Further time has no effect, not even a trace record. */
 void TestWifiAttempt::thenNothingIsDecided()
 {
     orders();
@@ -134,7 +134,7 @@ void TestWifiAttempt::afterAMinuteOfConfiguringAnotherServiceFails()
     QCOMPARE(recorder->waitFor(1), QStringList{labFailure});
     QCOMPARE(trace().mid(records), (QStringList{"servicesChangedSlot OP:connect configuration Lab",
                                                 "timeoutMonitoring OP:none failure Lab"}));
-    // The radio is left alone.
+    // The radio stays on.
     QCOMPARE(connman.journal(), QStringList{getServices});
 }
 
@@ -178,7 +178,7 @@ void TestWifiAttempt::afterAMinuteAServiceThatIsReadyNoMoreFails()
 
     QCOMPARE(announced(), QStringList{labFailure});
     QCOMPARE(trace().mid(records), QStringList{"servicesChangedSlot OP:none failure Lab"});
-    // The radio is left alone, and another attempt may begin.
+    // The radio stays on, and another attempt may begin.
     QCOMPARE(orders(), QStringList());
     QCOMPARE(join(), QString("()"));
     letModuleSwitch();
@@ -293,7 +293,7 @@ void TestWifiAttempt::otherCallsAreAnsweredWhileConnectIsOutstanding()
         QCOMPARE(wifi.call("getStrength"), QString("({})"));
         fastest = qMin(fastest, timer.elapsed());
     }
-    // A busy machine slows some of them down, but not all.
+    // A busy machine delays some of them, but not all.
     QVERIFY2(fastest < 50, qPrintable(QString::number(fastest)));
     QCOMPARE(wifi.call("scan"), QString("()"));
     QCOMPARE(announced(), QStringList());
@@ -311,7 +311,7 @@ void TestWifiAttempt::theAgentAnswersWhileConnectIsOutstanding()
     QCOMPARE(connman.requestInput(lab, {{"Identity", ConnmanStandIn::field("mandatory")}}),
              QString("({\"Identity\": <\"me\">})"));
 
-    // Both answers of one connect are given: the stand-in's own question was the first.
+    // Both replies of one connect have been given: the stand-in's own request was the first.
     QCOMPARE(connman.requestInput(lab, {{"Identity", ConnmanStandIn::field("mandatory")}}),
              QString("net.connman.Agent.Error.Canceled: "));
     QCOMPARE(announced(), QStringList{association});
@@ -336,7 +336,7 @@ void TestWifiAttempt::anErrorOfConnMansOwnEndsTheAttempt()
 
     QCOMPARE(recorder->waitFor(1), QStringList{failure});
     QCOMPARE(trace().mid(records), QStringList{"sendRequestConnect OP:none failure Lab"});
-    // The attempt is over, and the radio left alone.
+    // The attempt is over, and the radio stays on.
     announceService("ready");
     QCOMPARE(announced(), QStringList());
     QCOMPARE(orders(), QStringList());
@@ -522,7 +522,7 @@ void TestWifiAttempt::aConnectWithoutAScriptFails()
 
 void TestWifiAttempt::aConnectWithoutConnmandFailsAndAsksNothing()
 {
-    // On the bus all the same, under a name that pidof does not look for.
+    // Still on the bus, under a name that pidof does not look for.
     connman.kill();
     connman.start("networkd");
     connman.setServices({network("Lab", "idle")});
@@ -558,7 +558,7 @@ void TestWifiAttempt::changesWhileTheScriptRunsLeaveOnlyATrace_data()
     QTest::addColumn<QString>("method");
     QTest::addColumn<int>("serviceRecords");
     QTest::newRow("connect") << "connect" << 0;
-    // A scan keeps the service, whose changes are traced.
+    // A scan keeps the service and traces its changes.
     QTest::newRow("scan") << "scan" << 3;
 }
 

@@ -3,7 +3,7 @@
 
 #include <QRegularExpression>
 
-/** Leaving a Wi-Fi network, and what is known of it; on the running daemon. */
+/** Leaving a Wi-Fi network, and its properties; on the running daemon. */
 class TestWifiDisconnect : public WifiTest
 {
     Q_OBJECT
@@ -50,7 +50,7 @@ private:
     const QString idle = state("WIFI", lab, "idle");
 };
 
-/** reach() with a technology that ConnMan says to be on. */
+/** reach() with a technology that ConnMan reports as powered. */
 void TestWifiDisconnect::reachPowered(const QString &name)
 {
     reach(name);
@@ -247,7 +247,7 @@ void TestWifiDisconnect::withoutConnManItEndsIdle()
     QCOMPARE(disconnect(), failed("Cannot remove service"));
     QCOMPARE(announced(), (QStringList{disconnecting, idle}));
 
-    // Without a service to forget it is the power that fails.
+    // Without a service to forget, the power off fails.
     daemon.stop();
     begin();
     QVERIFY(disconnect().startsWith(failed("Cannot set property Powered: ")));
@@ -309,7 +309,7 @@ void TestWifiDisconnect::aConnManThatStandsStillDoesNotHinderTheEnd()
 
 void TestWifiDisconnect::aConnManThatStandsStillDoesNotStopThePings()
 {
-    // A watchdog whose timer does not come in between.
+    // A watchdog whose timer does not expire meanwhile.
     daemon.setEnvironment("WATCHDOG_USEC", "3000000000000");
     reachPowered("online");
     BusMonitor monitor;
@@ -340,7 +340,7 @@ void TestWifiDisconnect::aScriptThatRunsDoesNotHinderTheEnd()
 
     QCOMPARE(announced(),
              (QStringList{state("WIFI", "", "disconnect"), state("WIFI", "", "idle")}));
-    // The module is evaluated for nobody.
+    // The module's readiness has no effect.
     orders();
     script.release();
     letModuleSwitch();
@@ -383,7 +383,7 @@ void TestWifiDisconnect::theModuleOfAnEndedAttemptStaysOff()
     QCOMPARE(connman.journal(), QStringList());
     QCOMPARE(trace().last().section(' ', 0, 2),
              QString("slotLoadFirmwareFinishedDelayed OP:none idle"));
-    // But the module counts as switched: ConnMan's signals are heard again.
+    // But the module counts as switched: the daemon handles ConnMan's signals again.
     power(true);
     QCOMPARE(announced(), QStringList());
     QCOMPARE(connman.journal(), (QStringList{getServices, asyncScan}));

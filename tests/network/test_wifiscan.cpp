@@ -73,7 +73,7 @@ void TestWifiScan::initTestCase()
     qDBusRegisterMetaType<Texts>();
 }
 
-/** Starts a scan and waits until the technology is told to be on. */
+/** Starts a scan and waits until the daemon powers the technology on. */
 void TestWifiScan::startScan()
 {
     scan();
@@ -393,7 +393,7 @@ void TestWifiScan::aScanWithoutAScriptFails()
 
 void TestWifiScan::aScanWithoutConnmandFailsAndAsksNothing()
 {
-    // On the bus all the same, under a name that pidof does not look for.
+    // Still on the bus, under a name that pidof does not look for.
     connman.kill();
     connman.start("networkd");
     connman.setServices({network("Lab", "idle")});

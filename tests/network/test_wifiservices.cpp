@@ -2,7 +2,7 @@
 
 #include <QTest>
 
-/** Picking Wi-Fi networks out of ConnMan's list of services. */
+/** Selecting Wi-Fi networks from ConnMan's list of services. */
 class TestWifiServices : public QObject
 {
     Q_OBJECT
@@ -40,7 +40,7 @@ QStringList paths(const QList<ConnmanObject> &services)
     return list;
 }
 
-/** What the scan list says of a network with this property. */
+/** The entry in the scan list of a network with this property. */
 QStringList scanned(const QString &property, const QVariant &value)
 {
     return wifiScanList({service("wifi_a", {{"Name", "Lab"}, {property, value}})})

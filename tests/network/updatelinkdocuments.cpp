@@ -4,7 +4,7 @@
 
 #include <cstdio>
 
-/** Brings the machines in the documents that are named up to date. */
+/** Updates the state machines in the given documents. */
 int main(int count, char **arguments)
 {
     for (int number = 1; number < count; ++number) {
