@@ -6,9 +6,9 @@
 #include <QString>
 #include <QStringList>
 
-/** What kyboardctl ended with, and what it printed. */
+/** The exit status and output of kyboardctl. */
 struct ClientResult {
-    /** -1 where it did not end in time. */
+    /** -1 if it did not end in time. */
     int status;
     QString output;
     QString complaint;
@@ -17,13 +17,13 @@ struct ClientResult {
 /**
  * Runs kyboardctl to its end.
  *
- * @param input the whole of its standard input, which is no terminal
- * @param environment as in "NO_COLOR=1"
+ * @param input the complete standard input, which is no terminal
+ * @param environment for example "NO_COLOR=1"
  */
 ClientResult runClient(const QStringList &arguments, const QByteArray &input = {},
                        const QStringList &environment = {});
 
-/** Starts kyboardctl in @p client, with all of its standard input. */
+/** Starts kyboardctl in @p client with its complete standard input. */
 void startClient(QProcess &client, const QStringList &arguments, const QByteArray &input = {},
                  const QStringList &environment = {});
 

@@ -3,7 +3,7 @@
 
 #include <QTest>
 
-/** What kyboardctl says of a bus that does not do what it is asked for. */
+/** kyboardctl's messages for faults of the bus. */
 class TestBusFault : public QObject
 {
     Q_OBJECT
@@ -67,7 +67,7 @@ void TestBusFault::eachFaultHasItsSentence()
     fault.errorName = "org.freedesktop.DBus.Error." + error;
     fault.errorText = "TEXT";
     QTEST(sentence(fault), "expected");
-    // An error of another service's own, whatever it ends with.
+    // Another service's error, with any last word.
     fault.errorName = "com.example.Error." + error;
     if (isJoined)
         QCOMPARE(sentence(fault), "TEXT (com.example.Error." + error + ')');

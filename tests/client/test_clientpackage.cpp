@@ -19,7 +19,7 @@
 
 #include <QProcess>
 
-/** The classes that programs use the daemon with, and the example that was built with them. */
+/** The installed client classes, and the example that is built with them. */
 class TestClientPackage : public DaemonTest
 {
     Q_OBJECT
@@ -50,7 +50,7 @@ private:
 
 namespace
 {
-/** Empty where the call was answered as it should be. */
+/** Returns the error of a reply; empty on success. */
 QString errorOf(QDBusPendingCall reply)
 {
     reply.waitForFinished();

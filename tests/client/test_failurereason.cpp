@@ -2,7 +2,7 @@
 
 #include <QTest>
 
-/** Why a connect failed, as kyboardctl says it. */
+/** The reason that kyboardctl gives for a failed connect. */
 class TestFailureReason : public QObject
 {
     Q_OBJECT

@@ -3,7 +3,7 @@
 
 #include <QTest>
 
-/** How kyboardctl tells options from words, and what it makes of passphrases. */
+/** kyboardctl's parsing of options and words, and its handling of passphrases. */
 class TestInvocation : public QObject
 {
     Q_OBJECT
@@ -53,7 +53,7 @@ void TestInvocation::optionsStandAnywhere()
 void TestInvocation::wrongOptionsAreComplainedAbout_data()
 {
     QTest::addColumn<QString>("complaint");
-    // Each row is named after its command line.
+    // The name of each row is its command line.
     const auto row = [](const char *line, const char *complaint) {
         QTest::newRow(line) << complaint;
     };

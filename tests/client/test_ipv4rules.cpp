@@ -2,7 +2,7 @@
 
 #include <QTest>
 
-/** Which IPv4 settings kyboardctl sends. */
+/** The IPv4 settings that kyboardctl accepts. */
 class TestIpv4Rules : public QObject
 {
     Q_OBJECT
@@ -20,7 +20,7 @@ void TestIpv4Rules::eachTextIsWhatItIs_data()
     QTest::addColumn<bool>("isMask");
     QTest::addColumn<bool>("isServer");
 
-    // Each row is named after its text.
+    // The name of each row is its text.
     const auto row = [](const char *text, const QString &kinds) {
         QTest::newRow(text) << kinds.contains('h') << kinds.contains('m') << kinds.contains('s');
     };
@@ -99,7 +99,7 @@ void TestIpv4Rules::settingsHaveToAgree_data()
     row("Method=manual Address=10.0.0.2 Netmask=255.255.255.0 Gateway=10.0.0.255",
         "Gateway: '10.0.0.255' is the broadcast address of the network 10.0.0.0/24, not of a "
         "host");
-    // The daemon always has a gateway: its own address stands for none.
+    // The daemon always sets a gateway: its own address means none.
     row("Method=manual Address=10.0.0.1 Netmask=255.255.255.0 Gateway=10.0.0.1", "");
     row("Method=manual Address=10.0.0.2 Gateway=11.0.0.1",
         "Gateway: '11.0.0.1' is not in the network 10.0.0.0/8 of the address");
@@ -119,7 +119,7 @@ void TestIpv4Rules::settingsHaveToAgree_data()
         "host");
     row("Method=manual Address=10.0.0.2 Netmask=255.255.255.255 Gateway=10.0.0.1",
         "Gateway: '10.0.0.1' is not in the network 10.0.0.2/32 of the address");
-    // Without the method, or with another one, what is missing may be stored already.
+    // Without the method, or with another one, missing values may already be stored.
     row("Address=10.0.3.2 Gateway=11.0.0.1", "");
     row("Address=10.0.3.2 Netmask=255.255.255.0", "");
     row("Address=10.0.3.2 Netmask=255.255.255.0 Gateway=10.0.0.1",

@@ -13,7 +13,7 @@
 
 #include <csignal>
 
-/** kyboardctl's monitor, running beside the test. */
+/** kyboardctl's monitor, running in parallel with the test. */
 class RunningMonitor
 {
 public:
@@ -239,7 +239,7 @@ void TestKyboardctl::aWrongCommandLineSendsNothing()
     QCOMPARE(result.status, 2);
     QCOMPARE(result.complaint, "kyboardctl: " + complaint + '\n');
     QCOMPARE(result.output, QString());
-    // It does not even join the bus.
+    // It does not even connect to the bus.
     QStringList messages;
     for (const BusMessage &message : monitor.take())
         messages << message.line();
@@ -346,7 +346,7 @@ void TestKyboardctl::statusForMachinesIsOneObject()
     QCOMPARE(status.value("profile").toString(), QStringLiteral("user1"));
     QCOMPARE(status.value("backlight").toInt(), 55);
     QCOMPARE(status.value("temperatures").toObject().value("SOM").toInt(), 42);
-    // Nothing is connected, and no interface is there.
+    // Nothing is connected, and no interface exists.
     for (const char *key : {"ethernet", "ethernetHardware", "wifi", "wifiHardware", "wifiStrength",
                             "accessPointHardware"})
         QVERIFY2(status.contains(key) && status.value(key).isNull(), key);

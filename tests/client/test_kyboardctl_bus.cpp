@@ -6,7 +6,7 @@
 #include <QJsonObject>
 #include <QStandardPaths>
 
-/** Which bus kyboardctl asks, as whom, and what it makes of an answer. */
+/** The bus that kyboardctl calls, its user, and its handling of replies. */
 class TestKyboardctlBus : public DaemonTest
 {
     Q_OBJECT
@@ -44,7 +44,7 @@ void TestKyboardctlBus::cleanup()
 
 ClientResult TestKyboardctlBus::runAs(const char *user, const QStringList &words)
 {
-    // The tree need not be open to others.
+    // Other users may have no access to the tree.
     const QString copy = "/tmp/kyboardctl";
     QFile::remove(copy);
     QFile::copy(QStandardPaths::findExecutable("kyboardctl"), copy);
@@ -55,7 +55,7 @@ ClientResult TestKyboardctlBus::runAs(const char *user, const QStringList &words
     return resultOf(client);
 }
 
-/** Whether the bus lets the user "stranger" join it. */
+/** Sets whether the bus lets the user "stranger" connect. */
 void TestKyboardctlBus::admitStrangers(bool are)
 {
     if (are)
@@ -66,7 +66,7 @@ void TestKyboardctlBus::admitStrangers(bool are)
     Remote("org.freedesktop.DBus", "/", "org.freedesktop.DBus").reply("ReloadConfig");
 }
 
-/** Puts a program in ssh's place that runs what it is given here, and notes its arguments. */
+/** Replaces ssh with a program that runs the command locally and logs its arguments. */
 void TestKyboardctlBus::replaceSsh()
 {
     writeFile("/tmp/programs/ssh", "#!/bin/sh\n"

@@ -7,7 +7,7 @@
 #include <QTemporaryFile>
 #include <QTest>
 
-/** What kyboardctl makes of its command line, and of values for people and machines. */
+/** kyboardctl's parsing of its command line, and its formatting of values. */
 class TestKyboardctlCommandLine : public QObject
 {
     Q_OBJECT

@@ -30,7 +30,7 @@ void TestKyboardctlCompletion::initTestCase()
     qputenv("PATH", QByteArray(PROGRAMS ":") + qgetenv("PATH"));
 }
 
-/** What bash is offered for the last of the words, into which it has split the command line. */
+/** Bash's completions for the last of the words. */
 QStringList TestKyboardctlCompletion::replies(const QStringList &words)
 {
     QProcess bash;
@@ -124,13 +124,13 @@ void TestKyboardctlCompletion::aKeyPressCompletesInZsh()
     QVERIFY2(zsh.shows("manual"), zsh.shown().constData());
     zsh.type("Addr\t");
     QVERIFY2(zsh.shows("Address="), zsh.shown().constData());
-    // What stands on the line now, as a command would get it.
+    // The current line, as a command would get it.
     zsh.type("10.0.0.2\x01print -r -- \n");
     QVERIFY2(zsh.shows("\nkyboardctl wifi set-ipv4 Method=manual Address=10.0.0.2\r\n"),
              zsh.shown().constData());
 }
 
-/** As it is installed, a file of its own in the path of functions. */
+/** As installed: a file of its own in the function path. */
 void TestKyboardctlCompletion::zshFindsItByItsName()
 {
     qputenv("TERM", "xterm");

@@ -15,7 +15,7 @@
 
 #include <csignal>
 
-/** kyboardctl shows what changes: to scripts and tests, and to a person at a terminal. */
+/** kyboardctl's live views: for scripts and tests, and on a terminal. */
 class TestKyboardctlLive : public DaemonTest
 {
     Q_OBJECT
@@ -57,7 +57,7 @@ void TestKyboardctlLive::init()
     QVERIFY(daemon.start());
 }
 
-/** Waits until a monitor listens. */
+/** Waits until a monitor is subscribed. */
 static bool listens(QProcess &client)
 {
     return QTest::qWaitFor([&client] { return client.peek(1000).contains("daemon.there\n"); },
@@ -194,7 +194,7 @@ void TestKyboardctlLive::withoutTheBusMonitorEnds()
     QCOMPARE(result.status, 3);
 }
 
-/** Qt D-Bus's thread reads messages until it is stopped, which is after main() has returned. */
+/** Qt D-Bus's thread reads messages until it is stopped, after main() has returned. */
 void TestKyboardctlLive::messagesDuringItsEndAreIgnored()
 {
     QDBusConnection bus = QDBusConnection::systemBus();
@@ -278,7 +278,7 @@ void TestKyboardctlLive::watchSurvivesTheDaemon()
     QTRY_VERIFY_WITH_TIMEOUT(client.shown().count("Revisions") > drawn, 20000);
 }
 
-/** Whoever asks for temperatures has the daemon announce those that are too high. */
+/** A call for temperatures makes the daemon announce those that are too high. */
 void TestKyboardctlLive::hotSensorsDoNotKeepWatchBusy()
 {
     QCOMPARE(runClient({"temperature", "threshold", "SOM", "1"}).status, 0);
@@ -364,7 +364,7 @@ void TestKyboardctlLive::linesFitTheTerminal()
         for (const QString &line : shown.split("\r\n"))
             QVERIFY2(line.size() <= 60, qPrintable(line));
         QVERIFY(shown.count('\n') > 1);
-        // Not where a program reads them.
+        // No wrapping for a program that reads the output.
         QVERIFY(!runClient(QString(words).split(' ')).output.contains("\n     "));
     }
 }

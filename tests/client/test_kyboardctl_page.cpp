@@ -8,8 +8,7 @@
 #include <QRegularExpression>
 #include <QTest>
 
-/** The manual page of kyboardctl tells of everything that the program knows, and of nothing else.
- */
+/** The manual page of kyboardctl documents every command, option and status, and no others. */
 class TestKyboardctlPage : public QObject
 {
     Q_OBJECT
@@ -35,7 +34,7 @@ private:
     bool isInside = false;
 };
 
-/** @p text of the page's source as it is shown. */
+/** @p text of the page's source as the reader sees it. */
 QString TestKyboardctlPage::plain(QString text)
 {
     return text.remove(QRegularExpression("\\\\f[A-Z]"))
@@ -107,7 +106,7 @@ void TestKyboardctlPage::everyCommandIsThere()
     for (const QVector<Command> *table : {&ownCommands(), &commands()}) {
         for (const Command &command : *table) {
             QString entry = synopsis(command) + ": " + sentence(command.help);
-            // What help is given needs no explanation.
+            // Arguments of help need no explanation.
             for (const Argument &argument :
                  command.words == "help" ? QVector<Argument>() : command.arguments) {
                 const bool isWord = argument.kind != Kind::Settings;

@@ -6,7 +6,7 @@
 #include <QJsonDocument>
 #include <QJsonObject>
 
-/** A copy of the identification records is made and brought back, on the running daemon. */
+/** Dump and restore of the identification records, on the running daemon. */
 class TestKyboardctlRecords : public DaemonTest
 {
     Q_OBJECT
@@ -40,7 +40,7 @@ void TestKyboardctlRecords::init()
     QVERIFY(daemon.start());
 }
 
-/** What it remembers of the EEPROMs does not outlive the daemon. */
+/** A restart clears the daemon's cache of the EEPROMs. */
 void TestKyboardctlRecords::restart()
 {
     daemon.stop();
@@ -88,7 +88,7 @@ void TestKyboardctlRecords::restoringGivesBackEveryField()
     QCOMPARE(dumped.complaint, QString());
     QCOMPARE(dumped.output, QString());
     QCOMPARE(dumped.status, 0);
-    // Another board, which holds nothing of it.
+    // Another board, without these records.
     Board::setBytes("eeprom/instrument", QByteArray(128, '\xff'));
     Board::setBytes("eeprom/measure", QByteArray(2048, '\xff'));
     restart();

@@ -9,7 +9,10 @@
 #include <QJsonDocument>
 #include <QJsonObject>
 
-/** kyboardctl destroys nothing unasked, shows no secrets, and does not pass silence for success. */
+/**
+ * kyboardctl destroys nothing without confirmation, shows no secrets, and does not take silence for
+ * success.
+ */
 class TestKyboardctlSafety : public EthernetTest
 {
     Q_OBJECT
@@ -117,11 +120,11 @@ void TestKyboardctlSafety::aPersonIsAsked()
     client.type(answer);
     QCOMPARE(client.waitForEnd(), status);
     QCOMPARE(QFile::exists(profile("user3") + "/notes"), status != 0);
-    // The name of the program before it is in colour.
+    // The program's name before it is coloured.
     QCOMPARE(client.shown().contains(" user reset: not confirmed"), status != 0);
 }
 
-/** Complaints go elsewhere, questions do not. */
+/** Complaints are redirected, questions are not. */
 void TestKyboardctlSafety::aQuestionIsSeenWithoutStandardError()
 {
     startDaemon();
@@ -140,7 +143,7 @@ void TestKyboardctlSafety::aQuestionIsSeenWithoutStandardError()
     QCOMPARE(secret.waitForEnd(), 2);
 }
 
-/** A program without a terminal of its own whose standard input is one, by chance. */
+/** A program without a controlling terminal whose standard input happens to be one. */
 void TestKyboardctlSafety::whatNobodySeesIsNotAsked()
 {
     startDaemon();

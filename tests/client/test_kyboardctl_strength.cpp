@@ -3,7 +3,7 @@
 
 #include <QRegularExpression>
 
-/** The strength that kyboardctl shows is that of the network that is joined. */
+/** kyboardctl shows the strength of the connected network. */
 class TestKyboardctlStrength : public WifiTest
 {
     Q_OBJECT

@@ -13,7 +13,7 @@
 
 #include <csignal>
 
-/** kyboardctl's networks, the whole way: daemon, real ConnMan, no radio, DHCP. */
+/** kyboardctl's networks, end to end: daemon, real ConnMan, no radio, DHCP. */
 class TestKyboardctlWifi : public DaemonTest
 {
     Q_OBJECT
@@ -207,7 +207,7 @@ void TestKyboardctlWifi::aWrongPassphraseFailsAndTheRightOneThenLeadsOnline()
         QCOMPARE(run({"wifi", "connect", "Workshop"}, "seven seas\n").status, 0);
         QCOMPARE(run({"wifi", "disconnect"}).status, 0);
     }
-    // No 60 s pass: an attempt that has to wait for them has no outcome by then.
+    // Before 60 s: an attempt that needs them has no outcome by then.
     const Result result = run({"wifi", "connect", "Workshop", "--timeout", "30"}, "eight seas\n");
     QCOMPARE(result.status, 5);
     QCOMPARE(result.output, QStringLiteral("failure\n"));
@@ -245,7 +245,7 @@ void TestKyboardctlWifi::anAbsentNetworkFails()
 
 void TestKyboardctlWifi::aCableThatIsConnectedAlreadyLeadsOnline()
 {
-    // A ConnMan that came up after the daemon has the wired technology on.
+    // A ConnMan that started after the daemon has the wired technology powered.
     connman.kill();
     daemon.stop();
     QVERIFY(daemon.start());
@@ -307,7 +307,7 @@ void TestKyboardctlWifi::aNetworkIsForgotten()
     const QString settings = "/var/lib/connman/"
                              "wifi_02aabbccdd03_576f726b73686f70_managed_psk/settings";
     QCOMPARE(run({"wifi", "connect", "Workshop"}, "seven seas\n").complaint, QString());
-    // A daemon that starts switches the radio off: ConnMan knows the network, and lists none.
+    // A daemon that starts powers the radio off: ConnMan knows the network but does not list it.
     daemon.stop();
     QVERIFY(daemon.start());
     QTRY_VERIFY_WITH_TIMEOUT(readFile(settings).contains("Passphrase=seven seas"), 20000);
@@ -327,7 +327,7 @@ void TestKyboardctlWifi::theNetworkThatIsJoinedIsLeftAndForgotten()
     const QString settings = "/var/lib/connman/"
                              "wifi_02aabbccdd03_576f726b73686f70_managed_psk/settings";
     QCOMPARE(run({"wifi", "connect", "Workshop"}, "seven seas\n").complaint, QString());
-    // Another network is not touched.
+    // Other networks stay.
     QCOMPARE(run({"wifi", "forget", "Nowhere"}).status, 5);
     QCOMPARE(run({"wifi", "strength"}).status, 0);
     const Result result = run({"wifi", "forget", "Workshop"});
@@ -375,7 +375,7 @@ void TestKyboardctlWifi::whatIsDisconnectedAlreadyIsNoFailure()
         QCOMPARE(result.status, 0);
     }
     QCOMPARE(script.log(), QStringList());
-    // Any other error is one.
+    // Every other error is reported.
     connman.kill();
     const Result result = run(words);
     QCOMPARE(result.status, line.startsWith("ap") ? 0 : 1);
@@ -397,7 +397,7 @@ void TestKyboardctlWifi::whileConnectedNothingElseIsTried()
                                             "busy with something else\n"));
     QCOMPARE(script.log(), (QStringList{"start 1", "end 1"}));
 
-    // To be where one wants to be is success.
+    // Already connected to that network: success.
     const Result same = run({"wifi", "connect", "Cafe", "--open"});
     QCOMPARE(same.complaint, QString());
     QCOMPARE(same.output, QStringLiteral("online\n"));

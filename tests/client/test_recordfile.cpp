@@ -9,7 +9,7 @@
 
 #include <functional>
 
-/** The copy of both identification records in a file. */
+/** The file with a copy of both identification records. */
 class TestRecordFile : public QObject
 {
     Q_OBJECT
@@ -30,7 +30,7 @@ private:
     static QByteArray copy();
 };
 
-/** Records as the daemon gives them, made of @p bytes again and again. */
+/** Records as the daemon returns them, filled with repetitions of @p bytes. */
 Records TestRecordFile::records(const QByteArray &bytes)
 {
     QByteArray filling;
@@ -236,7 +236,7 @@ void TestRecordFile::everyTruncatedFileIsRefused()
     }
 }
 
-/** Whatever single number is another one. */
+/** Changes every single number. */
 void TestRecordFile::everyChangedValueIsRefused()
 {
     const QJsonObject file = QJsonDocument::fromJson(copy()).object();

@@ -3,7 +3,7 @@
 #include <QRegularExpression>
 #include <QTest>
 
-/** How kyboardctl lays text out for a terminal. */
+/** kyboardctl's layout for terminals. */
 class TestTerminalLayout : public QObject
 {
     Q_OBJECT
@@ -88,7 +88,7 @@ void TestTerminalLayout::whatMeansSomethingHasAColour_data()
     row("online", "32");
     row("association", "33");
     row("not connected", "2");
-    // Of no meaning.
+    // Without a colour.
     row("BAT_RS1=OFF", "");
     row("WIFI", "");
     row("offer", "");

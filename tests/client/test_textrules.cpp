@@ -2,7 +2,7 @@
 
 #include <QTest>
 
-/** Which texts of a command line may be sent. */
+/** The texts that kyboardctl accepts on its command line. */
 class TestTextRules : public QObject
 {
     Q_OBJECT

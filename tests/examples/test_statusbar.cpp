@@ -18,7 +18,7 @@ namespace
 {
 QStringList warnings;
 
-/** What Qt and QML complain about. */
+/** Collects the messages of Qt and QML. */
 void takeMessage(QtMsgType type, const QMessageLogContext &, const QString &text)
 {
     if (type != QtDebugMsg && type != QtInfoMsg)
@@ -31,7 +31,7 @@ const QColor red("#f0655c");
 const QColor grey("#68727c");
 } // namespace
 
-/** The status bar beside the real daemon: what the model says, and what can be seen of it. */
+/** The status bar with the real daemon: its model and its picture. */
 class TestStatusBar : public WifiTest
 {
     Q_OBJECT
@@ -101,7 +101,7 @@ QColor TestStatusBar::colourOf(const char *name) const
     return sign(name)->property("color").value<QColor>();
 }
 
-/** What can be seen; the window itself cannot be grabbed without a screen. */
+/** The visible picture; without a screen the window itself cannot be grabbed. */
 QImage TestStatusBar::picture()
 {
     const QSharedPointer<QQuickItemGrabResult> result = view->rootObject()->grabToImage();
@@ -109,7 +109,7 @@ QImage TestStatusBar::picture()
     return ready.wait(20000) ? result->image().convertToFormat(QImage::Format_RGB32) : QImage();
 }
 
-/** The colour that is seen there, in parts of the item's width and height. */
+/** The visible colour at a position, in parts of the item's width and height. */
 QColor TestStatusBar::pixelAt(const char *name, double x, double y)
 {
     const auto *item = qobject_cast<QQuickItem *>(sign(name));
@@ -142,7 +142,7 @@ void TestStatusBar::theDaemonIsShownWhenItComes()
     QTRY_COMPARE(instrument->backlight(), 55);
     QTRY_COMPARE(instrument->sdCard(), QString("none"));
     QCOMPARE(instrument->problem(), QString());
-    // It has seen the start: all links are down.
+    // It has seen the daemon start: all links are down.
     for (const Link *link : {instrument->ethernet(), instrument->wifi(), instrument->accessPoint()})
         QCOMPARE(link->state(), QString("idle"));
     QCOMPARE(sign("problem")->property("visible").toBool(), false);
@@ -185,10 +185,10 @@ void TestStatusBar::theStationIsShownAsItConnects()
     QCOMPARE(colourOf("wifi"), green);
     connman.setProperty(lab, "Strength", QVariant::fromValue(uchar(20)));
     QTRY_COMPARE(instrument->wifi()->strength(), 20);
-    // The last of the four bars is not lit any more, the first one is.
+    // The last of the four bars is no longer lit, the first one is.
     QTRY_COMPARE(pixelAt("strength", 0.95, 0.5), grey);
     QCOMPARE(pixelAt("strength", 0.1, 0.75), green);
-    // ConnMan has it off already: that is an error, and leads to idle all the same.
+    // ConnMan reports that it is already off, which is an error and leads to idle nevertheless.
     wifi.call("disconnect");
     QTRY_COMPARE(state(instrument->wifi()), QString("idle"));
     QCOMPARE(colourOf("wifi"), grey);
@@ -223,7 +223,7 @@ void TestStatusBar::whoStartsLateKnowsWhatIsUp()
     QTRY_COMPARE(instrument->wifi()->address(), QString("10.0.0.7"));
     QTRY_COMPARE(instrument->wifi()->strength(), 70);
     QTRY_COMPARE(instrument->profile(), QString("user1"));
-    // Nothing tells how far the cable is, and whether there is an access point.
+    // The state of the cable and of the access point is unknown.
     QCOMPARE(state(instrument->ethernet()), QString("unknown"));
     QCOMPARE(state(instrument->accessPoint()), QString("unknown"));
     QCOMPARE(sign("ethernet")->property("text").toString(), QString("LAN ?"));
@@ -255,7 +255,7 @@ void TestStatusBar::theDaemonMayDieAndComeBack()
     QTRY_COMPARE(instrument->profile(), QString("user2"));
     QTRY_COMPARE(instrument->batteryLevel(), 80);
     QCOMPARE(state(instrument->wifi()), QString("idle"));
-    // It hears the new one, too.
+    // It receives the new daemon's signals, too.
     QCOMPARE(Remote("/KyConfigMgr", "Users").call("setUser", {"user3"}), QString("()"));
     QTRY_COMPARE(instrument->profile(), QString("user3"));
     connectEthernet(ethernet, connman, "association");
@@ -270,7 +270,7 @@ void TestStatusBar::theBatteryFollowsTheBoard()
     QTRY_COMPARE(pixelAt("fill", 0.98, 0.5), green);
     const double full = sign("fill")->property("width").toDouble();
     Board::set("battery/charge", "15");
-    // No signal tells before the daemon's next check: the bar asks.
+    // No signal before the daemon's next check: the bar asks.
     QTRY_COMPARE_WITH_TIMEOUT(instrument->batteryLevel(), 20, 20000);
     QCOMPARE(sign("fill")->property("width").toDouble(), full / 4);
     QTRY_COMPARE(pixelAt("fill", 0.5, 0.5), red);
@@ -289,7 +289,7 @@ void TestStatusBar::cardAndKeyAreShown()
     QVERIFY(Board::storage("insert", "USB"));
     QTRY_COMPARE(instrument->usbKey(), QString("inserted"));
     QCOMPARE(colourOf("usbKey"), amber);
-    // That it is mounted is announced by nobody.
+    // No signal announces the mount.
     QVERIFY(Board::storage("mount", "USB"));
     QTRY_COMPARE_WITH_TIMEOUT(instrument->usbKey(), QString("mounted"), 20000);
     QVERIFY(Board::storage("remove", "USB"));
@@ -365,11 +365,11 @@ void TestStatusBar::thePictureShowsTheBar()
     QVERIFY(Board::storage("insert", "USB"));
     QTRY_COMPARE(colourOf("usbKey"), amber);
     const QImage shown = picture();
-    // For whoever has changed the bar.
+    // For a developer who has changed the bar.
     static_cast<void>(shown.save(DRAWN));
     const QImage kept = QImage(PICTURE).convertToFormat(QImage::Format_RGB32);
     QCOMPARE(kept.size(), shown.size());
-    // Letters are not drawn the same everywhere.
+    // Text rendering differs between machines.
     int different = 0;
     for (int y = 0; y < shown.height(); ++y) {
         for (int x = 0; x < shown.width(); ++x)

@@ -4,7 +4,7 @@
 #include <QSignalSpy>
 #include <QTest>
 
-/** The parts of the status bar that know no bus. */
+/** The parts of the status bar that do not use the bus. */
 class TestStatusBarParts : public QObject
 {
     Q_OBJECT

@@ -1,7 +1,7 @@
 # shellcheck shell=bash
 # For the checks that need a system of nothing but Debian's packages.
 
-# A minimal system with these packages as DIRECTORY/system.tar, which stays for the next time.
+# Makes a minimal system with these packages as DIRECTORY/system.tar, which is kept as a cache.
 # usage: make_system DIRECTORY [PACKAGE...]
 make_system() {
     local directory=$1 repositories
@@ -15,7 +15,7 @@ make_system() {
     echo "system of $*" >"$directory/complete"
 }
 
-# Unpacks it afresh as DIRECTORY/root.
+# Unpacks a fresh system as DIRECTORY/root.
 # usage: unpack_system DIRECTORY
 unpack_system() {
     rm -rf "$1/root"
@@ -23,8 +23,8 @@ unpack_system() {
     tar --extract --file "$1/system.tar" --directory "$1/root"
 }
 
-# Boots what was unpacked, with no network, and lets it run until it is powered off, or until the time is
-# over. Whatever a service there cannot write to is for its own restrictions, not for the container's.
+# Boots the unpacked system without a network, until it powers off or the time is over. The
+# container makes nothing read-only: the restrictions of the services are tested.
 # usage: boot_system DIRECTORY SECONDS
 boot_system() {
     SYSTEMD_NSPAWN_API_VFS_WRITABLE=yes timeout --kill-after=10 "$2" \

@@ -6,7 +6,7 @@
 #include <QTemporaryDir>
 #include <QTest>
 
-/** The document of the D-Bus interfaces, and the program that makes it. */
+/** The document of the D-Bus interfaces, and the program that generates it. */
 class TestApiDocument : public QObject
 {
     Q_OBJECT
@@ -27,7 +27,7 @@ private:
     };
     static Result run(const QStringList &options);
 
-    /** What the program says when an introspection document holds something else in one place. */
+    /** The program's result after a change in one place of an introspection document. */
     Result runAfter(const QString &file, const QByteArray &content);
 };
 

@@ -6,7 +6,7 @@
 #include <QTemporaryDir>
 #include <QTest>
 
-/** What the documents name, and the program that looks whether it is there. */
+/** The names in the documents, and the program that checks that they exist. */
 class TestDocuments : public QObject
 {
     Q_OBJECT
@@ -23,11 +23,11 @@ private Q_SLOTS:
     void readmeNamesWhatIsInstalled();
 
 private:
-    /** What the program complains of; "none" where it is content. */
+    /** The program's complaints; "none" if there are none. */
     static QString complaints(const QStringList &documents);
     static QString complaintsOf(const QByteArray &text);
     static QString text(const QString &file);
-    /** What the expression's group matches in the text, sorted, each once. */
+    /** The sorted, unique matches of the expression's group in the text. */
     static QStringList matches(const QString &text, const char *expression);
     static QString manualPage();
 };
@@ -138,7 +138,7 @@ void TestDocuments::theManualPageHasTheOptionsOfTheInstrument()
 
 void TestDocuments::theManualPageHasTheCommandsInTheInstrument()
 {
-    // What starts the instrument, and what only other scripts call.
+    // Scripts that start the instrument, or that only other scripts call.
     const QStringList internal{"emulated", "instrument", "kyboard-instrument", "world"};
     QStringList commands{"uevent"};
     for (const char *directory : {"/simulator", "/simulator/network"}) {
@@ -156,7 +156,8 @@ void TestDocuments::theManualPageHasTheCommandsInTheInstrument()
 
 void TestDocuments::installingNamesTheBuildDependencies()
 {
-    // Without what only the virtual instrument needs, and what every Debian package is built with.
+    // Without the packages that only the virtual instrument needs, and those that every Debian
+    // package is built with.
     QStringList declared =
         matches(text("debian/control").section("Build-Depends:", 1).section("libqt5svg5-dev", 0, 0),
                 "([a-z][a-z0-9+-]+)(?: \\([^)]*\\))?,");

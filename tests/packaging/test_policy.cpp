@@ -11,7 +11,7 @@
 #include <pwd.h>
 #include <unistd.h>
 
-/** Who may do what with the daemon under the stock rules of the system bus and our policy. */
+/** Permissions under the stock rules of the system bus and our policy. */
 class TestPolicy : public DaemonTest
 {
     Q_OBJECT
@@ -34,7 +34,7 @@ private Q_SLOTS:
     void memberByMember();
 
 private:
-    /** What busctl, run as @p user, prints; the first line of its complaint where it failed. */
+    /** The output of busctl as @p user; the first line of its error on failure. */
     static QString busctl(const QString &user, const QStringList &arguments);
 
     static QStringList call(const QString &interface, const QString &method,
@@ -149,7 +149,7 @@ void TestPolicy::everybodyHearsSignals()
 
 namespace
 {
-/** A connection to the system bus, as @p user with all groups of that user. */
+/** A connection to the system bus as @p user with all groups of that user. */
 QDBusConnection connectAs(const char *user)
 {
     const passwd *entry = getpwnam(user);
@@ -161,7 +161,7 @@ QDBusConnection connectAs(const char *user)
     return bus;
 }
 
-/** Whether the bus lets @p call of @p user through to the daemon, whatever that answers. */
+/** Returns whether the bus lets @p call of @p user through to the daemon, whatever the reply. */
 QString fate(const char *user, const QDBusMessage &call)
 {
     QDBusConnection bus(user);
@@ -176,7 +176,7 @@ QString fate(const char *user, const QDBusMessage &call)
                : QStringLiteral("through");
 }
 
-/** The name in "method isMounted(in s device, out b)"; empty for what is no method. */
+/** The name in "method isMounted(in s device, out b)"; empty if it is no method. */
 QString methodName(const QString &member)
 {
     return member.startsWith(QLatin1String("method ")) ? member.section(' ', 1).section('(', 0, 0)
@@ -198,7 +198,7 @@ void TestPolicy::nobodySendsSignalsToTheDaemonAlone_data()
     QTest::newRow("stranger") << "stranger";
 }
 
-/** The stock rules let a signal to one receiver through, and what receives it has to read it. */
+/** The stock rules let unicast signals through, and the receiver would have to read them. */
 void TestPolicy::nobodySendsSignalsToTheDaemonAlone()
 {
     QFETCH(QString, user);
@@ -242,8 +242,8 @@ void TestPolicy::fileDescriptorsAreForNobody()
 }
 
 /**
- * A rule without one would hold for every service of the bus. The daemon's own user has a rule for
- * what it calls; all others are about the daemon.
+ * A rule without a destination would apply to every service of the bus. The daemon's own user has a
+ * rule for its calls; all others are about the daemon.
  */
 void TestPolicy::everyRuleNamesItsDestination()
 {
@@ -331,8 +331,8 @@ void TestPolicy::memberByMember_data()
 }
 
 /**
- * The rules do not look at arguments: the calls have some that no method takes, so that nothing
- * happens where they come through.
+ * The rules ignore arguments: the calls have invalid ones, so that they have no effect when they
+ * get through.
  */
 void TestPolicy::memberByMember()
 {

@@ -6,7 +6,7 @@
 
 #include <unistd.h>
 
-/** What a purge of the package removes. */
+/** The files that a purge of the package removes. */
 class TestPurge : public QObject
 {
     Q_OBJECT

@@ -3,7 +3,7 @@
 #include <QTemporaryDir>
 #include <QTest>
 
-/** The instrument has Qt 5.4: the daemon and the client use nothing newer. */
+/** The instrument has Qt 5.4: daemon and client use no newer API. */
 class TestQtNewer : public QObject
 {
     Q_OBJECT
@@ -95,7 +95,7 @@ void TestQtNewer::functionsOfTheLibrariesAreFoundInAProgram()
     const auto found = [](const char *function) {
         return QStringLiteral(NEWER_PROGRAM ": ") + QString::fromLatin1(function);
     };
-    // What the headers make of it, as the split, has no newer name in the source.
+    // After macros and inlining, as for the split, the source has no newer name.
     QCOMPARE(finding.lines,
              (QStringList{found("QDir::isEmpty(QFlags<QDir::Filter>) const is of Qt 5.9"),
                           found("QMessageLogger::info() const is of Qt 5.5")}));

@@ -6,7 +6,9 @@
 #include <QTemporaryDir>
 #include <QTest>
 
-/** tools/release, on a copy of the files it changes whose ./test is ours, and debian/changelog. */
+/**
+ * tools/release, on a copy of the files that it changes with a fake ./test, and debian/changelog.
+ */
 class TestRelease : public QObject
 {
     Q_OBJECT
@@ -52,7 +54,7 @@ TestRelease::Result TestRelease::run(const QString &program, const QStringList &
     QProcess process;
     process.setWorkingDirectory(m_tree);
     QProcessEnvironment environment = QProcessEnvironment::systemEnvironment();
-    // Whatever the machine's user has set for git.
+    // Independent of the user's git configuration.
     environment.insert("HOME", m_parent.path());
     environment.insert("XDG_CONFIG_HOME", m_parent.path());
     environment.insert("GIT_CONFIG_NOSYSTEM", "1");
@@ -85,7 +87,7 @@ void TestRelease::replace(const QString &file, const char *before, const char *a
     writeFile(m_tree + '/' + file, text(file).replace(before, after).toUtf8());
 }
 
-/** Has ./test write its arguments to a file beside the tree. */
+/** Replaces ./test with a script that writes its arguments to a file beside the tree. */
 void TestRelease::letChecksEndWith(int status) const
 {
     writeFile(m_tree + "/test",
@@ -110,7 +112,7 @@ void TestRelease::init()
     QVERIFY(run("git", {"init", "--quiet"}).status == 0);
     git({"config", "user.name", "A Maintainer"});
     git({"config", "user.email", "maintainer@example.org"});
-    // Like ours, so that the archive does not stand in the way of the next release.
+    // Like ours: the archive must not block the next release.
     writeFile(m_tree + "/.gitignore", "/build/\n");
     git({"add", "--all"});
     QCOMPARE(git({"commit", "--quiet", "--message", "all"}), QString());
@@ -146,7 +148,7 @@ void TestRelease::aReleaseChangesTheVersionEverywhere()
         QVERIFY(text(file).contains("KyBoardManager=90.12\n"));
         QVERIFY(!text(file).contains("KyBoardManager=" VERSION));
     }
-    // Other figures there may read like the version.
+    // Other figures there can look like the version.
     QCOMPARE(text("docs/measurements.md"), measurements);
     QCOMPARE(git({"status", "--porcelain"}), QString());
 }

@@ -7,7 +7,7 @@
 #include <sys/stat.h>
 #include <unistd.h>
 
-/** What systemd makes in /tmp for the daemon. */
+/** The files that systemd-tmpfiles creates in /tmp for the daemon. */
 class TestTmpfiles : public QObject
 {
     Q_OBJECT
@@ -36,7 +36,7 @@ void TestTmpfiles::init()
     removePath(profiles);
 }
 
-/** Its exit status tells of other entries, too. */
+/** Its exit status also covers other entries. */
 void TestTmpfiles::create()
 {
     QProcess::execute(QStringLiteral("systemd-tmpfiles"), {"--create", QStringLiteral(TMPFILES)});

@@ -13,7 +13,7 @@
 #include <QRegularExpression>
 #include <QTest>
 
-/** What the panel makes of files, announcements and clicks, without any of them being real. */
+/** How the panel interprets files, announcements and clicks; all of them are simulated. */
 class TestLook : public QObject
 {
     Q_OBJECT

@@ -13,7 +13,9 @@
 #include <csignal>
 #include <memory>
 
-/** The front panel on the running daemon: what is clicked reaches it, and what it does is seen. */
+/**
+ * The front panel with the running daemon: clicks reach the daemon, and its effects are visible.
+ */
 class TestPanel : public DaemonTest
 {
     Q_OBJECT
@@ -73,7 +75,7 @@ void TestPanel::click(const QString &element, double place)
     QTest::mouseClick(panel.get(), Qt::LeftButton, {}, panel->placeOf(element, place));
 }
 
-/** What is seen in the middle of an element. */
+/** The colour at the centre of an element. */
 QColor TestPanel::colourOf(const QString &element)
 {
     return panel->grab().toImage().pixelColor(panel->placeOf(element));
@@ -97,7 +99,7 @@ void TestPanel::anLedLightsUpWhereItIsDrawn()
     QVERIFY(colourOf("BT") == dark);
     QCOMPARE(leds.call("setLEDStatus", {"WIFI", "OFF"}), QStringLiteral("()"));
     QTRY_VERIFY_WITH_TIMEOUT(colourOf("WIFI") == dark, 20000);
-    // The files are the truth, whatever the daemon says.
+    // The files decide, whatever the daemon reports.
     Board::set("leds/RECORDING", "ON");
     QTRY_VERIFY_WITH_TIMEOUT(colourOf("RECORDING").red() > 200, 20000);
 }
@@ -123,7 +125,7 @@ void TestPanel::aCardIsInsertedMountedAndPulled()
     QVERIFY(shows("SD-text", "mounted"));
     QCOMPARE(storage.call("isMounted", {"SD"}), QStringLiteral("(true)"));
     QTRY_VERIFY_WITH_TIMEOUT(colourOf("SD_STATUS").green() > 160, 20000);
-    // What a client unmounts is seen.
+    // A client's unmount is visible.
     QCOMPARE(storage.call("umount", {"SD"}), QStringLiteral("()"));
     QVERIFY(shows("SD-text", "inserted"));
     signalsOfDevices.take();
@@ -140,7 +142,7 @@ void TestPanel::theChargerAndTheBatteryReachTheDaemon()
     QVERIFY(shows("battery-status", "CHARGER_OFF_BAT_INF_80"));
     click("charger");
     QVERIFY(shows("battery-direction", "charging"));
-    // The daemon announces what it notices when it is asked.
+    // The daemon announces a change that it detects during the call.
     QCOMPARE(alimentation.property("batteryStatus"),
              QStringLiteral("(<\"CHARGER_ON_BAT_INF_80\">)"));
     QVERIFY(shows("battery-status", "CHARGER_ON_BAT_INF_80"));
@@ -149,7 +151,7 @@ void TestPanel::theChargerAndTheBatteryReachTheDaemon()
     QCOMPARE(alimentation.property("batteryStatus"),
              QStringLiteral("(<\"CHARGER_ON_BAT_INF_40\">)"));
     click("battery-track", 1);
-    // What is written last.
+    // Written last.
     QVERIFY(shows("battery-voltage", "8000 mV"));
     QCOMPARE(alimentation.property("batteryStatus"), QStringLiteral("(<\"CHARGER_ON_BAT_FULL\">)"));
     click("charger");
@@ -187,7 +189,7 @@ void TestPanel::onlyTheEndOfADragCounts()
     QTest::mouseRelease(panel.get(), Qt::LeftButton, {}, panel->placeOf("battery-track", 0.2));
     QVERIFY(shows("battery-charge", "20 %"));
     QCOMPARE(text("command"), QStringLiteral("./run -- battery 20"));
-    // Moving on without pressing does nothing.
+    // Moving on without pressing has no effect.
     QMouseEvent move(QEvent::MouseMove, panel->placeOf("battery-track", 0.9), Qt::NoButton,
                      Qt::NoButton, Qt::NoModifier);
     QApplication::sendEvent(panel.get(), &move);
@@ -255,7 +257,7 @@ void TestPanel::aFaultOfTheMenuFails()
 
 void TestPanel::aCommandThatFailsSaysWhy()
 {
-    // Somebody else was faster: the panel has not seen it yet.
+    // A change that the panel has not seen yet.
     QVERIFY(Board::storage("insert", "SD"));
     Board::set("storage/SD/inserted", "0");
     QVERIFY(shows("SD-text", "empty"));
@@ -306,7 +308,7 @@ void TestPanel::theBusGoesAndComes()
     QVERIFY(shows("daemon-text", "the bus is away"));
     Board::set("temperature/SOM", "55");
     QVERIFY(shows("temperature-SOM-text", "55 \u00b0C"));
-    // The daemon stays without a bus; its keeper would start it again.
+    // The daemon stays without a bus; its supervisor would restart it.
     other.kill();
     QVERIFY(other.waitForFinished(20000));
     QVERIFY(startBus());
@@ -343,7 +345,7 @@ void TestPanel::theLogTellsWhatGoesOverTheBus()
     const auto has = [&](const QString &part) {
         return QTest::qWaitFor([&] { return log.text().contains(part); }, 20000);
     };
-    // It listens when it has heard something.
+    // It is subscribed once it has shown a message.
     QVERIFY(QTest::qWaitFor(
         [&] {
             leds.call("setLEDStatus", {"WPS", "OFF"});
@@ -356,7 +358,7 @@ void TestPanel::theLogTellsWhatGoesOverTheBus()
     Remote("/KyConfigMgr", "Users").call("setUser", {"user2"});
     QVERIFY(has("signal  Users.userChanged(\"user2\")"));
     log.note("./run -- charger plug");
-    // The panel asks for the profile after that, which is none of anybody's business.
+    // The panel then asks for the profile; its own calls are not shown.
     QVERIFY(shows("daemon-profile", "profile user2"));
     QVERIFY(!log.text().contains("getUser"));
 

@@ -30,7 +30,7 @@ QStringList TestPanelWindow::arguments(const QString &script)
            QStringList{TREE "/simulator/instrument", "sh", "-c", "cd " TREE ";" + script};
 }
 
-/** What a script in a new instrument prints. */
+/** The output of a script in a new instrument. */
 QByteArray TestPanelWindow::output(const QString &script)
 {
     QProcess world;
@@ -46,7 +46,7 @@ void TestPanelWindow::clicksInAWindowReachTheInstrument()
     QVERIFY(screen.start());
     qputenv("DISPLAY", screen.name().toLatin1());
     QProcess world;
-    // Its files tell what the clicks did.
+    // The board's files show the effects of the clicks.
     world.start(
         TREE "/simulator/world",
         arguments("env -u QT_QPA_PLATFORM panel --size 1280x800 & "
@@ -83,7 +83,7 @@ void TestPanelWindow::clicksInAWindowReachTheInstrument()
 
 void TestPanelWindow::aViewerReachesItOverTheNetwork()
 {
-    // A VNC server speaks first.
+    // A VNC server sends first.
     QCOMPARE(output("QT_QPA_PLATFORM=vnc panel >/dev/null 2>&1 & "
                     "until grep -q :170C /proc/net/tcp /proc/net/tcp6; do sleep 0.02; done; "
                     "touch /tmp/said; until [ -s /tmp/said ]; do sleep 0.02; done | "
@@ -109,7 +109,7 @@ void TestPanelWindow::whatMakesNoSenseIsRefused()
                         "panel: there is no display"));
 }
 
-/** Of small squares, which text that is drawn a little differently does not change much. */
+/** Compares small squares, which tolerate slightly different text rendering. */
 int TestPanelWindow::largestDifference(const QImage &one, const QImage &other)
 {
     const QSize squares = one.size() / 8;

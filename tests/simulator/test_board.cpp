@@ -35,7 +35,7 @@
 
 namespace
 {
-/** A call of one operation, which returns what the caller saw in the journal's words. */
+/** Calls one operation and returns the caller's result in the journal's format. */
 using Operation = std::function<QString()>;
 
 QString seen(int status, const QString &out)
@@ -112,12 +112,12 @@ QString writeEeprom(e_eeprom eeprom, QByteArray bytes, unsigned int offset)
                                                   static_cast<unsigned int>(bytes.size())));
 }
 
-/** An operation with what it leaves in the journal. */
+/** An operation and its journal line. */
 struct Row {
     const char *operation;
     const char *arguments;
     Operation call;
-    /** Its result in the normal case, or null where that is a number nobody can foretell. */
+    /** Its result on success, or null for an unpredictable number. */
     const char *success;
     const char *failure;
     const char *garbage;
@@ -128,7 +128,7 @@ QString status(int result)
     return QString::number(result);
 }
 
-/** Every operation of the three libraries, as it is on a new board with unprotected EEPROMs. */
+/** Every operation of the three libraries, on a new board with unprotected EEPROMs. */
 std::vector<Row> operations()
 {
     return {
@@ -200,7 +200,7 @@ std::vector<Row> operations()
     };
 }
 
-/** The operations that need nothing of the board. */
+/** Returns true for operations that need no board. */
 bool needsNoBoard(const Row &row)
 {
     return QStringList{"KyAls.convLuxInExponentMantissaByte", "KyAls.getinterruptHandler",
@@ -208,7 +208,7 @@ bool needsNoBoard(const Row &row)
         .contains(row.operation);
 }
 
-/** The part of another process, which this program plays when it is told to. */
+/** The role of another process, which this program takes on request. */
 int play(const QString &role)
 {
     if (role == QLatin1String("announce")) {
@@ -224,7 +224,7 @@ int play(const QString &role)
     return 0;
 }
 
-/** Listens for the kernel's events in this world. */
+/** Listens to the kernel's events in this world. */
 class KernelEvents
 {
 public:
@@ -249,7 +249,7 @@ public:
         return messages;
     }
 
-    /** The headers since the last call that tell of an addition or a removal of @p name. */
+    /** The headers since the last call that add or remove @p name. */
     QStringList take(const QString &name) const
     {
         QStringList headers;
@@ -839,7 +839,7 @@ void TestBoard::aCountThatIsNonsenseIsNotRaised()
 
 void TestBoard::numbersDoNotDependOnTheLocale()
 {
-    // Any locale with a decimal comma would do; the test world may have none.
+    // Any locale with a decimal comma; the test world may have none.
     for (const char *locale : {"de_DE.UTF-8", "fr_FR.UTF-8", "C.UTF-8"})
         if (std::setlocale(LC_ALL, locale))
             break;

@@ -7,7 +7,7 @@
 #include <cmath>
 #include <limits>
 
-/** What the simulated board decides without its files: codes, records and the words of faults. */
+/** The simulated board without its files: codes, records and the words of faults. */
 class TestBoardCode : public QObject
 {
     Q_OBJECT
@@ -64,7 +64,7 @@ void TestBoardCode::lightHasItsCode()
 void TestBoardCode::moreLightNeverHasALowerCode()
 {
     int last = 0;
-    // Hundredths of a lux up to 1000, and whole ones from there on.
+    // Hundredths of a lux up to 1000, then whole ones.
     for (int step = 0; step <= 239000; ++step) {
         const float lux = step < 100000 ? float(step) / 100 : float(step - 99000);
         const int code = board::thresholdCode(lux);
@@ -103,7 +103,7 @@ void TestBoardCode::theInstrumentRecordIsValid()
     const std::string record = board::instrumentRecord();
 
     QCOMPARE(int(record.size()), 74);
-    // The checksum of a text with its own checksum behind it, low byte first, is zero.
+    // The checksum of data followed by its own checksum, low byte first, is zero.
     QCOMPARE(int(board::crc16(record.substr(2) + record[1] + record[0])), 0);
     QCOMPARE(record.substr(6, 2), std::string("\x83\x45"));
     QCOMPARE(record.substr(8, 8), std::string("STR00042"));

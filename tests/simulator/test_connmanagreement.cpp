@@ -7,7 +7,7 @@
 #include <QDBusVariant>
 #include <QRegularExpression>
 
-/** Whether the stand-in for ConnMan answers and announces as the real one does. */
+/** The stand-in for ConnMan replies and announces like the real one. */
 class TestConnmanAgreement : public QObject
 {
     Q_OBJECT
@@ -21,7 +21,7 @@ private Q_SLOTS:
     void bothAnnounceAlike();
 
 private:
-    /** Moves the cable; the two have different ways of it. */
+    /** Plugs or unplugs the cable, which differs between the two. */
     using MoveCable = std::function<void(bool in)>;
 
     using Answers = QMap<QString, QString>;
@@ -70,7 +70,7 @@ const QVariantMap badMethod = {{"Method", "automatic"}};
 const QVariantMap badAddress = {{"Method", "manual"}, {"Address", "10.77.0.256"}};
 const QVariantMap shortAddress = {{"Method", "manual"}, {"Address", "10.77.7"}};
 
-/** Calls to a ConnMan that is connected. */
+/** Calls to a connected ConnMan. */
 const QList<Call> calls = {
     {"state", "/", "Manager", "GetProperties", {}},
     {"unknown method", "/", "Manager", "Nothing", {}},
@@ -136,7 +136,7 @@ void order(const QString &object, const char *interface, const char *name, const
     call({"", object, interface, "SetProperty", {name, variant(value)}});
 }
 
-/** Ends the test where ConnMan did not do what everything after it rests on. */
+/** Aborts the test if ConnMan did not reach the state that later steps need. */
 void wait(bool done)
 {
     if (!done)
@@ -157,7 +157,7 @@ void TestConnmanAgreement::initTestCase()
     QVERIFY(heard.waitFor("/ ServicesChanged") && QTest::qWaitFor(isConnected, 20000));
     realAnnouncements = observe([&](bool in) { in ? real.plugCable() : real.unplugCable(); });
     real.kill();
-    // Some of the calls upset the connection, although they are refused.
+    // Some of the calls disturb the connection, although they are rejected.
     real.start();
     realAnswers = ask();
     real.kill();
@@ -179,7 +179,7 @@ void TestConnmanAgreement::initTestCase()
     standIn.kill();
 }
 
-/** The answers of a ConnMan that is connected. */
+/** The replies of a connected ConnMan. */
 TestConnmanAgreement::Answers TestConnmanAgreement::ask()
 {
     Answers answers;
@@ -188,7 +188,7 @@ TestConnmanAgreement::Answers TestConnmanAgreement::ask()
     return answers;
 }
 
-/** What a ConnMan that is connected announces on the way down and up again. */
+/** The announcements of a connected ConnMan while the link goes down and up again. */
 TestConnmanAgreement::Announcements TestConnmanAgreement::observe(const MoveCable &moveCable)
 {
     Announcements announcements;
@@ -216,8 +216,8 @@ TestConnmanAgreement::Announcements TestConnmanAgreement::observe(const MoveCabl
 }
 
 /**
- * What is the same every time: the signals of the link, the last of several that make an address
- * known bit by bit, and of a list whether its services come with their properties.
+ * The reproducible part: the signals of the link, the last of several signals that complete an
+ * address step by step, and whether a list has its services with their properties.
  */
 QStringList TestConnmanAgreement::essence(const QStringList &heard)
 {
@@ -237,7 +237,7 @@ QStringList TestConnmanAgreement::essence(const QStringList &heard)
     return kept;
 }
 
-/** How much of a new service is in the first list depends on how fast its lease came. */
+/** How much of a new service is in the first list depends on the speed of its lease. */
 QStringList TestConnmanAgreement::withoutService(const QStringList &heard)
 {
     QStringList kept;

@@ -10,7 +10,7 @@
 #include <QDBusPendingCall>
 #include <QDBusPendingReply>
 
-/** Answers as an agent of ConnMan, from the test itself. */
+/** An agent of ConnMan in the test itself. */
 class TestAgent : public QObject
 {
     Q_OBJECT
@@ -23,9 +23,9 @@ public:
                                                     QDBusConnection::ExportAllSlots);
     }
 
-    /** What it is asked, in order. */
+    /** The requests, in order. */
     QStringList asked;
-    /** Its answers to come; without any left it cancels. */
+    /** The next replies; without any left it cancels. */
     QStringList passphrases;
 
 public Q_SLOTS:
@@ -49,7 +49,7 @@ public Q_SLOTS:
     void Cancel() { asked << "cancel"; }
 };
 
-/** The stand-in for ConnMan: it is as good as the tests that rest on it. */
+/** The stand-in for ConnMan, on which other tests depend. */
 class TestConnmanStandIn : public QObject
 {
     Q_OBJECT
@@ -153,7 +153,7 @@ void TestConnmanStandIn::frozenItAnswersNothingUntilThawed()
 {
     standIn.freeze();
     const QDBusPendingCall call = callLater("/", "net.connman.Manager", "GetServices");
-    // Somebody else's round trip leaves it all the time that an answer would need.
+    // Another peer's round trip gives it more time than a reply would need.
     QDBusConnection::systemBus().interface()->isServiceRegistered("net.connman");
     QVERIFY(!call.isFinished());
     standIn.thaw();
@@ -460,7 +460,7 @@ void TestConnmanStandIn::theAgentsAnswerIsShown()
     agent.passphrases << "secret";
     manager.call("RegisterAgent", {QVariant::fromValue(QDBusObjectPath("/agent"))});
 
-    // The agent lives in this very thread: nothing may block it.
+    // The agent is on this thread, which must not block.
     QDBusMessage message = QDBusMessage::createMethodCall(
         "net.connman", "/standin", "com.orvendis.Strandel.ConnManStandIn", "CallAgent");
     message.setArguments({"RequestInput", QVariant::fromValue(QDBusObjectPath(cable)),
@@ -478,7 +478,7 @@ void TestConnmanStandIn::withoutAnAgentNobodyCanBeAsked()
              QString("com.orvendis.Strandel.ConnManStandIn.NoAgent: no agent is registered"));
 }
 
-/** Wi-Fi powered on, with an open network and one at home that has a passphrase. */
+/** Wi-Fi powered on, with an open network and a protected one. */
 void TestConnmanStandIn::startLively()
 {
     standIn.setLively(true);
@@ -503,7 +503,7 @@ QString TestConnmanStandIn::joinHome()
                                                                      : "no answer";
 }
 
-/** Of what was heard, the properties of @p service. */
+/** The properties of @p service in the received signals. */
 QStringList TestConnmanStandIn::stateOf(const QString &service, const QStringList &heard)
 {
     QStringList states;

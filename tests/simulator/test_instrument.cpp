@@ -5,7 +5,7 @@
 #include <QProcess>
 #include <QTest>
 
-/** The virtual instrument as ./run starts it, seen from outside. */
+/** The virtual instrument as ./run starts it, from outside. */
 class TestInstrument : public QObject
 {
     Q_OBJECT
@@ -108,7 +108,7 @@ void TestInstrument::theDaemonGoesAwayAndComesBack()
     QVERIFY(printed.contains("usage: daemon COMMAND"));
 }
 
-/** The charge is looked at every 10 s eleven times, and then every 300 s. */
+/** The daemon checks the charge every 10 s eleven times, and then every 300 s. */
 void TestInstrument::timePassesFaster()
 {
     QElapsedTimer timer;

@@ -4,7 +4,7 @@
 #include <QRegularExpression>
 #include <QTest>
 
-/** What the documents show of the virtual instrument is what it prints. */
+/** The virtual instrument prints what the documents show. */
 class TestScreens : public QObject
 {
     Q_OBJECT
@@ -72,7 +72,7 @@ void TestScreens::start(QProcess &world, const QStringList &command)
                            QStringList{INSTRUMENT} + command);
 }
 
-/** Without what is another one each time: addresses that are leased, and PIDs. */
+/** Masks values that differ each time: leased addresses and PIDs. */
 QString TestScreens::masked(QString text)
 {
     return text.replace(QRegularExpression("\\b10\\.7([78])\\.0\\.[5-9]\\d\\b"), "10.7\\1.0.N")

@@ -2,7 +2,7 @@
 
 #include <QTest>
 
-/** The parts that a long test runs in: together they have every function, once. */
+/** The parts of a long test: together they run every function once. */
 class TestTestPart : public QObject
 {
     Q_OBJECT

@@ -12,7 +12,7 @@
 
 #include <csignal>
 
-/** The private world itself, seen from outside. */
+/** The private world, from outside. */
 class TestWorld : public QObject
 {
     Q_OBJECT
@@ -74,7 +74,7 @@ TestWorld::Result TestWorld::run(const QStringList &command, const QStringList &
     return {world.exitCode(), world.readAllStandardOutput(), world.readAllStandardError()};
 }
 
-/** Whether a process of ours with @p marker among its arguments runs, in whatever world. */
+/** Returns true if a process of ours with @p marker in its arguments runs, in any world. */
 bool TestWorld::isAlive(const QString &marker)
 {
     for (const QString &process : QDir("/proc").entryList({"[0-9]*"})) {
@@ -246,14 +246,14 @@ void TestWorld::aJoinedCommandEndsWithItsCaller()
 
     QVERIFY(joined.waitForFinished(20000));
     QTRY_VERIFY_WITH_TIMEOUT(!isAlive(marker), 20000);
-    // The world stays, with what others run in it.
+    // The world stays, with the other commands in it.
     QVERIFY(isAlive(other));
     QCOMPARE(run({"sh", "-c", "exit 7"}, {"--join", handle}).status, 7);
     world.closeWriteChannel();
     QVERIFY(world.waitForFinished(20000));
 }
 
-/** A file of keys with one that opens every X server that knows it. */
+/** A key file that opens every X server with the same key. */
 QByteArray TestWorld::keyOfScreen()
 {
     const auto counted = [](const QByteArray &text) {
@@ -278,7 +278,7 @@ void TestWorld::windowsOpenOnTheScreenOutside()
     QCOMPARE(run(client, {"--display"}).output, QStringLiteral("1400 1000\n"));
     qunsetenv("XAUTHORITY");
     QCOMPARE(run(client, {"--display"}).output, QString());
-    // Where nothing else is said, the key is in the home directory.
+    // Without XAUTHORITY, the key is in the home directory.
     QVERIFY(QFile::copy(key, directory.path() + "/.Xauthority"));
     const QByteArray home = qgetenv("HOME");
     qputenv("HOME", directory.path().toLocal8Bit());
@@ -295,7 +295,7 @@ void TestWorld::windowsOpenFromAJoinedCommand()
     VirtualScreen screen;
     QVERIFY(screen.start(key));
     QProcess world;
-    // The world knows nothing of the screen that the command is to use.
+    // The world does not know the screen that the command uses.
     qunsetenv("DISPLAY");
     world.start(WORLD,
                 worldArguments({"sh", "-c", "echo up; cat"}, {"--display", "--handle", handle}));
@@ -316,7 +316,7 @@ void TestWorld::theSocketOfWaylandIsReached()
     QTemporaryDir directory;
     QLocalServer compositor;
     QVERIFY(compositor.listen(directory.path() + "/wayland-7"));
-    // Hangs up on everybody.
+    // Closes every connection.
     connect(&compositor, &QLocalServer::newConnection,
             [&] { delete compositor.nextPendingConnection(); });
     QSignalSpy connections(&compositor, &QLocalServer::newConnection);
