@@ -1,9 +1,14 @@
 #include "commands.h"
 
 #include "bus.h"
+#include "enumnames.h"
+#include "introspection/signals.h"
 #include "ipv4rules.h"
+#include "leds.h"
+#include "profiles.h"
 #include "textrules.h"
 
+#include <iterator>
 #include <limits>
 
 namespace
@@ -129,15 +134,11 @@ QVector<Argument> measureKeys()
 
 QVector<Command> makeCommands()
 {
-    const QStringList users = {text("user1"), text("user2"), text("user3"), text("user4")};
+    const QStringList users(std::begin(profiles::users), std::end(profiles::users));
     const QStringList storages = {text("SD"), text("USB")};
     const QStringList sensors = {text("SOM"), text("ANALOG_CHAIN")};
-    const QStringList leds = {
-        text("BAT_RS1"), text("BAT_GS1"),  text("BAT_GS2"),   text("BAT_GS3"),  text("BAT_GS4"),
-        text("BAT_GS5"), text("UTC_SYNC"), text("RECORDING"), text("BT"),       text("WIFI"),
-        text("WPS"),     text("POWER_Y"),  text("POWER_G"),   text("SD_STATUS")};
-    const QStringList ledStates = {text("OFF"), text("BLINK_1HZ"), text("BLINK_3HZ"), text("ON"),
-                                   text("UNKNOWN")};
+    const QStringList leds = enumNames(registeredEnum(Leds::staticMetaObject, "Led"));
+    const QStringList ledStates = enumNames(registeredEnum(Leds::staticMetaObject, "State"));
     const Outcome none = {};
     const QString ethernet = text("Ethernet");
     const QString wifi = text("WIFI");
@@ -328,19 +329,7 @@ Command statusCommand()
 
 const QStringList &signalNames()
 {
-    static const QStringList names = {text("Users.changingUser"),
-                                      text("Users.userChanged"),
-                                      text("Alimentation.batteryStatus"),
-                                      text("Temperature.temperatureReached"),
-                                      text("Storage.deviceChangedMountState"),
-                                      text("Storage.sdcardPresence"),
-                                      text("Storage.usbKeyPresence"),
-                                      text("Backlight.backlightChanged"),
-                                      text("Brightness.reachedBrightnessThreshold"),
-                                      text("Ethernet.propertyChanged"),
-                                      text("WIFI.propertyChanged"),
-                                      text("WIFI.servicesListChanged"),
-                                      text("WIFIAP.propertyChanged")};
+    static const QStringList names = {INTROSPECTION_SIGNALS};
     return names;
 }
 

@@ -1,5 +1,8 @@
 #include "layout.h"
 
+#include "enumnames.h"
+#include "leds.h"
+
 #include <QRegularExpression>
 #include <QStringList>
 
@@ -13,7 +16,7 @@ const char yellow[] = "33";
 const char cyan[] = "36";
 const char faint[] = "2";
 
-/** Patterns and their colours; the first match counts. */
+/** Patterns and their colours; the first match counts. ANY_LED stands for the name of any LED. */
 const struct {
     const char *pattern;
     const char *colour;
@@ -21,7 +24,7 @@ const struct {
     {"BAT_RS1 *=? *(?:ON|BLINK_[13]HZ)", red},
     {"(?:BAT_GS[1-5]|POWER_G) *=? *(?:ON|BLINK_[13]HZ)", green},
     {"POWER_Y *=? *(?:ON|BLINK_[13]HZ)", yellow},
-    {"(?:UTC_SYNC|RECORDING|BT|WIFI|WPS|SD_STATUS) *=? *(?:ON|BLINK_[13]HZ)", cyan},
+    {"(?:ANY_LED) *=? *(?:ON|BLINK_[13]HZ)", cyan},
     {"CHARGER_OFF_(?:UNKNOWN_BAT|BAT_PRWT|BAT_INF_20)|CHARGER_ON_NO_BAT", red},
     {"CHARGER_OFF_BAT_INF_40", yellow},
     {"CHARGER_(?:ON|OFF)_BAT_[A-Z0-9_]+", green},
@@ -44,9 +47,12 @@ QString inColour(const QString &text, const char *colour)
 /** Combines all patterns, each in a group of its own. */
 QRegularExpression makePattern()
 {
+    const QString leds =
+        enumNames(registeredEnum(Leds::staticMetaObject, "Led")).join(QLatin1Char('|'));
     QStringList groups;
     for (const auto &each : colours)
         groups << QStringLiteral("(%1)").arg(QLatin1String(each.pattern));
+    groups.replaceInStrings(QStringLiteral("ANY_LED"), leds);
     return QRegularExpression(
         QStringLiteral("(?<![\\w.'-])(?:%1)(?![\\w.'-])").arg(groups.join(QLatin1Char('|'))));
 }

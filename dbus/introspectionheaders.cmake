@@ -15,3 +15,21 @@ function(write_introspection_headers directory)
             CONTENT "#define INTROSPECTION_${macro} \\\n    \"${text}\"\n")
     endforeach()
 endfunction()
+
+# Makes introspection/signals.h, whose macro INTROSPECTION_SIGNALS is the daemon's signals as string
+# literals: "Users.userChanged", and so on.
+function(write_signal_names directory)
+    file(GLOB documents CONFIGURE_DEPENDS ${PROJECT_SOURCE_DIR}/dbus/com.orvendis.*.xml)
+    foreach(document ${documents})
+        set_property(DIRECTORY APPEND PROPERTY CMAKE_CONFIGURE_DEPENDS ${document})
+        string(REGEX REPLACE ".*\\.([A-Za-z]+)\\.xml$" "\\1" interface ${document})
+        file(STRINGS ${document} lines REGEX "<signal name=")
+        foreach(line ${lines})
+            string(REGEX REPLACE ".*name=\"([^\"]*)\".*" "\\1" signal ${line})
+            list(APPEND names "    \"${interface}.${signal}\"")
+        endforeach()
+    endforeach()
+    string(JOIN ", \\\n" names ${names})
+    file(CONFIGURE OUTPUT ${directory}/introspection/signals.h @ONLY
+        CONTENT "#define INTROSPECTION_SIGNALS \\\n${names}\n")
+endfunction()

@@ -20,3 +20,11 @@ QString enumName(const QMetaEnum &enumeration, int value)
 {
     return QString::fromLatin1(enumeration.valueToKey(value));
 }
+
+QStringList enumNames(const QMetaEnum &enumeration)
+{
+    QStringList names;
+    for (int index = 0; index < enumeration.keyCount(); ++index)
+        names << QString::fromLatin1(enumeration.key(index));
+    return names;
+}

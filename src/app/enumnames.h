@@ -3,6 +3,7 @@
 
 #include <QMetaEnum>
 #include <QString>
+#include <QStringList>
 
 #include <optional>
 
@@ -22,5 +23,8 @@ std::optional<int> enumValue(const QMetaEnum &enumeration, const QString &name);
 
 /** Returns the name of the enumerator with @p value; empty if there is none. */
 QString enumName(const QMetaEnum &enumeration, int value);
+
+/** The names of all enumerators, in the order of their declaration. */
+QStringList enumNames(const QMetaEnum &enumeration);
 
 #endif

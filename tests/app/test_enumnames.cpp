@@ -18,6 +18,7 @@ private Q_SLOTS:
     void anyOtherNameHasNone();
     void everyValueHasItsName();
     void anyOtherValueHasNone();
+    void allNamesAreListedAsDeclared();
 
 private:
     const QMetaEnum fruits = registeredEnum(staticMetaObject, "Fruit");
@@ -62,6 +63,11 @@ void TestEnumNames::anyOtherValueHasNone()
 {
     for (const int value : {1, 2, -1, INT_MAX, INT_MIN})
         QCOMPARE(enumName(fruits, value), QString());
+}
+
+void TestEnumNames::allNamesAreListedAsDeclared()
+{
+    QCOMPARE(enumNames(fruits), (QStringList{"Apple", "Pear", "Quince"}));
 }
 
 QTEST_APPLESS_MAIN(TestEnumNames)

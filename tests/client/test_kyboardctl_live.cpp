@@ -140,8 +140,8 @@ void TestKyboardctlLive::monitorListensForATime()
 void TestKyboardctlLive::anUnknownSignalIsRefused()
 {
     const ClientResult result = runClient({"monitor", "Users.changed"});
-    QVERIFY(result.complaint.startsWith("kyboardctl: monitor: 'Users.changed' is none of "
-                                        "Users.changingUser, Users.userChanged, "));
+    QVERIFY(result.complaint.startsWith("kyboardctl: monitor: 'Users.changed' is none of " +
+                                        signalNames().mid(0, 2).join(", ") + ", "));
     QCOMPARE(result.status, 2);
     QCOMPARE(runClient({"monitor", "--count=0"}).complaint,
              QStringLiteral("kyboardctl: --count: '0' is not a number of signals\n"));
