@@ -8,9 +8,8 @@
 #include <csignal>
 
 /**
- * Everything that a program which the daemon starts can do wrong, at every adaptor that starts it:
- * the daemon goes on serving, nothing of the program stays behind, and the next one that works has
- * its effect.
+ * All faults of the programs that the daemon starts, for each adaptor that starts them: the daemon
+ * continues, nothing of the program stays behind, and the next working one has its effect.
  */
 class TestChildFaults : public NetworkTest
 {
@@ -66,7 +65,7 @@ QByteArray scriptOf(const QString &fault)
                                     : note + "exit 1\n";
 }
 
-/** Ends what a program of ours has started and left. */
+/** Kills everything that our programs have started and left. */
 void endRunning()
 {
     for (const QByteArray &id : readFile(fakes + "/running").split('\n')) {
@@ -76,7 +75,7 @@ void endRunning()
     QFile::remove(fakes + "/running");
 }
 
-/** Children of @p process that have ended and that it has not collected. */
+/** The zombies among the children of @p process. */
 int uncollected(qint64 process)
 {
     const QList<int> children = childrenOf(process);
@@ -100,7 +99,7 @@ void TestChildFaults::cleanup()
     removePath(application);
 }
 
-/** Puts a program in the place of @p child that does what @p fault says. */
+/** Replaces @p child by a program with this fault. */
 void TestChildFaults::install(const QString &child, const QString &fault)
 {
     const QString path = pathOf(child);
@@ -116,7 +115,7 @@ void TestChildFaults::install(const QString &child, const QString &fault)
         QVERIFY(QFile::setPermissions(path, QFile::ReadOwner | QFile::ExeOwner));
 }
 
-/** Puts the program itself back. */
+/** Restores the program. */
 void TestChildFaults::restore(const QString &child)
 {
     removePath(pathOf(child));
@@ -128,7 +127,7 @@ void TestChildFaults::restore(const QString &child)
     }
 }
 
-/** Has @p adaptor use the program; what it answers. */
+/** Makes @p adaptor use the program; returns the reply. */
 QString TestChildFaults::use(const QString &adaptor)
 {
     if (adaptor == "Version")
@@ -155,11 +154,11 @@ void TestChildFaults::endAttempt(const QString &adaptor)
     recorder->take();
 }
 
-/** The next attempt gets as far as the programs take it. */
+/** The next attempt works as far as the programs allow. */
 void TestChildFaults::verifyWorks(const QString &adaptor)
 {
     if (adaptor == "Version") {
-        // What was missing when it was first asked for stays missing until the next start.
+        // The daemon caches a missing program until the next start.
         daemon.stop();
         QVERIFY(daemon.start());
         QVERIFY(use(adaptor).contains("\"KyApp\": <ay:\"342e35\">"));
@@ -203,7 +202,7 @@ void TestChildFaults::theNextOneWorks()
     install(child, fault);
 
     const QString reply = use(adaptor);
-    // A program that cannot be started is answered; what one does afterwards shows in the state.
+    // A program that cannot be started gives an error; a later failure shows in the state.
     const bool canStart = child != "script" || !fault.startsWith("is ");
     const QString cannotSwitchTo =
         adaptor == "WIFIAP" ? "2' (WLAN ACCESS POINT)" : "1' (WLAN STATION)";
@@ -213,7 +212,7 @@ void TestChildFaults::theNextOneWorks()
         QVERIFY2(reply == "()" || fault == "is no program", qPrintable(reply));
     else
         QCOMPARE(reply, failed("Cannot switch in mode '" + cannotSwitchTo));
-    // The daemon looks for ConnMan, or for the access point's programs, two seconds later.
+    // Two seconds later the daemon looks for ConnMan, or for the access point's programs.
     if (adaptor != "Version") {
         if (!(child == "script" && fault == "hangs"))
             waitForScripts();
@@ -229,7 +228,7 @@ void TestChildFaults::theNextOneWorks()
     QVERIFY(QTest::qWaitFor([&] { return uncollected(daemon.processId()) == 0; }, 20000));
     QVERIFY(QTest::qWaitFor([&] { return daemon.descriptors() <= before; }, 20000));
     if (child == "pidof" && fault == "is missing") {
-        // Its whole environment was without the programs of the system.
+        // Its whole environment lacked the system's programs.
         daemon.stop();
         daemon.resetEnvironment();
         begin();

@@ -11,10 +11,10 @@
 #include <QRegularExpression>
 
 /**
- * Everything that can be wrong with ConnMan, at every state of the three network adaptors: every
- * method is still answered as it is to be, and once ConnMan is well again the adaptor gets online.
+ * All faults of ConnMan, in every state of the three network adaptors: every method replies as
+ * specified, and once ConnMan works again the adaptor gets online.
  *
- * FAULTS=all in the environment takes every fault at every state; otherwise each state has some of
+ * FAULTS=all in the environment tests every fault in every state; otherwise each state has some of
  * them.
  */
 class TestConnmanFaults : public WifiTest
@@ -61,7 +61,7 @@ const QMap<QString, QStringList> states = {
 
 const QVariantMap accessPoint = {{"Channel", 6}, {"SSID", "Lab"}, {"IP", "192.168.7.1"}};
 
-/** Objects as ConnMan lists them, of which no property has the type that it should have. */
+/** Objects in ConnMan's lists whose properties all have wrong types. */
 ListedObjects oddObjects()
 {
     const QVariantMap odd = {{"Type", 5},
@@ -102,7 +102,7 @@ void TestConnmanFaults::reachAccessPoint(const QString &name)
         daemon.letTimePass(3);
 }
 
-/** Brings @p adaptor to that state as far as ConnMan is needed for it, and checks that it is. */
+/** Brings @p adaptor into that state, as far as it needs ConnMan, and checks it. */
 void TestConnmanFaults::reachState(const QString &adaptor, const QString &name)
 {
     if (adaptor == "WIFI" && name != "idle" && name != "failure") {
@@ -151,7 +151,7 @@ void TestConnmanFaults::haveFault(const QString &fault)
     } else {
         connman.replyToMethod("", {QVariant::fromValue(oddObjects())});
     }
-    // Garbage comes unasked, too.
+    // Garbage also comes in signals.
     if (fault == "another type" || fault == "odd values") {
         const QVariant odd = fault == "odd values" ? QVariant::fromValue(QDBusVariant(5))
                                                    : QVariant(QStringList{"a"});
@@ -178,7 +178,7 @@ void TestConnmanFaults::endFault(const QString &fault)
     connman.clearJournal();
 }
 
-/** A call of the adaptor, with the time passing that ConnMan takes. */
+/** Calls the adaptor and lets the time pass that ConnMan takes. */
 QString TestConnmanFaults::call(const QString &fault, const QString &method,
                                 const QVariantList &arguments)
 {
@@ -212,7 +212,7 @@ void TestConnmanFaults::verifyAnswer(const QString &adaptor, const QString &meth
     if (method == "getIPv4" || method == "getHardwareInfos" || method == "getStrength") {
         expected = "^\\(\\{.*\\}\\)$";
     } else if (method == "setIPv4") {
-        // The access point's interface is no technology of ConnMan's own.
+        // The access point's interface is no technology of ConnMan's.
         expected = isHeard ? expected : failed("Cannot get property Connected");
     } else if (method == "disconnect" && adaptor == "WIFIAP") {
         expected = expected + '|' + failed("Cannot disconnect WAP, already disconnected");
@@ -259,14 +259,14 @@ void TestConnmanFaults::callEverything(const QString &adaptor, const QString &fa
         QVERIFY(!QTest::currentTestFailed());
         QVERIFY(daemon.isRunning());
     }
-    // Whatever timers there are, they come while it lasts.
+    // All timers expire meanwhile.
     for (int times = 0; times < 3; ++times) {
         daemon.letTimePass(61);
         QCOMPARE(call(fault, "getIPv4", {}).left(2), QString("({"));
     }
 }
 
-/** Nothing is under way any more, and the adaptor is where a connect is accepted. */
+/** Waits until nothing is in progress, and the adaptor would accept a connect. */
 void TestConnmanFaults::comeToRest(const QString &adaptor)
 {
     if (QFile::exists("/run/strandel-redpine/hold"))
@@ -320,7 +320,7 @@ void TestConnmanFaults::theAdaptorGetsOnlineAfterwards_data()
     for (auto adaptor = states.begin(); adaptor != states.end(); ++adaptor) {
         for (const QString &name : adaptor.value()) {
             for (int index = 0; index < faults.size(); ++index) {
-                // The access point asks ConnMan nothing but for its settings.
+                // The access point calls ConnMan only for its settings.
                 if (isLong || (index + turn) % (adaptor.key() == "WIFIAP" ? 8 : 3) == 0)
                     QTest::newRow(qPrintable(adaptor.key() + ' ' + name + ", " + faults.at(index)))
                         << adaptor.key() << name << faults.at(index);
@@ -355,7 +355,7 @@ void TestConnmanFaults::theAdaptorGetsOnlineAfterwards()
     ++m_survived;
 }
 
-/** The daemon never ends by itself: without a bus it waits, idle, for whoever supervises it. */
+/** Without a bus the daemon stays idle: its supervisor must restart it. */
 void TestConnmanFaults::aBusThatIsGoneIsGoneForGood()
 {
     const QString place = "unix:path=/run/second-bus";
@@ -384,7 +384,7 @@ void TestConnmanFaults::aBusThatIsGoneIsGoneForGood()
     bus.kill();
     bus.waitForFinished();
     QDBusConnection::disconnectFromBus("second");
-    // The battery's timer comes and finds nobody to tell.
+    // The battery's timer expires without a bus.
     Board::clearJournal();
     daemon.letTimePass(10);
     QVERIFY(QTest::qWaitFor([&] { return daemon.isRunning() && sleeps(); }, 20000));
@@ -394,7 +394,7 @@ void TestConnmanFaults::aBusThatIsGoneIsGoneForGood()
     QTRY_VERIFY_WITH_TIMEOUT(sleeps(), 20000);
     QVERIFY(!isOwned());
     QVERIFY(daemon.isRunning());
-    // A daemon that is started then is the one that clients find.
+    // Clients find a daemon that is started afterwards.
     daemon.stop();
     daemon.launch();
     QTRY_VERIFY_WITH_TIMEOUT(isOwned(), 20000);

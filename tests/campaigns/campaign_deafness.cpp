@@ -15,8 +15,8 @@
 
 /**
  * More received messages than libdbus reads ahead: large calls that pile up while the main thread
- * is busy, records that keep what they were given, and a ConnMan with ten thousand services.
- * Whatever comes, the same process answers its other clients.
+ * is busy, records that keep their values, and a ConnMan with ten thousand services. The same
+ * process must answer its other clients.
  */
 class Deafness : public NetworkTest
 {
@@ -44,16 +44,16 @@ namespace
 {
 const QString service = QStringLiteral("com.orvendis.Strandel.BoardManager");
 
-/** Below the 32 MB that the bus lets through. */
+/** Below the bus's limit of 32 MB. */
 const int largeSize = 30 * 1000 * 1000;
 
-/** How long another client waits for its answer, in ms, until the daemon counts as deaf. */
+/** The longest wait of another client in ms; beyond it the daemon counts as deaf. */
 const int longestWait = 120000;
 
-/** What @p process has used so far, in ms. */
+/** The processor time that @p process has used, in ms. */
 qint64 processorTime(qint64 process)
 {
-    // Behind the name, which may hold blanks, come the state and ten other fields.
+    // After the name, which may contain blanks, come the state and ten other fields.
     const QByteArray stat = readFile(QStringLiteral("/proc/%1/stat").arg(process));
     const QList<QByteArray> fields = stat.mid(stat.lastIndexOf(')') + 2).split(' ');
     return (fields.value(11).toLongLong() + fields.value(12).toLongLong()) * 1000 /
@@ -74,14 +74,13 @@ QDBusMessage getUser()
     return call("/KyConfigMgr", "Users", "getUser", {});
 }
 
-/** Another client, which asks for the active user again and again, on a connection of its own. */
+/** Another client, which repeatedly asks for the active user on a connection of its own. */
 class OtherClient : public QThread
 {
 public:
     ~OtherClient() override { finish(); }
 
-    /** Ends it; the longest time that it has waited for an answer, in ms, -1 where one was missing.
-     */
+    /** Ends it. Returns the longest wait for a reply in ms, -1 if one was missing. */
     qint64 finish()
     {
         m_isOver = true;
@@ -118,11 +117,11 @@ void Deafness::beginAttack()
     begin();
     m_process = daemon.processId();
     m_memoryBefore = statusOf(m_process, "VmRSS").toLongLong();
-    // The peak begins anew.
+    // Resets the peak.
     writeFile(QStringLiteral("/proc/%1/clear_refs").arg(m_process), "5");
 }
 
-/** Makes @p attack while the main thread waits for the hardware. */
+/** Runs @p attack while the main thread waits for the hardware. */
 void Deafness::busy(const std::function<void()> &attack)
 {
     Board::fault("KyLeds.setLedState", "hold");
@@ -130,14 +129,14 @@ void Deafness::busy(const std::function<void()> &attack)
         Remote("/KyDeviceMgr", "LED").start("setLEDStatus", {"WIFI", "ON"});
     QVERIFY(Board::waitFor("held", "KyLeds.setLedState"));
     attack();
-    // Answered by the thread that receives, after all of it; by nobody where that is deaf.
+    // The receiving thread answers it after all attack messages, unless it is deaf.
     const QDBusMessage ping = QDBusMessage::createMethodCall(service, "/KyDeviceMgr",
                                                              "org.freedesktop.DBus.Peer", "Ping");
     QDBusConnection::systemBus().call(ping, QDBus::Block, 5000);
     Board::clearFaults();
 }
 
-/** The daemon is the one that it was, and other clients are answered. */
+/** Verifies that the process is the same, and that other clients get replies. */
 void Deafness::endAttack(qint64 longestMeanwhile)
 {
     QVERIFY2(longestMeanwhile >= 0, "another client was not answered meanwhile");
@@ -166,8 +165,7 @@ void Deafness::endAttack(qint64 longestMeanwhile)
                       .arg(qMax(longestMeanwhile, afterwards)));
 }
 
-/** @p map, and what makes it nearly as large as the bus lets through: under @p key, or many keys.
- */
+/** Enlarges @p map to nearly the bus's limit: under @p key, or with many keys. */
 QVariantMap Deafness::enlarged(QVariantMap map, const QString &kind, const QString &key) const
 {
     map.insert(key, 7);
@@ -187,7 +185,7 @@ QVariantMap Deafness::enlarged(QVariantMap map, const QString &kind, const QStri
     return map;
 }
 
-/** The processor time that the bus alone needs for a message with @p argument, in ms. */
+/** The processor time in ms that the bus alone needs for a message with @p argument. */
 qint64 Deafness::processorTimeOfTheBus(const QVariantMap &argument) const
 {
     const QString bus = QStringLiteral("org.freedesktop.DBus");
@@ -283,7 +281,7 @@ void Deafness::recordsOfLargeMaps()
                       .arg(QTest::currentDataTag())
                       .arg(busAlone)
                       .arg(needed));
-    // libdbus checks a message in the bus and once more in the daemon.
+    // libdbus validates a message in the bus and again in the daemon.
     QVERIFY2(busAlone > 0 && needed < 2 * busAlone + 1000,
              qPrintable(QStringLiteral("%1 ms, and %2 ms in the bus").arg(needed).arg(busAlone)));
 }

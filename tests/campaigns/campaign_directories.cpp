@@ -27,16 +27,16 @@ const QString secret = QStringLiteral("/opt/secret");
 const QStringList everyUser = {"user1", "user2", "user3", "user4"};
 
 /**
- * What @p owner, who has a login, does in a loop in a directory that is theirs. Runs in a process
- * of its own: nothing but system calls.
+ * The loop of a local user @p owner in a directory of that user. Runs in a process of its own: only
+ * system calls.
  */
 struct Race {
     QString name;
     uid_t owner;
-    /** What is theirs, and in which directory they work. */
+    /** The directory that the user owns, and the one in which the loop works. */
     QString owned;
     QString directory;
-    /** The name that is now what it was and now a link to the target. */
+    /** The name that alternates between its original and a link to the target. */
     QByteArray swapped;
     QByteArray target;
 };
@@ -54,7 +54,7 @@ const QList<Race> races = {
      profiles + "/default_user_profile", "display", "/opt/secret"},
 };
 
-/** Swaps the name for the link and back, and makes the link wherever the name is free. */
+/** Swaps the name for the link and back, and creates the link wherever the name is free. */
 [[noreturn]] void race(const Race &attack, std::atomic<long> &swaps)
 {
     const QByteArray path = QFile::encodeName(attack.directory);
@@ -74,7 +74,7 @@ const QList<Race> races = {
     }
 }
 
-/** Everything below @p directory, with owners and modes. */
+/** Lists everything below @p directory, with owners and modes. */
 QStringList picture(const QString &directory)
 {
     QStringList lines = snapshot(directory);
@@ -95,9 +95,9 @@ void give(uid_t owner, const QString &path)
 } // namespace
 
 /**
- * Somebody who has a login, and owns a profile, or has made the directory of all profiles before
- * the installation, has links lead out of it: from the start on, and in a race with the daemon.
- * Nothing outside is read, written or erased.
+ * A local user owns a profile, or has created the directory of all profiles before the
+ * installation, and plants links that lead out of it: before the start, and in a race with the
+ * daemon. The daemon must not read, write or erase anything outside.
  *
  * FAULTS=all in the environment races longer.
  */
@@ -144,7 +144,7 @@ void TestDirectories::layOutVictim()
         writeFile(victim + '/' + user + "_profile/file", "keep");
 }
 
-/** The files of the profiles that hold what only root may read. */
+/** The files in the profiles whose content only root may read. */
 QStringList TestDirectories::secretsOut()
 {
     QStringList files;
@@ -153,7 +153,7 @@ QStringList TestDirectories::secretsOut()
     return files;
 }
 
-/** Whether nothing outside was touched since @p before; else everything is as before again. */
+/** Returns true if nothing outside has changed since @p before; otherwise restores it. */
 bool TestDirectories::isUntouched(const QStringList &before)
 {
     const QStringList secrets = secretsOut();
@@ -190,7 +190,7 @@ void TestDirectories::aLinkThatWasThereBeforeIsNotFollowed()
 {
     QFETCH(QString, path);
     QFETCH(QString, target);
-    // No profile is complete: every start and every switch has something to replace.
+    // No profile is complete: every start and every switch has to replace one.
     writeFile(profile("default_user") + "/new", "default");
     QFile::remove(profiles + "/system");
     removePath(path);

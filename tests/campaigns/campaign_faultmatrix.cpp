@@ -16,16 +16,16 @@
 #include <functional>
 
 /**
- * Every operation of the hardware libraries, times every fault, times every method, property,
- * timer, interrupt and kernel event that reaches it.
+ * Every operation of the hardware libraries, with every fault, and every method, property, timer,
+ * interrupt and kernel event that reaches it.
  *
- * Nothing here is a list of operations or of methods. The operations are what the hardware
- * libraries export, the methods what the daemon's objects say of themselves; which reaches which is
- * what the board's journal says. A new operation that nothing reaches, and a new method whose
- * arguments nobody has given, make the test fail.
+ * No operations or methods are listed here. The operations are the exports of the hardware
+ * libraries, the methods come from introspection, and the board's journal shows which stimulus
+ * reaches which operation. A new operation that no stimulus reaches, or a new method without known
+ * arguments, fails the campaign.
  *
- * FAULTS=all in the environment lets every single call of an operation fail instead of the first
- * and the last of each stimulus, and lets hangs last three seconds.
+ * FAULTS=all in the environment faults every single call of an operation instead of the first and
+ * the last of each stimulus, and lets hangs last three seconds.
  */
 class TestFaultMatrix : public DaemonTest
 {
@@ -41,21 +41,21 @@ private Q_SLOTS:
     void everyFaultIsSurvived();
 
 private:
-    /** What makes the daemon use the hardware. */
+    /** An event that makes the daemon use the hardware. */
     struct Stimulus {
         QString name;
-        /** Brings the daemon, which runs by then, to where the stimulus reaches the hardware. */
+        /** Brings the running daemon to the point where the stimulus reaches the hardware. */
         std::function<void()> prepare;
-        /** Begins it; waits for nothing. */
+        /** Starts the stimulus without waiting. */
         std::function<void()> trigger;
-        /** Waits until the daemon is done with it; what it answered. */
+        /** Waits until the daemon has handled it; returns the reply. */
         std::function<QString()> finish;
-        /** The next successful cycle after a fault; the stimulus itself where there is none. */
+        /** The next successful cycle after a fault; the stimulus itself if empty. */
         std::function<void()> heal;
         bool isStart = false;
     };
 
-    /** What a stimulus does while nothing is wrong. */
+    /** The effects of a stimulus without a fault. */
     struct Reference {
         QStringList operations;
         QMap<QString, int> calls;
@@ -95,14 +95,14 @@ namespace
 const QString daemonName = QStringLiteral("com.orvendis.Strandel.BoardManager");
 const int deadline = 20000;
 
-/** How an operation is told to misbehave. */
+/** The words of faults. */
 const QString always = QStringLiteral("always");
 const QString nonsense = QStringLiteral("nonsense");
 
 /** Operations that no stimulus reaches, with the reason. */
 const QMap<QString, QString> unreached = {};
 
-/** The valid arguments of every method that takes any; several lists are several stimuli. */
+/** The valid arguments of every method with arguments; several lists are several stimuli. */
 struct Arguments {
     const char *method;
     QList<QVariantList> lists;
@@ -132,8 +132,8 @@ const QList<Arguments> validArguments = {
 };
 
 /**
- * What a stimulus answers while an operation has a fault. Where no row is for it, the answer is
- * that of a board in order: the first row that matches counts. An empty fault is any failure.
+ * The reply to a stimulus while an operation has a fault. Without a matching row the reply is the
+ * one without a fault; the first match counts. An empty fault matches any failure.
  */
 struct Answer {
     const char *stimulus;
@@ -167,7 +167,7 @@ QList<Answer> answersToFaults()
          "(<\"CHARGER_ON_NO_BAT\">)"},
         {"Alimentation.batteryStatus with a charger that came", "KyBatmonitor.getCmeterType",
          "nonsense", "(<\"CHARGER_ON_NO_BAT\">)"},
-        // A supply that cannot be read counts as absent.
+        // A charger that cannot be read counts as absent.
         {"Alimentation.batteryStatus with a charger that came", "KySocManager.getSoCRegister", "",
          "(<\"CHARGER_OFF_BAT_INF_80\">)"},
         {"Backlight.getBacklight", "KyBacklight.getBrightness", "", backlightUnread},
@@ -177,7 +177,7 @@ QList<Answer> answersToFaults()
         {"Backlight.setBacklight(40)", "KyBacklight.setBrightness", "", backlightUnset},
         {"Backlight.enableBacklight(false)", "KyBacklight.enableBacklight", "", backlightUnset},
         {"Backlight.setBacklightStep(false, 3)", "KyBacklight.setBrightness", "", backlightUnset},
-        // In automatic mode a refused percentage is announced, not answered.
+        // In automatic mode a failed write is announced, not reported as an error.
         {"Backlight.setBacklightStep(true, 3)", "KyAls.readLux", "", lightUnread},
         {"Brightness.getBrightness", "KyAls.readLux", "", lightUnread},
         {"Brightness.getBrightness", "KyAls.readLux", "nonsense", "(d:nan)"},
@@ -223,7 +223,7 @@ QList<Answer> answersToFaults()
         {"Version.setEeprom*", "KyEeprom.setWriteEnable", "call 0", noWriting},
         {"Version.setEeprom*", "KyEeprom.setWriteEnable", "call 1", notProtected},
         {"Version.setEeprom*", "KyEeprom.writeEeprom", "", notWritten},
-        // A board that only says it lifted the protection refuses what is written then.
+        // A board that falsely reports the protection as lifted rejects the write.
         {"Version.setEeprom*", "KyEeprom.setWriteEnable", "nonsense", notWritten},
         {"Version.invalidateEepromsContent", "KyEeprom.setWriteEnable", "always", noWriting},
         {"Version.invalidateEepromsContent", "KyEeprom.setWriteEnable", "call 0", noWriting},
@@ -244,8 +244,9 @@ QList<Answer> answersToFaults()
 }
 
 /**
- * Faults whose traces stay until the daemon's next start, as the clients expect: what is read once
- * is read once, and a sensor that could not be set up stays unused. An empty fault is any failure.
+ * Faults whose effects last until the daemon's next start, as clients expect: some values are read
+ * only once, and a sensor whose initialisation failed stays unused. An empty fault matches any
+ * failure.
  */
 struct Lasting {
     const char *stimulus;
@@ -254,32 +255,33 @@ struct Lasting {
 };
 
 const QList<Lasting> lasting = {
-    // A light sensor that could not be set up is not used until the next start.
+    // A light sensor whose initialisation failed is not used until the next start.
     {"start", "KyAls.init", ""},
     {"start", "KyAls.readLux", ""},
     {"start", "KyAls.setThresholds", ""},
     {"start", "KyAls.setThresholdsTimer", ""},
     {"start", "KyAls.interruptEnable", ""},
     {"start", "KyAls.getinterruptHandler", ""},
-    // So is one that said it was set up and was not.
+    // The same after an initialisation that falsely reported success.
     {"start", "KyAls.setThresholds", "nonsense"},
     {"start", "KyAls.setThresholdsTimer", "nonsense"},
     {"start", "KyAls.interruptEnable", "nonsense"},
-    // A conversion has no way to tell that it failed: darkness counts as the lower bound.
+    // A conversion cannot report a failure: darkness becomes the lower bound.
     {"start", "KyAls.convLuxInExponentMantissaByte", "last call"},
     {"light interrupt*", "KyAls.convLuxInExponentMantissaByte", "last call"},
-    // An interrupt that is not acknowledged is the last one, whatever the sensor says.
+    // After an interrupt that is not acknowledged no further one comes, whatever the sensor
+    // reports.
     {"light interrupt*", "KyAls.interruptRead", ""},
     {"light interrupt*", "KyAls.interruptRead", "nonsense"},
-    // The instrument's record is read once, and without it there is no screen.
+    // The instrument record is read once; without it there is no screen.
     {"start", "KyEeprom.readEeprom", ""},
     {"start", "KyEeprom.readEeprom", "nonsense"},
-    // The library is told once per reading of the record.
+    // The library gets the brand once for each read of the record.
     {"start", "KyBoardRev.setBrand", ""},
     {"start", "KyBoardRev.setBrand", "nonsense"},
     {"start", "KyBoardRev.setModel", ""},
     {"start", "KyBoardRev.setModel", "nonsense"},
-    // The card's LED is shown again when the card comes or goes.
+    // The card's LED is set again when the card comes or goes.
     {"start", "KyLeds.setLedState", "last call"},
     {"start", "KyLeds.setLedState", "always"},
     {"start", "KyLeds.setLedState", "nonsense"},
@@ -288,7 +290,7 @@ const QList<Lasting> lasting = {
     {"Version.getEepromInstrument", "KyEeprom.readEeprom", "nonsense"},
     {"Version.getEepromMesure", "KyEeprom.readEeprom", ""},
     {"Version.getEepromMesure", "KyEeprom.readEeprom", "nonsense"},
-    // A revision that was missing when another one was there stays missing.
+    // A revision that was missing while another was present stays missing.
     {"Version.getRevision", "KyBoardRev.getRevision", "call *"},
     {"Version.getRevision", "KyBoardRev.getRevision", "nonsense"},
     {"Version.getRevision", "KyBoardRev.setSoMRevision", ""},
@@ -312,12 +314,14 @@ bool isFault(const char *pattern, const QString &fault)
     return *pattern ? matches(pattern, fault) : isFailure(fault);
 }
 
-/** The LEDs in the order in which they are asked for. */
+/** The LEDs in the order of the daemon's reads. */
 const char *const leds[] = {"BAT_RS1", "BAT_GS1",  "BAT_GS2",   "BAT_GS3",  "BAT_GS4",
                             "BAT_GS5", "UTC_SYNC", "RECORDING", "BT",       "WIFI",
                             "WPS",     "POWER_Y",  "POWER_G",   "SD_STATUS"};
 
-/** What an LED that cannot be read, or shows what none can show, makes of the answer @p usual. */
+/**
+ * The change of the usual reply @p usual for an LED that cannot be read or has an invalid state.
+ */
 QString ledAnswer(const QString &fault, QString usual)
 {
     if (fault == nonsense)
@@ -339,7 +343,7 @@ QString expectedAnswer(const QString &stimulus, const QString &operation, const 
     return stimulus == QLatin1String("LED.getLEDStatus") ? ledAnswer(fault, usual) : usual;
 }
 
-/** Counts and times, which an earlier attempt changes as well. */
+/** Counters and times, which earlier attempts change, too. */
 bool isCount(const QString &line)
 {
     static const QRegularExpression counts(
@@ -348,7 +352,7 @@ bool isCount(const QString &line)
     return counts.match(line).hasMatch();
 }
 
-/** The lines that the two have not in common. */
+/** The lines that differ. */
 QString difference(const QStringList &expected, const QStringList &found)
 {
     QStringList lines;
@@ -363,7 +367,7 @@ QString difference(const QStringList &expected, const QStringList &found)
     return lines.isEmpty() ? QStringLiteral("everything agrees") : lines.join(QLatin1Char('\n'));
 }
 
-/** The operations that the hardware libraries export, as the journal names them. */
+/** The exported operations of the hardware libraries, with their names in the journal. */
 QStringList exportedOperations()
 {
     QStringList operations;
@@ -409,7 +413,7 @@ void TestFaultMatrix::init()
 {
     DaemonTest::init();
     daemon.controlClock();
-    // A card is there whose LED shows it, and the sensor repeats its interrupts at once.
+    // A card is inserted and its LED is on, and the sensor repeats its interrupts immediately.
     Board::set("storage/SD/inserted", "1");
     Board::set("storage/SD/mounted", "1");
     writeFile("/opt/settings.ini", "[Brightness]\ntimer=0\n");
@@ -432,7 +436,7 @@ void TestFaultMatrix::cleanupTestCase()
             .arg(m_survived));
 }
 
-/** Adds the methods and properties that the object at @p path says it has. */
+/** Adds the methods and properties of the object at @p path, from introspection. */
 void TestFaultMatrix::addMethods(const QString &path)
 {
     const Introspection object = introspect(path);
@@ -500,7 +504,7 @@ TestFaultMatrix::Stimulus TestFaultMatrix::callStimulus(const QString &name, con
     return stimulus;
 }
 
-/** A stimulus that nobody answers; @p marker is an operation that it reaches in any case. */
+/** A stimulus without a reply; @p marker is an operation that it always reaches. */
 TestFaultMatrix::Stimulus TestFaultMatrix::eventStimulus(const QString &name, const QString &marker,
                                                          const std::function<void()> &happen)
 {
@@ -524,7 +528,7 @@ TestFaultMatrix::Stimulus TestFaultMatrix::eventStimulus(const QString &name, co
     return stimulus;
 }
 
-/** What comes without a call, and the calls that something has to happen before. */
+/** Adds stimuli other than calls, and calls that need a preparation. */
 void TestFaultMatrix::addEvents()
 {
     const Stimulus battery =
@@ -542,12 +546,12 @@ void TestFaultMatrix::addEvents()
     for (int index = 0, count = m_stimuli.size(); index < count; ++index) {
         Stimulus stimulus = m_stimuli.at(index);
         if (stimulus.name == QLatin1String("Version.getEepromInstrument")) {
-            // A map that is refused empties the cache.
+            // A rejected map empties the cache.
             m_stimuli[index].prepare = [=] {
                 version.call("setEepromInstrument", {QVariantMap()});
             };
         } else if (stimulus.name == QLatin1String("Alimentation.batteryStatus")) {
-            // Reading the status shows it on the LEDs only where the charger came or went.
+            // Reading the status updates the LEDs only if the charger came or went.
             stimulus.heal = m_stimuli[index].heal = checkBattery;
             stimulus.name += QStringLiteral(" with a charger that came");
             stimulus.prepare = [] { Board::set("charger/present", "1"); };
@@ -610,7 +614,7 @@ void TestFaultMatrix::addEvents()
     m_stimuli << start;
 }
 
-/** Waits until the daemon is done with everything that has reached it by now. */
+/** Waits until the daemon has handled everything that has reached it. */
 void TestFaultMatrix::settle()
 {
     for (int times = 0; times < 2; ++times)
@@ -618,7 +622,7 @@ void TestFaultMatrix::settle()
             .reply("Introspect");
 }
 
-/** What the daemon answers to every question without arguments, and what the board shows. */
+/** The replies to all getters without arguments, and the board's files. */
 QStringList TestFaultMatrix::state()
 {
     QStringList lines;
@@ -642,7 +646,7 @@ bool TestFaultMatrix::waitForState(const QStringList &expected, QStringList &las
                                    4000);
 }
 
-/** Brings the daemon to where @p stimulus can begin. */
+/** Brings the daemon to the start of @p stimulus. */
 void TestFaultMatrix::begin(const Stimulus &stimulus)
 {
     if (stimulus.isStart)
@@ -681,7 +685,7 @@ TestFaultMatrix::Reference TestFaultMatrix::observe(const Stimulus &stimulus)
         ++reference.calls[operation];
     }
     heal(stimulus);
-    // What is still on its way, such as the sensor's own registers, comes to rest.
+    // Wait until pending changes, such as the sensor's own registers, have settled.
     QStringList previous;
     do {
         previous = reference.state;
@@ -745,7 +749,7 @@ void TestFaultMatrix::everyFaultIsSurvived()
     const bool isHang = fault.startsWith(QLatin1String("hang "));
     ++m_faults;
 
-    // Given: the daemon is where the stimulus can begin, and then the operation gets its fault.
+    // Given: the daemon at the start of the stimulus, and the operation with its fault.
     begin(stimulus);
     QVERIFY(!QTest::currentTestFailed());
     const int before = stimulus.isStart ? 0 : daemon.settledDescriptors();
@@ -757,7 +761,7 @@ void TestFaultMatrix::everyFaultIsSurvived()
     else
         Board::fault(operation, (isHang ? "hold after " : "1 after ") + number);
 
-    // When: the stimulus comes. The daemon waits for a hardware that hangs, and so do its clients.
+    // When: the stimulus comes. A hung hardware call blocks the daemon and its clients.
     stimulus.trigger();
     QDBusPendingCall other = QDBusPendingCall::fromError(QDBusError());
     if (isHang) {
@@ -770,7 +774,7 @@ void TestFaultMatrix::everyFaultIsSurvived()
     }
     const QString reply = stimulus.finish();
 
-    // Then: it lives, and has answered what it is to answer.
+    // Then: the daemon runs and has sent the expected reply.
     QVERIFY(daemon.isRunning());
     QCOMPARE(reply, isHang ? reference.reply
                            : expectedAnswer(stimulus.name, operation, fault, reference.reply));
@@ -780,8 +784,8 @@ void TestFaultMatrix::everyFaultIsSurvived()
     }
     QCOMPARE(Remote("/KyConfigMgr", "Users").call("getUser"), QStringLiteral("(\"user1\")"));
 
-    // And with the fault gone the next successful cycle has it agree with the board, or the next
-    // start where that is what clients know.
+    // And: without the fault, it agrees with the board after the next successful cycle, or after
+    // the next start if clients expect that.
     Board::clearFaults();
     heal(stimulus);
     bool isLasting = false;

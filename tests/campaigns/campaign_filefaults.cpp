@@ -14,10 +14,10 @@
 #include <unistd.h>
 
 /**
- * Every file and directory that the daemon reads or writes, times everything that may be in its
- * place: whoever does not need it notices nothing, and whoever needs it is told so as he is to be.
+ * Every file and directory that the daemon reads or writes, with every possible replacement: only
+ * calls that need it fail, with their specified errors.
  *
- * FAULTS=all in the environment lets everything also happen while the daemon runs.
+ * FAULTS=all in the environment also replaces everything while the daemon runs.
  */
 class TestFileFaults : public NetworkTest
 {
@@ -48,18 +48,18 @@ namespace
 {
 const QString precious = QStringLiteral("/opt/precious");
 
-/** Something that the daemon uses, and the calls that cannot do without it. */
+/** A file that the daemon uses, and the calls that need it. */
 struct Place {
     const char *path;
     QStringList concerned;
-    /** Those that notice only what happens while the daemon runs. */
+    /** Calls that are affected only by a replacement at run time. */
     QStringList concernedLater = {};
 };
 
 const QStringList profileCalls = {"getUser", "setUser", "factoryReset"};
 
 const QList<Place> places = {
-    // Users whose flags vanish with the file are invalid.
+    // Users without a stored flag are invalid.
     {"/opt/settings.ini", {}, {"setUser", "factoryReset"}},
     {"/opt", {"getSoftwareVersions"}},
     {"/tmp/User_part", {"getUser", "setUser", "factoryReset", "WIFIAP.connect"}},
@@ -94,7 +94,7 @@ const QStringList conditions = {"missing",
                                 "on a read-only disk",
                                 "on a full disk"};
 
-/** The answers where nothing is wrong, and those that tell what is; both as they are rendered. */
+/** The replies without a fault, and those that report one; both formatted. */
 struct Expectation {
     const char *call;
     QString usual;
@@ -168,7 +168,7 @@ void TestFileFaults::cleanup()
     QDir().mkpath("/opt");
 }
 
-/** Mounts @p source at @p path until the test is over. */
+/** Mounts @p source at @p path until the end of the test. */
 void TestFileFaults::mountAt(const QString &source, const QString &path)
 {
     check(mount(qPrintable(source), qPrintable(path), nullptr, MS_BIND, nullptr) == 0, "bind");
@@ -182,7 +182,7 @@ void TestFileFaults::makeReadOnly(const QString &path)
           "read-only");
 }
 
-/** Puts @p path, with all that is in it, on a disk of its own that has no room left. */
+/** Moves @p path and its content to a full file system of its own. */
 void TestFileFaults::fill(const QString &path)
 {
     const QString disk = "/run/disk";
@@ -198,7 +198,7 @@ void TestFileFaults::fill(const QString &path)
     mountAt(disk + '/' + QFileInfo(path).fileName(), path);
 }
 
-/** Has @p path be something else than it should. */
+/** Replaces @p path as @p condition says. */
 void TestFileFaults::have(const QString &condition, const QString &path)
 {
     if (condition == "unreadable") {
@@ -206,7 +206,7 @@ void TestFileFaults::have(const QString &condition, const QString &path)
         return;
     }
     if (condition.startsWith("on a ")) {
-        // What is made by the daemon alone is there already, empty.
+        // Files that only the daemon creates already exist, empty.
         if (!QFile::exists(path))
             writeFile(path, QByteArray());
         if (condition == "on a full disk")
@@ -242,7 +242,7 @@ void TestFileFaults::have(const QString &condition, const QString &path)
     }
 }
 
-/** Calls everything that uses a file; only what is @p concerned may answer that it cannot. */
+/** Calls everything that uses a file; only the @p concerned calls may fail. */
 void TestFileFaults::verifyAnswers(const QStringList &concerned)
 {
     const Remote users("/KyConfigMgr", "Users");
@@ -277,10 +277,10 @@ void TestFileFaults::theDaemonDoesWithout_data()
         for (int index = 0; index < places.size(); ++index) {
             const QString path = places.at(index).path;
             const bool isDisk = condition.startsWith("on a ");
-            // No directory of the system goes, nor may root be kept from one.
+            // System directories cannot be removed or made inaccessible to root.
             if (path == "/opt" && !isDisk)
                 continue;
-            // A link cannot be mounted on.
+            // A symbolic link cannot be a mount point.
             if (path == "/tmp/User_part/system" && isDisk)
                 continue;
             ++turn;
@@ -303,7 +303,7 @@ void TestFileFaults::theDaemonDoesWithout()
     ++m_combinations;
     QStringList wrapper;
 #ifndef __SANITIZE_ADDRESS__
-    // Whoever reads what has no end must not have the whole machine's memory.
+    // If the daemon read an endless file, it must not take all of the machine's memory.
     wrapper = QStringList{"prlimit", "--as=1000000000"};
 #endif
     if (condition == "unreadable")
@@ -313,7 +313,7 @@ void TestFileFaults::theDaemonDoesWithout()
     if (!isRunning)
         have(condition, place.path);
     QVERIFY(daemon.start());
-    // What the start stores has been written.
+    // The start has written its settings.
     settle();
     if (isRunning)
         have(condition, place.path);
@@ -323,7 +323,7 @@ void TestFileFaults::theDaemonDoesWithout()
 
     QVERIFY(!QTest::currentTestFailed());
     QVERIFY(daemon.isRunning());
-    // The settings may well be elsewhere, and linked; nothing else writes through a link.
+    // The settings may be a link to another place; nothing else is written through a link.
     if (place.path != QByteArray("/opt/settings.ini"))
         QCOMPARE(readFile(precious), QByteArray("kept"));
     QVERIFY(QTest::qWaitFor([&] { return daemon.descriptors() <= before; }, 20000));

@@ -21,19 +21,19 @@ namespace
 const int deadline = 20000;
 const int minute = 60;
 const qint64 minutesOfRound = 10;
-/** From here on nothing may grow: every kind of round was there once. */
+/** The number of rounds after which memory must not grow: every kind of round has occurred. */
 const int warmUpRounds = 3;
-/** What the allocator may still gather after that, in kB. */
+/** How much the allocator may still grow afterwards, in kB. */
 const long allowedGrowth = 512;
 
-/** How often a scan or a connect is tried. */
+/** The number of attempts of a scan or a connect. */
 const int attempts = 4;
 
-/** How many hours the instrument lives, and how many clients listen to all signals. */
+/** The simulated hours, and the number of clients that listen to all signals. */
 int hours = 1;
 int clients = 3;
 
-/** What the battery gauge and the power button show: BAT_RS1, BAT_GS1 to 5, POWER_Y, POWER_G. */
+/** The battery gauge and the power button: BAT_RS1, BAT_GS1 to 5, POWER_Y, POWER_G. */
 struct Pattern {
     const char *status;
     const char *leds;
@@ -49,7 +49,7 @@ const Pattern patterns[] = {
 const char *const batteryLeds[] = {"BAT_RS1", "BAT_GS1", "BAT_GS2", "BAT_GS3",
                                    "BAT_GS4", "BAT_GS5", "POWER_Y", "POWER_G"};
 
-/** The lines of figures go to descriptor 3, where whoever collects them has opened it. */
+/** Writes figures to descriptor 3 if it is open. */
 void tell(const QString &line)
 {
     const QByteArray bytes = line.toUtf8() + '\n';
@@ -73,7 +73,7 @@ public:
         m_process.waitForFinished();
     }
 
-    /** Takes in what it has printed: "INTERFACE SIGNAL [ARGUMENTS]", without the times. */
+    /** Its output so far: "INTERFACE SIGNAL [ARGUMENTS]", without the times. */
     const QStringList &lines()
     {
         while (m_process.waitForReadyRead(0)) {
@@ -99,9 +99,9 @@ private:
 } // namespace
 
 /**
- * An instrument's life, hours of it in minutes: the battery drains and is charged, the light
- * changes, card and key come and go, networks too, profiles switch. Time is set forward in steps in
- * which no timer of the daemon is missed; what ConnMan does takes the time that it takes.
+ * Hours of an instrument's life in minutes: the battery drains and is charged, the light changes,
+ * card, key and networks come and go, profiles switch. The clock advances in steps that skip no
+ * timer of the daemon; ConnMan runs in real time.
  */
 class InstrumentLife : public DaemonTest
 {
@@ -181,7 +181,7 @@ private:
 void InstrumentLife::init()
 {
     DaemonTest::init();
-    // The journal would grow without bounds.
+    // The journal would grow without limit.
     Board::remove("journal");
     script.install();
     supplicant.start();
@@ -242,7 +242,7 @@ void InstrumentLife::hoursPass()
     QVERIFY(after.memory - before.memory <= allowedGrowth);
 }
 
-/** Ten minutes, or a little more. */
+/** Simulates ten minutes, or a little more. */
 void InstrumentLife::live(int round)
 {
     const qint64 start = secondsLived;
@@ -331,7 +331,7 @@ void InstrumentLife::useWifi(int round)
     DO(leave());
 }
 
-/** Scans until the list is as the air is, as people do: ConnMan may tell of it in two halves. */
+/** Scans until the list matches the air: ConnMan may announce it in two parts. */
 void InstrumentLife::scan(bool isKitchenThere)
 {
     for (int attempt = 0; attempt < attempts; ++attempt) {
@@ -347,14 +347,14 @@ void InstrumentLife::scan(bool isKitchenThere)
     QFAIL("the scans do not show the air");
 }
 
-/** Joins a network, trying again where ConnMan did not know it yet. */
+/** Joins a network; tries again if ConnMan does not know it yet. */
 void InstrumentLife::join(const char *network, const char *key)
 {
     for (int attempt = 0; attempt < attempts; ++attempt) {
         QCOMPARE(wifi.call("connect", {QVariantMap{{"Service", network}, {"Password", key}}}),
                  done);
         DO(passModuleDelay());
-        // An attempt that ConnMan leaves hanging is judged when its minute is over.
+        // An attempt without a reply of ConnMan ends after a minute.
         const QRegularExpression end("WIFI propertyChanged .*\"(online|failure)\".*");
         const auto isDecided = [&] { return listeners.front()->lines().indexOf(end, heard) >= 0; };
         if (!QTest::qWaitFor(isDecided, deadline / 2))
@@ -409,7 +409,7 @@ void InstrumentLife::failToJoinFirst()
     DO(joinWithAKey("Hall", "echo chamber"));
 }
 
-/** Leaves the Wi-Fi network, if need be one that is gone already. */
+/** Leaves the Wi-Fi network, even one that is already gone. */
 void InstrumentLife::leave()
 {
     const QString answer = wifi.call("disconnect");
@@ -419,7 +419,7 @@ void InstrumentLife::leave()
     QTRY_COMPARE_WITH_TIMEOUT(address("wifi_sta"), QString(), deadline);
 }
 
-/** Gives ConnMan the time that passes for it before the module has switched once more. */
+/** Gives ConnMan real time while the module switches again. */
 void InstrumentLife::waitForRadioOff()
 {
     const QString technology = "/net/connman/technology/wifi";
@@ -459,12 +459,12 @@ void InstrumentLife::beAnAccessPoint()
     QVERIFY(!QFile::exists("/sys/class/net/wifi_ap"));
 }
 
-/** Lets time pass for the daemon, never so much that a timer would be skipped. */
+/** Advances the daemon's clock in steps that skip no timer. */
 void InstrumentLife::pass(int seconds)
 {
     const int longestStep = 10;
     for (int left = seconds; left > 0; left -= longestStep) {
-        // A call to ConnMan that is under way would take this time, too.
+        // A pending call to ConnMan would see the time pass, too.
         settle();
         daemon.letTimePass(std::min(left, longestStep));
         settle();
@@ -485,7 +485,7 @@ void InstrumentLife::spendMinute()
     pass(minute);
 }
 
-/** Waits until the daemon has done everything that reached it by now. */
+/** Waits until the daemon has handled everything that has reached it. */
 void InstrumentLife::settle()
 {
     users.call("getUser");
@@ -497,7 +497,7 @@ void InstrumentLife::passModuleDelay()
     pass(2);
 }
 
-/** Waits until every listener has printed a line like that, after those that were waited for. */
+/** Waits until every listener has printed a matching line, after those of earlier waits. */
 bool InstrumentLife::announces(const QString &pattern)
 {
     const QRegularExpression line(pattern + ".*");
@@ -538,15 +538,15 @@ QString InstrumentLife::batteryStatus()
         return QStringLiteral("CHARGER_ON_BAT_FULL");
     if (!isCharger && charge <= 10)
         return QStringLiteral("CHARGER_OFF_BAT_PRWT");
-    // Upwards to the next multiple of 20.
+    // Round up to the next multiple of 20.
     const int bound = (std::abs(charge) + 19) / 20 * 20;
     return QStringLiteral("CHARGER_%1_BAT_INF_%2").arg(isCharger ? "ON" : "OFF").arg(bound);
 }
 
 void InstrumentLife::compareBattery()
 {
-    // The steady check comes every five minutes, a new charger or charge in between is told by
-    // nobody: a while with nothing new makes the LEDs catch up.
+    // The check comes every five minutes. No signal announces a new charge or charger in between:
+    // wait until the LEDs are up to date.
     pass(5 * minute);
     const QString status = batteryStatus();
     QCOMPARE(alimentation.property("batteryStatus"), "(<\"" + status + "\">)");
@@ -581,7 +581,7 @@ void InstrumentLife::compareDevices()
     QCOMPARE(backlight.call("getBacklight"), '(' + Board::get("backlight/brightness") + ')');
     QCOMPARE(brightness.reply("getBrightness").arguments().value(0).toDouble(),
              Board::get("als/lux").toDouble());
-    // The start is acknowledged once in a life.
+    // The start is acknowledged only once.
     QCOMPARE(Board::get("powerman/watchdog_acknowledgements"), QString("1"));
     QCOMPARE(
         users.call("getUser"),
@@ -598,7 +598,7 @@ void InstrumentLife::compareNetworks()
              QFile::exists("/sys/class/net/wifi_ap"));
 }
 
-/** The address that the kernel has for @p interface; empty without one. */
+/** The kernel's address of @p interface; empty without one. */
 QString InstrumentLife::address(const char *interface)
 {
     QProcess ip;
@@ -607,7 +607,7 @@ QString InstrumentLife::address(const char *interface)
     return QString::fromUtf8(ip.readAllStandardOutput()).section(' ', 6, 6).section('/', 0, 0);
 }
 
-/** The address that the daemon tells. */
+/** The address that the daemon reports. */
 QString InstrumentLife::addressOf(const Remote &interface)
 {
     return interface.call("getIPv4").section("\"Address\": <\"", 1).section('"', 0, 0);
@@ -631,7 +631,7 @@ int main(int argc, char *argv[])
         static_cast<void>(std::fputs("usage: life [HOURS CLIENTS]\n", stderr));
         return 2;
     }
-    // A day takes longer than other tests may.
+    // A day takes longer than the default limit of a test function.
     qputenv("QTEST_FUNCTION_TIMEOUT", "7200000");
     QCoreApplication application(argc, argv);
     InstrumentLife life;

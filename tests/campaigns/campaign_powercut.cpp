@@ -6,11 +6,11 @@
 #include <algorithm>
 
 /**
- * The power is cut at each call to the file system that a switch of the profile, or a reset, makes.
- * Each profile is whole then, or it is recognised as incomplete: the start leaves it as it is, and
- * the next switch replaces it. No file but those that are being replaced is lost.
+ * Cuts the power at each file-system call of a switch and of a reset. Afterwards each profile is
+ * complete, or it is recognised as incomplete: the start leaves it unchanged, and the next switch
+ * replaces it. Only files that are being replaced are lost.
  *
- * FAULTS=all in the environment takes every call, and profiles of more files.
+ * FAULTS=all in the environment tests every call, with larger profiles.
  */
 class TestPowerCut : public DaemonTest
 {
@@ -27,11 +27,11 @@ private Q_SLOTS:
 private:
     struct Scenario {
         QString name;
-        /** The user who is active before, and what a client calls. */
+        /** The user who is active before, and the client's call. */
         QString active;
         QString method;
         QString user;
-        /** Whether the profile that is switched to lacks a file. */
+        /** True if the profile to switch to lacks a file. */
         bool isIncomplete;
     };
 
@@ -91,14 +91,14 @@ void arm(int call)
 void TestPowerCut::init()
 {
     DaemonTest::init();
-    // What the last cut has left of settings that were being written; nobody ever looks at it.
+    // Partial settings of the last cut, which the daemon never reads.
     for (const QString &part : QDir("/opt").entryList({"settings.ini.*"}, QDir::Files))
         QFile::remove("/opt/" + part);
     QFile::remove(control);
     QFile::remove(control + ".log");
 }
 
-/** Everything in a profile but what is under way to its place. */
+/** Everything in a profile except the partial copy. */
 QStringList TestPowerCut::contents(const QString &user)
 {
     QStringList lines = snapshot(profile(user));
@@ -108,7 +108,7 @@ QStringList TestPowerCut::contents(const QString &user)
     return lines;
 }
 
-/** Whether each file and directory of the default profile has one of its name. */
+/** Returns true if every name of the default profile exists. */
 bool TestPowerCut::isComplete(const QStringList &lines)
 {
     QStringList names;
@@ -120,13 +120,13 @@ bool TestPowerCut::isComplete(const QStringList &lines)
     });
 }
 
-/** What every file of a profile holds. */
+/** The content of every file of a profile. */
 QByteArray TestPowerCut::contentOf(const QString &user) const
 {
     return QByteArray(m_isLong ? 5000 : 50, user.right(1).at(0).toLatin1());
 }
 
-/** Profiles of which each file tells whose it is, the user's or the default one's. */
+/** Creates profiles whose files name their owner: the user or the default profile. */
 void TestPowerCut::layOut(const Scenario &scenario)
 {
     QStringList files = {"/measure.conf", "/display/theme.conf", "/display/.hidden",
@@ -146,14 +146,14 @@ void TestPowerCut::layOut(const Scenario &scenario)
     QFile::link(profile(scenario.active), systemLink);
 }
 
-/** The settings are written some time after they have changed. */
+/** QSettings writes the settings some time after a change. */
 void TestPowerCut::settleSettings()
 {
     QTRY_VERIFY_WITH_TIMEOUT(QFile::exists(settingsFile), 20000);
     QTRY_VERIFY_WITH_TIMEOUT(!QFile::exists(settingsFile + ".lock"), 20000);
 }
 
-/** Starts the daemon with the power to be cut at that call after now. */
+/** Starts the daemon and cuts the power at that call from now on. */
 void TestPowerCut::startWithCut(int call)
 {
     daemon.setWrapper({POWERCUT, control, "/tmp/User_part", "/opt", "--"});
@@ -162,7 +162,7 @@ void TestPowerCut::startWithCut(int call)
     arm(call);
 }
 
-/** Every call to the file system, in order, of a call that nothing disturbs. */
+/** All file-system calls of an undisturbed call, in order. */
 QStringList TestPowerCut::callsOf(const Scenario &scenario)
 {
     layOut(scenario);
@@ -211,7 +211,7 @@ void TestPowerCut::everyProfileIsWholeOrReplacedByTheNextSwitch_data()
         const QStringList calls = m_calls.value(scenarios.at(index).name);
         for (int call = 1; call <= calls.size(); ++call) {
             const QString name = calls.at(call - 1).section(' ', 1, 1);
-            // A call that changes nothing leaves behind what the one before it does.
+            // A cut before a read leaves the same state as a cut at the previous call.
             static const QStringList reading = {
                 "stat",  "lstat", "newfstatat", "statx",      "access",     "readlink",
                 "close", "read",  "faccessat2", "getdents64", "readlinkat", "faccessat"};
@@ -222,7 +222,7 @@ void TestPowerCut::everyProfileIsWholeOrReplacedByTheNextSwitch_data()
     }
 }
 
-/** What the cut has left behind, in the words of the documentation. */
+/** The state after the cut, in the words of the documentation. */
 QString TestPowerCut::whatIsLeft(const Scenario &scenario) const
 {
     QStringList left;
@@ -248,7 +248,7 @@ QString TestPowerCut::whatIsLeft(const Scenario &scenario) const
     return left.join(", ");
 }
 
-/** Only the profile that was being replaced is another one, and then it shows. */
+/** Only the profile that was being replaced may differ, and then it is incomplete. */
 void TestPowerCut::verifyProfiles(const Scenario &scenario)
 {
     for (const QString &user : m_before.keys()) {
@@ -261,13 +261,13 @@ void TestPowerCut::verifyProfiles(const Scenario &scenario)
     if (now == old || now == whole)
         return;
     QVERIFY2(!isComplete(now), qPrintable(now.join('\n').left(2000)));
-    // No file has its name with a part of its content.
+    // No file is truncated.
     for (const QString &line : now)
         QVERIFY2(old.contains(line) || whole.contains(line), qPrintable(line.left(200)));
     ++m_incomplete;
 }
 
-/** A switch leaves a complete profile as it is and replaces any other. */
+/** A switch leaves a complete profile unchanged and replaces any other. */
 void TestPowerCut::verifySwitch(const QString &user)
 {
     const QStringList before = contents(user);

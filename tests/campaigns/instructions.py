@@ -1,10 +1,10 @@
-"""Compares the instructions that a call of the daemon takes with those it took before.
+"""Compares the instructions of the daemon's calls with recorded ones.
 
-A figure is the ratio to the bare Qt service, for which the same library code runs on the same
-processor: it stays the same from machine to machine. Runs in a private world.
+A figure is the ratio to the bare Qt service, which runs the same library code on the same processor:
+it does not depend on the machine. Runs in a private world.
 
 usage: instructions.py      compares with the figures in instructions.txt
-       instructions.py -w   writes them anew
+       instructions.py -w   records new figures
 """
 
 import os
@@ -38,7 +38,7 @@ def control(service, *options):
 
 
 def dump(service):
-    """The instructions since the last dump."""
+    """Returns the instructions since the last dump."""
     before = set(pathlib.Path().glob(f"callgrind.{service.name}.*"))
     control(service, "--dump")
     fresh, = set(pathlib.Path().glob(f"callgrind.{service.name}.*")) - before
@@ -52,7 +52,8 @@ def instructions_per_call(service, words):
 
 
 def least_of_batches(pair, words):
-    """The least of several batches of each: threads that meet otherwise only ever do more."""
+    """Returns the minimum of several batches: another interleaving of threads only adds
+    instructions."""
     for service in pair:
         services.call(words(service.name), WARMING)
     batches = [[instructions_per_call(service, words(service.name)) for service in pair]
@@ -61,7 +62,7 @@ def least_of_batches(pair, words):
 
 
 def measure():
-    """Instructions of each method, of the daemon and of the bare service."""
+    """Returns the instructions of each method, of the daemon and of the bare service."""
     with (under_callgrind(services.daemon()) as daemon,
           under_callgrind(services.bare()) as bare):
         for service in daemon, bare:
@@ -79,7 +80,7 @@ def main():
     services.DEADLINE = 60
     services.lay_out_world()
     os.chdir(tempfile.mkdtemp())
-    # On one processor the threads of a service meet in much the same order each time.
+    # On one processor the interleaving of threads varies little.
     os.sched_setaffinity(0, {max(os.sched_getaffinity(0))})
     counts = measure()
     ratios = {method: own / other for method, (own, other) in counts.items()}

@@ -1,15 +1,16 @@
-// What somebody who has a login can do to a service over the bus.
+// Attacks that a local user can make on a service over the bus.
 // usage: attack KIND SECONDS SERVICE PATH INTERFACE METHOD
-//   descriptors  introspection that carries 16 file descriptors each, behind 2,000 without that
-//                and keep the service busy; no reply is ever read
-//   signals      signals to the service alone, with 16 file descriptors each
+//   descriptors  introspection with 16 file descriptors each, after 2,000 calls without any that
+//   keep
+//                the service busy; never reads a reply
+//   signals      unicast signals to the service with 16 file descriptors each
 //   large        calls of 30 MB each
-//   texts        calls of 30 MB each, of millions of texts
+//   texts        calls of 30 MB each with millions of texts
 //   calls        calls without a break, whose replies are never read
 //   pending      calls without a break, whose replies are read
-//   deaf         250 connections that ask for all signals and read nothing
-// A service under attack may be gone, and the bus may end connections: neither is this program's
-// failure. It prints what it sent, and how many connections the bus ended.
+//   deaf         250 connections that subscribe to all signals and never read
+// The service under attack may end, and the bus may end connections: neither is a failure of this
+// program. It prints the number of sent messages, and of connections that the bus ended.
 #include "bus.h"
 
 #include <chrono>
@@ -25,7 +26,7 @@
 namespace
 {
 const int descriptorsPerMessage = 16;
-/** What may wait in this process before it is written, in bytes. */
+/** The limit of unsent data in this process, in bytes. */
 const long backlog = 1 << 20;
 
 struct Attack {
@@ -59,7 +60,7 @@ void onConnections(Attack &attack, const std::function<void(Bus &)> &body)
     }
 }
 
-/** Sends what @p make makes until the time is over or the bus ends the connection. */
+/** Sends the messages of @p make until the time is over or the bus ends the connection. */
 void sendOn(Bus &bus, Attack &attack, const std::function<Message()> &make)
 {
     while (!attack.isOver() && bus.isConnected()) {
@@ -116,7 +117,7 @@ void sendLargeCalls(Attack &attack)
     });
 }
 
-/** 3.9 million texts, of a byte each. */
+/** 3.9 million texts of one byte each. */
 Message newCallWithTexts(const Method &method)
 {
     const std::vector<const char *> texts((30 << 20) / 8, "x");

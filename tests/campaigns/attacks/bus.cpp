@@ -60,7 +60,7 @@ void Bus::drain(long bytes, double end)
 
 void Bus::stopReading()
 {
-    // A library that has that much and nobody takes it reads no more.
+    // Otherwise libdbus stops reading once this much is received and not taken.
     dbus_connection_set_max_received_size(m_connection, 0);
 }
 

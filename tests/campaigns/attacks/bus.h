@@ -12,7 +12,7 @@ struct MessageDeleter {
 
 using Message = std::unique_ptr<DBusMessage, MessageDeleter>;
 
-/** A method of a service, as it is named on a command line. */
+/** A method of a service, as named on the command line. */
 struct Method {
     std::string service;
     std::string path;
@@ -24,7 +24,7 @@ struct Method {
 class Bus
 {
 public:
-    /** Connects, again and again for at most ten seconds: the bus may be restarting. */
+    /** Connects; retries for at most ten seconds, because the bus may be restarting. */
     Bus();
     ~Bus();
     Bus(const Bus &) = delete;
@@ -33,13 +33,13 @@ public:
     /** Queues @p message. @return its serial number */
     dbus_uint32_t send(const Message &message);
 
-    /** Writes until at most @p bytes wait to be written, the bus ends the connection or @p end. */
+    /** Writes until at most @p bytes are pending, the bus ends the connection or @p end. */
     void drain(long bytes, double end);
 
-    /** From now on leaves in the socket what the bus sends. */
+    /** Stops reading from the socket. */
     void stopReading();
 
-    /** The next message, after a wait of at most @p milliseconds; null where none came. */
+    /** Returns the next message, after at most @p milliseconds; null if none came. */
     Message next(int milliseconds);
 
     bool isConnected() const;
@@ -50,13 +50,13 @@ private:
 
 Message newCall(const Method &method);
 
-/** Seconds of a clock that never jumps. */
+/** Seconds of a monotonic clock. */
 double now();
 
-/** The seconds that @p text names; ends the program where it names none. */
+/** Parses seconds from @p text; exits on failure. */
 double readSeconds(const char *text);
 
-/** Ends the program with a message. */
+/** Exits with a message. */
 [[noreturn]] void fail(const std::string &why);
 
 #endif

@@ -1,7 +1,7 @@
-// A client as every application is one: calls a method ten times a second and waits for each reply.
+// An ordinary client: calls a method ten times a second and waits for each reply.
 // usage: ordinary SECONDS SERVICE PATH INTERFACE METHOD
-// At the end, or at SIGTERM, it prints how many calls were answered, refused by the bus and lost,
-// and the longest wait in milliseconds:
+// At the end, or at SIGTERM, it prints the number of calls that were answered, refused by the bus
+// and lost, and the longest wait in milliseconds:
 //   answered 300 refused 0 lost 0 longest 12
 #include "bus.h"
 
@@ -14,7 +14,7 @@
 
 namespace
 {
-/** How long a reply is waited for, in seconds: as long as clients of the bus usually do. */
+/** The timeout of a reply, in seconds: the usual one of D-Bus clients. */
 const double timeout_s = 25;
 
 volatile std::sig_atomic_t hasToEnd = 0;
@@ -26,7 +26,7 @@ struct Tally {
     double longest = 0;
 };
 
-/** The reply to the call of @p serial; null when the connection ends or nothing comes in time. */
+/** Returns the reply to the call of @p serial; null at the end of the connection or the timeout. */
 Message waitForReply(Bus &bus, dbus_uint32_t serial)
 {
     const double deadline = now() + timeout_s;

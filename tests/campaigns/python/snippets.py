@@ -11,7 +11,7 @@ def read(name):
 
 
 def section(text, heading):
-    """What stands below a heading, up to the next one of its level or above."""
+    """Returns the text below a heading, up to the next one of its level or above."""
     start = re.search(rf"^(#+) {re.escape(heading)}\n", text, re.M)
     rest = text[start.end():]
     end = re.search(rf"^#{{1,{len(start[1])}}} ", rest, re.M)
@@ -23,7 +23,7 @@ def fenced(text, language):
 
 
 def session(text):
-    """Pairs of a command and what it prints, from the indented blocks that begin with "$ "."""
+    """Returns pairs of a command and its output, from the indented blocks that begin with "$ "."""
     pairs = []
     for line in text.split("\n"):
         if line.startswith("    $ "):

@@ -1,4 +1,4 @@
-"""What the fixture promises besides what the example suite uses."""
+"""The fixture's features that the example suite does not use."""
 
 import subprocess
 import sys
@@ -24,7 +24,7 @@ def test_an_instrument_ends_with_the_process_that_made_it():
                "os.kill(os.getpid(), signal.SIGKILL)\n")
     done = subprocess.run([sys.executable, "-c", program], stdout=subprocess.PIPE, text=True)
     assert done.stdout.startswith("/proc/")
-    # Whoever is told of a process by its number waits for its end in this way.
+    # How to wait for the end of a process by its PID.
     number = done.stdout.split("/")[2]
     subprocess.run(["tail", f"--pid={number}", "-s", "0.05", "-f", "/dev/null"], timeout=30)
 

@@ -1,4 +1,4 @@
-"""The snippets of docs/flows.md, run one after another as they stand; those in C++ are compiled."""
+"""Runs the snippets of docs/flows.md unchanged, one after another; compiles those in C++."""
 
 import os
 import pathlib
@@ -11,7 +11,7 @@ FLOWS = 5
 
 
 def blocks(language):
-    """What all snippets use, and a snippet for each flow."""
+    """Returns the common code of all snippets, and a snippet for each flow."""
     found = snippets.fenced(PAGE, language)
     assert len(found) == 1 + FLOWS
     return found

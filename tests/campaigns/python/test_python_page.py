@@ -1,4 +1,4 @@
-"""The snippets of docs/python.md, run as they stand."""
+"""Runs the snippets of docs/python.md unchanged."""
 
 import inspect
 

@@ -1,4 +1,4 @@
-"""The commands of the documents with what they print, as they stand there."""
+"""Runs the commands in the documents and compares their output."""
 
 import shlex
 import subprocess
@@ -6,20 +6,20 @@ import subprocess
 import pytest
 import snippets
 
-# Ends only when somebody ends it.
+# Runs until it is stopped.
 ENDLESS = ("tail -f",)
 
 
 @pytest.fixture
 def shell(instrument, tmp_path):
-    """Runs a line of a document in a directory where ./run is the command of this instrument."""
+    """Runs a line of a document in a directory where ./run is this instrument's command."""
     command = tmp_path / "run"
     words = [*instrument.command, '"$@"']
     command.write_text(f"#!/bin/sh\ncd {shlex.quote(str(snippets.TREE))} && exec {' '.join(words)}\n")
     command.chmod(0o755)
 
     def run(line):
-        # One terminal shows both.
+        # A terminal shows both.
         return subprocess.run(line, shell=True, cwd=tmp_path, stdout=subprocess.PIPE,
                               stderr=subprocess.STDOUT, stdin=subprocess.DEVNULL, text=True,
                               timeout=120).stdout
