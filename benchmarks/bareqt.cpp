@@ -1,7 +1,7 @@
 /*
- * A Qt service without a purpose: as many adaptors on as many objects as the daemon has, the same
- * libraries, and methods that answer with values of the same types as the daemon's. What the daemon
- * costs beyond this it costs by its own doing.
+ * A Qt service without a function: as many adaptors on as many objects as the daemon, the same
+ * libraries, and methods that return values of the same types. Whatever the daemon costs beyond
+ * this is its own cost.
  */
 
 #include "bareqt.h"
@@ -93,7 +93,9 @@ QVariantMap BareVersion::getEepromInstrument()
 
 void BareWatchdog::keepAlive(const QDBusMessage &) {}
 
-/** The address of the wired service, as the daemon gets it: by two calls, and a list to look into.
+/**
+ * Returns the address of the wired service as the daemon does: with two calls, and a search in a
+ * list.
  */
 QVariantMap BareEthernet::getIPv4()
 {
@@ -118,7 +120,7 @@ int main(int argc, char *argv[])
     QCoreApplication application(argc, argv);
     qDBusRegisterMetaType<ListedService>();
     qDBusRegisterMetaType<QList<ListedService>>();
-    // Without a use of it the linker would leave the library out.
+    // The linker would drop an unused library.
     static_cast<void>(QNetworkInterface().isValid());
 
     QObject configRoot;

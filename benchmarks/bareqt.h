@@ -6,16 +6,14 @@
 
 class QDBusMessage;
 
-/** An adaptor that anybody may make. */
+/** A minimal adaptor. */
 class Bare : public QDBusAbstractAdaptor
 {
 public:
     explicit Bare(QObject *parent) : QDBusAbstractAdaptor(parent) {}
 };
 
-/*
- * The adaptors of the bare service: seven with a method of the daemon's, seven with none.
- */
+/* The adaptors of the bare service: seven with one of the daemon's methods, seven with none. */
 
 class BareUsers : public Bare
 {

@@ -1,12 +1,12 @@
 /*
- * Calls a method again and again, and prints what a call took, in microseconds, as JSON.
+ * Calls a method repeatedly and prints the durations of the calls, in microseconds, as JSON.
  *
  * usage: call [OPTION...] SERVICE PATH INTERFACE.METHOD [TEXT...]
- *   --calls N     how many calls, over all clients (1000)
- *   --clients N   how many connections call at once (1)
- *   --window N    how many calls each keeps under way (1)
- *   --every US    one call is begun each so many microseconds, whether or not others are under way,
- *                 until standard input ends; a hundred are under way at most
+ *   --calls N     number of calls of all clients together (1000)
+ *   --clients N   number of connections that call concurrently (1)
+ *   --window N    number of pending calls of each (1)
+ *   --every US    starts a call every US microseconds, even while others are pending (at most a
+ *                 hundred), until standard input ends
  */
 
 // For ppoll().
@@ -27,12 +27,12 @@ struct Client {
 };
 
 /*
- * A reset waits until everything on its file system is written, also what others have written: on a
- * busy disk longer than the 25 s that libdbus waits by default.
+ * A reset waits until everything on its file system is written, including other programs' data: on
+ * a busy disk longer than libdbus's default timeout of 25 s.
  */
 static const int timeoutMs = 600 * 1000;
 
-/* The bus lets nobody wait for more replies than 128. */
+/* The bus allows a client at most 128 pending replies. */
 static const int mostUnderWay = 100;
 
 static int calls = 1000;
@@ -163,7 +163,7 @@ static void printResult(double elapsed)
         done, elapsed / 1e6, durations[done / 2], durations[done * 99 / 100], durations[done - 1]);
 }
 
-/* The index of the first argument that is no option. */
+/* Returns the index of the first argument that is no option. */
 static int takeOptions(int argc, char **argv)
 {
     int index = 1;

@@ -4,32 +4,32 @@
 #include <dbus/dbus.h>
 
 /*
- * What the programs of the benchmark share. A failure ends the program with a line on standard
- * error: a figure that was measured in part is none.
+ * Code that the benchmark's programs share. A failure ends the program with a line on standard
+ * error: a partial measurement is useless.
  */
 
-/** A connection of its own to the system bus, which waits for nothing by itself. */
+/** Returns a private connection to the system bus that never blocks by itself. */
 DBusConnection *connectToBus(void);
 
 /**
- * The call that @p words describe: a service, an object path, a method with its interface in front
- * and, as often as wanted, a text argument. Ends the program where words are missing.
+ * Returns the call that @p words describe: a service, an object path, a method with its interface
+ * and any number of text arguments. Exits if words are missing.
  */
 DBusMessage *callFromWords(char **words, int count);
 
-/** A copy of @p call to be sent; a message can be sent only once. */
+/** Returns a copy of @p call; a message can be sent only once. */
 DBusMessage *nextCall(DBusMessage *call);
 
-/** Ends the program unless @p reply is an ordinary reply. */
+/** Exits unless @p reply is an ordinary reply. */
 void expectReply(DBusMessage *reply);
 
-/** Ends the program. */
+/** Exits with a message. */
 void fail(const char *what, const char *why);
 
-/** Microseconds on a clock that only runs forward. */
+/** Microseconds of a monotonic clock. */
 double now(void);
 
-/** A whole number above 0 in @p text, or the end of the program. */
+/** Returns the integer above 0 in @p text, or exits. */
 int positiveNumber(const char *text);
 
 #endif

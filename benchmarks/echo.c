@@ -1,6 +1,4 @@
-/*
- * The least that a service can do: answers every call with a text, over libdbus alone.
- */
+/* The minimal service: answers every call with a text, using only libdbus. */
 
 #include "connection.h"
 

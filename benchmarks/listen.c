@@ -1,11 +1,11 @@
 /*
- * Listens for a signal with many clients at once.
+ * Subscribes many clients to a signal.
  *
  * usage: listen CLIENTS SIGNALS RULE
  *
- * Prints "ready" when every client has subscribed, and ends when every one of them has received so
- * many signals, or when standard input ends. Then it prints, as JSON, how many came to the client
- * that received the fewest, and the seconds from "ready" until the last signal.
+ * Prints "ready" when every client has subscribed, and ends when each of them has received SIGNALS
+ * signals, or when standard input ends. Then prints, as JSON, the smallest number of signals that a
+ * client received, and the seconds from "ready" until the last signal.
  */
 
 #include "connection.h"
@@ -74,7 +74,7 @@ int main(int argc, char **argv)
     if (puts("ready") == EOF || fflush(stdout) != 0)
         fail("standard output", "cannot be written");
     const double start = now();
-    // What came while the last of them subscribed has been read already.
+    // Signals that arrived while the last clients subscribed have been read already.
     for (int index = 0; index < clientCount; ++index)
         takeSignals(&clients[index]);
     while (complete < clientCount && polled[clientCount].revents == 0) {

@@ -1,9 +1,9 @@
 /*
- * Starts a service, and prints how many microseconds went by from there until it had its name.
+ * Starts a service and prints the microseconds until it owns its bus name.
  *
  * usage: start NAME PROGRAM [ARGUMENT...]
  *
- * The service is ended again.
+ * Ends the service afterwards.
  */
 
 #include "connection.h"

@@ -4,7 +4,7 @@
 
 namespace
 {
-/** What the daemon, its clients and ConnMan say to each other. */
+/** Texts that the daemon, its clients and ConnMan exchange. */
 const char *const words[] = {
     "",
     "Address",
@@ -95,7 +95,7 @@ const char *const words[] = {
     "a\nwpa_passphrase=b",
 };
 
-/** A character, as one of each length and of each sort that is treated in its own way. */
+/** Characters of each UTF-8 length, and of each kind with special treatment. */
 const char *const characters[] = {
     "a", "Z", "0",    " ",    "=", "/",      ".",  ",",      "\n",     "\t",     "\\", "\"",
     "'", "%", "\x01", "\x7f", "é", "\u0300", "中", "\u202e", "\ufeff", "\uffff", "😀",  "\U0010ffff",
@@ -127,7 +127,7 @@ const std::uint64_t bounds[] = {
     highest<std::uint32_t>(),
     lowest<std::int64_t>(),
     highest<std::int64_t>(),
-    // No number and the infinities, as doubles.
+    // NaN and the infinities, as doubles.
     0x7ff8000000000000,
     0x7ff0000000000000,
     0xfff0000000000000,
@@ -141,7 +141,7 @@ Choices::Choices(std::uint64_t seed) : m_state(seed), m_isSeeded(true) {}
 std::uint8_t Choices::byte()
 {
     if (m_isSeeded) {
-        // SplitMix64: every seed, also 0 and neighbouring ones, gives a sequence of its own.
+        // SplitMix64: every seed, including 0 and neighbouring ones, gives a different sequence.
         m_state += 0x9e3779b97f4a7c15;
         std::uint64_t mixed = m_state;
         mixed = (mixed ^ (mixed >> 30)) * 0xbf58476d1ce4e5b9;

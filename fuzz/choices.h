@@ -7,10 +7,10 @@
 #include <vector>
 
 /**
- * Where a generator takes its decisions from: the bytes of a fuzzer's input, or a seed.
+ * The source of a generator's decisions: the bytes of a fuzzer's input, or a seed.
  *
- * The same bytes, or the same seed, give the same decisions. When the bytes are used up every
- * decision is the first alternative, which has to be the one that ends the generation.
+ * The same bytes, or the same seed, give the same decisions. After the last byte every decision is
+ * the first alternative, which must end the generation.
  */
 class Choices
 {
@@ -18,16 +18,16 @@ public:
     Choices(const std::uint8_t *data, std::size_t size);
     explicit Choices(std::uint64_t seed);
 
-    /** A number from 0 to @p limit - 1. */
+    /** Returns a number from 0 to @p limit - 1. */
     std::uint32_t below(std::uint32_t limit);
 
-    /** True once in @p times; false when the bytes are used up. */
+    /** True once in @p times; false after the last byte. */
     bool oneIn(std::uint32_t times) { return below(times) == times - 1; }
 
-    /** Any number; the bounds of the integer types more often than others. */
+    /** Returns any number; the bounds of the integer types more often. */
     std::uint64_t number();
 
-    /** One of @p alternatives. */
+    /** Returns one of @p alternatives. */
     template <typename Value, std::size_t count>
     const Value &among(const Value (&alternatives)[count])
     {
@@ -38,13 +38,15 @@ public:
         return alternatives[below(static_cast<std::uint32_t>(alternatives.size()))];
     }
 
-    /** Up to @p most bytes of any value. */
+    /** Returns up to @p most bytes of any value. */
     std::string bytes(std::size_t most);
 
-    /** Text without zeros in valid UTF-8: a word of the daemon's world, or up to @p most others. */
+    /**
+     * Returns valid UTF-8 without zeros: a word from the table, or up to @p most other characters.
+     */
     std::string text(std::size_t most = 24);
 
-    /** Everything that is left of the bytes. */
+    /** Returns all remaining bytes. */
     std::string rest();
 
 private:

@@ -3,7 +3,7 @@
 #include "render.h"
 #include "require.h"
 
-/** The fields that ConnMan, or whoever calls in its name, asks the agent for. */
+/** The fields that ConnMan, or a peer that pretends to be it, asks the agent for. */
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t *data, std::size_t size)
 {
     Choices choices(data, size);

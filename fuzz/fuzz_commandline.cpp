@@ -27,11 +27,11 @@ QString word(Choices &choices, const Command &command)
         if (choices.oneIn(3) && !argument.choices.isEmpty())
             made = argument.choices[int(choices.below(quint32(argument.choices.size())))];
     }
-    // Every file of the machine could be named behind this.
+    // After "@" it could name any file of the machine.
     return made.contains(QLatin1Char('@')) ? QString() : made;
 }
 
-/** What is sent to hostapd and ConnMan, and into the records. */
+/** Checks the arguments for hostapd, ConnMan and the records. */
 void requireSound(const QVariantList &arguments)
 {
     const QVariantMap map = arguments.value(0).toMap();
@@ -45,7 +45,7 @@ void requireSound(const QVariantList &arguments)
             "the record is whole");
 }
 
-/** What is made of the name of a machine, and of errors whose texts another process makes. */
+/** Checks the handling of host names, and of error texts from other processes. */
 void tryBus(Choices &choices)
 {
     const QString host = QString::fromStdString(choices.text());
@@ -75,7 +75,7 @@ bool readSecret(const QString &prompt, QString &secret)
 }
 } // namespace
 
-/** What a person or a script writes behind "kyboardctl". */
+/** The words after "kyboardctl" on a command line. */
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t *data, std::size_t size)
 {
     Choices choices(data, size);
@@ -93,7 +93,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t *data, std::size_t size
     const QStringList completed = completions(begun);
     for (const QString &completion : completed)
         require(completion.startsWith(begun.last()), "what is completed goes on as it began");
-    // It writes everything there is, nearly always.
+    // The help is long: print it only rarely.
     if (choices.oneIn(20))
         helpText(words);
 

@@ -47,7 +47,7 @@ void checkBrightness(Choices &choices)
 }
 } // namespace
 
-/** What the sensors, the records and the settings give, as numbers of any size. */
+/** Numbers of any size from the sensors, the records and the settings. */
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t *data, std::size_t size)
 {
     Choices choices(data, size);

@@ -19,7 +19,7 @@ QString text(Choices &choices)
 }
 } // namespace
 
-/** Templates of any content, with whatever a client chooses of its access point. */
+/** Templates with any content and any parameters of a client. */
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t *data, std::size_t size)
 {
     Choices choices(data, size);

@@ -27,7 +27,7 @@ QVariantMap settings(Choices &choices)
 }
 } // namespace
 
-/** IPv4 settings of a client, whole and broken ones. */
+/** A client's IPv4 settings, valid and invalid. */
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t *data, std::size_t size)
 {
     Choices choices(data, size);

@@ -4,7 +4,7 @@
 #include "require.h"
 #include "settingtext.h"
 
-/** Maps of clients for setIPv4, one after another. */
+/** Clients' maps for setIPv4, one after another. */
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t *data, std::size_t size)
 {
     Choices choices(data, size);

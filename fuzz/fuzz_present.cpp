@@ -8,7 +8,7 @@
 #include <QJsonObject>
 #include <QRegularExpression>
 
-/** Replies of any content, as kyboardctl shows them. */
+/** Replies with any content, formatted by kyboardctl. */
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t *data, std::size_t size)
 {
     Choices choices(data, size);

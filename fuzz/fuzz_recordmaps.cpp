@@ -11,10 +11,10 @@
 
 namespace
 {
-/** The levels around a value in a map: the array, the entry and the variant. */
+/** The levels around a value in a map: array, entry and variant. */
 const int levelsOfMap = 3;
 
-/** A map with a value for each of @p keys, of any type, and sometimes one without. */
+/** A map with a value of any type for each of @p keys, sometimes without one. */
 template <std::size_t count>
 QVariantMap mapOf(const char *const (&keys)[count], Choices &choices)
 {
@@ -92,7 +92,7 @@ void checkMeasure(const QVariantMap &map)
 }
 } // namespace
 
-/** The maps from which clients let the EEPROMs be written. */
+/** Clients' maps for writing the EEPROMs. */
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t *data, std::size_t size)
 {
     Choices choices(data, size);

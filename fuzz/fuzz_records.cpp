@@ -39,7 +39,7 @@ void checkMeasure(const QByteArray &bytes)
 }
 } // namespace
 
-/** EEPROMs of any content: worn out, half written, of another size, or well. */
+/** EEPROMs with any content: worn out, partially written, of another size, or valid. */
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t *data, std::size_t size)
 {
     Choices choices(data, size);

@@ -12,7 +12,7 @@
 
 namespace
 {
-/** A file of a new name each time: the library keeps what it read under a name. */
+/** A file with a new name each time: QSettings caches by name. */
 class TemporaryFile
 {
 public:
@@ -33,7 +33,7 @@ private:
 };
 } // namespace
 
-/** Settings files of any content, read as the daemon reads its own. */
+/** Settings files with any content, read as by the daemon. */
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t *data, std::size_t size)
 {
     Choices choices(data, size);

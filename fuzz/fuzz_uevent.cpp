@@ -5,7 +5,7 @@
 #include <algorithm>
 #include <string>
 
-/** What arrives at the socket of the kernel's events, from whomever. */
+/** Messages on the socket of the kernel's events, from any sender. */
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t *data, std::size_t size)
 {
     static const std::string pieces[] = {

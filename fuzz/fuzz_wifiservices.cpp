@@ -7,7 +7,7 @@
 
 namespace
 {
-/** ConnMan's list as connman::services() reads it. */
+/** ConnMan's list, read as by connman::services(). */
 QList<ConnmanObject> readObjects(Choices &choices)
 {
     static const bool isRegistered = [] {
@@ -19,7 +19,7 @@ QList<ConnmanObject> readObjects(Choices &choices)
         qdbus_cast<QList<ConnmanObject>>(Peer::instance().receive("a(oa{sv})", choices).value(0));
     for (ConnmanObject &object : objects) {
         object.properties = plainMap(object.properties);
-        // A word alone is a network only rarely.
+        // A random word is rarely a network's name.
         if (choices.oneIn(2))
             object.properties[QStringLiteral("Type")] = QStringLiteral("wifi");
         if (choices.oneIn(2))
@@ -29,7 +29,7 @@ QList<ConnmanObject> readObjects(Choices &choices)
 }
 } // namespace
 
-/** The services that ConnMan, or whoever has its name, lists. */
+/** The services that ConnMan, or another owner of its name, lists. */
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t *data, std::size_t size)
 {
     Choices choices(data, size);

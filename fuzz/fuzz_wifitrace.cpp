@@ -2,7 +2,7 @@
 #include "require.h"
 #include "wifitrace.h"
 
-/** Trace records whose network has any name. */
+/** Trace records with any network name. */
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t *data, std::size_t size)
 {
     Choices choices(data, size);

@@ -7,13 +7,13 @@
 #include <unistd.h>
 
 /*
- * Put before the libraries of a checked program, whose signals then ask it for its memory:
- *   SIGUSR1  it writes how many bytes it has allocated into /run/allocated
- *   SIGUSR2  it looks for its leaks, tells of them, and ends; the daemon ends by a signal, and
- * would never look by itself
+ * Preloaded into a program with sanitizers, which then handles these signals:
+ *   SIGUSR1  writes the number of allocated bytes to /run/allocated
+ *   SIGUSR2  checks for leaks, reports them, and ends; the daemon ends by a signal, after which
+ *            LeakSanitizer does not run
  */
 
-// GCC's library has it, and no header for it.
+// GCC's library exports it without a header.
 extern "C" std::size_t allocatedBytes() asm("__sanitizer_get_current_allocated_bytes");
 
 namespace
@@ -30,14 +30,14 @@ void tellAllocated(int)
 
 void lookForLeaks(int)
 {
-    // Ends the program, with a status of its own, where it finds any.
+    // Exits with a status of its own if it finds leaks.
     __lsan_do_leak_check();
     _exit(0);
 }
 
 [[gnu::constructor]] void listen()
 {
-    // The programs that it starts are not checked.
+    // Its child processes are not checked.
     unsetenv("LD_PRELOAD");
     if (signal(SIGUSR1, tellAllocated) == SIG_ERR || signal(SIGUSR2, lookForLeaks) == SIG_ERR)
         std::abort();

@@ -12,7 +12,7 @@ const QString path = QStringLiteral("/values");
 const QString interface = QStringLiteral("com.orvendis.Strandel.Values");
 const QString member = QStringLiteral("value");
 
-/** The event loop that Qt D-Bus needs; it outlives everything. */
+/** The event loop that Qt D-Bus needs; never destroyed. */
 QCoreApplication &application()
 {
     static int count = 1;
@@ -79,7 +79,7 @@ bool Peer::canSend(const QVariantList &values)
     return m_receiver.send(message) && isReceived();
 }
 
-/** Waits until a message of ours has come, or the connection has been closed over it. */
+/** Waits until our message has arrived, or the connection was closed because of it. */
 bool Peer::isReceived()
 {
     bool isReceived = false;
@@ -97,7 +97,7 @@ DBusMessage *Peer::newMessage()
     return dbus_message_new_signal(qPrintable(path), qPrintable(interface), qPrintable(member));
 }
 
-/** What no bus would pass on is not received: there are no values then. */
+/** A message that no bus would deliver is not received: returns no values. */
 QVariantList Peer::deliver(DBusMessage *message, bool isSendable)
 {
     m_isDelivered = !isSendable;
@@ -115,7 +115,7 @@ QVariantList Peer::deliver(DBusMessage *message, bool isSendable)
     return values;
 }
 
-/** Takes in what was sent back. */
+/** Receives everything that was sent back. */
 void Peer::drain()
 {
     dbus_connection_read_write(m_sender, 0);

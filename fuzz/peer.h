@@ -13,28 +13,28 @@
 #include <string>
 
 /**
- * Lets values pass through Qt D-Bus in this process, so that readers get them in the very
- * form in which the daemon gets them, without a bus.
+ * Sends values through Qt D-Bus within this process, so that readers get them in the same form as
+ * the daemon, without a bus.
  */
 class Peer : public QObject
 {
     Q_OBJECT
 
 public:
-    /** The one of the process, made on first use. */
+    /** The only instance in the process, created on first use. */
     static Peer &instance();
 
     /**
-     * The values of the types @p signature that @p choices make, as a slot receives them.
+     * Returns values of the types @p signature, made from @p choices, as a slot receives them.
      *
-     * @param around how many levels of containers will be around the values in what is made of them
+     * @param around the number of container levels that will be around the values later
      */
     QVariantList receive(const std::string &signature, Choices &choices, int around = 0);
 
-    /** Up to five values of any types. */
+    /** Returns up to five values of any types. */
     QVariantList receiveAnything(Choices &choices);
 
-    /** Whether Qt D-Bus can send a message with @p values, and its receiver takes it. */
+    /** Returns true if Qt D-Bus can send a message with @p values, and its receiver accepts it. */
     bool canSend(const QVariantList &values);
 
 private Q_SLOTS:
@@ -55,10 +55,10 @@ private:
     QVariantList m_values;
 };
 
-/** @p text of the choices, as Qt has it. */
+/** Returns a text of the choices as a QString. */
 QString anyText(Choices &choices);
 
-/** The first of @p values as the map that a slot with such a parameter gets. */
+/** Returns the first of @p values as the map that a slot with such a parameter gets. */
 QVariantMap firstMap(const QVariantList &values);
 
 #endif

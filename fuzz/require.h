@@ -4,7 +4,7 @@
 #include <cstdio>
 #include <cstdlib>
 
-/** Ends the fuzzer, which then keeps its input, unless what has to hold holds. */
+/** Aborts the fuzzer, which then keeps its input, unless @p holds. */
 inline void require(bool holds, const char *what)
 {
     if (holds)

@@ -9,13 +9,13 @@ namespace
 {
 const char basicTypes[] = {'y', 's', 'b', 'n', 'q', 'i', 'u', 'x', 't', 'd', 'o', 'g', 'h'};
 
-/** What goes into one message at most: the bus ends the connection of whoever sends more. */
+/** The bus's limit for one message: it closes the connection of a sender that exceeds it. */
 const int mostDescriptors = 16;
 
-/** How long the signature of a message is at most. */
+/** The maximum length of a message's signature. */
 const std::size_t longestSignature = 255;
 
-/** How deep the containers of a message are nested at most. */
+/** The maximum depth of a message's containers. */
 const int mostLevels = 64;
 
 /** The most common signatures of maps and lists, which most readers expect. */
@@ -30,7 +30,7 @@ bool isBasic(const std::string &signature)
 std::string anyBasicType(Choices &choices)
 {
     const char type = choices.among(basicTypes);
-    // More of them would leave few messages without any.
+    // A higher share would leave few messages without descriptors.
     return std::string(1, type == 'h' && !choices.oneIn(4) ? 's' : type);
 }
 
@@ -46,7 +46,7 @@ void appendText(DBusMessageIter &end, int type, const std::string &text)
     append(end, type, &characters);
 }
 
-/** How many levels of containers @p signature has. */
+/** Returns the depth of the containers in @p signature. */
 int depthOf(const std::string &signature)
 {
     int depth = 0;

@@ -7,40 +7,38 @@
 
 #include <string>
 
-/*
- * Values for messages, of every type that the wire carries.
- */
+/* Message values of every D-Bus type. */
 
-/** The signature of one type, in which containers are nested at most @p depth deep. */
+/** Returns the signature of one type with containers of at most @p depth levels. */
 std::string anyType(Choices &choices, int depth);
 
-/** The signature of one type that is nested as deep as a message may be, variants not counted. */
+/** Returns the signature of one type of the maximum depth, without variants. */
 std::string deepType(Choices &choices);
 
-/** Appends values to one message, as many as a message may hold. */
+/** Appends values to one message, up to the limits of a message. */
 class ValueWriter
 {
 public:
     ValueWriter(DBusMessage *message, Choices &choices);
 
     /**
-     * Appends a value for each type of @p signature; where it holds variants, any is in them.
-     * Nothing is appended to a message whose signature would be too long.
+     * Appends a value for each type of @p signature; variants get any content. Appends nothing if
+     * the message's signature would become too long.
      *
-     * @param around how many levels of containers there may not be, for want of room
+     * @param around the number of container levels to leave unused
      */
     void append(const std::string &signature, int around = 0);
 
     /** Appends up to five values of any types. */
     void appendAnything();
 
-    /** Appends the beginnings of containers, and values, where other code goes on by itself. */
+    /** The end of the message, for code that appends containers and values itself. */
     DBusMessageIter &end() { return m_end; }
 
-    /** Appends one value to @p end, which may have @p room more levels of containers. */
+    /** Appends one value to @p end, with at most @p room more levels of containers. */
     void appendValue(DBusMessageIter &end, const std::string &signature, int room);
 
-    /** False when the message has more file descriptors than the bus passes on. */
+    /** Returns false if the message has more file descriptors than the bus allows. */
     bool isSendable() const;
 
 private:
@@ -52,16 +50,16 @@ private:
 
     Choices &m_choices;
     DBusMessageIter m_end;
-    /** How many more elements of lists there may be: containers in containers add up. */
+    /** The remaining number of list elements: nested containers add up. */
     int m_elementsLeft = 4000;
     int m_descriptors = 0;
     std::size_t m_signatureSize = 0;
 };
 
-/** The types of @p signature, one by one. */
+/** Splits @p signature into its types. */
 std::vector<std::string> typesOf(const std::string &signature);
 
-/** An object path; one that the daemon or ConnMan uses more often than others. */
+/** Returns an object path; one of the daemon or ConnMan more often than others. */
 std::string anyPath(Choices &choices);
 
 #endif

@@ -1,6 +1,4 @@
-/*
- * The board library of the benchmark: every operation succeeds at once, and does nothing.
- */
+/* The board library of the benchmark: every operation succeeds immediately without an effect. */
 
 #include "kyals.h"
 #include "kybacklight.h"
@@ -47,7 +45,7 @@ int KyAls::interruptEnable(bool)
     return 0;
 }
 
-/** A line that is there and never interrupts. */
+/** An interrupt line that never interrupts. */
 int KyAls::getinterruptHandler()
 {
     return -1;
@@ -128,7 +126,7 @@ int KyBoardRev::setSoMRevision(unsigned int)
 KyEeprom::KyEeprom() : m_handle(nullptr) {}
 KyEeprom::~KyEeprom() = default;
 
-/** The records of a new board, which say that it has a screen. */
+/** The records of a new board with a screen. */
 int KyEeprom::readEeprom(e_eeprom eeprom, char **buffer, unsigned int offset, unsigned int size)
 {
     std::string content =

@@ -1,6 +1,4 @@
-/*
- * The file-access library of the benchmark: no card, no key.
- */
+/* The file-access library of the benchmark: no card, no key. */
 
 #include "kyfaccess.h"
 

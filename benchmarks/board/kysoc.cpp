@@ -1,6 +1,4 @@
-/*
- * The register library of the benchmark: a system that is up, without a charger.
- */
+/* The register library of the benchmark: a running system without a charger. */
 
 #include "kysocmanager.h"
 

@@ -1,4 +1,4 @@
-"""Measures the daemon beside other services. Runs in a private world, all on one processor."""
+"""Measures the daemon and other services for comparison. Runs in a private world on one processor."""
 
 import argparse
 import datetime
@@ -46,7 +46,7 @@ def describe_machine():
 
 
 def document(text):
-    """Puts the tables between the marks of the document, in the place of those before."""
+    """Replaces the tables between the marks of the document."""
     path = services.TREE / "docs/measurements.md"
     marks = "<!-- from here on as ./bench prints it -->", "<!-- as far as here -->"
     before, _, rest = path.read_text().partition(marks[0])

@@ -1,28 +1,28 @@
-"""Figures of several rounds: their median and their spread."""
+"""Median and spread of figures from several rounds."""
 
 import statistics
 
 
 def summary(values):
-    """Median, lowest and highest of one figure's rounds."""
+    """Returns the median, the lowest and the highest value of one figure."""
     values = list(values)
     return {"median": statistics.median(values), "low": min(values), "high": max(values)}
 
 
 def ratio(values, references):
-    """The summary of a figure's ratio to another that was measured in the same rounds."""
+    """Returns the summary of a figure's ratio to another one measured in the same rounds."""
     return summary(value / reference for value, reference in zip(values, references))
 
 
 def number(value):
-    """A figure to three or four significant places, without an exponent."""
+    """Formats a figure with three or four significant digits, without an exponent."""
     size = abs(value)
     places = 0 if size >= 100 else 1 if size >= 10 else 2
     return f"{value:,.{places}f}"
 
 
 def shown(figure, places=None):
-    """A summary as text, with its spread in brackets."""
+    """Formats a summary, with its spread in brackets."""
     texts = [number(figure[key]) if places is None else f"{figure[key]:,.{places}f}"
              for key in ("median", "low", "high")]
     if texts[1] == texts[2]:

@@ -1,13 +1,13 @@
-"""What the daemon has to reach, and whether it does."""
+"""The daemon's goals, and whether it meets them."""
 
 LATENCY = 1.03
 DIRTY = 1.15
 START = 1.3
 COPY = 1.2
-# Below this a program's own start outweighs what it copies.
+# For fewer files, a program's start takes longer than its copy.
 LEAST_FILES = 100
 STORM_MEDIAN = 250
-# A few pages come and go with what the allocator gives back.
+# The allocator's use varies by a few pages.
 GROWTH_KILOBYTES = 64
 
 
@@ -87,6 +87,6 @@ CHECKS = {"methods": of_methods, "peers": of_peers, "start": of_start, "memory":
 
 
 def judge(results):
-    """The goals of those sections that were measured."""
+    """Returns the goals of the measured sections."""
     return [each for section, check in CHECKS.items() if section in results
             for each in check(results[section])]

@@ -1,4 +1,4 @@
-"""How the cost grows with clients, with networks and with kernel events."""
+"""The growth of the cost with clients, networks and kernel events."""
 
 import services
 from figures import ratio, summary
@@ -18,7 +18,7 @@ ANNOUNCE = [services.CONNMAN, "/standin", "com.orvendis.Strandel.ConnManStandIn.
 
 
 def measure_signals():
-    """One signal with each call, to ever more subscribed clients."""
+    """One signal for each call, with an increasing number of subscribers."""
     result = {}
     with services.daemon() as daemon:
         services.operate("Temperature.setTemperatureThreshold", "SOM", "0")
@@ -40,7 +40,7 @@ def measure_services():
     with services.ConnmanStandIn() as standin, services.daemon() as daemon:
         for networks in NETWORKS:
             standin.set_services(map(services.wifi_service, range(networks)))
-            # Without a wired service it waits for one, for a minute.
+            # Without a wired service it would wait for one, for a minute.
             services.connect_ethernet(standin)
             cpu, elapsed = [], []
             for _ in range(ROUNDS):
@@ -59,7 +59,7 @@ def measure_services():
 
 
 def storm(standin):
-    """How long other clients wait for an answer during a storm of announcements."""
+    """The longest wait of other clients during a storm of announcements."""
     standin.drive("ClearJournal")
     with services.Probe(2000) as probe:
         services.call(ANNOUNCE, STORM, window=STORM)
@@ -74,7 +74,7 @@ def send_events(text, count):
 
 
 def measure_events():
-    """Bursts of kernel events: of a card that comes, and of devices that are none of ours."""
+    """Bursts of kernel events: of an inserted card, and of other devices."""
     card, other = [], []
     with services.daemon() as daemon:
         before = daemon.memory()
@@ -97,7 +97,7 @@ def measure_events():
 
 
 def measure_clients():
-    """Many clients that call at once."""
+    """Many concurrent clients."""
     rounds = {DAEMON: [], BARE: []}
     with services.daemon(), services.bare():
         for _ in range(ROUNDS):

@@ -1,4 +1,4 @@
-"""What a call costs, method by method, beside the same call of the bare service."""
+"""The cost of calls, method by method, compared with the same call of the bare service."""
 
 import statistics
 from contextlib import ExitStack
@@ -8,7 +8,7 @@ from figures import ratio, summary
 from services import BARE, DAEMON
 
 ROUNDS = 7
-# What is compared takes turns within a round, too: what disturbs the machine disturbs all alike.
+# Compared services take turns within a round, too: disturbances affect all equally.
 TURNS = 5
 CALLS = 500
 PIPELINED = 500
@@ -35,7 +35,7 @@ FIGURES = ("latency", "p99", "per_second", "cpu")
 
 
 class Row:
-    """One method of one service, and the figures of each round."""
+    """One method of one service, with the figures of each round."""
 
     def __init__(self, service, words, share=1):
         self.service = service
@@ -72,7 +72,7 @@ class Row:
 
 
 def take_rounds(groups):
-    """Rounds of the rows of each group, by turns."""
+    """Measures rounds of the rows of each group, alternating."""
     for rows in groups:
         for row in rows:
             services.call(row.words, WARMING // row.share)
@@ -89,7 +89,7 @@ def take_rounds(groups):
 
 
 def measure_methods():
-    """The daemon's methods beside the bare service's."""
+    """The daemon's methods and the bare service's."""
     with ExitStack() as stack:
         standin = stack.enter_context(services.ConnmanStandIn())
         daemon = stack.enter_context(services.daemon())
@@ -104,7 +104,7 @@ def measure_methods():
 
 
 def measure_peers():
-    """The daemon's getUser beside what other services answer."""
+    """The daemon's getUser and other services' replies."""
     with ExitStack() as stack:
         rows = {}
         for service, words in (

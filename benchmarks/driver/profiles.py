@@ -1,4 +1,4 @@
-"""The daemon's copying and erasing of profiles beside cp and rm."""
+"""The daemon's copying and erasing of profiles, compared with cp and rm."""
 
 import contextlib
 import os
@@ -33,7 +33,7 @@ def fill(directory, files, size):
 
 @contextlib.contextmanager
 def default_profile(files, size):
-    """Another default profile for a while."""
+    """Replaces the default profile temporarily."""
     aside = DIRECTORY / f"aside-{files}-{size}"
     DEFAULT.rename(aside)
     DEFAULT.mkdir()
@@ -47,7 +47,7 @@ def default_profile(files, size):
 
 @contextlib.contextmanager
 def on_disk():
-    """The profiles on the disk that the tree is on, instead of in memory."""
+    """Puts the profiles on the tree's file system instead of in memory."""
     disk = services.BUILD / "bench-disk"
     remove(disk)
     services.run("cp", "-a", DIRECTORY, disk)
@@ -66,18 +66,18 @@ def milliseconds(*command):
 
 
 def reset():
-    """Milliseconds of a factory reset."""
+    """Returns the milliseconds of a factory reset."""
     words = services.own_method(services.DAEMON, "/KyConfigMgr", "Users.factoryReset", "user4")
     return services.call(words)["median"] / 1000
 
 
 def settle():
-    """Lets nobody pay for what another has left to be written."""
+    """Writes pending data first, so that no measurement includes another's."""
     services.run("sync", "--file-system", DIRECTORY)
 
 
 def round_of(rounds):
-    """Copies and erases the default profile, as the daemon and as the programs do."""
+    """Copies and erases the default profile with the daemon and with cp and rm."""
     remove(TARGET)
     settle()
     rounds["copy"].append(reset())

@@ -1,4 +1,4 @@
-"""The services that are measured, what is around them, and the programs that measure them."""
+"""The measured services, their surroundings, and the measuring programs."""
 
 import json
 import os
@@ -24,7 +24,7 @@ DEADLINE = 20
 
 
 def run(*command, **options):
-    """What a command prints; a failure ends the benchmark."""
+    """Returns the output of a command; a failure ends the benchmark."""
     return subprocess.run([str(word) for word in command], check=True, text=True,
                           stdout=subprocess.PIPE, **options).stdout
 
@@ -38,7 +38,7 @@ def wait_until(condition, what):
 
 
 class Service:
-    """A program that owns a name on the bus."""
+    """A program that owns a bus name."""
 
     def __init__(self, name, *command, libraries=STILL_BOARD, label=None):
         self.name = name
@@ -64,11 +64,11 @@ class Service:
         return self.process.pid
 
     def cpu_time(self):
-        """Microseconds that its threads have run so far."""
+        """The CPU time of its threads so far, in microseconds."""
         return time.clock_gettime_ns((~self.pid << 3) | 2) / 1000
 
     def memory(self):
-        """Kilobytes, threads and descriptors."""
+        """Memory in kilobytes, threads and descriptors."""
         text = pathlib.Path(f"/proc/{self.pid}/smaps_rollup").read_text()
         kilobytes = {name: int(re.search(rf"^{name}:\s+(\d+)", text, re.M)[1])
                      for name in ("Rss", "Pss", "Private_Dirty")}
@@ -76,7 +76,7 @@ class Service:
                             "descriptors": len(os.listdir(f"/proc/{self.pid}/fd"))}
 
     def sleeps(self):
-        """How often each of its threads has gone to sleep so far, by thread."""
+        """How often each of its threads has gone to sleep so far."""
         counts = {}
         for task in pathlib.Path(f"/proc/{self.pid}/task").iterdir():
             status = (task / "status").read_text()
@@ -107,13 +107,13 @@ def upower():
 
 
 def connman():
-    """The real one, with a wired interface."""
+    """The real ConnMan with a wired interface."""
     run(TREE / "simulator/network/ethernet", "build")
     return Service(CONNMAN, TREE / "simulator/network/ethernet", "connmand", label="connmand")
 
 
 class ConnmanStandIn(Service):
-    """The stand-in that does what it is told, and answers at once."""
+    """The stand-in for ConnMan, which replies immediately."""
 
     def __init__(self):
         super().__init__(CONNMAN, BUILD / "simulator/connman/connmand", label="ConnMan stand-in")
@@ -143,30 +143,30 @@ def on_bus(method, *arguments):
 
 
 def call(words, calls=1, **options):
-    """Calls a method again and again: the figures of the program that does."""
+    """Calls a method repeatedly; returns the figures of the calling program."""
     flags = [part for name, value in options.items() for part in (f"--{name}", value)]
     return json.loads(run(PROGRAMS / "call", "--calls", calls, *flags, *words))
 
 
 def own_method(service, path, method, *arguments):
-    """The words that call a method which the daemon and the bare service have in common."""
+    """Returns the words that call a method of both the daemon and the bare service."""
     return [service, path, f"{service}.{method}", *arguments]
 
 
 def operate(method, *arguments, path=None):
-    """Calls a method of the daemon once, with arguments as gdbus takes them."""
+    """Calls a method of the daemon once, with arguments in gdbus's format."""
     path = path or {"Users": "/KyConfigMgr", "Ethernet": "/KyComMgr", "WIFI": "/KyComMgr",
                     "WIFIAP": "/KyComMgr"}.get(method.split(".")[0], "/KyDeviceMgr")
     return run("gdbus", "call", "--system", "--timeout", 120, "--dest", DAEMON, "--object-path",
                path, "--method", f"{DAEMON}.{method}", "--", *arguments)
 
 
-# Answered by the event loop, out of the daemon's memory: it shows when the loop is held.
+# Answered by the event loop from memory: shows when the loop is blocked.
 PROBE = own_method(DAEMON, "/KyDeviceMgr", "Alimentation.getBatteryVoltage")
 
 
 class Probe:
-    """Another client, which calls all the time while something is done to the daemon."""
+    """Another client, which calls continuously while an operation runs in the daemon."""
 
     def __init__(self, microseconds):
         self.interval = microseconds
@@ -176,12 +176,12 @@ class Probe:
         self.process = subprocess.Popen(
             [str(PROGRAMS / "call"), "--every", str(self.interval), *PROBE], text=True,
             stdin=subprocess.PIPE, stdout=subprocess.PIPE)
-        # It has begun when the bus knows one connection more; its own first call tells.
+        # It has started when the bus has one more connection; its own first call shows that.
         call(PROBE)
         return self
 
     def __exit__(self, *failure):
-        # Everything that was sent before is done when this is answered.
+        # The reply to this shows that everything sent before is done.
         call(PROBE)
         output, _ = self.process.communicate()
         if failure[0] is None:
@@ -189,7 +189,7 @@ class Probe:
 
 
 class Listener:
-    """Clients that have subscribed to a signal of the daemon."""
+    """Clients that are subscribed to a signal of the daemon."""
 
     def __init__(self, clients, signals, member):
         rule = f"type='signal',sender='{DAEMON}',member='{member}'"
@@ -200,7 +200,7 @@ class Listener:
             raise RuntimeError("no listener")
 
     def received_all(self):
-        """The seconds until every one of them had received all signals."""
+        """Returns the seconds until all of them had received all signals."""
         output = self.process.stdout.readline()
         self.process.stdin.close()
         self.process.wait()
@@ -212,7 +212,7 @@ class Listener:
 
 
 def system_calls(service, words, calls):
-    """System calls of a service for each call of a method."""
+    """Returns a service's system calls for each call of a method."""
     strace = subprocess.Popen(
         ["strace", "-f", "-c", "-p", str(service.pid)], text=True, stderr=subprocess.PIPE)
     threads = len(os.listdir(f"/proc/{service.pid}/task"))
@@ -228,7 +228,8 @@ def system_calls(service, words, calls):
 
 
 def lay_out_world():
-    """The files of an instrument, and a bus on which everybody may own and call everything."""
+    """Creates the files of an instrument, and a bus on which every user may own and call
+    everything."""
     profiles = pathlib.Path("/tmp/User_part")
     profiles.mkdir()
     for user in ("default_user", "user1", "user2", "user3", "user4"):
@@ -247,7 +248,7 @@ def lay_out_world():
 
 
 def wifi_service(index):
-    """A network in the air; five hundred of them still fit into one argument of a program."""
+    """Returns a Wi-Fi network; five hundred of them fit into one argument of a program."""
     return (f"('/net/connman/service/wifi_02aabbccdd01_{index:08x}_managed_psk', {{'Type': <'wifi'>,"
             f" 'Name': <'Network {index}'>, 'State': <'idle'>, 'Strength': <byte {index % 100}>,"
             " 'Security': <['psk']>, 'Favorite': <false>, 'IPv4': <@a{sv} {}>})")
@@ -261,7 +262,7 @@ def wired_service():
 
 
 def connect_ethernet(standin):
-    """Brings the wired interface to where it waits for a service to appear."""
+    """Brings the wired interface to the state in which it waits for a service."""
     standin.drive("ClearJournal")
     operate("Ethernet.connect")
     wait_until(lambda: standin.has_been_called(

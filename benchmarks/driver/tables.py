@@ -1,4 +1,4 @@
-"""The results as tables, for reading or for docs/measurements.md."""
+"""Formats the results as tables, as text or for docs/measurements.md."""
 
 from figures import number, shown
 
@@ -122,7 +122,7 @@ def as_markdown(title, head, rows):
 
 
 def render(results, layout):
-    """All tables of the results, one after another."""
+    """Returns all tables of the results."""
     machine = results["machine"]
     tables = [layout(*table) for section, of_section in SECTIONS.items() if section in results
               for table in of_section(results[section])]

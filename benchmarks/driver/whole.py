@@ -1,4 +1,4 @@
-"""The daemon as a whole: start, memory, idleness, and how long its event loop is held."""
+"""The daemon as a whole: start, memory, idleness, and blocking of its event loop."""
 
 import time
 from contextlib import ExitStack
@@ -18,13 +18,13 @@ SETTLING = 3
 
 
 def time_of_start(service):
-    """Milliseconds from the start of a service to its name."""
+    """Returns the milliseconds from the start of a service to its bus name."""
     return float(services.run(services.PROGRAMS / "start", service.name, *service.command,
                               env=service.environment, stderr=-3)) / 1000
 
 
 def take_starts(daemons):
-    """Rounds of each of some daemons and of the bare service, by turns."""
+    """Measures rounds of several daemons and of the bare service, alternating."""
     candidates = {**daemons, "bare": services.bare()}
     rounds = {label: [] for label in candidates}
     for label in candidates:
@@ -59,7 +59,7 @@ def measure_start():
 
 
 def memory_over_calls(service, name):
-    """Memory at the start and after so many calls of all methods."""
+    """Measures memory at the start and after numbers of calls of all methods."""
     words = [words(name) for method, words in methods.METHODS.items() if method != "getIPv4"]
     checkpoints = {0: service.memory()}
     for before, after in zip(CHECKPOINTS, CHECKPOINTS[1:]):
@@ -79,7 +79,7 @@ def measure_memory():
 
 
 def measure_idleness():
-    """When the daemon wakes up in a minute in which nobody wants anything of it."""
+    """Measures the wake-ups of an idle daemon in a minute."""
     with services.daemon() as daemon:
         listener = services.Listener(1, 1000, "batteryStatus")
         time.sleep(SETTLING)
@@ -90,7 +90,7 @@ def measure_idleness():
             time.sleep(1 / SAMPLES_PER_SECOND)
             counts = daemon.sleeps()
             is_awake = counts != before
-            # What falls on the border of two samples is one moment.
+            # A wake-up on the border of two samples counts as one.
             moments += is_awake and not was_awake
             was_awake = is_awake
             before = counts
@@ -103,7 +103,7 @@ def measure_idleness():
 
 
 def hold(label, operation, result):
-    """The longest that another client waits while something is done to the daemon."""
+    """Returns the longest wait of another client during an operation in the daemon."""
     longest = []
     for _ in range(5):
         with services.Probe(1000) as probe:
@@ -139,7 +139,7 @@ def measure_holds():
         hold("Ethernet.connect, to its association", connect, result)
     longest = []
     for _ in range(5):
-        # The versions are asked for once in a daemon's life.
+        # The versions are determined once in a daemon's life.
         with services.daemon(), services.Probe(1000) as probe:
             operate("Version.getSoftwareVersions")
         longest.append(probe.result["longest"] / 1000)

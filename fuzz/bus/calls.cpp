@@ -6,7 +6,9 @@
 
 namespace
 {
-/** Those that copy profiles, or start scripts that the daemon then waits for: one in so many. */
+/**
+ * The frequency (one in 20) of calls that copy profiles or start scripts that the daemon waits for.
+ */
 const std::uint32_t rarity = 20;
 
 bool isHeavy(const Method &method)
@@ -27,7 +29,7 @@ Message newCall(const std::string &path, const std::string &interface, const std
         daemonName, path.c_str(), interface.empty() ? nullptr : interface.c_str(), name.c_str()));
 }
 
-/** A message without values in the place of one with more descriptors than the bus passes on. */
+/** Leaves a message empty if it would have more descriptors than the bus allows. */
 void fill(Message &message, const std::string &signature, bool isAnything, Choices &choices)
 {
     Message bare(dbus_message_copy(message.get()));
@@ -40,7 +42,7 @@ void fill(Message &message, const std::string &signature, bool isAnything, Choic
         message = std::move(bare);
 }
 
-/** Some of the types of @p signature, or more, or others. */
+/** Returns some of the types of @p signature, more, or others. */
 std::string changed(const std::string &signature, Choices &choices)
 {
     std::vector<std::string> types = typesOf(signature);
@@ -111,7 +113,7 @@ Call callProperties(const Interfaces &interfaces, Choices &choices)
     return {std::move(message), method == "Get" ? "v" : method == "Set" ? "" : "a{sv}"};
 }
 
-/** Known names where they do not belong, and unknown ones. */
+/** Calls known names in wrong places, and unknown ones. */
 Call callSomethingElse(const Interfaces &interfaces, Choices &choices)
 {
     static const std::string names[] = {"Introspect",

@@ -5,23 +5,26 @@
 #include "connection.h"
 #include "introspection.h"
 
-/** A call of the daemon, and what must come of it. */
+/** A call of the daemon, and its expected result. */
 struct Call {
     Message message;
-    /** The signature of a reply that is no error; "*" where any will do. */
+    /** The signature of a successful reply; "*" for any. */
     std::string reply;
 };
 
 /**
- * The call of the number @p number in the sequence that @p seed begins; the same for the same
- * numbers and interfaces.
+ * Returns the call with the number @p number in the sequence of @p seed; deterministic for the same
+ * arguments.
  */
 Call makeCall(std::uint64_t seed, std::uint64_t number, const Interfaces &interfaces);
 
-/** Sends what no client should: signals and answers in other peers' names, and out of turn. */
+/**
+ * Returns an invalid message: a signal or reply that pretends to come from another peer, or out of
+ * turn.
+ */
 Message makeForgery(Choices &choices, const Interfaces &interfaces);
 
-/** The choices of the number @p number of one of the sequences that @p seed begins. */
+/** Returns the choices for the number @p number of one of the sequences of @p seed. */
 Choices choicesOf(std::uint64_t seed, std::uint64_t sequence, std::uint64_t number);
 
 #endif

@@ -11,10 +11,10 @@ struct MessageDeleter {
     void operator()(DBusMessage *message) const { dbus_message_unref(message); }
 };
 
-/** A message that is given back when its owner ends. */
+/** A message that is unreferenced with its owner. */
 using Message = std::unique_ptr<DBusMessage, MessageDeleter>;
 
-/** A connection to the system bus that never waits, on its own. */
+/** A private, non-blocking connection to the system bus. */
 class Connection
 {
 public:
@@ -23,16 +23,18 @@ public:
     Connection(const Connection &) = delete;
     Connection &operator=(const Connection &) = delete;
 
-    /** Sends @p message as soon as the bus takes it. @return its serial number */
+    /**
+     * Sends @p message as soon as the bus accepts it. @return its serial number
+     */
     std::uint32_t send(const Message &message);
 
-    /** The next message that has arrived; null where there is none yet. */
+    /** Returns the next message that has arrived; null if there is none. */
     Message take();
 
-    /** Sends a call and waits for its reply; messages that come before it are lost. */
+    /** Sends a call and waits for its reply; discards earlier messages. */
     Message callAndWait(const Message &message);
 
-    /** Lets everything go out that has been sent; false when the bus has ended the connection. */
+    /** Flushes all sent messages; returns false if the bus has closed the connection. */
     bool flush();
 
     int descriptor() const;
@@ -42,10 +44,10 @@ private:
     DBusConnection *m_connection;
 };
 
-/** Waits until something arrives at one of @p connections or can be sent, or for a time. */
+/** Waits until one of @p connections can be read or written, or for the timeout. */
 void waitForAny(const std::vector<const Connection *> &connections, int milliseconds);
 
-/** Ends the program with a message when what it needs is not there. */
+/** Exits with a message if a requirement is missing. */
 [[noreturn]] void giveUp(const std::string &why);
 
 extern const char daemonName[];

@@ -18,7 +18,7 @@ void appendVariant(DBusMessageIter &end, int type, const void *value)
     dbus_message_iter_close_container(&end, &inside);
 }
 
-/** One property as ConnMan would have it. */
+/** One property in ConnMan's form. */
 class Entry
 {
 public:
@@ -49,7 +49,7 @@ void addFlag(DBusMessageIter &map, const char *key, bool value)
     appendVariant(Entry(map, key).end(), DBUS_TYPE_BOOLEAN, &flag);
 }
 
-/** The address that ConnMan gave a service. */
+/** Adds the addresses of a service. */
 void addAddresses(DBusMessageIter &map, const char *key)
 {
     Entry entry(map, key);
@@ -80,7 +80,7 @@ void addService(DBusMessageIter &map, const char *type, Choices &choices)
     appendVariant(Entry(map, "Strength").end(), DBUS_TYPE_BYTE, &strength);
 }
 
-/** A list of services or of technologies, some of its entries of any content. */
+/** Appends a list of services or of technologies, in which some entries are random. */
 void appendObjects(const Message &message, bool isOfServices, Choices &choices)
 {
     ValueWriter writer(message.get(), choices);
@@ -116,7 +116,7 @@ void appendObjects(const Message &message, bool isOfServices, Choices &choices)
     dbus_message_iter_close_container(&writer.end(), &list);
 }
 
-/** "PropertyChanged" of a technology or a service, in ConnMan's form. */
+/** Makes "PropertyChanged" of a technology or a service in ConnMan's form. */
 Message propertyChanged(Choices &choices)
 {
     static const char *const names[] = {"Powered", "Connected", "State",
@@ -209,7 +209,7 @@ void FalseConnman::act(Choices &choices, const Interfaces &interfaces)
         m_connection->send(signal);
 }
 
-/** Each of the daemon's calls has an answer of its own, by its number. */
+/** The reply to each call of the daemon depends on the call's number. */
 void FalseConnman::answer(const Message &call)
 {
     Choices choices = choicesOf(m_seed, 2, ++m_count);

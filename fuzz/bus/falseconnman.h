@@ -10,26 +10,28 @@
 #include <memory>
 
 /**
- * Owns ConnMan's name and answers the daemon as badly as a peer can: with errors, with values of
- * any type, late, twice or never, and often enough as ConnMan does, so that the daemon gets on.
+ * Owns ConnMan's name and misbehaves in every way: it replies with errors, with values of any type,
+ * late, twice or never, and often enough correctly that the daemon makes progress.
  */
 class FalseConnman
 {
 public:
-    /** @param isOftenSilent whether a wait for an answer that never comes is short */
+    /**
+     * @param isOftenSilent true if the timeout of a missing reply passes quickly
+     */
     FalseConnman(std::uint64_t seed, bool isOftenSilent);
 
-    /** Answers what the daemon has asked by now, and sends what is due. */
+    /** Answers the daemon's pending calls, and sends what is due. */
     void work();
 
-    /** Sends a signal, as ConnMan's or unlike any of it; or leaves the bus, and comes back. */
+    /** Sends a correct or random signal; or leaves the bus and returns. */
     void act(Choices &choices, const Interfaces &interfaces);
 
-    /** From now on: answers at once, and always. */
+    /** From now on replies immediately and always. */
     void behave();
 
     const Connection &connection() const { return *m_connection; }
-    /** How many calls of the daemon it has taken. */
+    /** The number of the daemon's calls so far. */
     std::uint64_t count() const { return m_count; }
 
 private:

@@ -6,12 +6,12 @@
 #include <string>
 #include <vector>
 
-/** A method of the daemon, as it describes itself. */
+/** A method of the daemon, from its introspection data. */
 struct Method {
     std::string path;
     std::string interface;
     std::string name;
-    /** The types of the parameters and those of the reply. */
+    /** The types of the parameters and of the reply. */
     std::string parameters;
     std::string reply;
 };
@@ -22,7 +22,7 @@ struct Property {
     std::string name;
 };
 
-/** Everything that the daemon has on the bus. */
+/** All of the daemon's objects and interfaces. */
 struct Interfaces {
     std::vector<Method> methods;
     std::vector<Property> properties;
@@ -30,7 +30,7 @@ struct Interfaces {
     std::vector<std::string> names;
 };
 
-/** Asks the daemon for all of its objects, from the root on. */
+/** Introspects all of the daemon's objects, from the root on. */
 Interfaces introspect(Connection &connection);
 
 #endif

@@ -12,7 +12,7 @@
 #include <map>
 
 /*
- * Calls the daemon as no client should, with a ConnMan around it that is none.
+ * Sends the daemon invalid calls, while a stand-in for ConnMan misbehaves.
  *
  * usage: hostilebus --process PID --calls N [--seed S] [--from N] [--timelapse] [--growth KB]
  *        [--checked]
@@ -22,13 +22,13 @@ namespace
 {
 using Clock = std::chrono::steady_clock;
 
-/** The bus allows a client no more calls without an answer than 128. */
+/** The bus allows a client 128 pending calls. */
 const std::size_t mostAwaited = 24;
 /** No call takes the daemon longer than two that ConnMan does not answer. */
 const std::chrono::seconds longestWait(120);
-/** After each of so many equal parts of the calls the daemon's footprint is taken. */
+/** The daemon's footprint is taken after each of this number of equal parts of the calls. */
 const unsigned int parts = 8;
-/** Once in so many calls ConnMan, or somebody in its place, does something by itself. */
+/** ConnMan, or a peer that pretends to be it, acts unprompted once in this number of calls. */
 const std::uint32_t actionRarity = 8;
 
 struct Options {
@@ -36,16 +36,16 @@ struct Options {
     std::uint64_t from = 0;
     std::uint64_t calls = 0;
     int process = 0;
-    /** Whether the daemon's time passes so fast that an answer may stay away. */
+    /** True if the daemon's time passes so fast that a reply may stay away. */
     bool isTimelapse = false;
-    /** Whether the daemon tells what it has allocated; see leakcheck.cpp. */
+    /** True if the daemon reports its allocated memory; see leakcheck.cpp. */
     bool isChecked = false;
-    /** By how much the daemon may grow in the second half of the calls, in KB. */
+    /** The allowed growth of the daemon in the second half of the calls, in KB. */
     long growth = 0;
 };
 
 struct Footprint {
-    /** In KB; of a checked daemon what it has allocated, else the pages that it alone has. */
+    /** In KB: allocated memory with sanitizers, otherwise private pages. */
     long memory = 0;
     long descriptors = 0;
 };
@@ -63,7 +63,7 @@ long privateMemoryOf(int process)
     return sum;
 }
 
-/** Asks a checked daemon. */
+/** Asks a daemon with sanitizers. */
 long allocatedBy(int process)
 {
     static const char path[] = "/run/allocated";
@@ -73,7 +73,7 @@ long allocatedBy(int process)
     std::string line;
     while (Clock::now() < deadline) {
         std::ifstream file(path);
-        // The line's end tells that the number is whole.
+        // The newline shows that the number is complete.
         if (std::getline(file, line) && !file.eof())
             return std::stol(line) / 1024;
         waitForAny({}, 1);
@@ -98,7 +98,7 @@ bool isAlive(int process)
     return kill(process, 0) == 0;
 }
 
-/** Sends the calls and takes the replies, and keeps the account of both. */
+/** Sends the calls, receives the replies, and matches them. */
 class HostileBus
 {
 public:
@@ -139,7 +139,7 @@ private:
         std::printf("\n");
     }
 
-    /** What the daemon needed in the first half of the calls has to be enough for the other. */
+    /** The second half of the calls may need no more than the first half. */
     void judge(const std::vector<Footprint> &footprints) const
     {
         const auto middle = footprints.begin() + parts / 2;
@@ -162,7 +162,7 @@ private:
         Clock::time_point since;
     };
 
-    /** Sends the next call, if not too many wait for their replies, and takes in what has come. */
+    /** Sends the next call unless too many are pending, and handles everything that has arrived. */
     void step()
     {
         if (m_awaited.size() < mostAwaited) {
@@ -206,7 +206,7 @@ private:
         if (type != DBUS_MESSAGE_TYPE_METHOD_RETURN && type != DBUS_MESSAGE_TYPE_ERROR)
             return;
         const auto awaited = m_awaited.find(dbus_message_get_reply_serial(message.get()));
-        // The first reply to a call is the one that counts.
+        // Only the first reply to a call counts.
         if (awaited == m_awaited.end())
             return;
         if (type == DBUS_MESSAGE_TYPE_ERROR) {
@@ -225,7 +225,7 @@ private:
         m_awaited.erase(awaited);
     }
 
-    /** Waits until everything is answered, and looks what the daemon then needs. */
+    /** Waits until all calls are answered; returns the daemon's footprint. */
     Footprint settle()
     {
         while (!m_awaited.empty()) {
@@ -239,7 +239,7 @@ private:
                 descriptorsOf(process)};
     }
 
-    /** Replaces the big values that clients have set, and lets the daemon come to rest. */
+    /** Replaces large values that clients have set, and lets the daemon become idle. */
     void forget()
     {
         static const char *const methods[][3] = {
