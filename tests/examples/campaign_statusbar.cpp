@@ -397,4 +397,4 @@ int main(int argc, char *argv[])
                                                qEnvironmentVariable("TEST_PART")));
 }
 
-#include "test_statusbar.moc"
+#include "campaign_statusbar.moc"

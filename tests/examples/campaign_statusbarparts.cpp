@@ -129,4 +129,4 @@ void TestStatusBarParts::aDaemonThatStartsBeginsIdle()
 }
 
 QTEST_GUILESS_MAIN(TestStatusBarParts)
-#include "test_statusbarparts.moc"
+#include "campaign_statusbarparts.moc"
