@@ -2,6 +2,7 @@
 #include "connmansignals.h"
 #include "daemontest.h"
 #include "modescript.h"
+#include "moduledelay.h"
 #include "realconnman.h"
 #include "supplicantstandin.h"
 #include "terminalprogram.h"
@@ -61,11 +62,12 @@ private:
     };
     static void start(QProcess &client, const QStringList &arguments, const QByteArray &input);
     static Result resultOf(QProcess &client);
-    static Result run(const QStringList &arguments, const QByteArray &input = {});
+    Result run(const QStringList &arguments, const QByteArray &input = {});
 
     RealConnman connman;
     SupplicantStandIn supplicant;
     ModeScript script;
+    ModuleDelay moduleDelay{daemon, script};
 };
 
 void TestKyboardctlWifi::init()
@@ -73,6 +75,7 @@ void TestKyboardctlWifi::init()
     DaemonTest::init();
     qputenv("TERM", "dumb");
     script.install();
+    moduleDelay.reset();
     supplicant.start();
     connman.start();
     daemon.controlClock();
@@ -102,11 +105,17 @@ TestKyboardctlWifi::Result TestKyboardctlWifi::resultOf(QProcess &client)
     return {client.exitCode(), client.readAllStandardOutput(), client.readAllStandardError()};
 }
 
+/** Runs the client without the module's delay. */
 TestKyboardctlWifi::Result TestKyboardctlWifi::run(const QStringList &arguments,
                                                    const QByteArray &input)
 {
     QProcess client;
     start(client, arguments, input);
+    const auto hasEnded = [&] {
+        moduleDelay.skip();
+        return client.state() == QProcess::NotRunning;
+    };
+    static_cast<void>(QTest::qWaitFor(hasEnded, 60000));
     return resultOf(client);
 }
 
@@ -138,7 +147,16 @@ void TestKyboardctlWifi::anEmptyAirIsNoFailure()
 {
     for (const char *directory : {"cafe", "grumpy", "hall_near", "hall_far", "workshop", "vault"})
         supplicant.set(QLatin1String(directory) + "/in_range", "0");
-    const Result result = run({"wifi", "scan"});
+    QProcess client;
+    start(client, {"wifi", "scan"}, {});
+    const auto isPowered = [&] {
+        moduleDelay.skip();
+        return RealConnman::properties("/net/connman/technology/wifi").value("Powered").toBool();
+    };
+    QVERIFY(QTest::qWaitFor(isPowered, 20000));
+    // Without networks the daemon ends the scan after 15 s.
+    daemon.letTimePass(15);
+    const Result result = resultOf(client);
     QCOMPARE(result.output, QStringLiteral("no network in reach\n"));
     QCOMPARE(result.status, 0);
 }
@@ -443,7 +461,9 @@ void TestKyboardctlWifi::disconnectWhileTheModuleSwitchesLeavesTheRadioOff()
         script.release();
         QTRY_VERIFY(isTraced("slotLoadFirmwareFinished"));
     }
-    QCOMPARE(run({"wifi", "disconnect"}).output, QStringLiteral("idle\n"));
+    QProcess client;
+    start(client, {"wifi", "disconnect"}, {});
+    QCOMPARE(resultOf(client).output, QStringLiteral("idle\n"));
     BusMonitor monitor;
 
     if (isScriptRunning)

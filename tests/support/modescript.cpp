@@ -5,6 +5,7 @@
 
 #include <QDir>
 #include <QFile>
+#include <QFileInfo>
 #include <QProcess>
 #include <QTest>
 
@@ -36,8 +37,10 @@ void ModeScript::install()
     QDir().mkpath(installed);
     QDir().mkpath(control);
     const QDir source(QStringLiteral(SIMULATOR_DIRECTORY "/redpine"));
-    for (const QString &file : source.entryList(QDir::Files))
-        run("cp", {"--preserve=mode", source.filePath(file), installed});
+    for (const QString &file : source.entryList(QDir::Files)) {
+        if (!QFile::copy(source.filePath(file), installed + QLatin1Char('/') + file))
+            qFatal("cannot install %s", qPrintable(file));
+    }
 }
 
 void ModeScript::remove()
@@ -62,6 +65,11 @@ QStringList ModeScript::log()
     QStringList lines = QString::fromLatin1(readFile(control + "log")).split('\n');
     lines.removeAll(QString());
     return lines;
+}
+
+QDateTime ModeScript::lastChange()
+{
+    return QFileInfo(control + "log").lastModified();
 }
 
 bool ModeScript::waitFor(const QString &line, int count)

@@ -1,6 +1,7 @@
 #ifndef MODESCRIPT_H
 #define MODESCRIPT_H
 
+#include <QDateTime>
 #include <QStringList>
 
 /**
@@ -28,6 +29,9 @@ public:
 
     /** The log of the scripts since install(), in order: "start 0", "end 0". */
     QStringList log();
+
+    /** When a script last wrote to the log. */
+    QDateTime lastChange();
 
     /** Waits until the log has @p line @p count times. */
     bool waitFor(const QString &line, int count = 1);
