@@ -1,5 +1,6 @@
-# Makes a header of each introspection document, introspection/LED.h of ...BoardManager.LED.xml, whose macro
-# INTROSPECTION_LED is the document's interface element as a string literal: what an adaptor shows on the bus.
+# Generates a header from each introspection document, introspection/LED.h from
+# ...BoardManager.LED.xml. Its macro INTROSPECTION_LED is the document's interface element as a
+# string literal: the introspection data of an adaptor.
 function(write_introspection_headers directory)
     file(GLOB documents CONFIGURE_DEPENDS ${PROJECT_SOURCE_DIR}/dbus/*.xml)
     foreach(document ${documents})
@@ -16,8 +17,8 @@ function(write_introspection_headers directory)
     endforeach()
 endfunction()
 
-# Makes introspection/signals.h, whose macro INTROSPECTION_SIGNALS is the daemon's signals as string
-# literals: "Users.userChanged", and so on.
+# Generates introspection/signals.h. Its macro INTROSPECTION_SIGNALS is the list of the daemon's
+# signals as string literals: "Users.userChanged" and so on.
 function(write_signal_names directory)
     file(GLOB documents CONFIGURE_DEPENDS ${PROJECT_SOURCE_DIR}/dbus/com.orvendis.*.xml)
     foreach(document ${documents})

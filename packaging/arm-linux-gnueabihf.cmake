@@ -1,6 +1,6 @@
 # 32-bit ARM with hard floating point, for CMAKE_TOOLCHAIN_FILE. Libraries and headers come from
-# CMAKE_SYSROOT, which is made of Debian's packages where there is none, the compiler and what runs during the build from the
-# machine.
+# CMAKE_SYSROOT, by default one made from Debian's packages. The compiler, and programs that run during
+# the build, are this machine's.
 set(CMAKE_SYSTEM_NAME Linux)
 set(CMAKE_SYSTEM_PROCESSOR armv7l)
 set(CMAKE_LIBRARY_ARCHITECTURE arm-linux-gnueabihf)
@@ -20,5 +20,5 @@ set(ENV{PKG_CONFIG_SYSROOT_DIR} ${CMAKE_SYSROOT})
 set(ENV{PKG_CONFIG_LIBDIR}
     ${CMAKE_SYSROOT}/usr/lib/arm-linux-gnueabihf/pkgconfig:${CMAKE_SYSROOT}/usr/share/pkgconfig)
 
-# The tests that the build runs as programs of its own kind.
+# Runs the tests that are ARM programs.
 set(CMAKE_CROSSCOMPILING_EMULATOR qemu-arm-static -L ${CMAKE_SYSROOT})

@@ -1,5 +1,5 @@
-# The maker's hardware libraries, from the directories that BOARD_HEADERS and BOARD_LIBRARIES name, in
-# the place of the simulated ones.
+# The maker's hardware libraries, from the directories that BOARD_HEADERS and BOARD_LIBRARIES name,
+# instead of the simulated ones.
 if(NOT BOARD_HEADERS OR NOT BOARD_LIBRARIES)
     message(FATAL_ERROR "BOARD_HEADERS and BOARD_LIBRARIES go together: give both or neither")
 endif()
@@ -15,7 +15,7 @@ foreach(library KyBoard KyFileaccess KySoC)
     find_file(${library}_FILE NAMES lib${library}.so.1 lib${library}.so PATHS ${BOARD_LIBRARIES}
         NO_DEFAULT_PATH NO_CMAKE_FIND_ROOT_PATH REQUIRED)
     add_library(${library} SHARED IMPORTED GLOBAL)
-    # What is imported is a system's header to the compiler: its warnings are not our errors.
+    # Imported headers are system headers: their warnings are not our errors.
     set_target_properties(${library} PROPERTIES
         IMPORTED_LOCATION ${${library}_FILE}
         INTERFACE_INCLUDE_DIRECTORIES ${BOARD_HEADERS}

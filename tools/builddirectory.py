@@ -1,5 +1,4 @@
-"""What the build directory knows of how things are compiled, linked and tested; for scripts that make
-other variants of some of it."""
+"""How the build directory compiles, links and tests; for scripts that build variants of parts of it."""
 
 import json
 import os
@@ -15,7 +14,7 @@ TREE = os.path.dirname(os.path.dirname(os.path.abspath(__file__)))
 
 
 class Build:
-    """The build directory. Nothing in it is changed."""
+    """The build directory. Never changes it."""
 
     def __init__(self, directory):
         self.directory = os.path.abspath(directory)
@@ -37,18 +36,18 @@ class Build:
                               stderr=subprocess.DEVNULL).returncode
 
     def object_of(self, file):
-        """The object file of a source of the daemon, as it is called in its library."""
+        """Returns the object file of a source of the daemon, with its name in the library."""
         command = shlex.split(self.compile_commands[os.path.join(TREE, file)])
         return command[command.index('-o') + 1]
 
     def library_of(self, file):
-        """The library that a source of the daemon is in; None for that of the program itself."""
+        """Returns the library of a source of the daemon; None for the program's own source."""
         target = re.search(r'/CMakeFiles/(\w+)\.dir/', self.object_of(file)).group(1)
         library = f'src/lib{target}.a'
         return library if library in LIBRARIES else None
 
     def compile(self, file, source, compiled, options):
-        """Compiles the source as the given file of the tree is, with other options for the code."""
+        """Compiles the source like the given file of the tree, with other options for the code."""
         command = shlex.split(self.compile_commands[os.path.join(TREE, file)])
         while os.path.basename(command[0]) in ('ccache', 'nice'):
             command.pop(0)
@@ -60,7 +59,7 @@ class Build:
         return self.run_quietly(command + options) == 0
 
     def link(self, target, program, replaced, options=()):
-        """Links a target anew, with other files in the place of some of those it is made of."""
+        """Links a target again, with some of its inputs replaced."""
         line = self.output('ninja', '-t', 'commands', '-s', target).strip()
         command = [replaced.get(word, word)
                    for word in shlex.split(line.removeprefix(': && ').removesuffix(' && :'))]
@@ -69,7 +68,8 @@ class Build:
             raise RuntimeError('cannot link ' + target)
 
     def holds_library(self, program, objects=None):
-        """Whether a program contains code of the daemon's libraries, or of some of their objects."""
+        """Returns whether a program contains code of the daemon's libraries, or of some of their
+        objects."""
         if not os.path.exists(self.path(program)):
             return False
         wanted = set()
@@ -83,11 +83,12 @@ class Build:
                 if line.split()[1:2] in (['T'], ['D'], ['B'], ['R'])}
 
     def program_of(self, name):
-        """The program of a test, relative to the build directory."""
+        """Returns the program of a test, relative to the build directory."""
         return os.path.relpath(self.tests[name]['command'][-1], self.directory)
 
     def test_command(self, name, programs, program=None):
-        """How a test runs with the daemon in the given directory and, if need be, another program."""
+        """Returns the command that runs a test with the daemon in the given directory and,
+        optionally, another program."""
         command = list(self.tests[name]['command'])
         if '--' in command:
             command[command.index('--'):command.index('--')] = ['--programs', programs]
@@ -96,7 +97,7 @@ class Build:
         return command
 
     def run_test(self, name, command, deadline):
-        """Runs a test, until its first failure. Returns whether it passed, and what it printed."""
+        """Runs a test until its first failure. Returns whether it passed, and its output."""
         properties = {entry['name']: entry['value']
                       for entry in self.tests[name].get('properties', [])}
         environment = dict(os.environ)
@@ -119,7 +120,7 @@ class Build:
 
 
 def end(process):
-    """Ends a test and its world; the world takes everything along that was started in it."""
+    """Ends a test and its world, including everything that was started in the world."""
     try:
         os.killpg(process.pid, signal.SIGTERM)
         process.wait(5)

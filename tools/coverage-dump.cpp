@@ -1,4 +1,4 @@
-// Linked into what counts its coverage: writes the counts when a signal ends the program.
+// Linked into instrumented programs: writes the coverage counters when a signal ends the program.
 
 #include <csignal>
 
@@ -9,7 +9,7 @@ namespace
 void dumpAndEnd(int number)
 {
     dumpCounts();
-    // It comes after the handler, and ends the program.
+    // The handler is already reset, so this ends the program.
     static_cast<void>(std::raise(number));
 }
 

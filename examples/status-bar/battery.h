@@ -3,14 +3,14 @@
 
 #include <QString>
 
-/** What a battery status of the daemon means, as in "CHARGER_OFF_BAT_INF_80". */
+/** The meaning of a battery status of the daemon, for example "CHARGER_OFF_BAT_INF_80". */
 struct Battery {
-    /** The highest percentage that the status stands for; -1 where the charge is not known. */
+    /** The highest percentage of the status; -1 if the charge is unknown. */
     int level = -1;
     bool isChargerThere = false;
 };
 
-/** Reads a status; one that is not known, or empty, tells nothing. */
+/** Parses a status; an unknown or empty one gives unknown values. */
 Battery batteryFrom(const QString &status);
 
 #endif

@@ -8,7 +8,10 @@
 
 namespace
 {
-/** How often to ask for what no signal tells: a mounted key, a charger, a backlight set by hand. */
+/**
+ * The interval of queries for changes without a signal: a mounted key, a charger, a backlight set
+ * by a client.
+ */
 const int askingInterval = 5000;
 
 const QString unknown = QStringLiteral("unknown");
@@ -17,7 +20,7 @@ const QString inserted = QStringLiteral("inserted");
 const QString mounted = QStringLiteral("mounted");
 const QString address = QStringLiteral("Address");
 
-/** As the class's own batteryStatus(), which blocks. */
+/** Like the class's own batteryStatus(), which blocks. */
 QDBusPendingCall readBatteryStatus(const QDBusConnection &bus)
 {
     QDBusMessage message = QDBusMessage::createMethodCall(
@@ -49,7 +52,7 @@ Instrument::Instrument(QObject *parent)
       m_sdCard(unknown),
       m_usbKey(unknown)
 {
-    // Subscribe first, ask afterwards: nothing that happens in between is lost.
+    // Subscribe first, query afterwards: no change in between is lost.
     followLinks();
     followDevices();
     followDaemon();
@@ -84,7 +87,7 @@ void Instrument::followDaemon()
 
 void Instrument::followLinks()
 {
-    // The classes have methods of the name connect() themselves.
+    // The classes have methods with the name connect() themselves.
     QObject::connect(&m_ethernetFace, &BoardManagerEthernet::propertyChanged, &m_ethernet,
                      [this](const QString &, const QString &name, const QDBusVariant &value) {
                          m_ethernet.takeProperty(name, value.variant());
@@ -103,7 +106,7 @@ void Instrument::followLinks()
 
 void Instrument::followDevices()
 {
-    // It announces a reset, too, also of a profile that is not the active one.
+    // Also announces a reset, even of a profile that is not active.
     connect(&m_usersFace, &BoardManagerUsers::userChanged, this, &Instrument::askForProfile);
     // A property has the same name.
     connect(&m_supplyFace,
@@ -122,7 +125,7 @@ void Instrument::followDevices()
             });
 }
 
-/** The daemon is there: asks for everything that it tells when asked. */
+/** The daemon has appeared: queries its whole state. */
 void Instrument::begin()
 {
     setAvailable(true);
@@ -130,7 +133,7 @@ void Instrument::begin()
     askForProfile();
     askForAddress(m_ethernet);
     askForAddress(m_wifi);
-    // It has a network interface only while it is one.
+    // The interface exists only while the module is an access point.
     whenAnswered<QVariantMap>(
         m_accessPointFace.getHardwareInfos(),
         [this](const QVariantMap &infos) { m_accessPoint.takeEvidence(!infos.isEmpty()); });
@@ -174,7 +177,7 @@ void Instrument::askForProfile()
 void Instrument::askForAddress(Link &link)
 {
     const bool isWifi = &link == &m_wifi;
-    // A link has an address exactly as long as it is up.
+    // A link has an address exactly while it is up.
     whenAnswered<QVariantMap>(isWifi ? m_wifiFace.getIPv4() : m_ethernetFace.getIPv4(),
                               [&link](const QVariantMap &ipv4) {
                                   link.takeEvidence(ipv4.contains(address));
@@ -253,14 +256,14 @@ void Instrument::setStorage(QString &storage, const QString &state)
 
 void Instrument::takePresence(QString &storage, bool isPresent)
 {
-    // One that is mounted is there.
+    // A mounted device is present.
     if (!isPresent || storage != mounted)
         setStorage(storage, isPresent ? inserted : none);
 }
 
 void Instrument::takeMounted(QString &storage, bool isMounted)
 {
-    // What is there and not mounted stays there.
+    // A device that is present but not mounted stays present.
     const bool isThere = storage == inserted || storage == mounted;
     setStorage(storage, isMounted ? mounted : isThere ? inserted : none);
 }

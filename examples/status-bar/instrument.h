@@ -16,34 +16,37 @@
 #include <QTimer>
 
 /**
- * The instrument as QML sees it: what the daemon tells, as properties that announce their changes.
+ * The instrument for QML: the daemon's state as properties with change signals.
  *
- * It never blocks: every call is answered later. It may start before the daemon or after it, and
- * outlives it: while the daemon is away, nothing is known, and "available" is false.
+ * It never blocks: every reply is handled asynchronously. It may start before or after the daemon,
+ * and outlives it. While the daemon is away, all values are unknown, and "available" is false.
  */
 class Instrument : public QObject
 {
     Q_OBJECT
-    /** Whether the daemon is on the system bus. */
+    /** True while the daemon is on the system bus. */
     Q_PROPERTY(bool available READ isAvailable NOTIFY availableChanged)
-    /** Why nothing is known, for people; empty where all is well. */
+    /** The reason why all values are unknown, for people; empty otherwise. */
     Q_PROPERTY(QString problem READ problem NOTIFY problemChanged)
-    /** The active profile; empty where it is not known. */
+    /** The active profile; empty if unknown. */
     Q_PROPERTY(QString profile READ profile NOTIFY profileChanged)
-    /** The highest percentage that the charge may have; -1 where it is not known. */
+    /** The highest percentage that the charge can have; -1 if unknown. */
     Q_PROPERTY(int batteryLevel READ batteryLevel NOTIFY batteryChanged)
     Q_PROPERTY(bool chargerConnected READ isChargerConnected NOTIFY batteryChanged)
-    /** "mounted", "inserted", "none" or "unknown"; "none" may be one that was there before us. */
+    /**
+     * "mounted", "inserted", "none" or "unknown"; "none" can be a device that was inserted before
+     * our start.
+     */
     Q_PROPERTY(QString sdCard READ sdCard NOTIFY storageChanged)
     Q_PROPERTY(QString usbKey READ usbKey NOTIFY storageChanged)
-    /** In percent; -1 where it is not known, or the model has no screen. */
+    /** In percent; -1 if unknown, or on a model without a screen. */
     Q_PROPERTY(int backlight READ backlight NOTIFY backlightChanged)
     Q_PROPERTY(Link *ethernet READ ethernet CONSTANT)
     Q_PROPERTY(Link *wifi READ wifi CONSTANT)
     Q_PROPERTY(Link *accessPoint READ accessPoint CONSTANT)
 
 public:
-    /** Makes the types known to QML, as "import Strandel 1.0". */
+    /** Registers the types with QML, for "import Strandel 1.0". */
     static void registerTypes();
 
     explicit Instrument(QObject *parent = nullptr);
@@ -88,7 +91,7 @@ private:
     void takePresence(QString &storage, bool isPresent);
     void takeMounted(QString &storage, bool isMounted);
 
-    /** Calls @p receive with the answer of that type, when it has come. */
+    /** Calls @p receive with the reply of that type when it arrives. */
     template <typename Answer, typename Receive>
     void whenAnswered(const QDBusPendingCall &call, Receive receive);
 

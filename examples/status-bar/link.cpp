@@ -36,14 +36,14 @@ void Link::takeProperty(const QString &name, const QVariant &value)
 
 void Link::takeEvidence(bool isUp)
 {
-    // A signal knows better, also one that came before the answer.
+    // A signal is more reliable, even one that came before the reply.
     if (isUp && m_state == unknown)
         setState(online);
 }
 
 void Link::takeAddress(const QString &address)
 {
-    // The link may have gone down while the answer was on its way.
+    // The link may have gone down before the reply arrived.
     const QString usable = isOnline() ? address : QString();
     if (m_address == usable)
         return;

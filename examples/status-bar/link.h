@@ -6,11 +6,11 @@
 #include <QVariant>
 
 /**
- * One way to the network, as QML sees it: the cable, the Wi-Fi station or the access point.
+ * A network link for QML: the cable, the Wi-Fi station or the access point.
  *
- * The daemon announces each change of a link, and has no method that tells its state. So the state
- * is "unknown" in a program that starts later than the daemon, until something changes or an answer
- * shows that the link is up.
+ * The daemon announces each change of a link, and has no method that returns its state. So the
+ * state is "unknown" in a program that starts after the daemon, until it changes or a reply shows
+ * that the link is up.
  */
 class Link : public QObject
 {
@@ -18,11 +18,11 @@ class Link : public QObject
     /** "idle", "association", "configuration", "ready", "online", "failure", "disconnect",
      * "unknown". */
     Q_PROPERTY(QString state READ state NOTIFY stateChanged)
-    /** Whether it has come up, and works. */
+    /** True while the link is up and usable. */
     Q_PROPERTY(bool online READ isOnline NOTIFY stateChanged)
-    /** The IPv4 address; empty where there is none. */
+    /** The IPv4 address; empty if there is none. */
     Q_PROPERTY(QString address READ address NOTIFY addressChanged)
-    /** Of the Wi-Fi station, in percent; -1 where nothing is known. */
+    /** Of the Wi-Fi station, in percent; -1 if unknown. */
     Q_PROPERTY(int strength READ strength NOTIFY strengthChanged)
 
 public:
@@ -33,16 +33,16 @@ public:
     QString address() const { return m_address; }
     int strength() const { return m_strength; }
 
-    /** Forgets everything: nothing is known of the link. */
+    /** Resets everything to unknown. */
     void forget();
 
-    /** The daemon has just started: it starts with every link down. */
+    /** The daemon has just started: all links are down. */
     void beginIdle();
 
-    /** Takes what the signal "propertyChanged" of the link's interface brings. */
+    /** Handles the signal "propertyChanged" of the link's interface. */
     void takeProperty(const QString &name, const QVariant &value);
 
-    /** Takes an answer by which the link is up, or which does not tell. */
+    /** Handles a reply that shows whether the link is up, or says nothing about it. */
     void takeEvidence(bool isUp);
 
     void takeAddress(const QString &address);
@@ -53,7 +53,7 @@ Q_SIGNALS:
     void addressChanged();
     void strengthChanged();
 
-    /** The address is worth asking for again. */
+    /** The address should be queried again. */
     void addressWanted();
 
 private:

@@ -3,7 +3,7 @@
 #include <QGuiApplication>
 #include <QQuickView>
 
-// status-bar: shows the instrument's state in a bar, as long as it runs.
+// status-bar: shows the instrument's state in a bar.
 int main(int argc, char *argv[])
 {
     QGuiApplication application(argc, argv);

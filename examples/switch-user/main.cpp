@@ -13,7 +13,7 @@ int main(int argc, char *argv[])
     BoardManagerUsers users(BoardManager::service(), BoardManager::usersPath(),
                             QDBusConnection::systemBus());
 
-    // The daemon announces nothing when that profile is the active one already.
+    // The daemon announces nothing if that profile is already active.
     if (users.getUser().value() == name)
         return 0;
     QObject::connect(&users, &BoardManagerUsers::userChanged, &application,

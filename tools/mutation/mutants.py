@@ -1,4 +1,4 @@
-"""The mutants of a source file: each is one small edit, which a test should notice."""
+"""Generates the mutants of a source file: each is one small edit that a test should detect."""
 
 import collections
 import hashlib
@@ -21,9 +21,9 @@ SWAPPED = {
 }
 OPERATOR = re.compile(r'(?<=[\w)\]\'"}])\s(?:==|!=|<=|>=|<<|>>|<|>|&&|\|\||\+=|-=|[-+*/%&|^])'
                       r'\s(?=[\w(!"\'&*~{-])')
-# Not the index of the element that a size is asked of.
+# Not the index in a sizeof expression.
 NUMBER = re.compile(r'(?<![\w.])(?<!\w\[(?=0\]))(?:0[xX][0-9a-fA-F]+|\d+)(?![\w.])')
-# What can begin a statement that does something, instead of declaring or deciding something.
+# Beginnings of statements other than declarations and control flow.
 CALL_STATEMENT = re.compile(r'(?<=[;{}:\n])(?P<blank>\s*\n[ ]+)(?P<call>(?!(?:return|if|else|for|while|'
                             r'switch|case|default|const|auto|static|using|delete|public|private|'
                             r'struct|class|namespace|do|throw)\b)[A-Za-z_*][^;{}]*;)')
@@ -32,7 +32,7 @@ SCOPED_NAME = re.compile(r'\b(Error|KyTcpIpState|JoinStep|StorageEvent|KyLED)::(
 
 
 def masked(text):
-    """The text with its comments, directives, texts and characters blotted out, at equal length."""
+    """Returns the text with comments, directives, texts and characters blanked, at equal length."""
     def blot(match):
         lexeme = match.group()
         if lexeme[0] in '"\'':
@@ -42,14 +42,14 @@ def masked(text):
 
 
 def texts(text):
-    """Where the file's texts are, without their quotation marks."""
+    """Yields the positions of the file's texts, without their quotation marks."""
     for match in LEXEMES.finditer(text):
         if match.group()[0] == '"':
             yield match.start() + 1, match.end() - 1
 
 
 def closing(code, opening):
-    """The position of the bracket that closes the one at the given position."""
+    """Returns the position of the bracket that closes the one at the given position."""
     depth = 0
     for position in range(opening, len(code)):
         if code[position] == '(':
@@ -62,7 +62,7 @@ def closing(code, opening):
 
 
 def call_statements(code):
-    """The statements that are not declarations and end in a call or an assignment."""
+    """Yields the statements that end in a call or an assignment and are no declarations."""
     for match in CALL_STATEMENT.finditer(code):
         call = match.group('call')
         if code[:match.start()].count('(') - code[:match.start()].count(')') != 0:
@@ -74,7 +74,7 @@ def call_statements(code):
 
 
 def other_numbers(digits):
-    """The neighbours of a number; of a large one, which is a time or a size, the half and double."""
+    """Returns the neighbours of a number; for a large one, a time or a size, half and double."""
     value = int(digits, 8 if re.fullmatch('0[0-7]+', digits) else 0)
     if value >= 1000 and digits.isdecimal():
         return [value // 2, value * 2]
@@ -97,7 +97,7 @@ def edits(text, names):
     for match in re.finditer(r'\b(?:if|while) \(', code):
         end = closing(code, match.end() - 1)
         condition = text[match.end():end]
-        # Without the exclamation mark, it is the same mutant once more.
+        # Without the exclamation mark it would be the same mutant again.
         if not condition.startswith('!') or '&&' in condition or '||' in condition:
             yield 'condition', match.end(), end, '!(' + condition + ')'
     for match in NUMBER.finditer(code):
@@ -121,7 +121,7 @@ def edits(text, names):
 
 
 def scoped_names(contents):
-    """The names that are seen of each scope whose names are exchanged for one another."""
+    """Returns the names used from each scope whose names can replace one another."""
     names = collections.defaultdict(set)
     for text in contents:
         for scope, name in SCOPED_NAME.findall(masked(text)):
@@ -130,7 +130,7 @@ def scoped_names(contents):
 
 
 def mutants(files, read):
-    """All mutants of the files, in the files' order."""
+    """Returns all mutants of the files, in the files' order."""
     contents = {file: read(file) for file in files}
     names = scoped_names(contents.values())
     found = []

@@ -1,4 +1,4 @@
-"""Which tests judge the mutants of which file of src/: the quick ones first."""
+"""The tests that judge the mutants of each file of src/, the quick ones first."""
 
 import glob
 import os
@@ -12,7 +12,7 @@ WIFI = ['test_wifiscan', 'test_wificonnect', 'test_wifiattempt', 'test_wifidisco
         'test_wifi_connman_2']
 LIGHT = ['test_brightness', 'test_backlight']
 
-# The files whose decisions are functions without bus, hardware and clock.
+# The files with pure functions: no bus, hardware or clock.
 PURE = {
     'app/enumnames': ['test_enumnames', 'test_led'],
     'app/errorcode': ['test_error', 'test_users'],
@@ -104,7 +104,7 @@ ADAPTORS = {
 
 
 def tests_of(file):
-    """The tests of a file; those of its directory when the tables above do not know it."""
+    """Returns the tests of a file; those of its directory if the tables above do not list it."""
     name = os.path.splitext(os.path.relpath(file, 'src'))[0]
     others = sorted(glob.glob(os.path.join(TREE, 'tests', os.path.dirname(name), 'test_*.cpp')))
     return PURE.get(name) or ADAPTORS.get(name) or [

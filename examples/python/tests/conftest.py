@@ -1,3 +1,3 @@
-"""Gives the tests beside it virtual instruments."""
+"""Fixtures with virtual instruments for the tests beside it."""
 
 pytest_plugins = ["kyboard_instrument.plugin"]

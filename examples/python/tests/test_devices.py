@@ -1,4 +1,4 @@
-"""The board's devices. All tests share an instrument: each leaves it as it was."""
+"""The board's devices. All tests share an instrument: each restores its state."""
 
 import pytest
 
@@ -30,7 +30,7 @@ def test_the_battery_status_follows_the_charger(session_instrument):
         session_instrument.board["battery/charge"] = -80
         session_instrument.board["charger/present"] = 1
 
-        # The reading notices the charger, and announces it.
+        # Reading the property detects the charger and announces it.
         assert supply.get("batteryStatus") == "CHARGER_ON_BAT_INF_80"
         statuses.wait(lambda status: status == "CHARGER_ON_BAT_INF_80")
     session_instrument.board["charger/present"] = 0

@@ -1,4 +1,4 @@
-"""The network. Each test has an instrument of its own: link states and networks are remembered."""
+"""The network. Each test has an instrument of its own, because link states and networks persist."""
 
 
 def has_state(wanted):

@@ -1,4 +1,4 @@
-"""The daemon goes away and comes back."""
+"""The daemon ends and starts again."""
 
 import pytest
 
@@ -16,7 +16,7 @@ def test_a_crash_ends_what_the_daemon_does_not_keep(instrument):
 
     instrument.start_daemon()
 
-    # The board has kept the backlight. The threshold is that of every start.
+    # The board keeps the backlight. The threshold has its default after every start.
     assert instrument["Backlight"].call("getBacklightStep") == 4
     with instrument["Temperature"].signals("temperatureReached") as reached:
         instrument["Temperature"].call("periodicTemperatureCheck")
