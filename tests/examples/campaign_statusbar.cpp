@@ -12,6 +12,7 @@
 #include <QSignalSpy>
 
 #include <csignal>
+#include <cstdio>
 #include <memory>
 
 namespace
@@ -24,6 +25,9 @@ void takeMessage(QtMsgType type, const QMessageLogContext &, const QString &text
     if (type != QtDebugMsg && type != QtInfoMsg)
         warnings << text;
 }
+
+/** As the one argument of this program: tells what the model complains about. */
+const char *const tellingProblem = "--problem";
 
 const QColor green("#6fcf7c");
 const QColor amber("#f0b84a");
@@ -52,6 +56,7 @@ private Q_SLOTS:
     void aProfileThatIsResetIsNotTheActiveOne();
     void aModelWithoutAScreenHasNoBacklight();
     void theProgramShowsTheBar();
+    void whoIsNotInTheGroupIsTold();
     void thePictureShowsTheBar();
 
 private:
@@ -353,6 +358,24 @@ void TestStatusBar::theProgramShowsTheBar()
     QCOMPARE(bar.readAllStandardError(), QByteArray());
 }
 
+void TestStatusBar::whoIsNotInTheGroupIsTold()
+{
+    begin();
+    // Ourselves, where every user may run it.
+    const QString program = "/tmp/statusbar";
+    QVERIFY(QFile::copy(QCoreApplication::applicationFilePath(), program));
+    const auto problemOf = [&](const QString &user, const QString &group) {
+        QProcess bar;
+        bar.start("setpriv", {"--reuid=" + user, "--regid=" + group, "--clear-groups", program,
+                              QLatin1String(tellingProblem)});
+        return bar.waitForFinished(30000) ? bar.readAllStandardOutput() : QByteArray("no end");
+    };
+    QCOMPARE(problemOf("stranger", "61186"),
+             QByteArray("This user is not in the group strandel\n"));
+    QCOMPARE(problemOf("member", "strandel"), QByteArray("\n"));
+    QVERIFY(QFile::remove(program));
+}
+
 void TestStatusBar::thePictureShowsTheBar()
 {
     show();
@@ -379,8 +402,26 @@ void TestStatusBar::thePictureShowsTheBar()
              qPrintable(QString::number(different)));
 }
 
+namespace
+{
+/** Prints what the model complains about, once it knows something or knows that it never will. */
+int tellProblem(int argc, char *argv[])
+{
+    QCoreApplication application(argc, argv);
+    const Instrument instrument;
+    const auto knows = [&] {
+        return !instrument.profile().isEmpty() || instrument.problem().contains("group");
+    };
+    if (!QTest::qWaitFor(knows, 20000))
+        return 1;
+    return std::puts(qPrintable(instrument.problem())) < 0;
+}
+} // namespace
+
 int main(int argc, char *argv[])
 {
+    if (argc == 2 && qstrcmp(argv[1], tellingProblem) == 0)
+        return tellProblem(argc, argv);
     if (!QFile::exists(QStringLiteral("/run/private-world")))
         qFatal("this test writes to /opt and /tmp: run it in a private world");
     const QString session = QStringLiteral("/tmp/session");
