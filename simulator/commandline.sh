@@ -56,8 +56,9 @@ parse_command_line() {
     done
     command=("$@")
     [ -n "$panel" ] || return 0
-    [ $# -eq 0 ] || refuse "the panel is a command of its own"
+    [ $# -eq 0 ] || [ -n "$picture" ] || refuse "the panel is a command of its own"
     command=(panel ${picture:+--picture -} ${size:+--size "$size"})
+    [ $# -eq 0 ] || command+=(-- "$@")
 }
 
 refuse() {
@@ -77,7 +78,8 @@ Starts the virtual instrument in the foreground, or runs a command inside it:
   $name --handle FILE ...
   ${name//?/ }                 the same with an instrument of its own for each FILE, whatever else runs
   $name --panel         its front panel in a window, likewise
-  $name --picture FILE  a picture of the panel as PNG, for which no display is needed
+  $name --picture FILE [-- COMMAND...]
+  ${name//?/ }                 a picture of the panel as PNG, taken after the command; it needs no display
   $name --size WxH      with one of these two: how large, in pixels
   $name --help          this text
 $INSTRUMENT_DOCUMENTS/virtual-instrument.md tells what is in it.

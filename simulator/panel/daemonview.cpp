@@ -83,7 +83,7 @@ void DaemonView::fill(Instrument &instrument) const
 
 bool DaemonView::isComplete() const
 {
-    return m_known.isDaemonThere && m_unanswered == 0 && !m_isToAsk;
+    return m_known.isBusThere && m_unanswered == 0 && !m_isToAsk;
 }
 
 QString DaemonView::ownName() const
@@ -117,6 +117,8 @@ void DaemonView::joinBus()
                      [this](const QString &, const QString &, const QString &owner) {
                          setDaemonThere(false);
                          setDaemonThere(!owner.isEmpty());
+                         if (!owner.isEmpty())
+                             beginIdle();
                      });
     QObject::connect(&m_proxies->users, &BoardManagerUsers::changingUser, this,
                      [this] { m_known.isChangingProfile = true; });
@@ -164,6 +166,17 @@ void DaemonView::setDaemonThere(bool isThere)
         ask();
 }
 
+/** All links of a daemon that has just started are idle; of one that ran before us any state is
+ * possible. */
+void DaemonView::beginIdle()
+{
+    for (const QString &interface : {ethernetName, wifiName, accessPointName}) {
+        Link &link = m_known.links[interface];
+        link.state = QStringLiteral("idle");
+        link.trail = QStringList{link.state};
+    }
+}
+
 void DaemonView::follow(const QDBusPendingCall &call,
                         const std::function<void(const QDBusPendingCall &)> &take)
 {
@@ -174,8 +187,9 @@ void DaemonView::follow(const QDBusPendingCall &call,
         watcher->deleteLater();
         if (!watcher->isError())
             take(*watcher);
-        // The daemon claims its name just before it exports its objects.
-        else if (watcher->error().type() == QDBusError::UnknownObject)
+        // The daemon claims its name just before it exports its objects, and may hang meanwhile.
+        else if (watcher->error().type() == QDBusError::UnknownObject ||
+                 watcher->error().type() == QDBusError::NoReply)
             m_isToAsk = true;
     });
 }

@@ -26,8 +26,11 @@ public:
     /** Writes the known state to @p instrument. */
     void fill(Instrument &instrument) const;
 
-    /** Returns true if the daemon is there and has answered every query. */
+    /** Returns true if the bus is there and the daemon is away or has answered every query. */
     bool isComplete() const;
+
+    /** Queries the daemon again at the next joinBus(); until then isComplete() returns false. */
+    void askAgain() { m_isToAsk = m_known.isDaemonThere; }
 
     /** Our own unique name on the bus, for example ":1.7"; empty without a bus. */
     QString ownName() const;
@@ -43,6 +46,7 @@ private:
 
     void leaveBus();
     void setDaemonThere(bool isThere);
+    void beginIdle();
     void ask();
     void takeProperty(const QString &interface, const QString &path, const QString &name,
                       const QVariant &value);

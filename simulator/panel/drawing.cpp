@@ -53,6 +53,9 @@ void Drawing::apply(const Look &look)
         const double width = m_widths.value(it.key());
         element.setAttribute(QStringLiteral("x"), m_lefts.value(it.key()) + it->first * width);
         element.setAttribute(QStringLiteral("width"), (it->second - it->first) * width);
+        if (it.key().endsWith(QLatin1String("-level")))
+            placeKnob(it.key().chopped(5) + QStringLiteral("knob"),
+                      m_lefts.value(it.key()) + it->second * width);
     }
     for (auto it = look.texts.constBegin(); it != look.texts.constEnd(); ++it) {
         QDomElement element = m_elements.value(it.key());
@@ -60,6 +63,12 @@ void Drawing::apply(const Look &look)
             element.removeChild(element.firstChild());
         element.appendChild(m_document.createTextNode(it.value()));
     }
+}
+
+void Drawing::placeKnob(const QString &id, double x)
+{
+    QDomElement knob = m_elements.value(id);
+    knob.setAttribute(QStringLiteral("x"), x - m_widths.value(id) / 2);
 }
 
 QRectF Drawing::placeIn(const QSize &size) const

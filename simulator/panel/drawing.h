@@ -43,6 +43,7 @@ public:
 
 private:
     void collect(const QDomElement &element);
+    void placeKnob(const QString &id, double x);
 
     QDomDocument m_document;
     QHash<QString, QDomElement> m_elements;

@@ -24,12 +24,20 @@ QString say(const char *program, const QString &argument)
     return QString::fromLatin1(program) + QLatin1Char(' ') + argument;
 }
 
+QString quoted(const QString &word)
+{
+    static const QRegularExpression plain(QStringLiteral("\\A[A-Za-z0-9_./:=+-]+\\z"));
+    if (word.contains(plain))
+        return word;
+    return QLatin1Char('\'') + QString(word).replace(QLatin1Char('\''), QStringLiteral("'\\''")) +
+           QLatin1Char('\'');
+}
+
 QString airCommand(const AirPoint &point, const char *property, int value)
 {
     const QString air = qEnvironmentVariable("STRANDEL_AIR", QStringLiteral("/run/strandel-air"));
-    return QStringLiteral("echo %1 >%2/%3/%4")
-        .arg(value)
-        .arg(air, point.directory, QLatin1String(property));
+    const QString file = air + QLatin1Char('/') + point.directory + QLatin1Char('/');
+    return QStringLiteral("echo %1 >").arg(value) + quoted(file + QLatin1String(property));
 }
 
 /** Returns the command for "air-N-switch" and "air-N-track". */
@@ -125,13 +133,22 @@ QString commandFor(const QString &element, double place, const Instrument &instr
     return {};
 }
 
+QString shellCommand(const QStringList &words)
+{
+    QStringList parts;
+    for (const QString &word : words)
+        parts << quoted(word);
+    return parts.join(QLatin1Char(' '));
+}
+
 QString asTyped(const QString &command)
 {
     static const QRegularExpression forShell(QStringLiteral("[<>*]"));
+    static const QRegularExpression inQuotes(QStringLiteral("'[^']*'"));
     const QString instrument = qEnvironmentVariable("INSTRUMENT_COMMAND", QStringLiteral("./run"));
-    if (!command.contains(forShell))
+    if (!QString(command).remove(inQuotes).contains(forShell))
         return QStringLiteral("%1 -- %2").arg(instrument, command);
-    return QStringLiteral("%1 -- sh -c '%2'").arg(instrument, command);
+    return QStringLiteral("%1 -- sh -c %2").arg(instrument, quoted(command));
 }
 
 QStringList faultOperations()
@@ -198,5 +215,5 @@ QString healCommand(const QString &operation)
 
 QString healAllCommand()
 {
-    return QStringLiteral("rm %1").arg(faultFile(QStringLiteral("*")));
+    return QStringLiteral("rm -f %1").arg(faultFile(QStringLiteral("*")));
 }

@@ -20,6 +20,9 @@ bool isDragged(const QString &element);
  */
 QString commandFor(const QString &element, double place, const Instrument &instrument);
 
+/** Returns these words as one command for a shell, quoted where necessary. */
+QString shellCommand(const QStringList &words);
+
 /** Returns the same command as typed outside, with the name by which the instrument was started. */
 QString asTyped(const QString &command);
 

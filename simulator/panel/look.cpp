@@ -51,6 +51,11 @@ const struct {
 
 const QString unknown = QStringLiteral("?");
 
+QString cut(const QString &text, int longest)
+{
+    return text.size() > longest ? text.left(longest - 1) + QStringLiteral("\u2026") : text;
+}
+
 QString named(const char *before, const QString &value)
 {
     return QString::fromLatin1(before) + QLatin1Char(' ') + value;
@@ -78,8 +83,10 @@ public:
         paintDaemon();
         paintLinks();
         paintAir();
-        write("command", m_instrument.command.left(96));
-        write("command-result", m_instrument.complaint.left(60));
+        write("command", m_instrument.command.isEmpty()
+                             ? QStringLiteral("press or drag something: here is the command for it")
+                             : cut(m_instrument.command, longestCommand));
+        write("command-result", cut(m_instrument.complaint, 60));
         return m_look;
     }
 
@@ -259,7 +266,7 @@ private:
             if (file.key().startsWith(QLatin1String("faults/")))
                 faults << file.key().mid(7);
         }
-        write("register-text", registers.join(QLatin1Char(' ')).left(32));
+        write("register-text", cut(registers.join(QLatin1Char(' ')), 32));
         show("fault-on", !faults.isEmpty());
         const QString held = QString::fromUtf8(raw(QStringLiteral("held")).trimmed());
         write("fault-text", !held.isEmpty()      ? named("hangs in", held)
@@ -369,8 +376,8 @@ private:
         write("dhcp-text", m_instrument.isDhcpMute == 1 ? QStringLiteral("Unmute DHCP server")
                                                         : QStringLiteral("Mute DHCP server"));
         write("wifi-dhcp-text", m_instrument.isWifiDhcpMute == 1
-                                    ? QStringLiteral("Unmute its DHCP server")
-                                    : QStringLiteral("Mute its DHCP server"));
+                                    ? QStringLiteral("Unmute DHCP server")
+                                    : QStringLiteral("Mute DHCP server"));
     }
 
     void paintAir()
@@ -386,7 +393,7 @@ private:
                 name += QStringLiteral(" (%1)").arg(point.directory);
             if (point.isHidden)
                 name += QStringLiteral(", hidden");
-            write(id + QStringLiteral("-name"), name.left(20));
+            write(id + QStringLiteral("-name"), cut(name, 20));
             write(id + QStringLiteral("-signal"), QStringLiteral("%1 dBm").arg(point.signal));
             reach(id + QStringLiteral("-level"), 0, signalScale.placeOf(point.signal));
             show(id + QStringLiteral("-on"), point.isInRange);

@@ -36,6 +36,9 @@ extern const Scale temperatureScale;
 extern const Scale lightScale;
 extern const Scale signalScale;
 
+/** The longest command that the drawing has room for, in characters. */
+const int longestCommand = 100;
+
 /** The number of access points with a row in the drawing. */
 const int airRows = 6;
 

@@ -1,3 +1,4 @@
+#include "hands.h"
 #include "panelwidget.h"
 #include "trafficlog.h"
 
@@ -29,16 +30,33 @@ QSize sizeOf(const QString &text)
     return isGood ? size : QSize();
 }
 
-/** Waits until the daemon has answered everything, and writes the picture as PNG. */
-int takePicture(PanelWidget &panel, const QString &path, const QSize &size)
+/** Waits until the daemon has answered everything; returns false on a timeout. */
+bool waitUntilComplete(const PanelWidget &panel)
 {
     QElapsedTimer waited;
     waited.start();
-    while (!panel.isComplete()) {
-        if (waited.elapsed() > 20000)
-            return fail(QStringLiteral("the daemon does not answer"));
+    while (!panel.isComplete() && waited.elapsed() < 20000)
         QCoreApplication::processEvents(QEventLoop::WaitForMoreEvents);
+    return panel.isComplete();
+}
+
+/** Runs a command, if there is one, and writes the picture as PNG. */
+int takePicture(PanelWidget &panel, const QStringList &command, const QString &path,
+                const QSize &size)
+{
+    // The panel must be subscribed before the command causes signals.
+    bool isComplete = waitUntilComplete(panel);
+    if (isComplete && !command.isEmpty()) {
+        panel.run(shellCommand(command));
+        while (panel.isBusy())
+            QCoreApplication::processEvents(QEventLoop::WaitForMoreEvents);
+        if (!panel.instrument().complaint.isEmpty())
+            return fail(panel.instrument().complaint);
+        panel.askAgain();
+        isComplete = waitUntilComplete(panel);
     }
+    if (!isComplete)
+        return fail(QStringLiteral("the daemon does not answer"));
     QFile file(path);
     const bool isOpen = path == QLatin1String("-") ? file.open(stdout, QIODevice::WriteOnly)
                                                    : file.open(QIODevice::WriteOnly);
@@ -75,6 +93,9 @@ int main(int argc, char *argv[])
         QStringLiteral("size"), QStringLiteral("Width and height of picture or panel, in pixels."),
         QStringLiteral("WxH"));
     options.addOptions({picture, size});
+    options.addPositionalArgument(QStringLiteral("command"),
+                                  QStringLiteral("What to run before the picture is taken."),
+                                  QStringLiteral("[-- COMMAND...]"));
     options.process(application);
 
     PanelWidget panel(QStringLiteral(":/panel.svg"));
@@ -87,7 +108,7 @@ int main(int argc, char *argv[])
             return fail(QStringLiteral("--size is as in 1280x800"));
     }
     if (options.isSet(picture))
-        return takePicture(panel, options.value(picture), wanted);
+        return takePicture(panel, options.positionalArguments(), options.value(picture), wanted);
 
     TrafficLog log;
     log.setIgnored(panel.daemonView().ownName());

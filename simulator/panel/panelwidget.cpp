@@ -8,12 +8,16 @@
 #include <QPainter>
 #include <QToolTip>
 
+#include <algorithm>
+
 namespace
 {
 /** An LED that blinks three times a second changes every sixth of a second. */
 const int tick = 50;
 /** The bus and the surroundings of the daemon are polled less often than the board. */
 const int slowTicks = 4;
+/** After this time the next command starts: Stop never ends while a debugger holds the daemon. */
+const int handPatience = 2000;
 } // namespace
 
 PanelWidget::PanelWidget(const QString &drawing) : m_drawing(drawing), m_faultMenu(new QMenu(this))
@@ -21,18 +25,13 @@ PanelWidget::PanelWidget(const QString &drawing) : m_drawing(drawing), m_faultMe
     setMouseTracking(true);
     setMinimumSize(480, 300);
     m_clock.start();
-    QObject::connect(
-        &m_hand, static_cast<void (QProcess::*)(int, QProcess::ExitStatus)>(&QProcess::finished),
-        this, [this](int status) {
-            const QByteArray complaint = m_hand.readAllStandardError().trimmed();
-            m_instrument.complaint = QString();
-            if (status != 0)
-                m_instrument.complaint = complaint.isEmpty()
-                                             ? QStringLiteral("ended with status %1").arg(status)
-                                             : QString::fromUtf8(complaint.split('\n').first());
-            look();
-            startNext();
-        });
+    m_patience.setSingleShot(true);
+    m_patience.setInterval(handPatience);
+    QObject::connect(&m_patience, &QTimer::timeout, this, [this] {
+        m_hand = nullptr;
+        m_instrument.complaint = QStringLiteral("still runs");
+        startNext();
+    });
     QObject::connect(&m_daemonView, &DaemonView::busCame, this, &PanelWidget::busCame);
     QObject::connect(&m_timer, &QTimer::timeout, this, &PanelWidget::look);
     m_timer.start(tick);
@@ -41,13 +40,26 @@ PanelWidget::PanelWidget(const QString &drawing) : m_drawing(drawing), m_faultMe
 
 PanelWidget::~PanelWidget()
 {
-    m_hand.disconnect();
-    m_hand.waitForFinished(5000);
+    const QList<QProcess *> hands = findChildren<QProcess *>();
+    for (QProcess *hand : hands) {
+        hand->disconnect();
+        if (hand != m_hand)
+            hand->kill();
+        hand->waitForFinished(handPatience);
+    }
 }
 
 bool PanelWidget::isComplete() const
 {
     return m_daemonView.isComplete() && !m_instrument.board.isEmpty();
+}
+
+bool PanelWidget::isBusy() const
+{
+    const QList<QProcess *> hands = findChildren<QProcess *>();
+    return !m_commands.isEmpty() ||
+           std::any_of(hands.begin(), hands.end(),
+                       [](const QProcess *hand) { return hand->state() != QProcess::NotRunning; });
 }
 
 QSize PanelWidget::sizeHint() const
@@ -74,6 +86,8 @@ void PanelWidget::look()
 
 QImage PanelWidget::picture(const QSize &size)
 {
+    // Poll the surroundings of the daemon now, too.
+    m_ticks = 0;
     look();
     m_drawing.apply(lookOf(m_instrument, 0));
     return m_drawing.render(size);
@@ -130,9 +144,12 @@ void PanelWidget::mousePressEvent(QMouseEvent *event)
         showFaultMenu(event->globalPos());
         return;
     }
-    if (isDragged(element))
+    const QString command = commandFor(element, placeOn(element, event->pos()), m_instrument);
+    if (isDragged(element)) {
         m_dragged = element;
-    run(commandFor(element, placeOn(element, event->pos()), m_instrument));
+        m_dragCommand = command;
+    }
+    run(command);
 }
 
 void PanelWidget::mouseMoveEvent(QMouseEvent *event)
@@ -140,6 +157,9 @@ void PanelWidget::mouseMoveEvent(QMouseEvent *event)
     if (!m_dragged.isEmpty()) {
         const QString command =
             commandFor(m_dragged, placeOn(m_dragged, event->pos()), m_instrument);
+        if (command == m_dragCommand)
+            return;
+        m_dragCommand = command;
         // Only the hand's last position counts.
         if (!m_commands.isEmpty())
             m_commands.removeLast();
@@ -147,10 +167,11 @@ void PanelWidget::mouseMoveEvent(QMouseEvent *event)
         return;
     }
     const QString element = elementAt(event->pos());
-    setCursor(element.isEmpty()    ? Qt::ArrowCursor
+    const QString command = commandFor(element, placeOn(element, event->pos()), m_instrument);
+    const bool isOfUse = !command.isEmpty() || element == QLatin1String("faults");
+    setCursor(!isOfUse             ? Qt::ArrowCursor
               : isDragged(element) ? Qt::SizeHorCursor
                                    : Qt::PointingHandCursor);
-    const QString command = commandFor(element, placeOn(element, event->pos()), m_instrument);
     setToolTip(command.isEmpty() ? QString() : asTyped(command));
 }
 
@@ -169,17 +190,41 @@ void PanelWidget::run(const QString &command)
 
 void PanelWidget::startNext()
 {
-    if (m_commands.isEmpty() || m_hand.state() != QProcess::NotRunning)
+    if (m_commands.isEmpty() || m_hand)
         return;
     const QString command = m_commands.takeFirst();
     const QString typed = asTyped(command);
-    if (typed == m_instrument.command && !m_dragged.isEmpty())
-        return;
     m_instrument.command = typed;
     m_instrument.complaint.clear();
-    m_hand.start(QStringLiteral("sh"), {QStringLiteral("-c"), command});
+    m_hand = new QProcess(this);
+    m_hand->setStandardOutputFile(QProcess::nullDevice());
+    QProcess *hand = m_hand;
+    QObject::connect(
+        hand, static_cast<void (QProcess::*)(int, QProcess::ExitStatus)>(&QProcess::finished), this,
+        [this, hand, typed](int status) { takeEnd(hand, typed, status); });
+    hand->start(QStringLiteral("sh"), {QStringLiteral("-c"), command});
+    m_patience.start();
     look();
     Q_EMIT commandRan(typed);
+}
+
+void PanelWidget::takeEnd(QProcess *hand, const QString &typed, int status)
+{
+    hand->deleteLater();
+    // The line shows the result of the last command only.
+    if (typed == m_instrument.command) {
+        const QByteArray complaint = hand->readAllStandardError().trimmed();
+        m_instrument.complaint = status == 0 ? QString()
+                                 : complaint.isEmpty()
+                                     ? QStringLiteral("ended with status %1").arg(status)
+                                     : QString::fromUtf8(complaint.split('\n').first());
+    }
+    if (hand == m_hand) {
+        m_hand = nullptr;
+        m_patience.stop();
+    }
+    look();
+    startNext();
 }
 
 void PanelWidget::showFaultMenu(const QPoint &place)

@@ -29,6 +29,12 @@ public:
     bool isGood() const { return !m_drawing.size().isEmpty(); }
     /** Returns true if everything that a picture shows is known. */
     bool isComplete() const;
+    /** Queues a command and runs it like a click's. */
+    void run(const QString &command);
+    /** Returns true while a command is queued or runs. */
+    bool isBusy() const;
+    /** Queries the daemon again; until it has answered, isComplete() returns false. */
+    void askAgain() { m_daemonView.askAgain(); }
     /** The current panel; blinking LEDs are lit. */
     QImage picture(const QSize &size);
 
@@ -55,8 +61,8 @@ protected:
 
 private:
     void look();
-    void run(const QString &command);
     void startNext();
+    void takeEnd(QProcess *hand, const QString &typed, int status);
     void showFaultMenu(const QPoint &place);
     QString elementAt(const QPoint &place) const;
     double placeOn(const QString &element, const QPoint &place) const;
@@ -70,9 +76,12 @@ private:
     QTimer m_timer;
     QElapsedTimer m_clock;
     int m_ticks = 0;
-    QProcess m_hand;
+    /** The last command's process; null once it has ended or exceeded the patience. */
+    QProcess *m_hand = nullptr;
+    QTimer m_patience;
     QStringList m_commands;
     QString m_dragged;
+    QString m_dragCommand;
     QMenu *m_faultMenu;
 };
 

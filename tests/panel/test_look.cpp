@@ -10,7 +10,9 @@
 #include <QDir>
 #include <QJsonDocument>
 #include <QMetaEnum>
+#include <QProcess>
 #include <QRegularExpression>
+#include <QTemporaryDir>
 #include <QTest>
 
 /** How the panel interprets files, announcements and clicks; all of them are simulated. */
@@ -21,6 +23,8 @@ class TestLook : public QObject
 private Q_SLOTS:
     void everyLedHasAnElement_data();
     void everyLedHasAnElement();
+    void everyLedBearsItsNameAndColour_data();
+    void everyLedBearsItsNameAndColour();
     void everyFileOfTheBoardIsSeen_data();
     void everyFileOfTheBoardIsSeen();
     void everyHandFindsItsElement();
@@ -31,12 +35,21 @@ private Q_SLOTS:
     void theWatchdogStarves_data();
     void theWatchdogStarves();
     void backlightDimsTheScreen();
+    void theStrengthIsShownInBars_data();
+    void theStrengthIsShownInBars();
+    void aKnobIsWhereTheValueEnds();
+    void whoJoinedANetworkIsSeen();
     void handsRunCommands_data();
     void handsRunCommands();
+    void handsUndoWhatTheyDid();
+    void aProfileThatChangesIsSeen();
+    void accessPointsAreDescribed();
     void whatIsDraggedComesBackAsItWas_data();
     void whatIsDraggedComesBackAsItWas();
     void commandsAreShownAsTheyAreTyped();
+    void commandsOfAnyNameAreRight();
     void everyOperationOfTheLibrariesCanFail();
+    void everyCommandOfTheMenuFitsIntoItsLine();
     void messagesAreLines_data();
     void messagesAreLines();
     void repliesBearTheNameOfTheirCall();
@@ -84,6 +97,44 @@ void TestLook::everyLedHasAnElement()
     QCOMPARE(lookOf(instrument, 0).opacities.value(led, -1), 1.0);
     instrument.board["leds/" + led] = "OFF\n";
     QCOMPARE(lookOf(instrument, 0).opacities.value(led, -1), 0.0);
+}
+
+void TestLook::everyLedBearsItsNameAndColour_data()
+{
+    everyLedHasAnElement_data();
+}
+
+/** Detects swapped ids in the drawing: each LED is above its own name. */
+void TestLook::everyLedBearsItsNameAndColour()
+{
+    QFETCH(QString, led);
+    Drawing drawing{DRAWING};
+    const QRectF place = drawing.bounds(led);
+    QDomDocument document;
+    QVERIFY(document.setContent(readFile(DRAWING)));
+    QStringList below;
+    const QDomNodeList texts = document.elementsByTagName("text");
+    for (int index = 0; index < texts.size(); ++index) {
+        const QDomElement text = texts.at(index).toElement();
+        const double y = text.attribute("y").toDouble();
+        if (qAbs(text.attribute("x").toDouble() - place.center().x()) < 1 && y > place.bottom() &&
+            y < place.bottom() + 20)
+            below << text.text();
+    }
+    QCOMPARE(below, QStringList{QString(led).remove("BAT_").replace('_', ' ')});
+
+    Instrument instrument = newInstrument();
+    instrument.board["leds/" + led] = "ON\n";
+    drawing.apply(lookOf(instrument, 0));
+    const QColor colour = drawing.render({640, 400}).pixelColor((place.center() / 2).toPoint());
+    const bool isRed = colour.red() > colour.green() + 80;
+    const bool isGreen = colour.green() > colour.red() + 20;
+    if (led.contains("_RS"))
+        QVERIFY(isRed && !isGreen);
+    else if (led.contains("_G"))
+        QVERIFY(isGreen && !isRed);
+    else if (led.endsWith("_Y"))
+        QVERIFY(!isRed && !isGreen && colour.blue() < colour.red());
 }
 
 void TestLook::everyFileOfTheBoardIsSeen_data()
@@ -171,6 +222,7 @@ void TestLook::whatMakesNoSenseIsShownAsThat()
     QCOMPARE(look.opacities.value("BT"), 0.35);
     const Look empty = lookOf(Instrument(), 0);
     QCOMPARE(empty.texts.value("daemon-text"), QStringLiteral("the bus is away"));
+    QCOMPARE(empty.texts.value("battery-status"), QStringLiteral("nothing"));
     QCOMPARE(empty.opacities.value("air-1"), 0.0);
 }
 
@@ -208,6 +260,55 @@ void TestLook::backlightDimsTheScreen()
     QVERIFY(shade("50", "1") > 0.2);
     QVERIFY(shade("0", "1") > shade("50", "1"));
     QVERIFY(shade("100", "0") > shade("0", "1"));
+}
+
+void TestLook::theStrengthIsShownInBars_data()
+{
+    QTest::addColumn<int>("strength");
+    QTest::addColumn<int>("bars");
+    QTest::addColumn<QString>("text");
+    QTest::newRow("none") << -1 << 0 << "";
+    QTest::newRow("nothing") << 0 << 0 << "0 %";
+    QTest::newRow("weak") << 5 << 1 << "5 %";
+    QTest::newRow("half") << 54 << 2 << "54 %";
+    QTest::newRow("good") << 72 << 3 << "72 %";
+    QTest::newRow("full") << 100 << 4 << "100 %";
+}
+
+void TestLook::theStrengthIsShownInBars()
+{
+    QFETCH(int, strength);
+    Instrument instrument = newInstrument();
+    instrument.strength = strength;
+    const Look look = lookOf(instrument, 0);
+    int bars = 0;
+    for (int bar = 1; bar <= 4; ++bar)
+        bars += look.opacities.value(QStringLiteral("strength-%1").arg(bar)) > 0;
+    QTEST(bars, "bars");
+    QTEST(look.texts.value("strength-text"), "text");
+}
+
+void TestLook::aKnobIsWhereTheValueEnds()
+{
+    Drawing drawing{DRAWING};
+    const QPoint middle = drawing.bounds("light-track").center().toPoint();
+    Look look;
+    look.spans["light-level"] = {0, 0.5};
+    drawing.apply(look);
+    const auto colour = [&] { return drawing.render({1280, 800}).pixelColor(middle); };
+    QCOMPARE(colour(), QColor(Qt::white));
+    look.spans["light-level"] = {0, 0.6};
+    drawing.apply(look);
+    QVERIFY(colour() != QColor(Qt::white));
+}
+
+void TestLook::whoJoinedANetworkIsSeen()
+{
+    Instrument instrument = newInstrument();
+    instrument.joinedService = "/net/connman/service/wifi_02_4e616d652031_managed_psk";
+    const Look look = lookOf(instrument, 0);
+    QCOMPARE(look.opacities.value("air-1-joined"), 0.0);
+    QCOMPARE(look.opacities.value("air-2-joined"), 1.0);
 }
 
 void TestLook::handsRunCommands_data()
@@ -258,6 +359,54 @@ void TestLook::handsRunCommands()
     QTEST(commandFor(element, place, instrument), "command");
 }
 
+void TestLook::handsUndoWhatTheyDid()
+{
+    Instrument instrument = newInstrument();
+    for (bool isIn : {true, false}) {
+        instrument.isCableIn = isIn ? 1 : 0;
+        instrument.isDhcpMute = instrument.isWifiDhcpMute = isIn ? 0 : 1;
+        instrument.air[0].isInRange = isIn;
+        const Look look = lookOf(instrument, 0);
+        QCOMPARE(look.opacities.value("cable-in") > 0, isIn);
+        QCOMPARE(look.opacities.value("cable-out") > 0, !isIn);
+        QCOMPARE(look.opacities.value("air-1-on") > 0, isIn);
+        QCOMPARE(look.opacities.value("air-1-off") > 0, !isIn);
+        QCOMPARE(look.texts.value("cable-text").startsWith("Pull"), isIn);
+        QCOMPARE(look.texts.value("dhcp-text").startsWith("Mute"), isIn);
+        QCOMPARE(look.texts.value("wifi-dhcp-text").startsWith("Mute"), isIn);
+        const auto command = [&](const char *element) {
+            return commandFor(element, 0, instrument);
+        };
+        QVERIFY(command("cable").endsWith(isIn ? "ethernet unplug" : "ethernet plug"));
+        QVERIFY(command("dhcp").endsWith(isIn ? "ethernet mute" : "ethernet unmute"));
+        QVERIFY(command("wifi-dhcp").endsWith(isIn ? "wifi mute" : "wifi unmute"));
+        QVERIFY(command("air-1-switch").startsWith(isIn ? "echo 0 " : "echo 1 "));
+    }
+}
+
+void TestLook::aProfileThatChangesIsSeen()
+{
+    Instrument instrument = newInstrument();
+    QCOMPARE(lookOf(instrument, 0).texts.value("daemon-profile"), QStringLiteral("profile user1"));
+    instrument.isChangingProfile = true;
+    QCOMPARE(lookOf(instrument, 0).texts.value("daemon-profile"),
+             QStringLiteral("profile user1 \u2192 \u2026"));
+}
+
+void TestLook::accessPointsAreDescribed()
+{
+    Instrument instrument = newInstrument();
+    instrument.air[0].directory = "name 0";
+    instrument.air[1].isHidden = true;
+    instrument.air[1].ssid = "Vault";
+    instrument.air[1].signal = -65;
+    const Look look = lookOf(instrument, 0);
+    QCOMPARE(look.texts.value("air-1-name"), QStringLiteral("Name 0"));
+    QCOMPARE(look.texts.value("air-2-name"), QStringLiteral("Vault (point1), hid\u2026"));
+    QCOMPARE(look.texts.value("air-2-signal"), QStringLiteral("-65 dBm"));
+    QCOMPARE(look.spans.value("air-2-level").second, 0.5);
+}
+
 void TestLook::whatIsDraggedComesBackAsItWas_data()
 {
     QTest::addColumn<Scale>("scale");
@@ -281,12 +430,30 @@ void TestLook::commandsAreShownAsTheyAreTyped()
     QCOMPARE(asTyped("storage insert SD"), QStringLiteral("./run -- storage insert SD"));
     QCOMPARE(asTyped("echo 1 >file"), QStringLiteral("./run -- sh -c 'echo 1 >file'"));
     QCOMPARE(asTyped(healAllCommand()),
-             QStringLiteral("./run -- sh -c 'rm /run/strandel-board/faults/*'"));
+             QStringLiteral("./run -- sh -c 'rm -f /run/strandel-board/faults/*'"));
     qputenv("INSTRUMENT_COMMAND", "kyboard-instrument");
     QCOMPARE(asTyped("storage insert SD"),
              QStringLiteral("kyboard-instrument -- storage insert SD"));
     QCOMPARE(asTyped("echo 1 >file"), QStringLiteral("kyboard-instrument -- sh -c 'echo 1 >file'"));
     qunsetenv("INSTRUMENT_COMMAND");
+    QCOMPARE(asTyped(shellCommand({"sh", "-c", "echo 1 >x"})),
+             QStringLiteral("./run -- sh -c 'echo 1 >x'"));
+}
+
+void TestLook::commandsOfAnyNameAreRight()
+{
+    Instrument instrument = newInstrument();
+    instrument.air[0].directory = "my cafe's";
+    QTemporaryDir directory;
+    QVERIFY(QDir(directory.path()).mkpath("my cafe's"));
+    QString command = commandFor("air-1-switch", 0, instrument);
+    QVERIFY(command.contains("/run/strandel-air/my cafe"));
+    command.replace("/run/strandel-air", directory.path());
+    // Two shells parse it: the user's and the one in the world.
+    const QString typed = asTyped(command).remove("./run -- ");
+    QVERIFY(typed.startsWith("sh -c "));
+    QCOMPARE(QProcess::execute("sh", {"-c", typed}), 0);
+    QCOMPARE(readFile(directory.path() + "/my cafe's/in_range"), QByteArray("0\n"));
 }
 
 void TestLook::everyOperationOfTheLibrariesCanFail()
@@ -302,6 +469,20 @@ void TestLook::everyOperationOfTheLibrariesCanFail()
     operations.removeDuplicates();
     QVERIFY(operations.size() > 30);
     QCOMPARE(faultOperations(), operations);
+}
+
+void TestLook::everyCommandOfTheMenuFitsIntoItsLine()
+{
+    for (const QString &operation : faultOperations()) {
+        for (const FaultChoice &choice : faultChoices) {
+            Instrument instrument;
+            instrument.command = asTyped(faultCommand(operation, choice.words));
+            QCOMPARE(lookOf(instrument, 0).texts.value("command"), instrument.command);
+        }
+    }
+    Instrument instrument;
+    instrument.command = QString(200, 'x');
+    QVERIFY(lookOf(instrument, 0).texts.value("command").endsWith(QChar(0x2026)));
 }
 
 void TestLook::messagesAreLines_data()

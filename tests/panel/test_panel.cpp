@@ -1,5 +1,7 @@
 #include "board.h"
+#include "connmanstandin.h"
 #include "daemontest.h"
+#include "ethernettest.h"
 #include "hands.h"
 #include "look.h"
 #include "panelwidget.h"
@@ -30,6 +32,8 @@ private Q_SLOTS:
     void theChargerAndTheBatteryReachTheDaemon();
     void lightAndTemperatureReachTheDaemon();
     void onlyTheEndOfADragCounts();
+    void aValueIsSetAgain();
+    void aHandThatHangsHoldsNoOtherBack();
     void theProfileIsTheDaemons();
     void statesAreShownAsTheyPass();
     void accessPointsAreMoved();
@@ -197,6 +201,32 @@ void TestPanel::onlyTheEndOfADragCounts()
     QCOMPARE(Board::get("battery/charge"), QStringLiteral("20"));
 }
 
+void TestPanel::aValueIsSetAgain()
+{
+    click("battery-track", 0.2);
+    QVERIFY(shows("battery-charge", "20 %"));
+    // A script changes the value meanwhile.
+    Board::set("battery/charge", "70");
+    QVERIFY(shows("battery-charge", "70 %"));
+    click("battery-track", 0.2);
+    QVERIFY(shows("battery-charge", "20 %"));
+}
+
+void TestPanel::aHandThatHangsHoldsNoOtherBack()
+{
+    // Like in a debugger: SIGTERM stays pending.
+    writeFile("/run/KyBoardManager.pid", QByteArray::number(daemon.processId()));
+    QCOMPARE(::kill(pid_t(daemon.processId()), SIGSTOP), 0);
+    click("daemon-stop");
+    QVERIFY(shows("command-result", "still runs"));
+    click("charger");
+    QVERIFY(shows("charger-text", "Pull the charger"));
+    click("daemon-kill");
+    QVERIFY(shows("daemon-text", "away"));
+    QVERIFY(shows("command-result", ""));
+    removePath("/run/KyBoardManager.pid");
+}
+
 void TestPanel::theProfileIsTheDaemons()
 {
     QVERIFY(shows("daemon-profile", "profile user1"));
@@ -207,11 +237,30 @@ void TestPanel::theProfileIsTheDaemons()
 void TestPanel::statesAreShownAsTheyPass()
 {
     QCOMPARE(text("Ethernet-state"), QStringLiteral("not known"));
-    // Without ConnMan a connection fails at its first step.
-    Remote("/KyComMgr", "Ethernet").call("connect");
-    QTRY_VERIFY_WITH_TIMEOUT(!panel->instrument().links.value("Ethernet").trail.isEmpty(), 20000);
-    QCOMPARE(text("Ethernet-state"), panel->instrument().links.value("Ethernet").trail.last());
+    registerListedObjects();
+    ModeScript script;
+    script.install();
+    ConnmanStandIn connman;
+    connman.start();
+    connman.setServices({wired()});
+    const Remote ethernet("/KyComMgr", "Ethernet");
+    connectEthernet(ethernet, connman, "online");
+    QVERIFY(shows("Ethernet-trail", "association \u2192 ready \u2192 online"));
+    QVERIFY(shows("Ethernet-state", "online"));
+    QVERIFY(shows("Ethernet-address", "10.77.0.50"));
+    QCOMPARE(text("screen-network"), QStringLiteral("Ethernet"));
     QCOMPARE(text("WIFI-state"), QStringLiteral("not known"));
+
+    // A panel that starts later knows the address, but no earlier states.
+    panel = std::make_unique<PanelWidget>(DRAWING);
+    QVERIFY(shows("Ethernet-address", "10.77.0.50"));
+    QCOMPARE(text("Ethernet-state"), QStringLiteral("online"));
+    QCOMPARE(text("Ethernet-trail"), QString());
+
+    QCOMPARE(ethernet.call("disconnect"), QStringLiteral("()"));
+    QVERIFY(shows("Ethernet-trail", "disconnect \u2192 idle"));
+    QVERIFY(shows("Ethernet-address", "no address"));
+    QCOMPARE(text("screen-network"), QString());
 }
 
 void TestPanel::accessPointsAreMoved()
@@ -276,10 +325,14 @@ void TestPanel::theDaemonGoesAndComes()
     QCOMPARE(text("battery-status"), QStringLiteral("nothing"));
     Board::set("temperature/SOM", "77");
     QVERIFY(shows("temperature-SOM-text", "77 \u00b0C"));
+    // The panel sees the daemon start: all links are idle.
+    QCOMPARE(text("WIFI-state"), QStringLiteral("not known"));
     QVERIFY(daemon.start());
     QVERIFY(shows("daemon-text", "on the bus"));
     QVERIFY(shows("daemon-profile", "profile user1"));
     QVERIFY(shows("battery-status", "CHARGER_OFF_BAT_INF_80"));
+    for (const char *link : {"Ethernet-state", "WIFI-state", "WIFIAP-state"})
+        QCOMPARE(text(link), QStringLiteral("idle"));
 }
 
 void TestPanel::theBusGoesAndComes()
@@ -303,6 +356,7 @@ void TestPanel::theBusGoesAndComes()
     QVERIFY(shows("daemon-text", "away"));
     startDaemon();
     QVERIFY(shows("daemon-text", "on the bus"));
+    const TrafficLog log;
 
     bus.kill();
     QVERIFY(shows("daemon-text", "the bus is away"));
@@ -316,6 +370,12 @@ void TestPanel::theBusGoesAndComes()
     startDaemon();
     QVERIFY(shows("daemon-text", "on the bus"));
     QVERIFY(shows("daemon-profile", "profile user1"));
+    // The log monitors the new bus.
+    const auto isLogged = [&] {
+        panel->askAgain();
+        return QTest::qWaitFor([&] { return log.text().contains("getUser"); }, 500);
+    };
+    QVERIFY(QTest::qWaitFor(isLogged, 20000));
     panel.reset();
     other.kill();
     other.waitForFinished();
@@ -328,14 +388,21 @@ void TestPanel::theBoardGoesAndComes()
     Board::set("leds/BT", "ON");
     QTRY_VERIFY_WITH_TIMEOUT(colourOf("BT").blue() > 200, 20000);
     daemon.stop();
-    emptyDirectory(Board::pathOf(QString()));
+    const QString board = QFileInfo(Board::pathOf("held")).path();
+    QVERIFY(QDir().rename(board, board + ".moved"));
     QVERIFY(shows("battery-charge", "?"));
     QVERIFY(shows("light-text", "?"));
     QTRY_VERIFY_WITH_TIMEOUT(colourOf("BT").blue() < 200, 20000);
-    QVERIFY(!QFile::exists(Board::pathOf("leds/BT")));
-    Board::reset();
+    QVERIFY(!QFile::exists(board));
+    // A click creates its own file only.
+    click("light-track", 0.75);
+    QVERIFY(shows("light-text", "5600 lux"));
+    QCOMPARE(text("battery-charge"), QStringLiteral("?"));
+    removePath(board);
+    QVERIFY(QDir().rename(board + ".moved", board));
     QVERIFY(shows("battery-charge", "80 %"));
     QVERIFY(shows("light-text", "120 lux"));
+    QTRY_VERIFY_WITH_TIMEOUT(colourOf("BT").blue() > 200, 20000);
 }
 
 void TestPanel::theLogTellsWhatGoesOverTheBus()

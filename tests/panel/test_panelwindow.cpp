@@ -1,8 +1,10 @@
 #include "drawing.h"
+#include "files.h"
 #include "virtualscreen.h"
 
 #include <QApplication>
 #include <QProcess>
+#include <QTemporaryDir>
 #include <QTest>
 
 /** The panel as a program, in the instrument that ./run starts. */
@@ -19,10 +21,20 @@ private Q_SLOTS:
     void thePicturesOfTheDocumentsAreWhatIsSeen();
 
 private:
+    static QStringList command(const QStringList &words);
     static QStringList arguments(const QString &script);
     static QByteArray output(const QString &script);
     static int largestDifference(const QImage &one, const QImage &other);
+    static QRect placeOfText(const QString &element);
+    static bool reads(const QImage &picture, const QString &element, const QString &text);
+    static void theStatesOfARealConnectAreRead(const QImage &picture);
 };
+
+/** Arguments of RUN, which starts the instrument like ./run. */
+QStringList TestPanelWindow::command(const QStringList &words)
+{
+    return QString::fromLocal8Bit(qgetenv("WORLD_OPTIONS")).split(' ') + words;
+}
 
 QStringList TestPanelWindow::arguments(const QString &script)
 {
@@ -45,16 +57,13 @@ void TestPanelWindow::clicksInAWindowReachTheInstrument()
     VirtualScreen screen;
     QVERIFY(screen.start());
     qputenv("DISPLAY", screen.name().toLatin1());
-    QProcess world;
-    // The board's files show the effects of the clicks.
-    world.start(
-        TREE "/simulator/world",
-        arguments("env -u QT_QPA_PLATFORM panel --size 1280x800 & "
-                  "until [ \"$(cat /run/strandel-board/storage/SD/inserted)\" = 1 ]; "
-                  "do sleep 0.02; done; echo inserted; "
-                  "while pidof KyBoardManager >/dev/null; do sleep 0.02; done; echo killed; "
-                  "until pidof KyBoardManager >/dev/null; do sleep 0.02; done; echo started; "
-                  "kill $!"));
+    QTemporaryDir directory;
+    const QString handle = directory.path() + "/handle";
+    const QByteArray platform = qgetenv("QT_QPA_PLATFORM");
+    qunsetenv("QT_QPA_PLATFORM");
+    QProcess panel;
+    panel.start(RUN, command({"--handle", handle, "--panel", "--size", "1280x800"}));
+    qputenv("QT_QPA_PLATFORM", platform);
     QProcess search;
     search.start("xdotool", {"search", "--sync", "--onlyvisible", "--name", "Strandel"});
     QVERIFY(search.waitForFinished(30000));
@@ -68,6 +77,14 @@ void TestPanelWindow::clicksInAWindowReachTheInstrument()
                                  {"mousemove", "--window", window, QString::number(place.x()),
                                   QString::number(place.y()), "click", "1"}) == 0;
     };
+    // Join the panel's instrument; the board's files show the effects of the clicks.
+    QProcess world;
+    world.start(RUN, command({"--handle", handle, "--", "sh", "-c",
+                              "until [ \"$(cat /run/strandel-board/storage/SD/inserted)\" = 1 ]; "
+                              "do sleep 0.02; done; echo inserted; "
+                              "while pidof KyBoardManager >/dev/null; do sleep 0.02; done; "
+                              "echo killed; until pidof KyBoardManager >/dev/null; "
+                              "do sleep 0.02; done; echo started"}));
     QVERIFY(click("SD-hand"));
     QTRY_VERIFY_WITH_TIMEOUT(world.canReadLine(), 20000);
     QCOMPARE(world.readLine(), QByteArray("inserted\n"));
@@ -79,6 +96,8 @@ void TestPanelWindow::clicksInAWindowReachTheInstrument()
     QCOMPARE(world.readLine(), QByteArray("started\n"));
     QVERIFY(world.state() == QProcess::NotRunning || world.waitForFinished(20000));
     qunsetenv("DISPLAY");
+    panel.terminate();
+    QVERIFY(panel.waitForFinished(20000));
 }
 
 void TestPanelWindow::aViewerReachesItOverTheNetwork()
@@ -93,18 +112,31 @@ void TestPanelWindow::aViewerReachesItOverTheNetwork()
 
 void TestPanelWindow::picturesNeedNoDisplay()
 {
-    const QByteArray picture =
-        output("env -u QT_QPA_PLATFORM panel --picture - --size 640x400 2>/dev/null");
-    const QImage image = QImage::fromData(picture, "PNG");
+    QTemporaryDir directory;
+    QProcess run;
+    run.setWorkingDirectory(directory.path());
+    run.start(RUN,
+              command({"--handle", directory.path() + "/handle", "--picture", "panel.png", "--size",
+                       "640x400", "--", "sh", "-c", "daemon kill; ethernet unplug; wifi mute"}));
+    QVERIFY(run.waitForFinished(60000));
+    QCOMPARE(run.exitCode(), 0);
+    const QImage image(directory.path() + "/panel.png", "PNG");
     QCOMPARE(image.size(), QSize(640, 400));
+    // The daemon is away; its surroundings are still shown.
+    QVERIFY(reads(image, "daemon-text", "away"));
+    QVERIFY(reads(image, "cable-text", "Plug the cable in"));
+    QVERIFY(reads(image, "dhcp-text", "Mute DHCP server"));
+    QVERIFY(reads(image, "wifi-dhcp-text", "Unmute DHCP server"));
 }
 
 void TestPanelWindow::whatMakesNoSenseIsRefused()
 {
     QCOMPARE(output("panel --picture - --size 10x10 2>&1; echo $?; "
+                    "panel --picture - -- sh -c 'echo no >&2; exit 3' 2>&1; echo $?; "
                     "panel --picture /none/file 2>&1; echo $?; "
                     "env -u QT_QPA_PLATFORM -u DISPLAY panel 2>&1 | head -c 26;"),
              QByteArray("panel: --size is as in 1280x800\n1\n"
+                        "panel: no\n1\n"
                         "panel: cannot write /none/file\n1\n"
                         "panel: there is no display"));
 }
@@ -128,6 +160,52 @@ int TestPanelWindow::largestDifference(const QImage &one, const QImage &other)
     return largest;
 }
 
+/** The place of a text in the drawing, at least the part that tells it from others. */
+QRect TestPanelWindow::placeOfText(const QString &element)
+{
+    QDomDocument document;
+    document.setContent(readFile(DRAWING));
+    const QDomNodeList texts = document.elementsByTagName("text");
+    for (int index = 0; index < texts.size(); ++index) {
+        const QDomElement text = texts.at(index).toElement();
+        if (text.attribute("id") != element)
+            continue;
+        const QString anchor = text.attribute("text-anchor");
+        const bool isAtEnd = anchor == "end";
+        const int size = text.attribute("font-size").toInt();
+        const int width = isAtEnd ? 50 : anchor == "middle" ? 140 : 220;
+        const int x = int(text.attribute("x").toDouble()) - (isAtEnd              ? width
+                                                             : anchor == "middle" ? width / 2
+                                                                                  : 0);
+        return {x, text.attribute("y").toInt() - size, width, size * 5 / 4};
+    }
+    return {};
+}
+
+/** Returns true if the element has this text: its pixels equal those of the text drawn again. */
+bool TestPanelWindow::reads(const QImage &picture, const QString &element, const QString &text)
+{
+    Drawing drawing{DRAWING};
+    Look look;
+    look.texts[element] = text;
+    drawing.apply(look);
+    const double scale = picture.width() / drawing.size().width();
+    const QRect place = QTransform::fromScale(scale, scale).mapRect(placeOfText(element));
+    return !place.isEmpty() && drawing.render(picture.size()).copy(place) ==
+                                   picture.convertToFormat(QImage::Format_RGB32).copy(place);
+}
+
+void TestPanelWindow::theStatesOfARealConnectAreRead(const QImage &picture)
+{
+    QVERIFY(reads(picture, "WIFI-state", "online"));
+    QVERIFY(reads(picture, "WIFI-trail", "association \u2192 configuration \u2192 online"));
+    QVERIFY(!reads(picture, "WIFI-trail", "association \u2192 online"));
+    QVERIFY(reads(picture, "strength-text", "72 %"));
+    // Connected before the panel started.
+    QVERIFY(reads(picture, "Ethernet-state", "online"));
+    QVERIFY(reads(picture, "Ethernet-trail", ""));
+}
+
 void TestPanelWindow::thePicturesOfTheDocumentsAreWhatIsSeen_data()
 {
     QTest::addColumn<QString>("picture");
@@ -147,6 +225,8 @@ void TestPanelWindow::thePicturesOfTheDocumentsAreWhatIsSeen()
     const int difference = largestDifference(drawn, shown);
     if (difference > 24)
         drawn.save(QDir::current().filePath(picture + ".png"));
+    if (picture == "panel")
+        theStatesOfARealConnectAreRead(drawn);
     QVERIFY2(difference <= 24, qPrintable(QStringLiteral("%1; ./run -- tools/picture %2 >%3 if the "
                                                          "panel is to look so")
                                               .arg(difference)
