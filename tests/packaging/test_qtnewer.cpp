@@ -1,5 +1,6 @@
 #include <QFile>
 #include <QProcess>
+#include <QRegularExpression>
 #include <QTemporaryDir>
 #include <QTest>
 
@@ -21,6 +22,8 @@ private slots:
     void commentsAndLongerNamesAreNotFound();
     void functionsOfTheLibrariesAreFoundInAProgram();
     void aProgramWithoutQtIsNoProof();
+    void theyLinkNoOtherLibraries_data();
+    void theyLinkNoOtherLibraries();
 };
 
 TestQtNewer::Finding TestQtNewer::check(const QStringList &arguments)
@@ -112,6 +115,35 @@ void TestQtNewer::aProgramWithoutQtIsNoProof()
     const Finding finding = check({directory.path(), "--", "/bin/true"});
     QCOMPARE(finding.lines, QStringList("/bin/true calls nothing of Qt: it cannot be checked"));
     QCOMPARE(finding.status, 1);
+}
+
+void TestQtNewer::theyLinkNoOtherLibraries_data()
+{
+    QTest::addColumn<QString>("program");
+    QTest::addColumn<QString>("libraries");
+    // Besides the compiler's own, and those of its checks.
+    const QString common = "c|m|gcc_s|stdc\\+\\+|[at]san|ubsan|gcov|Qt5(Core|DBus|Network)";
+    QTest::newRow("daemon") << DAEMON << common + "|Ky(Board|Fileaccess|SoC)";
+    QTest::newRow("client") << CLIENT << common;
+}
+
+/** What they link their package depends on. */
+void TestQtNewer::theyLinkNoOtherLibraries()
+{
+    QFETCH(QString, program);
+    QFETCH(QString, libraries);
+    QProcess process;
+    process.start("readelf", {"--dynamic", program});
+    QVERIFY(process.waitForFinished());
+    QStringList needed;
+    for (const QString &line : QString::fromUtf8(process.readAllStandardOutput()).split('\n')) {
+        if (line.contains("(NEEDED)"))
+            needed << line.section('[', 1).section(']', 0, 0);
+    }
+    QVERIFY(needed.contains("libQt5DBus.so.5"));
+    const QRegularExpression known("^(lib(" + libraries + ")|ld-linux.*)\\.so\\.");
+    for (const QString &library : qAsConst(needed))
+        QVERIFY2(library.contains(known), qPrintable(library));
 }
 
 QTEST_APPLESS_MAIN(TestQtNewer)

@@ -1,0 +1,182 @@
+#include "files.h"
+
+#include <QDir>
+#include <QProcess>
+#include <QTemporaryDir>
+#include <QTest>
+
+/** tools/prepare and tools/package, among programs that only tell how they are called. */
+class TestPreparation : public QObject
+{
+    Q_OBJECT
+
+private Q_SLOTS:
+    void init();
+    void packagesAreNamedBeforeTheyAreInstalled_data();
+    void packagesAreNamedBeforeTheyAreInstalled();
+    void nothingIsInstalledWhereNothingIsMissing();
+    void aFailedInstallationBuildsNothing();
+    void aSecondTerminalWaits();
+    void buildDependenciesAreInstalled();
+    void buildDependenciesThatAreThereAreLeft();
+    void packagesTakeThePlaceOfTheOldOnes();
+    void aFailedBuildLeavesTheOldPackages();
+
+private:
+    void stub(const QString &name, const QByteArray &script) const;
+    /** Status and output of a tool, whatever it says where. */
+    QPair<int, QStringList> run(const QString &tool, const QStringList &arguments) const;
+    QStringList entries(const QString &directory) const;
+
+    QScopedPointer<QTemporaryDir> m_directory;
+    QString m_tree;
+};
+
+void TestPreparation::init()
+{
+    m_directory.reset(new QTemporaryDir);
+    m_tree = m_directory->path() + "/tree";
+    QVERIFY(QDir().mkpath(m_tree + "/tools"));
+    QVERIFY(QDir().mkpath(m_directory->path() + "/bin"));
+    for (const char *name : {"debian", "tools/package", "tools/prepare"})
+        QCOMPARE(QProcess::execute("cp", {"-a", QString(SOURCES "/") + name,
+                                          m_tree + '/' + QString(name).section('/', 0, -2)}),
+                 0);
+    for (const char *name : {"apt-cache", "cmake", "ninja", "dpkg-checkbuilddeps"})
+        stub(name, "exit 0");
+    stub("apt-get", "echo apt-get $DEBIAN_FRONTEND \"$@\"");
+    stub("sudo", "exec \"$@\"");
+    // No package is installed.
+    stub("dpkg-query", "exit 1");
+    stub("dpkg-buildpackage", "ls; touch ../new.deb");
+    writeFile(m_tree + "/tools/peers", "#!/bin/sh\n");
+    QFile(m_tree + "/tools/peers").setPermissions(QFile::ReadOwner | QFile::ExeOwner);
+}
+
+void TestPreparation::stub(const QString &name, const QByteArray &script) const
+{
+    const QString path = m_directory->path() + "/bin/" + name;
+    writeFile(path, "#!/bin/sh\n" + script + '\n');
+    QFile(path).setPermissions(QFile::ReadOwner | QFile::ExeOwner);
+}
+
+QPair<int, QStringList> TestPreparation::run(const QString &tool,
+                                             const QStringList &arguments) const
+{
+    QProcess process;
+    process.setProcessChannelMode(QProcess::MergedChannels);
+    QProcessEnvironment environment;
+    environment.insert("PATH", m_directory->path() + "/bin:/usr/bin:/bin");
+    environment.insert("HOME", m_directory->path());
+    process.setProcessEnvironment(environment);
+    process.start(m_tree + "/tools/" + tool, arguments);
+    if (!process.waitForFinished(100000))
+        return {-1, {}};
+    return {process.exitCode(),
+            QString::fromUtf8(process.readAll()).split('\n', Qt::SkipEmptyParts)};
+}
+
+QStringList TestPreparation::entries(const QString &directory) const
+{
+    return QDir(m_tree + '/' + directory).entryList(QDir::AllEntries | QDir::NoDotAndDotDot);
+}
+
+void TestPreparation::packagesAreNamedBeforeTheyAreInstalled_data()
+{
+    QTest::addColumn<QString>("task");
+    for (const char *task : {"run", "panel", "test", "checks", "long", "bench"})
+        QTest::newRow(task) << task;
+}
+
+void TestPreparation::packagesAreNamedBeforeTheyAreInstalled()
+{
+    QFETCH(QString, task);
+    const auto [status, lines] = run("prepare", {task});
+    QCOMPARE(status, 0);
+    QCOMPARE(lines.size(), 4);
+    QVERIFY(lines.at(0).startsWith("This machine lacks packages"));
+    QVERIFY(lines.at(0).contains("README.md"));
+    QVERIFY(lines.at(1).startsWith("apt-get installs: g++ cmake "));
+    QCOMPARE(lines.at(2), QString("apt-get update"));
+    // Without a question, which would stop a script.
+    QCOMPARE(lines.at(3), "apt-get noninteractive install --yes --no-install-recommends " +
+                              lines.at(1).section(": ", 1));
+}
+
+void TestPreparation::nothingIsInstalledWhereNothingIsMissing()
+{
+    stub("dpkg-query", "for package; do echo \"$package installed\"; done");
+    const auto [status, lines] = run("prepare", {"checks"});
+    QCOMPARE(status, 0);
+    QCOMPARE(lines, QStringList());
+}
+
+void TestPreparation::aFailedInstallationBuildsNothing()
+{
+    stub("apt-get", "exit 100");
+    stub("ninja", "echo built");
+    const auto [status, lines] = run("prepare", {"run"});
+    QCOMPARE(status, 100);
+    QVERIFY(!lines.contains("built"));
+}
+
+/** Two builds at a time would write the same files. */
+void TestPreparation::aSecondTerminalWaits()
+{
+    stub("dpkg-query", "for package; do echo \"$package installed\"; done");
+    stub("ninja", "mkdir building || echo two at a time; sleep 0.5; rmdir building");
+    QProcess both;
+    QProcessEnvironment environment;
+    environment.insert("PATH", m_directory->path() + "/bin:/usr/bin:/bin");
+    both.setProcessEnvironment(environment);
+    both.setProcessChannelMode(QProcess::MergedChannels);
+    both.setWorkingDirectory(m_tree);
+    both.start("sh", {"-c", "tools/prepare run & tools/prepare run; wait"});
+    QVERIFY(both.waitForFinished(100000));
+    QCOMPARE(both.readAll(), QByteArray());
+}
+
+void TestPreparation::buildDependenciesAreInstalled()
+{
+    stub("dpkg-checkbuilddeps", "exit 1");
+    const auto [status, lines] = run("package", {});
+    QCOMPARE(status, 0);
+    QCOMPARE(
+        lines.filter("apt-get"),
+        QStringList({"apt-get noninteractive update",
+                     "apt-get noninteractive install --yes --no-install-recommends dpkg-dev",
+                     "apt-get noninteractive build-dep --yes --no-install-recommends " + m_tree}));
+}
+
+void TestPreparation::buildDependenciesThatAreThereAreLeft()
+{
+    const auto [status, lines] = run("package", {});
+    QCOMPARE(status, 0);
+    QCOMPARE(lines.filter("apt-get"), QStringList());
+}
+
+/** In a tree without git, as an archive has it. */
+void TestPreparation::packagesTakeThePlaceOfTheOldOnes()
+{
+    QVERIFY(QDir().mkpath(m_tree + "/build/package"));
+    writeFile(m_tree + "/build/package/old.deb", "");
+    const auto [status, lines] = run("package", {});
+    QCOMPARE(status, 0);
+    // What is built is no part of the source.
+    QCOMPARE(lines, QStringList({"debian", "tools"}));
+    QCOMPARE(entries("build/package"), QStringList{"new.deb"});
+    QCOMPARE(entries("build"), QStringList{"package"});
+}
+
+void TestPreparation::aFailedBuildLeavesTheOldPackages()
+{
+    stub("dpkg-buildpackage", "touch ../new.deb; exit 2");
+    QVERIFY(QDir().mkpath(m_tree + "/build/package"));
+    writeFile(m_tree + "/build/package/old.deb", "");
+    QCOMPARE(run("package", {}).first, 2);
+    QCOMPARE(entries("build/package"), QStringList{"old.deb"});
+    QCOMPARE(entries("build"), QStringList{"package"});
+}
+
+QTEST_GUILESS_MAIN(TestPreparation)
+#include "test_preparation.moc"
