@@ -1,4 +1,4 @@
-"""Runs the snippets of docs/flows.md unchanged, one after another; compiles those in C++."""
+"""Runs the snippets of docs/flows.md unchanged, one after another."""
 
 import os
 import pathlib
@@ -34,16 +34,24 @@ def test_in_a_shell(instrument):
     assert done.stdout.endswith('"CRC" b true\n')
 
 
-def test_in_cpp(tmp_path):
+def test_in_cpp(instrument, tmp_path):
     headers = pathlib.Path(os.environ["CLIENT_HEADERS"])
     common, *flows = blocks("cpp")
     includes = [f"#include <{header.name}>" for header in sorted(headers.glob("boardmanager*.h"))]
-    functions = [f"void flow{number}()\n{{\n{flow}}}\n" for number, flow in enumerate(flows)]
+    program = "".join(f"{{\n{flow}}}\n" for flow in flows)
+    program = f"int main(int argc, char *argv[])\n{{\nQCoreApplication application(argc, argv);\n{program}}}"
     source = tmp_path / "flows.cpp"
-    source.write_text("\n".join(["#include <QtDBus>", *includes, common, *functions]))
-    flags = subprocess.run(["pkg-config", "--cflags", "Qt5DBus"], stdout=subprocess.PIPE, text=True,
-                           check=True).stdout.split()
-    done = subprocess.run(["g++", "-std=c++17", "-fPIC", "-fsyntax-only", "-Wall", "-Wextra",
-                           "-Werror", *flags, f"-I{headers}", source], stderr=subprocess.PIPE,
-                          text=True)
+    source.write_text("\n".join(["#include <QtDBus>", *includes, common, program]))
+    flags = subprocess.run(["pkg-config", "--cflags", "--libs", "Qt5DBus"], stdout=subprocess.PIPE,
+                           text=True, check=True).stdout.split()
+    # Where the instrument has it, too.
+    binary = instrument.root / "opt/flows"
+    done = subprocess.run(["g++", "-std=c++17", "-fPIC", "-Wall", "-Wextra", "-Werror", f"-I{headers}",
+                           source, "-o", binary, os.environ["CLIENT_LIBRARY"], *flags],
+                          stderr=subprocess.PIPE, text=True)
     assert done.stderr == "" and done.returncode == 0
+    # What they complain of they write there.
+    done = instrument.run("/opt/flows", check=False, timeout=200)
+    assert (done.returncode, done.stdout, done.stderr) == (0, "", "")
+    assert instrument["Version"].call("getEepromMesure")["AdjustementSite"] == 7
+    assert instrument["LED"].call("getLEDStatus")["POWER_Y"] == "BLINK_3HZ"
