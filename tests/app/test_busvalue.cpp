@@ -31,8 +31,8 @@ private Q_SLOTS:
     void basicValueOfEveryType_data();
     void basicValueOfEveryType();
     void basicMapConvertsEveryEntry();
-    void toMapIsEmptyForWhatIsNoMap_data();
-    void toMapIsEmptyForWhatIsNoMap();
+    void toMapIsEmptyForOtherValues_data();
+    void toMapIsEmptyForOtherValues();
     void toNumbersReadsListsOfNumbers_data();
     void toNumbersReadsListsOfNumbers();
     void toNumbersReadsALongList();
@@ -41,8 +41,8 @@ private Q_SLOTS:
     void sizeOnBusCountsEverything_data();
     void sizeOnBusCountsEverything();
     void sizeOnBusStopsCountingEarly();
-    void storableMapKeepsWhatCanBeSentLater_data();
-    void storableMapKeepsWhatCanBeSentLater();
+    void storableMapKeepsStorableEntries_data();
+    void storableMapKeepsStorableEntries();
     void aValueCanBeReadAgainAndSentAgain_data();
     void aValueCanBeReadAgainAndSentAgain();
 
@@ -280,7 +280,7 @@ void TestBusValue::basicMapConvertsEveryEntry()
              QStringLiteral("{\"a\": <1>, \"b\": <?>, \"c\": <\"as it is\">}"));
 }
 
-void TestBusValue::toMapIsEmptyForWhatIsNoMap_data()
+void TestBusValue::toMapIsEmptyForOtherValues_data()
 {
     QTest::addColumn<QString>("values");
     QTest::addColumn<QString>("rendered");
@@ -294,7 +294,7 @@ void TestBusValue::toMapIsEmptyForWhatIsNoMap_data()
     addRow("(a{sv}) 1 a i 1", "{}");
 }
 
-void TestBusValue::toMapIsEmptyForWhatIsNoMap()
+void TestBusValue::toMapIsEmptyForOtherValues()
 {
     QFETCH(QString, values);
     QFETCH(QString, rendered);
@@ -431,7 +431,7 @@ void TestBusValue::sizeOnBusStopsCountingEarly()
     }
 }
 
-void TestBusValue::storableMapKeepsWhatCanBeSentLater_data()
+void TestBusValue::storableMapKeepsStorableEntries_data()
 {
     QTest::addColumn<QString>("values");
     QTest::addColumn<bool>("isKept");
@@ -481,7 +481,7 @@ void TestBusValue::storableMapKeepsWhatCanBeSentLater_data()
     row(times(15, "av 1 ") + times(10, "(v) ") + "i 1", true);
 }
 
-void TestBusValue::storableMapKeepsWhatCanBeSentLater()
+void TestBusValue::storableMapKeepsStorableEntries()
 {
     QFETCH(QString, values);
     QFETCH(bool, isKept);

@@ -25,7 +25,7 @@ private Q_SLOTS:
     void aValueIsReadUpToTheLimit_data();
     void aValueIsReadUpToTheLimit();
     void aTextOfAnyLengthIsRead();
-    void otherEntriesAreReadAllTheSame();
+    void otherEntriesAreStillRead();
     void ofSeveralEntriesOfAKeyTheLastCounts();
     void aMapIsReadUpToTheLimit();
     void manyLongValuesAreTooMany();
@@ -130,7 +130,7 @@ void TestLimitedMap::aTextOfAnyLengthIsRead()
     QCOMPARE(map.value("key"), QVariant(QString(1000000, 'x')));
 }
 
-void TestLimitedMap::otherEntriesAreReadAllTheSame()
+void TestLimitedMap::otherEntriesAreStillRead()
 {
     const QDBusArgument argument =
         receive("a{sv} 4 a i 1 long av 10000" + times(10000, " y 7") + " b v v i 2 c as 2 x y");

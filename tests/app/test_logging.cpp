@@ -19,8 +19,8 @@ private Q_SLOTS:
     void textForAFullPipeIsDropped();
     void longTextIsWrittenAsFarAsItFits();
 
-    void aLogThatNobodyReadsHoldsNothingUp();
-    void aLogThatIsReadAgainHasLinesAgain();
+    void anUnreadLogBlocksNothing();
+    void loggingResumesWithANewReader();
     void aLogWhoseReaderEndsEndsNothing();
     void aBrokenPipeEndsNothing();
     void childrenHaveDefaultSignals_data();
@@ -149,7 +149,7 @@ QByteArray TestLogging::readPipe() const
     return text;
 }
 
-void TestLogging::aLogThatNobodyReadsHoldsNothingUp()
+void TestLogging::anUnreadLogBlocksNothing()
 {
     startWithPipe();
     const int writer = open(pipePath, O_WRONLY | O_CLOEXEC);
@@ -165,7 +165,7 @@ void TestLogging::aLogThatNobodyReadsHoldsNothingUp()
     QCOMPARE(readPipe(), QByteArray(filled, '.'));
 }
 
-void TestLogging::aLogThatIsReadAgainHasLinesAgain()
+void TestLogging::loggingResumesWithANewReader()
 {
     startWithPipe();
     const int writer = open(pipePath, O_WRONLY | O_CLOEXEC);

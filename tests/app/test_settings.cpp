@@ -11,7 +11,7 @@ private Q_SLOTS:
     void thereIsOneInstance();
 
     void theFourUsersAreUsableAfterAStart();
-    void whatNobodyReadsIsKept();
+    void unreadEntriesAreKept();
     void aFileThatCannotBeUsedIsAnEmptyOne_data();
     void aFileThatCannotBeUsedIsAnEmptyOne();
     void aFileThatCannotBeWrittenIsNotReported();
@@ -102,7 +102,7 @@ void TestSettings::theFourUsersAreUsableAfterAStart()
     QTRY_COMPARE(readFile("/opt/settings.ini"), fourUsers);
 }
 
-void TestSettings::whatNobodyReadsIsKept()
+void TestSettings::unreadEntriesAreKept()
 {
     const QByteArray others = "[Alimentation]\nintervalBattery=1\n\n"
                               "[Network]\nenableWindow=7\n\n"

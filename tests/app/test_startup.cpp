@@ -29,7 +29,7 @@ private Q_SLOTS:
     void theLogHasOneTextPerLineAndNothingElse();
 
     void versionIsPrintedAndNothingElseHappens();
-    void versionNamesTheDaemonUnderWhateverNameItIsStarted();
+    void versionDoesNotDependOnTheProgramsName();
     void helpIsPrintedAndNothingElseHappens();
     void anUnknownOptionIsRefusedAndNothingElseHappens();
 
@@ -127,7 +127,7 @@ void TestStartup::versionIsPrintedAndNothingElseHappens()
     verifyNothingWasTouched();
 }
 
-void TestStartup::versionNamesTheDaemonUnderWhateverNameItIsStarted()
+void TestStartup::versionDoesNotDependOnTheProgramsName()
 {
     daemon.setWrapper({"bash", "-c", "exec -a other \"$@\"", "bash"});
     daemon.launch({"--version"});

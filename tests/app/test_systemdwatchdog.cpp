@@ -24,13 +24,13 @@ private Q_SLOTS:
     void theIntervalIsAnEighth_data();
     void theIntervalIsAnEighth();
 
-    void systemdIsPingedAgainAndAgain_data();
-    void systemdIsPingedAgainAndAgain();
+    void systemdIsPingedPeriodically_data();
+    void systemdIsPingedPeriodically();
     void aWatchdogOfThisProcessIsPinged();
     void aWatchdogOfAnotherProcessIsNot();
     void withoutAWatchdogTheBusIsAskedNothing();
     void aSystemdThatDoesNotReadHoldsNothingUp();
-    void aBusThatStandsStillStopsThePings();
+    void aSuspendedBusStopsThePings();
     void aBusThatEndsStopsThePings();
     void aBusyMainThreadStopsThePings();
 
@@ -161,14 +161,14 @@ void TestSystemdWatchdog::theIntervalIsAnEighth()
     QCOMPARE(watchdogInterval(allowed, process, 77), expected);
 }
 
-void TestSystemdWatchdog::systemdIsPingedAgainAndAgain_data()
+void TestSystemdWatchdog::systemdIsPingedPeriodically_data()
 {
     QTest::addColumn<QString>("socketName");
     QTest::newRow("path") << socketPath;
     QTest::newRow("abstract") << QStringLiteral("@notify");
 }
 
-void TestSystemdWatchdog::systemdIsPingedAgainAndAgain()
+void TestSystemdWatchdog::systemdIsPingedPeriodically()
 {
     QFETCH(QString, socketName);
     supervise(socketName);
@@ -226,7 +226,7 @@ void TestSystemdWatchdog::aSystemdThatDoesNotReadHoldsNothingUp()
     QVERIFY(isPinged());
 }
 
-void TestSystemdWatchdog::aBusThatStandsStillStopsThePings()
+void TestSystemdWatchdog::aSuspendedBusStopsThePings()
 {
     supervise(socketPath);
     startSecondBus();

@@ -20,8 +20,8 @@ private Q_SLOTS:
 
     void directoriesAreOpened_data();
     void directoriesAreOpened();
-    void whatIsMissingIsAbsent_data();
-    void whatIsMissingIsAbsent();
+    void missingValuesAreAbsent_data();
+    void missingValuesAreAbsent();
     void rootsLinksAreFollowed_data();
     void rootsLinksAreFollowed();
     void strangersLinksAreNotFollowed_data();
@@ -103,7 +103,7 @@ void TestTrustedPath::directoriesAreOpened()
     QCOMPARE(nameOf(directory), opened);
 }
 
-void TestTrustedPath::whatIsMissingIsAbsent_data()
+void TestTrustedPath::missingValuesAreAbsent_data()
 {
     QTest::addColumn<QString>("path");
     QTest::addColumn<int>("error");
@@ -114,7 +114,7 @@ void TestTrustedPath::whatIsMissingIsAbsent_data()
     QTest::newRow("a link to nowhere") << at("nowhere") << ENOENT;
 }
 
-void TestTrustedPath::whatIsMissingIsAbsent()
+void TestTrustedPath::missingValuesAreAbsent()
 {
     QFETCH(QString, path);
     QFETCH(int, error);

@@ -26,7 +26,7 @@ private Q_SLOTS:
 
     void theAdaptorGetsOnlineAfterwards_data();
     void theAdaptorGetsOnlineAfterwards();
-    void aBusThatIsGoneIsGoneForGood();
+    void theDaemonStaysIdleWithoutItsBus();
 
 private:
     void reachState(const QString &adaptor, const QString &name);
@@ -356,7 +356,7 @@ void TestConnmanFaults::theAdaptorGetsOnlineAfterwards()
 }
 
 /** Without a bus the daemon stays idle: its supervisor must restart it. */
-void TestConnmanFaults::aBusThatIsGoneIsGoneForGood()
+void TestConnmanFaults::theDaemonStaysIdleWithoutItsBus()
 {
     const QString place = "unix:path=/run/second-bus";
     const auto startBus = [&](QProcess &bus) {

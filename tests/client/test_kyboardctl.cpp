@@ -59,7 +59,7 @@ private Q_SLOTS:
     void aWrongCommandLineSendsNothing();
     void aShortPassphraseSendsNothing();
     void optionsStandAnywhere();
-    void anAnswerThatIsLateIsToldApart();
+    void aTimeoutHasItsOwnStatus();
     void aModelWithoutAScreenHasNoBacklight();
     void statusShowsTheWholeInstrument();
     void statusForMachinesIsOneObject();
@@ -277,7 +277,7 @@ void TestKyboardctl::optionsStandAnywhere()
     QVERIFY(shortHelp.output.startsWith("kyboardctl led set LED STATE\n"));
 }
 
-void TestKyboardctl::anAnswerThatIsLateIsToldApart()
+void TestKyboardctl::aTimeoutHasItsOwnStatus()
 {
     QVERIFY(daemon.start());
     QVERIFY(stopProcess(daemon.processId()));

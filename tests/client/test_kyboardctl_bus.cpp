@@ -14,13 +14,13 @@ class TestKyboardctlBus : public DaemonTest
 private Q_SLOTS:
     void cleanup();
 
-    void anAbsentDaemonIsToldApart();
+    void anAbsentDaemonHasItsOwnStatus();
     void aWrongAddressIsToldApart();
     void aStrangerIsToldApart();
     void aRefusedLoginIsToldApart();
     void theTextOfTheBusIsAddedOnRequest();
-    void anotherBusIsAsked();
-    void anotherMachineIsAskedThroughSsh();
+    void anotherBusIsCalled();
+    void anotherMachineIsCalledThroughSsh();
     void aMachineThatCannotBeReached();
     void oneValueIsPrinted();
     void aFieldThatIsNotThere();
@@ -77,7 +77,7 @@ void TestKyboardctlBus::replaceSsh()
     QFile("/tmp/programs/ssh").setPermissions(QFile::ReadOwner | QFile::ExeOwner);
 }
 
-void TestKyboardctlBus::anAbsentDaemonIsToldApart()
+void TestKyboardctlBus::anAbsentDaemonHasItsOwnStatus()
 {
     for (const char *words : {"user get", "status", "ethernet connect", "battery status"}) {
         const ClientResult result = runClient(QString(words).split(' '));
@@ -139,7 +139,7 @@ void TestKyboardctlBus::theTextOfTheBusIsAddedOnRequest()
              qPrintable(missing.complaint));
 }
 
-void TestKyboardctlBus::anotherBusIsAsked()
+void TestKyboardctlBus::anotherBusIsCalled()
 {
     QVERIFY(daemon.start());
     const QString address = QString::fromLocal8Bit(qgetenv("DBUS_SYSTEM_BUS_ADDRESS"));
@@ -153,7 +153,7 @@ void TestKyboardctlBus::anotherBusIsAsked()
     QCOMPARE(wrong.status, 3);
 }
 
-void TestKyboardctlBus::anotherMachineIsAskedThroughSsh()
+void TestKyboardctlBus::anotherMachineIsCalledThroughSsh()
 {
     QVERIFY(daemon.start());
     replaceSsh();

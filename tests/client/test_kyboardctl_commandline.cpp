@@ -24,8 +24,8 @@ private Q_SLOTS:
     void everyCommandIsFoundByItsWords();
     void helpNamesEveryCommand();
     void helpNamesEveryOptionAndStatus();
-    void completionKnowsWhatMayFollow_data();
-    void completionKnowsWhatMayFollow();
+    void completionOffersTheNextWords_data();
+    void completionOffersTheNextWords();
     void valuesForPeople_data();
     void valuesForPeople();
     void valuesForMachines();
@@ -337,7 +337,7 @@ void TestKyboardctlCommandLine::helpNamesEveryOptionAndStatus()
         QVERIFY(text.contains(QString("  %1  %2\n").arg(status.status, -2).arg(status.meaning)));
 }
 
-void TestKyboardctlCommandLine::completionKnowsWhatMayFollow_data()
+void TestKyboardctlCommandLine::completionOffersTheNextWords_data()
 {
     QTest::addColumn<QStringList>("words");
     QTest::addColumn<QStringList>("candidates");
@@ -370,7 +370,7 @@ void TestKyboardctlCommandLine::completionKnowsWhatMayFollow_data()
     QTest::newRow("nothing") << QStringList{"user", "get", ""} << QStringList();
 }
 
-void TestKyboardctlCommandLine::completionKnowsWhatMayFollow()
+void TestKyboardctlCommandLine::completionOffersTheNextWords()
 {
     QFETCH(QStringList, words);
     QFETCH(QStringList, candidates);

@@ -13,8 +13,8 @@ class TestKyboardctlCompletion : public QObject
 
 private Q_SLOTS:
     void initTestCase();
-    void bashIsOfferedWhatMayFollow_data();
-    void bashIsOfferedWhatMayFollow();
+    void bashCompletesTheNextWord_data();
+    void bashCompletesTheNextWord();
     void everyCommandIsOffered();
     void aKeyPressCompletes();
     void aKeyPressCompletesInZsh();
@@ -47,7 +47,7 @@ QStringList TestKyboardctlCompletion::replies(const QStringList &words)
     return lines;
 }
 
-void TestKyboardctlCompletion::bashIsOfferedWhatMayFollow_data()
+void TestKyboardctlCompletion::bashCompletesTheNextWord_data()
 {
     QTest::addColumn<QStringList>("words");
     QTest::addColumn<QStringList>("expected");
@@ -67,7 +67,7 @@ void TestKyboardctlCompletion::bashIsOfferedWhatMayFollow_data()
     QTest::newRow("unknown") << QStringList{"lights", ""} << QStringList();
 }
 
-void TestKyboardctlCompletion::bashIsOfferedWhatMayFollow()
+void TestKyboardctlCompletion::bashCompletesTheNextWord()
 {
     QFETCH(QStringList, words);
     QFETCH(QStringList, expected);

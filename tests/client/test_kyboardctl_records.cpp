@@ -16,14 +16,14 @@ private Q_SLOTS:
 
     void restoringGivesBackEveryField_data();
     void restoringGivesBackEveryField();
-    void aCopyIsForItsOwnerAlone();
+    void onlyTheOwnerCanReadACopy();
     void aCopyIsNeverReplaced();
     void aFileThatCannotBeWrittenSendsNothing();
     void aFileWithoutANameSendsNothing();
     void anInvalidRecordIsNotCopied_data();
     void anInvalidRecordIsNotCopied();
     void aFileThatIsNotWholeSendsNothing();
-    void nothingIsRestoredUnasked();
+    void nothingIsRestoredWithoutConfirmation();
     void aRecordThatIsNotWrittenIsNamed();
 
 private:
@@ -106,7 +106,7 @@ void TestKyboardctlRecords::restoringGivesBackEveryField()
     QCOMPARE(readFile("/tmp/copies/two"), readFile("/tmp/copies/one"));
 }
 
-void TestKyboardctlRecords::aCopyIsForItsOwnerAlone()
+void TestKyboardctlRecords::onlyTheOwnerCanReadACopy()
 {
     QCOMPARE(runClient({"eeprom", "dump", "/tmp/copies/one"}).status, 0);
     const QFile::Permissions owner = QFile::ReadOwner | QFile::WriteOwner;
@@ -212,7 +212,7 @@ void TestKyboardctlRecords::aFileThatIsNotWholeSendsNothing()
     QCOMPARE(instrument() + measure(), before);
 }
 
-void TestKyboardctlRecords::nothingIsRestoredUnasked()
+void TestKyboardctlRecords::nothingIsRestoredWithoutConfirmation()
 {
     QCOMPARE(runClient({"eeprom", "dump", "/tmp/copies/one"}).status, 0);
     BusMonitor monitor;

@@ -23,8 +23,8 @@ private Q_SLOTS:
     void aPersonIsAsked_data();
     void aPersonIsAsked();
     void aQuestionIsSeenWithoutStandardError();
-    void whatNobodySeesIsNotAsked();
-    void everythingElseIsDoneUnasked();
+    void aQuestionThatNoTerminalShowsIsNotAsked();
+    void otherCommandsNeedNoConfirmation();
     void passwordsStayHidden();
     void whereNothingIsConnectedItSaysSo_data();
     void whereNothingIsConnectedItSaysSo();
@@ -144,7 +144,7 @@ void TestKyboardctlSafety::aQuestionIsSeenWithoutStandardError()
 }
 
 /** A program without a controlling terminal whose standard input happens to be one. */
-void TestKyboardctlSafety::whatNobodySeesIsNotAsked()
+void TestKyboardctlSafety::aQuestionThatNoTerminalShowsIsNotAsked()
 {
     startDaemon();
     BusMonitor monitor;
@@ -159,7 +159,7 @@ void TestKyboardctlSafety::whatNobodySeesIsNotAsked()
     QCOMPARE(calls(monitor), QStringList());
 }
 
-void TestKyboardctlSafety::everythingElseIsDoneUnasked()
+void TestKyboardctlSafety::otherCommandsNeedNoConfirmation()
 {
     QStringList asking;
     for (const Command &command : commands()) {

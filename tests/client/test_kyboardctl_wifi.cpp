@@ -32,11 +32,11 @@ private Q_SLOTS:
     void endedAtThePromptItLeavesAnOrdinaryTerminal();
     void aWrongPassphraseFailsAndTheRightOneThenLeadsOnline_data();
     void aWrongPassphraseFailsAndTheRightOneThenLeadsOnline();
-    void theNetworkJoinedLastIsConfiguredAnew();
+    void theNetworkJoinedLastIsConfiguredAgain();
     void anAbsentNetworkFails();
     void aCableThatIsConnectedAlreadyLeadsOnline();
     void withoutALeaseThereIsNoAddress();
-    void anAccessPointThatDoesNotAnswerIsATimeOut();
+    void aSilentAccessPointIsATimeout();
     void withoutConnmanNothingIsJoined();
     void aNetworkIsForgotten();
     void theNetworkThatIsJoinedIsLeftAndForgotten();
@@ -235,7 +235,7 @@ void TestKyboardctlWifi::aWrongPassphraseFailsAndTheRightOneThenLeadsOnline()
     QCOMPARE(run({"wifi", "connect", "Workshop"}, "seven seas\n").status, 0);
 }
 
-void TestKyboardctlWifi::theNetworkJoinedLastIsConfiguredAnew()
+void TestKyboardctlWifi::theNetworkJoinedLastIsConfiguredAgain()
 {
     QCOMPARE(run({"wifi", "connect", "Cafe", "--open"}).status, 0);
     QCOMPARE(run({"wifi", "disconnect"}).status, 0);
@@ -292,7 +292,7 @@ void TestKyboardctlWifi::withoutALeaseThereIsNoAddress()
     QCOMPARE(result.status, 5);
 }
 
-void TestKyboardctlWifi::anAccessPointThatDoesNotAnswerIsATimeOut()
+void TestKyboardctlWifi::aSilentAccessPointIsATimeout()
 {
     supplicant.set("cafe/mute", "1");
     QProcess client;

@@ -19,8 +19,8 @@ private Q_SLOTS:
 
     void setBacklightSetsThePercentage_data();
     void setBacklightSetsThePercentage();
-    void setBacklightRefusesWhatIsNoPercentage_data();
-    void setBacklightRefusesWhatIsNoPercentage();
+    void setBacklightRejectsOtherNumbers_data();
+    void setBacklightRejectsOtherNumbers();
     void setBacklightReportsAHardwareThatRefuses();
     void setBacklightLeavesTheMode();
 
@@ -34,8 +34,8 @@ private Q_SLOTS:
 
     void setBacklightStepSetsThePercentageOfTheStep_data();
     void setBacklightStepSetsThePercentageOfTheStep();
-    void setBacklightStepRefusesWhatIsNoStep_data();
-    void setBacklightStepRefusesWhatIsNoStep();
+    void setBacklightStepRejectsOtherNumbers_data();
+    void setBacklightStepRejectsOtherNumbers();
     void aRefusedStepStillSwitchesAutomaticModeOn();
     void aRefusedStepStillSwitchesAutomaticModeOff();
     void aManualStepReportsAHardwareThatRefuses();
@@ -180,7 +180,7 @@ void TestBacklight::setBacklightSetsThePercentage()
     QCOMPARE(onlyLight(recorder.take()), QStringList());
 }
 
-void TestBacklight::setBacklightRefusesWhatIsNoPercentage_data()
+void TestBacklight::setBacklightRejectsOtherNumbers_data()
 {
     QTest::addColumn<int>("percentage");
     // Truncated to a byte, the last ones would be percentages.
@@ -188,7 +188,7 @@ void TestBacklight::setBacklightRefusesWhatIsNoPercentage_data()
         QTest::newRow(qPrintable(QString::number(percentage))) << percentage;
 }
 
-void TestBacklight::setBacklightRefusesWhatIsNoPercentage()
+void TestBacklight::setBacklightRejectsOtherNumbers()
 {
     QFETCH(int, percentage);
     QVERIFY(daemon.start());
@@ -307,7 +307,7 @@ void TestBacklight::setBacklightStepSetsThePercentageOfTheStep()
     QCOMPARE(onlyLight(recorder.take()), QStringList());
 }
 
-void TestBacklight::setBacklightStepRefusesWhatIsNoStep_data()
+void TestBacklight::setBacklightStepRejectsOtherNumbers_data()
 {
     QTest::addColumn<bool>("automatic");
     QTest::addColumn<int>("step");
@@ -318,7 +318,7 @@ void TestBacklight::setBacklightStepRefusesWhatIsNoStep_data()
     }
 }
 
-void TestBacklight::setBacklightStepRefusesWhatIsNoStep()
+void TestBacklight::setBacklightStepRejectsOtherNumbers()
 {
     QFETCH(bool, automatic);
     QFETCH(int, step);

@@ -114,7 +114,7 @@ private Q_SLOTS:
     void anInterruptCanBeRaisedByHand();
 
     void nonsenseDoesNotInterruptAndIsGotOver();
-    void aDirectoryThatIsMadeAnewIsWatchedAgain();
+    void aRecreatedDirectoryIsWatchedAgain();
     void theDescriptorDoesNotBlockAndIsNotInherited();
     void withoutALoopbackInterfaceThereIsNoDescriptor();
     void twoSensorsBothInterrupt();
@@ -458,7 +458,7 @@ void TestBoardSensor::nonsenseDoesNotInterruptAndIsGotOver()
     QVERIFY(isUrgent(m_line, deadline));
 }
 
-void TestBoardSensor::aDirectoryThatIsMadeAnewIsWatchedAgain()
+void TestBoardSensor::aRecreatedDirectoryIsWatchedAgain()
 {
     QVERIFY(QDir(Board::pathOf("als")).removeRecursively());
     QCOMPARE(lux(), 120.0F);

@@ -21,19 +21,19 @@ private Q_SLOTS:
     void setLedStatusRefusesAnUnknownStatus();
     void setLedStatusTellsTheUnknownLedFirst();
     void setLedStatusReportsAnLedThatCannotBeSet();
-    void getLedStatusTellsWhatEveryLedShows();
+    void getLedStatusReturnsTheStateOfEveryLed();
     void getLedStatusLeavesOutAnLedThatCannotBeRead();
     void getLedStatusOfNoReadableLedIsEmpty();
-    void getLedStatusTellsNamesOfStatesOnly();
+    void getLedStatusReturnsOnlyStateNames();
     void prepareForShutdownMakesThePowerButtonBlink();
     void slowLedsOnlyTakeTime();
 
     void theLedsShowTheBatteryStatusFromTheStart_data();
     void theLedsShowTheBatteryStatusFromTheStart();
-    void ledsThatCannotBeSetDoNotHinderTheStart();
+    void failedLedsDoNotPreventTheStart();
     void anUnknownBatteryStatusLeavesEveryLed_data();
     void anUnknownBatteryStatusLeavesEveryLed();
-    void aBatteryStatusShowsAllTheSameWhenAnLedFails();
+    void aFailedLedDoesNotHideTheBatteryStatus();
     void onlyTheSdCardHasAnLed();
 
 private:
@@ -178,7 +178,7 @@ void TestLed::setLedStatusReportsAnLedThatCannotBeSet()
     QCOMPARE(led.call("setLEDStatus", {"WIFI", "ON"}), QStringLiteral("()"));
 }
 
-void TestLed::getLedStatusTellsWhatEveryLedShows()
+void TestLed::getLedStatusReturnsTheStateOfEveryLed()
 {
     QVERIFY(daemon.start());
     QStringList calls;
@@ -217,7 +217,7 @@ void TestLed::getLedStatusOfNoReadableLedIsEmpty()
     QCOMPARE(Board::journal().size(), ledCount);
 }
 
-void TestLed::getLedStatusTellsNamesOfStatesOnly()
+void TestLed::getLedStatusReturnsOnlyStateNames()
 {
     QVERIFY(daemon.start());
     Board::fault("KyLeds.getLedState", "garbage");
@@ -314,7 +314,7 @@ void TestLed::theLedsShowTheBatteryStatusFromTheStart()
              "(<\"" + status + "\">)");
 }
 
-void TestLed::ledsThatCannotBeSetDoNotHinderTheStart()
+void TestLed::failedLedsDoNotPreventTheStart()
 {
     Board::fault("KyLeds.setLedState", "always");
     QVERIFY(daemon.start());
@@ -342,7 +342,7 @@ void TestLed::anUnknownBatteryStatusLeavesEveryLed()
     QCOMPARE(Board::journal(), QStringList());
 }
 
-void TestLed::aBatteryStatusShowsAllTheSameWhenAnLedFails()
+void TestLed::aFailedLedDoesNotHideTheBatteryStatus()
 {
     QObject root;
     KyLED handlers(&root);

@@ -17,7 +17,7 @@ private Q_SLOTS:
     void slotsOfTheListenerCannotBeCalled_data();
     void slotsOfTheListenerCannotBeCalled();
 
-    void isMountedTellsAboutEachDevice();
+    void isMountedReportsEachDevice();
     void isMountedOfAnUnknownNameIsFalse_data();
     void isMountedOfAnUnknownNameIsFalse();
     void umountUnmountsAndAnnouncesTheDevice_data();
@@ -36,7 +36,7 @@ private Q_SLOTS:
     void theSdLedShowsTheStateFromTheStart();
     void theSdLedFollowsTheCard();
 
-    void theListenerHearsTheKernelAndOneMoreGroup();
+    void theListenerJoinsTheKernelsAndOneMoreGroup();
     void theListenerLeavesAllSignalsToTheOtherThreads();
     void eventsOfTheFirstPartitionsAreAnnounced_data();
     void eventsOfTheFirstPartitionsAreAnnounced();
@@ -49,7 +49,7 @@ private Q_SLOTS:
     void aBurstLosesNothingAndLeavesTheDaemonAnswering();
     void aListenerThatDoesNotGetToRunLosesNothing();
     void theListenerTakesNoMoreRoomThanItNeeds();
-    void aListenerThatLosesEventsHearsTheNextOnes();
+    void aListenerReceivesEventsAfterALoss();
 
     void withoutItsEventsTheDaemonServesInSilence_data();
     void withoutItsEventsTheDaemonServesInSilence();
@@ -145,7 +145,7 @@ void TestStorage::slotsOfTheListenerCannotBeCalled()
     QCOMPARE(recorder.take(), QStringList());
 }
 
-void TestStorage::isMountedTellsAboutEachDevice()
+void TestStorage::isMountedReportsEachDevice()
 {
     QVERIFY(daemon.start());
     SignalRecorder recorder("/KyDeviceMgr");
@@ -366,7 +366,7 @@ void TestStorage::theSdLedFollowsTheCard()
              (QStringList{"KyLeds.setLedState(26, 3) = 0", "KyLeds.setLedState(26, 0) = 0"}));
 }
 
-void TestStorage::theListenerHearsTheKernelAndOneMoreGroup()
+void TestStorage::theListenerJoinsTheKernelsAndOneMoreGroup()
 {
     QVERIFY(startListening());
     QCOMPARE(KernelEvents::groups(), 0x11U);
@@ -545,7 +545,7 @@ void TestStorage::theListenerTakesNoMoreRoomThanItNeeds()
     QCOMPARE(printed.contains("rb67108864,"), KernelEvents::isRoomUnlimited());
 }
 
-void TestStorage::aListenerThatLosesEventsHearsTheNextOnes()
+void TestStorage::aListenerReceivesEventsAfterALoss()
 {
     QVERIFY(startListening());
     SignalRecorder recorder("/KyDeviceMgr");

@@ -15,7 +15,7 @@ private Q_SLOTS:
     void aLinkFollowsTheSignals();
     void whatIsNotToldIsUnknown();
     void anAnswerShowsThatALinkIsUp();
-    void aSignalKnowsBetterThanAnAnswer();
+    void aSignalOverridesAReply();
     void aLinkThatIsDownHasNoAddress();
     void aDaemonThatStartsBeginsIdle();
 };
@@ -91,7 +91,7 @@ void TestStatusBarParts::anAnswerShowsThatALinkIsUp()
     QCOMPARE(link.address(), QString("10.77.0.50"));
 }
 
-void TestStatusBarParts::aSignalKnowsBetterThanAnAnswer()
+void TestStatusBarParts::aSignalOverridesAReply()
 {
     Link link;
     link.takeProperty("State", "failure");

@@ -33,16 +33,16 @@ private Q_SLOTS:
     void getReturnsTheInstrumentRecord();
     void getReturnsTheMeasureRecord();
     void getReadsEachRecordOnce();
-    void getTellsTheLibraryBrandAndModelOnce();
-    void getTellsTheLibraryTheModel_data();
-    void getTellsTheLibraryTheModel();
+    void getSetsBrandAndModelOnce();
+    void getSetsTheModelInTheLibrary_data();
+    void getSetsTheModelInTheLibrary();
     void aLibraryThatRefusesBrandAndModelIsIgnored();
     void anEepromOfZerosIsValid();
     void anUnreadableEepromIsNotValid_data();
     void anUnreadableEepromIsNotValid();
     void aFailedReadStaysUntilASet();
     void aFailedReadStaysUntilAnInvalidation();
-    void nobodyIsToldOfAnInvalidRecord();
+    void anInvalidRecordSetsNoBrandOrModel();
 
     void setWritesTheInstrumentRecord();
     void setWritesTheMeasureRecord();
@@ -263,7 +263,7 @@ void TestEeprom::getReadsEachRecordOnce()
                  QStringLiteral("KyEeprom.readEeprom(1, 0, 1196) = 0 ") + measureBytes.toHex()}));
 }
 
-void TestEeprom::getTellsTheLibraryBrandAndModelOnce()
+void TestEeprom::getSetsBrandAndModelOnce()
 {
     Board::setBytes("eeprom/instrument", instrumentBytes);
     QVERIFY(daemon.start());
@@ -275,7 +275,7 @@ void TestEeprom::getTellsTheLibraryBrandAndModelOnce()
     QCOMPARE(calls().size(), 4);
 }
 
-void TestEeprom::getTellsTheLibraryTheModel_data()
+void TestEeprom::getSetsTheModelInTheLibrary_data()
 {
     QTest::addColumn<QString>("model");
     QTest::addColumn<int>("number");
@@ -290,7 +290,7 @@ void TestEeprom::getTellsTheLibraryTheModel_data()
     QTest::newRow("ffff") << "ffff" << 3;
 }
 
-void TestEeprom::getTellsTheLibraryTheModel()
+void TestEeprom::getSetsTheModelInTheLibrary()
 {
     QFETCH(QString, model);
     QFETCH(int, number);
@@ -397,7 +397,7 @@ void TestEeprom::aFailedReadStaysUntilAnInvalidation()
     QVERIFY(version.call(getInstrument).contains("\"CRC\": <true>"));
 }
 
-void TestEeprom::nobodyIsToldOfAnInvalidRecord()
+void TestEeprom::anInvalidRecordSetsNoBrandOrModel()
 {
     Board::fault("KyEeprom.readEeprom", "always");
     QVERIFY(daemon.start());

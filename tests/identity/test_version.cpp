@@ -20,7 +20,7 @@ private Q_SLOTS:
     void aRevisionThatCannotBeReadIsLeftOut();
     void aRevisionThatWasMissingStaysMissing();
     void revisionsAreAskedAgainWhenNoneCouldBeRead();
-    void nobodyIsToldOfAnUnreadableModuleRevision();
+    void anUnreadableModuleRevisionIsNotSet();
     void aLibraryThatRefusesTheModuleRevisionIsIgnored();
     void revisionsSurviveAnInvalidation();
 
@@ -30,12 +30,12 @@ private Q_SLOTS:
     void bspVersionIsLeftOutForADirectory();
     void bspVersionMayBeLong();
     void theLongestBspVersionIsGivenAndALongerOneLeftOut();
-    void bspVersionIsLeftOutWhenItFitsNoMessage();
+    void bspVersionTooLongForAMessageIsLeftOut();
 
     void ownVersion();
     void applicationVersionIsItsTrimmedOutput_data();
     void applicationVersionIsItsTrimmedOutput();
-    void applicationIsAskedWithOneArgument();
+    void theApplicationGetsOneArgument();
     void applicationVersionMayBeMegabytes();
     void applicationVersionIsLeftOut_data();
     void applicationVersionIsLeftOut();
@@ -189,7 +189,7 @@ void TestVersion::revisionsAreAskedAgainWhenNoneCouldBeRead()
                             " \"SOM\": <u:3>})"));
 }
 
-void TestVersion::nobodyIsToldOfAnUnreadableModuleRevision()
+void TestVersion::anUnreadableModuleRevisionIsNotSet()
 {
     QVERIFY(daemon.start());
     Board::fault("KyBoardRev.getRevision", "1");
@@ -271,7 +271,7 @@ void TestVersion::theLongestBspVersionIsGivenAndALongerOneLeftOut()
     QCOMPARE(version.call(getVersions), ownVersionAlone);
 }
 
-void TestVersion::bspVersionIsLeftOutWhenItFitsNoMessage()
+void TestVersion::bspVersionTooLongForAMessageIsLeftOut()
 {
     QVERIFY(QFile::link("/dev/zero", bspFile));
     QVERIFY(daemon.start());
@@ -309,7 +309,7 @@ void TestVersion::applicationVersionIsItsTrimmedOutput()
     QCOMPARE(version.call(getVersions), withApplication(output));
 }
 
-void TestVersion::applicationIsAskedWithOneArgument()
+void TestVersion::theApplicationGetsOneArgument()
 {
     installApplication("echo \"$# $1\"");
     QVERIFY(daemon.start());

@@ -30,7 +30,7 @@ private Q_SLOTS:
     void methodsThatConnManHasBesidesAreUnknown();
 
     void theAgentIsRegisteredForAConnectOnly();
-    void theAgentIsNotRegisteredAnewWhenConnManComesBack();
+    void aRestartedConnManHasNoAgent();
     void connManIsAnsweredInTheMiddleOfConnect();
     void connManGivesUpAfterTwoWrongPassphrases();
 
@@ -225,7 +225,7 @@ void TestConnmanAgent::theAgentIsRegisteredForAConnectOnly()
     QCOMPARE(orders(), (QStringList{registerAgent, connectLab}));
 }
 
-void TestConnmanAgent::theAgentIsNotRegisteredAnewWhenConnManComesBack()
+void TestConnmanAgent::aRestartedConnManHasNoAgent()
 {
     reach("association");
     connman.kill();

@@ -21,10 +21,10 @@ private Q_SLOTS:
     void statesAreLoggedWithTheirService();
     void howTheScriptEndsDoesNotMatter_data();
     void howTheScriptEndsDoesNotMatter();
-    void whatTheScriptPrintsIsNotKept();
+    void theScriptsOutputIsDiscarded();
     void connectFailsWithoutConnMan();
-    void connectFailsWhenNobodyKnowsWhetherConnManRuns_data();
-    void connectFailsWhenNobodyKnowsWhetherConnManRuns();
+    void connectFailsWithoutAnAnswerOfPidof_data();
+    void connectFailsWithoutAnAnswerOfPidof();
     void aRefusalToPowerOnIsIgnored();
     void aTechnologyThatIsOnAlreadyIsUsedAtOnce();
     void aTechnologyThatIsOnAlreadyWaitsForItsService();
@@ -188,7 +188,7 @@ void TestEthernet::howTheScriptEndsDoesNotMatter()
     connectUntil("association");
 }
 
-void TestEthernet::whatTheScriptPrintsIsNotKept()
+void TestEthernet::theScriptsOutputIsDiscarded()
 {
     writeFile(scriptFile, "#!/bin/sh\nreadlink /proc/$$/fd/1 /proc/$$/fd/2 | cat >/tmp/outputs\n"
                           "echo one; echo two >&2\n");
@@ -211,14 +211,14 @@ void TestEthernet::connectFailsWithoutConnMan()
     QCOMPARE(calls(), QStringList());
 }
 
-void TestEthernet::connectFailsWhenNobodyKnowsWhetherConnManRuns_data()
+void TestEthernet::connectFailsWithoutAnAnswerOfPidof_data()
 {
     QTest::addColumn<QByteArray>("pidof");
     QTest::newRow("pidof crashes") << QByteArray("kill -SEGV $$");
     QTest::newRow("pidof hangs") << QByteArray("exec sleep 60");
 }
 
-void TestEthernet::connectFailsWhenNobodyKnowsWhetherConnManRuns()
+void TestEthernet::connectFailsWithoutAnAnswerOfPidof()
 {
     QFETCH(QByteArray, pidof);
     writeFile("/tmp/programs/pidof", "#!/bin/sh\n" + pidof + '\n');

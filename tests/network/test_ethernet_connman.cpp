@@ -36,9 +36,9 @@ private Q_SLOTS:
     void connectingWithoutACableFailsAfterAMinute();
     void disconnectPowersTheTechnologyOff();
     void connectAgainAfterDisconnect();
-    void theAddressIsWhatTheKernelHas();
-    void theHardwareIsWhatTheKernelHas_data();
-    void theHardwareIsWhatTheKernelHas();
+    void theAddressMatchesTheKernel();
+    void hardwareInfosMatchTheKernel_data();
+    void hardwareInfosMatchTheKernel();
 
     void aConnManThatCameUpAfterTheDaemonIsOnAlready();
     void connManMayVanishAtAnyTime_data();
@@ -308,7 +308,7 @@ void TestEthernetConnman::connectAgainAfterDisconnect()
     QCOMPARE(states, (QStringList{"association", "ready", "online"}));
 }
 
-void TestEthernetConnman::theAddressIsWhatTheKernelHas()
+void TestEthernetConnman::theAddressMatchesTheKernel()
 {
     begin();
     QCOMPARE(ethernet.call("getIPv4"), QString("({})"));
@@ -323,7 +323,7 @@ void TestEthernetConnman::theAddressIsWhatTheKernelHas()
                      .arg(address, gateway));
 }
 
-void TestEthernetConnman::theHardwareIsWhatTheKernelHas_data()
+void TestEthernetConnman::hardwareInfosMatchTheKernel_data()
 {
     QTest::addColumn<QString>("state");
     QTest::addColumn<QString>("method");
@@ -333,7 +333,7 @@ void TestEthernetConnman::theHardwareIsWhatTheKernelHas_data()
                                     << "auto";
 }
 
-void TestEthernetConnman::theHardwareIsWhatTheKernelHas()
+void TestEthernetConnman::hardwareInfosMatchTheKernel()
 {
     QFETCH(QString, state);
     QFETCH(QString, method);

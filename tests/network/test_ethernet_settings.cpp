@@ -18,7 +18,7 @@ private Q_SLOTS:
     void setIPv4FailsWithoutTheTechnology_data();
     void setIPv4FailsWithoutTheTechnology();
     void setIPv4FailsWithoutConnMan();
-    void nobodyIsCalledWithoutConnMan();
+    void nothingIsCalledWithoutConnMan();
     void setIPv4RefusesAnythingButAMap();
     void getIPv4IsEmptyWithoutAService();
     void getIPv4ShowsTheServicesAddress();
@@ -240,7 +240,7 @@ void TestEthernetSettings::setIPv4FailsWithoutConnMan()
     QCOMPARE(pushedSettings(), QString("{}"));
 }
 
-void TestEthernetSettings::nobodyIsCalledWithoutConnMan()
+void TestEthernetSettings::nothingIsCalledWithoutConnMan()
 {
     startDaemon();
     connman.kill();

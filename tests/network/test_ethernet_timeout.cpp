@@ -21,7 +21,7 @@ private Q_SLOTS:
     void aFailedStartOfTheScriptFailsOnceMore();
     void aServiceThatTellsItsAddressDoesNotEndTheAttempt();
     void disconnectDoesNotEndTheAttempt();
-    void anotherConnectBeginsTheMinuteAnew();
+    void anotherConnectRestartsTheTimeout();
     void aConnectedTechnologyEndsTheAttempt();
     void anAddressThatIsThereAlreadyEndsTheAttempt();
 
@@ -141,7 +141,7 @@ void TestEthernetTimeout::disconnectDoesNotEndTheAttempt()
     QCOMPARE(calls(), QStringList{poweredOff});
 }
 
-void TestEthernetTimeout::anotherConnectBeginsTheMinuteAnew()
+void TestEthernetTimeout::anotherConnectRestartsTheTimeout()
 {
     startDaemon();
     connectUntil("association");

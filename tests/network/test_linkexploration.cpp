@@ -21,7 +21,7 @@ private Q_SLOTS:
     void everyStoryIsToldToTheEnd_data();
     void everyStoryIsToldToTheEnd();
     void atMostOneRowHolds();
-    void everyMutantIsNoticed();
+    void everyMutantIsKilled();
 };
 
 namespace
@@ -146,7 +146,7 @@ void TestLinkExploration::atMostOneRowHolds()
         QCOMPARE(ambiguity(machine.table), QString());
 }
 
-void TestLinkExploration::everyMutantIsNoticed()
+void TestLinkExploration::everyMutantIsKilled()
 {
     QStringList survivors;
     for (const Machine &machine : machines) {

@@ -14,7 +14,7 @@ private Q_SLOTS:
     void anAttemptToJoinTakesSixtySeconds();
     void aDisconnectTakesFifteenSeconds();
     void theAccessPointTakesTwoSecondsAndThenThree();
-    void theAccessPointIsLookedAtAgainAfterThreeSeconds();
+    void theAccessPointIsCheckedAgainAfterThreeSeconds();
 
 private:
     void passTo(int milliseconds, const QStringList &expected);
@@ -99,7 +99,7 @@ void TestNetworkTimers::theAccessPointTakesTwoSecondsAndThenThree()
     passTo(3000, {accessPoint("online")});
 }
 
-void TestNetworkTimers::theAccessPointIsLookedAtAgainAfterThreeSeconds()
+void TestNetworkTimers::theAccessPointIsCheckedAgainAfterThreeSeconds()
 {
     begin();
     QCOMPARE(wifiAp.call("connect", {accessPointSettings}), QString("()"));

@@ -19,11 +19,11 @@ private Q_SLOTS:
     void init();
     void cleanup();
 
-    void aProgramRunsWherePidofSaysSo();
+    void aProgramRunsIfPidofFindsIt();
     void aProgramDoesNotRunWherePidofFails();
     void aProgramDoesNotRunWherePidofCrashes();
     void aProgramDoesNotRunWithoutPidof();
-    void pidofIsGivenTheNameAlone();
+    void pidofGetsOnlyTheName();
     void aPidofThatHangsIsEndedAfterASecond();
     void aMissingPidofLeavesNothingBehind();
     void theRealPidofKnowsThisTest();
@@ -54,7 +54,7 @@ void TestPrograms::makePidof(const QByteArray &script)
     qputenv("PATH", m_directory->path().toLocal8Bit() + ':' + m_searchPath);
 }
 
-void TestPrograms::aProgramRunsWherePidofSaysSo()
+void TestPrograms::aProgramRunsIfPidofFindsIt()
 {
     makePidof("echo 12 34; exit 0");
     QVERIFY(isProgramRunning("connmand"));
@@ -78,7 +78,7 @@ void TestPrograms::aProgramDoesNotRunWithoutPidof()
     QVERIFY(!isProgramRunning("connmand"));
 }
 
-void TestPrograms::pidofIsGivenTheNameAlone()
+void TestPrograms::pidofGetsOnlyTheName()
 {
     makePidof("printf '<%s>' \"$@\" >" + path("arguments").toLocal8Bit());
     QVERIFY(isProgramRunning("two words"));

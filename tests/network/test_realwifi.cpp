@@ -63,7 +63,7 @@ private Q_SLOTS:
     void aHiddenNetworkIsJoinedByItsName();
     void outOfRangeTheConnectionIsLost();
     void ofTwoOfOneNameTheOtherTakesOver();
-    void anAccessPointThatIsGoneCannotBeJoined();
+    void aVanishedAccessPointCannotBeJoined();
 
 private:
     static QString state(const QString &path);
@@ -279,7 +279,7 @@ void TestRealWifi::ofTwoOfOneNameTheOtherTakesOver()
     QTRY_COMPARE_WITH_TIMEOUT(state(hall), QStringLiteral("ready"), 20000);
 }
 
-void TestRealWifi::anAccessPointThatIsGoneCannotBeJoined()
+void TestRealWifi::aVanishedAccessPointCannotBeJoined()
 {
     powerOn();
     supplicant.set("cafe/in_range", "0");

@@ -24,7 +24,7 @@ private Q_SLOTS:
     void cleanup();
 
     void aScanListsTheNetworks();
-    void everyScanListsTheNetworksAnew();
+    void everyScanListsTheCurrentNetworks();
     void anOpenNetworkLeadsOnline();
     void aProtectedNetworkLeadsOnlineWithItsKey();
     void aWrongKeyFailsAndTheRightOneThenLeadsOnline_data();
@@ -35,7 +35,7 @@ private Q_SLOTS:
     void aRadioThatIsOnAlreadyIsSearchedAtOnce();
     void disconnectForgetsTheNetwork();
     void fromOneNetworkToAnother();
-    void theNetworkJoinedLastIsConfiguredAnew();
+    void theNetworkJoinedLastIsConfiguredAgain();
     void manualSettingsEndOnTheInterface();
     void outOfRangeTheAddressIsGone();
     void toTheAccessPointAndBackToTheStation();
@@ -165,7 +165,7 @@ void TestWifiConnman::aScanListsTheNetworks()
     QTRY_COMPARE(readFile("/sys/class/net/wifi_sta/operstate"), QByteArray("down\n"));
 }
 
-void TestWifiConnman::everyScanListsTheNetworksAnew()
+void TestWifiConnman::everyScanListsTheCurrentNetworks()
 {
     QVERIFY(scan().contains("\"Cafe\""));
     supplicant.set("cafe/in_range", "0");
@@ -296,7 +296,7 @@ void TestWifiConnman::fromOneNetworkToAnother()
     QVERIFY2(kernelAddress().startsWith("10.78.0."), qPrintable(kernelAddress()));
 }
 
-void TestWifiConnman::theNetworkJoinedLastIsConfiguredAnew()
+void TestWifiConnman::theNetworkJoinedLastIsConfiguredAgain()
 {
     join("Workshop", "seven seas");
     QVERIFY(waitForState("online"));

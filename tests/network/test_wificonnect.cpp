@@ -15,7 +15,7 @@ private Q_SLOTS:
 
     void aNetworkIsJoined();
     void joiningAsksConnManForNoMore();
-    void theTraceTellsEachStep();
+    void theTraceRecordsEachStep();
     void aNetworkThatTheScanBringsIsJoined();
     void aTechnologyThatIsOnAlreadyIsSearchedAtOnce();
     void aNetworkOfATechnologyThatIsOnAlreadyIsJoinedAtOnce();
@@ -55,7 +55,7 @@ private Q_SLOTS:
     void aStrengthThatIsNoneIsNotPassedOn_data();
     void aStrengthThatIsNoneIsNotPassedOn();
     void theServiceBeforeIsNoLongerHeard();
-    void theNetworkJoinedLastIsConfiguredAnew();
+    void theNetworkJoinedLastIsConfiguredAgain();
     void aConnectForgetsTheServiceBeforeItFails();
     void aScanKeepsTheService();
     void otherPropertiesAreIgnored();
@@ -109,7 +109,7 @@ void TestWifiConnect::joiningAsksConnManForNoMore()
                           getServices, nameservers, settings, getServices}));
 }
 
-void TestWifiConnect::theTraceTellsEachStep()
+void TestWifiConnect::theTraceRecordsEachStep()
 {
     reach("online");
     announceService("online");
@@ -600,7 +600,7 @@ void TestWifiConnect::theServiceBeforeIsNoLongerHeard()
     QCOMPARE(announced(), QStringList());
 }
 
-void TestWifiConnect::theNetworkJoinedLastIsConfiguredAnew()
+void TestWifiConnect::theNetworkJoinedLastIsConfiguredAgain()
 {
     reach("online");
     connman.storeProperty(ConnmanStandIn::wifiTechnology, "Powered", true);

@@ -12,7 +12,7 @@ private Q_SLOTS:
     void theNetworkIsForgottenAndTheTechnologyPoweredOff();
     void disconnectIsAnnouncedBeforeAnythingIsAsked();
     void idleFollowsWhenTheTechnologyIsOff();
-    void theTraceTellsEachStep();
+    void theTraceRecordsEachStep();
     void anAttemptIsEnded();
     void withoutAServiceNothingIsForgotten();
     void aNetworkCanBeJoinedAfterwards();
@@ -28,8 +28,8 @@ private Q_SLOTS:
     void aConnManThatDiesMeanwhileEndsIdle();
     void aConnManThatStandsStillDoesNotHinderTheEnd_data();
     void aConnManThatStandsStillDoesNotHinderTheEnd();
-    void aConnManThatStandsStillDoesNotStopThePings();
-    void aScriptThatRunsDoesNotHinderTheEnd();
+    void aSuspendedConnManDoesNotStopThePings();
+    void disconnectEndsWhileTheScriptRuns();
     void theModuleOfAnEndedAttemptStaysOff_data();
     void theModuleOfAnEndedAttemptStaysOff();
     void theServiceThatIsLeftDecidesNothing();
@@ -94,7 +94,7 @@ void TestWifiDisconnect::idleFollowsWhenTheTechnologyIsOff()
     QCOMPARE(trace().last(), QString("technologyPropertyChangedSlot OP:none idle Lab"));
 }
 
-void TestWifiDisconnect::theTraceTellsEachStep()
+void TestWifiDisconnect::theTraceRecordsEachStep()
 {
     reachPowered("online");
     const int records = trace().size();
@@ -307,7 +307,7 @@ void TestWifiDisconnect::aConnManThatStandsStillDoesNotHinderTheEnd()
     QCOMPARE(announced(), QStringList{association});
 }
 
-void TestWifiDisconnect::aConnManThatStandsStillDoesNotStopThePings()
+void TestWifiDisconnect::aSuspendedConnManDoesNotStopThePings()
 {
     // A watchdog whose timer does not expire meanwhile.
     daemon.setEnvironment("WATCHDOG_USEC", "3000000000000");
@@ -326,7 +326,7 @@ void TestWifiDisconnect::aConnManThatStandsStillDoesNotStopThePings()
     daemon.resetEnvironment();
 }
 
-void TestWifiDisconnect::aScriptThatRunsDoesNotHinderTheEnd()
+void TestWifiDisconnect::disconnectEndsWhileTheScriptRuns()
 {
     connman.setServices({network("Lab", "idle")});
     begin();

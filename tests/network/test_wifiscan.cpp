@@ -27,7 +27,7 @@ private Q_SLOTS:
     void networksThatAreKnownAreListedWithoutPowering();
     void networksThatComeWithThePowerAreListedWithoutAsking();
     void aTechnologyThatCannotBeAskedMayBringNetworks();
-    void aCableDoesNotHinderAScan();
+    void aCableDoesNotDisturbAScan();
     void theListLeavesHiddenNetworksOutAndNamesEachOnce();
     void theListIsGivenBeforeTheTechnologyIsPoweredOff();
     void aScanGivesItsListOnce();
@@ -38,7 +38,7 @@ private Q_SLOTS:
     void changesWhileTheScriptRunsLeaveOnlyATrace();
     void afterFifteenSecondsTheListIsGivenAsItIs();
     void aScriptThatTakesLongerThanTheScanDoesNotEndIt();
-    void theScriptsEndIsWhatCounts();
+    void onlyTheEndOfTheScriptCounts();
 
     void aScanWhileTheScriptRunsFails();
     void aScanWithoutAScriptFails();
@@ -50,7 +50,7 @@ private Q_SLOTS:
     void aReplyThatIsNoListIsAnEmptyOne();
     void signalsOfOthersAreIgnored();
 
-    void theTraceTellsEachStep();
+    void theTraceRecordsEachStep();
     void theTraceIsMadeForEveryone();
     void theTraceIsAppendedTo();
     void aStandardStreamThatWasClosedDoesNotBecomeTheTrace();
@@ -184,7 +184,7 @@ void TestWifiScan::aTechnologyThatCannotBeAskedMayBringNetworks()
     QCOMPARE(orders(), QStringList{powerOff});
 }
 
-void TestWifiScan::aCableDoesNotHinderAScan()
+void TestWifiScan::aCableDoesNotDisturbAScan()
 {
     const ListedObject cable = {QDBusObjectPath("/net/connman/service/ethernet_02_cable"),
                                 {{"Type", "ethernet"}, {"Name", "Wired"}, {"State", "online"}}};
@@ -350,7 +350,7 @@ void TestWifiScan::aScriptThatTakesLongerThanTheScanDoesNotEndIt()
     QCOMPARE(announced(), QStringList{list(labEntry)});
 }
 
-void TestWifiScan::theScriptsEndIsWhatCounts()
+void TestWifiScan::onlyTheEndOfTheScriptCounts()
 {
     connman.setServices({network("Lab", "idle")});
     script.setFailure(3);
@@ -461,7 +461,7 @@ void TestWifiScan::signalsOfOthersAreIgnored()
     QCOMPARE(announced(), QStringList{idle});
 }
 
-void TestWifiScan::theTraceTellsEachStep()
+void TestWifiScan::theTraceRecordsEachStep()
 {
     connman.setAsyncScan(true);
     begin();

@@ -14,8 +14,8 @@ class TestApiDocument : public QObject
 private Q_SLOTS:
     void theDocumentIsWhatTheProgramPrints();
     void everyErrorNameHasItsMeaning();
-    void whatIsLeftOutIsNoticed_data();
-    void whatIsLeftOutIsNoticed();
+    void omissionsAreReported_data();
+    void omissionsAreReported();
     void everyTextIsNeeded_data();
     void everyTextIsNeeded();
 
@@ -78,7 +78,7 @@ void TestApiDocument::everyErrorNameHasItsMeaning()
     }
 }
 
-void TestApiDocument::whatIsLeftOutIsNoticed_data()
+void TestApiDocument::omissionsAreReported_data()
 {
     QTest::addColumn<QString>("interface");
     QTest::addColumn<QByteArray>("found");
@@ -109,7 +109,7 @@ void TestApiDocument::whatIsLeftOutIsNoticed_data()
     row("readable document", "LED", "</node>", "", "no element found");
 }
 
-void TestApiDocument::whatIsLeftOutIsNoticed()
+void TestApiDocument::omissionsAreReported()
 {
     QFETCH(QString, interface);
     QFETCH(QByteArray, found);

@@ -13,9 +13,9 @@ class TestDocuments : public QObject
 
 private Q_SLOTS:
     void everythingThatTheDocumentsNameIsThere();
-    void whatIsNotThereIsNoticed_data();
-    void whatIsNotThereIsNoticed();
-    void whatIsThereIsNotComplainedOf();
+    void missingNamesAreReported_data();
+    void missingNamesAreReported();
+    void existingNamesAreNotReported();
     void theManualPageHasTheOptionsOfTheInstrument();
     void theManualPageHasTheCommandsInTheInstrument();
     void installingNamesTheBuildDependencies();
@@ -56,7 +56,7 @@ void TestDocuments::everythingThatTheDocumentsNameIsThere()
     QCOMPARE(complaints({}), QString("none"));
 }
 
-void TestDocuments::whatIsNotThereIsNoticed_data()
+void TestDocuments::missingNamesAreReported_data()
 {
     QTest::addColumn<QByteArray>("text");
     QTest::addColumn<QString>("complaint");
@@ -83,14 +83,14 @@ void TestDocuments::whatIsNotThereIsNoticed_data()
         "kyboardctl users get: no such command");
 }
 
-void TestDocuments::whatIsNotThereIsNoticed()
+void TestDocuments::missingNamesAreReported()
 {
     QFETCH(QByteArray, text);
     QFETCH(QString, complaint);
     QCOMPARE(complaintsOf(text), complaint);
 }
 
-void TestDocuments::whatIsThereIsNotComplainedOf()
+void TestDocuments::existingNamesAreNotReported()
 {
     QCOMPARE(complaintsOf("# Here\n\n[a](other.md#one-thing-and-another) [b](other.md#twice-1) "
                           "[c](#here) [d](https://example.org/x.md) `src/app/error.*` `src/` "

@@ -27,7 +27,7 @@ private Q_SLOTS:
     void fileDescriptorsAreForNobody();
     void nobodyElseMayOwnTheName();
     void theDaemonsOwnUserMayOwnTheName();
-    void everybodyHearsSignals();
+    void everyUserReceivesSignals();
     void everyRuleNamesItsDestination();
     void everyRuleThatLetsThroughExcludesDescriptors();
     void memberByMember_data();
@@ -123,7 +123,7 @@ void TestPolicy::theDaemonsOwnUserMayOwnTheName()
              QStringLiteral("u 1"));
 }
 
-void TestPolicy::everybodyHearsSignals()
+void TestPolicy::everyUserReceivesSignals()
 {
     QVERIFY(daemon.start());
     QProcess listener;

@@ -16,12 +16,12 @@ class TestRelease : public QObject
 private Q_SLOTS:
     void init();
     void debianChangelogIsUpToDate();
-    void aStaleDebianChangelogIsNoticed();
+    void aStaleDebianChangelogIsReported();
     void aReleaseChangesTheVersionEverywhere();
     void theChangelogIsClosed();
     void theCommitAndTheTagAreSignedOff();
     void theArchiveHoldsTheRelease();
-    void theChecksRunInTheFormAskedFor();
+    void theChecksRunInTheRequestedForm();
     void aFailedCheckLeavesTheTreeAsItWas();
     void nothingIsReleased_data();
     void nothingIsReleased();
@@ -128,7 +128,7 @@ void TestRelease::debianChangelogIsUpToDate()
              QStringLiteral(VERSION));
 }
 
-void TestRelease::aStaleDebianChangelogIsNoticed()
+void TestRelease::aStaleDebianChangelogIsReported()
 {
     replace("CHANGELOG.md", "- The first release", "- The very first release");
     const Result result = run(m_tree + "/tools/debchangelog", {"--check"});
@@ -189,7 +189,7 @@ void TestRelease::theArchiveHoldsTheRelease()
              0);
 }
 
-void TestRelease::theChecksRunInTheFormAskedFor()
+void TestRelease::theChecksRunInTheRequestedForm()
 {
     QCOMPARE(release({"--checks", newest}).status, 0);
     QCOMPARE(readFile(m_parent.path() + "/arguments"), QByteArray("--checks\n"));

@@ -16,7 +16,7 @@ private Q_SLOTS:
     void init();
 
     void theDirectoryOfTheProfilesIsMade();
-    void theDirectoryOfTheProfilesIsRootsWhoeverMadeIt();
+    void rootOwnsTheDirectoryOfTheProfiles();
     void aStrangersLinkInItsPlaceIsNotFollowed();
 
 private:
@@ -56,7 +56,7 @@ void TestTmpfiles::theDirectoryOfTheProfilesIsMade()
     verify(profiles, 0, S_IFDIR | 0755);
 }
 
-void TestTmpfiles::theDirectoryOfTheProfilesIsRootsWhoeverMadeIt()
+void TestTmpfiles::rootOwnsTheDirectoryOfTheProfiles()
 {
     writeFile(profiles + "/user1_profile/file", "mine");
     QCOMPARE(QProcess::execute("chown", {"-R", "stranger", profiles}), 0);

@@ -42,7 +42,7 @@ private Q_SLOTS:
     void theDaemonGoesAndComes();
     void theBusGoesAndComes();
     void theBoardGoesAndComes();
-    void theLogTellsWhatGoesOverTheBus();
+    void theLogShowsTheBusMessages();
 
 private:
     void click(const QString &element, double place = 0.5);
@@ -405,7 +405,7 @@ void TestPanel::theBoardGoesAndComes()
     QTRY_VERIFY_WITH_TIMEOUT(colourOf("BT").blue() > 200, 20000);
 }
 
-void TestPanel::theLogTellsWhatGoesOverTheBus()
+void TestPanel::theLogShowsTheBusMessages()
 {
     TrafficLog log;
     log.setIgnored(panel->daemonView().ownName());

@@ -17,8 +17,8 @@ private Q_SLOTS:
     void aViewerReachesItOverTheNetwork();
     void picturesNeedNoDisplay();
     void whatMakesNoSenseIsRefused();
-    void thePicturesOfTheDocumentsAreWhatIsSeen_data();
-    void thePicturesOfTheDocumentsAreWhatIsSeen();
+    void thePicturesInTheDocumentsAreUpToDate_data();
+    void thePicturesInTheDocumentsAreUpToDate();
 
 private:
     static QStringList command(const QStringList &words);
@@ -206,14 +206,14 @@ void TestPanelWindow::theStatesOfARealConnectAreRead(const QImage &picture)
     QVERIFY(reads(picture, "Ethernet-trail", ""));
 }
 
-void TestPanelWindow::thePicturesOfTheDocumentsAreWhatIsSeen_data()
+void TestPanelWindow::thePicturesInTheDocumentsAreUpToDate_data()
 {
     QTest::addColumn<QString>("picture");
     QTest::newRow("new") << "panel-new";
     QTest::newRow("in use") << "panel";
 }
 
-void TestPanelWindow::thePicturesOfTheDocumentsAreWhatIsSeen()
+void TestPanelWindow::thePicturesInTheDocumentsAreUpToDate()
 {
     QFETCH(QString, picture);
     const QImage drawn = QImage::fromData(output("tools/picture " + picture), "PNG");

@@ -284,7 +284,7 @@ private Q_SLOTS:
     void aMissingValueIsMade();
     void aMissingRegisterStaysMissing();
     void aBoardThatCannotBeMadeFailsEveryCall();
-    void aBoardThatCannotBeWrittenIsReadAllTheSame();
+    void aReadOnlyBoardIsRead();
 
     void everyOperationIsInTheJournal_data();
     void everyOperationIsInTheJournal();
@@ -316,7 +316,7 @@ private Q_SLOTS:
     void anOversizedEepromImageIsAFailure();
 
     void aNumberOfCallsFails();
-    void aFaultIsForItsOperationOnly();
+    void aFaultAffectsOnlyItsOperation();
     void aDelayedCallDoesItsWork();
     void aDelayedFailureDoesNothing();
     void aFaultMayComeLater();
@@ -325,12 +325,12 @@ private Q_SLOTS:
     void withoutAJournalNoneIsMade();
     void theJournalIsInOrderOverLibrariesAndProcesses();
 
-    void countsAreRightWhateverTheNumberOfWriters();
-    void faultsAreCountedRightWhateverTheNumberOfCallers();
+    void concurrentWritersCountCorrectly();
+    void concurrentCallersCountFaultsCorrectly();
     void noValueIsEverSeenHalfWritten();
 
-    void theKernelTellsOfAnInsertionOnce_data();
-    void theKernelTellsOfAnInsertionOnce();
+    void theKernelAnnouncesAnInsertionOnce_data();
+    void theKernelAnnouncesAnInsertionOnce();
     void onlyWhatIsInsertedIsMountedOrRemoved();
     void aKernelEventCanHaveAnyContent();
 
@@ -464,7 +464,7 @@ void TestBoard::aBoardThatCannotBeMadeFailsEveryCall()
     QCOMPARE(QString::fromLatin1(process.readAllStandardOutput()), failures);
 }
 
-void TestBoard::aBoardThatCannotBeWrittenIsReadAllTheSame()
+void TestBoard::aReadOnlyBoardIsRead()
 {
     const QByteArray directory = Board::pathOf(QString()).toLocal8Bit();
     QCOMPARE(mount(directory, directory, nullptr, MS_BIND, nullptr), 0);
@@ -936,7 +936,7 @@ void TestBoard::aNumberOfCallsFails()
     QVERIFY(!QFile::exists(Board::pathOf("faults/KyTemperature.getTemperature")));
 }
 
-void TestBoard::aFaultIsForItsOperationOnly()
+void TestBoard::aFaultAffectsOnlyItsOperation()
 {
     Board::fault("KyLeds.setLedState", "always");
 
@@ -1036,7 +1036,7 @@ void TestBoard::theJournalIsInOrderOverLibrariesAndProcesses()
     }
 }
 
-void TestBoard::countsAreRightWhateverTheNumberOfWriters()
+void TestBoard::concurrentWritersCountCorrectly()
 {
     QProcess process;
     process.start(QCoreApplication::applicationFilePath(), {"--role", "reset"});
@@ -1052,7 +1052,7 @@ void TestBoard::countsAreRightWhateverTheNumberOfWriters()
     QCOMPARE(Board::journal().count("KyPowerman.wifiSoftReset() = 0"), 1200);
 }
 
-void TestBoard::faultsAreCountedRightWhateverTheNumberOfCallers()
+void TestBoard::concurrentCallersCountFaultsCorrectly()
 {
     Board::fault("KyTemperature.getTemperature", "100");
     std::atomic<int> failures{0};
@@ -1098,7 +1098,7 @@ void TestBoard::noValueIsEverSeenHalfWritten()
     QCOMPARE(torn, QStringList());
 }
 
-void TestBoard::theKernelTellsOfAnInsertionOnce_data()
+void TestBoard::theKernelAnnouncesAnInsertionOnce_data()
 {
     QTest::addColumn<QString>("device");
     QTest::addColumn<QString>("partition");
@@ -1109,7 +1109,7 @@ void TestBoard::theKernelTellsOfAnInsertionOnce_data()
                              << "sda1";
 }
 
-void TestBoard::theKernelTellsOfAnInsertionOnce()
+void TestBoard::theKernelAnnouncesAnInsertionOnce()
 {
     QFETCH(QString, device);
     QFETCH(QString, partition);

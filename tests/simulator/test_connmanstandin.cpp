@@ -60,7 +60,7 @@ private Q_SLOTS:
 
     void itIsSeenAsConnmandAndOwnsItsName();
     void itLeavesNothingWhenKilled();
-    void frozenItAnswersNothingUntilThawed();
+    void suspendedItAnswersNothingUntilResumed();
 
     void theListsHaveConnMansTypes();
     void aServiceWithoutPropertiesStaysOne();
@@ -87,7 +87,7 @@ private Q_SLOTS:
     void connectAnswersAfterTheAgent();
     void connectIsAbortedWhenTheAgentCancels();
     void theAgentsAnswerIsShown();
-    void withoutAnAgentNobodyCanBeAsked();
+    void withoutAnAgentConnectIsRefused();
 
     void aLivelyTechnologyBringsItsNetworks();
     void poweringIsAnsweredBeforeItIsAnnouncedForWifiOnly_data();
@@ -149,7 +149,7 @@ void TestConnmanStandIn::itLeavesNothingWhenKilled()
     standIn.start();
 }
 
-void TestConnmanStandIn::frozenItAnswersNothingUntilThawed()
+void TestConnmanStandIn::suspendedItAnswersNothingUntilResumed()
 {
     standIn.freeze();
     const QDBusPendingCall call = callLater("/", "net.connman.Manager", "GetServices");
@@ -472,7 +472,7 @@ void TestConnmanStandIn::theAgentsAnswerIsShown()
     QCOMPARE(agent.asked, QStringList{QString("(o:\"%1\", {\"Identity\": <5>})").arg(cable)});
 }
 
-void TestConnmanStandIn::withoutAnAgentNobodyCanBeAsked()
+void TestConnmanStandIn::withoutAnAgentConnectIsRefused()
 {
     QCOMPARE(standIn.requestInput(cable, {}),
              QString("com.orvendis.Strandel.ConnManStandIn.NoAgent: no agent is registered"));

@@ -12,7 +12,7 @@ class TestInstrument : public QObject
 
 private Q_SLOTS:
     void aCommandRunsInsideAndItsStatusIsKept();
-    void theInstrumentHasWhatSurroundsTheDaemon();
+    void theInstrumentHasItsSurroundings();
     void ethernetComesUpWithARealConnMan();
     void wifiComesUpWithoutARadio();
     void theDaemonGoesAwayAndComesBack();
@@ -56,7 +56,7 @@ void TestInstrument::aCommandRunsInsideAndItsStatusIsKept()
     QCOMPARE(status, 42);
 }
 
-void TestInstrument::theInstrumentHasWhatSurroundsTheDaemon()
+void TestInstrument::theInstrumentHasItsSurroundings()
 {
     QCOMPARE(output({"sh", "-c",
                      "ls /tmp/User_part; readlink /tmp/User_part/system;"

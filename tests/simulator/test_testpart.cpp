@@ -12,14 +12,14 @@ private Q_SLOTS:
     void everyFunctionIsInOnePart_data();
     void everyFunctionIsInOnePart();
     void withoutPartsAllFunctionsRun();
-    void givenArgumentsAreWhatCounts();
+    void givenArgumentsDisableTheParts();
 };
 
 namespace
 {
 const QString program = QStringLiteral("program");
 const QStringList functions = {"everyFunctionIsInOnePart", "withoutPartsAllFunctionsRun",
-                               "givenArgumentsAreWhatCounts"};
+                               "givenArgumentsDisableTheParts"};
 } // namespace
 
 void TestTestPart::everyFunctionIsInOnePart_data()
@@ -43,7 +43,7 @@ void TestTestPart::withoutPartsAllFunctionsRun()
     QCOMPARE(argumentsOfPart(staticMetaObject, {program}, QString()), QStringList{program});
 }
 
-void TestTestPart::givenArgumentsAreWhatCounts()
+void TestTestPart::givenArgumentsDisableTheParts()
 {
     const QStringList given = {program, "-functions"};
     QCOMPARE(argumentsOfPart(staticMetaObject, given, "1/2"), given);

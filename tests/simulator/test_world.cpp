@@ -38,10 +38,10 @@ private Q_SLOTS:
     void withoutTheOptionNoScreenIsReached();
     void withoutARunningWorldNothingIsJoined();
     void anUnknownOptionIsRefused();
-    void theTwoCommandsSayWhatTheyAre_data();
-    void theTwoCommandsSayWhatTheyAre();
-    void runRefusesWhatItDoesNotUnderstand_data();
-    void runRefusesWhatItDoesNotUnderstand();
+    void bothCommandsNameThemselves_data();
+    void bothCommandsNameThemselves();
+    void runRejectsUnknownOptions_data();
+    void runRejectsUnknownOptions();
 
 private:
     struct Result {
@@ -377,14 +377,14 @@ void TestWorld::anUnknownOptionIsRefused()
     QVERIFY(result.complaint.startsWith("usage: world"));
 }
 
-void TestWorld::theTwoCommandsSayWhatTheyAre_data()
+void TestWorld::bothCommandsNameThemselves_data()
 {
     QTest::addColumn<QString>("shown");
     QTest::newRow("run") << "./run -- COMMAND...";
     QTest::newRow("test") << "./test --long";
 }
 
-void TestWorld::theTwoCommandsSayWhatTheyAre()
+void TestWorld::bothCommandsNameThemselves()
 {
     QFETCH(QString, shown);
     for (const char *option : {"--help", "-h"}) {
@@ -399,7 +399,7 @@ void TestWorld::theTwoCommandsSayWhatTheyAre()
     }
 }
 
-void TestWorld::runRefusesWhatItDoesNotUnderstand_data()
+void TestWorld::runRejectsUnknownOptions_data()
 {
     QTest::addColumn<QString>("complaint");
     const auto row = [](const char *options, const char *complaint) {
@@ -415,7 +415,7 @@ void TestWorld::runRefusesWhatItDoesNotUnderstand_data()
     row("--speed 2 --bogus", "there is no option '--bogus'");
 }
 
-void TestWorld::runRefusesWhatItDoesNotUnderstand()
+void TestWorld::runRejectsUnknownOptions()
 {
     QFETCH(QString, complaint);
     QProcess command;

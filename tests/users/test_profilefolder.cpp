@@ -21,10 +21,10 @@ private Q_SLOTS:
 
     void aDirectoryWithEverythingIsComplete();
     void extraEntriesAndOtherContentsDoNotMatter();
-    void aMissingFileIsNoticed();
-    void aMissingHiddenFileInASubdirectoryIsNoticed();
-    void aMissingHiddenFileIsNoticed();
-    void aFileInPlaceOfADirectoryIsNoticed();
+    void aMissingFileIsDetected();
+    void aMissingHiddenFileInASubdirectoryIsDetected();
+    void aMissingHiddenFileIsDetected();
+    void aFileInPlaceOfADirectoryIsDetected();
     void everythingIsCompleteAgainstAMissingReference();
     void aReferenceThatContainsItselfEndsTheComparison();
 
@@ -36,7 +36,7 @@ private Q_SLOTS:
 
     void copyingMakesTheDestinationWithItsParents();
     void copyingTakesHiddenFilesAndDirectories();
-    void copyingTakesWhatLinksPointAt();
+    void copyingFollowsLinks();
     void copyingKeepsModes();
     void copyingOntoAnExistingFileFails();
     void aCopyLeavesNothingElseBehind();
@@ -87,28 +87,28 @@ void TestProfileFolder::extraEntriesAndOtherContentsDoNotMatter()
     QVERIFY(isFolderComplete(at("default"), at("user")));
 }
 
-void TestProfileFolder::aMissingFileIsNoticed()
+void TestProfileFolder::aMissingFileIsDetected()
 {
     copyFolder(at("default"), made("user"));
     QVERIFY(QFile::remove(path("user/a")));
     QVERIFY(!isFolderComplete(at("default"), at("user")));
 }
 
-void TestProfileFolder::aMissingHiddenFileInASubdirectoryIsNoticed()
+void TestProfileFolder::aMissingHiddenFileInASubdirectoryIsDetected()
 {
     copyFolder(at("default"), made("user"));
     QVERIFY(QFile::remove(path("user/.cache/deep/c")));
     QVERIFY(!isFolderComplete(at("default"), at("user")));
 }
 
-void TestProfileFolder::aMissingHiddenFileIsNoticed()
+void TestProfileFolder::aMissingHiddenFileIsDetected()
 {
     copyFolder(at("default"), made("user"));
     QVERIFY(QFile::remove(path("user/.hidden")));
     QVERIFY(!isFolderComplete(at("default"), at("user")));
 }
 
-void TestProfileFolder::aFileInPlaceOfADirectoryIsNoticed()
+void TestProfileFolder::aFileInPlaceOfADirectoryIsDetected()
 {
     copyFolder(at("default"), made("user"));
     emptyDirectory(path("user/sub"));
@@ -184,7 +184,7 @@ void TestProfileFolder::copyingTakesHiddenFilesAndDirectories()
                                                   ".hidden=H", "a=A", "sub", "sub/b=B"}));
 }
 
-void TestProfileFolder::copyingTakesWhatLinksPointAt()
+void TestProfileFolder::copyingFollowsLinks()
 {
     writeFile(path("elsewhere/file"), "E");
     QVERIFY(QFile::link(path("elsewhere/file"), path("default/filelink")));

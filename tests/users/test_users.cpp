@@ -28,8 +28,8 @@ class TestUsers : public DaemonTest
 
 private Q_SLOTS:
     void getUserNamesTheActiveProfile();
-    void getUserTakesTheNameFromTheLinkWhateverItIs_data();
-    void getUserTakesTheNameFromTheLinkWhateverItIs();
+    void getUserReturnsAnyNameInTheLink_data();
+    void getUserReturnsAnyNameInTheLink();
     void getUserWithoutALinkIsAReadError();
     void everyMethodRefusesOtherArguments();
 
@@ -38,7 +38,7 @@ private Q_SLOTS:
     void startChoosesTheFirstUsableUser();
     void startTakesTheNextUserWhenOneCannotBeActivated();
     void startMakesEveryUserValidAgain();
-    void startWithoutAnyDirectoryServesAllTheSame();
+    void startWithoutAnyDirectorySucceeds();
 
     void setUserSwitchesToACompleteProfileAsItIs();
     void setUserToTheActiveUserDoesNothing();
@@ -57,13 +57,13 @@ private Q_SLOTS:
     void aProfileIsIncompleteBeforeAnythingOfItIsErased();
     void aStartChangesNoProfile();
     void aFileBesideACompleteProfileDoesNotHaveItReplaced();
-    void whatAPowerCutHasLeftGoesWithTheNextRebuild();
-    void whatAPowerCutHasLeftDoesNotMakeAProfileIncomplete();
+    void theNextRebuildRemovesLeftoversOfAPowerCut();
+    void leftoversOfAPowerCutDoNotMakeAProfileIncomplete();
     void aFailedRebuildLeavesNothingBehind();
     void theDefaultProfileIsNeverErased_data();
     void theDefaultProfileIsNeverErased();
     void aProfileFolderThatLeadsNowhereIsRefused();
-    void aProfileThatBelongsToSomebodyElseIsReset();
+    void anotherAccountsProfileIsReset();
     void rootsLinkInAProfilesPlaceIsFollowed();
     void aStrangersLinkInAProfilesPlaceIsNotFollowed();
     void aStrangersLinkOnTheWayToAProfileIsNotFollowed();
@@ -72,7 +72,7 @@ private Q_SLOTS:
     void aStrangersLinkInTheDefaultProfileIsNotRead();
     void aStrangersLinkInThePlaceOfAFileIsLeftAsItIs();
     void aStrangersLinkInThePlaceOfASubdirectoryIsReplaced();
-    void nobodyCanBeActivated();
+    void noUserCanBeActivated();
     void aProfileFolderThatIsAFileInvalidatesTheUserAndIsKept();
     void aDiskThatIsFullInMidCopyInvalidatesTheUserAndKeepsTheLink();
     void anUnreadableDefaultProfileCostsNoUserItsFiles();
@@ -85,9 +85,9 @@ private Q_SLOTS:
     void factoryResetOfAnotherUserLeavesTheLink();
     void factoryResetOfTheActiveUser();
     void factoryResetWithoutALink();
-    void factoryResetRemovesWhatTheUserAdded();
+    void factoryResetRemovesAddedFiles();
     void factoryResetRefusesAnInvalidUser();
-    void factoryResetReportsWhatCannotBeErased();
+    void factoryResetReportsAFailedErase();
     void factoryResetReportsAFailedCopy();
     void factoryResetReportsAnUnreadableDefaultProfileAndErasesNothing();
     void factoryResetDoesNotFollowALinkOutOfTheProfile();
@@ -150,7 +150,7 @@ void TestUsers::getUserNamesTheActiveProfile()
     QCOMPARE(users.call("getUser"), QStringLiteral("(\"user1\")"));
 }
 
-void TestUsers::getUserTakesTheNameFromTheLinkWhateverItIs_data()
+void TestUsers::getUserReturnsAnyNameInTheLink_data()
 {
     QTest::addColumn<QString>("target");
     QTest::addColumn<QString>("name");
@@ -171,7 +171,7 @@ void TestUsers::getUserTakesTheNameFromTheLinkWhateverItIs_data()
                                << "/media/user3";
 }
 
-void TestUsers::getUserTakesTheNameFromTheLinkWhateverItIs()
+void TestUsers::getUserReturnsAnyNameInTheLink()
 {
     QFETCH(QString, target);
     QFETCH(QString, name);
@@ -266,7 +266,7 @@ void TestUsers::startMakesEveryUserValidAgain()
         QVERIFY(isUserValid(user));
 }
 
-void TestUsers::startWithoutAnyDirectoryServesAllTheSame()
+void TestUsers::startWithoutAnyDirectorySucceeds()
 {
     removePath("/tmp/User_part");
     QVERIFY(daemon.start());
@@ -502,7 +502,7 @@ void TestUsers::aFileBesideACompleteProfileDoesNotHaveItReplaced()
     QCOMPARE(snapshot(profile("user2")), before);
 }
 
-void TestUsers::whatAPowerCutHasLeftGoesWithTheNextRebuild()
+void TestUsers::theNextRebuildRemovesLeftoversOfAPowerCut()
 {
     writeFile(profile("user2") + "/.rebuild/measure.conf", "cut sho");
     QVERIFY(QFile::remove(profile("user2") + "/measure.conf"));
@@ -511,7 +511,7 @@ void TestUsers::whatAPowerCutHasLeftGoesWithTheNextRebuild()
     QCOMPARE(snapshot(profile("user2")), snapshot(profile("default_user")));
 }
 
-void TestUsers::whatAPowerCutHasLeftDoesNotMakeAProfileIncomplete()
+void TestUsers::leftoversOfAPowerCutDoNotMakeAProfileIncomplete()
 {
     QVERIFY(QDir().mkdir(profile("user2") + "/.rebuild"));
     QVERIFY(daemon.start());
@@ -581,7 +581,7 @@ void TestUsers::aProfileFolderThatLeadsNowhereIsRefused()
     QCOMPARE(QFile::symLinkTarget(system), profile("user1"));
 }
 
-void TestUsers::aProfileThatBelongsToSomebodyElseIsReset()
+void TestUsers::anotherAccountsProfileIsReset()
 {
     QCOMPARE(QProcess::execute("chown", {"-R", "member", profile("user2")}), 0);
     QVERIFY(QFile::link("/opt", profile("user2") + "/link"));
@@ -688,7 +688,7 @@ void TestUsers::aStrangersLinkInThePlaceOfASubdirectoryIsReplaced()
     removePath("/opt/victim");
 }
 
-void TestUsers::nobodyCanBeActivated()
+void TestUsers::noUserCanBeActivated()
 {
     QFile::remove(system);
     for (const char *user : {"user1", "user2", "user3", "user4"}) {
@@ -867,7 +867,7 @@ void TestUsers::factoryResetWithoutALink()
     QVERIFY(!QFileInfo(system).isSymLink());
 }
 
-void TestUsers::factoryResetRemovesWhatTheUserAdded()
+void TestUsers::factoryResetRemovesAddedFiles()
 {
     writeFile(profile("user2") + "/.mine", "hidden");
     writeFile(profile("user2") + "/a/b/c/mine", "deep");
@@ -884,7 +884,7 @@ void TestUsers::factoryResetRefusesAnInvalidUser()
     QCOMPARE(recorder.take(), QStringList());
 }
 
-void TestUsers::factoryResetReportsWhatCannotBeErased()
+void TestUsers::factoryResetReportsAFailedErase()
 {
     QVERIFY(QDir().mkpath(profile("user2") + "/mounted"));
     const SmallDisk disk(profile("user2") + "/mounted", "");
