@@ -6,6 +6,9 @@
 
 #include "bareqt.h"
 
+#include "barerest.h"
+#include "leds.h"
+
 #include <QCoreApplication>
 #include <QDBusConnection>
 #include <QDBusConnectionInterface>
@@ -17,10 +20,6 @@
 
 namespace
 {
-const char *const leds[] = {"BAT_RS1", "BAT_GS1",  "BAT_GS2",   "BAT_GS3",  "BAT_GS4",
-                            "BAT_GS5", "UTC_SYNC", "RECORDING", "BT",       "WIFI",
-                            "WPS",     "POWER_Y",  "POWER_G",   "SD_STATUS"};
-
 struct ListedService {
     QDBusObjectPath path;
     QVariantMap properties;
@@ -53,8 +52,8 @@ QString BareUsers::getUser(const QDBusMessage &)
 QVariantMap BareLed::getLEDStatus()
 {
     QVariantMap shown;
-    for (const char *led : leds)
-        shown.insert(QString::fromLatin1(led), QStringLiteral("OFF"));
+    for (const NamedValue &led : ledNames())
+        shown.insert(led.name, QStringLiteral("OFF"));
     return shown;
 }
 
@@ -128,18 +127,12 @@ int main(int argc, char *argv[])
     QObject comRoot;
     new BareUsers(&configRoot);
     new BareEthernet(&comRoot);
-    new BareWifi(&comRoot);
-    new BareWifiAp(&comRoot);
-    new BareManager(&deviceRoot);
     new BareAlimentation(&deviceRoot);
     new BareLed(&deviceRoot);
-    new BareNetwork(&deviceRoot);
-    new BareStorage(&deviceRoot);
     new BareTemperature(&deviceRoot);
     new BareVersion(&deviceRoot);
     new BareWatchdog(&deviceRoot);
-    new BareBacklight(&deviceRoot);
-    new BareBrightness(&deviceRoot);
+    addRest(&configRoot, &comRoot, &deviceRoot);
 
     QDBusConnection bus = QDBusConnection::systemBus();
     if (!bus.registerService(QStringLiteral("com.orvendis.Strandel.Bare"))) {

@@ -13,7 +13,10 @@ public:
     explicit Bare(QObject *parent) : QDBusAbstractAdaptor(parent) {}
 };
 
-/* The adaptors of the bare service: seven with one of the daemon's methods, seven with none. */
+/*
+ * The adaptors of the bare service that have a method of the daemon's. Those without one are made
+ * from the introspection documents (barerest.h).
+ */
 
 class BareUsers : public Bare
 {
@@ -99,69 +102,6 @@ public:
 
 public Q_SLOTS:
     QVariantMap getIPv4();
-};
-
-class BareWifi : public Bare
-{
-    Q_OBJECT
-    Q_CLASSINFO("D-Bus Interface", "com.orvendis.Strandel.Bare.WIFI")
-
-public:
-    using Bare::Bare;
-};
-
-class BareWifiAp : public Bare
-{
-    Q_OBJECT
-    Q_CLASSINFO("D-Bus Interface", "com.orvendis.Strandel.Bare.WIFIAP")
-
-public:
-    using Bare::Bare;
-};
-
-class BareManager : public Bare
-{
-    Q_OBJECT
-    Q_CLASSINFO("D-Bus Interface", "com.orvendis.Strandel.Bare.MGR")
-
-public:
-    using Bare::Bare;
-};
-
-class BareNetwork : public Bare
-{
-    Q_OBJECT
-    Q_CLASSINFO("D-Bus Interface", "com.orvendis.Strandel.Bare.Network")
-
-public:
-    using Bare::Bare;
-};
-
-class BareStorage : public Bare
-{
-    Q_OBJECT
-    Q_CLASSINFO("D-Bus Interface", "com.orvendis.Strandel.Bare.Storage")
-
-public:
-    using Bare::Bare;
-};
-
-class BareBacklight : public Bare
-{
-    Q_OBJECT
-    Q_CLASSINFO("D-Bus Interface", "com.orvendis.Strandel.Bare.Backlight")
-
-public:
-    using Bare::Bare;
-};
-
-class BareBrightness : public Bare
-{
-    Q_OBJECT
-    Q_CLASSINFO("D-Bus Interface", "com.orvendis.Strandel.Bare.Brightness")
-
-public:
-    using Bare::Bare;
 };
 
 #endif
