@@ -1,21 +1,7 @@
+#include "adaptors.h"
 #include "board.h"
 #include "daemontest.h"
 #include "introspection.h"
-#include "kyalimentation.h"
-#include "kybrightness.h"
-#include "kyconnmanagent.h"
-#include "kydevicemgr.h"
-#include "kyethernet.h"
-#include "kyled.h"
-#include "kynetwork.h"
-#include "kyscreenbacklight.h"
-#include "kystorage.h"
-#include "kytemperaturewatcher.h"
-#include "kyusermgr.h"
-#include "kyversion.h"
-#include "kywatchdog.h"
-#include "kywifi.h"
-#include "kywifiap.h"
 #include "remote.h"
 
 #include <QDBusMetaType>
@@ -80,17 +66,6 @@ QStringList shownMembers(const QString &path)
     }
     return members;
 }
-
-const QMetaObject *const adaptors[] = {
-    &KyAlimentation::staticMetaObject, &KyBrightness::staticMetaObject,
-    &KyConnmanAgent::staticMetaObject, &KyDeviceMgr::staticMetaObject,
-    &KyEthernet::staticMetaObject,     &KyLED::staticMetaObject,
-    &KyNetwork::staticMetaObject,      &KyScreenBacklight::staticMetaObject,
-    &KyStorage::staticMetaObject,      &KyTemperatureWatcher::staticMetaObject,
-    &KyUserMgr::staticMetaObject,      &KyVersion::staticMetaObject,
-    &KyWatchdog::staticMetaObject,     &KyWifi::staticMetaObject,
-    &KyWifiAp::staticMetaObject,
-};
 
 QString signatureOf(int type)
 {
@@ -222,8 +197,10 @@ void TestIntrospection::everyDocumentSaysWhatItsAdaptorHas()
         QCOMPARE(membersOf(*adaptor).join('\n'),
                  document(files.last()).interfaces.value(interface).join('\n'));
     }
-    files.sort(Qt::CaseInsensitive);
-    QCOMPARE(files, documents());
+    files.sort();
+    QStringList all = documents();
+    all.sort();
+    QCOMPARE(files, all);
 }
 
 void TestIntrospection::theDaemonShowsTheDocuments_data()

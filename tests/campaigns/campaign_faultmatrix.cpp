@@ -2,6 +2,7 @@
 #include "daemontest.h"
 #include "figures.h"
 #include "introspection.h"
+#include "leds.h"
 #include "render.h"
 #include "samplerecords.h"
 
@@ -314,11 +315,6 @@ bool isFault(const char *pattern, const QString &fault)
     return *pattern ? matches(pattern, fault) : isFailure(fault);
 }
 
-/** The LEDs in the order of the daemon's reads. */
-const char *const leds[] = {"BAT_RS1", "BAT_GS1",  "BAT_GS2",   "BAT_GS3",  "BAT_GS4",
-                            "BAT_GS5", "UTC_SYNC", "RECORDING", "BT",       "WIFI",
-                            "WPS",     "POWER_Y",  "POWER_G",   "SD_STATUS"};
-
 /**
  * The change of the usual reply @p usual for an LED that cannot be read or has an invalid state.
  */
@@ -327,7 +323,7 @@ QString ledAnswer(const QString &fault, QString usual)
     if (fault == nonsense)
         return usual.replace(QRegularExpression(QStringLiteral("<\"\\w+\">")),
                              QStringLiteral("<\"UNKNOWN\">"));
-    const QString led = QLatin1String(leds[fault.section(QLatin1Char(' '), 1).toInt()]);
+    const QString led = ledNames().at(fault.section(QLatin1Char(' '), 1).toInt()).name;
     return usual.remove(QRegularExpression(
         QStringLiteral("\"%1\": <\"\\w+\">, |, \"%1\": <\"\\w+\">(?=})").arg(led)));
 }

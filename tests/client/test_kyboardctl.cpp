@@ -2,14 +2,15 @@
 #include "busmonitor.h"
 #include "commands.h"
 #include "daemontest.h"
+#include "documentedarguments.h"
+#include "enumnames.h"
+#include "introspection.h"
 #include "leds.h"
 #include "processes.h"
 
 #include <QJsonDocument>
 #include <QJsonObject>
 #include <QRegularExpression>
-#include <QSet>
-#include <QXmlStreamReader>
 
 #include <csignal>
 
@@ -65,7 +66,8 @@ private Q_SLOTS:
     void statusForMachinesIsOneObject();
     void monitorPrintsEverySignal();
     void monitorNoticesTheDaemonComingAndGoing();
-    void everyMethodOfTheDaemonHasACommand();
+    void everyMemberOfTheDaemonHasACommand();
+    void everyArgumentIsTheDocuments();
     void secretsComeFromStandardInput();
 
 private:
@@ -163,10 +165,10 @@ void TestKyboardctl::aWrongCommandLineSendsNothing_data()
     QTest::newRow("help") << QStringList{"help", "lights"}
                           << "no command 'lights'; 'kyboardctl help' lists them";
     QTest::newRow("status") << QStringList{"status", "now"} << "status: 'now' is one word too many";
-    QTest::newRow("argument") << QStringList{"led", "set", "wifi", "ON"}
-                              << "led set: LED: 'wifi' is not one of BAT_RS1, BAT_GS1, BAT_GS2, "
-                                 "BAT_GS3, BAT_GS4, BAT_GS5, UTC_SYNC, RECORDING, BT, WIFI, WPS, "
-                                 "POWER_Y, POWER_G, SD_STATUS";
+    QTest::newRow("argument")
+        << QStringList{"led", "set", "wifi", "ON"}
+        << "led set: LED: 'wifi' is not one of " +
+               enumNames(registeredEnum(Leds::staticMetaObject, "Led")).join(", ");
     QTest::newRow("option") << QStringList{"--loud", "led", "list"} << "unknown option 'loud'";
     QTest::newRow("short option") << QStringList{"-j", "led", "list"} << "unknown option 'j'";
     QTest::newRow("option's value")
@@ -378,34 +380,58 @@ void TestKyboardctl::monitorNoticesTheDaemonComingAndGoing()
     QVERIFY(monitor.prints("\"signal\":\"left\""));
 }
 
-void TestKyboardctl::everyMethodOfTheDaemonHasACommand()
+void TestKyboardctl::everyMemberOfTheDaemonHasACommand()
 {
     QVERIFY(daemon.start());
-    QSet<QString> reachable;
+    QStringList reachable;
     for (const Command &command : commands())
-        reachable.insert("com.orvendis.Strandel.BoardManager." + command.interface + '.' +
-                         command.method);
+        reachable << command.path + ' ' + command.interface + '.' + command.method +
+                         command.property;
     for (const char *path : {"/KyConfigMgr", "/KyComMgr", "/KyDeviceMgr"}) {
-        const QDBusMessage reply = Remote("com.orvendis.Strandel.BoardManager", path,
-                                          "org.freedesktop.DBus.Introspectable")
-                                       .reply("Introspect");
-        QXmlStreamReader reader(reply.arguments().value(0).toString());
-        QString interface;
-        int methods = 0;
-        while (!reader.atEnd()) {
-            if (reader.readNext() != QXmlStreamReader::StartElement)
-                continue;
-            const QString name = reader.attributes().value("name").toString();
-            if (reader.name() == "interface")
-                interface = name;
-            if (reader.name() != "method" || !interface.startsWith("com.orvendis.Strandel."))
-                continue;
-            ++methods;
-            QVERIFY2(reachable.contains(interface + '.' + name),
-                     qPrintable(interface + ' ' + name));
+        const Introspection object = introspect(path);
+        int members = 0;
+        for (const QString &interface : documentedInterfaces(path)) {
+            const QString name = "com.orvendis.Strandel.BoardManager." + interface;
+            for (const QString &member : object.interfaces.value(name)) {
+                if (member.startsWith("signal "))
+                    continue;
+                ++members;
+                const QString called = member.section(QRegularExpression("[ (]"), 1, 1);
+                QVERIFY2(reachable.contains(path + (' ' + interface + '.' + called)),
+                         qPrintable("client/commands.cpp has no command for " + interface + '.' +
+                                    called));
+            }
         }
-        QVERIFY(methods > 0);
+        QVERIFY(members > 0);
     }
+}
+
+void TestKyboardctl::everyArgumentIsTheDocuments()
+{
+    static const QRegularExpression bounds("\\A(\\d+) to (\\d+)\\z");
+    int compared = 0;
+    for (const Command &command : commands()) {
+        int index = 0;
+        for (const DocumentedArgument &documented : documentedArguments()) {
+            if (documented.interface != command.interface || documented.member != command.method ||
+                documented.direction != "in")
+                continue;
+            const Argument argument = command.arguments.value(index++);
+            const QString place = "client/commands.cpp, " + command.words + ' ' + argument.name;
+            const QRegularExpressionMatch range = bounds.match(documented.range);
+            if (!documented.choices().isEmpty()) {
+                ++compared;
+                QVERIFY2(argument.choices == documented.choices(),
+                         qPrintable(place + ": the document has " + documented.range));
+            } else if (range.hasMatch()) {
+                ++compared;
+                QVERIFY2(argument.minimum == range.captured(1).toLongLong() &&
+                             argument.maximum == range.captured(2).toLongLong(),
+                         qPrintable(place + ": the document has " + documented.range));
+            }
+        }
+    }
+    QVERIFY(compared > 0);
 }
 
 void TestKyboardctl::secretsComeFromStandardInput()

@@ -44,21 +44,15 @@ private:
 
 namespace
 {
-const struct {
-    const char *name;
-    int number;
-} leds[] = {{"BAT_RS1", 0},  {"BAT_GS1", 2},   {"BAT_GS2", 4},    {"BAT_GS3", 6},   {"BAT_GS4", 8},
-            {"BAT_GS5", 10}, {"UTC_SYNC", 12}, {"RECORDING", 14}, {"BT", 16},       {"WIFI", 18},
-            {"WPS", 20},     {"POWER_Y", 22},  {"POWER_G", 24},   {"SD_STATUS", 26}};
-const int ledCount = sizeof leds / sizeof leds[0];
+const QVector<NamedValue> &leds = ledNames();
 
 const char *const states[] = {"OFF", "BLINK_1HZ", "BLINK_3HZ", "ON", "UNKNOWN"};
 
 QString nameOf(int number)
 {
-    for (const auto &row : leds) {
-        if (row.number == number)
-            return row.name;
+    for (const NamedValue &led : leds) {
+        if (led.value == number)
+            return led.name;
     }
     return QString::number(number);
 }
@@ -102,14 +96,14 @@ void TestLed::setLedStatusTakesEveryLedAndEveryState()
 {
     QVERIFY(daemon.start());
     SignalRecorder recorder("/KyDeviceMgr");
-    for (const auto &row : leds) {
+    for (const NamedValue &row : leds) {
         for (int state = 0; state < 5; ++state) {
             Board::clearJournal();
             QCOMPARE(led.call("setLEDStatus", {row.name, states[state]}), QStringLiteral("()"));
             QCOMPARE(
                 Board::journal(),
                 QStringList(
-                    QStringLiteral("KyLeds.setLedState(%1, %2) = 0").arg(row.number).arg(state)));
+                    QStringLiteral("KyLeds.setLedState(%1, %2) = 0").arg(row.value).arg(state)));
             QCOMPARE(Board::get(QStringLiteral("leds/") + row.name), QString(states[state]));
         }
     }
@@ -183,10 +177,10 @@ void TestLed::getLedStatusReturnsTheStateOfEveryLed()
     QVERIFY(daemon.start());
     QStringList calls;
     QStringList entries;
-    for (int row = 0; row < ledCount; ++row) {
+    for (int row = 0; row < leds.size(); ++row) {
         const int state = row % 5;
         Board::set(QStringLiteral("leds/") + leds[row].name, states[state]);
-        calls << QStringLiteral("KyLeds.getLedState(%1) = 0 %2").arg(leds[row].number).arg(state);
+        calls << QStringLiteral("KyLeds.getLedState(%1) = 0 %2").arg(leds[row].value).arg(state);
         entries << QStringLiteral("\"%1\": <\"%2\">").arg(leds[row].name, states[state]);
     }
     entries.sort();
@@ -214,7 +208,7 @@ void TestLed::getLedStatusOfNoReadableLedIsEmpty()
     Board::clearJournal();
 
     QCOMPARE(led.call("getLEDStatus"), QStringLiteral("({})"));
-    QCOMPARE(Board::journal().size(), ledCount);
+    QCOMPARE(Board::journal().size(), leds.size());
 }
 
 void TestLed::getLedStatusReturnsOnlyStateNames()
@@ -222,7 +216,7 @@ void TestLed::getLedStatusReturnsOnlyStateNames()
     QVERIFY(daemon.start());
     Board::fault("KyLeds.getLedState", "garbage");
     QStringList entries;
-    for (const auto &row : leds)
+    for (const NamedValue &row : leds)
         entries << QStringLiteral("\"%1\": <\"UNKNOWN\">").arg(row.name);
     entries.sort();
 

@@ -20,7 +20,7 @@ void TestLinkDocument::theDocumentHoldsTheMachines()
     const QString text = QString::fromUtf8(file.readAll());
 
     QCOMPARE(text.count("<!-- machine: "), 3);
-    QVERIFY2(text == withMachines(text), "run: ninja -C build link_documents");
+    QVERIFY2(text == withMachines(text), "run: ninja -C build documents");
 }
 
 void TestLinkDocument::aStaleDocumentIsUpdated()

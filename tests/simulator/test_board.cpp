@@ -11,6 +11,7 @@
 #include "kypowerman.h"
 #include "kysocmanager.h"
 #include "kytemperature.h"
+#include "leds.h"
 
 #include <QCoreApplication>
 #include <QDir>
@@ -399,10 +400,8 @@ void TestBoard::aNewBoardHasSensibleValues_data()
     };
     for (const auto &value : values)
         QTest::newRow(qPrintable(value.first)) << value.first << value.second;
-    for (const char *led :
-         {"BAT_RS1", "BAT_GS1", "BAT_GS2", "BAT_GS3", "BAT_GS4", "BAT_GS5", "UTC_SYNC", "RECORDING",
-          "BT", "WIFI", "WPS", "POWER_Y", "POWER_G", "SD_STATUS"})
-        QTest::newRow(led) << QStringLiteral("leds/%1").arg(led) << QStringLiteral("OFF");
+    for (const NamedValue &led : ledNames())
+        QTest::newRow(qPrintable(led.name)) << "leds/" + led.name << QStringLiteral("OFF");
 }
 
 void TestBoard::aNewBoardHasSensibleValues()
@@ -715,7 +714,8 @@ void TestBoard::whatTheBoardDoesNotHaveFails_data()
         << Operation([] { return status(KyBacklight().setBrightness(101)); });
     QTest::newRow("LED between two LEDs")
         << Operation([] { return status(KyLeds().setLedState(e_leds(1), LED_ON)); });
-    QTest::newRow("LED behind the last") << Operation([] { return readLed(e_leds(28)); });
+    QTest::newRow("LED behind the last")
+        << Operation([] { return readLed(e_leds(ledNames().last().value + 2)); });
     QTest::newRow("LED state") << Operation(
         [] { return status(KyLeds().setLedState(LED_BT, e_led_state(5))); });
     QTest::newRow("register") << Operation([] { return readRegister(0x601); });
