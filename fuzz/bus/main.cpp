@@ -213,7 +213,7 @@ private:
             ++m_errors;
             if (dbus_message_is_error(message.get(), DBUS_ERROR_NO_REPLY) ||
                 dbus_message_is_error(message.get(), DBUS_ERROR_SERVICE_UNKNOWN))
-                fail("the daemon is not on the bus any more");
+                fail("the daemon has left the bus");
         } else {
             ++m_replies;
             const std::string &wanted = awaited->second.reply;

@@ -237,7 +237,7 @@ QString TestPowerCut::whatIsLeft(const Scenario &scenario) const
         left << QString(now.filter("=r").isEmpty() ? "a part of the old profile, incomplete"
                                                    : "a part of the new profile, incomplete");
     if (snapshot(profile(scenario.user)).size() > now.size())
-        left << "something under way";
+        left << "an unfinished step";
     const QString target = QFile::symLinkTarget(systemLink);
     left << (target.isEmpty()
                  ? "no link"

@@ -131,10 +131,10 @@ std::vector<LinkMutant> mutantsOf(const LinkTable &table)
         changeActions(mutants);
         const LinkCase &from = table.rows[row].from;
         if (from.firmware != LinkFirmware::Any)
-            mutants.edit("whatever the firmware",
+            mutants.edit("with any firmware flag",
                          [](LinkRow &each) { each.from.firmware = LinkFirmware::Any; });
         if (from.condition != LinkCondition::Always)
-            mutants.edit("whatever the condition",
+            mutants.edit("with any condition",
                          [](LinkRow &each) { each.from.condition = LinkCondition::Always; });
     }
     return all;

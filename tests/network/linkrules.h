@@ -5,7 +5,7 @@
 
 #include <vector>
 
-/** What holds for every step of a machine, whatever its surroundings do. */
+/** The rules for every step of a machine. */
 struct LinkRule {
     const char *text;
     bool (*holds)(const LinkOutcome &outcome, LinkKind kind);

@@ -6,10 +6,10 @@
 #include <vector>
 
 /**
- * A course of events, and all that a machine makes of it.
+ * A sequence of events, and a machine's reactions.
  *
- * Each line is "event answers | actions | link": what happens, how the machine's questions are
- * answered in their order, what it does, and what the link is afterwards.
+ * Each line is "event answers | actions | link": the event, the results of the machine's actions
+ * in order, its actions, and the link afterwards.
  */
 struct LinkStory {
     const char *name;
@@ -19,8 +19,7 @@ struct LinkStory {
 
 extern const std::vector<LinkStory> linkStories;
 
-/** The lines of @p story as @p table tells them, up to the first that differs.
- */
+/** The lines of @p story as @p table produces them, up to the first difference. */
 QStringList tell(const LinkStory &story, const LinkTable &table);
 
 #endif

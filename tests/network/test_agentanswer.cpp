@@ -99,7 +99,7 @@ void TestAgentAnswer::thousandsOfOtherFieldsChangeNothing()
 
 void TestAgentAnswer::thousandsOfRequestsLeadToNoThirdAnswer()
 {
-    // Nobody is asking: the refusals reach no bus.
+    // Without a caller: the refusals reach no bus.
     qputenv("DBUS_SYSTEM_BUS_ADDRESS", "unix:path=/nonexistent");
     QObject host;
     KyConnmanAgent agent(&host);

@@ -135,7 +135,7 @@ void TestHostapdTemplate::controlCharactersFitNoLine_data()
     row("blanks and punctuation", " a=b \"c\" #'\\~", true);
     row("accents", QString::fromUtf8("R\xc3\xa9seau"), true);
     row("no-break space, the first after the control characters", QString(QChar(0xa0)), true);
-    row("line separator, two lines to nobody but an editor", QString(QChar(0x2028)), true);
+    row("line separator, a line break only for editors", QString(QChar(0x2028)), true);
     row("outside the basic plane", QString::fromUtf8("\xf0\x9f\x93\xb6"), true);
     row("long", QString(100000, 'x'), true);
     row("line feed", "x\nctrl_interface=/etc", false);

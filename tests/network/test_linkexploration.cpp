@@ -97,9 +97,9 @@ const struct {
     const char *mutant;
     const char *reason;
 } equivalentMutants[] = {
-    {"station", "row 21, ServicesChanged: whatever the firmware",
+    {"station", "row 21, ServicesChanged: with any firmware flag",
      "configuration is only reached with firmware, and a call clears that flag only in idle"},
-    {"station", "row 22, ServicesChanged: whatever the firmware", "the same"},
+    {"station", "row 22, ServicesChanged: with any firmware flag", "the same"},
 };
 } // namespace
 
