@@ -10,7 +10,7 @@
 
 namespace
 {
-constexpr int longestVersion = 8 * 1024 * 1024;
+constexpr int longestVersion = 256 * 1024;
 constexpr int chunkSize = 64 * 1024;
 constexpr int timeoutMs = 3000;
 

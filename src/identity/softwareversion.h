@@ -6,8 +6,8 @@
 #include <optional>
 
 /*
- * The versions of the software around the daemon. A text too long for a D-Bus message (more than 8
- * MiB) does not count as a version.
+ * The versions of the software around the daemon. A text of more than 256 KiB does not count: both
+ * versions have to fit into one message of a bus that takes 1 MiB.
  */
 
 /**
