@@ -123,10 +123,10 @@ TestErrors::Provocation TestErrors::withoutConnman(const Remote &interface)
 void TestErrors::addGeneral(QMap<QString, Provocation> &all)
 {
     all[ofAny("LimitsExceeded", "The map holds too many values")] = [this] {
-        // Every key and every value counts.
         QVariantMap map;
-        for (int entry = 0; entry < 65537; ++entry)
-            map.insert(QString::number(entry), entry);
+        for (const char *key :
+             {"a", "b", "c", "d", "e", "f", "g", "h", "i", "j", "k", "l", "m", "n", "o", "p"})
+            map.insert(key, QVariant::fromValue(QList<int>::fromVector(QVector<int>(10000, 7))));
         return ethernet.reply("setIPv4", {map});
     };
     all[ofAny("UnknownMethod", "No such method '{method}' in interface '{interface}' at object "

@@ -186,7 +186,7 @@ void TestConnmanAgent::fieldsOfAnyShapeAreAbsent()
 void TestConnmanAgent::thousandsOfFieldsAreAbsent()
 {
     QVariantMap fields = passphrase(mandatory);
-    for (int field = 0; field < 15000; ++field)
+    for (int field = 0; field < 10000; ++field)
         fields.insert(QString("Field%1").arg(field), mandatory);
     reach("association");
 

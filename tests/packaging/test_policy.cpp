@@ -9,6 +9,7 @@
 
 #include <grp.h>
 #include <pwd.h>
+#include <signal.h>
 #include <unistd.h>
 
 /** Permissions under the stock rules of the system bus and our policy. */
@@ -25,6 +26,9 @@ private Q_SLOTS:
     void nobodySendsSignalsToTheDaemonAlone();
     void fileDescriptorsAreForNobody_data();
     void fileDescriptorsAreForNobody();
+    void aLargeMessageEndsItsSender_data();
+    void aLargeMessageEndsItsSender();
+    void aFloodIsRefusedInsteadOfQueued();
     void nobodyElseMayOwnTheName();
     void theDaemonsOwnUserMayOwnTheName();
     void everyUserReceivesSignals();
@@ -239,6 +243,69 @@ void TestPolicy::fileDescriptorsAreForNobody()
             QCOMPARE(fate(qPrintable(user), call), QStringLiteral("refused"));
         }
     }
+}
+
+void TestPolicy::aLargeMessageEndsItsSender_data()
+{
+    QTest::addColumn<int>("size");
+    QTest::addColumn<bool>("isTaken");
+    QTest::newRow("just below 1 MiB") << (1 << 20) - 1024 << true;
+    QTest::newRow("1 MiB") << (1 << 20) << false;
+}
+
+void TestPolicy::aLargeMessageEndsItsSender()
+{
+    QFETCH(int, size);
+    QFETCH(bool, isTaken);
+    QVERIFY(daemon.start());
+    const qint64 process = daemon.processId();
+    QDBusConnection bus = QDBusConnection::connectToBus(QDBusConnection::SystemBus, "large");
+    QDBusMessage call = QDBusMessage::createMethodCall(service, "/KyConfigMgr", users, "getUser");
+    call << QByteArray(size, 'x');
+
+    const QDBusMessage reply = bus.call(call, QDBus::Block, 20000);
+
+    // Without a reply, the error depends on who notices the end of the connection first.
+    QCOMPARE(reply.errorName() == QLatin1String("org.freedesktop.DBus.Error.UnknownMethod"),
+             isTaken);
+    QTRY_COMPARE(bus.isConnected(), isTaken);
+    QDBusConnection::disconnectFromBus("large");
+    QCOMPARE(busctl("member", TestPolicy::call(users, "getUser")), QStringLiteral("s \"user1\""));
+    QCOMPARE(daemon.processId(), process);
+}
+
+/** While the daemon reads nothing, a few calls wait in the bus, and it refuses the others. */
+void TestPolicy::aFloodIsRefusedInsteadOfQueued()
+{
+    QVERIFY(daemon.start());
+    QCOMPARE(kill(pid_t(daemon.processId()), SIGSTOP), 0);
+    QDBusMessage call = QDBusMessage::createMethodCall(service, "/KyConfigMgr", users, "getUser");
+    call << QByteArray(1000000, 'x');
+    QList<QDBusConnection> senders;
+    QList<QDBusPendingCall> replies;
+    for (int number = 0; number < 8; ++number) {
+        senders << QDBusConnection::connectToBus(QDBusConnection::SystemBus,
+                                                 QString::number(number));
+        replies << senders.last().asyncCall(call, 60000);
+        replies << senders.last().asyncCall(call, 60000);
+    }
+
+    const auto refused = [&replies] {
+        int count = 0;
+        for (const QDBusPendingCall &reply : qAsConst(replies))
+            count +=
+                reply.isFinished() &&
+                reply.error().name() == QLatin1String("org.freedesktop.DBus.Error.LimitsExceeded");
+        return count;
+    };
+    // 1 MiB and the message that exceeds it are queued; the sockets hold part of another one.
+    QTRY_VERIFY2_WITH_TIMEOUT(refused() >= 13, qPrintable(QString::number(refused())), 20000);
+    QCOMPARE(kill(pid_t(daemon.processId()), SIGCONT), 0);
+
+    QTRY_COMPARE(busctl("member", TestPolicy::call(users, "getUser")),
+                 QStringLiteral("s \"user1\""));
+    for (int number = 0; number < 8; ++number)
+        QDBusConnection::disconnectFromBus(QString::number(number));
 }
 
 /**

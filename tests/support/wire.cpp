@@ -3,6 +3,8 @@
 #include "files.h"
 #include "remote.h"
 
+#include <QFile>
+#include <QProcess>
 #include <QStringList>
 
 #include <dbus/dbus.h>
@@ -195,12 +197,29 @@ void Wire::signal(const QString &path, const QString &interface, const QString &
     dbus_message_unref(message);
 }
 
+namespace
+{
+/** Has the world's bus read @p rules in addition to its own. */
+bool configureBus(const QByteArray &rules)
+{
+    if (!QFile::exists("/run/private-world"))
+        return false;
+    writeFile("/run/dbus/extra.conf", "<busconfig>" + rules + "</busconfig>");
+    return QProcess::execute("busctl", {"--system", "--quiet", "call", "org.freedesktop.DBus", "/",
+                                        "org.freedesktop.DBus", "ReloadConfig"}) == 0;
+}
+} // namespace
+
 bool letDescriptorsThrough()
 {
-    writeFile("/run/dbus/extra.conf",
-              "<busconfig><policy context=\"mandatory\">"
-              "<allow send_destination=\"com.orvendis.Strandel.BoardManager\"/>"
-              "</policy></busconfig>");
-    return Remote("org.freedesktop.DBus", "/org/freedesktop/DBus", "org.freedesktop.DBus")
-               .call("ReloadConfig") == QLatin1String("()");
+    return configureBus("<policy context=\"mandatory\">"
+                        "<allow send_destination=\"com.orvendis.Strandel.BoardManager\"/>"
+                        "</policy>");
+}
+
+bool liftBusLimits()
+{
+    return configureBus("<limit name=\"max_message_size\">33554432</limit>"
+                        "<limit name=\"max_incoming_bytes\">133169152</limit>"
+                        "<limit name=\"max_outgoing_bytes\">133169152</limit>");
 }

@@ -47,4 +47,11 @@ private:
  */
 bool letDescriptorsThrough();
 
+/**
+ * From now on the bus takes messages as large as its own defaults allow, as it would without the
+ * limits that come with the daemon. Only new connections profit: call it before the first one.
+ * False when the bus does not take the limits.
+ */
+bool liftBusLimits();
+
 #endif

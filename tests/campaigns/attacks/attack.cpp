@@ -6,6 +6,8 @@
 //   signals      unicast signals to the service with 16 file descriptors each
 //   large        calls of 30 MB each
 //   texts        calls of 30 MB each with millions of texts
+//   many-texts   calls of just under 1 MiB each with 130,000 texts, over 32 connections at once
+//   many-calls   calls without a break over 250 connections at once, whose replies are never read
 //   calls        calls without a break, whose replies are never read
 //   pending      calls without a break, whose replies are read
 //   deaf         250 connections that subscribe to all signals and never read
@@ -117,10 +119,10 @@ void sendLargeCalls(Attack &attack)
     });
 }
 
-/** 3.9 million texts of one byte each. */
-Message newCallWithTexts(const Method &method)
+/** A call with as many texts of one byte each as fit into @p bytes. */
+Message newCallWithTexts(const Method &method, int bytes)
 {
-    const std::vector<const char *> texts((30 << 20) / 8, "x");
+    const std::vector<const char *> texts(bytes / 8, "x");
     Message message = newCall(method);
     const char *const *data = texts.data();
     dbus_message_append_args(message.get(), DBUS_TYPE_ARRAY, DBUS_TYPE_STRING, &data,
@@ -130,10 +132,42 @@ Message newCallWithTexts(const Method &method)
 
 void sendTexts(Attack &attack)
 {
-    const Message texts = newCallWithTexts(attack.method);
+    const Message texts = newCallWithTexts(attack.method, 30 << 20);
     onConnections(attack, [&](Bus &bus) {
         sendOn(bus, attack, [&] { return Message(dbus_message_copy(texts.get())); });
     });
+}
+
+/** Sends copies of @p message over @p count connections at once, and reads replies if told to. */
+void sendOnMany(Attack &attack, size_t count, const Message &message, bool isReading)
+{
+    std::vector<std::unique_ptr<Bus>> buses(count);
+    for (size_t turn = 0; !attack.isOver(); turn = (turn + 1) % buses.size()) {
+        std::unique_ptr<Bus> &bus = buses[turn];
+        if (!bus || !bus->isConnected()) {
+            bus = std::make_unique<Bus>();
+            ++attack.connections;
+            if (!isReading)
+                bus->stopReading();
+        }
+        if (bus->pendingBytes() < backlog) {
+            bus->send(Message(dbus_message_copy(message.get())));
+            ++attack.sent;
+        }
+        // Writes, too.
+        while (bus->next(0)) {
+        }
+    }
+}
+
+void sendManyTexts(Attack &attack)
+{
+    sendOnMany(attack, 32, newCallWithTexts(attack.method, 1000 << 10), true);
+}
+
+void sendManyUnread(Attack &attack)
+{
+    sendOnMany(attack, 250, newIntrospect(attack.method), false);
 }
 
 void sendUnread(Attack &attack)
@@ -184,6 +218,8 @@ int main(int argc, char *argv[])
         {"signals", sendSignals},
         {"large", sendLargeCalls},
         {"texts", sendTexts},
+        {"many-texts", sendManyTexts},
+        {"many-calls", sendManyUnread},
         {"calls", sendUnread},
         {"pending", sendRead},
         {"deaf", subscribeDeaf},

@@ -58,6 +58,11 @@ void Bus::drain(long bytes, double end)
     }
 }
 
+long Bus::pendingBytes() const
+{
+    return dbus_connection_get_outgoing_size(m_connection);
+}
+
 void Bus::stopReading()
 {
     // Otherwise libdbus stops reading once this much is received and not taken.

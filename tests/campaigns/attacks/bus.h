@@ -36,6 +36,9 @@ public:
     /** Writes until at most @p bytes are pending, the bus ends the connection or @p end. */
     void drain(long bytes, double end);
 
+    /** How many bytes are queued for writing. */
+    long pendingBytes() const;
+
     /** Stops reading from the socket. */
     void stopReading();
 
