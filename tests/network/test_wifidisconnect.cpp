@@ -26,8 +26,8 @@ private Q_SLOTS:
     void aTechnologyThatIsOffWithoutSayingSoEndsIdle();
     void withoutConnManItEndsIdle();
     void aConnManThatDiesMeanwhileEndsIdle();
-    void aConnManThatStandsStillDoesNotHinderTheEnd_data();
-    void aConnManThatStandsStillDoesNotHinderTheEnd();
+    void disconnectEndsDespiteASuspendedConnMan_data();
+    void disconnectEndsDespiteASuspendedConnMan();
     void aSuspendedConnManDoesNotStopThePings();
     void disconnectEndsWhileTheScriptRuns();
     void theModuleOfAnEndedAttemptStaysOff_data();
@@ -269,7 +269,7 @@ void TestWifiDisconnect::aConnManThatDiesMeanwhileEndsIdle()
     QCOMPARE(recorder->waitFor(1), QStringList{idle});
 }
 
-void TestWifiDisconnect::aConnManThatStandsStillDoesNotHinderTheEnd_data()
+void TestWifiDisconnect::disconnectEndsDespiteASuspendedConnMan_data()
 {
     QTest::addColumn<QString>("name");
     QTest::addColumn<QString>("service");
@@ -281,7 +281,7 @@ void TestWifiDisconnect::aConnManThatStandsStillDoesNotHinderTheEnd_data()
     QTest::newRow("online") << "online" << lab << "Cannot remove service";
 }
 
-void TestWifiDisconnect::aConnManThatStandsStillDoesNotHinderTheEnd()
+void TestWifiDisconnect::disconnectEndsDespiteASuspendedConnMan()
 {
     QFETCH(QString, name);
     QFETCH(QString, service);

@@ -22,14 +22,14 @@ private Q_SLOTS:
     void aMemberOfTheGroupMayCall();
     void onlyRootMayAskTheAgent();
     void aStrangerMaySendNothing();
-    void nobodySendsSignalsToTheDaemonAlone_data();
-    void nobodySendsSignalsToTheDaemonAlone();
-    void fileDescriptorsAreForNobody_data();
-    void fileDescriptorsAreForNobody();
+    void unicastSignalsToTheDaemonAreRefused_data();
+    void unicastSignalsToTheDaemonAreRefused();
+    void messagesWithFileDescriptorsAreRefused_data();
+    void messagesWithFileDescriptorsAreRefused();
     void aLargeMessageEndsItsSender_data();
     void aLargeMessageEndsItsSender();
     void aFloodIsRefusedInsteadOfQueued();
-    void nobodyElseMayOwnTheName();
+    void onlyRootAndTheDaemonsUserMayOwnTheName();
     void theDaemonsOwnUserMayOwnTheName();
     void everyUserReceivesSignals();
     void everyRuleNamesItsDestination();
@@ -110,7 +110,7 @@ void TestPolicy::aStrangerMaySendNothing()
     QCOMPARE(QFile::symLinkTarget("/tmp/User_part/system"), profile("user1"));
 }
 
-void TestPolicy::nobodyElseMayOwnTheName()
+void TestPolicy::onlyRootAndTheDaemonsUserMayOwnTheName()
 {
     for (const char *user : {"member", "stranger"}) {
         const QString answer =
@@ -195,7 +195,7 @@ void addRow(const QString &path, const QString &interface, const QString &method
 }
 } // namespace
 
-void TestPolicy::nobodySendsSignalsToTheDaemonAlone_data()
+void TestPolicy::unicastSignalsToTheDaemonAreRefused_data()
 {
     QTest::addColumn<QString>("user");
     QTest::newRow("member") << "member";
@@ -203,7 +203,7 @@ void TestPolicy::nobodySendsSignalsToTheDaemonAlone_data()
 }
 
 /** The stock rules let unicast signals through, and the receiver would have to read them. */
-void TestPolicy::nobodySendsSignalsToTheDaemonAlone()
+void TestPolicy::unicastSignalsToTheDaemonAreRefused()
 {
     QFETCH(QString, user);
     QVERIFY(daemon.start());
@@ -224,14 +224,14 @@ void TestPolicy::nobodySendsSignalsToTheDaemonAlone()
     QCOMPARE(refusals, QStringList{"org.freedesktop.DBus.Error.AccessDenied"});
 }
 
-void TestPolicy::fileDescriptorsAreForNobody_data()
+void TestPolicy::messagesWithFileDescriptorsAreRefused_data()
 {
     QTest::addColumn<QString>("user");
     for (const char *user : {"root", "member", "stranger"})
         QTest::newRow(user) << user;
 }
 
-void TestPolicy::fileDescriptorsAreForNobody()
+void TestPolicy::messagesWithFileDescriptorsAreRefused()
 {
     QFETCH(QString, user);
     QVERIFY(daemon.start());
