@@ -35,6 +35,7 @@ private Q_SLOTS:
     void theWatchdogStarves_data();
     void theWatchdogStarves();
     void backlightDimsTheScreen();
+    void aBatteryThatIsLowIsRed();
     void theStrengthIsShownInBars_data();
     void theStrengthIsShownInBars();
     void aKnobIsWhereTheValueEnds();
@@ -260,6 +261,21 @@ void TestLook::backlightDimsTheScreen()
     QVERIFY(shade("50", "1") > 0.2);
     QVERIFY(shade("0", "1") > shade("50", "1"));
     QVERIFY(shade("100", "0") > shade("0", "1"));
+}
+
+void TestLook::aBatteryThatIsLowIsRed()
+{
+    Instrument instrument = newInstrument();
+    const auto isRed = [&](const char *charge) {
+        instrument.board["battery/charge"] = charge;
+        return lookOf(instrument, 0).opacities.value("battery-low") > 0;
+    };
+    QVERIFY(isRed("0"));
+    QVERIFY(isRed("20"));
+    // Negative while it is being charged.
+    QVERIFY(isRed("-20"));
+    QVERIFY(!isRed("21"));
+    QVERIFY(!isRed("nonsense"));
 }
 
 void TestLook::theStrengthIsShownInBars_data()

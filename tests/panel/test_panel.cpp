@@ -10,6 +10,7 @@
 #include <QApplication>
 #include <QMenu>
 #include <QProcess>
+#include <QSignalSpy>
 #include <QTemporaryDir>
 
 #include <csignal>
@@ -31,6 +32,8 @@ private Q_SLOTS:
     void aCardIsInsertedMountedAndPulled();
     void theChargerAndTheBatteryReachTheDaemon();
     void lightAndTemperatureReachTheDaemon();
+    void theWatchdogIsWatched();
+    void theSpeedIsShown();
     void onlyTheEndOfADragCounts();
     void aValueIsSetAgain();
     void aHandThatHangsHoldsNoOtherBack();
@@ -182,8 +185,28 @@ void TestPanel::lightAndTemperatureReachTheDaemon()
              QStringLiteral("({\"ANALOG_CHAIN\": <38>, \"SOM\": <60>})"));
 }
 
+void TestPanel::theWatchdogIsWatched()
+{
+    Board::set("watchdog/feeds", "5");
+    QVERIFY(shows("watchdog-text", "fed 5 times"));
+    QFile feeds(Board::pathOf("watchdog/feeds"));
+    QVERIFY(feeds.open(QIODevice::ReadWrite));
+    QVERIFY(feeds.setFileTime(QDateTime::currentDateTime().addSecs(-40),
+                              QFileDevice::FileModificationTime));
+    QVERIFY(shows("watchdog-text", "fed 5 times, starving"));
+}
+
+void TestPanel::theSpeedIsShown()
+{
+    writeFile("/run/strandel-speed", "60\n");
+    QVERIFY(shows("speed-text", "time passes 60 times faster"));
+    removePath("/run/strandel-speed");
+    QVERIFY(shows("speed-text", ""));
+}
+
 void TestPanel::onlyTheEndOfADragCounts()
 {
+    QSignalSpy commands(panel.get(), &PanelWidget::commandRan);
     QTest::mousePress(panel.get(), Qt::LeftButton, {}, panel->placeOf("battery-track", 0.5));
     for (int percent = 49; percent >= 20; --percent) {
         QMouseEvent move(QEvent::MouseMove, panel->placeOf("battery-track", percent / 100.0),
@@ -193,6 +216,7 @@ void TestPanel::onlyTheEndOfADragCounts()
     QTest::mouseRelease(panel.get(), Qt::LeftButton, {}, panel->placeOf("battery-track", 0.2));
     QVERIFY(shows("battery-charge", "20 %"));
     QCOMPARE(text("command"), QStringLiteral("./run -- battery 20"));
+    QCOMPARE(commands.size(), 2);
     // Moving on without pressing has no effect.
     QMouseEvent move(QEvent::MouseMove, panel->placeOf("battery-track", 0.9), Qt::NoButton,
                      Qt::NoButton, Qt::NoModifier);
