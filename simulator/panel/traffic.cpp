@@ -4,6 +4,8 @@
 #include <QJsonArray>
 #include <QStringList>
 
+#include <algorithm>
+
 namespace
 {
 const QString ownPrefix = QStringLiteral("com.orvendis.Strandel.BoardManager.");
@@ -65,6 +67,19 @@ QString TrafficLine::text() const
     return {};
 }
 
+/** Removes a call from the calls without a reply; returns an empty one if it is unknown. */
+Traffic::Call Traffic::takeCall(const QString &caller, int serial)
+{
+    const auto call = std::find_if(m_calls.begin(), m_calls.end(), [&](const Call &other) {
+        return other.serial == serial && other.caller == caller;
+    });
+    if (call == m_calls.end())
+        return {};
+    const Call found = *call;
+    m_calls.erase(call);
+    return found;
+}
+
 bool Traffic::take(const QJsonObject &message, const QString &ignored, TrafficLine &line)
 {
     const auto field = [&](const char *name) { return message.value(QLatin1String(name)); };
@@ -80,13 +95,14 @@ bool Traffic::take(const QJsonObject &message, const QString &ignored, TrafficLi
     line.values = argumentsText(message);
     if (type == QLatin1String("method_call")) {
         line.kind = TrafficLine::Call;
-        m_calls.insert(sender + QString::number(field("cookie").toInt()),
-                       {line.interface, line.member});
+        if (m_calls.size() == mostCalls)
+            m_calls.removeFirst();
+        m_calls << Call{sender, field("cookie").toInt(), line.interface, line.member};
     } else if (type == QLatin1String("signal")) {
         line.kind = TrafficLine::Signal;
     } else {
         line.kind = TrafficLine::Reply;
-        const Call call = m_calls.take(receiver + QString::number(field("reply_cookie").toInt()));
+        const Call call = takeCall(receiver, field("reply_cookie").toInt());
         line.interface = call.interface;
         line.member = call.member;
         if (type == QLatin1String("method_error") || type == QLatin1String("error")) {

@@ -1,10 +1,10 @@
 #ifndef TRAFFIC_H
 #define TRAFFIC_H
 
-#include <QHash>
 #include <QJsonObject>
 #include <QJsonValue>
 #include <QString>
+#include <QVector>
 
 /** A message to or from the daemon, formatted for people. */
 struct TrafficLine {
@@ -27,6 +27,9 @@ struct TrafficLine {
 class Traffic
 {
 public:
+    /** The most calls that wait for their replies; for more, the oldest are forgotten. */
+    static constexpr int mostCalls = 1000;
+
     /**
      * @param message the next message of the bus
      * @param ignored a bus name whose calls, and the replies to them, are left out
@@ -37,11 +40,16 @@ public:
 
 private:
     struct Call {
+        QString caller;
+        int serial;
         QString interface;
         QString member;
     };
-    /** Calls without a reply yet, by their caller and serial. */
-    QHash<QString, Call> m_calls;
+
+    Call takeCall(const QString &caller, int serial);
+
+    /** Calls without a reply yet, the oldest first; some never get one. */
+    QVector<Call> m_calls;
 };
 
 /** A value of busctl's output, formatted for people; variants are unwrapped. */

@@ -54,6 +54,7 @@ private Q_SLOTS:
     void messagesAreLines_data();
     void messagesAreLines();
     void repliesBearTheNameOfTheirCall();
+    void callsWithoutAReplyAreForgotten();
 
 private:
     static Instrument newInstrument();
@@ -559,6 +560,33 @@ void TestLook::repliesBearTheNameOfTheirCall()
     QVERIFY(take("{\"type\":\"error\",\"reply_cookie\":5,\"destination\":\":1.7\","
                  "\"error_name\":\"a.b\",\"payload\":{\"data\":[\"why\"]}}"));
     QCOMPARE(line.text().mid(12), QStringLiteral("  error   Users.getUser: a.b \"why\""));
+}
+
+void TestLook::callsWithoutAReplyAreForgotten()
+{
+    Traffic traffic;
+    TrafficLine line;
+    const auto call = [&](int serial) {
+        traffic.take({{"type", "method_call"},
+                      {"sender", ":1.7"},
+                      {"cookie", serial},
+                      {"member", "setUser"}},
+                     QString(), line);
+    };
+    const auto isKnownReply = [&](int serial) {
+        return traffic.take(
+            {{"type", "method_return"}, {"destination", ":1.7"}, {"reply_cookie", serial}},
+            QString(), line);
+    };
+    for (int serial = 0; serial <= Traffic::mostCalls; ++serial)
+        call(serial);
+    QVERIFY(!isKnownReply(0));
+    QVERIFY(isKnownReply(1));
+    QVERIFY(isKnownReply(Traffic::mostCalls));
+    // The two replies left room for two calls.
+    call(0);
+    call(1);
+    QVERIFY(isKnownReply(2));
 }
 
 Q_DECLARE_METATYPE(Scale)
