@@ -7,7 +7,7 @@
 namespace
 {
 /** ConnMan's timeout for a person who types a passphrase. */
-const int answerTimeout = 120000;
+constexpr int answerTimeoutMs = 120000;
 } // namespace
 
 Agents::Agents(QObject *parent) : QObject(parent)
@@ -60,7 +60,7 @@ void Agents::call(const QString &connection, const QString &method,
         connection, m_paths.value(connection), QStringLiteral("net.connman.Agent"), method);
     message.setArguments(arguments);
     auto *watcher = new QDBusPendingCallWatcher(
-        QDBusConnection::systemBus().asyncCall(message, answerTimeout), this);
+        QDBusConnection::systemBus().asyncCall(message, answerTimeoutMs), this);
     QObject::connect(watcher, &QDBusPendingCallWatcher::finished, this, [watcher, answered] {
         watcher->deleteLater();
         answered(QDBusPendingReply<>(*watcher).reply());

@@ -1,6 +1,5 @@
 #include "connman.h"
 
-#include "lively.h"
 #include "reply.h"
 #include "serviceproperty.h"
 
@@ -9,6 +8,7 @@
 
 #include <algorithm>
 #include <utility>
+
 namespace
 {
 const QString managerInterface = QStringLiteral("net.connman.Manager");
@@ -116,9 +116,9 @@ void Connman::setServices(const ListedObjects &services)
     m_services = services;
 }
 
-void Connman::setLively(Lively *lively)
+void Connman::setBehaviour(Behaviour *behaviour)
 {
-    m_lively = lively;
+    m_behaviour = behaviour ? behaviour : &m_still;
 }
 
 void Connman::addService(const ListedObject &service)
@@ -191,7 +191,7 @@ void Connman::announceState()
 
 void Connman::askOnConnect(const QString &service, const QVariantMap &fields)
 {
-    m_questions.insert(service, fields);
+    m_still.askOnConnect(service, fields);
 }
 
 QString Connman::state() const
@@ -257,12 +257,7 @@ void Connman::setTechnologyProperty(const QDBusMessage &call)
         return;
     }
     if (value != property(call.path(), name)) {
-        if (m_lively) {
-            m_lively->setPowered(call, value.toBool());
-            return;
-        }
-        storeProperty(call.path(), name, value);
-        answer(call);
+        m_behaviour->setPowered(call, value.toBool());
         return;
     }
     if (value.toBool()) {
@@ -278,11 +273,7 @@ void Connman::scan(const QDBusMessage &call)
         refuse(call, "NotSupported", "Not supported");
         return;
     }
-    if (m_lively) {
-        m_lively->scan(call);
-        return;
-    }
-    answer(call);
+    m_behaviour->scan(call);
 }
 
 void Connman::setServiceProperty(const QDBusMessage &call)
@@ -297,44 +288,19 @@ void Connman::setServiceProperty(const QDBusMessage &call)
         refuse(call, "InvalidArguments", "Invalid arguments");
         return;
     case PropertyVerdict::Accepted:
-        if (m_lively) {
-            m_lively->setServiceProperty(call, name, value);
-            return;
-        }
-        storeProperty(call.path(), name, value);
-        answer(call);
+        m_behaviour->setServiceProperty(call, name, value);
         return;
     }
 }
 
 void Connman::connectService(const QDBusMessage &call)
 {
-    if (m_lively) {
-        m_lively->connectService(call);
-        return;
-    }
-    if (!m_questions.contains(call.path()) || !m_agents.has(call.service())) {
-        answer(call);
-        return;
-    }
-    const QList<QVariant> question = {QVariant::fromValue(QDBusObjectPath(call.path())),
-                                      m_questions.value(call.path())};
-    m_agents.call(call.service(), QStringLiteral("RequestInput"), question,
-                  [call](const QDBusMessage &reply) {
-                      if (reply.type() == QDBusMessage::ReplyMessage)
-                          answer(call);
-                      else
-                          refuse(call, "OperationAborted", "Operation aborted");
-                  });
+    m_behaviour->connectService(call);
 }
 
 void Connman::disconnectService(const QDBusMessage &call)
 {
-    if (m_lively) {
-        m_lively->disconnectService(call);
-        return;
-    }
-    answer(call);
+    m_behaviour->disconnectService(call);
 }
 
 void Connman::removeService(const QDBusMessage &call)
@@ -343,9 +309,5 @@ void Connman::removeService(const QDBusMessage &call)
         refuse(call, "NotSupported", "Not supported");
         return;
     }
-    if (m_lively) {
-        m_lively->removeService(call);
-        return;
-    }
-    answer(call);
+    m_behaviour->removeService(call);
 }

@@ -3,12 +3,11 @@
 
 #include "agents.h"
 #include "listedobject.h"
+#include "still.h"
 
 #include <QDBusMessage>
 #include <QObject>
 #include <QSet>
-
-class Lively;
 
 /**
  * ConnMan's state and behaviour: its technologies, services and agents, and the methods of the
@@ -32,8 +31,8 @@ public:
     void setTechnologies(const ListedObjects &technologies);
     void setServices(const ListedObjects &services);
 
-    /** Sets the object that carries out the consequences of calls; null for none. */
-    void setLively(Lively *lively);
+    /** Sets what carries out the accepted calls; null for Still. */
+    void setBehaviour(Behaviour *behaviour);
 
     void addService(const ListedObject &service);
     void dropService(const QString &path);
@@ -107,8 +106,8 @@ private:
     ListedObjects m_technologies;
     ListedObjects m_services;
     QSet<QString> m_announced;
-    QMap<QString, QVariantMap> m_questions;
-    Lively *m_lively = nullptr;
+    Still m_still{*this};
+    Behaviour *m_behaviour = &m_still;
     bool m_asyncScan = false;
 };
 

@@ -220,7 +220,7 @@ void Control::callAgent(const QDBusMessage &call)
 
 void Control::setLively(const QDBusMessage &call)
 {
-    m_connman.setLively(call.arguments().at(0).toBool() ? &m_lively : nullptr);
+    m_connman.setBehaviour(call.arguments().at(0).toBool() ? &m_lively : nullptr);
     answer(call);
 }
 

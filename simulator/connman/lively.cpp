@@ -8,7 +8,7 @@
 namespace
 {
 /** How long ConnMan collects changes of the list before it announces them. */
-const int announcementDelay = 100;
+constexpr int announcementDelayMs = 100;
 
 const QString configurationKey = QStringLiteral("IPv4.Configuration");
 const QString errorKey = QStringLiteral("Error");
@@ -190,7 +190,7 @@ void Lively::setConnected(const QString &service, bool connected)
 void Lively::announceServicesSoon()
 {
     if (!m_announcement.isActive())
-        m_announcement.start(announcementDelay);
+        m_announcement.start(announcementDelayMs);
 }
 
 /** A cable is connected before its list is announced. */

@@ -14,7 +14,7 @@
  * A cable in a powered socket is connected at once, to a DHCP server that leases 10.77.0.72. A
  * network is joined on Connect, with the passphrase of the caller's agent.
  */
-class Lively : public QObject
+class Lively : public QObject, public Behaviour
 {
     Q_OBJECT
 
@@ -31,12 +31,13 @@ public:
     void setPassphrase(const QString &service, const QString &passphrase);
 
     /** Carries out a call, announces its consequences and replies. */
-    void setPowered(const QDBusMessage &call, bool powered);
-    void setServiceProperty(const QDBusMessage &call, const QString &name, const QVariant &value);
-    void connectService(const QDBusMessage &call);
-    void disconnectService(const QDBusMessage &call);
-    void removeService(const QDBusMessage &call);
-    void scan(const QDBusMessage &call);
+    void setPowered(const QDBusMessage &call, bool powered) override;
+    void setServiceProperty(const QDBusMessage &call, const QString &name,
+                            const QVariant &value) override;
+    void connectService(const QDBusMessage &call) override;
+    void disconnectService(const QDBusMessage &call) override;
+    void removeService(const QDBusMessage &call) override;
+    void scan(const QDBusMessage &call) override;
 
 private:
     bool isConnected(const QString &service) const;

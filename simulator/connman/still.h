@@ -1,0 +1,32 @@
+#ifndef STILL_H
+#define STILL_H
+
+#include "behaviour.h"
+
+#include <QMap>
+
+class Connman;
+
+/** Stores properties, asks the agent where a test wants it, and does nothing else. */
+class Still : public Behaviour
+{
+public:
+    explicit Still(Connman &connman) : m_connman(connman) {}
+
+    /** Connect of this service asks the caller's agent for @p fields before it replies. */
+    void askOnConnect(const QString &service, const QVariantMap &fields);
+
+    void setPowered(const QDBusMessage &call, bool powered) override;
+    void setServiceProperty(const QDBusMessage &call, const QString &name,
+                            const QVariant &value) override;
+    void connectService(const QDBusMessage &call) override;
+    void disconnectService(const QDBusMessage &call) override;
+    void removeService(const QDBusMessage &call) override;
+    void scan(const QDBusMessage &call) override;
+
+private:
+    Connman &m_connman;
+    QMap<QString, QVariantMap> m_questions;
+};
+
+#endif
