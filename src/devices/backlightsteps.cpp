@@ -35,3 +35,15 @@ int backlightEntry(int step)
 {
     return step < lastEntry ? step : lastEntry;
 }
+
+std::optional<int> requestedPercentage(int step, const BacklightSteps &steps)
+{
+    if (!isBacklightStep(step))
+        return std::nullopt;
+    return steps.percentage[backlightEntry(step)];
+}
+
+bool isPercentage(int percentage)
+{
+    return percentage >= 0 && percentage <= 100;
+}

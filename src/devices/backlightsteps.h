@@ -1,6 +1,8 @@
 #ifndef BACKLIGHTSTEPS_H
 #define BACKLIGHTSTEPS_H
 
+#include <optional>
+
 /*
  * The steps of the screen backlight: converts a percentage to a step, and a step to a percentage.
  */
@@ -11,7 +13,7 @@ struct BacklightSteps {
 };
 
 /** The step of a percentage above the whole table. */
-const int stepAboveAll = 15;
+constexpr int stepAboveAll = 15;
 
 /**
  * Returns the step of @p percentage: the first of 1 to 12 that is not below it, or stepAboveAll.
@@ -42,5 +44,11 @@ bool isBacklightStep(int step);
 
 /** Returns the table entry of @p step (0 or more): the last one for all steps above it. */
 int backlightEntry(int step);
+
+/** The percentage of @p step, as a client asks for it; nothing if it may not ask for that step. */
+std::optional<int> requestedPercentage(int step, const BacklightSteps &steps);
+
+/** Whether @p percentage is one: 0 to 100. */
+bool isPercentage(int percentage);
 
 #endif

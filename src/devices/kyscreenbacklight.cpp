@@ -26,7 +26,7 @@ const ErrorText setBacklightStepErrors[] = {
 /** Sets the backlight to @p percentage, which may be out of range. */
 int write(int percentage)
 {
-    if (percentage < 0 || percentage > 100)
+    if (!isPercentage(percentage))
         return Error::InvalidArgument;
     return writeScreenLight(percentage) ? Error::None : Error::Write;
 }
@@ -74,10 +74,10 @@ void KyScreenBacklight::setBacklightStep(bool autoBacklight, int getBacklightSte
                                          const QDBusMessage &message)
 {
     m_autoBacklight = autoBacklight;
+    const std::optional<int> percentage = requestedPercentage(getBacklightStep, m_steps);
     int code = Error::InvalidArgument;
-    if (isBacklightStep(getBacklightStep))
-        code = autoBacklight ? followLight()
-                             : write(m_steps.percentage[backlightEntry(getBacklightStep)]);
+    if (percentage)
+        code = autoBacklight ? followLight() : write(*percentage);
     reportFailure(code, setBacklightStepErrors, message);
 }
 
@@ -105,9 +105,7 @@ int KyScreenBacklight::followLight()
         return Error::Read;
     const int step = stepForLevel(m_brightness->levelOf(*lux)).step;
     const int percentage = m_steps.percentage[step];
-    if (write(percentage) == Error::None)
-        Q_EMIT backlightChanged(percentage, step);
-    else
-        Q_EMIT backlightChanged(-1, -1);
+    const bool isSet = write(percentage) == Error::None;
+    Q_EMIT backlightChanged(isSet ? percentage : -1, isSet ? step : -1);
     return Error::None;
 }

@@ -3,15 +3,11 @@
 #include "arguments.h"
 #include "boardrevision.h"
 #include "boardrevisions.h"
-#include "busvalue.h"
 #include "error.h"
 #include "instrumentrecord.h"
-#include "keptrecord.h"
 #include "measurerecord.h"
 #include "softwareversion.h"
 #include "terminationsignals.h"
-
-#include <QCoreApplication>
 
 namespace
 {
@@ -40,14 +36,7 @@ QVariantMap KyVersion::getEepromInstrument()
 
 void KyVersion::setEepromInstrument(const QVariantMap &map, const QDBusMessage &message)
 {
-    m_instrument.clear();
-    const QVariantMap fields = instrumentFields(map);
-    if (fields.isEmpty() || !canBeKept(fields)) {
-        sendErrorReply(Error::Write, notValid, message);
-        return;
-    }
-    m_instrument = keptRecord(map, fields);
-    writeRecord(EEPROM_INSTRUMENT, encodeInstrumentRecord(basicMap(fields)), m_instrument, message);
+    setRecord(EEPROM_INSTRUMENT, newInstrumentRecord(map), m_instrument, message);
 }
 
 QVariantMap KyVersion::getEepromMesure()
@@ -59,17 +48,7 @@ QVariantMap KyVersion::getEepromMesure()
 
 void KyVersion::setEepromMesure(const QVariantMap &map, const QDBusMessage &message)
 {
-    m_measure.clear();
-    const QVariantMap fields = measureFields(map);
-    if (fields.isEmpty() || !canBeKept(fields)) {
-        sendErrorReply(Error::Write, notValid, message);
-        return;
-    }
-    m_measure = keptRecord(map, fields);
-    const QVector<quint32> coefficients =
-        toNumbers(fields.value(QStringLiteral("AdjustementCoefficients")));
-    writeRecord(EEPROM_MESURE, encodeMeasureRecord(basicMap(fields), coefficients), m_measure,
-                message);
+    setRecord(EEPROM_MESURE, newMeasureRecord(map), m_measure, message);
 }
 
 void KyVersion::invalidateEepromsContent(const QDBusMessage &message)
@@ -91,23 +70,23 @@ QVariantMap KyVersion::getRevision()
 
 QVariantMap KyVersion::getSoftwareVersions()
 {
-    if (!m_softwareVersions.isEmpty())
-        return m_softwareVersions;
-    if (const auto version = readBspVersion())
-        m_softwareVersions.insert(QStringLiteral("BSP"), *version);
-    m_softwareVersions.insert(QStringLiteral("KyBoardManager"),
-                              QCoreApplication::applicationVersion());
-    if (const auto version = askApplicationVersion())
-        m_softwareVersions.insert(QStringLiteral("KyApp"), *version);
+    if (m_softwareVersions.isEmpty())
+        m_softwareVersions = readSoftwareVersions();
     return m_softwareVersions;
 }
 
-/** Writes @p record and marks @p cache, which holds its values, as valid. */
-void KyVersion::writeRecord(e_eeprom eeprom, const QByteArray &record, QVariantMap &cache,
-                            const QDBusMessage &message)
+/** Writes @p record and keeps its values in @p cache; sends an error if there is none. */
+void KyVersion::setRecord(e_eeprom eeprom, const std::optional<NewRecord> &record,
+                          QVariantMap &cache, const QDBusMessage &message)
 {
+    cache.clear();
+    if (!record) {
+        sendErrorReply(Error::Write, notValid, message);
+        return;
+    }
+    cache = record->kept;
     // Also after a failed write: clients see the values that they have set.
-    if (write({{eeprom, record}}, message))
+    if (write({{eeprom, record->bytes}}, message))
         cache.insert(crc, true);
 }
 

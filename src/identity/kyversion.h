@@ -4,6 +4,7 @@
 #include "eeproms.h"
 #include "introspection/Version.h"
 #include "kyboardrev.h"
+#include "newrecord.h"
 
 #include <QDBusAbstractAdaptor>
 #include <QVariantMap>
@@ -84,8 +85,8 @@ public Q_SLOTS:
     QVariantMap getSoftwareVersions();
 
 private:
-    void writeRecord(e_eeprom eeprom, const QByteArray &record, QVariantMap &cache,
-                     const QDBusMessage &message);
+    void setRecord(e_eeprom eeprom, const std::optional<NewRecord> &record, QVariantMap &cache,
+                   const QDBusMessage &message);
     bool write(const QVector<Eeproms::Content> &contents, const QDBusMessage &message);
 
     KyBoardRev m_boardRev;

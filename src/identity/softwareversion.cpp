@@ -2,6 +2,7 @@
 
 #include "regularfile.h"
 
+#include <QCoreApplication>
 #include <QElapsedTimer>
 #include <QFile>
 #include <QProcess>
@@ -10,8 +11,8 @@
 
 namespace
 {
-constexpr int longestVersion = 256 * 1024;
-constexpr int chunkSize = 64 * 1024;
+constexpr int longestVersionBytes = 256 * 1024;
+constexpr int chunkBytes = 64 * 1024;
 constexpr int timeoutMs = 3000;
 
 using Finished = void (QProcess::*)(int, QProcess::ExitStatus);
@@ -21,14 +22,14 @@ void waitForEnd(QProcess &process)
 {
     QElapsedTimer timer;
     timer.start();
-    while (process.bytesAvailable() <= longestVersion) {
+    while (process.bytesAvailable() <= longestVersionBytes) {
         const int remaining = timeoutMs - static_cast<int>(timer.elapsed());
         if (remaining <= 0 || !process.waitForReadyRead(remaining))
             break;
     }
     // The process can close its output before it ends.
     const int remaining = timeoutMs - static_cast<int>(timer.elapsed());
-    if (process.bytesAvailable() <= longestVersion && remaining > 0)
+    if (process.bytesAvailable() <= longestVersionBytes && remaining > 0)
         process.waitForFinished(remaining);
 }
 } // namespace
@@ -42,11 +43,11 @@ std::optional<QByteArray> readBspVersion()
     QByteArray line;
     QByteArray chunk;
     do {
-        chunk = file.read(chunkSize);
+        chunk = file.read(chunkBytes);
         line += chunk;
-    } while (!chunk.isEmpty() && !chunk.contains('\n') && line.size() <= longestVersion);
+    } while (!chunk.isEmpty() && !chunk.contains('\n') && line.size() <= longestVersionBytes);
     line = line.mid(0, line.indexOf('\n'));
-    if (line.size() > longestVersion)
+    if (line.size() > longestVersionBytes)
         return std::nullopt;
     return line.trimmed();
 }
@@ -67,7 +68,18 @@ std::optional<QByteArray> askApplicationVersion()
     }
     if (process->error() == QProcess::FailedToStart ||
         process->exitStatus() != QProcess::NormalExit || process->exitCode() != 0 ||
-        process->bytesAvailable() > longestVersion)
+        process->bytesAvailable() > longestVersionBytes)
         return std::nullopt;
     return process->readAllStandardOutput().trimmed();
+}
+
+QVariantMap readSoftwareVersions()
+{
+    QVariantMap versions;
+    if (const auto version = readBspVersion())
+        versions.insert(QStringLiteral("BSP"), *version);
+    versions.insert(QStringLiteral("KyBoardManager"), QCoreApplication::applicationVersion());
+    if (const auto version = askApplicationVersion())
+        versions.insert(QStringLiteral("KyApp"), *version);
+    return versions;
 }

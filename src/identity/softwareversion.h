@@ -2,6 +2,7 @@
 #define SOFTWAREVERSION_H
 
 #include <QByteArray>
+#include <QVariantMap>
 
 #include <optional>
 
@@ -24,5 +25,8 @@ std::optional<QByteArray> readBspVersion();
  *         exit code other than 0
  */
 std::optional<QByteArray> askApplicationVersion();
+
+/** Returns all versions by their names on the bus, without those that cannot be found out. */
+QVariantMap readSoftwareVersions();
 
 #endif

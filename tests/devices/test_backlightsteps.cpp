@@ -17,6 +17,8 @@ private Q_SLOTS:
 
     void aStepIsCheckedAndFoundInTheTable_data();
     void aStepIsCheckedAndFoundInTheTable();
+    void aRequestedStepHasItsPercentage();
+    void aPercentageIsFromZeroToHundred();
     void theLightsLevelAsksForAStep_data();
     void theLightsLevelAsksForAStep();
 };
@@ -134,6 +136,23 @@ void TestBacklightSteps::aStepIsCheckedAndFoundInTheTable()
     QTEST(hasBacklightEntry(step), "hasEntry");
     if (step >= 0)
         QCOMPARE(backlightEntry(step), entry);
+}
+
+void TestBacklightSteps::aRequestedStepHasItsPercentage()
+{
+    QCOMPARE(requestedPercentage(0, factory).value_or(-1), 15);
+    QCOMPARE(requestedPercentage(12, factory).value_or(-1), 100);
+    QCOMPARE(requestedPercentage(13, factoryWith(12, 99)).value_or(-1), 99);
+    for (const int step : {-1, 14, INT_MIN, INT_MAX})
+        QVERIFY(!requestedPercentage(step, factory));
+}
+
+void TestBacklightSteps::aPercentageIsFromZeroToHundred()
+{
+    for (const int percentage : {0, 1, 99, 100})
+        QVERIFY(isPercentage(percentage));
+    for (const int percentage : {-1, 101, INT_MIN, INT_MAX})
+        QVERIFY(!isPercentage(percentage));
 }
 
 void TestBacklightSteps::theLightsLevelAsksForAStep_data()
