@@ -20,7 +20,7 @@ const QString daemonService = QStringLiteral("com.orvendis.Strandel.BoardManager
 namespace
 {
 /** The longest that a method of the daemon takes when everything it waits for is slow. */
-int replyTimeout = 60000;
+int replyTimeoutMs = 60000;
 
 /** Empty for the system bus of this machine. */
 QString selectedAddress;
@@ -128,7 +128,7 @@ QDBusConnection bus()
 
 void setCallTimeout(int seconds)
 {
-    replyTimeout = std::min(seconds, std::numeric_limits<int>::max() / 1000) * 1000;
+    replyTimeoutMs = std::min(seconds, std::numeric_limits<int>::max() / 1000) * 1000;
 }
 
 Answer findDaemon()
@@ -147,15 +147,15 @@ Answer send(const QDBusMessage &message, QDBusMessage *whole)
         return refusal();
     QElapsedTimer timer;
     timer.start();
-    const QDBusMessage reply = bus().call(message, QDBus::Block, replyTimeout);
+    const QDBusMessage reply = bus().call(message, QDBus::Block, replyTimeoutMs);
     if (whole)
         *whole = reply;
     if (reply.type() == QDBusMessage::ErrorMessage) {
         // The bus sends the same error when the daemon ends, but at once. Qt's own timer is coarse.
-        if (timer.hasExpired(qint64(replyTimeout) / 10 * 9))
+        if (timer.hasExpired(qint64(replyTimeoutMs) / 10 * 9))
             return {OutcomeMissing,
                     {},
-                    QStringLiteral("no answer within %1 s").arg(replyTimeout / 1000),
+                    QStringLiteral("no answer within %1 s").arg(replyTimeoutMs / 1000),
                     reply.errorName(),
                     reply.errorMessage()};
         return faulty(statusOf(reply), true, reply.errorName(), reply.errorMessage());

@@ -10,7 +10,7 @@
 namespace
 {
 /** More than any file of numbers has: limits the read if the name leads to another file. */
-const qint64 longestFile = 65536;
+constexpr qint64 longestFileBytes = 65536;
 
 bool isSecret(const Argument &argument)
 {
@@ -42,7 +42,7 @@ bool readNumbers(const QString &word, QString &text)
     QFile file(word.mid(1));
     if (!file.open(QIODevice::ReadOnly))
         return false;
-    text = QString::fromLatin1(file.read(longestFile)).simplified();
+    text = QString::fromLatin1(file.read(longestFileBytes)).simplified();
     return true;
 }
 

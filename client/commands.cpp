@@ -73,11 +73,11 @@ Argument required(Argument key)
     return key;
 }
 
-const qlonglong int32Minimum = std::numeric_limits<qint32>::min();
-const qlonglong int32Maximum = std::numeric_limits<qint32>::max();
-const qlonglong uint32Maximum = std::numeric_limits<quint32>::max();
+constexpr qlonglong int32Minimum = std::numeric_limits<qint32>::min();
+constexpr qlonglong int32Maximum = std::numeric_limits<qint32>::max();
+constexpr qlonglong uint32Maximum = std::numeric_limits<quint32>::max();
 
-const char fileName[] = "the name of a file";
+constexpr char fileName[] = "the name of a file";
 
 Argument ipv4Settings()
 {

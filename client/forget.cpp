@@ -8,7 +8,7 @@
 namespace
 {
 /** The daemon switches the radio off as soon as it has the list, so a removal can come too late. */
-const int mostScans = 3;
+constexpr int mostScans = 3;
 
 const Command &commandOf(const char *words)
 {

@@ -79,9 +79,9 @@ struct Question {
     const char *unit;
 };
 
-const char config[] = "/KyConfigMgr";
-const char com[] = "/KyComMgr";
-const char device[] = "/KyDeviceMgr";
+constexpr char config[] = "/KyConfigMgr";
+constexpr char com[] = "/KyComMgr";
+constexpr char device[] = "/KyDeviceMgr";
 
 /** A query without an argument. */
 constexpr Question asks(const char *title, const char *key, const char *path, const char *interface,

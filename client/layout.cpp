@@ -8,13 +8,13 @@
 
 namespace
 {
-const int leastWidth = 20;
+constexpr int leastWidth = 20;
 
-const char red[] = "31";
-const char green[] = "32";
-const char yellow[] = "33";
-const char cyan[] = "36";
-const char faint[] = "2";
+constexpr char red[] = "31";
+constexpr char green[] = "32";
+constexpr char yellow[] = "33";
+constexpr char cyan[] = "36";
+constexpr char faint[] = "2";
 
 /** Patterns and their colours; the first match counts. ANY_LED stands for the name of any LED. */
 const struct {

@@ -13,7 +13,7 @@ const QString device = QStringLiteral("/KyDeviceMgr");
 const QString version = QStringLiteral("Version");
 
 /** Many times the size of a copy: limits the read if the name leads to another file. */
-const qint64 longestFile = 1 << 20;
+constexpr qint64 longestFileBytes = 1 << 20;
 
 ExitStatus read(const char *method, QVariantMap &fields, Answer &answer)
 {
@@ -65,7 +65,7 @@ ExitStatus restoreRecords(const Command &command, const Invocation &invocation,
                     QStringLiteral("%1 cannot be read: %2").arg(named(path), file.errorString()));
     Records records;
     QString complaint;
-    if (!readRecords(file.read(longestFile), records, complaint))
+    if (!readRecords(file.read(longestFileBytes), records, complaint))
         return fail(command, BadUsage, QStringLiteral("%1: %2").arg(named(path), complaint));
     const ExitStatus consent = confirm(command, invocation);
     if (consent != Success)

@@ -15,17 +15,17 @@
 namespace
 {
 /** Signals of one change arrive shortly after one another. */
-const int drawingDelay = 100;
+constexpr int drawingDelayMs = 100;
 
 /** The interval of queries for values without a signal, such as the battery's voltage. */
-const int refreshInterval = 10000;
+constexpr int refreshIntervalMs = 10000;
 
 /**
  * Asking for temperatures makes the daemon announce to all clients those that are too high. Do that
  * only as often as the daemon's own check, and never because of such an announcement.
  */
-const int refreshesPerTemperature = 30;
-const char temperature[] = "Temperature";
+constexpr int refreshesPerTemperature = 30;
+constexpr char temperature[] = "Temperature";
 
 int signalPipe[2] = {-1, -1};
 
@@ -59,7 +59,7 @@ Watch::Watch() : m_refreshes(0), m_isDaemonThere(false)
                                            QDBusServiceWatcher::WatchForOwnerChange, this);
     QObject::connect(watcher, &QDBusServiceWatcher::serviceOwnerChanged, this, [this] {
         m_changed = interfaces();
-        m_drawing.start(drawingDelay);
+        m_drawing.start(drawingDelayMs);
     });
     bus().connect(QString(), QStringLiteral("/org/freedesktop/DBus/Local"),
                   QStringLiteral("org.freedesktop.DBus.Local"), QStringLiteral("Disconnected"),
@@ -78,7 +78,7 @@ ExitStatus Watch::run()
     takeScreen();
     m_changed = interfaces();
     askAndDraw();
-    m_refreshing.start(refreshInterval);
+    m_refreshing.start(refreshIntervalMs);
     const int status = QCoreApplication::exec();
     giveScreenBack();
     if (status == DaemonAway)
@@ -95,7 +95,7 @@ void Watch::takeSignal(int descriptor)
     if (isToEnd)
         QCoreApplication::exit(Success);
     else
-        m_drawing.start(drawingDelay);
+        m_drawing.start(drawingDelayMs);
 }
 
 void Watch::take(const QDBusMessage &message)
@@ -106,7 +106,7 @@ void Watch::take(const QDBusMessage &message)
     // LEDs follow the battery and the storage and have no signal of their own.
     m_changed << QStringLiteral("LED");
     if (!m_drawing.isActive())
-        m_drawing.start(drawingDelay);
+        m_drawing.start(drawingDelayMs);
 }
 
 void Watch::refresh()

@@ -60,7 +60,7 @@ void checkKept(const QVariantMap &map, const QVariantMap &fields)
         else if (kept.contains(entry.key()))
             surplus += entry.key().toUtf8().size() + sizeOnBus(entry.value(), INT_MAX);
     }
-    require(surplus <= mostSurplus, "surplus entries are limited in all");
+    require(surplus <= mostSurplusBytes, "surplus entries are limited in all");
 }
 
 void checkInstrument(const QVariantMap &map)

@@ -17,7 +17,7 @@
 
 namespace
 {
-const unsigned int kernelEvents = 1;
+constexpr unsigned int kernelEvents = 1;
 
 [[noreturn]] void fail(const char *what)
 {

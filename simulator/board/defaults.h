@@ -17,8 +17,8 @@ struct DefaultFile {
 const std::vector<DefaultFile> &defaultFiles();
 
 /** Sizes of the two EEPROMs in bytes. */
-const std::size_t instrumentEepromSize = 128;
-const std::size_t measureEepromSize = 4096;
+constexpr std::size_t instrumentEepromSize = 128;
+constexpr std::size_t measureEepromSize = 4096;
 } // namespace board
 
 #endif

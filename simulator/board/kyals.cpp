@@ -11,8 +11,8 @@ using namespace board;
 
 namespace
 {
-const int noDescriptor = -2;
-const int unusableDescriptor = 1000000;
+constexpr int noDescriptor = -2;
+constexpr int unusableDescriptor = 1000000;
 
 LightSensor &sensor(void *handle)
 {

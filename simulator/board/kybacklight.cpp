@@ -8,8 +8,8 @@ using namespace board;
 
 namespace
 {
-const int fullBrightness = 100;
-const int nonsense = 31337;
+constexpr int fullBrightness = 100;
+constexpr int nonsense = 31337;
 } // namespace
 
 KyBacklight::KyBacklight() : m_handle(nullptr)

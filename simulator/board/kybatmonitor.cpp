@@ -10,7 +10,7 @@ using namespace board;
 
 namespace
 {
-const int nonsenseType = 31337;
+constexpr int nonsenseType = 31337;
 const cmeter_data nonsenseData = {0xAA, INT_MIN, USHRT_MAX};
 
 std::optional<cmeter_data> measure()

@@ -12,7 +12,7 @@ using namespace board;
 
 namespace
 {
-const char writeEnabledFile[] = "eeprom/write_enabled";
+constexpr char writeEnabledFile[] = "eeprom/write_enabled";
 
 struct Eeprom {
     const char *file;

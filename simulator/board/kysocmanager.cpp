@@ -11,9 +11,9 @@ using namespace board;
 
 namespace
 {
-const unsigned short statusRegister = 0x600;
-const unsigned short watchdogRegister = 0x68;
-const unsigned int chargerPresentBit = 1u << 30;
+constexpr unsigned short statusRegister = 0x600;
+constexpr unsigned short watchdogRegister = 0x68;
+constexpr unsigned int chargerPresentBit = 1u << 30;
 
 std::optional<unsigned int> readRegister(unsigned short reg)
 {

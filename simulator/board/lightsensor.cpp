@@ -17,7 +17,7 @@ namespace
 {
 const float brightest = 1e6F;
 /** The interval in milliseconds at which we poll if the kernel does not report changes. */
-const int lookInterval = 100;
+constexpr int lookIntervalMs = 100;
 
 struct Registers {
     float lux;
@@ -188,7 +188,7 @@ void LightSensor::watch()
             timeout = millisecondsToRepetition();
         }
         if (!isTold)
-            timeout = timeout < 0 ? lookInterval : std::min(timeout, lookInterval);
+            timeout = timeout < 0 ? lookIntervalMs : std::min(timeout, lookIntervalMs);
         pollfd waited[] = {{m_stop.get(), POLLIN, 0}, {isTold ? changes.get() : -1, POLLIN, 0}};
         poll(waited, 2, timeout);
         if (waited[0].revents)

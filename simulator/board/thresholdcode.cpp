@@ -5,8 +5,8 @@ namespace board
 namespace
 {
 const float countsPerLux = 4;
-const unsigned int mantissaBits = 4;
-const unsigned int hiddenBit = 1u << mantissaBits;
+constexpr unsigned int mantissaBits = 4;
+constexpr unsigned int hiddenBit = 1u << mantissaBits;
 
 unsigned int leastCount(unsigned int code)
 {

@@ -9,7 +9,7 @@
 
 namespace
 {
-const int connectTimeout = 250;
+constexpr int connectTimeoutMs = 250;
 
 /** Waits until the connection is established; fails if the loopback interface is down. */
 bool waitForConnection(int sender)
@@ -17,7 +17,7 @@ bool waitForConnection(int sender)
     pollfd waited = {sender, POLLOUT, 0};
     int error = 0;
     socklen_t length = sizeof error;
-    return poll(&waited, 1, connectTimeout) == 1 &&
+    return poll(&waited, 1, connectTimeoutMs) == 1 &&
            getsockopt(sender, SOL_SOCKET, SO_ERROR, &error, &length) == 0 && error == 0;
 }
 

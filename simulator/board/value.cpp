@@ -12,8 +12,8 @@ namespace board
 {
 namespace
 {
-const std::size_t longestLine = 64;
-const char blanks[] = " \t\r\n";
+constexpr std::size_t longestLine = 64;
+constexpr char blanks[] = " \t\r\n";
 } // namespace
 
 std::optional<std::string> readText(const std::string &file)

@@ -40,7 +40,7 @@ extern const Scale signalScale;
 const int longestCommand = 100;
 
 /** The number of access points with a row in the drawing. */
-const int airRows = 6;
+constexpr int airRows = 6;
 
 /** Returns the opacity at a time of an LED with @p state, a name in the board's files. */
 double ledOpacity(const QByteArray &state, qint64 milliseconds);

@@ -12,7 +12,7 @@
 
 namespace
 {
-const int complain = 1;
+constexpr int complain = 1;
 
 int fail(const QString &complaint)
 {

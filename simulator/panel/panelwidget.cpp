@@ -13,11 +13,11 @@
 namespace
 {
 /** An LED that blinks three times a second changes every sixth of a second. */
-const int tick = 50;
+constexpr int tickMs = 50;
 /** The bus and the surroundings of the daemon are polled less often than the board. */
-const int slowTicks = 4;
+constexpr int slowTicks = 4;
 /** After this time the next command starts: Stop never ends while a debugger holds the daemon. */
-const int handPatience = 2000;
+constexpr int handTimeoutMs = 2000;
 } // namespace
 
 PanelWidget::PanelWidget(const QString &drawing) : m_drawing(drawing), m_faultMenu(new QMenu(this))
@@ -26,7 +26,7 @@ PanelWidget::PanelWidget(const QString &drawing) : m_drawing(drawing), m_faultMe
     setMinimumSize(480, 300);
     m_clock.start();
     m_patience.setSingleShot(true);
-    m_patience.setInterval(handPatience);
+    m_patience.setInterval(handTimeoutMs);
     QObject::connect(&m_patience, &QTimer::timeout, this, [this] {
         m_hand = nullptr;
         m_instrument.complaint = QStringLiteral("still runs");
@@ -34,7 +34,7 @@ PanelWidget::PanelWidget(const QString &drawing) : m_drawing(drawing), m_faultMe
     });
     QObject::connect(&m_daemonView, &DaemonView::busCame, this, &PanelWidget::busCame);
     QObject::connect(&m_timer, &QTimer::timeout, this, &PanelWidget::look);
-    m_timer.start(tick);
+    m_timer.start(tickMs);
     look();
 }
 
@@ -45,7 +45,7 @@ PanelWidget::~PanelWidget()
         hand->disconnect();
         if (hand != m_hand)
             hand->kill();
-        hand->waitForFinished(handPatience);
+        hand->waitForFinished(handTimeoutMs);
     }
 }
 

@@ -9,7 +9,7 @@
 namespace
 {
 const QString ownPrefix = QStringLiteral("com.orvendis.Strandel.BoardManager.");
-const int longestText = 400;
+constexpr int longestText = 400;
 
 QString cut(const QString &text)
 {

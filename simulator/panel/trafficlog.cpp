@@ -14,7 +14,7 @@
 
 namespace
 {
-const int mostEntries = 5000;
+constexpr int mostEntries = 5000;
 
 QString colourOf(TrafficLine::Kind kind)
 {

@@ -5,7 +5,7 @@
 
 namespace
 {
-const int longestSsid = 32;
+constexpr int longestSsid = 32;
 
 void readFlag(const QByteArray &text, bool &flag)
 {

@@ -10,7 +10,7 @@
 namespace
 {
 /** No file of an access point is longer. */
-const qint64 longestText = 1000;
+constexpr qint64 longestText = 1000;
 
 struct Default {
     const char *directory;

@@ -13,9 +13,9 @@ const QString completed = QStringLiteral("completed");
 const QString disconnected = QStringLiteral("disconnected");
 
 /** In milliseconds: shorter than a radio's, long enough to be observed. */
-const int scanTime = 50;
-const int stepTime = 10;
-const int retryTime = 500;
+constexpr int scanTimeMs = 50;
+constexpr int stepTimeMs = 10;
+constexpr int retryTimeMs = 500;
 
 QDBusMessage error(const QDBusMessage &call, const char *name, const char *text)
 {
@@ -117,7 +117,7 @@ QDBusMessage Station::scan(const QDBusMessage &call)
     if (m_scan.isActive())
         return error(call, "Interface.ScanError", "Scan request rejected");
     m_askedFor = ssidsOf(mapOf(call));
-    m_scan.start(scanTime);
+    m_scan.start(scanTimeMs);
     emitChange({{QStringLiteral("Scanning"), true}});
     return call.createReply();
 }
@@ -189,16 +189,16 @@ void Station::associate()
     const AccessPoints air = m_air.accessPoints();
     m_accessPoint = chooseAccessPoint(air, network);
     m_steps = associationSteps(air, m_accessPoint, network);
-    m_step.start(stepTime);
+    m_step.start(stepTimeMs);
 }
 
 void Station::proceed()
 {
     setState(m_steps.takeFirst());
     if (!m_steps.isEmpty())
-        m_step.start(stepTime);
+        m_step.start(stepTimeMs);
     else if (m_state == disconnected)
-        m_retry.start(retryTime);
+        m_retry.start(retryTimeMs);
 }
 
 void Station::leave()
@@ -228,7 +228,7 @@ void Station::observeAir()
                                                   m_networks.value(m_selected)) == m_accessPoint)
         return;
     setState(disconnected);
-    m_retry.start(retryTime);
+    m_retry.start(retryTimeMs);
 }
 
 void Station::emitSignal(const QString &name, const QList<QVariant> &values) const

@@ -326,7 +326,7 @@ QVariant detachedValue(const QVariant &value)
 
 namespace
 {
-const int numberSize = 8;
+constexpr int numberSize = 8;
 
 int sizeOfElements(const QDBusArgument &argument, int enough)
 {

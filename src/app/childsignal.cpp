@@ -10,7 +10,7 @@ void sig_handler(int signalNumber)
 {
     if (signalNumber != SIGCHLD)
         return;
-    static const char line[] = "signal SIGCHLD received\n";
+    static constexpr char line[] = "signal SIGCHLD received\n";
     const int callersErrno = errno;
     // Nothing depends on this line; without a reader it is lost.
     writeWithoutWaiting(STDOUT_FILENO, line, sizeof line - 1);

@@ -16,8 +16,6 @@ const QString Error::m_write = prefix + QStringLiteral("Write");
 const QString Error::m_configuration = prefix + QStringLiteral("Configuration");
 const QString Error::m_initialisation = prefix + QStringLiteral("Initialisation");
 
-const char unhandledError[] = "The error is not handled correctly, please fill a bug report";
-
 namespace
 {
 // Indexed by Error::Code.
@@ -32,7 +30,7 @@ const QString *const names[] = {
     &Error::m_configuration,
     &Error::m_initialisation,
 };
-const int codes = sizeof names / sizeof names[0];
+constexpr int codes = sizeof names / sizeof names[0];
 } // namespace
 
 QString Error::nameOf(int code)

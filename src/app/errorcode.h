@@ -48,7 +48,7 @@ struct ErrorText {
 };
 
 /** The sentence that ends the text of every failure without a row in its method's table. */
-extern const char unhandledError[];
+constexpr char unhandledError[] = "The error is not handled correctly, please fill a bug report";
 
 /**
  * Returns the text for @p code in a method's table of failures.

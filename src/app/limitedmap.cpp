@@ -4,9 +4,6 @@
 #include <QDBusMetaType>
 #include <QDBusVariant>
 
-const int mostValuesOfEntry = 8192;
-const int mostValuesOfMap = 16 * mostValuesOfEntry;
-
 namespace
 {
 int countValues(const QDBusArgument &argument, int enough);

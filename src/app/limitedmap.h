@@ -8,10 +8,10 @@ class QDBusArgument;
 /**
  * The limit of values in one entry of a caller's map, at all depths together; a text is one value.
  */
-extern const int mostValuesOfEntry;
+constexpr int mostValuesOfEntry = 8192;
 
 /** The limit of values in a caller's map: its keys and everything in its entries. */
-extern const int mostValuesOfMap;
+constexpr int mostValuesOfMap = 16 * mostValuesOfEntry;
 
 /**
  * Reads @p argument, an a{sv}, up to its limits. Of several entries with the same key the last one

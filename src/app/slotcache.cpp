@@ -4,12 +4,10 @@
 #include <QObject>
 #include <QVariant>
 
-const int mostCachedSlots = 100;
-
 namespace
 {
 /** The property of an adaptor in which Qt D-Bus caches its look-ups. */
-const char cacheProperty[] = "_qdbus_slotCache";
+constexpr char cacheProperty[] = "_qdbus_slotCache";
 
 /** Counts the look-ups of one adaptor and empties its cache. */
 class CacheLimit : public QObject

@@ -7,7 +7,7 @@ class QObject;
  * How many methods Qt D-Bus may cache for an adaptor. A well-behaved client calls a handful of
  * methods.
  */
-extern const int mostCachedSlots;
+constexpr int mostCachedSlots = 100;
 
 /**
  * Limits Qt D-Bus's method cache for each of the adaptors of @p root.

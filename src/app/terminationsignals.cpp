@@ -5,8 +5,9 @@
 namespace
 {
 /** The signals by which people, systemd (SIGABRT for its watchdog) and timers end a process. */
-const int terminationSignals[] = {SIGHUP,  SIGINT,  SIGQUIT, SIGABRT,   SIGUSR1, SIGUSR2, SIGALRM,
-                                  SIGTERM, SIGXCPU, SIGPWR,  SIGVTALRM, SIGPROF, SIGIO};
+constexpr int terminationSignals[] = {SIGHUP,    SIGINT,  SIGQUIT, SIGABRT, SIGUSR1,
+                                      SIGUSR2,   SIGALRM, SIGTERM, SIGXCPU, SIGPWR,
+                                      SIGVTALRM, SIGPROF, SIGIO};
 
 pthread_t mainThread;
 

@@ -12,9 +12,9 @@
 namespace
 {
 // The kernel's own limit.
-const int mostLinks = 40;
+constexpr int mostLinks = 40;
 
-const int asDirectory = O_PATH | O_DIRECTORY;
+constexpr int asDirectory = O_PATH | O_DIRECTORY;
 
 void removeLeadingSlashes(QByteArray &path)
 {

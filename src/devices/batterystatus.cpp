@@ -12,7 +12,7 @@ struct Bound {
     Battery::Status status;
 };
 
-const qint64 unbounded = std::numeric_limits<qint64>::max();
+constexpr qint64 unbounded = std::numeric_limits<qint64>::max();
 
 const Bound discharging[] = {
     {10, Battery::CHARGER_OFF_BAT_PRWT},   {20, Battery::CHARGER_OFF_BAT_INF_20},

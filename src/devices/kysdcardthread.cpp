@@ -10,11 +10,11 @@
 namespace
 {
 // Multicast groups of device events: the kernel's and one that the platform adds.
-const unsigned int eventGroups = 0x11;
+constexpr unsigned int eventGroups = 0x11;
 
 // Holds ten thousand of the kernel's largest events while the listener does not run. The kernel
 // doubles it for its own bookkeeping.
-const int receiveBufferSize = 32 * 1024 * 1024;
+constexpr int receiveBufferBytes = 32 * 1024 * 1024;
 
 using EventBuffer = char[4096];
 
@@ -29,7 +29,7 @@ void leaveSignalsToOthers()
 /** Prevents lost events in a burst, and the error that a lost event would cause. */
 void prepareForBursts(int descriptor)
 {
-    const int size = receiveBufferSize;
+    const int size = receiveBufferBytes;
     // Without CAP_NET_ADMIN the system's limit applies.
     if (setsockopt(descriptor, SOL_SOCKET, SO_RCVBUFFORCE, &size, sizeof size) != 0)
         setsockopt(descriptor, SOL_SOCKET, SO_RCVBUF, &size, sizeof size);

@@ -42,9 +42,9 @@ private:
     bool m_startupPending = true;
     KyPowerman m_powerman;
     KySocManager m_socManager;
-    const unsigned short m_keepAliveRegister = 0x68;
+    static constexpr unsigned short m_keepAliveRegister = 0x68;
     /** Not 0 when the HPS, the processor part of the system-on-chip, is initialised. */
-    const unsigned short m_hpsInitRegister = 0x6B;
+    static constexpr unsigned short m_hpsInitRegister = 0x6B;
 };
 
 #endif

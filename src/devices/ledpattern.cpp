@@ -2,18 +2,18 @@
 
 namespace
 {
-const Leds::State OFF = Leds::OFF;
-const Leds::State BLINK_1HZ = Leds::BLINK_1HZ;
-const Leds::State BLINK_3HZ = Leds::BLINK_3HZ;
-const Leds::State ON = Leds::ON;
+constexpr Leds::State OFF = Leds::OFF;
+constexpr Leds::State BLINK_1HZ = Leds::BLINK_1HZ;
+constexpr Leds::State BLINK_3HZ = Leds::BLINK_3HZ;
+constexpr Leds::State ON = Leds::ON;
 
 // The columns of the table of the battery gauge, and those of the power button.
-const Leds::Led gaugeLeds[] = {Leds::BAT_RS1, Leds::BAT_GS1, Leds::BAT_GS2,
-                               Leds::BAT_GS3, Leds::BAT_GS4, Leds::BAT_GS5};
-const Leds::Led buttonLeds[] = {Leds::POWER_G, Leds::POWER_Y};
+constexpr Leds::Led gaugeLeds[] = {Leds::BAT_RS1, Leds::BAT_GS1, Leds::BAT_GS2,
+                                   Leds::BAT_GS3, Leds::BAT_GS4, Leds::BAT_GS5};
+constexpr Leds::Led buttonLeds[] = {Leds::POWER_G, Leds::POWER_Y};
 
-const int gaugeColumns = sizeof gaugeLeds / sizeof gaugeLeds[0];
-const int buttonColumns = sizeof buttonLeds / sizeof buttonLeds[0];
+constexpr int gaugeColumns = sizeof gaugeLeds / sizeof gaugeLeds[0];
+constexpr int buttonColumns = sizeof buttonLeds / sizeof buttonLeds[0];
 
 /** The LED states of a battery status, which is the index of the row. */
 struct Pattern {

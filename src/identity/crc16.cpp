@@ -4,7 +4,7 @@
 
 namespace
 {
-const unsigned int reflectedPolynomial = 0xA001;
+constexpr unsigned int reflectedPolynomial = 0xA001;
 
 /** The contribution of each byte value to the CRC. */
 constexpr std::array<quint16, 256> makeTable()

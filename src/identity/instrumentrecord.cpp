@@ -6,8 +6,6 @@
 
 #include <utility>
 
-const int instrumentRecordSize = 74;
-
 namespace
 {
 enum class Encoding { Number, Model, DashFilled, ZeroFilled };

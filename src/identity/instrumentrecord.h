@@ -5,7 +5,7 @@
 #include <QVariantMap>
 
 /** Size of an instrument record in bytes, including its CRC. */
-extern const int instrumentRecordSize;
+constexpr int instrumentRecordSize = 74;
 
 /** Returns the entries of @p map that form an instrument record; an empty map if one is missing. */
 QVariantMap instrumentFields(const QVariantMap &map);

@@ -2,12 +2,9 @@
 
 #include "busvalue.h"
 
-const int mostOfFields = 65536;
-const int mostSurplus = 65536;
-
 bool canBeKept(const QVariantMap &fields)
 {
-    int room = mostOfFields;
+    int room = mostFieldBytes;
     for (const QVariant &value : fields) {
         if (!value.isValid())
             return false;
@@ -21,7 +18,7 @@ bool canBeKept(const QVariantMap &fields)
 QVariantMap keptRecord(const QVariantMap &map, const QVariantMap &fields)
 {
     QVariantMap kept = fields;
-    int room = mostSurplus;
+    int room = mostSurplusBytes;
     // Of several entries with the same key the last one counts, as in a look-up.
     for (auto entry = map.constBegin(); entry != map.constEnd();
          entry = map.upperBound(entry.key())) {

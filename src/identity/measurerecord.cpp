@@ -6,8 +6,6 @@
 
 #include <utility>
 
-const int measureRecordSize = 1196;
-
 namespace
 {
 // Clients use this spelling of the keys.

@@ -6,7 +6,7 @@
 #include <QVector>
 
 /** Size of a measure record in bytes, including its CRC. */
-extern const int measureRecordSize;
+constexpr int measureRecordSize = 1196;
 
 /** Returns the entries of @p map that form a measure record; an empty map if one is missing. */
 QVariantMap measureFields(const QVariantMap &map);

@@ -6,7 +6,7 @@
 
 namespace
 {
-const int crcSize = 2;
+constexpr int crcSize = 2;
 }
 
 QByteArray framed(QByteArray data)

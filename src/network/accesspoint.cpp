@@ -15,7 +15,7 @@
 namespace
 {
 const QString templateDirectory = QStringLiteral("/usr/share/redpine/");
-const char configurationFile[] = "/tmp/User_part/hostapd.conf";
+constexpr char configurationFile[] = "/tmp/User_part/hostapd.conf";
 
 AccessPointParameters readParameters(const QVariantMap &settings)
 {

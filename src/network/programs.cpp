@@ -3,6 +3,11 @@
 #include <QProcess>
 #include <QStringList>
 
+namespace
+{
+constexpr int pidofTimeMs = 1000;
+} // namespace
+
 bool isProgramRunning(const QString &name)
 {
     // Deletes itself at its end: waiting for it could block, even after a kill.
@@ -11,7 +16,7 @@ bool isProgramRunning(const QString &name)
         pidof, static_cast<void (QProcess::*)(int, QProcess::ExitStatus)>(&QProcess::finished),
         pidof, &QObject::deleteLater);
     pidof->start(QStringLiteral("pidof"), QStringList(name), QIODevice::ReadWrite);
-    const bool ended = pidof->waitForFinished(1000);
+    const bool ended = pidof->waitForFinished(pidofTimeMs);
     const bool found =
         ended && pidof->exitStatus() == QProcess::NormalExit && pidof->exitCode() == 0;
     if (pidof->state() == QProcess::NotRunning)

@@ -18,9 +18,9 @@ namespace
 const mode_t permissions = S_IRWXU | S_IRWXG | S_IRWXO;
 
 // Every level of a copy holds two descriptors; a process has 1024 by default.
-const int deepest = 256;
+constexpr int deepest = 256;
 
-const int asDirectory = O_PATH | O_DIRECTORY;
+constexpr int asDirectory = O_PATH | O_DIRECTORY;
 
 struct Entry {
     QByteArray name;

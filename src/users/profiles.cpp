@@ -15,7 +15,7 @@ namespace profiles
 {
 namespace
 {
-const char linkName[] = "system";
+constexpr char linkName[] = "system";
 
 QString directoryOf(const QString &user)
 {
