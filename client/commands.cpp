@@ -380,7 +380,7 @@ const QVector<Option> &options()
          Scope::Destructive},
         {text("--show-secrets"), none, none, text("show passwords, too"), Scope::Secret},
         {text("--address"), none, text("ADDRESS"),
-         text("D-Bus address of the bus, in the place of the system bus"), Scope::Every},
+         text("D-Bus address of the bus, instead of the system bus"), Scope::Every},
         {text("--host"), none, text("HOST"),
          text("system bus of another machine, through ssh: HOST or USER@HOST"), Scope::Every},
         {text("--verbose"), none, none, text("add the text of the bus to complaints"),

@@ -12,7 +12,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t *data, std::size_t size
     const QVariantMap answer = agentAnswer(fields, credentials);
 
     for (auto entry = answer.constBegin(); entry != answer.constEnd(); ++entry) {
-        require(fields.contains(entry.key()), "only what is asked for is answered");
+        require(fields.contains(entry.key()), "only requested fields are answered");
         require(entry.value() == (entry.key() == QLatin1String("Passphrase")
                                       ? credentials.passphrase
                                       : credentials.identity),

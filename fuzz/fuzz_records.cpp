@@ -25,7 +25,8 @@ void checkInstrument(const QByteArray &bytes)
     require(isGood || map.size() == 1, "a record without its checksum has no fields");
     require(isGood == !unframed(bytes, instrumentRecordSize).isNull(), "the checksum decides");
     if (isGood)
-        require(encodeInstrumentRecord(map) == bytes, "what is read can be written again");
+        require(encodeInstrumentRecord(map) == bytes,
+                "encoding a decoded record gives the same bytes");
 }
 
 void checkMeasure(const QByteArray &bytes)
@@ -35,7 +36,7 @@ void checkMeasure(const QByteArray &bytes)
     require(isGood || map.size() == 1, "a record without its checksum has no fields");
     if (isGood)
         require(encodeMeasureRecord(map, coefficientsOf(map)) == bytes,
-                "what is read can be written again");
+                "encoding a decoded record gives the same bytes");
 }
 } // namespace
 

@@ -76,7 +76,7 @@ private:
     QTimer m_timer;
     QElapsedTimer m_clock;
     int m_ticks = 0;
-    /** The last command's process; null once it has ended or exceeded the patience. */
+    /** The last command's process; null once it has ended or exceeded its timeout. */
     QProcess *m_hand = nullptr;
     QTimer m_patience;
     QStringList m_commands;

@@ -27,7 +27,7 @@ public:
     void controlClock();
     void letTimePass(int seconds);
     /**
-     * Like controlClock(), but the clock stands still in between: the times of timers are exact to
+     * Like controlClock(), but the clock stops in between: the times of timers are exact to
      * the millisecond.
      */
     void stopClock();
