@@ -57,7 +57,8 @@ QString manyEntries(int count, const QStringList &keys = {})
     QString entries;
     for (const QString &key : keys)
         entries += ' ' + key + " i 1";
-    return QStringLiteral("a{sv} %1").arg(count + keys.size()) + entries + times(count, " k ai 13 1 2 3 4 5 6 7 8 9 10 11 12 13");
+    return QStringLiteral("a{sv} %1").arg(count + keys.size()) + entries +
+           times(count, " k ai 13 1 2 3 4 5 6 7 8 9 10 11 12 13");
 }
 
 } // namespace
