@@ -4,6 +4,12 @@
 #include <QPainter>
 #include <QSvgRenderer>
 
+namespace
+{
+/** LEDs that blink once and three times a second have four looks together. */
+const int mostPictures = 4;
+} // namespace
+
 Drawing::Drawing(const QString &file)
 {
     QFile source(file);
@@ -87,4 +93,19 @@ QImage Drawing::render(const QSize &size) const
     QSvgRenderer renderer(m_document.toByteArray());
     renderer.render(&painter, placeIn(size));
     return image;
+}
+
+QImage Drawing::picture(const Look &look, const QSize &size)
+{
+    if (!m_pictures.isEmpty() && m_pictures.first().second.size() != size)
+        m_pictures.clear();
+    for (const auto &known : qAsConst(m_pictures)) {
+        if (known.first == look)
+            return known.second;
+    }
+    if (m_pictures.size() == mostPictures)
+        m_pictures.removeFirst();
+    apply(look);
+    m_pictures.append({look, render(size)});
+    return m_pictures.last().second;
 }

@@ -9,6 +9,7 @@
 #include <QPointF>
 #include <QRectF>
 #include <QSizeF>
+#include <QVector>
 
 /**
  * The panel's drawing from an SVG file. Its elements have IDs; a Look describes all changes to
@@ -38,6 +39,12 @@ public:
     /** Draws it centred in an image of @p size, as large as it fits. */
     QImage render(const QSize &size) const;
 
+    /**
+     * Applies this look and draws it, too. Keeps the last images: blinking LEDs alternate between a
+     * few looks.
+     */
+    QImage picture(const Look &look, const QSize &size);
+
     /** Returns the rectangle of the drawing in an image of @p size. */
     QRectF placeIn(const QSize &size) const;
 
@@ -52,6 +59,8 @@ private:
     QHash<QString, double> m_lefts;
     QHash<QString, double> m_widths;
     QSizeF m_size;
+    /** The last images of picture(), all of the same size, the oldest first. */
+    QVector<QPair<Look, QImage>> m_pictures;
 };
 
 #endif

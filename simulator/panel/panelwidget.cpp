@@ -79,8 +79,6 @@ void PanelWidget::look()
     if (now == m_look)
         return;
     m_look = now;
-    m_drawing.apply(m_look);
-    m_image = QImage();
     update();
 }
 
@@ -89,16 +87,12 @@ QImage PanelWidget::picture(const QSize &size)
     // Poll the surroundings of the daemon now, too.
     m_ticks = 0;
     look();
-    m_drawing.apply(lookOf(m_instrument, 0));
-    return m_drawing.render(size);
+    return m_drawing.picture(lookOf(m_instrument, 0), size);
 }
 
 void PanelWidget::paintEvent(QPaintEvent *)
 {
-    const QSize wanted = size() * devicePixelRatio();
-    if (m_image.size() != wanted)
-        m_image = m_drawing.render(wanted);
-    QPainter(this).drawImage(rect(), m_image);
+    QPainter(this).drawImage(rect(), m_drawing.picture(m_look, size() * devicePixelRatio()));
 }
 
 QRectF PanelWidget::boundsOnWidget(const QString &element) const

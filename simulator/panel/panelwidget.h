@@ -72,7 +72,6 @@ private:
     Instrument m_instrument;
     DaemonView m_daemonView;
     Look m_look;
-    QImage m_image;
     QTimer m_timer;
     QElapsedTimer m_clock;
     int m_ticks = 0;

@@ -12,6 +12,7 @@
 #include <QMetaEnum>
 #include <QProcess>
 #include <QRegularExpression>
+#include <QSet>
 #include <QTemporaryDir>
 #include <QTest>
 
@@ -39,6 +40,7 @@ private Q_SLOTS:
     void theStrengthIsShownInBars_data();
     void theStrengthIsShownInBars();
     void aKnobIsWhereTheValueEnds();
+    void aBlinkIsDrawnOnce();
     void whoJoinedANetworkIsSeen();
     void handsRunCommands_data();
     void handsRunCommands();
@@ -317,6 +319,35 @@ void TestLook::aKnobIsWhereTheValueEnds()
     look.spans["light-level"] = {0, 0.6};
     drawing.apply(look);
     QVERIFY(colour() != QColor(Qt::white));
+}
+
+void TestLook::aBlinkIsDrawnOnce()
+{
+    Instrument instrument = newInstrument();
+    instrument.board["leds/BT"] = "BLINK_1HZ";
+    instrument.board["leds/WPS"] = "BLINK_3HZ";
+    Drawing drawing{DRAWING};
+    const QSize size{640, 400};
+    const auto drawn = [&](int time) { return drawing.picture(lookOf(instrument, time), size); };
+    QSet<qint64> images;
+    for (int time = 0; time < 2000; time += 50)
+        images.insert(drawn(time).cacheKey());
+    QCOMPARE(images.size(), 4);
+    // An image that is kept is that of its own look.
+    Drawing other{DRAWING};
+    for (int time : {0, 250, 550, 700}) {
+        other.apply(lookOf(instrument, time));
+        QVERIFY(drawn(time) == other.render(size));
+        QVERIFY(images.contains(drawn(time).cacheKey()));
+    }
+    QVERIFY(drawn(0) != drawn(250));
+    // Only these four are kept.
+    instrument.board["battery/charge"] = "7\n";
+    for (int time : {0, 250, 550, 700})
+        QVERIFY(!images.contains(drawn(time).cacheKey()));
+    instrument.board = newInstrument().board;
+    QVERIFY(!images.contains(drawn(550).cacheKey()));
+    QCOMPARE(drawing.picture(Look(), {320, 200}).size(), QSize(320, 200));
 }
 
 void TestLook::whoJoinedANetworkIsSeen()
