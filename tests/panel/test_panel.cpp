@@ -1,4 +1,5 @@
 #include "board.h"
+#include "boardmanager.h"
 #include "connmanstandin.h"
 #include "daemontest.h"
 #include "ethernettest.h"
@@ -8,6 +9,8 @@
 #include "trafficlog.h"
 
 #include <QApplication>
+#include <QDBusConnection>
+#include <QDBusVariant>
 #include <QMenu>
 #include <QProcess>
 #include <QSignalSpy>
@@ -33,12 +36,13 @@ private Q_SLOTS:
     void theChargerAndTheBatteryReachTheDaemon();
     void lightAndTemperatureReachTheDaemon();
     void theWatchdogIsWatched();
-    void theSpeedIsShown();
+    void theSurroundingsAreShown();
     void onlyTheEndOfADragCounts();
     void aValueIsSetAgain();
     void aHandThatHangsHoldsNoOtherBack();
     void theProfileIsTheDaemons();
     void statesAreShownAsTheyPass();
+    void theStrengthEndsWithTheNetwork();
     void accessPointsAreMoved();
     void aFaultOfTheMenuFails();
     void aCommandThatFailsSaysWhy();
@@ -74,6 +78,7 @@ void TestPanel::cleanup()
 {
     panel.reset();
     qputenv("DBUS_SYSTEM_BUS_ADDRESS", m_usualBus);
+    QDBusConnection::systemBus().unregisterService(BoardManager::service());
     DaemonTest::cleanup();
 }
 
@@ -196,12 +201,29 @@ void TestPanel::theWatchdogIsWatched()
     QVERIFY(shows("watchdog-text", "fed 5 times, starving"));
 }
 
-void TestPanel::theSpeedIsShown()
+void TestPanel::theSurroundingsAreShown()
 {
     writeFile("/run/strandel-speed", "60\n");
     QVERIFY(shows("speed-text", "time passes 60 times faster"));
     removePath("/run/strandel-speed");
     QVERIFY(shows("speed-text", ""));
+
+    QProcess server;
+    server.start("sleep", {"infinity"});
+    QVERIFY(server.waitForStarted());
+    for (const bool isWired : {true, false}) {
+        const QString file = isWired ? "/run/ethernet-dhcp.pid" : "/run/wifi-dhcp.pid";
+        writeFile(file, QByteArray::number(server.processId()) + '\n');
+        QCOMPARE(::kill(pid_t(server.processId()), SIGSTOP), 0);
+        QVERIFY(shows(isWired ? "dhcp-text" : "wifi-dhcp-text", "Unmute DHCP server"));
+        QCOMPARE(text(isWired ? "wifi-dhcp-text" : "dhcp-text"),
+                 QStringLiteral("Mute DHCP server"));
+        QCOMPARE(::kill(pid_t(server.processId()), SIGCONT), 0);
+        QVERIFY(shows(isWired ? "dhcp-text" : "wifi-dhcp-text", "Mute DHCP server"));
+        removePath(file);
+    }
+    server.kill();
+    QVERIFY(server.waitForFinished(20000));
 }
 
 void TestPanel::onlyTheEndOfADragCounts()
@@ -242,9 +264,13 @@ void TestPanel::aHandThatHangsHoldsNoOtherBack()
     writeFile("/run/KyBoardManager.pid", QByteArray::number(daemon.processId()));
     QCOMPARE(::kill(pid_t(daemon.processId()), SIGSTOP), 0);
     click("daemon-stop");
-    QVERIFY(shows("command-result", "still runs"));
+    // Queued; it starts without another click.
     click("charger");
+    QVERIFY(panel->isBusy());
+    QCOMPARE(text("command"), QStringLiteral("./run -- daemon stop"));
     QVERIFY(shows("charger-text", "Pull the charger"));
+    click("daemon-stop");
+    QVERIFY(shows("command-result", "still runs"));
     click("daemon-kill");
     QVERIFY(shows("daemon-text", "away"));
     QVERIFY(shows("command-result", ""));
@@ -285,6 +311,30 @@ void TestPanel::statesAreShownAsTheyPass()
     QVERIFY(shows("Ethernet-trail", "disconnect \u2192 idle"));
     QVERIFY(shows("Ethernet-address", "no address"));
     QCOMPARE(text("screen-network"), QString());
+}
+
+void TestPanel::theStrengthEndsWithTheNetwork()
+{
+    daemon.stop();
+    QVERIFY(shows("daemon-text", "away"));
+    // Announce states in the daemon's name.
+    QDBusConnection bus = QDBusConnection::systemBus();
+    QVERIFY(bus.registerService(BoardManager::service()));
+    QVERIFY(shows("daemon-text", "on the bus"));
+    const auto announce = [&](const char *property, const QVariant &value) {
+        QDBusMessage signal = QDBusMessage::createSignal(
+            BoardManager::wifiPath(), BoardManager::service() + ".WIFI", "propertyChanged");
+        signal << "/net/connman/service/lab" << property
+               << QVariant::fromValue(QDBusVariant(value));
+        return bus.send(signal);
+    };
+    QVERIFY(announce("State", "online"));
+    QVERIFY(announce("Strength", QVariant::fromValue(uchar(54))));
+    QVERIFY(shows("strength-text", "54 %"));
+    QCOMPARE(text("WIFI-state"), QStringLiteral("online"));
+    QVERIFY(announce("State", "disconnect"));
+    QVERIFY(shows("WIFI-state", "disconnect"));
+    QCOMPARE(text("strength-text"), QString());
 }
 
 void TestPanel::accessPointsAreMoved()
