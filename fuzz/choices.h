@@ -10,7 +10,7 @@
  * The source of a generator's decisions: the bytes of a fuzzer's input, or a seed.
  *
  * The same bytes, or the same seed, give the same decisions. After the last byte every decision is
- * the first alternative, which must end the generation.
+ * the first alternative. A generator must end if it gets nothing but first alternatives.
  */
 class Choices
 {
@@ -21,10 +21,10 @@ public:
     /** Returns a number from 0 to @p limit - 1. */
     std::uint32_t below(std::uint32_t limit);
 
-    /** True once in @p times; false after the last byte. */
+    /** Returns true in one of @p times cases on average; false after the last byte. */
     bool oneIn(std::uint32_t times) { return below(times) == times - 1; }
 
-    /** Returns any number; the bounds of the integer types more often. */
+    /** Returns any number. The bounds of the integer types are more likely than others. */
     std::uint64_t number();
 
     /** Returns one of @p alternatives. */
@@ -42,7 +42,7 @@ public:
     std::string bytes(std::size_t most);
 
     /**
-     * Returns valid UTF-8 without zeros: a word from the table, or up to @p most other characters.
+     * Returns valid UTF-8 without NUL: a word from the table, or up to @p most random characters.
      */
     std::string text(std::size_t most = 24);
 

@@ -16,7 +16,10 @@ namespace
 constexpr int tickMs = 50;
 /** The bus and the surroundings of the daemon are polled less often than the board. */
 constexpr int slowTicks = 4;
-/** After this time the next command starts: Stop never ends while a debugger holds the daemon. */
+/**
+ * The next command waits for the previous one for at most this time: Stop does not end while a
+ * debugger holds the daemon.
+ */
 constexpr int handTimeoutMs = 2000;
 } // namespace
 

@@ -7,8 +7,9 @@
 /**
  * Returns the interval of pings to systemd's watchdog in milliseconds, 0 for none.
  *
- * An eighth of the timeout: a call that ConnMan does not answer blocks the main loop for 25 s, and
- * the remaining 5 of 30 s must suffice for the pings around it.
+ * The interval is an eighth of the timeout, which is 30 s in the service unit. A call that ConnMan
+ * does not answer blocks the main loop for 25 s; together with one interval before the call, this
+ * is less than the timeout.
  *
  * @param allowed the value of WATCHDOG_USEC, microseconds
  * @param process the value of WATCHDOG_PID; if set, the watchdog belongs to that process only
@@ -20,7 +21,7 @@ int watchdogInterval(const QByteArray &allowed, const QByteArray &process, qint6
  * Pings systemd's watchdog as long as the main loop can send the bus a question and receive the
  * answer.
  *
- * Without a watchdog in systemd, no question is sent and no timer runs.
+ * If systemd has set no watchdog, this class sends no question and starts no timer.
  */
 class SystemdWatchdog : public QObject
 {
@@ -37,8 +38,9 @@ private:
 };
 
 /**
- * Pings once, for a main loop that has just waited in vain for a peer and may have to wait for
- * another one before it returns. Waits for the bus for at most 5 s.
+ * Pings once between two blocking calls. Call it after a call that timed out: the next call may
+ * time out, too, and the timer cannot ping before the main loop runs again. Waits for the bus for
+ * at most 5 s.
  */
 void pingSystemdMeanwhile();
 

@@ -16,7 +16,8 @@ struct BacklightSteps {
 constexpr int stepAboveAll = 15;
 
 /**
- * Returns the step of @p percentage: the first of 1 to 12 that is not below it, or stepAboveAll.
+ * Returns the first step from 1 to 12 whose percentage is at least @p percentage, or stepAboveAll
+ * if there is none.
  *
  * Never returns step 0, not even for the percentage of step 0: clients rely on it.
  */
@@ -42,13 +43,13 @@ bool hasBacklightEntry(int step);
 /** Returns true if a client may set @p step: 0 to 13. */
 bool isBacklightStep(int step);
 
-/** Returns the table entry of @p step (0 or more): the last one for all steps above it. */
+/** Returns the table entry of @p step (0 or more). A step above the table has the last entry. */
 int backlightEntry(int step);
 
-/** The percentage of @p step, as a client asks for it; nothing if it may not ask for that step. */
+/** Returns the percentage of @p step; nothing if a client may not set that step. */
 std::optional<int> requestedPercentage(int step, const BacklightSteps &steps);
 
-/** Whether @p percentage is one: 0 to 100. */
+/** Returns true if @p percentage is from 0 to 100. */
 bool isPercentage(int percentage);
 
 #endif

@@ -6,7 +6,7 @@
 #include <QByteArray>
 #include <QVector>
 
-/** The identification EEPROMs. Their write protection is lifted only for each write. */
+/** The identification EEPROMs. Their write protection is lifted only during a write. */
 class Eeproms
 {
 public:

@@ -6,13 +6,13 @@ namespace
 {
 using namespace linksets;
 
-// From (state, operation, firmware flag, condition), event, to (state, operation), actions.
+// From: state, operation, firmware flag, condition. Event. To: state, operation. Actions.
 const LinkRow rows[] = {
     // The radio is off while it is not used.
     row({idle, none}, Event::Started, {}, Do::PowerOff),
 
-    // A scan or a connect starts the mode script first. The "idle" of a connect is not announced:
-    // clients take it for the end of an attempt.
+    // A scan or a connect starts the mode script first. A connect does not announce its "idle":
+    // clients would take it for the end of the attempt.
     row({idle, none | scan}, Event::ScanCalled, {toIdle, toScan}, Do::StartScanTime, Do::Announce,
         Do::SwitchToStation),
     row({failure}, Event::ScanCalled, {toIdle, toScan}, Do::StartScanTime, Do::Announce,
@@ -23,8 +23,8 @@ const LinkRow rows[] = {
         Do::Announce),
     row({all}, Event::ScriptEnded, {}, Do::StartModuleDelay),
 
-    // After a disconnect the module's readiness has no effect. A scan that timed out before the
-    // module was ready still has to end.
+    // After a disconnect the module's readiness has no effect. If a scan times out before the
+    // module is ready, its time starts again, so that the scan ends.
     row({idle, scan, either, When::TimeRuns}, Event::ModuleReady, {}, Do::NoteModule,
         Do::AskConnman),
     row({idle, scan, either, When::TimeIsOver}, Event::ModuleReady, {}, Do::NoteModule,
@@ -63,25 +63,26 @@ const LinkRow rows[] = {
     row({idle, connect}, Event::ServiceListed, {toConfiguration}, Do::WatchService, Do::Announce,
         Do::HandOver),
 
-    // The radio stays on: a power off would make ConnMan forget the refusal, keep the wrong key and
-    // ask for no other.
+    // Leave the radio on after a refusal. A power off would make ConnMan forget the refusal: it
+    // would keep the wrong key and never ask for another one.
     row({association}, Event::ConnectFailed, {toFailure, toNone}, Do::Announce),
 
-    // The current service. The service that is being left must not end the disconnect in another
-    // state.
+    // Signals of the current service. During a disconnect, an error or an address of the service
+    // does not change the state.
     row({all, all, loaded}, Event::ServiceStrength, {}, Do::PassOn),
     row({~leaving, all, loaded}, Event::ServiceError, {toFailure, toNone}, Do::Announce,
         Do::PowerOff),
     row({~leaving, all, loaded}, Event::ServiceAddress, {toOnline}, Do::Announce),
 
-    // An undecided attempt fails at its timeout. The address of a "ready" service may still come;
-    // it is judged again at each change.
+    // An undecided attempt fails at its timeout, except if the service is "ready": it may still get
+    // an address. The daemon judges it again at each change of the services.
     row({all}, Event::TimeIsOver, {}, Do::Evaluate, Do::JudgeTime),
     row({idle | association, connect}, Event::TimeJudged, {toFailure, toNone}, Do::Announce),
     row({configuration, connect, either, When::RequestedIsNotReady}, Event::TimeJudged,
         {toFailure, toNone}, Do::Announce),
 
-    // Never gets stuck: after a refusal, no signal says that the technology is off.
+    // A disconnect always ends in "idle". If ConnMan refuses to power the technology off, no signal
+    // reports that it is off: the station goes to "idle" at once.
     row({all, all, either, When::HasService}, Event::DisconnectCalled, {toDisconnect, toNone},
         Do::Announce, Do::ForgetNetwork, Do::PowerOff),
     row({all, all, either, When::HasNoService}, Event::DisconnectCalled, {toDisconnect, toNone},

@@ -14,11 +14,11 @@ extern const LinkTable stationTable;
 LinkEvent requestedEvent(const QString &serviceState);
 
 /**
- * Returns true if the D-Bus error @p errorName, ConnMan's reply to Connect, fails the attempt
- * (empty: no error).
+ * Returns true if @p errorName, the D-Bus error of ConnMan's reply to Connect, means that the
+ * attempt has failed. It is empty if the reply is no error.
  *
- * Only ConnMan's own errors do, except those for a connection that exists or is in progress. A
- * timeout of the call decides nothing.
+ * Returns true for ConnMan's own errors only, except "InProgress" and "AlreadyConnected". Returns
+ * false for a timeout of the call: the attempt may still succeed.
  */
 bool failsConnect(const QString &errorName);
 

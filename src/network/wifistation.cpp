@@ -16,7 +16,7 @@
 namespace
 {
 constexpr int leavingTimeMs = 15000;
-/** Longer than any network's name. The trace repeats the name in every record. */
+/** Limits the requested name, which every record of the trace repeats. Real names are shorter. */
 constexpr int longestName = 255;
 
 const QString agentPath = QStringLiteral("/KyComMgr/Agent");

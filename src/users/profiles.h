@@ -21,7 +21,7 @@ extern const QString linkPath;
 /** The factory default profile, source of every reset; never written. */
 extern const QString defaultDirectory;
 
-/** The users, in the order in which the start tries them. */
+/** The users, in the order in which the daemon tries them at its start. */
 constexpr int userCount = 4;
 extern const QString users[userCount];
 
@@ -37,8 +37,8 @@ enum class Outcome {
 };
 
 /**
- * Returns the user whose directory the link names, who may be an invalid one; nothing without a
- * link.
+ * Returns the user that the link to the active profile names; the user may be invalid. Returns
+ * nothing if there is no link.
  */
 std::optional<QString> activeUser();
 
@@ -56,7 +56,7 @@ Outcome activate(const QString &user);
 
 /**
  * Replaces the content of the profile folder of @p user by a copy of the default profile. Erases
- * only if the default profile is readable and survives the erasing.
+ * nothing if the default profile is unreadable or would be erased, too.
  */
 Outcome rebuild(const QString &user);
 } // namespace profiles

@@ -129,7 +129,8 @@ void TestUsers::removeDefaultFileAccess()
 }
 
 /**
- * Starts the daemon under strace, which answers some of the kernel's @p calls as @p injection says.
+ * Returns the wrapper that runs the daemon under strace: strace injects the result @p injection
+ * into the system calls @p calls.
  */
 QStringList TestUsers::traced(const char *calls, const char *injection)
 {
@@ -451,7 +452,7 @@ void TestUsers::aFileHasItsNameOnceItIsOnTheDisk()
     const QByteArray trace = readFile("/tmp/trace");
     QVERIFY2(trace.count("sync") == 1, trace.constData());
     const int synchronised = trace.indexOf("syncfs(");
-    // Written before the synchronisation, renamed after it.
+    // Every file is written before the synchronisation and renamed after it.
     QVERIFY2(trace.lastIndexOf("O_CREAT") >= 0 && trace.lastIndexOf("O_CREAT") < synchronised,
              trace.constData());
     const QStringList renames = QString(trace.mid(synchronised)).split('\n').filter("rename");
@@ -472,7 +473,7 @@ void TestUsers::aProfileIsIncompleteBeforeAnythingOfItIsErased()
 
     QCOMPARE(users.call("factoryReset", {"user2"}), QStringLiteral("()"));
 
-    // A power cut between the two leaves a profile that the next switch replaces.
+    // After a power cut between this rename and the end, the next switch replaces the profile.
     const QByteArray trace = readFile("/tmp/trace");
     const int renamed = trace.indexOf("\"measure.conf\"");
     QVERIFY2(renamed >= 0 && renamed < trace.indexOf("\".rebuild\""), trace.constData());
@@ -768,7 +769,7 @@ void TestUsers::theStoredFlagDecides()
     QCOMPARE(users.call("setUser", {"user2"}), invalid);
     removePath(profile("user2"));
 
-    // Takes effect when the settings are written the next time.
+    // The daemon reads the changed file when it next writes its settings.
     writeFile(settings, "[Users]\nstateuser2=true\nstateuser4=false\n");
     QCOMPARE(users.call("setUser", {"user3"}), QStringLiteral("()"));
     QTRY_VERIFY(readFile(settings).contains("stateuser3=true"));
@@ -947,7 +948,7 @@ void TestUsers::subdirectoriesThatTheirOwnerMayNotWriteToAreCopied()
     QVERIFY(daemon.start());
 
     QCOMPARE(users.call("setUser", {"user2"}), QStringLiteral("()"));
-    // The second time the copy must be erased, too.
+    // The second reset must also erase the copy that the first one made.
     for (int count = 0; count < 2; ++count) {
         QCOMPARE(users.call("factoryReset", {"user2"}), QStringLiteral("()"));
         QCOMPARE(snapshot(profile("user2")), snapshot(profile("default_user")));
@@ -969,7 +970,7 @@ void TestUsers::aCallThatFailsFailsTheReset_data()
     QTest::newRow("the mode of a subdirectory's subdirectory") << "fchmod" << 2;
     QTest::newRow("the mode of a subdirectory") << "fchmod" << 3;
     QTest::newRow("synchronising") << "syncfs" << 1;
-    // The first call makes the profile incomplete.
+    // The first renameat makes the profile incomplete; the second one moves an entry.
     QTest::newRow("moving") << "renameat" << 2;
 }
 
