@@ -27,7 +27,7 @@ Argument argument(const char *name, Kind kind, const char *help)
     return {text(name), kind, text(help), {}, 0, 0, {}, false, nullptr, {}, nullptr};
 }
 
-/** A text that @p accepts checks; @p wanted describes it. */
+/** A text that is valid if @p accepts returns true; @p wanted describes valid texts. */
 Argument ruled(const char *name, bool (*accepts)(const QString &), const char *wanted,
                const char *help)
 {
@@ -37,7 +37,7 @@ Argument ruled(const char *name, bool (*accepts)(const QString &), const char *w
     return made;
 }
 
-/** At most @p maximum bytes or numbers. */
+/** A value of at most @p maximum bytes or numbers, depending on @p kind. */
 Argument limited(const char *name, Kind kind, qlonglong maximum, const char *help)
 {
     Argument made = argument(name, kind, help);

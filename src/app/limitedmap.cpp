@@ -35,7 +35,7 @@ int countArray(const QDBusArgument &argument, int enough)
     return count;
 }
 
-/** Qt D-Bus treats ay and as as basic types and reads them in one step. */
+/** Returns true for an array of texts. Qt D-Bus reads it in one step, like a basic value. */
 bool isListOfTexts(const QDBusArgument &argument)
 {
     return argument.currentSignature() == QLatin1String("as");
@@ -49,10 +49,10 @@ int countBasic(const QDBusArgument &argument, int enough)
     return 1;
 }
 
-/** Counts a variant, and its content if that is more than one basic value. */
+/** Counts a variant as one value, and adds its content unless that is a single basic value. */
 int countVariant(const QDBusArgument &argument, int enough)
 {
-    // Qt D-Bus has no other way to enter a variant than as a structure.
+    // Qt D-Bus can enter a variant only with beginStructure().
     argument.beginStructure();
     int count = 1;
     if (argument.currentType() != QDBusArgument::BasicType || isListOfTexts(argument))
@@ -64,7 +64,7 @@ int countVariant(const QDBusArgument &argument, int enough)
 /**
  * Advances @p argument by one value and counts its content, without building a QVariant.
  *
- * @param enough counting may stop here; a larger result only means "more than this"
+ * @param enough counting may stop at this number; a result that reaches it is a lower bound
  */
 int countValues(const QDBusArgument &argument, int enough)
 {

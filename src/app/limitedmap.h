@@ -6,19 +6,21 @@
 class QDBusArgument;
 
 /**
- * The limit of values in one entry of a caller's map, at all depths together; a text is one value.
+ * The maximum number of values in one entry of a caller's map, counted at all depths. A text is one
+ * value.
  */
 constexpr int mostValuesOfEntry = 8192;
 
-/** The limit of values in a caller's map: its keys and everything in its entries. */
+/** The maximum number of values in a caller's map: its keys, and the values of all its entries. */
 constexpr int mostValuesOfMap = 16 * mostValuesOfEntry;
 
 /**
- * Reads @p argument, an a{sv}, up to its limits. Of several entries with the same key the last one
- * counts.
+ * Reads @p argument, an a{sv}, up to its limits. If a key occurs more than once, its last entry
+ * wins.
  *
- * An entry with more than mostValuesOfEntry values becomes invalid, and a map with more than
- * mostValuesOfMap values empty. Neither is built: building 30 MB of small values takes seconds.
+ * Returns an invalid QVariant for an entry with more than mostValuesOfEntry values, and an empty
+ * map for a map with more than mostValuesOfMap values. The function counts such values but does not
+ * build them: building 30 MB of small values takes seconds.
  */
 QVariantMap limitedMap(const QDBusArgument &argument);
 

@@ -54,7 +54,7 @@ void KyStorage::umount(QString device, const QDBusMessage &message)
     }
     if (m_faccess.unmountDevice(known->number) != 0)
         sendErrorReply(Error::Write, QStringLiteral("Umount failed"), message);
-    // Clients rely on this also after a failure.
+    // Sent even if the call failed: clients rely on it.
     Q_EMIT deviceChangedMountState(device, false);
     Q_EMIT(this->*known->presence)(false);
 }

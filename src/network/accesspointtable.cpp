@@ -24,7 +24,8 @@ const LinkRow rows[] = {
     row({configuration}, Event::AccessPointMissing, {toFailure}, Do::Announce),
     row({configuration}, Event::AccessPointRuns, {toReady}, Do::Announce, Do::StartCheckDelay),
 
-    // In any state: clients know that a check may come after a disconnect.
+    // These rows apply in any state. A check that is pending at a disconnect still changes the
+    // state afterwards; clients rely on it.
     row({all}, Event::CheckIsDue, {}, Do::CheckInterface),
     row({all}, Event::InterfaceMissing, {toFailure}, Do::Announce),
     row({all}, Event::InterfaceRunning, {toOnline}, Do::Announce),

@@ -29,7 +29,7 @@ bool holds(LinkCondition condition, const Link &link)
     return true;
 }
 
-/** Updates the flags of the link for an event, whatever its row. */
+/** Updates the flags of the link for an event, even if no row applies. */
 void learn(Link &link, LinkEvent event, bool isTimeRepeated)
 {
     switch (event) {

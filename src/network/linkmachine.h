@@ -45,7 +45,7 @@ enum class LinkEvent {
     // Timers.
     /** The attempt or the scan has timed out. */
     TimeIsOver,
-    /** The technology should be off by now. */
+    /** A disconnect has timed out: the technology should be off by now. */
     LeavingIsOver,
     /** The next check of the access point's interface is due. */
     CheckIsDue,
@@ -58,12 +58,12 @@ enum class LinkEvent {
     ServicesChanged,
     ServiceStrength,
     ServiceError,
-    /** The service's "IPv4" counts as an address for the interface. */
+    /** The service's "IPv4" changed and contains an address; each interface has its own rule. */
     ServiceAddress,
-    /** The service's "IPv4" does not count as an address. */
+    /** The service's "IPv4" changed and contains no address. */
     ServiceIPv4,
     ServiceOther,
-    /** ConnMan replies to Connect with an error of its own. */
+    /** ConnMan's reply to Connect is an error that fails the attempt; see failsConnect(). */
     ConnectFailed,
 
     // Results of actions; LinkAction lists which results an action has.
@@ -106,7 +106,7 @@ enum class LinkEvent {
 };
 
 /**
- * The outputs of a machine. An action that asks something raises one of the events named with it.
+ * The outputs of a machine. An action with a result raises one of the events in its comment.
  */
 enum class LinkAction {
     None,
@@ -139,12 +139,12 @@ enum class LinkAction {
     AskListed,
     /** Does ConnMan list a network after power on? NetworksFound, NoNetworkFound. */
     AskFound,
-    /** PowerOnAccepted (also after an error), AlreadyOn. */
+    /** Switches the technology on: AlreadyOn, or PowerOnAccepted (also after any other error). */
     PowerOn,
-    /** PowerOffAccepted, PowerOffRefused. */
+    /** Switches the technology off: PowerOffAccepted, PowerOffRefused. */
     PowerOff,
     RequestScan,
-    /** Evaluates the services as ConnMan's signal would: ServicesChanged. */
+    /** Evaluates the services as if ConnMan had signalled a change: ServicesChanged. */
     Evaluate,
     /** What is the state of the requested service? RequestedMissing ... RequestedOther. */
     Judge,
@@ -157,24 +157,24 @@ enum class LinkAction {
     /** Makes the service that was found the current one. */
     WatchService,
     ForgetService,
-    /** Sends the IPv4 settings: AddressThere if the address is final, AddressMissing. */
+    /** Sends the IPv4 settings: AddressThere if the address is final, otherwise AddressMissing. */
     HandOver,
     /** Does the service have an address? AddressThere, AddressMissing. */
     AskAddress,
-    /** Decides an attempt that is still undecided at its timeout: TimeJudged. */
+    /** Ends an attempt that has no outcome at its timeout: TimeJudged. */
     JudgeTime,
 
-    /** NetworkForgotten, NetworkKept. */
+    /** Removes the network from ConnMan: NetworkForgotten, NetworkKept. */
     ForgetNetwork,
     UnregisterAgent,
     /** Ends a disconnect immediately: Left. */
     Leave,
 
-    /** ConfigurationWritten, ConfigurationRefused. */
+    /** Writes hostapd's configuration file: ConfigurationWritten, ConfigurationRefused. */
     WriteConfiguration,
-    /** Do interface, hostapd and dhcpd exist? AccessPointRuns, AccessPointMissing. */
+    /** Is the interface up, and do hostapd and dhcpd run? AccessPointRuns, AccessPointMissing. */
     CheckAccessPoint,
-    /** InterfaceRunning, InterfaceDown, InterfaceMissing. */
+    /** Is the interface running? InterfaceRunning, InterfaceDown, InterfaceMissing. */
     CheckInterface,
 
     // Error replies to the current call.
@@ -286,11 +286,15 @@ public:
 
 protected:
     /**
-     * Carries out @p action. @return its result; None for an action that asks nothing
+     * Carries out @p action. @return its result; None if it has no result
      */
     virtual LinkEvent perform(LinkAction action) = 0;
 
-    /** Called after @p event and everything that followed from it has been handled. */
+    /**
+     * Called when @p event and all events that it caused have been handled.
+     *
+     * @param isDecided a row applied to @p event
+     */
     virtual void handled(LinkEvent event, bool isDecided) = 0;
 
     const LinkTable &m_table;

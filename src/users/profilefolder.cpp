@@ -28,13 +28,13 @@ struct Entry {
     unsigned char type;
 };
 
-/** Opens a directory for more than looking up names. */
+/** Reopens a directory to list, change or synchronise it: an O_PATH descriptor cannot. */
 Descriptor openToRead(const Descriptor &directory)
 {
     return Descriptor(openat(directory.get(), ".", O_RDONLY | O_DIRECTORY | O_CLOEXEC));
 }
 
-/** Lists all entries of a directory; returns false if it is none, or cannot be listed. */
+/** Lists all entries of a directory; returns false if it is not a directory or cannot be listed. */
 bool readEntries(const Descriptor &directory, std::vector<Entry> &entries)
 {
     Descriptor readable = openToRead(directory);
@@ -54,8 +54,8 @@ bool readEntries(const Descriptor &directory, std::vector<Entry> &entries)
 }
 
 /**
- * Finds the type of @p entry or its target. The type is DT_UNKNOWN for a dangling link and on
- * failure.
+ * Determines the type of @p entry, or of its target if it is a link. The type is DT_UNKNOWN for a
+ * dangling link. Returns false, and sets DT_UNKNOWN, on failure.
  */
 bool findType(const Descriptor &directory, const Entry &entry, unsigned char &type)
 {
@@ -241,7 +241,7 @@ bool eraseSubdirectory(const Descriptor &directory, const QByteArray &name, int 
 bool eraseContents(const Descriptor &directory, int depth)
 {
     std::vector<Entry> entries;
-    // One level more than a copy may have: a power cut leaves a copy one level deeper.
+    // A power cut leaves a copy in its staging directory, one level deeper than in its place.
     if (depth > deepest + 1 || !readEntries(directory, entries))
         return false;
     std::vector<QByteArray> directories;
@@ -261,7 +261,8 @@ bool eraseContents(const Descriptor &directory, int depth)
 
 bool copyBytes(const Descriptor &source, const Descriptor &destination)
 {
-    // The most that one call transfers. For large files a third faster than read() and write().
+    // sendfile() transfers at most this many bytes in a call. It copies large files a third faster
+    // than read() and write() do.
     const size_t most = 0x7ffff000;
     ssize_t length;
     do
@@ -283,7 +284,7 @@ bool copyFile(const Descriptor &source, const Descriptor &destination, const QBy
            fchmod(to.get(), status.st_mode & permissions) == 0;
 }
 
-/** Restricts the owner of a copied subdirectory as the original does. */
+/** Removes the owner's permissions from a copied subdirectory that the original does not grant. */
 bool restrictOwner(const Descriptor &source, const Descriptor &destination, const QByteArray &name)
 {
     struct stat original = {};
@@ -306,8 +307,8 @@ bool copySubdirectory(const Descriptor &source, const Descriptor &destination,
     struct stat status = {};
     if (fstat(from.get(), &status) != 0)
         return false;
-    // Keep the mode of the original, so that private files stay private. The owner must be able to
-    // fill it.
+    // Keep the mode of the original: private files stay private. Add the owner's permissions: the
+    // daemon needs them to fill the copy.
     const mode_t mode = (status.st_mode & permissions) | S_IRWXU;
     if (mkdirat(destination.get(), name.constData(), mode) != 0)
         return false;
@@ -327,7 +328,7 @@ bool copyContents(const Descriptor &source, const Descriptor &destination, const
     for (const QByteArray &name : listing.directories) {
         if (!copySubdirectory(source, destination, name, level))
             return false;
-        // Only the owner can move the entries at the top, so restrict the owner later.
+        // moveContents() restricts the top level: moving a directory needs write permission for it.
         if (above && !restrictOwner(source, destination, name))
             return false;
     }

@@ -6,18 +6,17 @@ class Descriptor;
 /*
  * The directories of the user profiles: comparing, emptying and filling them.
  *
- * Each directory is given by a descriptor. An absent one counts as empty. Its files are its regular
- * files, its subdirectories its directories, both including hidden ones. A link that root or the
- * daemon's user owns counts as its target, and is ignored if it dangles. Any other link is never
- * followed.
+ * Callers pass a descriptor of each directory. An absent directory counts as empty. "Files" are
+ * regular files. Hidden files and subdirectories count, too. A link that root or the daemon's user
+ * owns counts as its target; if it dangles, it is ignored. No other link is followed.
  */
 
 /**
- * Returns true if @p directory holds, at every depth, a file or subdirectory for each one of @p
- * reference.
+ * Returns true if each file and subdirectory of @p reference, at every depth, also exists in @p
+ * directory.
  *
- * Ignores extra entries and contents. A link that must not be followed counts as a file, not as a
- * subdirectory.
+ * Ignores extra entries, and does not compare what the files contain. A link that must not be
+ * followed counts as a file, not as a subdirectory.
  */
 bool isFolderComplete(const Descriptor &reference, const Descriptor &directory);
 
@@ -35,8 +34,9 @@ bool canReplace(const Descriptor &directory, const Descriptor &source);
 bool eraseFolder(const Descriptor &directory);
 
 /**
- * Renames a file of @p reference, or a subdirectory if it has no file, in @p directory. Call this
- * before erasing, so that isFolderComplete() detects a rebuild that a power cut interrupted.
+ * Renames one entry of @p directory that @p reference also has: a file, or a subdirectory if @p
+ * reference has no file. Call this before erasing: then isFolderComplete() detects a rebuild that a
+ * power cut interrupted.
  */
 void makeIncomplete(const Descriptor &directory, const Descriptor &reference);
 
@@ -45,7 +45,7 @@ void makeIncomplete(const Descriptor &directory, const Descriptor &reference);
  *
  * The copy is made in a subdirectory of @p destination (".rebuild"), synchronised, and then moved
  * into place: no file gets its name before its content is on the disk. The subdirectory is removed
- * at the end; after a power cut it counts as any extra entry.
+ * at the end. A power cut can leave it behind as an extra entry.
  *
  * @return false at the first failure, such as a name that already exists, or a link in @p source
  *         that must not be followed

@@ -134,7 +134,7 @@ bool isLast(Outcome o, LinkAction action, State state)
 } // namespace
 
 const std::vector<LinkRule> linkRules = {
-    {"every state is announced, except the idle of a connect",
+    {"every new state is announced, except idle at the start of a connect",
      [](Outcome o, LinkKind) {
          return o.silentStates.isEmpty() ||
                 (o.event == Event::ConnectCalled && o.silentStates == QStringList("idle"));
@@ -221,7 +221,7 @@ const std::vector<LinkRule> linkRules = {
                 isDoneIn(o, Do::UnregisterAgent, Disconnect) &&
                 (replyOf(o) == Do::None || isOrdered(o, {Do::UnregisterAgent, replyOf(o)}));
      }},
-    {"a disconnect ends in idle, immediately if no event can end it",
+    {"a disconnect leads to idle at once, unless a station waits for its radio",
      [](Outcome o, LinkKind kind) {
          if (o.event != Event::DisconnectCalled || replyOf(o) == Do::ReplyDisconnectedAlready)
              return true;
@@ -234,7 +234,7 @@ const std::vector<LinkRule> linkRules = {
          const bool isEnd = o.event == Event::TechnologyOff || o.event == Event::LeavingIsOver;
          return o.before.link.state != Disconnect || !isEnd || isLast(o, Do::Announce, Idle);
      }},
-    {"nothing else ends a disconnect",
+    {"only the power off, the timeout or another disconnect ends a disconnect",
      [](Outcome o, LinkKind) {
          const bool isEnd = o.event == Event::TechnologyOff || o.event == Event::LeavingIsOver;
          return o.before.link.state != Disconnect || isEnd || o.after.link.state == Disconnect ||
@@ -271,7 +271,7 @@ const std::vector<LinkRule> linkRules = {
          return !o.before.isConnectOwed || o.after.isConnectOwed || o.announces(Failure) ||
                 o.announces(Online) || o.event == Event::DisconnectCalled;
      }},
-    {"every minute a wired interface fails and is switched off",
+    {"at each timeout a wired interface fails and is switched off",
      [](Outcome o, LinkKind kind) {
          return kind != LinkKind::Ethernet || o.event != Event::TimeIsOver ||
                 (o.announces(Failure) && isOrdered(o, {Do::Announce, Do::PowerOff}));
@@ -286,7 +286,7 @@ const std::vector<LinkRule> linkRules = {
                 count(o, [](LinkAction action) { return action == Do::GiveList; }) == 1 &&
                 o.after.link.state == Idle && o.after.link.operation == LinkOperation::None;
      }},
-    {"a change of the services or the timeout sends the list",
+    {"a pending scan sends its list at a change of the services or its timeout",
      [](Outcome o, LinkKind) {
          const bool isDue = o.before.isScanOwed && o.before.link.isFirmwareLoaded &&
                             (o.event == Event::ServicesChanged || o.event == Event::TimeIsOver);
@@ -297,7 +297,7 @@ const std::vector<LinkRule> linkRules = {
          return !o.after.isScanOwed || o.after.link.isTimed || o.after.isScriptRunning ||
                 o.after.moduleDelays > 0;
      }},
-    {"its list, a failure, another call or the service's address ends a scan",
+    {"only its list, a failure, another call or an address ends a scan",
      [](Outcome o, LinkKind) {
          return !o.before.isScanOwed || o.after.isScanOwed || o.has(Do::GiveList) ||
                 o.announces(Failure) || isCall(o.event) || o.event == Event::ServiceAddress;
@@ -309,7 +309,7 @@ const std::vector<LinkRule> linkRules = {
          return !o.has(Do::HandOver) || (isOrdered(o, {Do::WatchService, Do::HandOver}) &&
                                          (o.announces(Configuration) || o.announces(Ready)));
      }},
-    {"a service in use is watched and has the settings",
+    {"a service gets the settings exactly when configuration or ready is announced",
      [](Outcome o, LinkKind kind) {
          if (kind == LinkKind::AccessPoint)
              return true;
@@ -321,7 +321,7 @@ const std::vector<LinkRule> linkRules = {
          return (!o.has(Event::AddressThere) && !o.has(Event::RequestedOnline)) ||
                 (o.after.link.state == Online && !o.after.link.isTimed && o.has(Do::StopTime));
      }},
-    {"with firmware, an error of the service fails and powers off",
+    {"with firmware, an error of the service leads to failure and power off",
      [](Outcome o, LinkKind) {
          const bool isDue = o.event == Event::ServiceError && o.before.link.isFirmwareLoaded &&
                             o.before.link.state != Disconnect;
@@ -360,7 +360,7 @@ const std::vector<LinkRule> linkRules = {
          return kind != LinkKind::Station || !isSignal || o.before.link.isFirmwareLoaded ||
                 o.before.link.state == Disconnect || o.acts.empty();
      }},
-    {"the module is evaluated only for a pending operation",
+    {"a module that gets ready continues only a pending operation",
      [](Outcome o, LinkKind kind) {
          if (o.event != Event::ModuleReady)
              return true;
@@ -371,7 +371,7 @@ const std::vector<LinkRule> linkRules = {
                 o.has(Do::AskConnman) ==
                     (link.state == Idle && link.operation != LinkOperation::None);
      }},
-    {"ConnMan's reply to Connect decides only in association",
+    {"an error reply to Connect fails the attempt, in association only",
      [](Outcome o, LinkKind) {
          if (o.event != Event::ConnectFailed)
              return true;

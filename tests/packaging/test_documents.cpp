@@ -186,7 +186,7 @@ void TestDocuments::installingNamesTheLeastVersions()
     QVERIFY(document.contains(QStringLiteral("| compiler | C++%1 |").arg(standard)));
     QVERIFY(
         document.contains(QStringLiteral("| CMake | %1 | `cmake_minimum_required`; the presets, "
-                                         "and so `./run` and `./test`, take 3.25 |")
+                                         "and so `./run` and `./test`, need 3.25 |")
                               .arg(cmake)));
     QVERIFY(document.contains(QStringLiteral("| Qt | %1 |").arg(qt)));
 }

@@ -27,13 +27,13 @@ public:
     void controlClock();
     void letTimePass(int seconds);
     /**
-     * Like controlClock(), but the clock stops in between: the times of timers are exact to
-     * the millisecond.
+     * Like controlClock(), but the clock moves only in letTimePass() and letMillisecondsPass().
+     * Timers then expire exactly to the millisecond.
      */
     void stopClock();
     void letMillisecondsPass(int milliseconds);
     /**
-     * Repeatedly lets the timeout of one call to a peer pass, until @p condition is true.
+     * Repeatedly advances the clock by the timeout of a call to a peer until @p condition is true.
      *
      * @return false if the daemon has ended, or after two minutes
      */
@@ -42,7 +42,7 @@ public:
     void setEnvironment(const QString &name, const QString &value);
     void resetEnvironment();
 
-    /** Starts it and waits for its bus name; returns false if it ended, or at the deadline. */
+    /** Starts it and waits for its bus name. Returns false if it ends first, or at the deadline. */
     bool start(const QStringList &arguments = {});
 
     /** Starts it without waiting for its bus name. */
@@ -64,8 +64,8 @@ public:
     int children() const;
 
     /**
-     * The ID of a thread other than the main one that can receive signals, of the process @p
-     * process, or of the daemon; 0 if there is none.
+     * Returns the ID of a thread that blocks no signals and is not the main thread; 0 if there is
+     * none. Searches the process @p process, or the daemon if @p process is 0.
      */
     int otherThread(qint64 process = 0) const;
 
@@ -76,8 +76,8 @@ public:
     int descriptors() const;
 
     /**
-     * Waits until its threads have opened their descriptors: the listener to device events, and on
-     * an instrument with a screen the light sensor. Then like descriptors().
+     * Waits until two threads have opened their descriptors, the listener to device events and the
+     * light sensor. Then returns descriptors(). Needs an instrument with a screen.
      */
     int settledDescriptors();
 
