@@ -38,8 +38,8 @@ private:
 };
 
 /**
- * Pings once between two blocking calls. Call it after a call that timed out: the next call may
- * time out, too, and the timer cannot ping before the main loop runs again. Waits for the bus for
+ * Pings once between two blocking calls. Call it after a call that took long: the next call may
+ * take long, too, and the timer cannot ping before the main loop runs again. Waits for the bus for
  * at most 5 s.
  */
 void pingSystemdMeanwhile();
