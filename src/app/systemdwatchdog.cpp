@@ -23,6 +23,9 @@ int watchdogInterval(const QByteArray &allowed, const QByteArray &process, qint6
 
 namespace
 {
+/** The time after which the bus is asked again while it has not answered. */
+constexpr int retryMs = 250;
+
 /** Writes @p text to systemd's notification socket: a path, or "@" and an abstract name. */
 void notifySystemd(const QByteArray &text)
 {
@@ -65,21 +68,26 @@ SystemdWatchdog::SystemdWatchdog()
     if (interval() == 0)
         return;
     connect(&m_timer, &QTimer::timeout, this, &SystemdWatchdog::askBus);
-    m_timer.start(interval());
     askBus();
 }
 
 /** Sends the bus a question and pings systemd after the answer. */
 void SystemdWatchdog::askBus()
 {
+    // A bus whose queue for us is full drops its answer. Clients that flood us must not cause a
+    // restart.
+    m_timer.start(qMin(interval(), retryMs));
     auto *answer =
         new QDBusPendingCallWatcher(QDBusConnection::systemBus().asyncCall(question()), this);
-    connect(answer, &QDBusPendingCallWatcher::finished, this, [](QDBusPendingCallWatcher *reply) {
-        // Without a bus, libdbus answers with an error.
-        if (!reply->isError())
-            notifySystemd("WATCHDOG=1");
-        reply->deleteLater();
-    });
+    connect(answer, &QDBusPendingCallWatcher::finished, this,
+            [this](QDBusPendingCallWatcher *reply) {
+                // Without a bus, libdbus answers with an error.
+                if (!reply->isError()) {
+                    notifySystemd("WATCHDOG=1");
+                    m_timer.start(interval());
+                }
+                reply->deleteLater();
+            });
 }
 
 void pingSystemdMeanwhile()

@@ -31,6 +31,7 @@ private Q_SLOTS:
     void withoutAWatchdogTheBusIsAskedNothing();
     void aSystemdThatDoesNotReadHoldsNothingUp();
     void aSuspendedBusStopsThePings();
+    void aBusThatDoesNotAnswerIsAskedAgain();
     void aBusThatEndsStopsThePings();
     void aBusyMainThreadStopsThePings();
 
@@ -239,6 +240,25 @@ void TestSystemdWatchdog::aSuspendedBusStopsThePings()
     QVERIFY(daemon.isRunning());
     QVERIFY(resumeProcess(m_bus.processId()));
     QVERIFY(isPinged());
+}
+
+/** Each answer causes a ping: those to several questions arrive within one interval. */
+void TestSystemdWatchdog::aBusThatDoesNotAnswerIsAskedAgain()
+{
+    supervise(socketPath);
+    // An interval of 2 s.
+    daemon.setEnvironment("WATCHDOG_USEC", "16000000");
+    startSecondBus();
+    daemon.launch();
+    QVERIFY(isPinged());
+    QVERIFY(stopProcess(m_bus.processId()));
+
+    QVERIFY(!isPinged(4000));
+
+    QVERIFY(resumeProcess(m_bus.processId()));
+    QVERIFY(isPinged());
+    for (int ping = 0; ping < 3; ++ping)
+        QVERIFY(isPinged(1500));
 }
 
 void TestSystemdWatchdog::aBusThatEndsStopsThePings()

@@ -17,6 +17,7 @@ private Q_SLOTS:
     void whatTheServiceWroteGoes();
     void profilesStay();
     void aPurgeWithoutAnyFileSucceeds();
+    void aDirectoryAtThePathOfAFileStaysAndEndsNothing();
     void noLinkIsFollowed_data();
     void noLinkIsFollowed();
 
@@ -66,6 +67,20 @@ void TestPurge::profilesStay()
 void TestPurge::aPurgeWithoutAnyFileSucceeds()
 {
     QCOMPARE(purge(), 0);
+}
+
+void TestPurge::aDirectoryAtThePathOfAFileStaysAndEndsNothing()
+{
+    for (const QString &path : {QStringLiteral("/tmp/logkywifi"), profiles + "/system"})
+        QVERIFY(QDir().mkpath(path));
+    writeFile("/opt/settings.ini", "written");
+    writeFile(profiles + "/hostapd.conf", "written");
+
+    QCOMPARE(purge(), 0);
+
+    QVERIFY(!QFile::exists("/opt/settings.ini"));
+    QCOMPARE(snapshot(profiles), QStringList{"system"});
+    QVERIFY(QDir().rmdir("/tmp/logkywifi"));
 }
 
 void TestPurge::noLinkIsFollowed_data()
