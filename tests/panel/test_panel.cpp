@@ -205,6 +205,12 @@ void TestPanel::theSurroundingsAreShown()
 {
     writeFile("/run/strandel-speed", "60\n");
     QVERIFY(shows("speed-text", "time passes 60 times faster"));
+    // A picture reads them itself, whenever they were last polled.
+    for (const char *speed : {"2", "3"}) {
+        writeFile("/run/strandel-speed", speed);
+        panel->picture({640, 400});
+        QCOMPARE(text("speed-text"), QStringLiteral("time passes %1 times faster").arg(speed));
+    }
     removePath("/run/strandel-speed");
     QVERIFY(shows("speed-text", ""));
 
