@@ -75,7 +75,7 @@ Traffic::Call Traffic::takeCall(const QString &caller, int serial)
     });
     if (call == m_calls.end())
         return {};
-    const Call found = *call;
+    Call found = *call;
     m_calls.erase(call);
     return found;
 }
