@@ -2,7 +2,6 @@
 #include "connmansignals.h"
 #include "daemontest.h"
 #include "modescript.h"
-#include "moduledelay.h"
 #include "realconnman.h"
 #include "supplicantstandin.h"
 #include "terminalprogram.h"
@@ -62,12 +61,11 @@ private:
     };
     static void start(QProcess &client, const QStringList &arguments, const QByteArray &input);
     static Result resultOf(QProcess &client);
-    Result run(const QStringList &arguments, const QByteArray &input = {});
+    static Result run(const QStringList &arguments, const QByteArray &input = {});
 
     RealConnman connman;
     SupplicantStandIn supplicant;
     ModeScript script;
-    ModuleDelay moduleDelay{daemon, script};
 };
 
 void TestKyboardctlWifi::init()
@@ -75,7 +73,6 @@ void TestKyboardctlWifi::init()
     DaemonTest::init();
     qputenv("TERM", "dumb");
     script.install();
-    moduleDelay.reset();
     supplicant.start();
     connman.start();
     daemon.controlClock();
@@ -105,17 +102,11 @@ TestKyboardctlWifi::Result TestKyboardctlWifi::resultOf(QProcess &client)
     return {client.exitCode(), client.readAllStandardOutput(), client.readAllStandardError()};
 }
 
-/** Runs the client without the module's delay. */
 TestKyboardctlWifi::Result TestKyboardctlWifi::run(const QStringList &arguments,
                                                    const QByteArray &input)
 {
     QProcess client;
     start(client, arguments, input);
-    const auto hasEnded = [&] {
-        moduleDelay.skip();
-        return client.state() == QProcess::NotRunning;
-    };
-    static_cast<void>(QTest::qWaitFor(hasEnded, 60000));
     return resultOf(client);
 }
 
@@ -150,7 +141,6 @@ void TestKyboardctlWifi::anEmptyAirIsNoFailure()
     QProcess client;
     start(client, {"wifi", "scan"}, {});
     const auto isPowered = [&] {
-        moduleDelay.skip();
         return RealConnman::properties("/net/connman/technology/wifi").value("Powered").toBool();
     };
     QVERIFY(QTest::qWaitFor(isPowered, 20000));

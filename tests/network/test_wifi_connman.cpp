@@ -1,7 +1,6 @@
 #include "busmonitor.h"
 #include "daemontest.h"
 #include "modescript.h"
-#include "moduledelay.h"
 #include "realconnman.h"
 #include "supplicantstandin.h"
 
@@ -60,7 +59,6 @@ private:
     RealConnman connman;
     SupplicantStandIn supplicant;
     ModeScript script;
-    ModuleDelay moduleDelay{daemon, script};
     QScopedPointer<SignalRecorder> recorder;
     /** The announcements since the last call, and how many of them have been consumed. */
     QStringList signalsSeen;
@@ -70,7 +68,6 @@ void TestWifiConnman::init()
 {
     DaemonTest::init();
     script.install();
-    moduleDelay.reset();
     supplicant.start();
     connman.start();
     daemon.controlClock();
@@ -110,7 +107,6 @@ bool TestWifiConnman::waitForState(const QString &state, const char *interface,
                                     service + "\", \"State\", <\"" + state + "\">\\)$");
     return QTest::qWaitFor(
         [&] {
-            moduleDelay.skip();
             signalsSeen << recorder->take();
             const int found = signalsSeen.indexOf(change);
             signalsSeen = signalsSeen.mid(found + 1);
@@ -126,7 +122,6 @@ QString TestWifiConnman::scan()
         return QStringLiteral("refused");
     QString list;
     const auto isListed = [&] {
-        moduleDelay.skip();
         for (const QString &signal : recorder->take()) {
             if (signal.startsWith("WIFI.servicesListChanged("))
                 list = signal.section('(', 1).section(')', 0, -2);
@@ -263,7 +258,6 @@ void TestWifiConnman::aRadioThatIsOnAlreadyIsSearchedAtOnce()
     // Debian's ConnMan has no such method.
     QVERIFY(QTest::qWaitFor(
         [&] {
-            moduleDelay.skip();
             calls += monitor.takeFromDaemon("net.connman");
             return calls.contains("call net.connman.Technology.AsyncScan()");
         },

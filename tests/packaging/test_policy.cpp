@@ -258,7 +258,6 @@ void TestPolicy::aLargeMessageEndsItsSender()
     QFETCH(int, size);
     QFETCH(bool, isTaken);
     QVERIFY(daemon.start());
-    const qint64 process = daemon.processId();
     QDBusConnection bus = QDBusConnection::connectToBus(QDBusConnection::SystemBus, "large");
     QDBusMessage call = QDBusMessage::createMethodCall(service, "/KyConfigMgr", users, "getUser");
     call << QByteArray(size, 'x');
@@ -271,7 +270,7 @@ void TestPolicy::aLargeMessageEndsItsSender()
     QTRY_COMPARE(bus.isConnected(), isTaken);
     QDBusConnection::disconnectFromBus("large");
     QCOMPARE(busctl("member", TestPolicy::call(users, "getUser")), QStringLiteral("s \"user1\""));
-    QCOMPARE(daemon.processId(), process);
+    QVERIFY(daemon.isRunning());
 }
 
 /** While the daemon reads nothing, a few calls wait in the bus, and it refuses the others. */

@@ -5,7 +5,6 @@
 
 #include <QDir>
 #include <QFile>
-#include <QFileInfo>
 #include <QProcess>
 #include <QTest>
 
@@ -65,11 +64,6 @@ QStringList ModeScript::log()
     QStringList lines = QString::fromLatin1(readFile(control + "log")).split('\n');
     lines.removeAll(QString());
     return lines;
-}
-
-QDateTime ModeScript::lastChange()
-{
-    return QFileInfo(control + "log").lastModified();
 }
 
 bool ModeScript::waitFor(const QString &line, int count)

@@ -1,7 +1,6 @@
 #ifndef MODESCRIPT_H
 #define MODESCRIPT_H
 
-#include <QDateTime>
 #include <QStringList>
 
 /**
@@ -29,9 +28,6 @@ public:
 
     /** The log of the scripts since install(), in order: "start 0", "end 0". */
     QStringList log();
-
-    /** When a script last wrote to the log. */
-    QDateTime lastChange();
 
     /** Waits until the log has @p line @p count times. */
     bool waitFor(const QString &line, int count = 1);
