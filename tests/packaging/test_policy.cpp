@@ -34,6 +34,7 @@ private Q_SLOTS:
     void everyUserReceivesSignals();
     void everyRuleNamesItsDestination();
     void everyRuleThatLetsThroughExcludesDescriptors();
+    void thePolicyForAnOlderBusDiffersInDescriptorsOnly();
     void memberByMember_data();
     void memberByMember();
 
@@ -351,6 +352,36 @@ void TestPolicy::everyRuleThatLetsThroughExcludesDescriptors()
     }
     QVERIFY2(!rules.hasError(), qPrintable(rules.errorString()));
     QVERIFY(count > 0);
+}
+
+namespace
+{
+/** The elements of @p policy with their attributes except max_fds, in order. */
+QStringList elements(const QString &policy)
+{
+    QXmlStreamReader reader(readFile(policy));
+    QStringList found;
+    while (!reader.atEnd()) {
+        if (reader.readNext() != QXmlStreamReader::StartElement)
+            continue;
+        QString element = reader.name().toString();
+        const QXmlStreamAttributes attributes = reader.attributes();
+        for (const QXmlStreamAttribute &attribute : attributes) {
+            if (attribute.name() != QLatin1String("max_fds"))
+                element += ' ' + attribute.name() + '=' + attribute.value();
+        }
+        found << element;
+    }
+    return found << reader.errorString();
+}
+} // namespace
+
+void TestPolicy::thePolicyForAnOlderBusDiffersInDescriptorsOnly()
+{
+    const QString older = QStringLiteral(OLDER_POLICY);
+    QCOMPARE(elements(older), elements(QStringLiteral(POLICY)));
+    QVERIFY(elements(older).size() > 10);
+    QVERIFY(!readFile(older).contains("max_fds"));
 }
 
 void TestPolicy::memberByMember_data()
