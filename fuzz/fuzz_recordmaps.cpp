@@ -2,6 +2,7 @@
 #include "instrumentrecord.h"
 #include "keptrecord.h"
 #include "measurerecord.h"
+#include "newrecord.h"
 #include "peer.h"
 #include "require.h"
 
@@ -63,13 +64,25 @@ void checkKept(const QVariantMap &map, const QVariantMap &fields)
     require(surplus <= mostSurplusBytes, "surplus entries are limited in all");
 }
 
+void checkNew(const std::optional<NewRecord> &record, const QVariantMap &map,
+              const QVariantMap &fields)
+{
+    require(record.has_value() == (!fields.isEmpty() && canBeKept(fields)),
+            "a record is refused if a field is missing or the fields are too large");
+    require(!record || record->kept.keys() == keptRecord(map, fields).keys(),
+            "a new record keeps what is checked above");
+}
+
 void checkInstrument(const QVariantMap &map)
 {
     const QVariantMap fields = instrumentFields(map);
     checkKept(map, fields);
+    const std::optional<NewRecord> made = newInstrumentRecord(map);
+    checkNew(made, map, fields);
     if (fields.isEmpty())
         return;
     const QByteArray record = encodeInstrumentRecord(basicMap(fields));
+    require(!made || made->bytes == record, "the bytes of a new record are those of its fields");
     require(record.size() == instrumentRecordSize, "a record has its size, whatever is in it");
     const QVariantMap decoded = decodeInstrumentRecord(record);
     require(decoded.value(QStringLiteral("CRC")).toBool(), "a record has its checksum");
@@ -80,11 +93,14 @@ void checkMeasure(const QVariantMap &map)
 {
     const QVariantMap fields = measureFields(map);
     checkKept(map, fields);
+    const std::optional<NewRecord> made = newMeasureRecord(map);
+    checkNew(made, map, fields);
     if (fields.isEmpty())
         return;
     const QVector<quint32> coefficients =
         toNumbers(fields.value(QStringLiteral("AdjustementCoefficients")));
     const QByteArray record = encodeMeasureRecord(basicMap(fields), coefficients);
+    require(!made || made->bytes == record, "the bytes of a new record are those of its fields");
     require(record.size() == 12 + 4 * coefficients.size(), "every coefficient is in the record");
     const QVariantMap decoded = decodeMeasureRecord(record);
     require(decoded.value(QStringLiteral("CRC")).toBool() == (record.size() == measureRecordSize),
