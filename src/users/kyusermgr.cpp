@@ -16,7 +16,7 @@ const ErrorText getUserErrors[] = {
 
 const ErrorText setUserErrors[] = {
     {Error::InvalidArgument, "User name is invalid."},
-    // The reply when a profile folder cannot be rebuilt.
+    // The reply when a profile directory cannot be rebuilt.
     {Error::Process, "Error while forcing a reload of the user configurations."},
     {Error::Write, "Not able to overwrite the current user symlink."},
 };
