@@ -71,7 +71,7 @@ void Daemon::speedUp(int factor)
     // Preload the library: the program faketime stays between us and the daemon, and would leave
     // the daemon running when it is killed.
     setWrapper({QStringLiteral("env"), QStringLiteral("FAKETIME=+0 x%1").arg(factor),
-                QStringLiteral("LD_PRELOAD=/usr/$LIB/faketime/libfaketime.so.1")});
+                QStringLiteral("LD_PRELOAD=/usr/$LIB/faketime/libfaketimeMT.so.1")});
 }
 
 void Daemon::controlClock()
@@ -91,7 +91,7 @@ void Daemon::takeClock(bool isStopped)
     writeClock();
     setWrapper({QStringLiteral("env"), QStringLiteral("FAKETIME_NO_CACHE=1"),
                 QStringLiteral("FAKETIME_TIMESTAMP_FILE=") + clockFile,
-                QStringLiteral("LD_PRELOAD=/usr/$LIB/faketime/libfaketime.so.1")});
+                QStringLiteral("LD_PRELOAD=/usr/$LIB/faketime/libfaketimeMT.so.1")});
 }
 
 void Daemon::writeClock() const
