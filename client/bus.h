@@ -8,6 +8,11 @@
 
 extern const QString daemonService;
 
+/** The paths of the daemon's objects. */
+constexpr char configPath[] = "/KyConfigMgr";
+constexpr char comPath[] = "/KyComMgr";
+constexpr char devicePath[] = "/KyDeviceMgr";
+
 /** The exit statuses of kyboardctl. */
 enum ExitStatus {
     Success = 0,

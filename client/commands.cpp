@@ -13,9 +13,9 @@
 
 namespace
 {
-const QString config = QStringLiteral("/KyConfigMgr");
-const QString com = QStringLiteral("/KyComMgr");
-const QString device = QStringLiteral("/KyDeviceMgr");
+const QString config = QString::fromLatin1(configPath);
+const QString com = QString::fromLatin1(comPath);
+const QString device = QString::fromLatin1(devicePath);
 
 QString text(const char *utf8)
 {

@@ -79,10 +79,6 @@ struct Question {
     const char *unit;
 };
 
-constexpr char config[] = "/KyConfigMgr";
-constexpr char com[] = "/KyComMgr";
-constexpr char device[] = "/KyDeviceMgr";
-
 /** A query without an argument. */
 constexpr Question asks(const char *title, const char *key, const char *path, const char *interface,
                         const char *method,
@@ -93,29 +89,33 @@ constexpr Question asks(const char *title, const char *key, const char *path, co
 }
 
 const Question questions[] = {
-    asks("Profile", "profile", config, "Users", "getUser", inlineText),
-    {"Battery", "battery", device, "Alimentation", nullptr, "batteryStatus", nullptr, inlineText,
-     ""},
-    asks("Battery voltage", "batteryVoltage", device, "Alimentation", "getBatteryVoltage",
+    asks("Profile", "profile", configPath, "Users", "getUser", inlineText),
+    {"Battery", "battery", devicePath, "Alimentation", nullptr, "batteryStatus", nullptr,
+     inlineText, ""},
+    asks("Battery voltage", "batteryVoltage", devicePath, "Alimentation", "getBatteryVoltage",
          inlineText, "mV"),
-    asks("LEDs", "leds", device, "LED", "getLEDStatus", ledText),
-    asks("Temperatures", "temperatures", device, "Temperature", "getTemperatures", mapText,
+    asks("LEDs", "leds", devicePath, "LED", "getLEDStatus", ledText),
+    asks("Temperatures", "temperatures", devicePath, "Temperature", "getTemperatures", mapText,
          "\u00b0C"),
-    {"SD card mounted", "sdMounted", device, "Storage", "isMounted", nullptr, "SD", inlineText, ""},
-    {"USB key mounted", "usbMounted", device, "Storage", "isMounted", nullptr, "USB", inlineText,
+    {"SD card mounted", "sdMounted", devicePath, "Storage", "isMounted", nullptr, "SD", inlineText,
      ""},
-    asks("Backlight", "backlight", device, "Backlight", "getBacklight", inlineText, "%"),
-    asks("Backlight step", "backlightStep", device, "Backlight", "getBacklightStep", inlineText),
-    asks("Ambient light", "brightness", device, "Brightness", "getBrightness", inlineText, "lux"),
-    asks("Ethernet", "ethernet", com, "Ethernet", "getIPv4", ipv4Text),
-    asks("Ethernet hardware", "ethernetHardware", com, "Ethernet", "getHardwareInfos",
+    {"USB key mounted", "usbMounted", devicePath, "Storage", "isMounted", nullptr, "USB",
+     inlineText, ""},
+    asks("Backlight", "backlight", devicePath, "Backlight", "getBacklight", inlineText, "%"),
+    asks("Backlight step", "backlightStep", devicePath, "Backlight", "getBacklightStep",
+         inlineText),
+    asks("Ambient light", "brightness", devicePath, "Brightness", "getBrightness", inlineText,
+         "lux"),
+    asks("Ethernet", "ethernet", comPath, "Ethernet", "getIPv4", ipv4Text),
+    asks("Ethernet hardware", "ethernetHardware", comPath, "Ethernet", "getHardwareInfos",
          interfaceText),
-    asks("Wi-Fi", "wifi", com, "WIFI", "getIPv4", ipv4Text),
-    asks("Wi-Fi hardware", "wifiHardware", com, "WIFI", "getHardwareInfos", interfaceText),
-    asks("Wi-Fi strength", "wifiStrength", com, "WIFI", "getStrength", strengthText, "%"),
-    asks("Access point", "accessPointHardware", com, "WIFIAP", "getHardwareInfos", accessPointText),
-    asks("Software", "software", device, "Version", "getSoftwareVersions", mapText),
-    asks("Revisions", "revisions", device, "Version", "getRevision", mapText),
+    asks("Wi-Fi", "wifi", comPath, "WIFI", "getIPv4", ipv4Text),
+    asks("Wi-Fi hardware", "wifiHardware", comPath, "WIFI", "getHardwareInfos", interfaceText),
+    asks("Wi-Fi strength", "wifiStrength", comPath, "WIFI", "getStrength", strengthText, "%"),
+    asks("Access point", "accessPointHardware", comPath, "WIFIAP", "getHardwareInfos",
+         accessPointText),
+    asks("Software", "software", devicePath, "Version", "getSoftwareVersions", mapText),
+    asks("Revisions", "revisions", devicePath, "Version", "getRevision", mapText),
 };
 
 Answer ask(const Question &question)

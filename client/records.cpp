@@ -9,7 +9,7 @@
 
 namespace
 {
-const QString device = QStringLiteral("/KyDeviceMgr");
+const QString deviceObject = QString::fromLatin1(devicePath);
 const QString version = QStringLiteral("Version");
 
 /** Many times the size of a copy: limits the read if the name leads to another file. */
@@ -17,7 +17,7 @@ constexpr qint64 longestFileBytes = 1 << 20;
 
 ExitStatus read(const char *method, QVariantMap &fields, Answer &answer)
 {
-    answer = call(device, version, QString::fromLatin1(method));
+    answer = call(deviceObject, version, QString::fromLatin1(method));
     fields = answer.values.value(0).toMap();
     return answer.status;
 }
@@ -71,11 +71,11 @@ ExitStatus restoreRecords(const Command &command, const Invocation &invocation,
     if (consent != Success)
         return consent;
     const Answer first =
-        call(device, version, QStringLiteral("setEepromInstrument"), {records.instrument});
+        call(deviceObject, version, QStringLiteral("setEepromInstrument"), {records.instrument});
     if (!first.isGood())
         return fail(command, first);
     const Answer second =
-        call(device, version, QStringLiteral("setEepromMesure"), {records.measure});
+        call(deviceObject, version, QStringLiteral("setEepromMesure"), {records.measure});
     if (!second.isGood()) {
         fail(command, second);
         return fail(command, second.status,

@@ -20,7 +20,7 @@ bool readLine(QByteArray &line)
     // Byte by byte: the rest belongs to the next reader.
     char byte = 0;
     while (true) {
-        const ssize_t got = read(STDIN_FILENO, &byte, 1);
+        const ssize_t got = ::read(STDIN_FILENO, &byte, 1);
         if (got <= 0)
             return got == 0 && !line.isEmpty();
         if (byte == '\n')
@@ -99,7 +99,7 @@ void showInput()
     handleEnd(SIG_DFL);
 }
 
-void write(std::FILE *stream, const QString &text)
+void print(std::FILE *stream, const QString &text)
 {
     const QByteArray bytes = text.toUtf8();
     // The stream remembers a failed write.
@@ -175,7 +175,7 @@ void giveScreenBack()
 
 void print(const QString &text)
 {
-    write(stdout, text);
+    print(stdout, text);
 }
 
 bool isAllPrinted()
@@ -192,16 +192,16 @@ void complain(const QString &text, const QString &detail)
 {
     clearProgress();
     const QString name = QStringLiteral("kyboardctl:");
-    write(stderr, (hasColours(STDERR_FILENO) ? alarming(name) : name) + QLatin1Char(' ') +
+    print(stderr, (hasColours(STDERR_FILENO) ? alarming(name) : name) + QLatin1Char(' ') +
                       safeLines(text) + QLatin1Char('\n'));
     if (areDetailsWanted && !detail.isEmpty())
-        write(stderr, QStringLiteral("kyboardctl: ") + detail + QLatin1Char('\n'));
+        print(stderr, QStringLiteral("kyboardctl: ") + detail + QLatin1Char('\n'));
 }
 
 void showProgress(const QString &text)
 {
     if (isatty(STDERR_FILENO))
-        write(stderr, QStringLiteral("\r\033[K") + text);
+        print(stderr, QStringLiteral("\r\033[K") + text);
 }
 
 void clearProgress()

@@ -32,7 +32,7 @@ int signalPipe[2] = {-1, -1};
 void noteSignal(int signal)
 {
     const char byte = char(signal);
-    static_cast<void>(!write(signalPipe[1], &byte, 1));
+    static_cast<void>(!::write(signalPipe[1], &byte, 1));
 }
 
 QSet<QString> interfaces()

@@ -9,7 +9,7 @@ using namespace board;
 namespace
 {
 constexpr int fullBrightness = 100;
-constexpr int nonsense = 31337;
+constexpr int nonsensePercent = 31337;
 } // namespace
 
 KyBacklight::KyBacklight() : m_handle(nullptr)
@@ -21,7 +21,7 @@ KyBacklight::~KyBacklight() = default;
 
 int KyBacklight::getBrightness()
 {
-    return Call("KyBacklight.getBrightness").answer(-1, nonsense, [] {
+    return Call("KyBacklight.getBrightness").answer(-1, nonsensePercent, [] {
         return readNumber<int>("backlight/brightness", 0, fullBrightness);
     });
 }

@@ -9,7 +9,7 @@ using namespace board;
 
 namespace
 {
-const e_led_state nonsense = static_cast<e_led_state>(0xBAD);
+const e_led_state nonsenseState = static_cast<e_led_state>(0xBAD);
 
 /** Returns the file of @p led; empty for an unknown LED. */
 std::string fileOf(e_leds led)
@@ -54,5 +54,7 @@ int KyLeds::setLedState(e_leds led, e_led_state state)
 
 int KyLeds::getLedState(e_leds led, e_led_state *state)
 {
-    return Call("KyLeds.getLedState", led).read(state, nonsense, [led] { return shownBy(led); });
+    return Call("KyLeds.getLedState", led).read(state, nonsenseState, [led] {
+        return shownBy(led);
+    });
 }

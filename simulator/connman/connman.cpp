@@ -30,11 +30,6 @@ const ListedObject *findIn(const ListedObjects &objects, const QString &path)
                      [&](const ListedObject &object) { return object.path.path() == path; });
     return found == objects.end() ? nullptr : &*found;
 }
-
-QString pathArgument(const QDBusMessage &call)
-{
-    return call.arguments().value(0).value<QDBusObjectPath>().path();
-}
 } // namespace
 
 const Connman::Method Connman::methods[] = {

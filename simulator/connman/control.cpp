@@ -77,11 +77,6 @@ QString textArgument(const QDBusMessage &call, int index)
     return call.arguments().at(index).toString();
 }
 
-QString pathArgument(const QDBusMessage &call)
-{
-    return call.arguments().at(0).value<QDBusObjectPath>().path();
-}
-
 ListedObjects listArgument(const QDBusMessage &call)
 {
     return qdbus_cast<ListedObjects>(call.arguments().at(0).value<QDBusArgument>());

@@ -3,6 +3,7 @@
 #include <QDBusArgument>
 #include <QDBusConnection>
 #include <QDBusMetaType>
+#include <QDBusObjectPath>
 #include <QDBusVariant>
 
 void answer(const QDBusMessage &call, const QList<QVariant> &values)
@@ -47,4 +48,9 @@ QVariantMap mapOf(const QVariant &value)
     if (signatureOf(value) != QLatin1String("a{sv}"))
         return QVariantMap();
     return qdbus_cast<QVariantMap>(value.value<QDBusArgument>());
+}
+
+QString pathArgument(const QDBusMessage &call)
+{
+    return call.arguments().value(0).value<QDBusObjectPath>().path();
 }

@@ -48,7 +48,6 @@ private:
 
 namespace
 {
-const QString daemonName = QStringLiteral("com.orvendis.Strandel.BoardManager");
 const QVariantMap noSettings;
 
 QString ofOwn(const char *place, const char *name, const char *text)

@@ -93,7 +93,6 @@ private:
 
 namespace
 {
-const QString daemonName = QStringLiteral("com.orvendis.Strandel.BoardManager");
 const int deadline = 20000;
 
 /** The words of faults. */

@@ -2,7 +2,7 @@
 
 namespace
 {
-const char *const events[] = {
+const char *const eventNames[] = {
     "None",
     "Started",
     "ScanCalled",
@@ -60,9 +60,9 @@ const char *const events[] = {
     "InterfaceDown",
     "InterfaceMissing",
 };
-static_assert(sizeof events / sizeof *events == size_t(LinkEvent::Count));
+static_assert(sizeof eventNames / sizeof *eventNames == size_t(LinkEvent::Count));
 
-const char *const actions[] = {
+const char *const actionNames[] = {
     "None",
     "Announce",
     "PassOn",
@@ -108,7 +108,7 @@ const char *const actions[] = {
     "ReplyNotConfigured",
     "ReplyDisconnectedAlready",
 };
-static_assert(sizeof actions / sizeof *actions == size_t(LinkAction::Count));
+static_assert(sizeof actionNames / sizeof *actionNames == size_t(LinkAction::Count));
 
 const char *const operations[] = {"none", "scan", "connect"};
 const char *const conditions[] = {
@@ -119,12 +119,12 @@ const char *const conditions[] = {
 
 QString nameOf(LinkEvent event)
 {
-    return events[int(event)];
+    return eventNames[int(event)];
 }
 
 QString nameOf(LinkAction action)
 {
-    return actions[int(action)];
+    return actionNames[int(action)];
 }
 
 QString nameOf(LinkOperation operation)

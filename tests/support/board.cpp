@@ -17,7 +17,7 @@ namespace
 {
 const QString journalFile = QStringLiteral("journal");
 const QString faultDirectory = QStringLiteral("faults");
-const int deadline = 20000;
+const int boardDeadline = 20000;
 
 bool run(const QString &program, const QStringList &arguments, const QByteArray &input = {})
 {
@@ -116,12 +116,12 @@ void Board::clearJournal()
 
 bool Board::waitFor(const QString &path, const QString &value)
 {
-    return QTest::qWaitFor([&] { return get(path) == value; }, deadline);
+    return QTest::qWaitFor([&] { return get(path) == value; }, boardDeadline);
 }
 
 bool Board::waitForJournal(const QString &line)
 {
-    return QTest::qWaitFor([&] { return journal().contains(line); }, deadline);
+    return QTest::qWaitFor([&] { return journal().contains(line); }, boardDeadline);
 }
 
 void Board::fault(const QString &operation, const QString &words)

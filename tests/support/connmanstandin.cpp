@@ -10,17 +10,12 @@
 
 namespace
 {
-const QString name = QStringLiteral("net.connman");
-
-bool isOnTheBus()
-{
-    return QDBusConnection::systemBus().interface()->isServiceRegistered(name);
-}
+const QString connman = QStringLiteral("net.connman");
 
 /** The control object. */
 Remote remote()
 {
-    return Remote(name, QStringLiteral("/standin"),
+    return Remote(connman, QStringLiteral("/standin"),
                   QStringLiteral("com.orvendis.Strandel.ConnManStandIn"));
 }
 
@@ -65,7 +60,7 @@ void ConnmanStandIn::start(const QString &program)
         QFile::copy(QStringLiteral(CONNMAN_STAND_IN), path);
     }
     m_process.start(path, QStringList());
-    if (!m_process.waitForStarted() || !QTest::qWaitFor(isOnTheBus, 10000))
+    if (!m_process.waitForStarted() || !QTest::qWaitFor([] { return isOnTheBus(connman); }, 10000))
         qFatal("the ConnMan stand-in does not start");
     setTechnologies({technology(ethernetTechnology, "Wired", "ethernet"),
                      technology(wifiTechnology, "WiFi", "wifi")});
@@ -90,7 +85,8 @@ bool ConnmanStandIn::isRunning() const
 
 void ConnmanStandIn::waitForEnd()
 {
-    if (!m_process.waitForFinished(10000) || !QTest::qWaitFor([] { return !isOnTheBus(); }, 10000))
+    if (!m_process.waitForFinished(10000) ||
+        !QTest::qWaitFor([] { return !isOnTheBus(connman); }, 10000))
         qFatal("the ConnMan stand-in does not end");
 }
 

@@ -3,6 +3,7 @@
 #include "files.h"
 #include "kernelevents.h"
 #include "processes.h"
+#include "remote.h"
 
 #include <QDBusConnection>
 #include <QDBusConnectionInterface>
@@ -16,7 +17,6 @@
 
 namespace
 {
-const QString daemonName = QStringLiteral("com.orvendis.Strandel.BoardManager");
 const QString clockFile = QStringLiteral("/run/daemon-clock");
 
 // Not a full second, to which Qt aligns coarse timers. The fraction is exact as a floating-point
@@ -33,12 +33,6 @@ void wakeDaemon()
             QDBusMessage::createMethodCall(daemonName, QStringLiteral("/KyComMgr"),
                                            method.section('.', 0, -2), method.section('.', -1)));
     }
-}
-
-bool isNameOwned()
-{
-    return QDBusConnection::systemBus().interface()->isServiceRegistered(
-        QStringLiteral("com.orvendis.Strandel.BoardManager"));
 }
 } // namespace
 
@@ -148,10 +142,10 @@ bool Daemon::start(const QStringList &arguments)
 {
     // Wait until the bus has noticed the end of the previous daemon, whose name would pass for
     // ours.
-    if (!waitUntil([] { return !isNameOwned(); }))
+    if (!waitUntil([] { return !isOnTheBus(daemonName); }))
         return false;
     launch(arguments);
-    return waitUntil([this] { return !isRunning() || isNameOwned(); }) && isRunning();
+    return waitUntil([this] { return !isRunning() || isOnTheBus(daemonName); }) && isRunning();
 }
 
 void Daemon::launch(const QStringList &arguments)

@@ -11,7 +11,7 @@
 
 namespace
 {
-const int deadline = 20000;
+const int kernelDeadline = 20000;
 
 /** The kernel's table of netlink sockets for device events, split into columns. */
 QList<QByteArrayList> listenerTable()
@@ -44,7 +44,7 @@ unsigned int KernelEvents::groups()
 
 bool KernelEvents::waitForListeners(int count)
 {
-    return QTest::qWaitFor([count] { return listeners() == count; }, deadline);
+    return QTest::qWaitFor([count] { return listeners() == count; }, kernelDeadline);
 }
 
 int KernelEvents::undelivered()
@@ -62,7 +62,7 @@ bool KernelEvents::waitForEmptyQueues()
         return std::all_of(table.begin(), table.end(),
                            [](const QByteArrayList &columns) { return columns[4] == "0"; });
     };
-    return QTest::qWaitFor(areEmpty, deadline);
+    return QTest::qWaitFor(areEmpty, kernelDeadline);
 }
 
 bool KernelEvents::isRoomUnlimited()

@@ -18,7 +18,7 @@ const QString installed = QStringLiteral("/usr/share/redpine");
 const QString script = QStringLiteral("switch_coex_mode.sh");
 const QString control = QStringLiteral("/run/strandel-redpine/");
 
-void run(const QString &program, const QStringList &arguments)
+void execute(const QString &program, const QStringList &arguments)
 {
     if (QProcess::execute(program, arguments) != 0)
         qFatal("%s %s fails", qPrintable(program), qPrintable(arguments.join(QLatin1Char(' '))));
@@ -116,10 +116,10 @@ void ModeScript::leaveOut(const QString &part)
 
 void ModeScript::setCarrier(bool present)
 {
-    run("ip", {"link", "set", "wifi_air", present ? "up" : "down"});
+    execute("ip", {"link", "set", "wifi_air", present ? "up" : "down"});
 }
 
 void ModeScript::removeInterface()
 {
-    run("ip", {"link", "delete", "wifi_ap"});
+    execute("ip", {"link", "delete", "wifi_ap"});
 }

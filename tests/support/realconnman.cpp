@@ -10,18 +10,12 @@
 
 namespace
 {
-const QString network = QStringLiteral(SIMULATOR_DIRECTORY "/network/ethernet");
+const QString ethernetProgram = QStringLiteral(SIMULATOR_DIRECTORY "/network/ethernet");
 
-void change(const QString &what)
+void changeEthernet(const QString &what)
 {
-    if (QProcess::execute(network, {what}) != 0)
-        qFatal("%s %s fails", qPrintable(network), qPrintable(what));
-}
-
-bool isOnTheBus()
-{
-    return QDBusConnection::systemBus().interface()->isServiceRegistered(
-        QStringLiteral("net.connman"));
+    if (QProcess::execute(ethernetProgram, {what}) != 0)
+        qFatal("%s %s fails", qPrintable(ethernetProgram), qPrintable(what));
 }
 } // namespace
 
@@ -37,7 +31,7 @@ RealConnman::~RealConnman()
 
 void RealConnman::start()
 {
-    change(QStringLiteral("build"));
+    changeEthernet(QStringLiteral("build"));
     restart();
     if (!QTest::qWaitFor([] { return service("State") == QLatin1String("ready"); }, 20000))
         qFatal("ConnMan does not connect");
@@ -47,8 +41,9 @@ void RealConnman::restart()
 {
     registerListedObjects();
     m_process.setProcessChannelMode(QProcess::ForwardedErrorChannel);
-    m_process.start(network, {QStringLiteral("connmand")});
-    if (!m_process.waitForStarted() || !QTest::qWaitFor(isOnTheBus, 10000))
+    m_process.start(ethernetProgram, {QStringLiteral("connmand")});
+    if (!m_process.waitForStarted() ||
+        !QTest::qWaitFor([] { return isOnTheBus(QStringLiteral("net.connman")); }, 10000))
         qFatal("ConnMan does not start");
 }
 
@@ -68,7 +63,8 @@ void RealConnman::kill()
 
 void RealConnman::waitForEnd()
 {
-    if (!m_process.waitForFinished(10000) || !QTest::qWaitFor([] { return !isOnTheBus(); }, 10000))
+    if (!m_process.waitForFinished(10000) ||
+        !QTest::qWaitFor([] { return !isOnTheBus(QStringLiteral("net.connman")); }, 10000))
         qFatal("ConnMan does not end");
 }
 
@@ -85,17 +81,17 @@ void RealConnman::thaw()
 
 void RealConnman::plugCable()
 {
-    change(QStringLiteral("plug"));
+    changeEthernet(QStringLiteral("plug"));
 }
 
 void RealConnman::unplugCable()
 {
-    change(QStringLiteral("unplug"));
+    changeEthernet(QStringLiteral("unplug"));
 }
 
 void RealConnman::setDhcpServerMute(bool mute)
 {
-    change(mute ? QStringLiteral("mute") : QStringLiteral("unmute"));
+    changeEthernet(mute ? QStringLiteral("mute") : QStringLiteral("unmute"));
 }
 
 QVariantMap RealConnman::properties(const QString &path)

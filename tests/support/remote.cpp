@@ -4,11 +4,13 @@
 #include "render.h"
 
 #include <QDBusConnection>
+#include <QDBusConnectionInterface>
 #include <QTest>
+
+const QString daemonName = QStringLiteral("com.orvendis.Strandel.BoardManager");
 
 namespace
 {
-const QString daemonName = QStringLiteral("com.orvendis.Strandel.BoardManager");
 const int replyTimeout = 60000;
 
 /** Fails the test if the daemon (not the bus) has sent an undocumented error. */
@@ -24,6 +26,11 @@ void expectDocumented(const QDBusMessage &call, const QDBusMessage &reply)
                      __FILE__, __LINE__);
 }
 } // namespace
+
+bool isOnTheBus(const QString &service)
+{
+    return QDBusConnection::systemBus().interface()->isServiceRegistered(service);
+}
 
 Remote::Remote(const QString &path, const QString &suffix)
     : Remote(daemonName, path, daemonName + QLatin1Char('.') + suffix)

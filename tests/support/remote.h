@@ -6,6 +6,12 @@
 #include <QString>
 #include <QVariant>
 
+/** The daemon's bus name. */
+extern const QString daemonName;
+
+/** Returns true if a program on the system bus owns the name @p service. */
+bool isOnTheBus(const QString &service);
+
 /** One interface of an object on the system bus, from a client's view. */
 class Remote
 {

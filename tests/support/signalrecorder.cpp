@@ -9,7 +9,6 @@
 
 namespace
 {
-const QString daemonName = QStringLiteral("com.orvendis.Strandel.BoardManager");
 }
 
 SignalRecorder::SignalRecorder(const QString &path) : m_path(path)

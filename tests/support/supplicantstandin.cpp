@@ -1,6 +1,7 @@
 #include "supplicantstandin.h"
 
 #include "files.h"
+#include "remote.h"
 
 #include <QDBusConnection>
 #include <QDBusConnectionInterface>
@@ -8,19 +9,14 @@
 
 namespace
 {
-const QString network = QStringLiteral(SIMULATOR_DIRECTORY "/network/wifi");
+const QString supplicant = QStringLiteral("fi.w1.wpa_supplicant1");
+const QString wifiProgram = QStringLiteral(SIMULATOR_DIRECTORY "/network/wifi");
 const QString air = QStringLiteral("/run/strandel-air");
 
-void change(const QString &what)
+void changeWifi(const QString &what)
 {
-    if (QProcess::execute(network, {what}) != 0)
-        qFatal("%s %s fails", qPrintable(network), qPrintable(what));
-}
-
-bool isOnTheBus()
-{
-    return QDBusConnection::systemBus().interface()->isServiceRegistered(
-        QStringLiteral("fi.w1.wpa_supplicant1"));
+    if (QProcess::execute(wifiProgram, {what}) != 0)
+        qFatal("%s %s fails", qPrintable(wifiProgram), qPrintable(what));
 }
 } // namespace
 
@@ -32,18 +28,20 @@ SupplicantStandIn::~SupplicantStandIn()
 
 void SupplicantStandIn::start()
 {
-    change(QStringLiteral("build"));
+    changeWifi(QStringLiteral("build"));
     removePath(air);
     m_process.setProcessChannelMode(QProcess::ForwardedChannels);
     m_process.start(QStringLiteral(SUPPLICANT_STAND_IN), QStringList());
-    if (!m_process.waitForStarted() || !QTest::qWaitFor(isOnTheBus, 10000))
+    if (!m_process.waitForStarted() ||
+        !QTest::qWaitFor([] { return isOnTheBus(supplicant); }, 10000))
         qFatal("the supplicant's stand-in does not start");
 }
 
 void SupplicantStandIn::kill()
 {
     m_process.kill();
-    if (!m_process.waitForFinished(10000) || !QTest::qWaitFor([] { return !isOnTheBus(); }, 10000))
+    if (!m_process.waitForFinished(10000) ||
+        !QTest::qWaitFor([] { return !isOnTheBus(supplicant); }, 10000))
         qFatal("the supplicant's stand-in does not end");
 }
 
@@ -54,5 +52,5 @@ void SupplicantStandIn::set(const QString &property, const QByteArray &value)
 
 void SupplicantStandIn::setDhcpServerMute(bool mute)
 {
-    change(mute ? QStringLiteral("mute") : QStringLiteral("unmute"));
+    changeWifi(mute ? QStringLiteral("mute") : QStringLiteral("unmute"));
 }

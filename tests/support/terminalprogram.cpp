@@ -10,7 +10,7 @@
 
 namespace
 {
-const int deadline = 30000;
+const int screenDeadline = 30000;
 const int rows = 30;
 } // namespace
 
@@ -45,7 +45,7 @@ void TerminalProgram::Process::setupChildProcess()
 
 bool TerminalProgram::shows(const QByteArray &text)
 {
-    return QTest::qWaitFor([&] { return shown().contains(text); }, deadline);
+    return QTest::qWaitFor([&] { return shown().contains(text); }, screenDeadline);
 }
 
 QByteArray TerminalProgram::shown()
@@ -78,7 +78,8 @@ void TerminalProgram::resize(int columns)
 
 int TerminalProgram::waitForEnd()
 {
-    if (!QTest::qWaitFor([this] { return m_process.state() == QProcess::NotRunning; }, deadline))
+    if (!QTest::qWaitFor([this] { return m_process.state() == QProcess::NotRunning; },
+                         screenDeadline))
         return -1000;
     return m_process.exitStatus() == QProcess::NormalExit ? m_process.exitCode()
                                                           : -m_process.exitCode();
