@@ -17,6 +17,7 @@ private Q_SLOTS:
     void wifiComesUpWithoutARadio();
     void theDaemonGoesAwayAndComesBack();
     void timePassesFaster();
+    void theNetworkKeepsStepWhenTimePassesFaster();
     void timeIsTheMachinesOtherwise();
     void itsShellCompletesTheClient();
     void inTheForegroundItShowsWhatIsUpAndEndsWhenAsked();
@@ -118,11 +119,19 @@ void TestInstrument::timePassesFaster()
          TREE "/simulator/speed; cd /run/strandel-board && : >journal;"
               "until [ $(grep -c getBatteryInfo journal) -ge 12 ]; do sleep 0.1; done;"
               "echo 15 >battery/charge; until [ $(cat leds/BAT_RS1) = ON ]; do sleep 0.1; done;"
-              "kyboardctl battery status; kyboardctl ethernet connect && kyboardctl wifi scan"});
-    QCOMPARE(printed, QStringLiteral("60\nCHARGER_OFF_BAT_INF_20\nonline\n"
-                                     "Cafe       65 %  none\nGrumpy     50 %  psk\n"
-                                     "Hall       62 %  psk\nWorkshop   72 %  psk\n"));
+              "kyboardctl battery status"});
+    QCOMPARE(printed, QStringLiteral("60\nCHARGER_OFF_BAT_INF_20\n"));
     QVERIFY2(timer.elapsed() < 60000, qPrintable(QString::number(timer.elapsed())));
+}
+
+/** Not at 60: a scan ends after 15 s of the daemon's time, in which ConnMan has 0.25 s to answer.
+ */
+void TestInstrument::theNetworkKeepsStepWhenTimePassesFaster()
+{
+    QCOMPARE(
+        output({"--speed", "4", "sh", "-c", "kyboardctl ethernet connect && kyboardctl wifi scan"}),
+        QStringLiteral("online\nCafe       65 %  none\nGrumpy     50 %  psk\n"
+                       "Hall       62 %  psk\nWorkshop   72 %  psk\n"));
 }
 
 void TestInstrument::timeIsTheMachinesOtherwise()

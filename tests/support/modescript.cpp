@@ -1,6 +1,7 @@
 #include "modescript.h"
 
 #include "files.h"
+#include "networkinterface.h"
 #include "processes.h"
 
 #include <QDir>
@@ -117,6 +118,10 @@ void ModeScript::leaveOut(const QString &part)
 void ModeScript::setCarrier(bool present)
 {
     execute("ip", {"link", "set", "wifi_air", present ? "up" : "down"});
+    // The kernel passes the carrier on later.
+    if (!QTest::qWaitFor(
+            [present] { return isRunning(findNetworkInterface("wifi_ap")) == present; }, 10000))
+        qFatal("the access point's carrier does not change");
 }
 
 void ModeScript::removeInterface()
