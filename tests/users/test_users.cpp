@@ -53,21 +53,21 @@ private Q_SLOTS:
     void setUserReplacesAFileInTheLinksPlace();
     void aLinkThatCannotBeMadeInvalidatesTheUser();
     void aLinkThatCannotBeMadeLeavesNoActiveProfile();
-    void aFileHasItsNameOnceItIsOnTheDisk();
+    void filesAreSyncedBeforeTheyAreRenamed();
     void aProfileIsIncompleteBeforeAnythingOfItIsErased();
     void aStartChangesNoProfile();
-    void aFileBesideACompleteProfileDoesNotHaveItReplaced();
+    void aFileBesideACompleteProfileDoesNotCauseARebuild();
     void theNextRebuildRemovesLeftoversOfAPowerCut();
     void leftoversOfAPowerCutDoNotMakeAProfileIncomplete();
     void aFailedRebuildLeavesNothingBehind();
     void theDefaultProfileIsNeverErased_data();
     void theDefaultProfileIsNeverErased();
-    void aProfileFolderThatLeadsNowhereIsRefused();
+    void aDanglingProfileLinkIsRefused();
     void anotherAccountsProfileIsReset();
     void rootsLinkInAProfilesPlaceIsFollowed();
     void aStrangersLinkInAProfilesPlaceIsNotFollowed();
     void aStrangersLinkOnTheWayToAProfileIsNotFollowed();
-    void aStrangersLinkInThePlaceOfAllProfilesIsNotFollowed();
+    void aStrangersLinkInPlaceOfTheProfilesDirectoryIsNotFollowed();
     void aStrangersLinkInTheDefaultProfileIsNotRead_data();
     void aStrangersLinkInTheDefaultProfileIsNotRead();
     void aStrangersLinkInThePlaceOfAFileIsLeftAsItIs();
@@ -75,7 +75,7 @@ private Q_SLOTS:
     void noUserCanBeActivated();
     void aProfileFolderThatIsAFileInvalidatesTheUserAndIsKept();
     void aDiskThatIsFullInMidCopyInvalidatesTheUserAndKeepsTheLink();
-    void anUnreadableDefaultProfileCostsNoUserItsFiles();
+    void anUnreadableDefaultProfileErasesNoUsersFiles();
     void anUnreadableDefaultProfileDoesNotHinderACompleteProfile();
     void theStoredFlagDecides();
     void usersWhoseFlagsVanishAreInvalidUntilTheNextStart();
@@ -92,8 +92,8 @@ private Q_SLOTS:
     void factoryResetReportsAnUnreadableDefaultProfileAndErasesNothing();
     void factoryResetDoesNotFollowALinkOutOfTheProfile();
     void subdirectoriesThatTheirOwnerMayNotWriteToAreCopied();
-    void aCallThatFailsFailsTheReset_data();
-    void aCallThatFailsFailsTheReset();
+    void aFailedSystemCallFailsTheReset_data();
+    void aFailedSystemCallFailsTheReset();
 
 private:
     static QStringList traced(const char *calls, const char *injection);
@@ -438,7 +438,7 @@ void TestUsers::aLinkThatCannotBeMadeLeavesNoActiveProfile()
     QVERIFY(!QFileInfo(system).isSymLink());
 }
 
-void TestUsers::aFileHasItsNameOnceItIsOnTheDisk()
+void TestUsers::filesAreSyncedBeforeTheyAreRenamed()
 {
     daemon.setWrapper({"strace", "-D", "-f", "-o", "/tmp/trace", "-e",
                        "trace=syncfs,sync,fsync,fdatasync,/rename,/open,sendfile,copy_file_range"});
@@ -494,7 +494,7 @@ void TestUsers::aStartChangesNoProfile()
     QCOMPARE(snapshot("/tmp/User_part"), before);
 }
 
-void TestUsers::aFileBesideACompleteProfileDoesNotHaveItReplaced()
+void TestUsers::aFileBesideACompleteProfileDoesNotCauseARebuild()
 {
     writeFile("/tmp/User_part/.user2_profile.rebuild", QByteArray());
     const QStringList before = snapshot(profile("user2"));
@@ -569,7 +569,7 @@ void TestUsers::theDefaultProfileIsNeverErased()
     QCOMPARE(snapshot(target), before);
 }
 
-void TestUsers::aProfileFolderThatLeadsNowhereIsRefused()
+void TestUsers::aDanglingProfileLinkIsRefused()
 {
     removePath(profile("user2"));
     QVERIFY(QFile::link("/opt/nowhere", profile("user2")));
@@ -632,7 +632,7 @@ void TestUsers::aStrangersLinkOnTheWayToAProfileIsNotFollowed()
     removePath("/opt/way");
 }
 
-void TestUsers::aStrangersLinkInThePlaceOfAllProfilesIsNotFollowed()
+void TestUsers::aStrangersLinkInPlaceOfTheProfilesDirectoryIsNotFollowed()
 {
     writeFile("/opt/victim/user2_profile/file", "keep");
     QVERIFY(QFile::link("/opt/victim/user2_profile", "/opt/victim/system"));
@@ -732,7 +732,7 @@ void TestUsers::aDiskThatIsFullInMidCopyInvalidatesTheUserAndKeepsTheLink()
     QCOMPARE(users.call("setUser", {"user3"}), QStringLiteral("()"));
 }
 
-void TestUsers::anUnreadableDefaultProfileCostsNoUserItsFiles()
+void TestUsers::anUnreadableDefaultProfileErasesNoUsersFiles()
 {
     writeFile(profile("default_user") + "/new/secret", "unreadable");
     QVERIFY(QFile::setPermissions(profile("default_user") + "/new/secret", {}));
@@ -958,7 +958,7 @@ void TestUsers::subdirectoriesThatTheirOwnerMayNotWriteToAreCopied()
     }
 }
 
-void TestUsers::aCallThatFailsFailsTheReset_data()
+void TestUsers::aFailedSystemCallFailsTheReset_data()
 {
     QTest::addColumn<QString>("call");
     QTest::addColumn<int>("count");
@@ -974,7 +974,7 @@ void TestUsers::aCallThatFailsFailsTheReset_data()
     QTest::newRow("moving") << "renameat" << 2;
 }
 
-void TestUsers::aCallThatFailsFailsTheReset()
+void TestUsers::aFailedSystemCallFailsTheReset()
 {
     QFETCH(QString, call);
     QFETCH(int, count);
