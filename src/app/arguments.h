@@ -4,18 +4,17 @@
 class QDBusMessage;
 
 /**
- * Returns true if @p message, a call of a method without arguments, carries none.
+ * Returns true if @p message, a call of a method that takes no arguments, carries no arguments.
  *
- * Qt D-Bus dispatches such a call to the slot whatever arguments it carries. If it carries any,
- * this function replies with the error that our other methods send for a wrong signature:
- * org.freedesktop.DBus.Error.UnknownMethod.
+ * Otherwise replies with org.freedesktop.DBus.Error.UnknownMethod, the error of all other methods
+ * for a wrong signature. For a method without arguments Qt D-Bus does not check the signature.
  */
 bool hasNoArguments(const QDBusMessage &message);
 
 /**
  * Returns true if the map in @p message, a call of a method that takes one, is within the limits of
- * limitedMap(). Otherwise the method got an empty map, and this function replies with
- * org.freedesktop.DBus.Error.LimitsExceeded.
+ * limitedMap(). Otherwise replies with org.freedesktop.DBus.Error.LimitsExceeded; the method has
+ * received an empty map.
  */
 bool hasMapWithinLimits(const QDBusMessage &message);
 

@@ -11,11 +11,11 @@
 namespace
 {
 /**
- * Calls @p take for the key and the value of each entry; of several entries with the same key, for
- * the last one.
+ * Calls @p take with the key and the value of each entry. If a key occurs more than once, only its
+ * last entry counts.
  *
- * A peer may send a key more than once. Qt D-Bus then keeps all of its values, and a look-up finds
- * the last one.
+ * A peer may send a key more than once. Qt D-Bus then stores all entries, and QVariantMap::value()
+ * returns the last one.
  */
 template <typename Take>
 void forEachEntry(const QVariantMap &map, Take take)
@@ -82,7 +82,7 @@ quint32 toNumber(Integer element)
     return static_cast<quint32>(element);
 }
 
-/** Rounds, as the conversion of a QVariant does. */
+/** Rounds to the nearest integer, like QVariant::toUInt(). */
 quint32 toNumber(double element)
 {
     return QVariant(element).toUInt();
@@ -124,8 +124,8 @@ QVector<quint32> readNumberList(const QDBusArgument &argument)
 }
 
 /**
- * Returns true for signatures of values that cannot be stored, and for variants, which may hold
- * one.
+ * Returns true if a value of type @p signature may contain a file descriptor or a signature,
+ * directly or in a variant.
  */
 bool mayBeUnstorable(const QString &signature)
 {
@@ -166,7 +166,7 @@ bool isCompoundStorable(const QDBusArgument &argument)
     const QString signature = argument.currentSignature();
     if (signature.contains(QLatin1Char('h')))
         return false;
-    // Most compounds need no look inside.
+    // For most compounds the signature is enough.
     if (!mayBeUnstorable(signature))
         return true;
     bool areStorable = true;
@@ -216,7 +216,7 @@ QVariant plainValue(const QVariant &value)
 
 QVariantMap plainMap(QVariantMap map)
 {
-    // Edits in place: a map that nobody else shares is not copied.
+    // Edit in place: an unshared map is not copied.
     for (auto entry = map.begin(); entry != map.end();) {
         entry.value() = plainValue(entry.value());
         auto next = std::next(entry);

@@ -9,8 +9,8 @@
  *
  * No other file reads compound values of messages: Qt D-Bus aborts the process when a compound is
  * read as the wrong type, or read twice. Pass every variant, and every map of variants, of a
- * message to one of these functions first. They read a copy, so the original can still be read and
- * sent. Of several map entries with the same key the last one counts.
+ * message to one of these functions first. These functions read a copy, so the original can still
+ * be read and sent. If a map has several entries with the same key, the last one counts.
  */
 
 /**
@@ -18,12 +18,12 @@
  *
  * Variants are unwrapped at every depth. a{sv} becomes a QVariantMap, av a QVariantList, as a
  * QStringList, ay a QByteArray, an array of numbers a list of that number's type. Any other
- * compound (structure, other dictionary, array of arrays) becomes an invalid QVariant; in a map or
- * list the invalid QVariant takes its place.
+ * compound (structure, other dictionary, array of arrays) becomes an invalid QVariant, inside a map
+ * or list, too.
  */
 QVariant plainValue(const QVariant &value);
 
-/** plainValue() of every value of @p map. Cheapest when the map is moved. */
+/** Applies plainValue() to every value of @p map. Move the map to avoid a copy. */
 QVariantMap plainMap(QVariantMap map);
 
 /**
@@ -32,36 +32,34 @@ QVariantMap plainMap(QVariantMap map);
  */
 QVariant basicValue(const QVariant &value);
 
-/** basicValue() of every value of @p map. */
+/** Applies basicValue() to every value of @p map. */
 QVariantMap basicMap(const QVariantMap &map);
 
 /** Returns @p value if it is a map, otherwise an empty map. */
 QVariantMap toMap(const QVariant &value);
 
 /**
- * Returns @p map without invalid values and empty signatures, at every depth.
+ * Returns @p map without the invalid values and the empty signatures that it holds at any depth.
  *
- * Qt D-Bus silently sends no message at all, not even an error, for a message with such a value in
- * it.
+ * Qt D-Bus silently drops a whole message that contains such a value, and sends no error either.
  */
 QVariantMap sendableMap(const QVariantMap &map);
 
 /**
- * Returns the numbers of a list of numbers of any type, of texts (as) or of variants (av), of any
- * length; an empty vector for any other value.
+ * Returns the elements of @p value, an array of numbers of any type, of texts (as) or of variants
+ * (av). Returns an empty vector for any other value.
  *
  * Every element is truncated to its low 32 bits; a floating-point one is rounded. An element that
- * is neither a number nor the text of one is 0.
+ * is not a number and not the text of a number becomes 0.
  */
 QVector<quint32> toNumbers(const QVariant &value);
 
 /**
- * Returns @p map without the entries that cannot be stored and sent later: those with a file
+ * Returns @p map without the entries that cannot be stored and sent later: entries with a file
  * descriptor or an empty signature at any depth.
  *
- * A stored descriptor keeps the sender's file open, and Qt D-Bus leaks a descriptor each time it
- * sends one inside a compound. Qt D-Bus never sends a message with an empty signature (see
- * sendableMap()).
+ * A stored file descriptor keeps the sender's file open, and Qt D-Bus leaks a file descriptor each
+ * time it sends one inside a compound. For empty signatures see sendableMap().
  */
 QVariantMap storableMap(const QVariantMap &map);
 
@@ -75,7 +73,7 @@ QVariant detachedValue(const QVariant &value);
  * Estimates how many bytes @p value takes on the bus: 8 for each number, text, byte array and other
  * compound, plus the length of texts (as UTF-8) and byte arrays.
  *
- * @param enough counting may stop here; a larger result only means "more than this"
+ * @param enough counting may stop at this size; a result that reaches it is a lower bound
  */
 int sizeOnBus(const QVariant &value, int enough);
 

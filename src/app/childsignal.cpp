@@ -12,7 +12,7 @@ void sig_handler(int signalNumber)
         return;
     static constexpr char line[] = "signal SIGCHLD received\n";
     const int callersErrno = errno;
-    // Nothing depends on this line; without a reader it is lost.
+    // Nothing depends on this line: it may be lost.
     writeWithoutWaiting(STDOUT_FILENO, line, sizeof line - 1);
     errno = callersErrno;
 }

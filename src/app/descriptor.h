@@ -8,7 +8,8 @@ public:
     /** No descriptor and no error. */
     Descriptor() = default;
     /**
-     * Takes ownership of @p descriptor, the result of a system call; keeps errno if it is negative.
+     * Takes ownership of @p descriptor, the result of a system call. Stores errno if the result is
+     * negative.
      */
     explicit Descriptor(int descriptor);
     Descriptor(Descriptor &&other) noexcept;
@@ -23,7 +24,8 @@ public:
     /** Returns the errno of the call that failed, 0 if there is a descriptor. */
     int error() const { return m_error; }
     /**
-     * Returns true if the call failed because no entry, or none of the right kind, has that name.
+     * Returns true if the call failed because the path does not exist, or because one of its
+     * components is not a directory (ENOENT, ENOTDIR).
      */
     bool isAbsent() const;
 

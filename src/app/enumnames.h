@@ -8,23 +8,24 @@
 #include <optional>
 
 /*
- * Names of enumerators, as clients write and read them, from the type registry.
+ * Converts enumerators to their names on the bus and back, with Qt's meta-object data.
  */
 
-/** The enumeration @p name that the class of @p metaObject registers. */
+/** Returns the enumeration @p name of the class that @p metaObject describes. */
 QMetaEnum registeredEnum(const QMetaObject &metaObject, const char *name);
 
 /**
  * Returns the value of the enumerator called @p name, or nothing if there is none.
  *
- * Compares exactly: QMetaEnum's own look-up would accept a name qualified with its class, too.
+ * The comparison is exact: QMetaEnum::keyToValue() would also accept a name qualified with its
+ * class.
  */
 std::optional<int> enumValue(const QMetaEnum &enumeration, const QString &name);
 
 /** Returns the name of the enumerator with @p value; empty if there is none. */
 QString enumName(const QMetaEnum &enumeration, int value);
 
-/** The names of all enumerators, in the order of their declaration. */
+/** Returns the names of all enumerators, in the order of their declaration. */
 QStringList enumNames(const QMetaEnum &enumeration);
 
 #endif

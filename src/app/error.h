@@ -8,20 +8,19 @@ class QDBusMessage;
 /**
  * Replies to @p message immediately with an error, on the system bus.
  *
- * Qt D-Bus still sends the slot's ordinary reply afterwards; callers use the first one.
+ * Qt D-Bus still sends the slot's ordinary reply afterwards; callers ignore this second reply.
  *
  * @param code an Error::Code; any other number sends the name of Undefined
  * @param text the human-readable text of the reply
  */
 void sendErrorReply(int code, const QString &text, const QDBusMessage &message);
 
-/** The same with the D-Bus error name @p name, for interfaces that are not ours. */
+/** Replies to @p message with an error whose D-Bus name is not one of ours. */
 void sendErrorReply(const QString &name, const QString &text, const QDBusMessage &message);
 
 /**
  * Replies to @p message with the error of @p code and its text from a method's table of failures,
- * unless the code is None. A code that is not in the table gets the sentence that asks for a bug
- * report.
+ * unless the code is None. A code that is not in the table gets the text unhandledError.
  */
 template <size_t Rows>
 void reportFailure(int code, const ErrorText (&table)[Rows], const QDBusMessage &message)

@@ -47,7 +47,7 @@ struct ErrorText {
     const char *text;
 };
 
-/** The sentence that ends the text of every failure without a row in its method's table. */
+/** The last sentence of the error text for a code that is not in a method's table. */
 constexpr char unhandledError[] = "The error is not handled correctly, please fill a bug report";
 
 /**

@@ -49,7 +49,7 @@ int countBasic(const QDBusArgument &argument, int enough)
     return 1;
 }
 
-/** Counts a variant as one value, and adds its content unless that is a single basic value. */
+/** Counts a variant as one value. Adds its content unless the content is a single basic value. */
 int countVariant(const QDBusArgument &argument, int enough)
 {
     // Qt D-Bus can enter a variant only with beginStructure().
@@ -89,7 +89,10 @@ int countValues(const QDBusArgument &argument, int enough)
     }
 }
 
-/** Returns false if there are too many values. */
+/**
+ * Reads @p message into @p map. Returns false if the message holds more than mostValuesOfMap
+ * values.
+ */
 bool readMap(const QDBusArgument &message, QVariantMap &map)
 {
     // A copy: reading advances even a const QDBusArgument.

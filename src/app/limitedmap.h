@@ -15,8 +15,8 @@ constexpr int mostValuesOfEntry = 8192;
 constexpr int mostValuesOfMap = 16 * mostValuesOfEntry;
 
 /**
- * Reads @p argument, an a{sv}, up to its limits. If a key occurs more than once, its last entry
- * wins.
+ * Reads @p argument, an a{sv}, up to the limits above. If a key occurs more than once, its last
+ * entry counts.
  *
  * Returns an invalid QVariant for an entry with more than mostValuesOfEntry values, and an empty
  * map for a map with more than mostValuesOfMap values. The function counts such values but does not

@@ -11,9 +11,9 @@
 
 void writeWithoutWaiting(int descriptor, const char *text, size_t size)
 {
-    // A writable pipe accepts PIPE_BUF bytes. A signal handler may write its own short line in
-    // between, so rely on half of them only. The descriptor must stay blocking: other processes
-    // share it.
+    // A pipe that poll() reports as writable accepts PIPE_BUF bytes. Write only half of that: a
+    // signal handler may write its own short line before this write. The file descriptor must stay
+    // blocking, because other processes share it.
     const size_t most = PIPE_BUF / 2;
     while (size > 0) {
         pollfd ready = {descriptor, POLLOUT, 0};
@@ -34,7 +34,7 @@ std::mutex logMutex;
 void logMessage(QtMsgType type, const QMessageLogContext &context, const QString &message)
 {
     const QString text = qFormatLogMessage(type, context, message);
-    // A message pattern can leave nothing of a message.
+    // The message pattern can suppress a message.
     if (text.isNull())
         return;
     const QByteArray line = text.toLocal8Bit() + '\n';
@@ -46,7 +46,8 @@ void logMessage(QtMsgType type, const QMessageLogContext &context, const QString
 void logWithoutWaiting()
 {
     qInstallMessageHandler(logMessage);
-    // A handler, because child processes inherit an ignored signal across exec().
+    // Install a handler, not SIG_IGN: child processes would inherit an ignored signal across
+    // exec().
     struct sigaction present = {};
     struct sigaction action = {};
     action.sa_handler = [](int) {};

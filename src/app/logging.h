@@ -4,8 +4,8 @@
 #include <cstddef>
 
 /**
- * Writes as much of @p text to @p descriptor as it accepts at once and drops the rest. Safe in a
- * signal handler.
+ * Writes the part of @p text that @p descriptor accepts without blocking, and drops the rest.
+ * Async-signal-safe.
  */
 void writeWithoutWaiting(int descriptor, const char *text, size_t size);
 

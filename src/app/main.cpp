@@ -53,7 +53,7 @@ int main(int argc, char *argv[])
 
     if (!bus.registerService(QStringLiteral("com.orvendis.Strandel.BoardManager"))) {
         qDebug() << bus.lastError().message();
-        // Not a return: the roots' destructors would wait for the next kernel event.
+        // Do not return: the destructors of the roots would wait for the next kernel event.
         std::exit(EXIT_FAILURE);
     }
     bus.registerObject(QStringLiteral("/KyConfigMgr"), &configRoot,

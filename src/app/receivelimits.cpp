@@ -8,8 +8,8 @@
 void liftReceiveLimits(const QDBusConnection &bus)
 {
     void *connection = bus.internalPointer();
-    // Use the libdbus that Qt D-Bus has loaded or is linked with; never pass its connection to
-    // another one.
+    // RTLD_NOLOAD finds the copy of libdbus that Qt D-Bus uses. The connection is not valid in any
+    // other copy.
     void *library = dlopen("libdbus-1.so.3", RTLD_LAZY | RTLD_NOLOAD);
     if (!connection || !library)
         return;

@@ -7,9 +7,9 @@ class QDBusConnection;
  * Lifts libdbus's limits on received messages, and on file descriptors in them, for @p bus.
  *
  * libdbus stops reading while more than 63 MB of messages are still referenced. Qt D-Bus cannot
- * resume it: it switches the socket notifier from the thread that released the last message, which
- * is not the notifier's thread, and the connection never reads again. MemoryMax in the unit limits
- * the memory instead.
+ * resume reading: it enables the socket notifier in the thread that released the last message. That
+ * is not the notifier's own thread, so the connection never reads again. MemoryMax in the systemd
+ * unit limits the memory instead.
  *
  * Does nothing if @p bus is not connected, or if libdbus is not loaded as a shared library.
  */

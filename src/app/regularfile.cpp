@@ -10,7 +10,10 @@
 
 namespace
 {
-/** A second hard link may be another account's attempt to let us write to its target. */
+/**
+ * Returns true for a regular file with one hard link. With a second hard link, another account
+ * could make us write to a file that it must not change.
+ */
 bool isRegular(int descriptor)
 {
     struct stat status = {};

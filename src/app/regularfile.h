@@ -11,9 +11,9 @@ class QString;
 /**
  * Opens the regular file @p path for writing; creates it if it is missing.
  *
- * For files in directories that others can write to. Does not follow a symbolic link in the last
- * component, nor an untrusted one before it (see trustedpath.h), and neither writes to nor waits
- * for a planted FIFO or device.
+ * Safe in directories that other accounts can write to: fails for a symbolic link in the last
+ * component, for an untrusted one before it (see trustedpath.h), for a file with several hard
+ * links, and for a FIFO or device, without blocking.
  *
  * @param flags open flags besides those for writing and creating; O_TRUNC takes effect only if the
  *         file is a regular one
@@ -23,8 +23,8 @@ class QString;
 int openRegularFile(const char *path, int flags, mode_t mode);
 
 /**
- * Opens the regular file @p path, or the one that it links to, for reading. Returns false for
- * anything else: a FIFO could block the reader, and a device may have no end.
+ * Opens the regular file @p path for reading, and follows symbolic links. Returns false for any
+ * other kind of file: a FIFO could block the reader, and a device may have no end.
  */
 bool openForReading(QFile &file, const QString &path, QIODevice::OpenMode mode);
 

@@ -10,9 +10,8 @@ namespace
 const QString settingsFile = QStringLiteral("/opt/settings.ini");
 
 /**
- * Removes a stale lock file of the settings that a power cut left: an empty one, or one with our
- * own recycled PID. QSettings would believe that another process holds either, and wait for half a
- * minute.
+ * Removes a stale lock file of the settings, which a power cut can leave: an empty file, or a file
+ * with our own, recycled PID. QSettings would wait half a minute for such a lock.
  */
 void removeStrayLock()
 {
@@ -36,8 +35,8 @@ bool isRegularFilePossible()
 }
 
 /**
- * Returns the settings file, or a path that cannot exist. QSettings creates missing directories, so
- * a path below the settings file would become a directory as soon as the name is free.
+ * Returns the settings file if it is usable, otherwise a path that can never exist: QSettings
+ * creates missing directories.
  */
 QString usableSettingsFile()
 {
@@ -58,7 +57,7 @@ Settings &Settings::instance()
 
 void Settings::store(const QString &key, const QVariant &value)
 {
-    // QSettings reads the file again before it writes.
+    // QSettings reads the file again before it writes, and would block on a FIFO.
     if (fileName() != settingsFile || isRegularFilePossible())
         setValue(key, value);
 }

@@ -8,8 +8,8 @@
  * The daemon's settings file, "/opt/settings.ini".
  *
  * A missing, unreadable or malformed file counts as an empty one: every reader passes the default
- * of its key. Values are read when their reader is built, so a change takes effect at the next
- * start.
+ * of its key. Each adaptor reads its settings in its constructor, so a change takes effect at the
+ * next start of the daemon.
  */
 class Settings : public QSettings
 {
@@ -20,7 +20,8 @@ public:
     /**
      * Stores @p value under @p key; QSettings writes the file soon afterwards. While something
      * other than a regular file has the file's name, @p value is dropped and the earlier value
-     * stays. If that was so at the start, values stay in memory until the next start.
+     * stays. If something else had the name when the daemon started, values are only kept in
+     * memory.
      */
     void store(const QString &key, const QVariant &value);
 
@@ -32,7 +33,10 @@ private:
 // format, but the daemon does not read them.
 
 extern const QString USER;
-/** Followed directly by a user name: true if that profile may be used. bool, default false. */
+/**
+ * The start of a key, which ends with a user name. True if this user's profile may be used. bool,
+ * default false.
+ */
 extern const QString USER_STATE;
 
 extern const QString NETWORK_ENABLE_WINDOW;

@@ -6,7 +6,7 @@
 
 namespace
 {
-/** The property of an adaptor in which Qt D-Bus caches its look-ups. */
+/** The adaptor's property in which Qt D-Bus caches look-ups of methods. */
 constexpr char cacheProperty[] = "_qdbus_slotCache";
 
 /** Counts the look-ups of one adaptor and empties its cache. */
@@ -20,7 +20,7 @@ public:
         if (event->type() == QEvent::DynamicPropertyChange &&
             static_cast<QDynamicPropertyChangeEvent *>(event)->propertyName() == cacheProperty &&
             ++m_lookUps > mostCachedSlots) {
-            // Emptying the cache counts as a look-up, too.
+            // setProperty() sends this event again, which increments the counter to 0.
             m_lookUps = -1;
             adaptor->setProperty(cacheProperty, QVariant());
         }

@@ -23,7 +23,7 @@ int watchdogInterval(const QByteArray &allowed, const QByteArray &process, qint6
 
 namespace
 {
-/** The time after which the bus is asked again while it has not answered. */
+/** The interval of calls to the bus until it answers. */
 constexpr int retryMs = 250;
 
 /** Writes @p text to systemd's notification socket: a path, or "@" and an abstract name. */
@@ -54,7 +54,7 @@ int interval()
                             QCoreApplication::applicationPid());
 }
 
-/** A question that only the bus itself can answer. */
+/** A method call that dbus-daemon itself answers. */
 QDBusMessage question()
 {
     const QString bus = QStringLiteral("org.freedesktop.DBus");
@@ -71,17 +71,17 @@ SystemdWatchdog::SystemdWatchdog()
     askBus();
 }
 
-/** Sends the bus a question and pings systemd after the answer. */
+/** Calls a method of the bus, and pings systemd when the bus answers. */
 void SystemdWatchdog::askBus()
 {
-    // A bus whose queue for us is full drops its answer. Clients that flood us must not cause a
-    // restart.
+    // dbus-daemon drops its answer while our queue of messages is full. A client that floods us
+    // must not cause a restart, so retry.
     m_timer.start(qMin(interval(), retryMs));
     auto *answer =
         new QDBusPendingCallWatcher(QDBusConnection::systemBus().asyncCall(question()), this);
     connect(answer, &QDBusPendingCallWatcher::finished, this,
             [this](QDBusPendingCallWatcher *reply) {
-                // Without a bus, libdbus answers with an error.
+                // If the connection is lost, libdbus itself returns an error.
                 if (!reply->isError()) {
                     notifySystemd("WATCHDOG=1");
                     m_timer.start(interval());

@@ -11,7 +11,7 @@ constexpr int terminationSignals[] = {SIGHUP,    SIGINT,  SIGQUIT, SIGABRT, SIGU
 
 pthread_t mainThread;
 
-sigset_t setOfThem()
+sigset_t terminationSignalSet()
 {
     sigset_t set;
     sigemptyset(&set);
@@ -26,7 +26,7 @@ void endProcess(int number)
         pthread_kill(mainThread, number);
         return;
     }
-    // Takes effect on return.
+    // The signal is blocked in its own handler, so raise() takes effect on return.
     static_cast<void>(signal(number, SIG_DFL));
     static_cast<void>(raise(number));
 }
@@ -37,7 +37,7 @@ void catchTerminationSignals()
     mainThread = pthread_self();
     struct sigaction action = {};
     action.sa_handler = endProcess;
-    action.sa_mask = setOfThem();
+    action.sa_mask = terminationSignalSet();
     action.sa_flags = SA_RESTART;
     for (const int number : terminationSignals) {
         struct sigaction present = {};
@@ -48,7 +48,7 @@ void catchTerminationSignals()
 
 HeldTermination::HeldTermination() : m_before()
 {
-    const sigset_t set = setOfThem();
+    const sigset_t set = terminationSignalSet();
     pthread_sigmask(SIG_BLOCK, &set, &m_before);
 }
 

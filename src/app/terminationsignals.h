@@ -8,13 +8,14 @@
  * the default disposition would. Ignored signals stay ignored. Child processes get the default
  * dispositions, because exec() resets handlers.
  *
- * Otherwise the kernel may deliver a signal that the main thread blocks to any other thread.
+ * Without these handlers, the kernel could deliver a signal to another thread while the main thread
+ * blocks it (see HeldTermination).
  */
 void catchTerminationSignals();
 
 /**
- * Blocks termination signals during its lifetime, so that an operation can be undone first. A
- * signal that arrived meanwhile ends the process in the destructor.
+ * Blocks termination signals during its lifetime, so that an operation can finish. The destructor
+ * delivers a signal that has arrived meanwhile, and the process ends.
  *
  * Use it on the main thread only, for as long as a hardware call takes. SIGKILL is not blocked.
  */

@@ -11,7 +11,7 @@
 
 namespace
 {
-// The kernel's own limit.
+// The kernel's limit of symbolic links in one path.
 constexpr int mostLinks = 40;
 
 constexpr int asDirectory = O_PATH | O_DIRECTORY;
@@ -40,12 +40,12 @@ bool isLink(const Descriptor &descriptor, struct stat &status)
 }
 
 /**
- * Returns the target of the link @p name. Returns an empty text if it is no link, with @p error in
- * errno, or if it must not be followed.
+ * Returns the target of the symbolic link @p name in @p directory. On failure returns an empty text
+ * and sets errno: to @p error if @p name is not a link, to EPERM if the link must not be followed.
  */
 QByteArray trustedTarget(int directory, const QByteArray &name, int error)
 {
-    // O_PATH: owner and target belong to the same link.
+    // Open the link itself (O_PATH), so that its owner and its target are read from the same link.
     const Descriptor link(openat(directory, name.constData(), O_PATH | O_NOFOLLOW | O_CLOEXEC));
     struct stat status = {};
     if (!isLink(link, status)) {
@@ -106,8 +106,8 @@ Descriptor openDirectory(const QString &path)
 
 Descriptor openDirectory(const QByteArray &path)
 {
-    // Faster, and equivalent: only root can create links in "/", so of two components only the last
-    // one can belong to another account.
+    // A path of two components needs no walk: only root can create a link in "/", and O_NOFOLLOW
+    // rejects a link in the last component.
     if (path.startsWith('/') && path.lastIndexOf('/') == path.indexOf('/', 1)) {
         Descriptor directory(open(path.constData(), asDirectory | O_NOFOLLOW | O_CLOEXEC));
         if (directory.isOpen())
@@ -124,7 +124,7 @@ Descriptor makeDirectory(const QString &path)
     const QFileInfo info(path);
     const QByteArray name = QFile::encodeName(info.fileName());
     const Descriptor parent = makeDirectory(info.path());
-    // Fails if a dangling link has the name.
+    // mkdirat() also fails if a dangling link has the name.
     if (mkdirat(parent.get(), name.constData(), S_IRWXU | S_IRWXG | S_IRWXO) != 0)
         return Descriptor(-1);
     return Descriptor(openat(parent.get(), name.constData(), asDirectory | O_NOFOLLOW | O_CLOEXEC));

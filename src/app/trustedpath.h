@@ -18,8 +18,8 @@ class QString;
 /**
  * Opens @p path relative to the directory @p from, with open flags @p flags.
  *
- * @return no descriptor with EPERM for a link that must not be followed, ELOOP for a loop of links,
- *         otherwise with the errno of the call that failed
+ * @return on failure no descriptor, with error() EPERM for a link that must not be followed, ELOOP
+ *         for a loop of links, otherwise the errno of the call that failed
  */
 Descriptor openTrusted(int from, QByteArray path, int flags);
 
@@ -27,7 +27,7 @@ Descriptor openTrusted(int from, QByteArray path, int flags);
 Descriptor openDirectory(const QByteArray &path);
 Descriptor openDirectory(const QString &path);
 
-/** The same; creates the directory and its missing parents. */
+/** Opens the directory @p path for looking up names; creates it and its missing parents. */
 Descriptor makeDirectory(const QString &path);
 
 #endif

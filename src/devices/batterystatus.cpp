@@ -26,12 +26,13 @@ const Bound charging[] = {
     {60, Battery::CHARGER_ON_BAT_INF_60},
     {80, Battery::CHARGER_ON_BAT_INF_80},
     {100, Battery::CHARGER_ON_BAT_INF_100},
-    // A charge above 100 % is no measurement.
+    // A charge above 100 % is invalid.
     {unbounded, Battery::CHARGER_OFF_UNKNOWN_BAT},
 };
 
 /**
- * Returns the status of the first row that covers @p charge, which holds the negation of any int.
+ * Returns the status of the first row that covers @p charge. 64 bits, because the negation of the
+ * lowest int is not an int.
  */
 Battery::Status statusOf(qint64 charge, const Bound *bound)
 {

@@ -34,7 +34,9 @@ public:
 
 /** A measurement of the charge meter. */
 struct BatteryMeasurement {
-    /** Charging has not ended; meaningful with the charger present and @ref charge >= 0. */
+    /**
+     * True until charging has ended; meaningful only with the charger present and @ref charge >= 0.
+     */
     bool isCharging;
     /** In percent, negative while the battery is being charged; can be any number. */
     int charge;
@@ -43,8 +45,8 @@ struct BatteryMeasurement {
 /**
  * Returns the battery status for @p measurement.
  *
- * @param meterType the type of the charge meter; with the charger present only types 1 and 2 report
- *         the charge
+ * @param meterType the type of the charge meter; with the charger present, any type except 1 and 2
+ *         means that there is no battery
  */
 Battery::Status batteryStatus(bool chargerPresent, int meterType,
                               const BatteryMeasurement &measurement);

@@ -20,20 +20,24 @@ struct BrightnessBand {
 };
 
 /**
- * Returns the level of @p lux: the first of 1 to 16 whose bound is not below it, or 16.
+ * Returns the first level from 1 to 16 whose bound is at least @p lux; 16 if there is none.
  *
  * The outermost bounds, 0 and 17, are not levels; they only end the bands.
  */
 int brightnessLevel(double lux, const BrightnessBounds &bounds);
 
 /**
- * Returns the band around @p level (1 to 16), from the bound below it to the bound above it: the
- * light must cross a neighbouring level before it counts as changed. Nothing if the band would be
- * negative or inverted.
+ * Returns the band around @p level (1 to 16): from the bound of the level below to the bound of the
+ * level above. Returns nothing if the band would be negative or inverted.
+ *
+ * The light counts as changed only when it leaves this band.
  */
 std::optional<BrightnessBand> brightnessBand(int level, const BrightnessBounds &bounds);
 
-/** Returns the sensor's persistence byte for the setting @p timer; only the low bits count. */
+/**
+ * Returns the sensor's persistence byte for the setting @p timer: ten times the setting, reduced to
+ * 8 bits, with the lowest bit cleared.
+ */
 unsigned char thresholdTimerByte(unsigned int timer);
 
 #endif

@@ -12,7 +12,7 @@ constexpr int steadyIntervalMs = 300000;
 constexpr unsigned short supplyRegister = 0x600;
 constexpr unsigned int chargerPresentBit = 1U << 30;
 
-/** Also returns false if the register cannot be read. */
+/** Returns false if the charger is absent, or if the register cannot be read. */
 bool readChargerPresence()
 {
     KySocManager socManager;

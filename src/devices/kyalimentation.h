@@ -23,8 +23,8 @@ class KyAlimentation : public QDBusAbstractAdaptor
     Q_CLASSINFO("D-Bus Interface", "com.orvendis.Strandel.BoardManager.Alimentation")
     Q_CLASSINFO("D-Bus Introspection", INTROSPECTION_ALIMENTATION)
     /**
-     * The name of the current status. A read takes a measurement. If the charger came or went since
-     * the last measurement, it also sends the signal of the same name.
+     * The name of the current status. A read takes a measurement. If the charger has been connected
+     * or disconnected since the last measurement, the read also sends the signal of the same name.
      */
     Q_PROPERTY(QString batteryStatus READ readBatteryStatus)
 

@@ -20,7 +20,7 @@ KyBrightness::KyBrightness(QObject *parent) : QDBusAbstractAdaptor(parent)
     setAutoRelaySignals(false);
     if (!m_sensor.interrupt())
         return;
-    // The notifier reports an interrupt line's edge as urgent data.
+    // The kernel reports an edge of the interrupt line as urgent data.
     auto *notifier = new QSocketNotifier(*m_sensor.interrupt(), QSocketNotifier::Exception, parent);
     // Qt 5.15 has a second overload of the signal; only the string syntax selects the first one.
     connect(notifier, SIGNAL(activated(int)), SLOT(handleAlsActivation(int)));

@@ -30,7 +30,10 @@ void KyDeviceMgr::prepareForShutdown(const QDBusMessage & /*message*/)
     m_alimentation.prepareForShutdown();
 }
 
-/** Reads the instrument record, which also passes brand and model to the board library. */
+/**
+ * Returns true if the instrument's model has a screen. Reading the instrument record also passes
+ * brand and model to the board library.
+ */
 bool KyDeviceMgr::readScreenPresence()
 {
     const QVariantMap instrument = m_version.getEepromInstrument();

@@ -19,7 +19,7 @@ class QDBusMessage;
  * Owns the adaptors of the board's devices, connects them with one another and prepares the board
  * for power off.
  *
- * All of them adapt the same object as this one.
+ * All of these adaptors have the same parent object as KyDeviceMgr.
  */
 class KyDeviceMgr : public QDBusAbstractAdaptor
 {
@@ -31,8 +31,8 @@ public:
     /**
      * Initialises the devices and makes the LEDs show the current state.
      *
-     * Exports backlight and light sensor on models with a screen; an instrument record that cannot
-     * be read counts as a model without one.
+     * Exports backlight and light sensor only on models with a screen. If the instrument record
+     * cannot be read, the model counts as one without a screen.
      */
     explicit KyDeviceMgr(QObject *parent);
 

@@ -97,7 +97,10 @@ void KyScreenBacklight::handleBrightnessChange(double /*brightness*/, int bright
     }
 }
 
-/** Sets the backlight for the current light and announces it; only a failed read is an error. */
+/**
+ * Sets the backlight for the current light and announces it. Returns Error::Read if the light
+ * cannot be read; a failed write is only announced.
+ */
 int KyScreenBacklight::followLight()
 {
     const std::optional<double> lux = m_brightness->readLight();

@@ -13,8 +13,7 @@ class QDBusMessage;
  * The backlight of the screen: set as a percentage, as a step of a table of percentages, or by the
  * ambient light.
  *
- * Every start is in manual mode and keeps the hardware's backlight. An error code without a text in
- * a method's table gets a sentence that asks for a bug report.
+ * Starts in manual mode, without changing the backlight.
  */
 class KyScreenBacklight : public QDBusAbstractAdaptor
 {
@@ -50,8 +49,8 @@ public Q_SLOTS:
     /**
      * Sets automatic or manual mode, and the step of manual mode.
      *
-     * Changes the mode even if the step is invalid. In automatic mode it only checks the step, and
-     * sets the backlight for the current light.
+     * Changes the mode even if the step is invalid. Automatic mode sets the backlight for the
+     * current light; the step is only checked.
      *
      * @param getBacklightStep 0 to 13; 13 means 12
      *
@@ -65,8 +64,8 @@ Q_SIGNALS:
     /**
      * The backlight followed the ambient light.
      *
-     * @param backlight the new percentage; -1 when it could not be set
-     * @param getBacklightStep its step, 0 to 12; -1 when it could not be set
+     * @param backlight the new percentage; -1 when the backlight could not be set
+     * @param getBacklightStep the new step, 0 to 12; -1 when the backlight could not be set
      */
     void backlightChanged(int backlight, int getBacklightStep);
 

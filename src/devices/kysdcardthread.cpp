@@ -9,11 +9,11 @@
 
 namespace
 {
-// Multicast groups of device events: the kernel's and one that the platform adds.
+// Netlink multicast groups of device events: the kernel's group and one that the platform adds.
 constexpr unsigned int eventGroups = 0x11;
 
-// Holds ten thousand of the kernel's largest events while the listener does not run. The kernel
-// doubles it for its own bookkeeping.
+// Room for ten thousand of the kernel's largest events. The kernel doubles this size, for its own
+// bookkeeping.
 constexpr int receiveBufferBytes = 32 * 1024 * 1024;
 
 using EventBuffer = char[4096];
@@ -26,7 +26,10 @@ void leaveSignalsToOthers()
     pthread_sigmask(SIG_SETMASK, &all, nullptr);
 }
 
-/** Prevents lost events in a burst, and the error that a lost event would cause. */
+/**
+ * Enlarges the receive buffer, so that a burst loses no event. Turns off ENOBUFS, the error that a
+ * lost event would cause.
+ */
 void prepareForBursts(int descriptor)
 {
     const int size = receiveBufferBytes;
@@ -45,7 +48,10 @@ int bindToEvents(int descriptor)
     return bind(descriptor, reinterpret_cast<const sockaddr *>(&address), sizeof address);
 }
 
-/** Returns the length of the event in @p buffer, which is zero-terminated; negative on failure. */
+/**
+ * Receives an event into @p buffer and terminates the buffer with a zero byte. Returns the event's
+ * length; a negative number on failure.
+ */
 ssize_t receive(int descriptor, EventBuffer &buffer)
 {
     sockaddr_nl sender = {};
@@ -68,7 +74,7 @@ void KySdcardThread::run()
     leaveSignalsToOthers();
     const int descriptor = socket(AF_NETLINK, SOCK_RAW | SOCK_CLOEXEC, NETLINK_KOBJECT_UEVENT);
     prepareForBursts(descriptor);
-    // Fails, too, if the socket could not be opened.
+    // bindToEvents() also fails if there is no socket.
     if (bindToEvents(descriptor) == 0)
         listen(descriptor);
     close(descriptor);

@@ -19,7 +19,7 @@ public:
     KySdcardThread();
 
 public Q_SLOTS:
-    /** The event loop; do not call it, see start(). */
+    /** The thread's function. Do not call it directly: call start(). */
     void run() override;
 
     /** Ends the thread at the next event of any device. */

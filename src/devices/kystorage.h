@@ -11,8 +11,8 @@
 class QDBusMessage;
 
 /**
- * The removable storage: announces when SD card and USB key come and go, reports whether they are
- * mounted, and unmounts them. The system mounts them.
+ * The removable storage: announces when SD card and USB key are inserted and removed, reports
+ * whether they are mounted, and unmounts them. Mounting is the system's task.
  *
  * The devices are called "SD" and "USB", compared exactly. Without the kernel's events, insertions
  * and removals are not announced.
@@ -24,7 +24,7 @@ class KyStorage : public QDBusAbstractAdaptor
     Q_CLASSINFO("D-Bus Introspection", INTROSPECTION_STORAGE)
 
 public:
-    /** Starts listening. */
+    /** Starts to listen for insertions and removals. */
     explicit KyStorage(QObject *parent);
 
     /** Waits for the listener, which ends at the next event of any device. */
@@ -32,13 +32,14 @@ public:
 
 public Q_SLOTS:
     /**
-     * Unmounts @p device. Announces it as unmounted and absent even on failure.
+     * Unmounts @p device. Announces the device as unmounted and absent even if this fails.
      *
-     * Error::m_write if @p device cannot be unmounted, or is unknown; the latter announces nothing.
+     * Error::m_write if @p device cannot be unmounted. Error::m_write, without an announcement, if
+     * @p device is unknown.
      */
     void umount(QString device, const QDBusMessage &message);
 
-    /** Whether @p device is mounted; false for an unknown one. */
+    /** Returns true if @p device is mounted; false for an unknown device. */
     bool isMounted(QString device);
 
 Q_SIGNALS:

@@ -13,10 +13,11 @@ class QDBusMessage;
 class QTimer;
 
 /**
- * The board's temperatures: read on request, and checked periodically against one threshold each.
+ * The board's temperatures: read on request, and compared periodically with a threshold for each
+ * sensor.
  *
  * Temperatures and thresholds are in the board library's unit. Thresholds and interval are not
- * saved: every start sets 80 and 300000 ms.
+ * saved: every start sets the thresholds to 80 and the interval to 300000 ms.
  */
 class KyTemperatureWatcher : public QDBusAbstractAdaptor
 {
@@ -26,7 +27,7 @@ class KyTemperatureWatcher : public QDBusAbstractAdaptor
     Q_ENUMS(Device)
 
 public:
-    /** The sensors, by the board library's numbers. */
+    /** The sensors, numbered as in the board library. */
     enum Device {
         SOM = TEMPDEV_SOM,
         ANALOG_CHAIN = TEMPDEV_ANALOG_CHAIN,
@@ -57,7 +58,7 @@ public Q_SLOTS:
      */
     void setInterval(int interval, const QDBusMessage &message);
 
-    /** Checks immediately, as the timer does: getTemperatures() without a result. */
+    /** Reads both sensors immediately, like getTemperatures(), but returns nothing. */
     void periodicTemperatureCheck();
 
 Q_SIGNALS:

@@ -10,10 +10,8 @@
 class QDBusMessage;
 
 /**
- * Proves that the instrument's application is alive.
- *
- * Two supervisors expect it: the power-management microcontroller (MSP430), once after the system
- * came up, and the watchdog in the FPGA, periodically.
+ * Reports to two supervisors that the instrument's application is alive: once after the start to
+ * the power-management microcontroller (MSP430), and periodically to the watchdog in the FPGA.
  */
 class KyWatchdog : public QDBusAbstractAdaptor
 {
@@ -30,9 +28,9 @@ public Q_SLOTS:
      * Feeds the FPGA's watchdog; the first successful call reports to the MSP430 that the system is
      * up.
      *
-     * Error::m_initialisation if the HPS is not initialised or does not answer, or if the MSP430
-     * rejects the acknowledgement; the next call tries again. Error::m_write if the FPGA's watchdog
-     * cannot be fed.
+     * Error::m_initialisation if the HPS (the processor part of the system-on-chip) is not
+     * initialised or does not answer, or if the MSP430 rejects the report; the next call retries.
+     * Error::m_write if the FPGA's watchdog cannot be fed.
      */
     void keepAlive(const QDBusMessage &message);
 
@@ -43,7 +41,7 @@ private:
     KyPowerman m_powerman;
     KySocManager m_socManager;
     static constexpr unsigned short m_keepAliveRegister = 0x68;
-    /** Not 0 when the HPS, the processor part of the system-on-chip, is initialised. */
+    /** Not 0 when the HPS is initialised. */
     static constexpr unsigned short m_hpsInitRegister = 0x6B;
 };
 

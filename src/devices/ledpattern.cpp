@@ -7,7 +7,7 @@ constexpr Leds::State BLINK_1HZ = Leds::BLINK_1HZ;
 constexpr Leds::State BLINK_3HZ = Leds::BLINK_3HZ;
 constexpr Leds::State ON = Leds::ON;
 
-// The columns of the table of the battery gauge, and those of the power button.
+// The columns of the table below: the LEDs of the battery gauge, and the LEDs of the power button.
 constexpr Leds::Led gaugeLeds[] = {Leds::BAT_RS1, Leds::BAT_GS1, Leds::BAT_GS2,
                                    Leds::BAT_GS3, Leds::BAT_GS4, Leds::BAT_GS5};
 constexpr Leds::Led buttonLeds[] = {Leds::POWER_G, Leds::POWER_Y};
@@ -15,7 +15,7 @@ constexpr Leds::Led buttonLeds[] = {Leds::POWER_G, Leds::POWER_Y};
 constexpr int gaugeColumns = sizeof gaugeLeds / sizeof gaugeLeds[0];
 constexpr int buttonColumns = sizeof buttonLeds / sizeof buttonLeds[0];
 
-/** The LED states of a battery status, which is the index of the row. */
+/** A row of the table. Battery::Status is the index of the row. */
 struct Pattern {
     Leds::State gauge[gaugeColumns];
     Leds::State button[buttonColumns];
@@ -42,7 +42,10 @@ const Pattern patterns[] = {
 };
 // clang-format on
 
-/** Order: all LEDs that are off, the steady LEDs from last to first, the blinking LEDs. */
+/**
+ * Returns the settings in this order: every LED off, then the steady LEDs from last to first, then
+ * the blinking LEDs.
+ */
 template <int Columns>
 QVector<LedSetting> inOrder(const Leds::Led (&leds)[Columns], const Leds::State (&states)[Columns])
 {

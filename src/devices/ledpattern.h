@@ -16,7 +16,7 @@ Q_DECLARE_TYPEINFO(LedSetting, Q_PRIMITIVE_TYPE);
 /** Returns the battery gauge's LEDs for @p status in the order in which to set them. */
 QVector<LedSetting> batteryGaugePattern(Battery::Status status);
 
-/** The same for the power button's LEDs. */
+/** Returns the power button's LEDs for @p status in the order in which to set them. */
 QVector<LedSetting> powerButtonPattern(Battery::Status status);
 
 #endif

@@ -4,7 +4,10 @@
 
 namespace
 {
-/** The enumerators of an enumeration with their names, built once instead of for each reply. */
+/**
+ * Returns the enumerators of @p enumeration with their names. Callers keep the list instead of
+ * building it for each reply.
+ */
 QVector<NamedValue> listNames(const char *enumeration)
 {
     const QMetaEnum registered = registeredEnum(Leds::staticMetaObject, enumeration);

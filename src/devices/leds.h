@@ -14,7 +14,7 @@ class Leds
     Q_ENUMS(Led State)
 
 public:
-    /** The LEDs, by the board library's numbers, which go in steps of two. */
+    /** The LEDs, numbered as in the board library: in steps of two. */
     enum Led {
         BAT_RS1 = 0,
         BAT_GS1 = 2,
@@ -32,7 +32,7 @@ public:
         SD_STATUS = 26,
     };
 
-    /** The state of an LED, by the board library's numbers. */
+    /** The state of an LED, numbered as in the board library. */
     enum State {
         OFF = 0,
         BLINK_1HZ = 1,
@@ -48,7 +48,7 @@ struct NamedValue {
     QString name;
 };
 
-/** Every LED. */
+/** Returns every LED with its name. */
 const QVector<NamedValue> &ledNames();
 
 /** Returns the LED with exactly that name; nothing for any other text. */

@@ -6,7 +6,10 @@
 
 namespace
 {
-/** The library's result on failure; with any other negative result nothing is watched either. */
+/**
+ * The result of getinterruptHandler() on failure. After any other negative result the sensor is
+ * ready, but has no interrupt.
+ */
 constexpr int noInterrupt = -2;
 } // namespace
 
@@ -25,10 +28,10 @@ std::optional<double> LightSensor::read()
 bool LightSensor::acknowledge(int descriptor)
 {
     char event[8];
-    // The kernel keeps the event of a sysfs value file until a read from its start; seeking fails
-    // on a socket, which has no such position.
+    // A sysfs value file signals its event until a read from its start. On a socket lseek() fails,
+    // without effect.
     lseek(descriptor, 0, SEEK_SET);
-    // Only drains the event; the value comes from the sensor.
+    // This read only clears the event: the value comes from the sensor.
     const ssize_t drained = ::read(descriptor, event, sizeof event);
     static_cast<void>(drained);
     bool isRaised = false;
@@ -56,7 +59,7 @@ bool LightSensor::start()
            m_als.interruptEnable(true) == 0;
 }
 
-/** Requests the interrupt line; returns false if the sensor has none. */
+/** Requests the interrupt line. Returns false on failure. */
 bool LightSensor::findInterrupt()
 {
     const int descriptor = m_als.getinterruptHandler();

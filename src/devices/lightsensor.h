@@ -14,13 +14,16 @@
 class LightSensor
 {
 public:
-    /** Initialises the sensor with the levels and the timer of the settings. */
+    /** Initialises the sensor with the levels and the timer from the settings. */
     LightSensor();
 
     /** Returns true if the initialisation succeeded completely. */
     bool isReady() const { return m_isReady; }
 
-    /** Returns the descriptor that signals interrupts as urgent data; nothing if there is none. */
+    /**
+     * Returns the file descriptor that signals interrupts as urgent data; nothing if the sensor has
+     * no interrupt.
+     */
     std::optional<int> interrupt() const { return m_interrupt; }
 
     /** Returns the illuminance in lux; nothing if it cannot be read. */

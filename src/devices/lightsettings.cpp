@@ -7,10 +7,10 @@ namespace
 /** A setting and its default. */
 struct Row {
     const QString &key;
-    int otherwise;
+    int defaultValue;
 };
 
-// In the order of the steps; the first three keys of the group are not steps.
+// Row 0 is step 0 of the backlight. The group's first three keys, step0 to step2, are not used.
 const Row steps[] = {
     {SCREEN_BACKLIGHT_STEP_3, 15},   {SCREEN_BACKLIGHT_STEP_4, 20},  {SCREEN_BACKLIGHT_STEP_5, 25},
     {SCREEN_BACKLIGHT_STEP_6, 30},   {SCREEN_BACKLIGHT_STEP_7, 35},  {SCREEN_BACKLIGHT_STEP_8, 40},
@@ -19,7 +19,7 @@ const Row steps[] = {
     {SCREEN_BACKLIGHT_STEP_15, 100},
 };
 
-// In the order of the levels.
+// Row 0 is level 0.
 const Row levels[] = {
     {BRIGHTNESS_LEVEL_0, 0},    {BRIGHTNESS_LEVEL_1, 10},    {BRIGHTNESS_LEVEL_2, 15},
     {BRIGHTNESS_LEVEL_3, 25},   {BRIGHTNESS_LEVEL_4, 50},    {BRIGHTNESS_LEVEL_5, 75},
@@ -31,12 +31,13 @@ const Row levels[] = {
 
 constexpr unsigned int defaultTimer = 5;
 
-/** Reads each row into its field; tables of different lengths do not compile. */
+/** Reads the setting of each row into the element of @p values with the same index. */
 template <int Rows>
 void readRows(const Row (&rows)[Rows], int (&values)[Rows])
 {
     for (int index = 0; index < Rows; ++index)
-        values[index] = Settings::instance().value(rows[index].key, rows[index].otherwise).toInt();
+        values[index] =
+            Settings::instance().value(rows[index].key, rows[index].defaultValue).toInt();
 }
 } // namespace
 

@@ -6,13 +6,13 @@
 
 /* The settings of the backlight and the light sensor. */
 
-/** The percentages of the backlight's steps. */
+/** Reads the percentages of the backlight's steps. */
 BacklightSteps readBacklightSteps();
 
-/** The lux bounds of the brightness levels. */
+/** Reads the lux bounds of the brightness levels. */
 BrightnessBounds readBrightnessBounds();
 
-/** Returns how long the light must stay outside its band, for thresholdTimerByte(). */
+/** Reads how long the light must stay outside its band, as thresholdTimerByte() expects it. */
 unsigned int readThresholdTimer();
 
 #endif

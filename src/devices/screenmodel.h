@@ -6,7 +6,7 @@
 /**
  * Returns true if the instrument model @p model has a screen, a backlight and a light sensor.
  *
- * @param model the model number in hexadecimal; any other text has no screen
+ * @param model the model number in hexadecimal; returns false for any other text
  */
 bool hasScreen(const QString &model);
 

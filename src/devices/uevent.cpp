@@ -8,7 +8,7 @@ struct Partition {
     StorageEvent removed;
 };
 
-// The first partition found in the header decides.
+// The first row whose name occurs in the header decides.
 constexpr Partition partitions[] = {
     {"mmcblk0p1", StorageEvent::SdCardInserted, StorageEvent::SdCardRemoved},
     {"sda1", StorageEvent::UsbKeyInserted, StorageEvent::UsbKeyRemoved},

@@ -15,9 +15,9 @@ enum class StorageEvent {
 /**
  * Interprets the kernel event @p message, which may have any content and length.
  *
- * Only the header counts, up to the first zero byte or the end: the action, an at sign and the
- * device path. Only the first partition of each storage device counts, and only its addition and
- * removal.
+ * Reads only the header, which ends at the first zero byte or at the end of the message: the
+ * action, an at sign and the device path. Recognises only additions and removals of the first
+ * partition of each storage device.
  */
 StorageEvent storageEvent(std::string_view message);
 

@@ -15,7 +15,7 @@ QVector<Eeproms::Step> Eeproms::write(const QVector<Content> &contents)
         return {Step::LiftProtection};
     QVector<Step> failed;
     for (const Content &content : contents) {
-        // The library's interface takes no const bytes.
+        // writeEeprom() takes a pointer to non-const bytes.
         QByteArray bytes = content.bytes;
         const auto size = static_cast<unsigned int>(bytes.size());
         if (m_eeprom.writeEeprom(content.eeprom, bytes.data(), 0, size) != 0)

@@ -11,11 +11,12 @@ constexpr int instrumentRecordSize = 74;
 QVariantMap instrumentFields(const QVariantMap &map);
 
 /**
- * Encodes @p fields, whose values are basic ones (see busvalue.h), as an instrument record.
+ * Encodes @p fields as an instrument record. The values must be basic (see basicMap()).
  *
- * Numbers are truncated to one byte. "Model" is hexadecimal text. The serial and warranty numbers
- * and the two passwords are bytes, truncated to their field, or padded with "-" and with zero bytes
- * respectively. A value that cannot be converted counts as 0 or as an empty byte array.
+ * Numbers are truncated to one byte. "Model" is hexadecimal text. The other fields are bytes,
+ * truncated or padded to the width of the field: serial and warranty number with "-", the two
+ * passwords with zero bytes. A value that cannot be converted counts as 0 or as an empty byte
+ * array.
  */
 QByteArray encodeInstrumentRecord(const QVariantMap &fields);
 

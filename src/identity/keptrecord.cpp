@@ -19,7 +19,7 @@ QVariantMap keptRecord(const QVariantMap &map, const QVariantMap &fields)
 {
     QVariantMap kept = fields;
     int room = mostSurplusBytes;
-    // Of several entries with the same key the last one counts, as in a look-up.
+    // If a key occurs more than once, its last entry counts.
     for (auto entry = map.constBegin(); entry != map.constEnd();
          entry = map.upperBound(entry.key())) {
         if (fields.contains(entry.key()) || !entry.value().isValid())

@@ -75,7 +75,10 @@ QVariantMap KyVersion::getSoftwareVersions()
     return m_softwareVersions;
 }
 
-/** Writes @p record and keeps its values in @p cache; sends an error if there is none. */
+/**
+ * Writes @p record to @p eeprom and keeps its values in @p cache. Sends an error if there is no
+ * record.
+ */
 void KyVersion::setRecord(e_eeprom eeprom, const std::optional<NewRecord> &record,
                           QVariantMap &cache, const QDBusMessage &message)
 {
@@ -85,12 +88,15 @@ void KyVersion::setRecord(e_eeprom eeprom, const std::optional<NewRecord> &recor
         return;
     }
     cache = record->kept;
-    // Also after a failed write: clients see the values that they have set.
+    // "CRC" is true after a failed write, too: clients see the values that they have set.
     if (write({{eeprom, record->bytes}}, message))
         cache.insert(crc, true);
 }
 
-/** Sends an error for each failed step; returns false if nothing was written. */
+/**
+ * Writes @p contents and sends an error for each failed step. Returns false if the write protection
+ * could not be lifted; nothing is written then.
+ */
 bool KyVersion::write(const QVector<Eeproms::Content> &contents, const QDBusMessage &message)
 {
     const HeldTermination held;

@@ -15,8 +15,8 @@ class QDBusMessage;
  * The identity of the instrument: the two identification records in EEPROMs, the revisions of the
  * board's parts and the versions of the installed software.
  *
- * Every result is read once and cached. A record stays cached until it is set or invalidated, even
- * if it could not be read; revisions and versions until the next start.
+ * Every result is read once and cached. A record, or the failure to read it, stays cached until the
+ * record is set or invalidated. Revisions and versions stay cached until the next start.
  */
 class KyVersion : public QDBusAbstractAdaptor
 {
@@ -33,8 +33,8 @@ public Q_SLOTS:
      * Returns the instrument record: "Subsidiary", "Fabrication", "Brand", "Type",
      * "TroubleshootingTag", "RelaunchTag", "FirstPassTag" (int, 0 to 255), "Model" (hexadecimal
      * text), "SerialNumber", "WarrantyNumber", "IrdInstrumentPassword", "IrdSessionPassword" (byte
-     * arrays) and "CRC" = true; only "CRC" = false if it cannot be read or is invalid. After a set,
-     * returns the values of the set.
+     * arrays) and "CRC" = true. Returns only "CRC" = false if the record cannot be read or is
+     * invalid. After setEepromInstrument(), returns the values that were set.
      *
      * Reading a valid record passes the instrument's brand and model to the board library.
      */
@@ -43,20 +43,21 @@ public Q_SLOTS:
     /**
      * Writes the instrument record; converts the values without checking them.
      *
-     * Error::m_write for a missing field and for fields too long to keep (canBeKept()), which write
-     * nothing; also for a failed write and if the write protection cannot be restored.
-     * Error::m_initialisation if it cannot be lifted.
+     * Error::m_write if a field is missing or the fields are too long (canBeKept()); nothing is
+     * written then. Error::m_write also if the write fails, or if the write protection cannot be
+     * restored. Error::m_initialisation if the write protection cannot be lifted.
      */
     void setEepromInstrument(const QVariantMap &map, const QDBusMessage &message);
 
     /**
      * Returns the measure card's record: "AdjustementSite" (int, 0 to 65535), "AdjustementDate",
      * "NextAdjustementDate" (unsigned int), "AdjustementCoefficients" (list of unsigned int) and
-     * "CRC" = true; otherwise as getEepromInstrument().
+     * "CRC" = true. Returns only "CRC" = false if the record cannot be read or is invalid. After
+     * setEepromMesure(), returns the values that were set.
      */
     QVariantMap getEepromMesure();
 
-    /** Writes the measure card's record; errors as setEepromInstrument(). */
+    /** Writes the measure card's record. Sends the same errors as setEepromInstrument(). */
     void setEepromMesure(const QVariantMap &map, const QDBusMessage &message);
 
     /**
@@ -72,7 +73,7 @@ public Q_SLOTS:
      * Returns the board's revisions: "SOM", "HPS", "MESURE_CARD" (unsigned int) and "FPGA" (text,
      * for example "2.3"), without those that cannot be read.
      *
-     * Passes the system-on-module's revision to the board library.
+     * Reading the system-on-module's revision passes it to the board library.
      */
     QVariantMap getRevision();
 

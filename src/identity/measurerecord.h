@@ -12,13 +12,13 @@ constexpr int measureRecordSize = 1196;
 QVariantMap measureFields(const QVariantMap &map);
 
 /**
- * Encodes @p fields, whose values are basic ones (see busvalue.h), as a measure record.
+ * Encodes @p fields as a measure record. The values must be basic (see basicMap()).
  *
  * The site is truncated to 16 bits, the two dates are opaque 32-bit numbers; a value that cannot be
  * converted counts as 0.
  *
- * @param coefficients any number of them, after the other fields; only a record with 296
- *         coefficients can be read again
+ * @param coefficients any number of coefficients, which follow the other fields; only a record with
+ *         296 coefficients can be read again
  */
 QByteArray encodeMeasureRecord(const QVariantMap &fields, const QVector<quint32> &coefficients);
 

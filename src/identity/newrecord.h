@@ -18,7 +18,7 @@ struct NewRecord {
  */
 std::optional<NewRecord> newInstrumentRecord(const QVariantMap &map);
 
-/** Returns the measure record of @p map, or nothing as newInstrumentRecord(). */
+/** Returns the measure record of @p map; nothing in the same cases as newInstrumentRecord(). */
 std::optional<NewRecord> newMeasureRecord(const QVariantMap &map);
 
 #endif

@@ -8,7 +8,7 @@
  * data.
  */
 
-/** Returns @p data after its CRC. Cheapest when the data is moved. */
+/** Returns the CRC of @p data, followed by the data. Move the data to avoid a copy. */
 QByteArray framed(QByteArray data);
 
 /**

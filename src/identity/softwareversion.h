@@ -7,18 +7,18 @@
 #include <optional>
 
 /*
- * The versions of the software around the daemon. A text of more than 256 KiB does not count: both
- * versions have to fit into one message of a bus that takes 1 MiB.
+ * The versions of the software around the daemon. A version of more than 256 KiB is discarded: all
+ * versions must fit into one message, also on a bus that limits messages to 1 MiB.
  */
 
 /**
  * Returns the version of the board support package: the first line of "/etc/sw_version", trimmed.
- * Nothing if the file cannot be opened.
+ * Returns nothing if the file cannot be opened.
  */
 std::optional<QByteArray> readBspVersion();
 
 /**
- * Asks the instrument's application, "/opt/KyApp", for its version: its trimmed standard output.
+ * Runs "/opt/KyApp -V" and returns its trimmed stdout: the version of the instrument's application.
  * Waits for at most 3000 ms, then kills the program.
  *
  * @return nothing if the program cannot be started, does not end in time, ends abnormally or has an
@@ -26,7 +26,7 @@ std::optional<QByteArray> readBspVersion();
  */
 std::optional<QByteArray> askApplicationVersion();
 
-/** Returns all versions by their names on the bus, without those that cannot be found out. */
+/** Returns all versions by their names on the bus, without those that cannot be determined. */
 QVariantMap readSoftwareVersions();
 
 #endif

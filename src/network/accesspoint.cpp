@@ -26,7 +26,7 @@ AccessPointParameters readParameters(const QVariantMap &settings)
 
 bool writeText(const QByteArray &text)
 {
-    // Other accounts may write to the directory.
+    // Other accounts can write to this directory: use openRegularFile().
     const int descriptor = openRegularFile(configurationFile, O_TRUNC, 0666);
     QFile file;
     return descriptor >= 0 &&

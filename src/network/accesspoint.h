@@ -3,7 +3,7 @@
 
 #include "linkdriver.h"
 
-/** Carries out the actions that only the access point has. */
+/** Carries out the actions that are specific to the Wi-Fi access point. */
 class AccessPoint : public LinkDriver
 {
     Q_OBJECT

@@ -26,7 +26,7 @@ QVariantMap agentAnswer(const QVariantMap &fields, const Credentials &credential
     QVariantMap answer;
     for (const auto &row : answers) {
         const QString field = QLatin1String(row.field);
-        // Looks up these only: a peer may send any number of other fields.
+        // Look up only these fields: a peer may send any number of others.
         if (isMandatory(fields.value(field)))
             answer.insert(field, credentials.*row.value);
     }

@@ -13,8 +13,8 @@ struct Credentials {
 /**
  * Returns the reply to ConnMan's request for input.
  *
- * @param fields one map for each requested field, as in the message; read once. A field whose value
- *         is no map counts as absent.
+ * @param fields one map for each requested field, as Qt D-Bus delivers it; a field whose value is
+ *         not a map counts as absent
  * @return the stored value for each of "Passphrase", "Identity" and "Username" whose "Requirement"
  *         is "mandatory"; no value for other fields
  */

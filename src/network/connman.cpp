@@ -47,7 +47,7 @@ namespace
 const QString propertyChanged = QStringLiteral("PropertyChanged");
 const QString propertyChangedSignature = QStringLiteral("sv");
 
-/** An ordinary reply takes a thousandth of this. */
+/** A call that takes longer counts as long. An ordinary reply takes a thousandth of this time. */
 constexpr int longCallMs = 1000;
 
 template <typename Type>
@@ -57,7 +57,7 @@ void registerType(const char *name)
     qDBusRegisterMetaType<Type>();
 }
 
-// No QDBusInterface: it would introspect the peer with another blocking call.
+// Not a QDBusInterface: that would introspect the peer with another blocking call.
 QDBusMessage methodCall(const QString &path, const QString &interface, const QString &method)
 {
     return QDBusMessage::createMethodCall(serviceName, path, interface, method);
@@ -71,7 +71,7 @@ QDBusMessage call(const QString &path, const QString &interface, const QString &
     QElapsedTimer duration;
     duration.start();
     const QDBusMessage reply = QDBusConnection::systemBus().call(message);
-    // Two of these at 25 s exceed systemd's watchdog timeout.
+    // Two calls of 25 s each would exceed systemd's watchdog timeout.
     if (duration.elapsed() > longCallMs)
         pingSystemdMeanwhile();
     return reply;

@@ -35,7 +35,7 @@ Q_DECLARE_METATYPE(InterfaceList)
 Q_DECLARE_METATYPE(ManagedObjectList)
 
 /**
- * The network manager on the system bus. No other file calls it.
+ * ConnMan, the network manager on the system bus. No other file calls ConnMan.
  *
  * Every call except connectService() blocks for at most Qt D-Bus's default timeout, and is not
  * retried.
@@ -53,7 +53,9 @@ extern const QString technologyInterface;
 /** The object path of @p technology, for example "ethernet". */
 QString technologyPath(const QString &technology);
 
-/** Registers the types above with Qt D-Bus; call it before reading a list. */
+/**
+ * Registers the types above with Qt D-Bus. Call this function before all others of this namespace.
+ */
 void registerTypes();
 
 /**
@@ -79,8 +81,8 @@ void unwatchProperties(const QString &path, const QString &interface, QObject *r
                        const char *slot);
 
 /**
- * Returns the first of @p objects whose property @p name is @p value; one with an empty path if
- * there is none.
+ * Returns the first of @p objects whose property @p name is @p value; an object with an empty path
+ * if there is none.
  */
 ConnmanObject findObject(const QList<ConnmanObject> &objects, const QString &name,
                          const QString &value);
@@ -113,7 +115,8 @@ QDBusError remove(const QString &path);
 void scan(const QString &technology);
 
 /**
- * Registers the object at @p path of this process as ConnMan's agent, which knows the credentials.
+ * Registers the object at @p path of this process as ConnMan's agent, which provides the
+ * credentials.
  */
 void registerAgent(const QString &path);
 

@@ -12,7 +12,8 @@ class ConnmanService : public QObject
 
 public:
     /**
-     * @param path a fixed path, for an interface that never has a ConnMan service
+     * @param path the constant path() of an interface that never has a ConnMan service; otherwise
+     *         empty
      */
     explicit ConnmanService(const QString &path) : m_path(path) {}
 

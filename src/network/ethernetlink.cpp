@@ -9,7 +9,8 @@ EthernetLink::EthernetLink(LinkParts &parts)
     : LinkDriver(ethernetTable, parts), m_watch(parts.technology)
 {
     connect(&m_watch, &TechnologyWatch::happened, this, [this](LinkEvent event) { handle(event); });
-    connect(&parts.service, &ConnmanService::propertyChanged, this, &EthernetLink::judgeService);
+    connect(&parts.service, &ConnmanService::propertyChanged, this,
+            &EthernetLink::handleServiceProperty);
 }
 
 LinkEvent EthernetLink::perform(LinkAction action)
@@ -33,9 +34,9 @@ bool EthernetLink::hasAddress(const QVariantMap &ipv4) const
            isValidIPv4(ipv4.value(QStringLiteral("Netmask")).toString());
 }
 
-void EthernetLink::judgeService(const QString &name, const QVariant &value)
+void EthernetLink::handleServiceProperty(const QString &name, const QVariant &value)
 {
-    // Qt D-Bus leaks every file descriptor that it sends on.
+    // Do not forward file descriptors: Qt D-Bus leaks each one that it sends.
     if (name != QStringLiteral("IPv4") || storableMap({{name, value}}).isEmpty())
         return;
     const QVariantMap ipv4 = toMap(value);

@@ -4,7 +4,7 @@
 #include "linkdriver.h"
 #include "technologywatch.h"
 
-/** Carries out the actions that only the wired interface has. */
+/** Carries out the actions that are specific to the wired interface. */
 class EthernetLink : public LinkDriver
 {
     Q_OBJECT
@@ -21,7 +21,7 @@ protected:
     bool hasAddress(const QVariantMap &ipv4) const override;
 
 private:
-    void judgeService(const QString &name, const QVariant &value);
+    void handleServiceProperty(const QString &name, const QVariant &value);
 
     TechnologyWatch m_watch;
 };

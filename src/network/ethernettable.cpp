@@ -12,7 +12,7 @@ const LinkRow rows[] = {
 
     row({idle | failure}, Event::ConnectCalled, {}, Do::StartConnectTime, Do::SwitchToEthernet),
     row({idle | failure}, Event::ScriptRefused, {toFailure}, Do::ReplyCannotSwitch, Do::Announce),
-    // Also after a disconnect: clients rely on it.
+    // This row applies after a disconnect, too: clients rely on it.
     row({idle | failure}, Event::ScriptEnded, {}, Do::AskConnman),
     row({idle | failure}, Event::ConnmanAbsent, {toFailure}, Do::Announce),
     row({idle | failure}, Event::ConnmanRuns, {toAssociation}, Do::Announce, Do::PowerOn),
@@ -25,11 +25,12 @@ const LinkRow rows[] = {
 
     row({ready}, Event::TechnologyConnected, {}, Do::AskAddress),
     row({ready}, Event::AddressThere, {toOnline}, Do::StopTime, Do::Announce),
-    // The timer continues: clients rely on it.
+    // Do not stop the timer: clients rely on it.
     row({ready}, Event::ServiceAddress, {toOnline}, Do::Announce, Do::PassOn),
     row({ready}, Event::ServiceIPv4, {}, Do::PassOn),
 
-    // In every state, also after a disconnect, and again every minute: clients rely on it.
+    // This row applies in every state, after a disconnect, too, and again every minute: clients
+    // rely on it.
     row({all}, Event::TimeIsOver, {toFailure}, Do::Announce, Do::PowerOff),
 
     row({all}, Event::DisconnectCalled, {toDisconnect}, Do::Announce, Do::PowerOff),

@@ -8,9 +8,9 @@ namespace
 {
 /** The default netmask and gateway by the class of the address. */
 const struct AddressClass {
-    int lastFirstNumber;
-    /** How many bytes of the address the gateway keeps, and the rest of the gateway. */
-    int numbersKept;
+    int highestFirstByte;
+    /** The gateway: the first bytes of the address, and the text that follows them. */
+    int addressBytes;
     const char *gatewayEnd;
     const char *netmask;
 } addressClasses[] = {
@@ -23,7 +23,7 @@ const struct AddressClass {
 const AddressClass &classOf(const QStringList &numbers)
 {
     const AddressClass *found = addressClasses;
-    while (numbers.first().toInt() > found->lastFirstNumber)
+    while (numbers.first().toInt() > found->highestFirstByte)
         ++found;
     return *found;
 }
@@ -60,7 +60,7 @@ QVariantMap repairedIPv4(QVariantMap settings)
     const QString gateway = QStringLiteral("Gateway");
     if (!isValid(gateway))
         settings[gateway] =
-            QStringList(numbers.mid(0, addressClass.numbersKept)).join(QLatin1Char('.')) +
+            QStringList(numbers.mid(0, addressClass.addressBytes)).join(QLatin1Char('.')) +
             QLatin1String(addressClass.gatewayEnd);
     return settings;
 }

@@ -13,9 +13,10 @@ bool isValidIPv4(const QString &text);
 /**
  * Returns @p settings with a valid "Address", "Netmask" and "Gateway".
  *
- * Valid values stay. An invalid address becomes "192.168.2.3"; an invalid netmask that of the
- * address's class (A up to 127, B up to 191, C up to 223, all ones above); an invalid gateway the
- * first host of the address's network by that class, or the address itself above 223.
+ * Valid values stay. An invalid address becomes "192.168.2.3". An invalid netmask becomes the
+ * netmask of the address's class, which depends on the first byte: A up to 127, B up to 191, C up
+ * to 223, and 255.255.255.255 above. An invalid gateway becomes the first host of the network with
+ * that netmask; above 223 it becomes the address itself.
  */
 QVariantMap repairedIPv4(QVariantMap settings);
 
@@ -23,7 +24,7 @@ QVariantMap repairedIPv4(QVariantMap settings);
  * Returns true if @p present, the "IPv4" property of a service, already matches @p settings.
  *
  * Compares only the keys in the settings, and addresses only if the method is "manual" or missing:
- * any other method finds its own addresses.
+ * any other method determines the addresses itself.
  */
 bool isInForce(const QVariantMap &settings, const QVariantMap &present);
 

@@ -8,7 +8,7 @@ namespace
 // No address, name or method is longer; longer texts could exceed the bus's message limit.
 constexpr int longestSetting = 255;
 
-// The name servers of all calls add up; no resolver uses as many as this.
+// The name servers of all calls accumulate. No resolver uses this many.
 constexpr int mostNameservers = 64;
 
 QString boundedText(const QVariantMap &settings, const char *key)

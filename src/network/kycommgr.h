@@ -17,7 +17,7 @@ public:
 
 private:
     KyEthernet m_ethernet;
-    // Before the access point, which uses the same module.
+    // Initialised before the access point, which uses the same Wi-Fi module.
     KyWifi m_wifi;
     KyWifiAp m_wifiAp;
 };

@@ -15,7 +15,8 @@ void KyConnmanAgent::setCredentials(const QString &identity, const QString &pass
 QVariantMap KyConnmanAgent::RequestInput(const QDBusObjectPath &, const QVariantMap &fields,
                                          const QDBusMessage &message)
 {
-    // Stops at zero: ConnMan may ask thousands of times a second.
+    // Stop at zero, so that the counter cannot overflow: ConnMan may send thousands of requests a
+    // second.
     if (m_remainingRequests > 0)
         --m_remainingRequests;
     if (m_remainingRequests < 1) {

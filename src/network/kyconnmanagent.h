@@ -13,7 +13,8 @@ class QDBusMessage;
 /**
  * ConnMan's agent: provides the credentials while ConnMan joins a secured network.
  *
- * It does not watch ConnMan. After a restart of ConnMan the next connection registers it again.
+ * The agent does not watch ConnMan. After a restart of ConnMan, the next connection registers the
+ * agent again.
  */
 class KyConnmanAgent : public QDBusAbstractAdaptor
 {

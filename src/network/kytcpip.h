@@ -10,8 +10,8 @@
 class QDBusMessage;
 
 /**
- * The base of the network adaptors: announcements, IPv4 settings for the next connection, hardware
- * information.
+ * The base class of the network adaptors: announces changes, stores IPv4 settings for the next
+ * connection and reports hardware information.
  *
  * Its methods and its signal belong to the D-Bus interface of each subclass.
  */
@@ -23,7 +23,8 @@ public:
     /**
      * @param technology ConnMan's name of the technology, for example "ethernet"
      * @param interfaceName the kernel's name of the network interface, for example "eth0"
-     * @param servicePath the path in announcements of an interface without a ConnMan service
+     * @param servicePath the object path that propertyChanged() announces for an interface that
+     *         never has a ConnMan service
      */
     KyTcpIp(const QString &technology, const QString &interfaceName, QObject *parent,
             const QString &servicePath = QString());
@@ -32,8 +33,8 @@ public Q_SLOTS:
     /**
      * Stores IPv4 settings for the next connection; see Ipv4Settings::take().
      *
-     * Fails with "Cannot get property Connected", and stores nothing, if ConnMan does not know the
-     * technology.
+     * Fails with "Cannot get property Connected", and stores nothing, if ConnMan does not report
+     * this property of the technology.
      */
     void setIPv4(const QVariantMap &settings, const QDBusMessage &message);
 

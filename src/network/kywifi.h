@@ -36,19 +36,22 @@ public Q_SLOTS:
     /**
      * Leaves and forgets the network.
      *
-     * Fails with "Cannot remove service" if ConnMan does not forget it, otherwise with "Cannot set
-     * property Powered: " and ConnMan's text if ConnMan refuses to power the technology off, for
-     * example because it is already off. The state always becomes "idle": when the technology is
-     * off, immediately after a refusal, and after 15 s at the latest.
+     * Fails with "Cannot remove service" if ConnMan does not forget the network, otherwise with
+     * "Cannot set property Powered: " and ConnMan's text if ConnMan refuses to power the technology
+     * off, for example because it is already off. The state always becomes "idle": immediately if
+     * ConnMan refuses to power the technology off, otherwise when the technology is off, or after
+     * 15 s.
      */
     void disconnect(const QDBusMessage &message);
 
     /**
-     * Scans for networks; ignored unless the state is "idle" or "failure", and while a connect is
-     * in progress whose state is still "idle". servicesListChanged() brings the result, at the
-     * latest 15 s after the module has been switched.
+     * Scans for networks. Ignored unless the state is "idle" or "failure". Also ignored while a
+     * connect is in progress, even if the state is still "idle".
      *
-     * Fails as connect() does.
+     * servicesListChanged() reports the result, at the latest 15 s after the module has been
+     * switched.
+     *
+     * Fails in the same cases as connect().
      */
     void scan(const QDBusMessage &message);
 

@@ -9,7 +9,7 @@
  * The Wi-Fi access point: writes hostapd's configuration, runs the module's mode script and watches
  * the network interface until it is up.
  *
- * It does not use ConnMan. The script starts hostapd and dhcpd.
+ * The script starts hostapd and dhcpd. connect() and disconnect() do not use ConnMan.
  */
 class KyWifiAp : public KyTcpIp
 {
@@ -29,10 +29,10 @@ public Q_SLOTS:
      *         are only checked for control characters.
      *
      * Fails with "Cannot connect, wap busy" unless the state is "idle" or "failure"; with "Cannot
-     * create hostapd conf file" if a text has a control character, the template cannot be read or
-     * the configuration not written; with "Cannot switch in mode '2' (WLAN ACCESS POINT)" if the
-     * mode script still runs or cannot be started. The state is "failure" after the latter two.
-     * Later failures show in the state only.
+     * create hostapd conf file", and the state "failure", if a text has a control character, the
+     * template cannot be read or the configuration cannot be written; with "Cannot switch in mode
+     * '2' (WLAN ACCESS POINT)", and the state "failure", if the mode script still runs or cannot be
+     * started. Later failures show in the state only.
      */
     void connect(const QVariantMap &parameters, const QDBusMessage &message);
 

@@ -11,7 +11,7 @@ namespace
 {
 constexpr int scanTimeMs = 15000;
 constexpr int connectTimeMs = 60000;
-/** The module needs this long after its script has ended. */
+/** The time that the Wi-Fi module needs after the mode script has ended. */
 constexpr int moduleDelayMs = 2000;
 constexpr int checkDelayMs = 3000;
 
@@ -19,7 +19,7 @@ const struct {
     LinkAction action;
     const char *text;
 } replies[] = {
-    // Ethernet gets this text, too, although its mode is another one; clients rely on it.
+    // Ethernet's error has this text, too, although Ethernet uses mode '0'; clients rely on it.
     {LinkAction::ReplyCannotSwitch, "Cannot switch in mode '1' (WLAN STATION)"},
     {LinkAction::ReplyCannotSwitchAccessPoint, "Cannot switch in mode '2' (WLAN ACCESS POINT)"},
     {LinkAction::ReplyNotForgotten, "Cannot remove service"},
@@ -135,7 +135,7 @@ LinkEvent LinkDriver::switchMode(const QString &mode)
 LinkEvent LinkDriver::powerOn()
 {
     const QDBusError error = connman::setTechnologyPowered(m_parts.technology, true);
-    // ConnMan does not announce "Powered" in this case.
+    // ConnMan sends no signal for "Powered" if the technology is already on.
     return error.name() == QLatin1String("net.connman.Error.AlreadyEnabled")
                ? LinkEvent::AlreadyOn
                : LinkEvent::PowerOnAccepted;
@@ -157,8 +157,9 @@ LinkEvent LinkDriver::handOver()
                                 m_parts.settings.nameservers());
     const QDBusError refusal =
         connman::setServiceProperty(path, QStringLiteral("IPv4.Configuration"), settings);
-    // The signals of a fast lease have already passed. Settings that ConnMan accepted but that
-    // differ from the present ones have yet to take effect; ConnMan sends signals then.
+    // After a fast lease, ConnMan has already sent its signals: read the address now. The address
+    // is not final if ConnMan has accepted other settings than those in force; ConnMan then sends
+    // signals when they take effect.
     const QVariantMap present = m_parts.service.ipv4();
     const bool isSettled = refusal.isValid() || isInForce(settings, present);
     return isSettled && hasAddress(present) ? LinkEvent::AddressThere : LinkEvent::AddressMissing;

@@ -60,7 +60,7 @@ private:
     QString m_refusal;
     QString m_changedName;
     QVariant m_changedValue;
-    /** The timeout of the attempt or scan in progress. */
+    /** The timer that limits the attempt or scan in progress. */
     QTimer m_time;
 };
 

@@ -30,7 +30,7 @@ bool holds(LinkCondition condition, const Link &link)
 }
 
 /** Updates the flags of the link for an event, even if no row applies. */
-void learn(Link &link, LinkEvent event, bool isTimeRepeated)
+void updateFlags(Link &link, LinkEvent event, bool isTimeRepeated)
 {
     switch (event) {
     case LinkEvent::TimeJudged:
@@ -58,7 +58,7 @@ void learn(Link &link, LinkEvent event, bool isTimeRepeated)
 }
 
 /** Updates the flags of the link for a completed action. */
-void learn(Link &link, LinkAction action)
+void updateFlags(Link &link, LinkAction action)
 {
     switch (action) {
     case LinkAction::StartScanTime:
@@ -99,7 +99,7 @@ bool holds(const LinkRow &row, const Link &link, LinkEvent event)
 
 LinkStep next(const LinkTable &table, Link link, LinkEvent event)
 {
-    learn(link, event, table.isTimeRepeated);
+    updateFlags(link, event, table.isTimeRepeated);
     const LinkRow *row = std::find_if(
         table.begin(), table.end(), [&](const LinkRow &each) { return holds(each, link, event); });
     if (row == table.end())
@@ -107,7 +107,7 @@ LinkStep next(const LinkTable &table, Link link, LinkEvent event)
     link.state = row->to.state.value_or(link.state);
     link.operation = row->to.operation.value_or(link.operation);
     for (const LinkAction action : row->actions)
-        learn(link, action);
+        updateFlags(link, action);
     return {link, row};
 }
 

@@ -22,7 +22,7 @@ struct Link {
     bool hasService = false;
     /** ConnMan refused to forget the network that is being left. */
     bool isNetworkKept = false;
-    /** The requested service was "ready" when it was last judged. */
+    /** The requested service was "ready" when its state was last read; see LinkAction::Judge. */
     bool isRequestedReady = false;
 };
 
@@ -188,7 +188,7 @@ enum class LinkAction {
     Count
 };
 
-/** An additional condition of a row. */
+/** An additional condition of a row, on the flags of Link. */
 enum class LinkCondition {
     Always,
     TimeRuns,
@@ -214,7 +214,7 @@ constexpr LinkSet setOf(LinkOperation operation)
     return 1U << static_cast<unsigned>(operation);
 }
 
-/** The value that a row requires of the firmware flag. */
+/** The value of Link::isFirmwareLoaded that a row requires. */
 enum class LinkFirmware { Any, Loaded };
 
 constexpr int mostLinkActions = 5;
@@ -227,7 +227,7 @@ struct LinkCase {
     LinkCondition condition = LinkCondition::Always;
 };
 
-/** The new state and operation of a link; a missing one stays the same. */
+/** The new state and operation of a link. No value means no change. */
 struct LinkTarget {
     std::optional<KyTcpIpState::State> state = std::nullopt;
     std::optional<LinkOperation> operation = std::nullopt;
@@ -267,7 +267,7 @@ bool holds(const LinkRow &row, const Link &link, LinkEvent event);
 LinkStep next(const LinkTable &table, Link link, LinkEvent event);
 
 /**
- * Runs a table.
+ * Runs the state machine that a LinkTable describes.
  *
  * The link enters its next state before the row's actions are carried out, in order. The result of
  * an action is handled completely before the next action.
@@ -293,7 +293,7 @@ protected:
     /**
      * Called when @p event and all events that it caused have been handled.
      *
-     * @param isDecided a row applied to @p event
+     * @param isDecided true if a row applied to @p event
      */
     virtual void handled(LinkEvent event, bool isDecided) = 0;
 

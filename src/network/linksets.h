@@ -3,7 +3,7 @@
 
 #include "linkmachine.h"
 
-/** The vocabulary of the state tables. */
+/** Short names for the rows of the state tables. */
 namespace linksets
 {
 using Event = LinkEvent;
@@ -38,7 +38,7 @@ constexpr LinkOperation toNone = LinkOperation::None;
 constexpr LinkOperation toScan = LinkOperation::Scan;
 constexpr LinkOperation toConnect = LinkOperation::Connect;
 
-/** In a target: the state stays the same while the operation changes. */
+/** In LinkTarget: only the operation changes, the state stays the same. */
 constexpr std::nullopt_t stays = std::nullopt;
 
 /** A row of a table: from, event, to, actions. */

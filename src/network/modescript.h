@@ -16,8 +16,8 @@ public:
      * Starts the script.
      *
      * @param mode "0" Ethernet only, "1" Wi-Fi station, "2" access point
-     * @return true if it has started; false while it still runs, and if it has not started within
-     *         1000 ms
+     * @return true if the script has started; false if its previous run has not ended, or if it has
+     *         not started within 1000 ms
      */
     bool start(const QString &mode);
 

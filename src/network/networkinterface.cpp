@@ -10,7 +10,7 @@
 
 namespace
 {
-/** Returns the kernel's flags of an interface; none if there is no such interface. */
+/** Returns the kernel's flags of an interface; 0 if there is no such interface. */
 int kernelFlags(const QNetworkInterface &interface)
 {
     ifreq request = {};

@@ -11,7 +11,7 @@ QNetworkInterface findNetworkInterface(const QString &name);
  * Returns true if the interface is administratively up, with or without carrier; false for an
  * invalid one.
  *
- * From Qt 5.15 on, IsUp also requires a carrier.
+ * Replaces QNetworkInterface::IsUp, which also requires a carrier from Qt 5.15 on.
  */
 bool isUp(const QNetworkInterface &interface);
 

@@ -10,7 +10,8 @@ constexpr int pidofTimeMs = 1000;
 
 bool isProgramRunning(const QString &name)
 {
-    // Deletes itself at its end: waiting for it could block, even after a kill.
+    // The QProcess deletes itself when pidof ends: its destructor would wait for pidof, and could
+    // block even after kill().
     auto *pidof = new QProcess;
     QObject::connect(
         pidof, static_cast<void (QProcess::*)(int, QProcess::ExitStatus)>(&QProcess::finished),

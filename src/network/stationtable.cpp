@@ -11,8 +11,8 @@ const LinkRow rows[] = {
     // The radio is off while it is not used.
     row({idle, none}, Event::Started, {}, Do::PowerOff),
 
-    // A scan or a connect starts the mode script first. A connect does not announce its "idle":
-    // clients would take it for the end of the attempt.
+    // A scan or a connect starts the mode script first. A connect does not announce the state
+    // "idle": clients would take it for the end of the attempt.
     row({idle, none | scan}, Event::ScanCalled, {toIdle, toScan}, Do::StartScanTime, Do::Announce,
         Do::SwitchToStation),
     row({failure}, Event::ScanCalled, {toIdle, toScan}, Do::StartScanTime, Do::Announce,
@@ -24,7 +24,7 @@ const LinkRow rows[] = {
     row({all}, Event::ScriptEnded, {}, Do::StartModuleDelay),
 
     // After a disconnect the module's readiness has no effect. If a scan times out before the
-    // module is ready, its time starts again, so that the scan ends.
+    // module is ready, its timer starts again, so that the scan ends.
     row({idle, scan, either, When::TimeRuns}, Event::ModuleReady, {}, Do::NoteModule,
         Do::AskConnman),
     row({idle, scan, either, When::TimeIsOver}, Event::ModuleReady, {}, Do::NoteModule,
@@ -41,7 +41,7 @@ const LinkRow rows[] = {
     row({idle}, Event::NetworksFound, {}, Do::Evaluate),
     row({idle}, Event::NoNetworkFound, {}, Do::RequestScan),
 
-    // A list ends the scan; a connect judges the requested service.
+    // A scan ends with the list of networks. A connect checks the state of the requested service.
     row({idle, scan, loaded}, Event::ServicesChanged, {stays, toNone}, Do::GiveList, Do::PowerOff),
     row({~configuration, connect, loaded}, Event::ServicesChanged, {}, Do::Judge),
     row({configuration, connect, loaded, When::TimeRuns}, Event::ServicesChanged, {}, Do::Judge),
@@ -58,13 +58,13 @@ const LinkRow rows[] = {
     row({all, connect}, Event::RequestedOnline, {toOnline, toNone}, Do::StopTime, Do::Announce),
     row({configuration, connect}, Event::AddressThere, {toOnline}, Do::StopTime, Do::Announce),
 
-    // The technology connected before the daemon asked for it.
+    // ConnMan connected the technology before the daemon called Connect.
     row({idle, connect, loaded}, Event::TechnologyConnected, {}, Do::AskService),
     row({idle, connect}, Event::ServiceListed, {toConfiguration}, Do::WatchService, Do::Announce,
         Do::HandOver),
 
-    // Leave the radio on after a refusal. A power off would make ConnMan forget the refusal: it
-    // would keep the wrong key and never ask for another one.
+    // Leave the radio on after a failed Connect. A power off would make ConnMan forget that the key
+    // was wrong: ConnMan would keep the key and never ask for another one.
     row({association}, Event::ConnectFailed, {toFailure, toNone}, Do::Announce),
 
     // Signals of the current service. During a disconnect, an error or an address of the service
@@ -74,15 +74,16 @@ const LinkRow rows[] = {
         Do::PowerOff),
     row({~leaving, all, loaded}, Event::ServiceAddress, {toOnline}, Do::Announce),
 
-    // An undecided attempt fails at its timeout, except if the service is "ready": it may still get
-    // an address. The daemon judges it again at each change of the services.
+    // An attempt without a result fails at its timeout, unless the service is "ready": the service
+    // may still get an address. The daemon then checks the service again at each change of the
+    // services.
     row({all}, Event::TimeIsOver, {}, Do::Evaluate, Do::JudgeTime),
     row({idle | association, connect}, Event::TimeJudged, {toFailure, toNone}, Do::Announce),
     row({configuration, connect, either, When::RequestedIsNotReady}, Event::TimeJudged,
         {toFailure, toNone}, Do::Announce),
 
-    // A disconnect always ends in "idle". If ConnMan refuses to power the technology off, no signal
-    // reports that it is off: the station goes to "idle" at once.
+    // A disconnect always ends in "idle". If ConnMan refuses to power the technology off, it will
+    // send no signal: the station goes to "idle" at once.
     row({all, all, either, When::HasService}, Event::DisconnectCalled, {toDisconnect, toNone},
         Do::Announce, Do::ForgetNetwork, Do::PowerOff),
     row({all, all, either, When::HasNoService}, Event::DisconnectCalled, {toDisconnect, toNone},

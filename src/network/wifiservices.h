@@ -4,12 +4,12 @@
 #include "connman.h"
 #include "linkmachine.h"
 
-/** Returns those of ConnMan's @p services that are Wi-Fi networks, in ConnMan's order. */
+/** Returns the Wi-Fi networks among ConnMan's @p services, in ConnMan's order. */
 QList<ConnmanObject> wifiServices(const QList<ConnmanObject> &services);
 
 /**
- * Returns the first of @p services with the name @p name; one with an empty path if there is none.
- * A hidden network has no name and does not match "".
+ * Returns the first of @p services with the name @p name; an object with an empty path if there is
+ * none. A hidden network has no name, not even an empty one.
  */
 ConnmanObject wifiServiceNamed(const QList<ConnmanObject> &services, const QString &name);
 
@@ -17,8 +17,8 @@ ConnmanObject wifiServiceNamed(const QList<ConnmanObject> &services, const QStri
  * Returns the result of a scan, for clients: for each network's name a string list of its object
  * path, its strength in decimal (0 to 100) and its kinds of security, joined by commas.
  *
- * Hidden networks are left out. Of several networks with the same name it has the first one, which
- * a connect would join.
+ * Hidden networks are left out. Of several networks with the same name the list contains only the
+ * first one, which a connect would join.
  */
 QVariantMap wifiScanList(const QList<ConnmanObject> &services);
 

@@ -46,16 +46,17 @@ WifiStation::WifiStation(LinkParts &parts)
     m_leavingTime.setSingleShot(true);
     connect(&m_leavingTime, &QTimer::timeout, this, [this] { handle(LinkEvent::LeavingIsOver); });
     connect(&m_watch, &TechnologyWatch::happened, this, [this](LinkEvent event) { handle(event); });
-    connect(&parts.service, &ConnmanService::propertyChanged, this, &WifiStation::judgeService);
+    connect(&parts.service, &ConnmanService::propertyChanged, this,
+            &WifiStation::handleServiceProperty);
 }
 
 void WifiStation::start()
 {
     handle(LinkEvent::Started);
-    offerAgent();
+    exportAgent();
 }
 
-void WifiStation::offerAgent()
+void WifiStation::exportAgent()
 {
     auto *host = new QObject(this);
     m_agent = new KyConnmanAgent(host);
@@ -158,7 +159,7 @@ void WifiStation::connectAnswered(QDBusPendingCallWatcher *reply)
     if (reply->isError())
         qDebug() << "Connect:" << reply->error().message();
     reply->deleteLater();
-    // A late reply of an earlier attempt says nothing about this one.
+    // Ignore a late reply to an earlier Connect.
     if (reply != m_connectReply)
         return;
     m_connectReply = nullptr;
@@ -178,7 +179,7 @@ void WifiStation::unregisterAgent()
     trace("unregisterAgent");
 }
 
-void WifiStation::judgeService(const QString &name, const QVariant &value)
+void WifiStation::handleServiceProperty(const QString &name, const QVariant &value)
 {
     const WifiServiceChange change = wifiServiceChange(name, value);
     serviceChanged(change.event, name, change.value);

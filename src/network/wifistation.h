@@ -7,7 +7,7 @@
 class KyConnmanAgent;
 class QDBusPendingCallWatcher;
 
-/** Carries out the actions that only the Wi-Fi station has, and writes the trace. */
+/** Carries out the actions that are specific to the Wi-Fi station, and writes the trace. */
 class WifiStation : public LinkDriver
 {
     Q_OBJECT
@@ -28,7 +28,7 @@ protected:
     void handled(LinkEvent event, bool isDecided) override;
 
 private:
-    void offerAgent();
+    void exportAgent();
     void takeRequest();
     LinkEvent judge();
     LinkEvent forgetNetwork();
@@ -37,7 +37,7 @@ private:
     void connectAnswered(QDBusPendingCallWatcher *reply);
     void registerAgent();
     void unregisterAgent();
-    void judgeService(const QString &name, const QVariant &value);
+    void handleServiceProperty(const QString &name, const QVariant &value);
     void trace(const char *method) const;
 
     TechnologyWatch m_watch;
@@ -46,7 +46,7 @@ private:
     QString m_requestedService;
     /** The pending reply to the last Connect; null when it has arrived. */
     const QDBusPendingCallWatcher *m_connectReply = nullptr;
-    /** The timeout for the technology to be off. */
+    /** The timer that limits how long a disconnect waits for the technology to be off. */
     QTimer m_leavingTime;
 };
 

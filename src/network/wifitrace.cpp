@@ -10,7 +10,7 @@
 
 namespace
 {
-/** Clients determine the number and length of records: limit the disk space. */
+/** Limits the size of the trace file: clients determine the number and length of its records. */
 constexpr off_t mostBytes = 4 << 20;
 
 const struct {
@@ -77,7 +77,7 @@ void appendWifiTrace(const WifiTraceRecord &record)
     const int descriptor = openRegularFile("/tmp/logkywifi", O_APPEND, 0777);
     if (descriptor < 0)
         return;
-    // Descriptor 0: a closed standard stream must not become the trace.
+    // File descriptor 0 means that stdin was closed: a standard stream must not become the trace.
     if (descriptor > 0 && hasRoom(descriptor)) {
         const QByteArray lines = wifiTraceLines(record);
         const ssize_t written = write(descriptor, lines.constData(), size_t(lines.size()));

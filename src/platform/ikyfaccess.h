@@ -13,10 +13,10 @@ class IKyFaccess
 public:
     virtual ~IKyFaccess() = default;
 
-    /** Whether @p device is inserted. */
+    /** Returns true if @p device is inserted. */
     virtual bool isDeviceInserted(e_storagedevice device) = 0;
 
-    /** Whether @p device is mounted. */
+    /** Returns true if @p device is mounted. */
     virtual bool isMounted(e_storagedevice device) = 0;
 
     /** Unmounts @p device; 0 on success. */

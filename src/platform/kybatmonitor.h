@@ -3,7 +3,10 @@
 
 /** The last measurement of the charge meter. */
 struct cmeter_data {
-    /** Charging has not ended; meaningful with the charger present and @ref charge >= 0. */
+    /**
+     * Not 0 until charging has ended; meaningful only with the charger present and @ref charge >=
+     * 0.
+     */
     unsigned char flag;
     /** Charge in percent; negative while the battery is being charged. */
     int charge;

@@ -37,7 +37,7 @@ public:
 
 public Q_SLOTS:
     /**
-     * Returns the name of the active user as the link gives it, which may be an invalid one.
+     * Returns the name of the active user, taken from the link. This user may be invalid.
      *
      * Error::m_read if there is no link.
      */
@@ -47,8 +47,8 @@ public Q_SLOTS:
      * Makes @p user's profile the active one. Rebuilds an incomplete profile from the default one
      * first.
      *
-     * Error::m_invalidArgument for an invalid user, Error::m_process if the directory cannot be
-     * rebuilt or the configuration not reloaded, Error::m_write if the link cannot be made.
+     * Error::m_invalidArgument for an invalid user, Error::m_process if the profile folder cannot
+     * be rebuilt, Error::m_write if the link cannot be made.
      */
     void setUser(QString user, const QDBusMessage &message);
 
@@ -56,7 +56,7 @@ public Q_SLOTS:
      * Replaces the content of @p user's profile folder by a copy of the default profile.
      *
      * Error::m_invalidArgument for an invalid user, Error::m_process if the old content cannot be
-     * removed or the configuration not reloaded, Error::m_write if the copy fails.
+     * removed, Error::m_write if the copy fails.
      */
     void factoryReset(QString user, const QDBusMessage &message);
 
@@ -64,7 +64,7 @@ Q_SIGNALS:
     /** The daemon accepted a switch or a reset and has not changed any file yet. */
     void changingUser();
 
-    /** A switch to, or a reset of, @p user is complete. */
+    /** A switch to @p user, or a reset of the profile of @p user, is complete. */
     void userChanged(QString user);
 
 private:

@@ -11,7 +11,10 @@
 
 namespace
 {
-/** Conservative: may return false for an absolute path that cleaning would leave as it is. */
+/**
+ * Returns true if @p path is absolute and QDir::cleanPath() would not change it. Conservative: may
+ * return false for such a path.
+ */
 bool isClean(const char *path, size_t length)
 {
     return path[0] == '/' && !std::strstr(path, "/.") && !std::strstr(path, "//") &&

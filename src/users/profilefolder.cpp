@@ -28,7 +28,10 @@ struct Entry {
     unsigned char type;
 };
 
-/** Reopens a directory to list, change or synchronise it: an O_PATH descriptor cannot. */
+/**
+ * Reopens a directory to list, change or synchronise it: an O_PATH descriptor permits none of
+ * these.
+ */
 Descriptor openToRead(const Descriptor &directory)
 {
     return Descriptor(openat(directory.get(), ".", O_RDONLY | O_DIRECTORY | O_CLOEXEC));
@@ -104,7 +107,7 @@ Descriptor openPlainSubdirectory(const Descriptor &directory, const QByteArray &
         openat(directory.get(), name.constData(), asDirectory | O_NOFOLLOW | O_CLOEXEC));
 }
 
-/** Opens a file of @p directory for reading, without waiting for a FIFO or for another process. */
+/** Opens the regular file @p name of @p directory for reading. Does not block on a FIFO. */
 Descriptor openFile(const Descriptor &directory, const QByteArray &name)
 {
     Descriptor file = openTrusted(directory.get(), name, O_RDONLY | O_NONBLOCK | O_NOCTTY);
@@ -132,7 +135,7 @@ public:
                m_inode == other.m_inode;
     }
 
-    bool isBottomless() const
+    bool isLoopOrTooDeep() const
     {
         for (const Level *level = m_above; level; level = level->m_above) {
             if (isSame(*level))
@@ -163,7 +166,7 @@ bool holdsFile(const Descriptor &directory, const QByteArray &name)
 bool isComplete(const Descriptor &reference, const Descriptor &directory, const Level *above)
 {
     const Level level(reference, above);
-    if (level.isBottomless())
+    if (level.isLoopOrTooDeep())
         return false;
     Listing expected;
     list(reference, expected);
@@ -185,7 +188,7 @@ bool isReadable(const Descriptor &source, const Level &directory, const Level *a
 {
     const Level level(source, above);
     Listing listing;
-    if (level.isBottomless() || level.isSame(directory) || !list(source, listing))
+    if (level.isLoopOrTooDeep() || level.isSame(directory) || !list(source, listing))
         return false;
     for (const QByteArray &file : listing.files) {
         if (!openFile(source, file).isOpen())
@@ -241,7 +244,8 @@ bool eraseSubdirectory(const Descriptor &directory, const QByteArray &name, int 
 bool eraseContents(const Descriptor &directory, int depth)
 {
     std::vector<Entry> entries;
-    // A power cut leaves a copy in its staging directory, one level deeper than in its place.
+    // After a power cut, a copy can remain in its staging directory, one level deeper than its
+    // destination.
     if (depth > deepest + 1 || !readEntries(directory, entries))
         return false;
     std::vector<QByteArray> directories;
@@ -284,7 +288,7 @@ bool copyFile(const Descriptor &source, const Descriptor &destination, const QBy
            fchmod(to.get(), status.st_mode & permissions) == 0;
 }
 
-/** Removes the owner's permissions from a copied subdirectory that the original does not grant. */
+/** Removes from a copied subdirectory the owner's permissions that the original does not grant. */
 bool restrictOwner(const Descriptor &source, const Descriptor &destination, const QByteArray &name)
 {
     struct stat original = {};
@@ -319,7 +323,7 @@ bool copyContents(const Descriptor &source, const Descriptor &destination, const
 {
     const Level level(source, above);
     Listing listing;
-    if (level.isBottomless() || !list(source, listing))
+    if (level.isLoopOrTooDeep() || !list(source, listing))
         return false;
     for (const QByteArray &file : listing.files) {
         if (!copyFile(source, destination, file))
@@ -328,7 +332,8 @@ bool copyContents(const Descriptor &source, const Descriptor &destination, const
     for (const QByteArray &name : listing.directories) {
         if (!copySubdirectory(source, destination, name, level))
             return false;
-        // moveContents() restricts the top level: moving a directory needs write permission for it.
+        // The top level is restricted later, by moveContents(): moving a directory requires write
+        // permission for it.
         if (above && !restrictOwner(source, destination, name))
             return false;
     }
@@ -419,7 +424,8 @@ bool copyFolder(const Descriptor &source, const Descriptor &destination)
     if (mkdirat(destination.get(), name.constData(), S_IRWXU) != 0)
         return false;
     const Descriptor staging = openPlainSubdirectory(destination, name);
-    // One sync of the file system: synchronising each file costs many times the copy itself.
+    // Synchronise the file system once: synchronising each file takes many times as long as the
+    // copy.
     const bool isCopied = copyContents(source, staging, nullptr) && synchronise(staging) &&
                           moveContents(source, staging, destination);
     eraseSubdirectory(destination, name, 0);

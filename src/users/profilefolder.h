@@ -22,8 +22,7 @@ bool isFolderComplete(const Descriptor &reference, const Descriptor &directory);
 
 /**
  * Returns true if the content of @p directory can be replaced by that of @p source: all of @p
- * source can be read, and erasing @p directory erases no part of it (neither directory is the other
- * or inside the other).
+ * source can be read, and the two directories are neither the same nor one inside the other.
  */
 bool canReplace(const Descriptor &directory, const Descriptor &source);
 

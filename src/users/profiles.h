@@ -42,7 +42,10 @@ enum class Outcome {
  */
 std::optional<QString> activeUser();
 
-/** Returns true if @p user is one of the four, and the last switch to that user did not fail. */
+/**
+ * Returns true if @p user is one of the four users, and no switch to this user has failed since
+ * validateUsers().
+ */
 bool isValidUser(const QString &user);
 
 /** Makes every user valid. */
