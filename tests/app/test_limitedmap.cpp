@@ -95,7 +95,7 @@ void TestLimitedMap::aValueIsReadUpToTheLimit_data()
     const auto row = [](const char *type, const char *element, int most) {
         QTest::newRow(type) << QString(type) << QString(element) << most;
     };
-    // The variant around it and the array count, too.
+    // The array and the variant that contains it count, too.
     row("av", " i 7", 8190);
     row("ai", " 7", 8190);
     row("as", " text", 8190);

@@ -8,7 +8,7 @@
 #include <sys/stat.h>
 #include <unistd.h>
 
-/** Without a reader, log lines are lost and nothing else happens. */
+/** Without a reader of the log, the daemon discards lines, and neither blocks nor ends. */
 class TestLogging : public DaemonTest
 {
     Q_OBJECT

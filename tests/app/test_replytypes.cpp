@@ -4,8 +4,8 @@
 #include <QRegularExpression>
 
 /**
- * The types of all replies of the daemon, including those inside variants and dictionaries, are
- * those of the introspection documents on every machine.
+ * On every machine, all replies of the daemon have the types of the introspection documents, also
+ * inside variants and dictionaries.
  */
 class TestReplyTypes : public EthernetTest
 {
@@ -74,7 +74,7 @@ QString expectedTypes(const DocumentedArgument &reply)
     QStringList entries;
     for (auto entry = reply.keys.begin(); entry != reply.keys.end(); ++entry) {
         for (const QString &key : keysOf(reply.interface, entry.key())) {
-            // There is no application to ask.
+            // The application /opt/KyApp is not installed.
             if (key != "KyApp")
                 entries << QString("\"%1\": <%2>").arg(key, shown(entry.value()));
         }
@@ -83,7 +83,7 @@ QString expectedTypes(const DocumentedArgument &reply)
     return '{' + entries.join(", ") + '}';
 }
 
-/** What @p method must be given to have something to reply: the first value of each argument. */
+/** Arguments with which @p method succeeds: the first documented value of each one. */
 QVariantList argumentsOf(const QString &interface, const QString &method)
 {
     QVariantList values;
@@ -102,7 +102,7 @@ void TestReplyTypes::everyReplyHasTheTypesOfItsDocument()
     connman.setServices({wired(cable, lease), wireless()});
     startDaemon();
     connectUntil("online");
-    // These two are not connected.
+    // The Wi-Fi station and the access point are not connected.
     const QStringList empty = {"WIFI", "WIFIAP"};
     int replies = 0;
     for (const DocumentedArgument &reply : documentedArguments()) {

@@ -5,7 +5,7 @@
 #include <QDBusPendingCall>
 #include <QDBusPendingReply>
 
-/** Calls of unknown methods leave nothing behind. */
+/** Calls of unknown methods do not increase the daemon's memory. */
 class TestSlotCache : public DaemonTest
 {
     Q_OBJECT

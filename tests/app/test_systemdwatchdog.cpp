@@ -242,7 +242,7 @@ void TestSystemdWatchdog::aSuspendedBusStopsThePings()
     QVERIFY(isPinged());
 }
 
-/** Each answer causes a ping: those to several questions arrive within one interval. */
+/** Each reply of the bus causes a ping, so several replies cause several pings in one interval. */
 void TestSystemdWatchdog::aBusThatDoesNotAnswerIsAskedAgain()
 {
     supervise(socketPath);

@@ -13,8 +13,9 @@
 #include <algorithm>
 
 /**
- * The wall around the decisions: what a source of boardlogic or busvalues cannot include and cannot
- * call. Lines are compiled as a source of the library in the same directory is.
+ * The wall around the decisions: the headers that a source of boardlogic or busvalues cannot
+ * include, and the functions that it cannot call. The test compiles its lines with the options of a
+ * library source in the same directory.
  */
 class TestWall : public QObject
 {
@@ -131,7 +132,7 @@ void TestWall::aLibrarysOwnHeadersCompile_data()
                                     << QByteArray("#include \"busvalue.h\"\n#include <QString>\n");
 }
 
-/** The compiler rejects the lines of the other functions for no other reason. */
+/** Permitted lines compile: the lines of the other functions fail only because of the wall. */
 void TestWall::aLibrarysOwnHeadersCompile()
 {
     QFETCH(QString, source);

@@ -9,7 +9,7 @@
 
 /**
  * All faults of the programs that the daemon starts, for each adaptor that starts them: the daemon
- * continues, nothing of the program stays behind, and the next working one has its effect.
+ * continues, the program leaves no process and no descriptor, and the next call succeeds.
  */
 class TestChildFaults : public NetworkTest
 {

@@ -15,9 +15,9 @@
 #include <unistd.h>
 
 /**
- * More received messages than libdbus reads ahead: large calls that pile up while the main thread
- * is busy, records that keep their values, and a ConnMan with ten thousand services. The same
- * process must answer its other clients.
+ * Pending messages beyond the limit of libdbus: large calls that pile up while the main thread is
+ * busy, records that keep their values, and a ConnMan with ten thousand services. The daemon must
+ * not restart, and must answer its other clients.
  */
 class Deafness : public NetworkTest
 {

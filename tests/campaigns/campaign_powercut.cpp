@@ -7,8 +7,8 @@
 
 /**
  * Cuts the power at each file-system call of a switch and of a reset. Afterwards each profile is
- * complete, or it is recognised as incomplete: the start leaves it unchanged, and the next switch
- * replaces it. Only files that are being replaced are lost.
+ * complete, or the daemon recognises it as incomplete: the start leaves it unchanged, and the next
+ * switch replaces it. Only files of the profile that is being replaced are lost.
  *
  * FAULTS=all in the environment tests every call, with larger profiles.
  */

@@ -10,8 +10,8 @@
 #include <QJsonObject>
 
 /**
- * kyboardctl destroys nothing without confirmation, shows no secrets, and does not take silence for
- * success.
+ * kyboardctl destroys nothing without confirmation, shows no secrets, and fails if the daemon does
+ * not reply.
  */
 class TestKyboardctlSafety : public EthernetTest
 {
@@ -124,7 +124,7 @@ void TestKyboardctlSafety::aPersonIsAsked()
     QCOMPARE(client.shown().contains(" user reset: not confirmed"), status != 0);
 }
 
-/** Complaints are redirected, questions are not. */
+/** A redirection of stderr applies to error messages, but not to questions. */
 void TestKyboardctlSafety::aQuestionIsSeenWithoutStandardError()
 {
     startDaemon();

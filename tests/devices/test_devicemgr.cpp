@@ -134,7 +134,7 @@ void TestDeviceMgr::anyOtherModelOffersNeither_data()
         QTest::newRow(qPrintable(QString::number(model, 16))) << model;
 }
 
-/** The daemon's model has no screen, and everything else works. */
+/** Verifies that the daemon runs as a model without a screen, with all other interfaces. */
 #define VERIFY_NO_SCREEN()                                                                         \
     do {                                                                                           \
         QCOMPARE(interfaces(), withoutScreen());                                                   \

@@ -26,7 +26,7 @@ void takeMessage(QtMsgType type, const QMessageLogContext &, const QString &text
         warnings << text;
 }
 
-/** As the one argument of this program: tells what the model complains about. */
+/** The only argument of this program: makes it print the problem that the model reports. */
 const char *const tellingProblem = "--problem";
 
 const QColor green("#6fcf7c");
@@ -404,7 +404,7 @@ void TestStatusBar::thePictureShowsTheBar()
 
 namespace
 {
-/** Prints what the model complains about, once it knows something or knows that it never will. */
+/** Prints the problem that the model reports, once the model has data or has failed for good. */
 int tellProblem(int argc, char *argv[])
 {
     QCoreApplication application(argc, argv);

@@ -12,7 +12,7 @@ using Event = LinkEvent;
 using Do = LinkAction;
 
 constexpr int mostPending = 2;
-/** No event causes more actions, unless the table has a loop. */
+/** The maximum number of actions that an event causes, unless the table has a loop. */
 constexpr size_t mostActs = 40;
 
 const struct {

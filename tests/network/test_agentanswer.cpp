@@ -107,7 +107,7 @@ void TestAgentAnswer::thousandsOfRequestsLeadToNoThirdAnswer()
     const QVariantMap fields = {{"Passphrase", requirement("mandatory")}};
 
     int answers = 0;
-    // More than a 16-bit number can count down.
+    // More requests than a 16-bit counter can count.
     for (int request = 0; request < 70000; ++request)
         answers += agent.RequestInput({}, fields, QDBusMessage()).isEmpty() ? 0 : 1;
 

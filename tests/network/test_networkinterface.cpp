@@ -125,7 +125,7 @@ void TestNetworkInterface::whatIsNoInterfaceIsNeitherUpNorRunning()
     QCOMPARE(maximumTransmissionUnit(none), ushort(0));
 }
 
-/** The query's socket may be any free descriptor, including 0. */
+/** The socket that queries an interface may get any free descriptor, including 0. */
 void TestNetworkInterface::aFreeStandardInputDoesNotHideTheFlags()
 {
     QVERIFY(setLink(name, {"up"}));

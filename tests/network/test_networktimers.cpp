@@ -31,7 +31,7 @@ void TestNetworkTimers::init()
     daemon.stopClock();
 }
 
-/** Lets this much time pass: nothing is announced earlier, and @p expected at its end. */
+/** Lets this time pass. Verifies that @p expected is announced at its end and nothing before. */
 void TestNetworkTimers::passTo(int milliseconds, const QStringList &expected)
 {
     daemon.letMillisecondsPass(milliseconds - 1);

@@ -41,7 +41,7 @@ public Q_SLOTS:
     void Release() {}
 };
 
-/** Wi-Fi without a radio, which the real ConnMan takes for a real one. */
+/** Wi-Fi without a radio: the real ConnMan treats the interface as wireless. */
 class TestRealWifi : public QObject
 {
     Q_OBJECT

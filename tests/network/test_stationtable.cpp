@@ -78,7 +78,7 @@ void TestStationTable::aStateFollowsFromBothStates()
     const LinkStep step = next(stationTable, connecting(state), requestedEvent(serviceState));
 
     QTEST(int(step.link.state), "expected");
-    // An attempt whose service is online has ended; every other one is still judged.
+    // An attempt ends when its service is online; all other attempts are evaluated again.
     QCOMPARE(step.link.operation == LinkOperation::None, serviceState == "online");
 }
 
@@ -113,7 +113,7 @@ void TestStationTable::whatIsUndecidedFailsAtTimeout()
     QFETCH(int, state);
     QFETCH(QString, serviceState);
     QFETCH(bool, fails);
-    // A service that is "online" ended the attempt when it was judged.
+    // The evaluation of an "online" service has ended the attempt.
     Link link = next(stationTable, connecting(state), requestedEvent(serviceState)).link;
     link.state = State(state);
 

@@ -311,7 +311,7 @@ void TestWifiAttempt::theAgentAnswersWhileConnectIsOutstanding()
     QCOMPARE(connman.requestInput(lab, {{"Identity", ConnmanStandIn::field("mandatory")}}),
              QString("({\"Identity\": <\"me\">})"));
 
-    // Both replies of one connect have been given: the stand-in's own request was the first.
+    // The agent has given both replies of one connect; the stand-in's own request got the first.
     QCOMPARE(connman.requestInput(lab, {{"Identity", ConnmanStandIn::field("mandatory")}}),
              QString("net.connman.Agent.Error.Canceled: "));
     QCOMPARE(announced(), QStringList{association});
@@ -462,7 +462,7 @@ void TestWifiAttempt::aScanLeavesAConnectThatIsStillIdleAlone()
 
     QCOMPARE(trace().mid(records), QStringList{"scan OP:connect idle Lab"});
     QCOMPARE(announced(), QStringList());
-    // The 15 s of a scan decide nothing either.
+    // The 15 s of a scan do not end the connect either.
     daemon.letTimePass(20);
     QCOMPARE(announced(), QStringList());
     if (phase == "script") {

@@ -5,7 +5,7 @@
 #include <QTemporaryDir>
 #include <QTest>
 
-/** tools/prepare and tools/package, among programs that only tell how they are called. */
+/** tools/prepare and tools/package; stand-ins for other programs print their arguments. */
 class TestPreparation : public QObject
 {
     Q_OBJECT
@@ -24,7 +24,7 @@ private Q_SLOTS:
 
 private:
     void stub(const QString &name, const QByteArray &script) const;
-    /** Status and output of a tool, whatever it says where. */
+    /** The status of a tool, with its stdout and stderr. */
     QPair<int, QStringList> run(const QString &tool, const QStringList &arguments) const;
     QStringList entries(const QString &directory) const;
 
@@ -98,7 +98,7 @@ void TestPreparation::packagesAreNamedBeforeTheyAreInstalled()
     QVERIFY(lines.at(0).contains("README.md"));
     QVERIFY(lines.at(1).startsWith("apt-get installs: g++ cmake "));
     QCOMPARE(lines.at(2), QString("apt-get update"));
-    // Without a question, which would stop a script.
+    // Without a question: it would block a script.
     QCOMPARE(lines.at(3), "apt-get noninteractive install --yes --no-install-recommends " +
                               lines.at(1).section(": ", 1));
 }
@@ -162,7 +162,7 @@ void TestPreparation::packagesTakeThePlaceOfTheOldOnes()
     writeFile(m_tree + "/build/package/old.deb", "");
     const auto [status, lines] = run("package", {});
     QCOMPARE(status, 0);
-    // What is built is no part of the source.
+    // dpkg-buildpackage works on a copy of the source without build/.
     QCOMPARE(lines, QStringList({"debian", "tools"}));
     QCOMPARE(entries("build/package"), QStringList{"new.deb"});
     QCOMPARE(entries("build"), QStringList{"package"});

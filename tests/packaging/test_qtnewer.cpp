@@ -98,7 +98,7 @@ void TestQtNewer::functionsOfTheLibrariesAreFoundInAProgram()
     const auto found = [](const char *function) {
         return QStringLiteral(NEWER_PROGRAM ": ") + QString::fromLatin1(function);
     };
-    // After macros and inlining, as for the split, the source has no newer name.
+    // The program calls only these two newer functions; the source has three newer names.
     QCOMPARE(finding.lines,
              (QStringList{found("QDir::isEmpty(QFlags<QDir::Filter>) const is of Qt 5.9"),
                           found("QMessageLogger::info() const is of Qt 5.5")}));
@@ -121,13 +121,13 @@ void TestQtNewer::theyLinkNoOtherLibraries_data()
 {
     QTest::addColumn<QString>("program");
     QTest::addColumn<QString>("libraries");
-    // Besides the compiler's own, and those of its checks.
+    // Apart from the libraries of the compiler and of its sanitizers.
     const QString common = "c|m|gcc_s|stdc\\+\\+|[at]san|ubsan|gcov|Qt5(Core|DBus|Network)";
     QTest::newRow("daemon") << DAEMON << common + "|Ky(Board|Fileaccess|SoC)";
     QTest::newRow("client") << CLIENT << common;
 }
 
-/** What they link their package depends on. */
+/** The package depends on the libraries that its programs link. */
 void TestQtNewer::theyLinkNoOtherLibraries()
 {
     QFETCH(QString, program);

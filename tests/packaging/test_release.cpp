@@ -112,7 +112,7 @@ void TestRelease::init()
     QVERIFY(run("git", {"init", "--quiet"}).status == 0);
     git({"config", "user.name", "A Maintainer"});
     git({"config", "user.email", "maintainer@example.org"});
-    // Like ours: the archive must not block the next release.
+    // As in our tree, git ignores build/: the archive must not block the next release.
     writeFile(m_tree + "/.gitignore", "/build/\n");
     git({"add", "--all"});
     QCOMPARE(git({"commit", "--quiet", "--message", "all"}), QString());

@@ -333,7 +333,7 @@ void TestLook::aBlinkIsDrawnOnce()
     for (int time = 0; time < 2000; time += 50)
         images.insert(drawn(time).cacheKey());
     QCOMPARE(images.size(), 4);
-    // An image that is kept is that of its own look.
+    // A cached image is the image of its own state of the panel.
     Drawing other{DRAWING};
     for (int time : {0, 250, 550, 700}) {
         other.apply(lookOf(instrument, time));
@@ -341,7 +341,7 @@ void TestLook::aBlinkIsDrawnOnce()
         QVERIFY(images.contains(drawn(time).cacheKey()));
     }
     QVERIFY(drawn(0) != drawn(250));
-    // Only these four are kept.
+    // Only these four images are cached.
     instrument.board["battery/charge"] = "7\n";
     for (int time : {0, 250, 550, 700})
         QVERIFY(!images.contains(drawn(time).cacheKey()));

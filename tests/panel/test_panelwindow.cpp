@@ -160,7 +160,7 @@ int TestPanelWindow::largestDifference(const QImage &one, const QImage &other)
     return largest;
 }
 
-/** The place of a text in the drawing, at least the part that tells it from others. */
+/** The place of a text in the drawing, or at least of the part that differs from other texts. */
 QRect TestPanelWindow::placeOfText(const QString &element)
 {
     QDomDocument document;

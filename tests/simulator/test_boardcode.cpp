@@ -7,7 +7,7 @@
 #include <cmath>
 #include <limits>
 
-/** The simulated board without its files: codes, records and the words of faults. */
+/** The functions of the simulated board that use no files: codes, records, the words of faults. */
 class TestBoardCode : public QObject
 {
     Q_OBJECT

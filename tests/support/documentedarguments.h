@@ -9,7 +9,7 @@
 /** An argument of a method, or a property, as the introspection documents have it. */
 struct DocumentedArgument {
     QString path;
-    /** What follows the daemon's name in the name of the interface. */
+    /** The interface without the daemon's name, for example "Users". */
     QString interface;
     /** The method, or the property. */
     QString member;
@@ -18,16 +18,16 @@ struct DocumentedArgument {
     QString name;
     /** The type on the bus, as in "a{sv}". */
     QString type;
-    /** Its values in words; empty where the document gives none. */
+    /** Its range as the document describes it; empty if there is none. */
     QString range;
     /** The types of the entries of a map, by their keys; a key in {} stands for any. */
     QMap<QString, QString> keys;
 
-    /** The values, where all of them are names: "SD, USB". Empty for anything else. */
+    /** The names of the allowed values, "SD, USB"; empty if the values are not names. */
     QStringList choices() const;
 };
 
-/** All of them, as tools/apidocument prints them. */
+/** All documented arguments and properties, as tools/apidocument prints them. */
 const QList<DocumentedArgument> &documentedArguments();
 
 /** The daemon's interfaces at @p path, without the daemon's name, sorted. */

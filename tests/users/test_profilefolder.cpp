@@ -345,7 +345,7 @@ void TestProfileFolder::aDirectoryIsIncompleteBeforeItIsErased()
     makeIncomplete(at("user"), at("default"));
 
     QVERIFY(!isFolderComplete(at("default"), at("user")));
-    // Nothing is lost so far.
+    // The profile is unchanged so far.
     QCOMPARE(snapshot(path("user")).size(), entries);
 }
 

@@ -427,7 +427,7 @@ void TestUsers::aLinkThatCannotBeMadeInvalidatesTheUser()
 
 void TestUsers::aLinkThatCannotBeMadeLeavesNoActiveProfile()
 {
-    // The old link is already gone when creating the new one fails.
+    // The daemon removes the old link before it fails to create the new one.
     daemon.setWrapper(traced("symlink,symlinkat", "symlink,symlinkat:error=ENOSPC"));
     QVERIFY(daemon.start());
 

@@ -1,8 +1,7 @@
 // Attacks that a local user can make on a service over the bus.
 // usage: attack KIND SECONDS SERVICE PATH INTERFACE METHOD
-//   descriptors  introspection with 16 file descriptors each, after 2,000 calls without any that
-//   keep
-//                the service busy; never reads a reply
+//   descriptors  2,000 introspection calls, which keep the service busy, then introspection calls
+//                with 16 file descriptors each; never reads a reply
 //   signals      unicast signals to the service with 16 file descriptors each
 //   large        calls of 30 MB each
 //   texts        calls of 30 MB each with millions of texts
