@@ -37,22 +37,34 @@ take_access_point_down() {
     ip link delete wifi_ap 2>/dev/null
 }
 
-# The other end of the pair is the air: without it the interface has no carrier.
+await() {
+    attempts=0
+    until "$@" || [ "$attempts" -ge 1000 ]; do
+        attempts=$((attempts + 1))
+        sleep 0.01
+    done
+}
+
+has_carrier() {
+    ip link show dev wifi_ap | grep -q 'state UP'
+}
+
+# The other end of the pair is the air: without it the interface has no carrier. The kernel passes the
+# carrier on later, on a busy machine much later.
 bring_interface_up() {
     ip link add wifi_ap address 02:aa:bb:cc:dd:03 type veth peer name wifi_air
     ip address add "$address/24" dev wifi_ap
     ip link set wifi_ap up
-    told no-carrier || ip link set wifi_air up
+    told no-carrier || {
+        ip link set wifi_air up
+        await has_carrier
+    }
 }
 
 # hostapd returns before it has written the PID file that we need to end it.
 start_hostapd() {
     hostapd -B -P "$directory/hostapd.pid" "$configuration" || return 0
-    attempts=0
-    until [ -s "$directory/hostapd.pid" ] || [ "$attempts" -ge 500 ]; do
-        attempts=$((attempts + 1))
-        sleep 0.01
-    done
+    await test -s "$directory/hostapd.pid"
 }
 
 start_dhcpd() {

@@ -1,6 +1,7 @@
 #include "busvalue.h"
 
 #include "daemontest.h"
+#include "deadline.h"
 #include "render.h"
 #include "wire.h"
 
@@ -101,7 +102,7 @@ QVariant TestBusValue::waitForValue()
 {
     QTimer deadline;
     deadline.setSingleShot(true);
-    deadline.start(10000);
+    deadline.start(deadlineMs);
     while (received.isEmpty() && deadline.isActive())
         QCoreApplication::processEvents(QEventLoop::WaitForMoreEvents);
     return received.value(0);

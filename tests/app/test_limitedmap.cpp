@@ -1,3 +1,4 @@
+#include "deadline.h"
 #include "limitedmap.h"
 
 #include "busvalue.h"
@@ -81,7 +82,7 @@ QDBusArgument TestLimitedMap::receive(const QString &values)
     sender.signal(path, interface, member, values);
     QTimer deadline;
     deadline.setSingleShot(true);
-    deadline.start(10000);
+    deadline.start(deadlineMs);
     while (received.isEmpty() && deadline.isActive())
         QCoreApplication::processEvents(QEventLoop::WaitForMoreEvents);
     return received.value(0).value<QDBusArgument>();

@@ -1,6 +1,7 @@
 #include "board.h"
 #include "busmonitor.h"
 #include "daemontest.h"
+#include "deadline.h"
 #include "processes.h"
 #include "systemdwatchdog.h"
 
@@ -39,7 +40,7 @@ private Q_SLOTS:
 
 private:
     void supervise(const QString &socketName);
-    bool isPinged(int deadline = 20000);
+    bool isPinged(int deadline = deadlineMs);
     bool isSilent();
     void fillSocket();
     void startSecondBus();
@@ -123,7 +124,7 @@ void TestSystemdWatchdog::startSecondBus()
     unlink("/run/dbus/second");
     m_bus.start("dbus-daemon", {"--config-file=/run/dbus/system.conf", "--address=" + place,
                                 "--nofork", "--print-address"});
-    QVERIFY(m_bus.waitForReadyRead(20000));
+    QVERIFY(m_bus.waitForReadyRead(deadlineMs));
     daemon.setEnvironment("DBUS_SYSTEM_BUS_ADDRESS", place);
 }
 

@@ -1,3 +1,4 @@
+#include "deadline.h"
 #include "files.h"
 
 #include <QDir>
@@ -75,7 +76,7 @@ TestWall::Outcome TestWall::run(const QString &directory, QStringList command,
     process.start(program, command);
     process.write(input);
     process.closeWriteChannel();
-    if (!process.waitForFinished(60000) || process.exitStatus() != QProcess::NormalExit)
+    if (!process.waitForFinished(deadlineMs) || process.exitStatus() != QProcess::NormalExit)
         return {};
     return {process.exitCode(), QString::fromUtf8(process.readAll())};
 }

@@ -1,3 +1,4 @@
+#include "deadline.h"
 #include "ethernettest.h"
 #include "figures.h"
 #include "networktest.h"
@@ -168,7 +169,7 @@ void TestChildFaults::verifyWorks(const QString &adaptor)
     QCOMPARE(use(adaptor), QString("()"));
     passModuleDelay();
     const QString reached = adaptor == "WIFIAP" ? "\"ready\"" : "\"association\"";
-    QTRY_VERIFY_WITH_TIMEOUT(recorder->recorded().join(' ').contains(reached), 20000);
+    QTRY_VERIFY_WITH_TIMEOUT(recorder->recorded().join(' ').contains(reached), deadlineMs);
 }
 
 void TestChildFaults::theNextOneWorks_data()
@@ -225,8 +226,8 @@ void TestChildFaults::theNextOneWorks()
 
     endRunning();
     restore(child);
-    QVERIFY(QTest::qWaitFor([&] { return uncollected(daemon.processId()) == 0; }, 20000));
-    QVERIFY(QTest::qWaitFor([&] { return daemon.descriptors() <= before; }, 20000));
+    QVERIFY(QTest::qWaitFor([&] { return uncollected(daemon.processId()) == 0; }, deadlineMs));
+    QVERIFY(QTest::qWaitFor([&] { return daemon.descriptors() <= before; }, deadlineMs));
     if (child == "pidof" && fault == "is missing") {
         // Its whole environment lacked the system's programs.
         daemon.stop();

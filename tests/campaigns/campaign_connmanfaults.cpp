@@ -1,4 +1,5 @@
 #include "board.h"
+#include "deadline.h"
 #include "ethernettest.h"
 #include "figures.h"
 #include "processes.h"
@@ -306,7 +307,7 @@ void TestConnmanFaults::verifyOnline(const QString &adaptor)
         connman.setProperty(lab, "IPv4", address);
     }
     QVERIFY(!QTest::currentTestFailed());
-    QTRY_VERIFY_WITH_TIMEOUT(recorder->recorded().join(' ').contains("\"online\""), 20000);
+    QTRY_VERIFY_WITH_TIMEOUT(recorder->recorded().join(' ').contains("\"online\""), deadlineMs);
 }
 
 void TestConnmanFaults::theAdaptorGetsOnlineAfterwards_data()
@@ -349,7 +350,7 @@ void TestConnmanFaults::theAdaptorGetsOnlineAfterwards()
     QVERIFY(daemon.isRunning());
     QCOMPARE(Remote("/KyConfigMgr", "Users").call("getUser"), QString("(\"user1\")"));
     comeToRest(adaptor);
-    QVERIFY(QTest::qWaitFor([&] { return daemon.descriptors() <= before; }, 20000));
+    QVERIFY(QTest::qWaitFor([&] { return daemon.descriptors() <= before; }, deadlineMs));
     verifyOnline(adaptor);
     QVERIFY(!QTest::currentTestFailed());
     ++m_survived;
@@ -364,7 +365,7 @@ void TestConnmanFaults::theDaemonStaysIdleWithoutItsBus()
                                   "--nofork", "--nopidfile"});
         QTRY_VERIFY_WITH_TIMEOUT(QDBusConnection::connectToBus(place, "second").isConnected() ||
                                      (QDBusConnection::disconnectFromBus("second"), false),
-                                 20000);
+                                 deadlineMs);
     };
     const auto isOwned = [] {
         return QDBusConnection("second").interface()->isServiceRegistered(
@@ -379,7 +380,7 @@ void TestConnmanFaults::theDaemonStaysIdleWithoutItsBus()
     startBus(bus);
     daemon.setEnvironment("DBUS_SYSTEM_BUS_ADDRESS", place);
     daemon.launch();
-    QTRY_VERIFY_WITH_TIMEOUT(isOwned(), 20000);
+    QTRY_VERIFY_WITH_TIMEOUT(isOwned(), deadlineMs);
 
     bus.kill();
     bus.waitForFinished();
@@ -387,17 +388,17 @@ void TestConnmanFaults::theDaemonStaysIdleWithoutItsBus()
     // The battery's timer expires without a bus.
     Board::clearJournal();
     daemon.letTimePass(10);
-    QVERIFY(QTest::qWaitFor([&] { return daemon.isRunning() && sleeps(); }, 20000));
+    QVERIFY(QTest::qWaitFor([&] { return daemon.isRunning() && sleeps(); }, deadlineMs));
 
     QProcess again;
     startBus(again);
-    QTRY_VERIFY_WITH_TIMEOUT(sleeps(), 20000);
+    QTRY_VERIFY_WITH_TIMEOUT(sleeps(), deadlineMs);
     QVERIFY(!isOwned());
     QVERIFY(daemon.isRunning());
     // Clients find a daemon that is started afterwards.
     daemon.stop();
     daemon.launch();
-    QTRY_VERIFY_WITH_TIMEOUT(isOwned(), 20000);
+    QTRY_VERIFY_WITH_TIMEOUT(isOwned(), deadlineMs);
     daemon.stop();
     QDBusConnection::disconnectFromBus("second");
     again.kill();

@@ -1,4 +1,5 @@
 #include "daemontest.h"
+#include "deadline.h"
 #include "figures.h"
 #include "processes.h"
 
@@ -259,7 +260,7 @@ void TestDirectories::noRaceIsLost()
     m_lost += lost;
     QVERIFY(daemon.isRunning());
     QCOMPARE(lost, 0);
-    QVERIFY(QTest::qWaitFor([&] { return daemon.descriptors() <= descriptors; }, 20000));
+    QVERIFY(QTest::qWaitFor([&] { return daemon.descriptors() <= descriptors; }, deadlineMs));
 }
 
 void TestDirectories::cleanupTestCase()

@@ -1,5 +1,6 @@
 #include "board.h"
 #include "daemontest.h"
+#include "deadline.h"
 #include "figures.h"
 #include "introspection.h"
 #include "leds.h"
@@ -93,8 +94,6 @@ private:
 
 namespace
 {
-const int deadline = 20000;
-
 /** The words of faults. */
 const QString always = QStringLiteral("always");
 const QString nonsense = QStringLiteral("nonsense");
@@ -516,7 +515,7 @@ TestFaultMatrix::Stimulus TestFaultMatrix::eventStimulus(const QString &name, co
                             .filter(QRegularExpression('^' + QRegularExpression::escape(marker)))
                             .isEmpty();
             },
-            deadline);
+            deadlineMs);
         settle();
         return isDone ? QStringLiteral("done") : QStringLiteral("not done");
     };
@@ -601,7 +600,7 @@ void TestFaultMatrix::addEvents()
     start.finish = [this] {
         const bool isUp = QTest::qWaitFor(
             [] { return Remote("/KyConfigMgr", "Users").call("getUser") == "(\"user1\")"; },
-            deadline);
+            deadlineMs);
         settle();
         return isUp ? QStringLiteral("up") : QStringLiteral("not up");
     };
@@ -799,7 +798,7 @@ void TestFaultMatrix::everyFaultIsSurvived()
         QVERIFY2(waitForState(reference.state, state),
                  qPrintable(difference(reference.state, state)));
     QVERIFY2(QTest::qWaitFor([&] { return daemon.descriptors() - before <= reference.descriptors; },
-                             deadline),
+                             deadlineMs),
              "descriptors are left open");
     if (isLasting) {
         daemon.stop();

@@ -1,3 +1,4 @@
+#include "deadline.h"
 #include "figures.h"
 #include "networktest.h"
 
@@ -326,7 +327,7 @@ void TestFileFaults::theDaemonDoesWithout()
     // The settings may be a link to another place; nothing else is written through a link.
     if (place.path != QByteArray("/opt/settings.ini"))
         QCOMPARE(readFile(precious), QByteArray("kept"));
-    QVERIFY(QTest::qWaitFor([&] { return daemon.descriptors() <= before; }, 20000));
+    QVERIFY(QTest::qWaitFor([&] { return daemon.descriptors() <= before; }, deadlineMs));
     ++m_survived;
 }
 

@@ -1,5 +1,6 @@
 #include "board.h"
 #include "daemontest.h"
+#include "deadline.h"
 #include "leds.h"
 #include "modescript.h"
 #include "processes.h"
@@ -18,7 +19,6 @@
 
 namespace
 {
-const int deadline = 20000;
 const int minute = 60;
 const qint64 minutesOfRound = 10;
 /** The number of rounds after which memory must not grow: every kind of round has occurred. */
@@ -64,7 +64,7 @@ public:
     Listener()
     {
         m_process.start("kyboardctl", {"monitor", "--json"});
-        if (!m_process.waitForReadyRead(deadline))
+        if (!m_process.waitForReadyRead(deadlineMs))
             qFatal("a listener does not start");
     }
     ~Listener()
@@ -357,7 +357,7 @@ void InstrumentLife::join(const char *network, const char *key)
         // An attempt without a reply of ConnMan ends after a minute.
         const QRegularExpression end("WIFI propertyChanged .*\"(online|failure)\".*");
         const auto isDecided = [&] { return listeners.front()->lines().indexOf(end, heard) >= 0; };
-        if (!QTest::qWaitFor(isDecided, deadline / 2))
+        if (!QTest::qWaitFor(isDecided, deadlineMs / 2))
             spendMinute();
         QVERIFY(announces("WIFI propertyChanged .*\"(online|failure)\""));
         if (listeners.front()->lines().at(heard - 1).contains("online"))
@@ -372,7 +372,7 @@ void InstrumentLife::joinAndLoseIt()
     DO(join("Cafe", ""));
     DO(compareNetworks());
     supplicant.set("cafe/in_range", "0");
-    QTRY_COMPARE_WITH_TIMEOUT(address("wifi_sta"), QString(), deadline);
+    QTRY_COMPARE_WITH_TIMEOUT(address("wifi_sta"), QString(), deadlineMs);
     supplicant.set("cafe/in_range", "1");
 }
 
@@ -400,7 +400,7 @@ void InstrumentLife::failToJoinFirst()
             wifi.call("connect", {QVariantMap{{"Service", "Hall"}, {"Password", "only noise"}}}),
             done);
         DO(passModuleDelay());
-        QVERIFY(QTest::qWaitFor(isOver, deadline));
+        QVERIFY(QTest::qWaitFor(isOver, deadlineMs));
         wasRefused = isRefused();
         spendMinute();
         QVERIFY(announces("WIFI propertyChanged .*\"failure\""));
@@ -416,7 +416,7 @@ void InstrumentLife::leave()
     QVERIFY2(answer == done || answer == failed("Cannot remove service"), qPrintable(answer));
     QVERIFY(announces("WIFI propertyChanged .*\"idle\""));
     DO(waitForRadioOff());
-    QTRY_COMPARE_WITH_TIMEOUT(address("wifi_sta"), QString(), deadline);
+    QTRY_COMPARE_WITH_TIMEOUT(address("wifi_sta"), QString(), deadlineMs);
 }
 
 /** Gives ConnMan real time while the module switches again. */
@@ -424,8 +424,8 @@ void InstrumentLife::waitForRadioOff()
 {
     const QString technology = "/net/connman/technology/wifi";
     QTRY_VERIFY_WITH_TIMEOUT(!RealConnman::properties(technology).value("Powered").toBool(),
-                             deadline);
-    QTRY_VERIFY_WITH_TIMEOUT(RealConnman::properties(workshop).isEmpty(), deadline);
+                             deadlineMs);
+    QTRY_VERIFY_WITH_TIMEOUT(RealConnman::properties(workshop).isEmpty(), deadlineMs);
 }
 
 void InstrumentLife::useEthernet()
@@ -434,11 +434,11 @@ void InstrumentLife::useEthernet()
     QVERIFY(announces("Ethernet propertyChanged .*\"online\""));
     DO(compareNetworks());
     connman.unplugCable();
-    QTRY_COMPARE_WITH_TIMEOUT(address("eth0"), QString(), deadline);
+    QTRY_COMPARE_WITH_TIMEOUT(address("eth0"), QString(), deadlineMs);
     connman.plugCable();
-    QTRY_VERIFY_WITH_TIMEOUT(!address("eth0").isEmpty(), deadline);
+    QTRY_VERIFY_WITH_TIMEOUT(!address("eth0").isEmpty(), deadlineMs);
     QCOMPARE(ethernet.call("disconnect"), done);
-    QTRY_COMPARE_WITH_TIMEOUT(address("eth0"), QString(), deadline);
+    QTRY_COMPARE_WITH_TIMEOUT(address("eth0"), QString(), deadlineMs);
 }
 
 void InstrumentLife::beAnAccessPoint()
@@ -493,7 +493,7 @@ void InstrumentLife::settle()
 
 void InstrumentLife::passModuleDelay()
 {
-    QTRY_COMPARE_WITH_TIMEOUT(daemon.children(), 0, deadline);
+    QTRY_COMPARE_WITH_TIMEOUT(daemon.children(), 0, deadlineMs);
     pass(2);
 }
 
@@ -503,7 +503,7 @@ bool InstrumentLife::announces(const QString &pattern)
     const QRegularExpression line(pattern + ".*");
     const auto isHeard = [&](Listener &listener) {
         return QTest::qWaitFor([&] { return listener.lines().indexOf(line, heard) >= 0; },
-                               deadline);
+                               deadlineMs);
     };
     for (const auto &listener : listeners) {
         if (!isHeard(*listener)) {
@@ -523,7 +523,7 @@ void InstrumentLife::compare()
     settle();
     const QStringList expected = listeners.front()->lines();
     for (const auto &listener : listeners) {
-        QTRY_VERIFY_WITH_TIMEOUT(listener->lines().size() >= expected.size(), deadline);
+        QTRY_VERIFY_WITH_TIMEOUT(listener->lines().size() >= expected.size(), deadlineMs);
         QVERIFY2(listener->lines().mid(0, expected.size()) == expected,
                  "a listener has heard something else");
     }
@@ -592,8 +592,8 @@ void InstrumentLife::compareDevices()
 
 void InstrumentLife::compareNetworks()
 {
-    QTRY_COMPARE_WITH_TIMEOUT(addressOf(ethernet), address("eth0"), deadline);
-    QTRY_COMPARE_WITH_TIMEOUT(addressOf(wifi), address("wifi_sta"), deadline);
+    QTRY_COMPARE_WITH_TIMEOUT(addressOf(ethernet), address("eth0"), deadlineMs);
+    QTRY_COMPARE_WITH_TIMEOUT(addressOf(wifi), address("wifi_sta"), deadlineMs);
     QCOMPARE(accessPoint.call("getHardwareInfos").contains("\"wifi_ap\""),
              QFile::exists("/sys/class/net/wifi_ap"));
 }

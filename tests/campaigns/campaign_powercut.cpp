@@ -1,4 +1,5 @@
 #include "daemontest.h"
+#include "deadline.h"
 #include "figures.h"
 
 #include <QDBusPendingCall>
@@ -149,8 +150,8 @@ void TestPowerCut::layOut(const Scenario &scenario)
 /** QSettings writes the settings some time after a change. */
 void TestPowerCut::settleSettings()
 {
-    QTRY_VERIFY_WITH_TIMEOUT(QFile::exists(settingsFile), 20000);
-    QTRY_VERIFY_WITH_TIMEOUT(!QFile::exists(settingsFile + ".lock"), 20000);
+    QTRY_VERIFY_WITH_TIMEOUT(QFile::exists(settingsFile), deadlineMs);
+    QTRY_VERIFY_WITH_TIMEOUT(!QFile::exists(settingsFile + ".lock"), deadlineMs);
 }
 
 /** Starts the daemon and cuts the power at that call from now on. */
@@ -169,7 +170,8 @@ QStringList TestPowerCut::callsOf(const Scenario &scenario)
     startWithCut(0);
     const QString reply = users.call(scenario.method, {scenario.user});
     const QString last = scenario.method == "setUser" ? "unlink /opt/settings.ini.lock" : " close ";
-    if (reply != "()" || !QTest::qWaitFor([&] { return !log().filter(last).isEmpty(); }, 20000))
+    if (reply != "()" ||
+        !QTest::qWaitFor([&] { return !log().filter(last).isEmpty(); }, deadlineMs))
         return {};
     return log();
 }

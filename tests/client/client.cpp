@@ -1,5 +1,7 @@
 #include "client.h"
 
+#include "deadline.h"
+
 void startClient(QProcess &client, const QStringList &arguments, const QByteArray &input,
                  const QStringList &environment)
 {
@@ -10,7 +12,7 @@ void startClient(QProcess &client, const QStringList &arguments, const QByteArra
 
 ClientResult resultOf(QProcess &client)
 {
-    if (client.state() != QProcess::NotRunning && !client.waitForFinished(60000))
+    if (client.state() != QProcess::NotRunning && !client.waitForFinished(deadlineMs))
         return {-1, QString(), QStringLiteral("no end")};
     if (client.exitStatus() != QProcess::NormalExit)
         return {-1, QString(), QStringLiteral("ended by signal %1").arg(client.exitCode())};

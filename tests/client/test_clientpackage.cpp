@@ -62,7 +62,7 @@ TestClientPackage::Result TestClientPackage::example(const QString &user)
 {
     QProcess process;
     process.start(QStringLiteral(EXAMPLE), {user});
-    if (!process.waitForFinished(20000))
+    if (!process.waitForFinished(deadlineMs))
         return {-1, QString(), QStringLiteral("no end")};
     return {process.exitCode(), process.readAllStandardOutput(), process.readAllStandardError()};
 }
@@ -147,4 +147,5 @@ void TestClientPackage::aPropertyIsRead()
 }
 
 WORLD_TEST_MAIN(TestClientPackage)
+#include "deadline.h"
 #include "test_clientpackage.moc"

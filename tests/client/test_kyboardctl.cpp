@@ -2,6 +2,7 @@
 #include "busmonitor.h"
 #include "commands.h"
 #include "daemontest.h"
+#include "deadline.h"
 #include "documentedarguments.h"
 #include "enumnames.h"
 #include "introspection.h"
@@ -87,7 +88,7 @@ TestKyboardctl::Result TestKyboardctl::run(const QStringList &arguments, const Q
     client.start("env", environment + QStringList{"kyboardctl"} + arguments);
     client.write(input);
     client.closeWriteChannel();
-    if (!client.waitForFinished(30000))
+    if (!client.waitForFinished(deadlineMs))
         return {-1, QString(), QStringLiteral("no end")};
     return {client.exitCode(), client.readAllStandardOutput(), client.readAllStandardError()};
 }
@@ -122,7 +123,7 @@ void TestKyboardctl::whatIsLostOnItsWayIsNoSuccess()
     QProcess client;
     client.setStandardOutputFile("/dev/full");
     client.start("kyboardctl", {"user", "get"});
-    QVERIFY(client.waitForFinished(30000));
+    QVERIFY(client.waitForFinished(deadlineMs));
     QCOMPARE(client.exitCode(), 7);
     QCOMPARE(client.readAllStandardError(),
              QByteArray("kyboardctl: standard output cannot be written\n"));
@@ -292,10 +293,10 @@ void TestKyboardctl::aTimeoutHasItsOwnStatus()
     QProcess client;
     BusMonitor monitor;
     client.start("kyboardctl", {"user", "get"});
-    QTRY_VERIFY_WITH_TIMEOUT(monitor.hasSeen("getUser"), 20000);
+    QTRY_VERIFY_WITH_TIMEOUT(monitor.hasSeen("getUser"), deadlineMs);
     QCOMPARE(::kill(pid_t(daemon.processId()), SIGKILL), 0);
     QCOMPARE(daemon.waitForExit(), -1);
-    QTRY_COMPARE_WITH_TIMEOUT(client.state(), QProcess::NotRunning, 20000);
+    QTRY_COMPARE_WITH_TIMEOUT(client.state(), QProcess::NotRunning, deadlineMs);
     QCOMPARE(client.readAllStandardError(),
              QByteArray("kyboardctl: the board manager ended while it worked for this call\n"));
     QCOMPARE(client.exitCode(), 3);

@@ -2,6 +2,7 @@
 #include "client.h"
 #include "commands.h"
 #include "daemontest.h"
+#include "deadline.h"
 #include "terminalprogram.h"
 
 #include <QDBusConnection>
@@ -61,7 +62,7 @@ void TestKyboardctlLive::init()
 static bool listens(QProcess &client)
 {
     return QTest::qWaitFor([&client] { return client.peek(1000).contains("daemon.there\n"); },
-                           20000);
+                           deadlineMs);
 }
 
 void TestKyboardctlLive::monitorEndsAfterTheSignals()
@@ -181,11 +182,11 @@ void TestKyboardctlLive::withoutTheBusMonitorEnds()
                                "</busconfig>");
     QProcess other;
     other.start("dbus-daemon", {"--config-file=/tmp/bus.conf", "--nofork"});
-    QTRY_VERIFY_WITH_TIMEOUT(QFile::exists("/tmp/bus"), 20000);
+    QTRY_VERIFY_WITH_TIMEOUT(QFile::exists("/tmp/bus"), deadlineMs);
     QProcess client;
     client.start("kyboardctl", {"--address=unix:path=/tmp/bus", "monitor"});
-    QVERIFY(
-        QTest::qWaitFor([&client] { return client.peek(1000).contains("daemon.away\n"); }, 20000));
+    QVERIFY(QTest::qWaitFor([&client] { return client.peek(1000).contains("daemon.away\n"); },
+                            deadlineMs));
     other.kill();
     other.waitForFinished();
     const ClientResult result = resultOf(client);
@@ -217,7 +218,7 @@ void TestKyboardctlLive::messagesDuringItsEndAreIgnored()
             bus.send(message);
         return client.state() == QProcess::NotRunning;
     };
-    QVERIFY(QTest::qWaitFor(hasEnded, 60000));
+    QVERIFY(QTest::qWaitFor(hasEnded, deadlineMs));
 
     const ClientResult result = resultOf(client);
     QCOMPARE(result.complaint, QString());
@@ -257,14 +258,14 @@ void TestKyboardctlLive::watchFitsATerminalThatChanges()
     QVERIFY2(client.shows(wide), client.shown().constData());
     const int drawn = client.shown().size();
     client.resize(30);
-    QTRY_VERIFY_WITH_TIMEOUT(client.shown().mid(drawn).contains("\033[J"), 20000);
+    QTRY_VERIFY_WITH_TIMEOUT(client.shown().mid(drawn).contains("\033[J"), deadlineMs);
     const QByteArray screen = client.shown().mid(drawn);
     for (const QByteArray &line : screen.split('\n'))
         QVERIFY2(QByteArray(line).replace("\033[H", "").replace("\033[K", "").trimmed().size() <=
                      30,
                  line.constData());
     client.resize(120);
-    QTRY_VERIFY_WITH_TIMEOUT(client.shown().mid(drawn + screen.size()).contains(wide), 20000);
+    QTRY_VERIFY_WITH_TIMEOUT(client.shown().mid(drawn + screen.size()).contains(wide), deadlineMs);
 }
 
 void TestKyboardctlLive::watchSurvivesTheDaemon()
@@ -275,7 +276,7 @@ void TestKyboardctlLive::watchSurvivesTheDaemon()
     QVERIFY(client.shows("the board manager is not on the system bus"));
     const int drawn = client.shown().count("Revisions");
     QVERIFY(daemon.start());
-    QTRY_VERIFY_WITH_TIMEOUT(client.shown().count("Revisions") > drawn, 20000);
+    QTRY_VERIFY_WITH_TIMEOUT(client.shown().count("Revisions") > drawn, deadlineMs);
 }
 
 /** A call for temperatures makes the daemon announce those that are too high. */

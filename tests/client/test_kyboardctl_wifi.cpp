@@ -1,6 +1,7 @@
 #include "busmonitor.h"
 #include "connmansignals.h"
 #include "daemontest.h"
+#include "deadline.h"
 #include "modescript.h"
 #include "realconnman.h"
 #include "supplicantstandin.h"
@@ -97,7 +98,7 @@ void TestKyboardctlWifi::start(QProcess &client, const QStringList &arguments,
 
 TestKyboardctlWifi::Result TestKyboardctlWifi::resultOf(QProcess &client)
 {
-    if (client.state() != QProcess::NotRunning && !client.waitForFinished(60000))
+    if (client.state() != QProcess::NotRunning && !client.waitForFinished(deadlineMs))
         return {-1, QString(), QStringLiteral("no end")};
     return {client.exitCode(), client.readAllStandardOutput(), client.readAllStandardError()};
 }
@@ -143,7 +144,7 @@ void TestKyboardctlWifi::anEmptyAirIsNoFailure()
     const auto isPowered = [&] {
         return RealConnman::properties("/net/connman/technology/wifi").value("Powered").toBool();
     };
-    QVERIFY(QTest::qWaitFor(isPowered, 20000));
+    QVERIFY(QTest::qWaitFor(isPowered, deadlineMs));
     // Without networks the daemon ends the scan after 15 s.
     daemon.letTimePass(15);
     const Result result = resultOf(client);
@@ -275,7 +276,7 @@ void TestKyboardctlWifi::withoutALeaseThereIsNoAddress()
     start(client, {"wifi", "connect", "Cafe", "--open"}, {});
     const QString cafe = "/net/connman/service/wifi_02aabbccdd03_43616665_managed_none";
     QTRY_COMPARE_WITH_TIMEOUT(RealConnman::properties(cafe).value("State").toString(),
-                              QStringLiteral("configuration"), 30000);
+                              QStringLiteral("configuration"), deadlineMs);
     daemon.letTimePass(61);
     const Result result = resultOf(client);
     QCOMPARE(result.complaint, QStringLiteral("kyboardctl: wifi connect: failed: no address\n"));
@@ -289,7 +290,7 @@ void TestKyboardctlWifi::aSilentAccessPointIsATimeout()
     start(client, {"wifi", "connect", "Cafe", "--open"}, {});
     const QString cafe = "/net/connman/service/wifi_02aabbccdd03_43616665_managed_none";
     QTRY_COMPARE_WITH_TIMEOUT(RealConnman::properties(cafe).value("State").toString(),
-                              QStringLiteral("association"), 30000);
+                              QStringLiteral("association"), deadlineMs);
     daemon.letTimePass(61);
     const Result result = resultOf(client);
     QCOMPARE(result.complaint, QStringLiteral("kyboardctl: wifi connect: failed: time-out, the "
@@ -318,14 +319,14 @@ void TestKyboardctlWifi::aNetworkIsForgotten()
     // A daemon that starts powers the radio off: ConnMan knows the network but does not list it.
     daemon.stop();
     QVERIFY(daemon.start());
-    QTRY_VERIFY_WITH_TIMEOUT(readFile(settings).contains("Passphrase=seven seas"), 20000);
+    QTRY_VERIFY_WITH_TIMEOUT(readFile(settings).contains("Passphrase=seven seas"), deadlineMs);
     QVERIFY(readFile(settings).contains("Favorite=true"));
 
     const Result result = run({"wifi", "forget", "Workshop"});
     QCOMPARE(result.complaint, QString());
     QCOMPARE(result.status, 0);
 
-    QTRY_VERIFY_WITH_TIMEOUT(!readFile(settings).contains("Passphrase="), 20000);
+    QTRY_VERIFY_WITH_TIMEOUT(!readFile(settings).contains("Passphrase="), deadlineMs);
     QVERIFY(!readFile(settings).contains("Favorite=true"));
     QCOMPARE(run({"wifi", "connect", "Workshop"}, "seven seas\n").complaint, QString());
 }
@@ -342,7 +343,7 @@ void TestKyboardctlWifi::theNetworkThatIsJoinedIsLeftAndForgotten()
     QCOMPARE(result.complaint, QString());
     QCOMPARE(result.output, QStringLiteral("idle\n"));
     QCOMPARE(run({"wifi", "strength"}).status, 8);
-    QTRY_VERIFY_WITH_TIMEOUT(!readFile(settings).contains("Passphrase="), 20000);
+    QTRY_VERIFY_WITH_TIMEOUT(!readFile(settings).contains("Passphrase="), deadlineMs);
 }
 
 void TestKyboardctlWifi::aNetworkOutOfReachIsNotForgotten()
@@ -458,7 +459,7 @@ void TestKyboardctlWifi::disconnectWhileTheModuleSwitchesLeavesTheRadioOff()
 
     if (isScriptRunning)
         script.release();
-    QTRY_VERIFY_WITH_TIMEOUT(isTraced("slotLoadFirmwareFinishedDelayed"), 20000);
+    QTRY_VERIFY_WITH_TIMEOUT(isTraced("slotLoadFirmwareFinishedDelayed"), deadlineMs);
 
     QCOMPARE(monitor.takeFromDaemon("net.connman"), QStringList());
     QCOMPARE(RealConnman::properties("/net/connman/technology/wifi").value("Powered").toBool(),

@@ -1,4 +1,5 @@
 #include "board.h"
+#include "deadline.h"
 #include "files.h"
 #include "processes.h"
 
@@ -23,8 +24,6 @@
 
 namespace
 {
-const int deadline = 20000;
-
 bool isUrgent(int descriptor, int milliseconds)
 {
     pollfd waited = {descriptor, POLLPRI, 0};
@@ -73,7 +72,8 @@ bool doOtherThreadsSleep()
 bool staysQuiet(int descriptor)
 {
     // The sensor's thread sleeps only between its evaluations.
-    return QTest::qWaitFor([] { return !areChangesUnread() && doOtherThreadsSleep(); }, deadline) &&
+    return QTest::qWaitFor([] { return !areChangesUnread() && doOtherThreadsSleep(); },
+                           deadlineMs) &&
            !isUrgent(descriptor, 0);
 }
 } // namespace
@@ -169,7 +169,7 @@ bool TestBoardSensor::acknowledge() const
 void TestBoardSensor::leaveBand() const
 {
     Board::set("als/lux", "500");
-    QVERIFY(isUrgent(m_line, deadline));
+    QVERIFY(isUrgent(m_line, deadlineMs));
     drain(m_line);
 }
 
@@ -187,7 +187,7 @@ void TestBoardSensor::lightBeyondTheBandInterrupts()
 
     Board::set("als/lux", light);
 
-    QVERIFY(isUrgent(m_line, deadline));
+    QVERIFY(isUrgent(m_line, deadlineMs));
     QCOMPARE(Board::get("als/interrupt"), QStringLiteral("1"));
     QCOMPARE(lux(), light.toFloat());
     drain(m_line);
@@ -222,7 +222,7 @@ void TestBoardSensor::lightThatComesBackInterrupts()
 
     Board::set("als/lux", "120");
 
-    QVERIFY(isUrgent(m_line, deadline));
+    QVERIFY(isUrgent(m_line, deadlineMs));
     QVERIFY(acknowledge());
 }
 
@@ -233,7 +233,7 @@ void TestBoardSensor::lightThatMovesOnOutsideInterrupts()
 
     Board::set("als/lux", "501");
 
-    QVERIFY(isUrgent(m_line, deadline));
+    QVERIFY(isUrgent(m_line, deadlineMs));
 }
 
 void TestBoardSensor::theSameLightWrittenAgainDoesNot()
@@ -258,7 +258,7 @@ void TestBoardSensor::aNotifierFiresOnce()
 
     Board::set("als/lux", "500");
 
-    QTRY_VERIFY_WITH_TIMEOUT(!activations.isEmpty(), deadline);
+    QTRY_VERIFY_WITH_TIMEOUT(!activations.isEmpty(), deadlineMs);
     QVERIFY(staysQuiet(m_line));
     QCoreApplication::processEvents();
     QCOMPARE(activations, QList<float>{500.0F});
@@ -280,7 +280,7 @@ void TestBoardSensor::everyWayToWriteTheFileCounts()
 
     QCOMPARE(QProcess::execute("sh", {"-c", "cd " + Board::pathOf("als") + " && " + command}), 0);
 
-    QVERIFY(isUrgent(m_line, deadline));
+    QVERIFY(isUrgent(m_line, deadlineMs));
     QCOMPARE(lux(), 500.0F);
 }
 
@@ -303,7 +303,7 @@ void TestBoardSensor::aChangeBeforeTheAcknowledgementIsNotLost()
 
     QVERIFY(acknowledge());
 
-    QVERIFY(isUrgent(m_line, deadline));
+    QVERIFY(isUrgent(m_line, deadlineMs));
     QCOMPARE(lux(), 5.0F);
 }
 
@@ -325,7 +325,7 @@ void TestBoardSensor::aReaderInBetweenTakesNoInterruptAway()
         Board::set("als/lux", QString::number(double(light)));
         // Races with the sensor: sometimes before it notices, sometimes after.
         QCOMPARE(lux(), light);
-        QVERIFY(isUrgent(m_line, deadline));
+        QVERIFY(isUrgent(m_line, deadlineMs));
         drain(m_line);
         QVERIFY(acknowledge());
     }
@@ -341,7 +341,7 @@ void TestBoardSensor::lightThatStaysOutsideInterruptsAgain()
         QElapsedTimer timer;
         timer.start();
         QVERIFY(acknowledge());
-        QVERIFY(isUrgent(m_line, deadline));
+        QVERIFY(isUrgent(m_line, deadlineMs));
         QVERIFY(timer.elapsed() >= 100);
         drain(m_line);
     }
@@ -381,7 +381,7 @@ void TestBoardSensor::lightThatWasReadBeforeEnablingDoesNotInterruptAtOnce()
 
     QCOMPARE(m_sensor->interruptEnable(true), 0);
 
-    QVERIFY(isUrgent(m_line, deadline));
+    QVERIFY(isUrgent(m_line, deadlineMs));
     QVERIFY(timer.elapsed() >= 200);
 }
 
@@ -392,13 +392,13 @@ void TestBoardSensor::lightThatChangedBeforeEnablingInterrupts()
 
     QCOMPARE(m_sensor->interruptEnable(true), 0);
 
-    QVERIFY(isUrgent(m_line, deadline));
+    QVERIFY(isUrgent(m_line, deadlineMs));
 }
 
 void TestBoardSensor::disablingWithdrawsTheInterrupt()
 {
     Board::set("als/lux", "500");
-    QVERIFY(isUrgent(m_line, deadline));
+    QVERIFY(isUrgent(m_line, deadlineMs));
 
     QCOMPARE(m_sensor->interruptEnable(false), 0);
 
@@ -432,14 +432,14 @@ void TestBoardSensor::newThresholdsAreCompared()
     Board::set("als/lux", "900");
     QVERIFY(staysQuiet(m_line));
     Board::set("als/lux", "120");
-    QVERIFY(isUrgent(m_line, deadline));
+    QVERIFY(isUrgent(m_line, deadlineMs));
 }
 
 void TestBoardSensor::anInterruptCanBeRaisedByHand()
 {
     Board::set("als/interrupt", "1");
 
-    QVERIFY(isUrgent(m_line, deadline));
+    QVERIFY(isUrgent(m_line, deadlineMs));
     drain(m_line);
     QVERIFY(acknowledge());
     QVERIFY(staysQuiet(m_line));
@@ -455,7 +455,7 @@ void TestBoardSensor::nonsenseDoesNotInterruptAndIsGotOver()
 
     Board::set("als/lux", "500");
 
-    QVERIFY(isUrgent(m_line, deadline));
+    QVERIFY(isUrgent(m_line, deadlineMs));
 }
 
 void TestBoardSensor::aRecreatedDirectoryIsWatchedAgain()
@@ -467,11 +467,11 @@ void TestBoardSensor::aRecreatedDirectoryIsWatchedAgain()
 
     Board::set("als/lux", "500");
 
-    QVERIFY(isUrgent(m_line, deadline));
+    QVERIFY(isUrgent(m_line, deadlineMs));
     drain(m_line);
     QVERIFY(acknowledge());
     Board::set("als/lux", "600");
-    QVERIFY(isUrgent(m_line, deadline));
+    QVERIFY(isUrgent(m_line, deadlineMs));
 }
 
 void TestBoardSensor::theDescriptorDoesNotBlockAndIsNotInherited()
@@ -507,8 +507,8 @@ void TestBoardSensor::twoSensorsBothInterrupt()
 
     Board::set("als/lux", "500");
 
-    QVERIFY(isUrgent(m_line, deadline));
-    QVERIFY(isUrgent(otherLine, deadline));
+    QVERIFY(isUrgent(m_line, deadlineMs));
+    QVERIFY(isUrgent(otherLine, deadlineMs));
 }
 
 void TestBoardSensor::aSensorDoesNotHoldUpTheProcess()
@@ -531,12 +531,12 @@ void TestBoardSensor::aForkedChildThatDropsTheSensorLeavesItToUs()
     }
     int status = 0;
 
-    QVERIFY(QTest::qWaitFor([&] { return waitpid(child, &status, WNOHANG) == child; }, deadline));
+    QVERIFY(QTest::qWaitFor([&] { return waitpid(child, &status, WNOHANG) == child; }, deadlineMs));
 
     QVERIFY(WIFEXITED(status));
     QCOMPARE(WEXITSTATUS(status), 5);
     Board::set("als/lux", "500");
-    QVERIFY(isUrgent(m_line, deadline));
+    QVERIFY(isUrgent(m_line, deadlineMs));
 }
 
 void TestBoardSensor::theWatcherTakesNoSignals()
@@ -547,7 +547,7 @@ void TestBoardSensor::theWatcherTakesNoSignals()
     QCOMPARE(sensor.interruptEnable(true), 0);
     // The signal mask takes effect once the thread runs, which the interrupt proves.
     Board::set("als/interrupt", "1");
-    QVERIFY(isUrgent(sensor.getinterruptHandler(), deadline));
+    QVERIFY(isUrgent(sensor.getinterruptHandler(), deadlineMs));
 
     QList<int> after = threadsOf(getpid());
     for (const int thread : before)

@@ -1,5 +1,6 @@
 #include "board.h"
 #include "daemontest.h"
+#include "deadline.h"
 #include "documentedarguments.h"
 #include "introspection.h"
 #include "kernelevents.h"
@@ -252,7 +253,7 @@ void TestDeviceMgr::theNameIsClaimedAfterAllHardwareIsInitialised()
 
     daemon.launch();
 
-    QTRY_VERIFY_WITH_TIMEOUT(!journal.isEmpty(), 20000);
+    QTRY_VERIFY_WITH_TIMEOUT(!journal.isEmpty(), deadlineMs);
     QCOMPARE(journal.mid(journal.size() - 2),
              (QStringList{"KyFaccess.isMounted(0) = false", "KyLeds.setLedState(26, 0) = 0"}));
     manager.call("noSuchMethod");

@@ -1,6 +1,7 @@
 #include "board.h"
 #include "busmonitor.h"
 #include "daemontest.h"
+#include "deadline.h"
 #include "timing.h"
 
 #include <climits>
@@ -61,7 +62,7 @@ QList<double> TestTemperature::readingTimes()
 
 bool TestTemperature::waitForReadings(int count) const
 {
-    return QTest::qWaitFor([count] { return readingTimes().size() >= count; }, 30000);
+    return QTest::qWaitFor([count] { return readingTimes().size() >= count; }, deadlineMs);
 }
 
 void TestTemperature::getTemperaturesReadsBothSensors()

@@ -1,5 +1,6 @@
 #include "board.h"
 #include "busmonitor.h"
+#include "deadline.h"
 #include "ethernettest.h"
 #include "instrument.h"
 #include "wifitest.h"
@@ -276,11 +277,11 @@ void TestStatusBar::theBatteryFollowsTheBoard()
     const double full = sign("fill")->property("width").toDouble();
     Board::set("battery/charge", "15");
     // No signal before the daemon's next check: the bar asks.
-    QTRY_COMPARE_WITH_TIMEOUT(instrument->batteryLevel(), 20, 20000);
+    QTRY_COMPARE_WITH_TIMEOUT(instrument->batteryLevel(), 20, deadlineMs);
     QCOMPARE(sign("fill")->property("width").toDouble(), full / 4);
     QTRY_COMPARE(pixelAt("fill", 0.5, 0.5), red);
     Board::set("charger/present", "1");
-    QTRY_COMPARE_WITH_TIMEOUT(instrument->isChargerConnected(), true, 20000);
+    QTRY_COMPARE_WITH_TIMEOUT(instrument->isChargerConnected(), true, deadlineMs);
 }
 
 void TestStatusBar::cardAndKeyAreShown()
@@ -296,7 +297,7 @@ void TestStatusBar::cardAndKeyAreShown()
     QCOMPARE(colourOf("usbKey"), amber);
     // No signal announces the mount.
     QVERIFY(Board::storage("mount", "USB"));
-    QTRY_COMPARE_WITH_TIMEOUT(instrument->usbKey(), QString("mounted"), 20000);
+    QTRY_COMPARE_WITH_TIMEOUT(instrument->usbKey(), QString("mounted"), deadlineMs);
     QVERIFY(Board::storage("remove", "USB"));
     QVERIFY(Board::storage("remove", "SD"));
     QTRY_COMPARE(instrument->sdCard(), QString("none"));
@@ -318,7 +319,7 @@ void TestStatusBar::aProfileThatIsResetIsNotTheActiveOne()
         }
         return false;
     };
-    QVERIFY(QTest::qWaitFor(asks, 20000));
+    QVERIFY(QTest::qWaitFor(asks, deadlineMs));
     settle();
     QCOMPARE(instrument->profile(), QString("user1"));
     QCOMPARE(Remote("/KyConfigMgr", "Users").call("setUser", {"user2"}), QString("()"));
@@ -351,7 +352,7 @@ void TestStatusBar::theProgramShowsTheBar()
         }
         return false;
     };
-    QVERIFY(QTest::qWaitFor(asks, 20000));
+    QVERIFY(QTest::qWaitFor(asks, deadlineMs));
     bar.terminate();
     QVERIFY(bar.waitForFinished());
     QCOMPARE(bar.exitCode(), SIGTERM);
@@ -412,7 +413,7 @@ int tellProblem(int argc, char *argv[])
     const auto knows = [&] {
         return !instrument.profile().isEmpty() || instrument.problem().contains("group");
     };
-    if (!QTest::qWaitFor(knows, 20000))
+    if (!QTest::qWaitFor(knows, deadlineMs))
         return 1;
     return std::puts(qPrintable(instrument.problem())) < 0;
 }

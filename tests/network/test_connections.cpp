@@ -1,3 +1,4 @@
+#include "deadline.h"
 #include "networktest.h"
 
 /** Ethernet, Wi-Fi station and access point used at once, on the running daemon. */
@@ -73,7 +74,7 @@ QString TestConnections::connectOne(const QString &interface)
 bool TestConnections::waitForState(const char *interface, const QString &path, const char *name)
 {
     return QTest::qWaitFor(
-        [&] { return recorder->recorded().contains(state(interface, path, name)); }, 10000);
+        [&] { return recorder->recorded().contains(state(interface, path, name)); }, deadlineMs);
 }
 
 /** Lets the delays after the end of an adaptor's script pass; returns the announcements. */

@@ -1,6 +1,7 @@
 #include "connman.h"
 
 #include "busvalue.h"
+#include "deadline.h"
 #include "remote.h"
 
 #include <QDBusConnection>
@@ -53,7 +54,7 @@ void TestConnmanObject::initTestCase()
 {
     connman::registerTypes();
     m_bus.start("dbus-daemon", {"--session", "--nofork", "--nopidfile", "--print-address"});
-    QVERIFY(QTest::qWaitFor([this] { return m_bus.canReadLine(); }, 10000));
+    QVERIFY(QTest::qWaitFor([this] { return m_bus.canReadLine(); }, deadlineMs));
     const QString address = m_bus.readLine().trimmed();
 
     // Two connections: Qt D-Bus does not send a message to itself over the bus.

@@ -1,3 +1,4 @@
+#include "deadline.h"
 #include "ethernettest.h"
 
 /** Settings, address and hardware of the wired interface, on the running daemon. */
@@ -254,12 +255,12 @@ void TestEthernetSettings::nothingIsCalledWithoutConnMan()
         seen += monitor.readAllStandardOutput();
         return seen.contains(member);
     };
-    QVERIFY(QTest::qWaitFor([&] { return sees("Before"); }, 10000));
+    QVERIFY(QTest::qWaitFor([&] { return sees("Before"); }, deadlineMs));
 
     QCOMPARE(ethernet.call("setIPv4", {QVariantMap()}), failed("Cannot get property Connected"));
     QCOMPARE(ethernet.call("getIPv4"), QString("({})"));
 
-    QVERIFY(QTest::qWaitFor([&] { return sees("After"); }, 10000));
+    QVERIFY(QTest::qWaitFor([&] { return sees("After"); }, deadlineMs));
     QVERIFY(!seen.contains("GetTechnologies"));
     QVERIFY(!seen.contains("GetServices"));
     monitor.kill();

@@ -1,4 +1,5 @@
 #include "daemontest.h"
+#include "deadline.h"
 #include "listedobject.h"
 #include "realconnman.h"
 #include "render.h"
@@ -131,7 +132,7 @@ QString TestRealWifi::listing()
 void TestRealWifi::powerOn()
 {
     QCOMPARE(wifi.call("SetProperty", {"Powered", QVariant::fromValue(QDBusVariant(true))}), done);
-    QTRY_VERIFY_WITH_TIMEOUT(listing().contains("Workshop"), 20000);
+    QTRY_VERIFY_WITH_TIMEOUT(listing().contains("Workshop"), deadlineMs);
 }
 
 /** Connects while the agent can answer; returns the result of the call. */
@@ -140,7 +141,7 @@ QString TestRealWifi::connectTo(const QString &path)
     QDBusPendingCall call = QDBusConnection::systemBus().asyncCall(
         QDBusMessage::createMethodCall("net.connman", path, "net.connman.Service", "Connect"),
         60000);
-    if (!QTest::qWaitFor([&call] { return call.isFinished(); }, 60000))
+    if (!QTest::qWaitFor([&call] { return call.isFinished(); }, deadlineMs))
         return QStringLiteral("no answer");
     return renderReply(QDBusPendingReply<>(call).reply());
 }
@@ -251,7 +252,7 @@ void TestRealWifi::aHiddenNetworkIsJoinedByItsName()
     powerOn();
     agent.answer = {{"Name", "Vault"}, {"Passphrase", "open sesame"}};
     connectTo(prefix + "hidden_managed_psk");
-    QTRY_COMPARE_WITH_TIMEOUT(state(pathOf("Vault", "psk")), QStringLiteral("ready"), 20000);
+    QTRY_COMPARE_WITH_TIMEOUT(state(pathOf("Vault", "psk")), QStringLiteral("ready"), deadlineMs);
     QVERIFY2(address().startsWith("10.78.0."), qPrintable(address()));
 }
 
@@ -264,7 +265,7 @@ void TestRealWifi::outOfRangeTheConnectionIsLost()
     QTRY_VERIFY(state(cafe) != QLatin1String("ready"));
     QTRY_COMPARE(address(), QString());
     supplicant.set("cafe/in_range", "1");
-    QTRY_COMPARE_WITH_TIMEOUT(state(cafe), QStringLiteral("ready"), 20000);
+    QTRY_COMPARE_WITH_TIMEOUT(state(cafe), QStringLiteral("ready"), deadlineMs);
 }
 
 void TestRealWifi::ofTwoOfOneNameTheOtherTakesOver()
@@ -276,7 +277,7 @@ void TestRealWifi::ofTwoOfOneNameTheOtherTakesOver()
     QTRY_COMPARE(state(hall), QStringLiteral("ready"));
     supplicant.set("hall_near/in_range", "0");
     QTRY_VERIFY(state(hall) != QLatin1String("ready"));
-    QTRY_COMPARE_WITH_TIMEOUT(state(hall), QStringLiteral("ready"), 20000);
+    QTRY_COMPARE_WITH_TIMEOUT(state(hall), QStringLiteral("ready"), deadlineMs);
 }
 
 void TestRealWifi::aVanishedAccessPointCannotBeJoined()

@@ -1,5 +1,6 @@
 #include "busmonitor.h"
 #include "daemontest.h"
+#include "deadline.h"
 #include "modescript.h"
 #include "realconnman.h"
 #include "supplicantstandin.h"
@@ -9,8 +10,6 @@
 
 namespace
 {
-/** The deadline for a state, shorter than the minute after which other failures come. */
-const int deadline = 20000;
 } // namespace
 
 /** The Wi-Fi station of the running daemon, against the real ConnMan, without a radio. */
@@ -112,7 +111,7 @@ bool TestWifiConnman::waitForState(const QString &state, const char *interface,
             signalsSeen = signalsSeen.mid(found + 1);
             return found >= 0;
         },
-        deadline);
+        deadlineMs);
 }
 
 /** Scans; returns the announced list. */
@@ -128,7 +127,7 @@ QString TestWifiConnman::scan()
         }
         return !list.isEmpty();
     };
-    return QTest::qWaitFor(isListed, deadline) ? list : QStringLiteral("none");
+    return QTest::qWaitFor(isListed, deadlineMs) ? list : QStringLiteral("none");
 }
 
 /** The address of @p interface with its prefix length; empty without one. */
@@ -227,7 +226,7 @@ void TestWifiConnman::aNetworkThatCouldNotBeJoinedIsJoinedWhenItIsBack()
     const QString cafe = path("Cafe", "none");
     const Remote radio("net.connman", "/net/connman/technology/wifi", "net.connman.Technology");
     QCOMPARE(radio.call("SetProperty", {"Powered", QVariant::fromValue(QDBusVariant(true))}), done);
-    QTRY_VERIFY_WITH_TIMEOUT(!RealConnman::properties(cafe).isEmpty(), deadline);
+    QTRY_VERIFY_WITH_TIMEOUT(!RealConnman::properties(cafe).isEmpty(), deadlineMs);
     // ConnMan lists it until the next scan.
     supplicant.set("cafe/in_range", "0");
     QCOMPARE(join("Cafe"), done);
@@ -261,7 +260,7 @@ void TestWifiConnman::aRadioThatIsOnAlreadyIsSearchedAtOnce()
             calls += monitor.takeFromDaemon("net.connman");
             return calls.contains("call net.connman.Technology.AsyncScan()");
         },
-        deadline));
+        deadlineMs));
     QCOMPARE(recorder->take(), QStringList());
 }
 
@@ -319,7 +318,7 @@ void TestWifiConnman::outOfRangeTheAddressIsGone()
     join("Cafe");
     QVERIFY(waitForState("online"));
     supplicant.set("cafe/in_range", "0");
-    QTRY_COMPARE_WITH_TIMEOUT(kernelAddress(), QString(), deadline);
+    QTRY_COMPARE_WITH_TIMEOUT(kernelAddress(), QString(), deadlineMs);
     QTRY_COMPARE(wifi.call("getIPv4").contains("\"Address\""), false);
 }
 

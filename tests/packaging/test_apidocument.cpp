@@ -1,3 +1,4 @@
+#include "deadline.h"
 #include "errorcode.h"
 #include "files.h"
 
@@ -45,7 +46,7 @@ TestApiDocument::Result TestApiDocument::run(const QStringList &options)
 {
     QProcess process;
     process.start(QStringLiteral(APIDOCUMENT), options);
-    if (!process.waitForFinished(20000))
+    if (!process.waitForFinished(deadlineMs))
         return {-1, QByteArray(), "no end"};
     return {process.exitCode(), process.readAllStandardOutput(), process.readAllStandardError()};
 }

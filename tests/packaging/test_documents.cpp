@@ -1,3 +1,4 @@
+#include "deadline.h"
 #include "files.h"
 
 #include <QDir>
@@ -37,7 +38,7 @@ QString TestDocuments::complaints(const QStringList &documents)
     QProcess process;
     process.start(QStringLiteral(CHECKDOCUMENTS),
                   QStringList{"--kyboardctl", KYBOARDCTL} + documents);
-    if (!process.waitForFinished(20000))
+    if (!process.waitForFinished(deadlineMs))
         return QStringLiteral("no end");
     const QString text = QString::fromUtf8(process.readAllStandardError()).trimmed();
     return process.exitCode() == 0 && text.isEmpty() ? QStringLiteral("none") : text;
@@ -126,7 +127,7 @@ void TestDocuments::theManualPageHasTheOptionsOfTheInstrument()
 {
     QProcess run;
     run.start(SOURCES "/run", {"--help"});
-    QVERIFY(run.waitForFinished(20000));
+    QVERIFY(run.waitForFinished(deadlineMs));
     const QStringList options =
         matches(QString::fromUtf8(run.readAllStandardOutput()), "(?<=[ ])(--[a-z]+)");
     QVERIFY(options.contains("--panel"));

@@ -1,5 +1,6 @@
 #include "busmonitor.h"
 #include "daemontest.h"
+#include "deadline.h"
 #include "introspection.h"
 
 #include <QDBusConnection>
@@ -61,7 +62,7 @@ QString TestPolicy::busctl(const QString &user, const QStringList &arguments)
     process.start("setpriv", QStringList{"--reuid=" + user, "--regid=61185", "--init-groups",
                                          "busctl", "--system", "--no-pager"} +
                                  arguments);
-    if (!process.waitForFinished(20000))
+    if (!process.waitForFinished(deadlineMs))
         return QStringLiteral("no end");
     const QByteArray text =
         process.exitCode() == 0 ? process.readAllStandardOutput() : process.readAllStandardError();
@@ -299,7 +300,7 @@ void TestPolicy::aFloodIsRefusedInsteadOfQueued()
         return count;
     };
     // 1 MiB and the message that exceeds it are queued; the sockets hold part of another one.
-    QTRY_VERIFY2_WITH_TIMEOUT(refused() >= 13, qPrintable(QString::number(refused())), 20000);
+    QTRY_VERIFY2_WITH_TIMEOUT(refused() >= 13, qPrintable(QString::number(refused())), deadlineMs);
     QCOMPARE(kill(pid_t(daemon.processId()), SIGCONT), 0);
 
     QTRY_COMPARE(busctl("member", TestPolicy::call(users, "getUser")),

@@ -1,3 +1,4 @@
+#include "deadline.h"
 #include "files.h"
 
 #include <QDir>
@@ -70,7 +71,7 @@ QPair<int, QStringList> TestPreparation::run(const QString &tool,
     environment.insert("HOME", m_directory->path());
     process.setProcessEnvironment(environment);
     process.start(m_tree + "/tools/" + tool, arguments);
-    if (!process.waitForFinished(100000))
+    if (!process.waitForFinished(deadlineMs))
         return {-1, {}};
     return {process.exitCode(),
             QString::fromUtf8(process.readAll()).split('\n', Qt::SkipEmptyParts)};
@@ -132,7 +133,7 @@ void TestPreparation::aSecondTerminalWaits()
     both.setProcessChannelMode(QProcess::MergedChannels);
     both.setWorkingDirectory(m_tree);
     both.start("sh", {"-c", "tools/prepare run & tools/prepare run; wait"});
-    QVERIFY(both.waitForFinished(100000));
+    QVERIFY(both.waitForFinished(deadlineMs));
     QCOMPARE(both.readAll(), QByteArray());
 }
 

@@ -1,3 +1,4 @@
+#include "deadline.h"
 #include "files.h"
 
 #include <QDir>
@@ -60,7 +61,7 @@ TestRelease::Result TestRelease::run(const QString &program, const QStringList &
     environment.insert("GIT_CONFIG_NOSYSTEM", "1");
     process.setProcessEnvironment(environment);
     process.start(program, arguments);
-    if (!process.waitForFinished(30000))
+    if (!process.waitForFinished(deadlineMs))
         return {-1, QString(), "no end"};
     return {process.exitCode(), QString::fromUtf8(process.readAllStandardOutput()).trimmed(),
             QString::fromUtf8(process.readAllStandardError()).trimmed()};

@@ -1,3 +1,4 @@
+#include "deadline.h"
 #include "files.h"
 
 #include <QFile>
@@ -46,7 +47,7 @@ QStringList TestRetry::retry()
     environment.insert("PATH", directory->path() + ':' + environment.value("PATH"));
     process.setProcessEnvironment(environment);
     process.start(RETRY, QStringList());
-    if (!process.waitForFinished(60000) || process.exitCode() != 0)
+    if (!process.waitForFinished(deadlineMs) || process.exitCode() != 0)
         return {QString::fromUtf8(process.readAllStandardError())};
     return QString::fromUtf8(readFile(directory->filePath("log"))).trimmed().split('\n');
 }

@@ -2,6 +2,7 @@
 #include "boardmanager.h"
 #include "connmanstandin.h"
 #include "daemontest.h"
+#include "deadline.h"
 #include "ethernettest.h"
 #include "hands.h"
 #include "look.h"
@@ -71,7 +72,7 @@ void TestPanel::init()
     panel = std::make_unique<PanelWidget>(DRAWING);
     panel->resize(1280, 800);
     panel->show();
-    QTRY_VERIFY_WITH_TIMEOUT(panel->isComplete(), 20000);
+    QTRY_VERIFY_WITH_TIMEOUT(panel->isComplete(), deadlineMs);
 }
 
 void TestPanel::cleanup()
@@ -100,28 +101,28 @@ QString TestPanel::text(const QString &element) const
 
 bool TestPanel::shows(const QString &element, const QString &wanted)
 {
-    return QTest::qWaitFor([&] { return text(element) == wanted; }, 20000);
+    return QTest::qWaitFor([&] { return text(element) == wanted; }, deadlineMs);
 }
 
 void TestPanel::anLedLightsUpWhereItIsDrawn()
 {
     const QColor dark = colourOf("WIFI");
     QCOMPARE(leds.call("setLEDStatus", {"WIFI", "ON"}), QStringLiteral("()"));
-    QTRY_VERIFY_WITH_TIMEOUT(colourOf("WIFI").blue() > dark.blue() + 100, 20000);
+    QTRY_VERIFY_WITH_TIMEOUT(colourOf("WIFI").blue() > dark.blue() + 100, deadlineMs);
     QVERIFY(colourOf("BT") == dark);
     QCOMPARE(leds.call("setLEDStatus", {"WIFI", "OFF"}), QStringLiteral("()"));
-    QTRY_VERIFY_WITH_TIMEOUT(colourOf("WIFI") == dark, 20000);
+    QTRY_VERIFY_WITH_TIMEOUT(colourOf("WIFI") == dark, deadlineMs);
     // The files decide, whatever the daemon reports.
     Board::set("leds/RECORDING", "ON");
-    QTRY_VERIFY_WITH_TIMEOUT(colourOf("RECORDING").red() > 200, 20000);
+    QTRY_VERIFY_WITH_TIMEOUT(colourOf("RECORDING").red() > 200, deadlineMs);
 }
 
 void TestPanel::anLedBlinks()
 {
     QCOMPARE(leds.call("setLEDStatus", {"WPS", "BLINK_3HZ"}), QStringLiteral("()"));
     for (int times = 0; times < 2; ++times) {
-        QTRY_VERIFY_WITH_TIMEOUT(colourOf("WPS").red() > 200, 20000);
-        QTRY_VERIFY_WITH_TIMEOUT(colourOf("WPS").red() < 120, 20000);
+        QTRY_VERIFY_WITH_TIMEOUT(colourOf("WPS").red() > 200, deadlineMs);
+        QTRY_VERIFY_WITH_TIMEOUT(colourOf("WPS").red() < 120, deadlineMs);
     }
 }
 
@@ -136,7 +137,7 @@ void TestPanel::aCardIsInsertedMountedAndPulled()
     click("SD-mount");
     QVERIFY(shows("SD-text", "mounted"));
     QCOMPARE(storage.call("isMounted", {"SD"}), QStringLiteral("(true)"));
-    QTRY_VERIFY_WITH_TIMEOUT(colourOf("SD_STATUS").green() > 160, 20000);
+    QTRY_VERIFY_WITH_TIMEOUT(colourOf("SD_STATUS").green() > 160, deadlineMs);
     // A client's unmount is visible.
     QCOMPARE(storage.call("umount", {"SD"}), QStringLiteral("()"));
     QVERIFY(shows("SD-text", "inserted"));
@@ -172,7 +173,7 @@ void TestPanel::theChargerAndTheBatteryReachTheDaemon()
     QVERIFY(shows("battery-voltage", "6160 mV"));
     QCOMPARE(alimentation.property("batteryStatus"),
              QStringLiteral("(<\"CHARGER_OFF_BAT_PRWT\">)"));
-    QTRY_VERIFY_WITH_TIMEOUT(colourOf("battery-track") != QColor(0x63, 0xb7, 0x7c), 20000);
+    QTRY_VERIFY_WITH_TIMEOUT(colourOf("battery-track") != QColor(0x63, 0xb7, 0x7c), deadlineMs);
 }
 
 void TestPanel::lightAndTemperatureReachTheDaemon()
@@ -229,7 +230,7 @@ void TestPanel::theSurroundingsAreShown()
         removePath(file);
     }
     server.kill();
-    QVERIFY(server.waitForFinished(20000));
+    QVERIFY(server.waitForFinished(deadlineMs));
 }
 
 void TestPanel::onlyTheEndOfADragCounts()
@@ -353,21 +354,21 @@ void TestPanel::accessPointsAreMoved()
     QCOMPARE(readFile("/run/strandel-air/cafe/signal"), QByteArray("-30\n"));
     click("air-1-switch");
     QTRY_COMPARE_WITH_TIMEOUT(readFile("/run/strandel-air/cafe/in_range"), QByteArray("0\n"),
-                              20000);
-    QTRY_VERIFY_WITH_TIMEOUT(!panel->instrument().air.first().isInRange, 20000);
+                              deadlineMs);
+    QTRY_VERIFY_WITH_TIMEOUT(!panel->instrument().air.first().isInRange, deadlineMs);
     click("air-1-switch");
     QTRY_COMPARE_WITH_TIMEOUT(readFile("/run/strandel-air/cafe/in_range"), QByteArray("1\n"),
-                              20000);
+                              deadlineMs);
     click("air-2-switch");
     removePath("/run/strandel-air");
-    QTRY_VERIFY_WITH_TIMEOUT(panel->instrument().air.isEmpty(), 20000);
+    QTRY_VERIFY_WITH_TIMEOUT(panel->instrument().air.isEmpty(), deadlineMs);
 }
 
 void TestPanel::aFaultOfTheMenuFails()
 {
     click("faults");
     QMenu *menu = panel->faultMenu();
-    QTRY_VERIFY_WITH_TIMEOUT(menu->isVisible(), 20000);
+    QTRY_VERIFY_WITH_TIMEOUT(menu->isVisible(), deadlineMs);
     for (QAction *ofClass : menu->actions()) {
         if (ofClass->text() != "KyLeds")
             continue;
@@ -400,7 +401,7 @@ void TestPanel::theDaemonGoesAndComes()
     const QColor there = colourOf("daemon-there");
     daemon.stop();
     QVERIFY(shows("daemon-text", "away"));
-    QTRY_VERIFY_WITH_TIMEOUT(colourOf("daemon-there").red() > there.red() + 100, 20000);
+    QTRY_VERIFY_WITH_TIMEOUT(colourOf("daemon-there").red() > there.red() + 100, deadlineMs);
     QCOMPARE(text("daemon-profile"), QString());
     QCOMPARE(text("battery-status"), QStringLiteral("nothing"));
     Board::set("temperature/SOM", "77");
@@ -426,7 +427,7 @@ void TestPanel::theBusGoesAndComes()
         QFile::remove("/run/dbus/other");
         bus.start("dbus-daemon",
                   {"--config-file=/run/dbus/other.conf", "--nofork", "--print-address=1"});
-        return QTest::qWaitFor([&] { return bus.canReadLine(); }, 20000);
+        return QTest::qWaitFor([&] { return bus.canReadLine(); }, deadlineMs);
     };
     QVERIFY(startBus());
     qputenv("DBUS_SYSTEM_BUS_ADDRESS", address.toLatin1());
@@ -444,7 +445,7 @@ void TestPanel::theBusGoesAndComes()
     QVERIFY(shows("temperature-SOM-text", "55 \u00b0C"));
     // The daemon stays without a bus; its supervisor would restart it.
     other.kill();
-    QVERIFY(other.waitForFinished(20000));
+    QVERIFY(other.waitForFinished(deadlineMs));
     QVERIFY(startBus());
     QVERIFY(shows("daemon-text", "away"));
     startDaemon();
@@ -455,7 +456,7 @@ void TestPanel::theBusGoesAndComes()
         panel->askAgain();
         return QTest::qWaitFor([&] { return log.text().contains("getUser"); }, 500);
     };
-    QVERIFY(QTest::qWaitFor(isLogged, 20000));
+    QVERIFY(QTest::qWaitFor(isLogged, deadlineMs));
     panel.reset();
     other.kill();
     other.waitForFinished();
@@ -466,13 +467,13 @@ void TestPanel::theBusGoesAndComes()
 void TestPanel::theBoardGoesAndComes()
 {
     Board::set("leds/BT", "ON");
-    QTRY_VERIFY_WITH_TIMEOUT(colourOf("BT").blue() > 200, 20000);
+    QTRY_VERIFY_WITH_TIMEOUT(colourOf("BT").blue() > 200, deadlineMs);
     daemon.stop();
     const QString board = QFileInfo(Board::pathOf("held")).path();
     QVERIFY(QDir().rename(board, board + ".moved"));
     QVERIFY(shows("battery-charge", "?"));
     QVERIFY(shows("light-text", "?"));
-    QTRY_VERIFY_WITH_TIMEOUT(colourOf("BT").blue() < 200, 20000);
+    QTRY_VERIFY_WITH_TIMEOUT(colourOf("BT").blue() < 200, deadlineMs);
     QVERIFY(!QFile::exists(board));
     // A click creates its own file only.
     click("light-track", 0.75);
@@ -482,7 +483,7 @@ void TestPanel::theBoardGoesAndComes()
     QVERIFY(QDir().rename(board + ".moved", board));
     QVERIFY(shows("battery-charge", "80 %"));
     QVERIFY(shows("light-text", "120 lux"));
-    QTRY_VERIFY_WITH_TIMEOUT(colourOf("BT").blue() > 200, 20000);
+    QTRY_VERIFY_WITH_TIMEOUT(colourOf("BT").blue() > 200, deadlineMs);
 }
 
 void TestPanel::theLogShowsTheBusMessages()
@@ -490,7 +491,7 @@ void TestPanel::theLogShowsTheBusMessages()
     TrafficLog log;
     log.setIgnored(panel->daemonView().ownName());
     const auto has = [&](const QString &part) {
-        return QTest::qWaitFor([&] { return log.text().contains(part); }, 20000);
+        return QTest::qWaitFor([&] { return log.text().contains(part); }, deadlineMs);
     };
     // It is subscribed once it has shown a message.
     QVERIFY(QTest::qWaitFor(

@@ -1,3 +1,4 @@
+#include "deadline.h"
 #include "drawing.h"
 #include "files.h"
 #include "virtualscreen.h"
@@ -47,7 +48,7 @@ QByteArray TestPanelWindow::output(const QString &script)
 {
     QProcess world;
     world.start(TREE "/simulator/world", arguments(script));
-    if (!world.waitForFinished(60000))
+    if (!world.waitForFinished(deadlineMs))
         return "no end";
     return world.readAllStandardOutput();
 }
@@ -66,7 +67,7 @@ void TestPanelWindow::clicksInAWindowReachTheInstrument()
     qputenv("QT_QPA_PLATFORM", platform);
     QProcess search;
     search.start("xdotool", {"search", "--sync", "--onlyvisible", "--name", "Strandel"});
-    QVERIFY(search.waitForFinished(30000));
+    QVERIFY(search.waitForFinished(deadlineMs));
     const QString window = QString::fromLatin1(search.readLine()).trimmed();
     QVERIFY(!window.isEmpty());
     const Drawing drawing{TREE "/simulator/panel/panel.svg"};
@@ -86,18 +87,18 @@ void TestPanelWindow::clicksInAWindowReachTheInstrument()
                               "echo killed; until pidof KyBoardManager >/dev/null; "
                               "do sleep 0.02; done; echo started"}));
     QVERIFY(click("SD-hand"));
-    QTRY_VERIFY_WITH_TIMEOUT(world.canReadLine(), 20000);
+    QTRY_VERIFY_WITH_TIMEOUT(world.canReadLine(), deadlineMs);
     QCOMPARE(world.readLine(), QByteArray("inserted\n"));
     QVERIFY(click("daemon-kill"));
-    QTRY_VERIFY_WITH_TIMEOUT(world.canReadLine(), 20000);
+    QTRY_VERIFY_WITH_TIMEOUT(world.canReadLine(), deadlineMs);
     QCOMPARE(world.readLine(), QByteArray("killed\n"));
     QVERIFY(click("daemon-start"));
-    QTRY_VERIFY_WITH_TIMEOUT(world.canReadLine(), 20000);
+    QTRY_VERIFY_WITH_TIMEOUT(world.canReadLine(), deadlineMs);
     QCOMPARE(world.readLine(), QByteArray("started\n"));
-    QVERIFY(world.state() == QProcess::NotRunning || world.waitForFinished(20000));
+    QVERIFY(world.state() == QProcess::NotRunning || world.waitForFinished(deadlineMs));
     qunsetenv("DISPLAY");
     panel.terminate();
-    QVERIFY(panel.waitForFinished(20000));
+    QVERIFY(panel.waitForFinished(deadlineMs));
 }
 
 void TestPanelWindow::aViewerReachesItOverTheNetwork()
@@ -118,7 +119,7 @@ void TestPanelWindow::picturesNeedNoDisplay()
     run.start(RUN,
               command({"--handle", directory.path() + "/handle", "--picture", "panel.png", "--size",
                        "640x400", "--", "sh", "-c", "daemon kill; ethernet unplug; wifi mute"}));
-    QVERIFY(run.waitForFinished(60000));
+    QVERIFY(run.waitForFinished(deadlineMs));
     QCOMPARE(run.exitCode(), 0);
     const QImage image(directory.path() + "/panel.png", "PNG");
     QCOMPARE(image.size(), QSize(640, 400));

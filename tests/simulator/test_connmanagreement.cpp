@@ -1,6 +1,7 @@
 #include "connmansignals.h"
 #include "connmanstandin.h"
 #include "daemontest.h"
+#include "deadline.h"
 #include "realconnman.h"
 #include "render.h"
 
@@ -154,7 +155,7 @@ void TestConnmanAgreement::initTestCase()
     RealConnman real;
     ConnmanSignals heard;
     real.start();
-    QVERIFY(heard.waitFor("/ ServicesChanged") && QTest::qWaitFor(isConnected, 20000));
+    QVERIFY(heard.waitFor("/ ServicesChanged") && QTest::qWaitFor(isConnected, deadlineMs));
     realAnnouncements = observe([&](bool in) { in ? real.plugCable() : real.unplugCable(); });
     real.kill();
     // Some of the calls disturb the connection, although they are rejected.
@@ -197,7 +198,7 @@ TestConnmanAgreement::Announcements TestConnmanAgreement::observe(const MoveCabl
     wait(heard.waitFor("/ ServicesChanged"));
     announcements.insert("power off", essence(heard.take()));
     order(technology, "Technology", "Powered", true);
-    wait(heard.waitFor("/ ServicesChanged") && QTest::qWaitFor(isConnected, 20000));
+    wait(heard.waitFor("/ ServicesChanged") && QTest::qWaitFor(isConnected, deadlineMs));
     announcements.insert("power on", withoutService(essence(heard.take())));
 
     moveCable(false);
@@ -205,12 +206,12 @@ TestConnmanAgreement::Announcements TestConnmanAgreement::observe(const MoveCabl
     announcements.insert("cable out", essence(heard.take()));
 
     moveCable(true);
-    wait(heard.waitFor("/ ServicesChanged") && QTest::qWaitFor(isConnected, 20000));
+    wait(heard.waitFor("/ ServicesChanged") && QTest::qWaitFor(isConnected, deadlineMs));
     announcements.insert("cable in", withoutService(essence(heard.take())));
 
     order(service, "Service", "IPv4.Configuration", manual);
     wait(heard.waitFor(service + changed + "(\"State\", <\"ready\">") &&
-         QTest::qWaitFor(isConnected, 20000));
+         QTest::qWaitFor(isConnected, deadlineMs));
     announcements.insert("manual settings", essence(heard.take()));
     return announcements;
 }

@@ -1,4 +1,5 @@
 #include "daemon.h"
+#include "deadline.h"
 #include "terminalprogram.h"
 
 #include <QElapsedTimer>
@@ -38,7 +39,7 @@ QString TestInstrument::output(const QStringList &command, int *status)
     QProcess world;
     world.setProcessChannelMode(QProcess::MergedChannels);
     world.start(WORLD, arguments(command));
-    if (!world.waitForFinished(60000))
+    if (!world.waitForFinished(deadlineMs))
         return QStringLiteral("no end");
     if (status)
         *status = world.exitCode();
@@ -176,7 +177,7 @@ void TestInstrument::inTheForegroundItShowsWhatIsUpAndEndsWhenAsked()
 
     world.terminate();
 
-    QVERIFY(world.waitForFinished(20000));
+    QVERIFY(world.waitForFinished(deadlineMs));
     QCOMPARE(world.exitStatus(), QProcess::NormalExit);
     QCOMPARE(world.exitCode(), 0);
 }

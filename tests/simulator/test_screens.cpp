@@ -1,3 +1,4 @@
+#include "deadline.h"
 #include "files.h"
 
 #include <QProcess>
@@ -92,7 +93,7 @@ void TestScreens::theInstrumentShowsItsScreen()
     };
     QVERIFY2(QTest::qWaitFor(isComplete, 60000), qPrintable(screen));
     world.terminate();
-    QVERIFY(world.waitForFinished(20000));
+    QVERIFY(world.waitForFinished(deadlineMs));
     QCOMPARE(masked(screen.section("\n\n", 0, 0) + '\n'), masked(shown.first()));
 }
 
@@ -118,7 +119,7 @@ void TestScreens::commandsPrintWhatTheDocumentsShow()
     }
     QProcess world;
     start(world, {"bash", "-c", script});
-    QVERIFY(world.waitForFinished(100000));
+    QVERIFY(world.waitForFinished(deadlineMs));
     const QStringList actual = masked(QString::fromUtf8(world.readAll())).split('\n');
     QCOMPARE(actual, masked(expected).split('\n'));
 }

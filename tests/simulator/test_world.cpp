@@ -1,3 +1,4 @@
+#include "deadline.h"
 #include "files.h"
 #include "virtualscreen.h"
 
@@ -69,7 +70,7 @@ TestWorld::Result TestWorld::run(const QStringList &command, const QStringList &
     world.start(WORLD, worldArguments(command, options));
     world.write(input);
     world.closeWriteChannel();
-    if (!world.waitForFinished(30000))
+    if (!world.waitForFinished(deadlineMs))
         return {-1, QString(), QStringLiteral("no end")};
     return {world.exitCode(), world.readAllStandardOutput(), world.readAllStandardError()};
 }
@@ -172,13 +173,13 @@ void TestWorld::verifyEndAfter(const std::function<void(QProcess &)> &ending)
                                        "trap : TERM; sleep " + marker +
                                            " & echo up; "
                                            "while true; do wait; done"}));
-    QTRY_COMPARE_WITH_TIMEOUT(world.peek(3), QByteArray("up\n"), 20000);
-    QTRY_VERIFY_WITH_TIMEOUT(isAlive(marker), 20000);
+    QTRY_COMPARE_WITH_TIMEOUT(world.peek(3), QByteArray("up\n"), deadlineMs);
+    QTRY_VERIFY_WITH_TIMEOUT(isAlive(marker), deadlineMs);
 
     ending(world);
 
-    QVERIFY(world.waitForFinished(20000));
-    QTRY_VERIFY_WITH_TIMEOUT(!isAlive(marker), 20000);
+    QVERIFY(world.waitForFinished(deadlineMs));
+    QTRY_VERIFY_WITH_TIMEOUT(!isAlive(marker), deadlineMs);
 }
 
 void TestWorld::everythingEndsWhenTheWorldIsAskedTo()
@@ -198,7 +199,7 @@ void TestWorld::aCommandJoinsARunningWorld()
     QProcess world;
     world.start(WORLD, worldArguments({"sh", "-c", "echo here > /tmp/who; echo up; cat"},
                                       {"--handle", handle}));
-    QTRY_COMPARE_WITH_TIMEOUT(world.peek(3), QByteArray("up\n"), 20000);
+    QTRY_COMPARE_WITH_TIMEOUT(world.peek(3), QByteArray("up\n"), deadlineMs);
 
     const Result joined =
         run({"sh", "-c", "cat /tmp/who; busctl --system list > /dev/null"}, {"--join", handle});
@@ -207,7 +208,7 @@ void TestWorld::aCommandJoinsARunningWorld()
     QCOMPARE(joined.status, 0);
 
     world.closeWriteChannel();
-    QVERIFY(world.waitForFinished(20000));
+    QVERIFY(world.waitForFinished(deadlineMs));
     QVERIFY(!QFile::exists(handle));
 }
 
@@ -232,25 +233,25 @@ void TestWorld::aJoinedCommandEndsWithItsCaller()
     QProcess world;
     world.start(WORLD, worldArguments({"sh", "-c", "sleep " + other + " & echo up; cat"},
                                       {"--handle", handle}));
-    QTRY_COMPARE_WITH_TIMEOUT(world.peek(3), QByteArray("up\n"), 20000);
+    QTRY_COMPARE_WITH_TIMEOUT(world.peek(3), QByteArray("up\n"), deadlineMs);
     QProcess joined;
     joined.start(WORLD,
                  worldArguments({"sh", "-c",
                                  trap + "sleep " + marker + " & echo here; while true; do sleep " +
                                      marker + "; done"},
                                 {"--join", handle}));
-    QTRY_COMPARE_WITH_TIMEOUT(joined.peek(5), QByteArray("here\n"), 20000);
+    QTRY_COMPARE_WITH_TIMEOUT(joined.peek(5), QByteArray("here\n"), deadlineMs);
     QTRY_VERIFY(isAlive(marker));
 
     QCOMPARE(::kill(pid_t(joined.processId()), signal), 0);
 
-    QVERIFY(joined.waitForFinished(20000));
-    QTRY_VERIFY_WITH_TIMEOUT(!isAlive(marker), 20000);
+    QVERIFY(joined.waitForFinished(deadlineMs));
+    QTRY_VERIFY_WITH_TIMEOUT(!isAlive(marker), deadlineMs);
     // The world stays, with the other commands in it.
     QVERIFY(isAlive(other));
     QCOMPARE(run({"sh", "-c", "exit 7"}, {"--join", handle}).status, 7);
     world.closeWriteChannel();
-    QVERIFY(world.waitForFinished(20000));
+    QVERIFY(world.waitForFinished(deadlineMs));
 }
 
 /** A key file that opens every X server with the same key. */
@@ -299,7 +300,7 @@ void TestWorld::windowsOpenFromAJoinedCommand()
     qunsetenv("DISPLAY");
     world.start(WORLD,
                 worldArguments({"sh", "-c", "echo up; cat"}, {"--display", "--handle", handle}));
-    QTRY_COMPARE_WITH_TIMEOUT(world.peek(3), QByteArray("up\n"), 20000);
+    QTRY_COMPARE_WITH_TIMEOUT(world.peek(3), QByteArray("up\n"), deadlineMs);
 
     qputenv("DISPLAY", screen.name().toLatin1());
     qputenv("XAUTHORITY", key.toLocal8Bit());
@@ -308,7 +309,7 @@ void TestWorld::windowsOpenFromAJoinedCommand()
 
     QCOMPARE(joined.output, QStringLiteral("1400 1000\n"));
     world.closeWriteChannel();
-    QVERIFY(world.waitForFinished(20000));
+    QVERIFY(world.waitForFinished(deadlineMs));
 }
 
 void TestWorld::theSocketOfWaylandIsReached()
@@ -334,8 +335,8 @@ void TestWorld::theSocketOfWaylandIsReached()
         world.start(WORLD, command);
         qunsetenv("WAYLAND_DISPLAY");
         qunsetenv("XDG_RUNTIME_DIR");
-        QTRY_COMPARE_WITH_TIMEOUT(connections.size(), 1, 20000);
-        QTRY_COMPARE_WITH_TIMEOUT(world.state(), QProcess::NotRunning, 20000);
+        QTRY_COMPARE_WITH_TIMEOUT(connections.size(), 1, deadlineMs);
+        QTRY_COMPARE_WITH_TIMEOUT(world.state(), QProcess::NotRunning, deadlineMs);
         QCOMPARE(world.readAllStandardOutput(), QByteArray("wayland-7\nwayland-7\n"));
     }
 }
@@ -390,7 +391,7 @@ void TestWorld::bothCommandsNameThemselves()
     for (const char *option : {"--help", "-h"}) {
         QProcess command;
         command.start(QDir::cleanPath(WORLD "/../..") + '/' + QTest::currentDataTag(), {option});
-        QVERIFY(command.waitForFinished(20000));
+        QVERIFY(command.waitForFinished(deadlineMs));
         QCOMPARE(command.exitCode(), 0);
         QCOMPARE(command.readAllStandardError(), QByteArray());
         const QString output = QString::fromUtf8(command.readAllStandardOutput());
@@ -421,7 +422,7 @@ void TestWorld::runRejectsUnknownOptions()
     QProcess command;
     command.start(QDir::cleanPath(WORLD "/../..") + "/run",
                   QString(QTest::currentDataTag()).split(' ') + QStringList{"--", "true"});
-    QVERIFY(command.waitForFinished(20000));
+    QVERIFY(command.waitForFinished(deadlineMs));
     QCOMPARE(command.exitCode(), 2);
     const QString said = QString::fromUtf8(command.readAllStandardError());
     QVERIFY2(said.startsWith("./run: " + complaint + '\n'), qPrintable(said));

@@ -1,5 +1,6 @@
 #include "board.h"
 
+#include "deadline.h"
 #include "files.h"
 
 #include "boarddirectory.h"
@@ -17,7 +18,6 @@ namespace
 {
 const QString journalFile = QStringLiteral("journal");
 const QString faultDirectory = QStringLiteral("faults");
-const int boardDeadline = 20000;
 
 bool run(const QString &program, const QStringList &arguments, const QByteArray &input = {})
 {
@@ -116,12 +116,12 @@ void Board::clearJournal()
 
 bool Board::waitFor(const QString &path, const QString &value)
 {
-    return QTest::qWaitFor([&] { return get(path) == value; }, boardDeadline);
+    return QTest::qWaitFor([&] { return get(path) == value; }, deadlineMs);
 }
 
 bool Board::waitForJournal(const QString &line)
 {
-    return QTest::qWaitFor([&] { return journal().contains(line); }, boardDeadline);
+    return QTest::qWaitFor([&] { return journal().contains(line); }, deadlineMs);
 }
 
 void Board::fault(const QString &operation, const QString &words)

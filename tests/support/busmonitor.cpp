@@ -1,5 +1,6 @@
 #include "busmonitor.h"
 
+#include "deadline.h"
 #include "remote.h"
 
 #include <QDBusConnection>
@@ -13,7 +14,6 @@
 namespace
 {
 const QString markerInterface = QStringLiteral("com.orvendis.Strandel.Monitor");
-const int replyDeadline = 20000;
 
 BusMessage::Type typeOf(DBusMessage *message)
 {
@@ -65,7 +65,7 @@ void becomeMonitor(DBusConnection *connection)
     dbus_message_append_args(call, DBUS_TYPE_ARRAY, DBUS_TYPE_STRING, &rules, 0, DBUS_TYPE_UINT32,
                              &flags, DBUS_TYPE_INVALID);
     DBusMessage *reply =
-        dbus_connection_send_with_reply_and_block(connection, call, replyDeadline, nullptr);
+        dbus_connection_send_with_reply_and_block(connection, call, deadlineMs, nullptr);
     if (reply == nullptr)
         qFatal("cannot monitor the system bus");
     dbus_message_unref(call);
@@ -137,7 +137,7 @@ QList<BusMessage> BusMonitor::take()
                m_messages.last().member == marker;
     };
     while (!isMarked()) {
-        if (timer.elapsed() > replyDeadline || !dbus_connection_read_write(m_connection, 100))
+        if (timer.elapsed() > deadlineMs || !dbus_connection_read_write(m_connection, 100))
             qFatal("the monitor lost the bus");
         DBusMessage *message = nullptr;
         while (!isMarked() && (message = dbus_connection_pop_message(m_connection)) != nullptr) {

@@ -1,5 +1,6 @@
 #include "connmanstandin.h"
 
+#include "deadline.h"
 #include "processes.h"
 #include "remote.h"
 
@@ -60,7 +61,8 @@ void ConnmanStandIn::start(const QString &program)
         QFile::copy(QStringLiteral(CONNMAN_STAND_IN), path);
     }
     m_process.start(path, QStringList());
-    if (!m_process.waitForStarted() || !QTest::qWaitFor([] { return isOnTheBus(connman); }, 10000))
+    if (!m_process.waitForStarted() ||
+        !QTest::qWaitFor([] { return isOnTheBus(connman); }, deadlineMs))
         qFatal("the ConnMan stand-in does not start");
     setTechnologies({technology(ethernetTechnology, "Wired", "ethernet"),
                      technology(wifiTechnology, "WiFi", "wifi")});
@@ -85,8 +87,8 @@ bool ConnmanStandIn::isRunning() const
 
 void ConnmanStandIn::waitForEnd()
 {
-    if (!m_process.waitForFinished(10000) ||
-        !QTest::qWaitFor([] { return !isOnTheBus(connman); }, 10000))
+    if (!m_process.waitForFinished(deadlineMs) ||
+        !QTest::qWaitFor([] { return !isOnTheBus(connman); }, deadlineMs))
         qFatal("the ConnMan stand-in does not end");
 }
 

@@ -1,6 +1,8 @@
 #ifndef DAEMON_H
 #define DAEMON_H
 
+#include "deadline.h"
+
 #include <QProcess>
 #include <QStringList>
 
@@ -93,7 +95,7 @@ private:
     void takeClock(bool isStopped);
     void writeClock() const;
     void drain();
-    bool waitUntil(const std::function<bool()> &condition, int milliseconds = 20000);
+    bool waitUntil(const std::function<bool()> &condition, int milliseconds = deadlineMs);
 
     QProcess m_process;
     QStringList m_wrapper;

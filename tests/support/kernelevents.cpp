@@ -1,5 +1,6 @@
 #include "kernelevents.h"
 
+#include "deadline.h"
 #include "files.h"
 
 #include <QTest>
@@ -11,8 +12,6 @@
 
 namespace
 {
-const int kernelDeadline = 20000;
-
 /** The kernel's table of netlink sockets for device events, split into columns. */
 QList<QByteArrayList> listenerTable()
 {
@@ -44,7 +43,7 @@ unsigned int KernelEvents::groups()
 
 bool KernelEvents::waitForListeners(int count)
 {
-    return QTest::qWaitFor([count] { return listeners() == count; }, kernelDeadline);
+    return QTest::qWaitFor([count] { return listeners() == count; }, deadlineMs);
 }
 
 int KernelEvents::undelivered()
@@ -62,7 +61,7 @@ bool KernelEvents::waitForEmptyQueues()
         return std::all_of(table.begin(), table.end(),
                            [](const QByteArrayList &columns) { return columns[4] == "0"; });
     };
-    return QTest::qWaitFor(areEmpty, kernelDeadline);
+    return QTest::qWaitFor(areEmpty, deadlineMs);
 }
 
 bool KernelEvents::isRoomUnlimited()

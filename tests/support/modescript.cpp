@@ -1,5 +1,6 @@
 #include "modescript.h"
 
+#include "deadline.h"
 #include "files.h"
 #include "networkinterface.h"
 #include "processes.h"
@@ -69,7 +70,7 @@ QStringList ModeScript::log()
 
 bool ModeScript::waitFor(const QString &line, int count)
 {
-    return QTest::qWaitFor([&] { return log().count(line) >= count; }, 10000);
+    return QTest::qWaitFor([&] { return log().count(line) >= count; }, deadlineMs);
 }
 
 void ModeScript::setDelay(double seconds)
@@ -102,7 +103,7 @@ void ModeScript::release()
         fifo = open(qPrintable(path), O_WRONLY | O_NONBLOCK | O_CLOEXEC);
         return fifo >= 0;
     };
-    if (!QTest::qWaitFor(somebodyWaits, 10000))
+    if (!QTest::qWaitFor(somebodyWaits, deadlineMs))
         qFatal("no script waits");
     QFile::remove(path);
     if (write(fifo, "\n", 1) != 1)
@@ -120,7 +121,8 @@ void ModeScript::setCarrier(bool present)
     execute("ip", {"link", "set", "wifi_air", present ? "up" : "down"});
     // The kernel passes the carrier on later.
     if (!QTest::qWaitFor(
-            [present] { return isRunning(findNetworkInterface("wifi_ap")) == present; }, 10000))
+            [present] { return isRunning(findNetworkInterface("wifi_ap")) == present; },
+            deadlineMs))
         qFatal("the access point's carrier does not change");
 }
 

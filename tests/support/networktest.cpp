@@ -1,5 +1,7 @@
 #include "networktest.h"
 
+#include "deadline.h"
+
 namespace
 {
 const QString traceFile = QStringLiteral("/tmp/logkywifi");
@@ -48,7 +50,7 @@ void NetworkTest::waitForScripts(int running)
         return daemon.children() == running;
     };
     settle();
-    QVERIFY(QTest::qWaitFor(isQuiet, 10000));
+    QVERIFY(QTest::qWaitFor(isQuiet, deadlineMs));
 }
 
 void NetworkTest::passModuleDelay()

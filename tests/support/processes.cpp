@@ -1,5 +1,6 @@
 #include "processes.h"
 
+#include "deadline.h"
 #include "files.h"
 
 #include <QDir>
@@ -46,7 +47,7 @@ bool isStopped(qint64 process)
 void killAndWait(int process)
 {
     if (kill(process, SIGKILL) == 0 &&
-        !QTest::qWaitFor([process] { return hasEnded(process); }, 10000))
+        !QTest::qWaitFor([process] { return hasEnded(process); }, deadlineMs))
         qFatal("process %d does not end", process);
 }
 
@@ -119,7 +120,7 @@ bool stopProcess(qint64 process)
 {
     if (process <= 0 || kill(pid_t(process), SIGSTOP) != 0)
         return false;
-    if (!QTest::qWaitFor([&] { return hasEnded(process) || isStopped(process); }, 10000))
+    if (!QTest::qWaitFor([&] { return hasEnded(process) || isStopped(process); }, deadlineMs))
         qFatal("process %lld does not stop", static_cast<long long>(process));
     return !hasEnded(process);
 }

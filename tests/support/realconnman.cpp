@@ -1,5 +1,6 @@
 #include "realconnman.h"
 
+#include "deadline.h"
 #include "listedobject.h"
 #include "processes.h"
 #include "remote.h"
@@ -33,7 +34,7 @@ void RealConnman::start()
 {
     changeEthernet(QStringLiteral("build"));
     restart();
-    if (!QTest::qWaitFor([] { return service("State") == QLatin1String("ready"); }, 20000))
+    if (!QTest::qWaitFor([] { return service("State") == QLatin1String("ready"); }, deadlineMs))
         qFatal("ConnMan does not connect");
 }
 
@@ -43,7 +44,7 @@ void RealConnman::restart()
     m_process.setProcessChannelMode(QProcess::ForwardedErrorChannel);
     m_process.start(ethernetProgram, {QStringLiteral("connmand")});
     if (!m_process.waitForStarted() ||
-        !QTest::qWaitFor([] { return isOnTheBus(QStringLiteral("net.connman")); }, 10000))
+        !QTest::qWaitFor([] { return isOnTheBus(QStringLiteral("net.connman")); }, deadlineMs))
         qFatal("ConnMan does not start");
 }
 
@@ -63,8 +64,8 @@ void RealConnman::kill()
 
 void RealConnman::waitForEnd()
 {
-    if (!m_process.waitForFinished(10000) ||
-        !QTest::qWaitFor([] { return !isOnTheBus(QStringLiteral("net.connman")); }, 10000))
+    if (!m_process.waitForFinished(deadlineMs) ||
+        !QTest::qWaitFor([] { return !isOnTheBus(QStringLiteral("net.connman")); }, deadlineMs))
         qFatal("ConnMan does not end");
 }
 

@@ -1,6 +1,8 @@
 #ifndef SIGNALRECORDER_H
 #define SIGNALRECORDER_H
 
+#include "deadline.h"
+
 #include <QDBusMessage>
 #include <QObject>
 #include <QStringList>
@@ -23,7 +25,7 @@ public:
     QStringList recorded() const { return m_signals; }
 
     /** Waits for @p count signals or the deadline; then like take(). */
-    QStringList waitFor(int count, int milliseconds = 10000);
+    QStringList waitFor(int count, int milliseconds = deadlineMs);
 
 private Q_SLOTS:
     void record(const QDBusMessage &message);

@@ -1,5 +1,6 @@
 #include "supplicantstandin.h"
 
+#include "deadline.h"
 #include "files.h"
 #include "remote.h"
 
@@ -33,15 +34,15 @@ void SupplicantStandIn::start()
     m_process.setProcessChannelMode(QProcess::ForwardedChannels);
     m_process.start(QStringLiteral(SUPPLICANT_STAND_IN), QStringList());
     if (!m_process.waitForStarted() ||
-        !QTest::qWaitFor([] { return isOnTheBus(supplicant); }, 10000))
+        !QTest::qWaitFor([] { return isOnTheBus(supplicant); }, deadlineMs))
         qFatal("the supplicant's stand-in does not start");
 }
 
 void SupplicantStandIn::kill()
 {
     m_process.kill();
-    if (!m_process.waitForFinished(10000) ||
-        !QTest::qWaitFor([] { return !isOnTheBus(supplicant); }, 10000))
+    if (!m_process.waitForFinished(deadlineMs) ||
+        !QTest::qWaitFor([] { return !isOnTheBus(supplicant); }, deadlineMs))
         qFatal("the supplicant's stand-in does not end");
 }
 

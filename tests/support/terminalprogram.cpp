@@ -1,5 +1,7 @@
 #include "terminalprogram.h"
 
+#include "deadline.h"
+
 #include <QTest>
 
 #include <fcntl.h>
@@ -10,7 +12,6 @@
 
 namespace
 {
-const int screenDeadline = 30000;
 const int rows = 30;
 } // namespace
 
@@ -45,7 +46,7 @@ void TerminalProgram::Process::setupChildProcess()
 
 bool TerminalProgram::shows(const QByteArray &text)
 {
-    return QTest::qWaitFor([&] { return shown().contains(text); }, screenDeadline);
+    return QTest::qWaitFor([&] { return shown().contains(text); }, deadlineMs);
 }
 
 QByteArray TerminalProgram::shown()
@@ -78,8 +79,7 @@ void TerminalProgram::resize(int columns)
 
 int TerminalProgram::waitForEnd()
 {
-    if (!QTest::qWaitFor([this] { return m_process.state() == QProcess::NotRunning; },
-                         screenDeadline))
+    if (!QTest::qWaitFor([this] { return m_process.state() == QProcess::NotRunning; }, deadlineMs))
         return -1000;
     return m_process.exitStatus() == QProcess::NormalExit ? m_process.exitCode()
                                                           : -m_process.exitCode();

@@ -1,5 +1,7 @@
 #include "virtualscreen.h"
 
+#include "deadline.h"
+
 VirtualScreen::~VirtualScreen()
 {
     // After SIGTERM it removes its socket.
@@ -16,7 +18,7 @@ bool VirtualScreen::start(const QString &keyFile)
     m_server.start(QStringLiteral("Xvfb"), arguments);
     // It prints its display number when it listens.
     while (!m_server.canReadLine()) {
-        if (!m_server.waitForReadyRead(20000))
+        if (!m_server.waitForReadyRead(deadlineMs))
             return false;
     }
     m_name = ':' + QString::fromLatin1(m_server.readLine().trimmed());
