@@ -28,9 +28,9 @@ PanelWidget::PanelWidget(const QString &drawing) : m_drawing(drawing), m_faultMe
     setMouseTracking(true);
     setMinimumSize(480, 300);
     m_clock.start();
-    m_patience.setSingleShot(true);
-    m_patience.setInterval(handTimeoutMs);
-    QObject::connect(&m_patience, &QTimer::timeout, this, [this] {
+    m_timeout.setSingleShot(true);
+    m_timeout.setInterval(handTimeoutMs);
+    QObject::connect(&m_timeout, &QTimer::timeout, this, [this] {
         m_hand = nullptr;
         m_instrument.complaint = QStringLiteral("still runs");
         startNext();
@@ -200,7 +200,7 @@ void PanelWidget::startNext()
         hand, static_cast<void (QProcess::*)(int, QProcess::ExitStatus)>(&QProcess::finished), this,
         [this, hand, typed](int status) { takeEnd(hand, typed, status); });
     hand->start(QStringLiteral("sh"), {QStringLiteral("-c"), command});
-    m_patience.start();
+    m_timeout.start();
     look();
     Q_EMIT commandRan(typed);
 }
@@ -218,7 +218,7 @@ void PanelWidget::takeEnd(QProcess *hand, const QString &typed, int status)
     }
     if (hand == m_hand) {
         m_hand = nullptr;
-        m_patience.stop();
+        m_timeout.stop();
     }
     look();
     startNext();
