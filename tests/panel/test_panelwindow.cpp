@@ -5,8 +5,11 @@
 
 #include <QApplication>
 #include <QProcess>
+#include <QRegularExpression>
 #include <QTemporaryDir>
 #include <QTest>
+
+#include <utility>
 
 /** The panel as a program, in the instrument that ./run starts. */
 class TestPanelWindow : public QObject
@@ -15,6 +18,7 @@ class TestPanelWindow : public QObject
 
 private Q_SLOTS:
     void clicksInAWindowReachTheInstrument();
+    void aFaultIsChosenFromTheMenu();
     void aViewerReachesItOverTheNetwork();
     void picturesNeedNoDisplay();
     void whatMakesNoSenseIsRefused();
@@ -25,6 +29,11 @@ private:
     static QStringList command(const QStringList &words);
     static QStringList arguments(const QString &script);
     static QByteArray output(const QString &script);
+    static QByteArray xdotool(const QStringList &arguments);
+    static QStringList visibleWindows();
+    static QString nextWindow(const QStringList &known);
+    static int heightOf(const QString &window);
+    static bool click(const QString &window, const QPoint &place);
     static int largestDifference(const QImage &one, const QImage &other);
     static QRect placeOfText(const QString &element);
     static bool reads(const QImage &picture, const QString &element, const QString &text);
@@ -53,6 +62,46 @@ QByteArray TestPanelWindow::output(const QString &script)
     return world.readAllStandardOutput();
 }
 
+QByteArray TestPanelWindow::xdotool(const QStringList &arguments)
+{
+    QProcess tool;
+    tool.start("xdotool", arguments);
+    return tool.waitForFinished(deadlineMs) ? tool.readAllStandardOutput() : QByteArray();
+}
+
+/** The windows and open menus of the panel. */
+QStringList TestPanelWindow::visibleWindows()
+{
+    return QString::fromLatin1(xdotool({"search", "--onlyvisible", "--class", "panel"}))
+        .split('\n', Qt::SkipEmptyParts);
+}
+
+/** Waits for a window that is not one of @p known; returns an empty string on a timeout. */
+QString TestPanelWindow::nextWindow(const QStringList &known)
+{
+    QStringList windows;
+    const auto isThere = [&] {
+        windows = visibleWindows();
+        for (const QString &window : known)
+            windows.removeAll(window);
+        return !windows.isEmpty();
+    };
+    return QTest::qWaitFor(isThere, deadlineMs) ? windows.first() : QString();
+}
+
+int TestPanelWindow::heightOf(const QString &window)
+{
+    const QByteArray geometry = xdotool({"getwindowgeometry", "--shell", window});
+    return QRegularExpression("HEIGHT=(\\d+)").match(geometry).captured(1).toInt();
+}
+
+bool TestPanelWindow::click(const QString &window, const QPoint &place)
+{
+    return QProcess::execute("xdotool",
+                             {"mousemove", "--window", window, QString::number(place.x()),
+                              QString::number(place.y()), "click", "1"}) == 0;
+}
+
 void TestPanelWindow::clicksInAWindowReachTheInstrument()
 {
     VirtualScreen screen;
@@ -65,18 +114,12 @@ void TestPanelWindow::clicksInAWindowReachTheInstrument()
     QProcess panel;
     panel.start(RUN, command({"--handle", handle, "--panel", "--size", "1280x800"}));
     qputenv("QT_QPA_PLATFORM", platform);
-    QProcess search;
-    search.start("xdotool", {"search", "--sync", "--onlyvisible", "--name", "Strandel"});
-    QVERIFY(search.waitForFinished(deadlineMs));
-    const QString window = QString::fromLatin1(search.readLine()).trimmed();
+    const QString window = nextWindow({});
     QVERIFY(!window.isEmpty());
-    const Drawing drawing{TREE "/simulator/panel/panel.svg"};
+    const Drawing drawing{DRAWING};
     QCOMPARE(drawing.size(), QSizeF(1280, 800));
-    const auto click = [&](const QString &element) {
-        const QPoint place = drawing.bounds(element).center().toPoint();
-        return QProcess::execute("xdotool",
-                                 {"mousemove", "--window", window, QString::number(place.x()),
-                                  QString::number(place.y()), "click", "1"}) == 0;
+    const auto press = [&](const QString &element) {
+        return click(window, drawing.bounds(element).center().toPoint());
     };
     // Join the panel's instrument; the board's files show the effects of the clicks.
     QProcess world;
@@ -86,15 +129,82 @@ void TestPanelWindow::clicksInAWindowReachTheInstrument()
                               "while pidof KyBoardManager >/dev/null; do sleep 0.02; done; "
                               "echo killed; until pidof KyBoardManager >/dev/null; "
                               "do sleep 0.02; done; echo started"}));
-    QVERIFY(click("SD-hand"));
+    QVERIFY(press("SD-hand"));
     QTRY_VERIFY_WITH_TIMEOUT(world.canReadLine(), deadlineMs);
     QCOMPARE(world.readLine(), QByteArray("inserted\n"));
-    QVERIFY(click("daemon-kill"));
+    QVERIFY(press("daemon-kill"));
     QTRY_VERIFY_WITH_TIMEOUT(world.canReadLine(), deadlineMs);
     QCOMPARE(world.readLine(), QByteArray("killed\n"));
-    QVERIFY(click("daemon-start"));
+    QVERIFY(press("daemon-start"));
     QTRY_VERIFY_WITH_TIMEOUT(world.canReadLine(), deadlineMs);
     QCOMPARE(world.readLine(), QByteArray("started\n"));
+    QVERIFY(world.state() == QProcess::NotRunning || world.waitForFinished(deadlineMs));
+    qunsetenv("DISPLAY");
+    panel.terminate();
+    QVERIFY(panel.waitForFinished(deadlineMs));
+}
+
+void TestPanelWindow::aFaultIsChosenFromTheMenu()
+{
+    VirtualScreen screen;
+    QVERIFY(screen.start());
+    qputenv("DISPLAY", screen.name().toLatin1());
+    QTemporaryDir directory;
+    const QString handle = directory.path() + "/handle";
+    const QByteArray platform = qgetenv("QT_QPA_PLATFORM");
+    qunsetenv("QT_QPA_PLATFORM");
+    QProcess panel;
+    panel.start(RUN, command({"--handle", handle, "--panel", "--size", "1280x800"}));
+    qputenv("QT_QPA_PLATFORM", platform);
+    const QString window = nextWindow({});
+    QVERIFY(!window.isEmpty());
+    QProcess world;
+    world.start(RUN, command({"--handle", handle, "--", "sh", "-c",
+                              "kyboardctl temperature list; "
+                              "until [ -s /run/strandel-board/faults/* ]; do sleep 0.02; done; "
+                              "cd /run/strandel-board/faults; head *; "
+                              "kyboardctl temperature list 2>/dev/null || echo failed; "
+                              "while [ -e * ]; do sleep 0.02; done; kyboardctl temperature list"}));
+    const QByteArray temperatures = "ANALOG_CHAIN  38 \u00b0C\nSOM           42 \u00b0C\n";
+    QByteArray said;
+    const auto says = [&](const QByteArray &text) {
+        const bool isComplete = QTest::qWaitFor(
+            [&] {
+                said += world.readAllStandardOutput();
+                return said.size() >= text.size();
+            },
+            deadlineMs);
+        return isComplete && std::exchange(said, QByteArray()) == text;
+    };
+    QVERIFY2(says(temperatures), said);
+
+    QStringList known = visibleWindows();
+    const auto openMenu = [&](const QString &parent, const QPoint &place) {
+        const bool isClicked = click(parent, place);
+        const QString menu = isClicked ? nextWindow(known) : QString();
+        known << menu;
+        return menu;
+    };
+    const QPoint button = Drawing{DRAWING}.bounds("faults").center().toPoint();
+    const QString classes = openMenu(window, button);
+    QVERIFY(!classes.isEmpty());
+    // The last entry is KyTemperature, which has one operation; the first choice is "fails".
+    const QString operations = openMenu(classes, {20, heightOf(classes) - 10});
+    QVERIFY(!operations.isEmpty());
+    const QString choices = openMenu(operations, {20, heightOf(operations) / 2});
+    QVERIFY(!choices.isEmpty());
+    QVERIFY(click(choices, {20, 10}));
+    QVERIFY2(says("always\nfailed\n"), said);
+
+    // Away from everything that has a tooltip, which is a window, too.
+    xdotool({"mousemove", "--window", window, "5", "5"});
+    // The first entry heals everything.
+    QTRY_COMPARE_WITH_TIMEOUT(visibleWindows(), QStringList{window}, deadlineMs);
+    known = visibleWindows();
+    const QString again = openMenu(window, button);
+    QVERIFY(!again.isEmpty());
+    QVERIFY(click(again, {20, 10}));
+    QVERIFY2(says(temperatures), said);
     QVERIFY(world.state() == QProcess::NotRunning || world.waitForFinished(deadlineMs));
     qunsetenv("DISPLAY");
     panel.terminate();
@@ -116,9 +226,12 @@ void TestPanelWindow::picturesNeedNoDisplay()
     QTemporaryDir directory;
     QProcess run;
     run.setWorkingDirectory(directory.path());
+    // The kernel reports a carrier up to a second late.
     run.start(RUN,
               command({"--handle", directory.path() + "/handle", "--picture", "panel.png", "--size",
-                       "640x400", "--", "sh", "-c", "daemon kill; ethernet unplug; wifi mute"}));
+                       "640x400", "--", "sh", "-c",
+                       "daemon kill; ethernet unplug; wifi mute; "
+                       "until [ $(cat /sys/class/net/socket/carrier) = 0 ]; do sleep 0.02; done"}));
     QVERIFY(run.waitForFinished(deadlineMs));
     QCOMPARE(run.exitCode(), 0);
     const QImage image(directory.path() + "/panel.png", "PNG");
