@@ -23,8 +23,7 @@ const ErrorText setBacklightStepErrors[] = {
     {Error::Write, "Could not set the current backlight value"},
 };
 
-/** Sets the backlight to @p percentage, which may be out of range. */
-int write(int percentage)
+int codeOfWrite(int percentage)
 {
     if (!isPercentage(percentage))
         return Error::InvalidArgument;
@@ -53,7 +52,7 @@ int KyScreenBacklight::getBacklight(const QDBusMessage &message)
 
 void KyScreenBacklight::setBacklight(int backlight, const QDBusMessage &message)
 {
-    reportFailure(write(backlight), backlightErrors, message);
+    reportFailure(codeOfWrite(backlight), backlightErrors, message);
 }
 
 void KyScreenBacklight::enableBacklight(bool enable, const QDBusMessage &message)
@@ -65,9 +64,9 @@ int KyScreenBacklight::getBacklightStep(const QDBusMessage &message)
 {
     if (!hasNoArguments(message))
         return 0;
-    const std::optional<int> percentage = readScreenLight();
-    reportFailure(percentage ? Error::None : Error::Read, backlightErrors, message);
-    return percentage ? backlightStep(*percentage, m_steps) : 0;
+    const std::optional<int> step = readScreenLightStep(m_steps);
+    reportFailure(step ? Error::None : Error::Read, backlightErrors, message);
+    return step.value_or(0);
 }
 
 void KyScreenBacklight::setBacklightStep(bool autoBacklight, int getBacklightStep,
@@ -77,7 +76,7 @@ void KyScreenBacklight::setBacklightStep(bool autoBacklight, int getBacklightSte
     const std::optional<int> percentage = requestedPercentage(getBacklightStep, m_steps);
     int code = Error::InvalidArgument;
     if (percentage)
-        code = autoBacklight ? followLight() : write(*percentage);
+        code = autoBacklight ? followLight() : codeOfWrite(*percentage);
     reportFailure(code, setBacklightStepErrors, message);
 }
 
@@ -87,18 +86,18 @@ void KyScreenBacklight::handleBrightnessChange(double /*brightness*/, int bright
     const LightStep light = stepForLevel(brightnessLevel);
     if (!m_autoBacklight || light.isBeyondTable)
         return;
-    const std::optional<int> percentage = readScreenLight();
-    if (!percentage) {
+    const std::optional<int> step = readScreenLightStep(m_steps);
+    if (!step) {
         qDebug() << qPrintable(Q_FUNC_INFO +
                                QStringLiteral("Could not retrieve current backlight"));
         Q_EMIT backlightChanged(-1, -1);
-    } else if (backlightStep(*percentage, m_steps) != light.step) {
+    } else if (*step != light.step) {
         followLight();
     }
 }
 
 /**
- * Sets the backlight for the current light and announces it. Returns Error::Read if the light
+ * Adapts the backlight to the current light and announces it. Returns Error::Read if the light
  * cannot be read; a failed write is only announced.
  */
 int KyScreenBacklight::followLight()
@@ -106,9 +105,7 @@ int KyScreenBacklight::followLight()
     const std::optional<double> lux = m_brightness->readLight();
     if (!lux)
         return Error::Read;
-    const int step = stepForLevel(m_brightness->levelOf(*lux)).step;
-    const int percentage = m_steps.percentage[step];
-    const bool isSet = write(percentage) == Error::None;
-    Q_EMIT backlightChanged(isSet ? percentage : -1, isSet ? step : -1);
+    const auto change = adaptScreenLight(m_brightness->levelOf(*lux), m_steps);
+    Q_EMIT backlightChanged(change ? change->percentage : -1, change ? change->step : -1);
     return Error::None;
 }

@@ -19,3 +19,11 @@ QVariantMap readRevisions(IBoardRev &board)
         revisions.insert(QStringLiteral("MESURE_CARD"), revision);
     return revisions;
 }
+
+void passInstrument(const QVariantMap &instrument, IBoardRev &board)
+{
+    const unsigned int brand = instrument.value(QStringLiteral("Brand")).toUInt();
+    const QString model = instrument.value(QStringLiteral("Model")).toString();
+    board.setBrand(static_cast<e_brand>(brand));
+    board.setModel(static_cast<e_model>(libraryModel(model.toUShort(nullptr, 16))));
+}

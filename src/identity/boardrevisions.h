@@ -11,4 +11,7 @@ class IBoardRev;
  */
 QVariantMap readRevisions(IBoardRev &board);
 
+/** Passes the brand and the model of @p instrument, a valid record, to the library. */
+void passInstrument(const QVariantMap &instrument, IBoardRev &board);
+
 #endif

@@ -1,7 +1,6 @@
 #include "kyversion.h"
 
 #include "arguments.h"
-#include "boardrevision.h"
 #include "boardrevisions.h"
 #include "error.h"
 #include "instrumentrecord.h"
@@ -25,12 +24,8 @@ QVariantMap KyVersion::getEepromInstrument()
     if (!m_instrument.isEmpty())
         return m_instrument;
     m_instrument = decodeInstrumentRecord(m_eeproms.read(EEPROM_INSTRUMENT, instrumentRecordSize));
-    if (m_instrument.value(crc).toBool()) {
-        const unsigned int brand = m_instrument.value(QStringLiteral("Brand")).toUInt();
-        const QString model = m_instrument.value(QStringLiteral("Model")).toString();
-        m_boardRev.setBrand(static_cast<e_brand>(brand));
-        m_boardRev.setModel(static_cast<e_model>(libraryModel(model.toUShort(nullptr, 16))));
-    }
+    if (m_instrument.value(crc).toBool())
+        passInstrument(m_instrument, m_boardRev);
     return m_instrument;
 }
 
