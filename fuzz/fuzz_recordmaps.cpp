@@ -65,23 +65,23 @@ void checkKept(const QVariantMap &map, const QVariantMap &fields)
 }
 
 void checkNew(const std::optional<NewRecord> &record, const QVariantMap &map,
-              const QVariantMap &fields)
+              const std::optional<QVariantMap> &fields)
 {
-    require(record.has_value() == (!fields.isEmpty() && canBeKept(fields)),
+    require(record.has_value() == (fields && canBeKept(*fields)),
             "a record is refused if a field is missing or the fields are too large");
-    require(!record || record->kept.keys() == keptRecord(map, fields).keys(),
+    require(!record || record->kept.keys() == keptRecord(map, *fields).keys(),
             "a new record keeps what is checked above");
 }
 
 void checkInstrument(const QVariantMap &map)
 {
-    const QVariantMap fields = instrumentFields(map);
-    checkKept(map, fields);
+    const std::optional<QVariantMap> fields = instrumentFields(map);
+    checkKept(map, fields.value_or(QVariantMap()));
     const std::optional<NewRecord> made = newInstrumentRecord(map);
     checkNew(made, map, fields);
-    if (fields.isEmpty())
+    if (!fields)
         return;
-    const QByteArray record = encodeInstrumentRecord(basicMap(fields));
+    const QByteArray record = encodeInstrumentRecord(basicMap(*fields));
     require(!made || made->bytes == record, "the bytes of a new record are those of its fields");
     require(record.size() == instrumentRecordSize, "a record has its size, whatever is in it");
     const QVariantMap decoded = decodeInstrumentRecord(record);
@@ -91,15 +91,15 @@ void checkInstrument(const QVariantMap &map)
 
 void checkMeasure(const QVariantMap &map)
 {
-    const QVariantMap fields = measureFields(map);
-    checkKept(map, fields);
+    const std::optional<QVariantMap> fields = measureFields(map);
+    checkKept(map, fields.value_or(QVariantMap()));
     const std::optional<NewRecord> made = newMeasureRecord(map);
     checkNew(made, map, fields);
-    if (fields.isEmpty())
+    if (!fields)
         return;
     const QVector<quint32> coefficients =
-        toNumbers(fields.value(QStringLiteral("AdjustementCoefficients")));
-    const QByteArray record = encodeMeasureRecord(basicMap(fields), coefficients);
+        toNumbers(fields->value(QStringLiteral("AdjustementCoefficients")));
+    const QByteArray record = encodeMeasureRecord(basicMap(*fields), coefficients);
     require(!made || made->bytes == record, "the bytes of a new record are those of its fields");
     require(record.size() == 12 + 4 * coefficients.size(), "every coefficient is in the record");
     const QVariantMap decoded = decodeMeasureRecord(record);

@@ -23,7 +23,7 @@ void checkInstrument(const QByteArray &bytes)
     const QVariantMap map = decodeInstrumentRecord(bytes);
     const bool isGood = map.value(crc).toBool();
     require(isGood || map.size() == 1, "a record without its checksum has no fields");
-    require(isGood == !unframed(bytes, instrumentRecordSize).isNull(), "the checksum decides");
+    require(isGood == unframed(bytes, instrumentRecordSize).has_value(), "the checksum decides");
     if (isGood)
         require(encodeInstrumentRecord(map) == bytes,
                 "encoding a decoded record gives the same bytes");

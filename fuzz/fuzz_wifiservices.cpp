@@ -44,15 +44,15 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t *data, std::size_t size
     require(Peer::instance().canSend({list}), "the outcome of a scan can be sent");
 
     const QString name = anyText(choices);
-    const ConnmanObject named = wifiServiceNamed(networks, name);
-    require(named.path.path().isEmpty() ||
-                named.properties.value(QStringLiteral("Name")).toString() == name,
+    const std::optional<ConnmanObject> named = wifiServiceNamed(networks, name);
+    require(!named || named->properties.value(QStringLiteral("Name")).toString() == name,
             "the network that is found has the name");
-    const ConnmanObject found = connman::findObject(services, QStringLiteral("Type"), name);
-    require(found.path.path().isEmpty() ||
-                found.properties.value(QStringLiteral("Type")).toString() == name,
+    const std::optional<ConnmanObject> found =
+        connman::findObject(services, QStringLiteral("Type"), name);
+    require(!found || found->properties.value(QStringLiteral("Type")).toString() == name,
             "the object that is found has the property");
-    requestedEvent(named.properties.value(QStringLiteral("State")).toString());
+    if (named)
+        requestedEvent(named->properties.value(QStringLiteral("State")).toString());
     for (const ConnmanObject &service : services) {
         for (auto property = service.properties.cbegin(); property != service.properties.cend();
              ++property) {

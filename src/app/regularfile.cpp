@@ -21,7 +21,7 @@ bool isRegular(int descriptor)
 }
 } // namespace
 
-int openRegularFile(const char *path, int flags, mode_t mode)
+Descriptor openRegularFile(const char *path, int flags, mode_t mode)
 {
     const QByteArray whole(path);
     const int end = whole.lastIndexOf('/') + 1;
@@ -30,20 +30,18 @@ int openRegularFile(const char *path, int flags, mode_t mode)
     Descriptor file(openat(directory.get(), whole.mid(end).constData(), how, mode));
     if (file.isOpen() && isRegular(file.get()) &&
         (!(flags & O_TRUNC) || ftruncate(file.get(), 0) == 0))
-        return file.release();
-    return -1;
+        return file;
+    return Descriptor();
 }
 
 bool openForReading(QFile &file, const QString &path, QIODevice::OpenMode mode)
 {
-    const int descriptor =
-        open(QFile::encodeName(path).constData(), O_RDONLY | O_NONBLOCK | O_CLOEXEC);
+    Descriptor descriptor(
+        open(QFile::encodeName(path).constData(), O_RDONLY | O_NONBLOCK | O_CLOEXEC));
     struct stat status = {};
-    if (descriptor < 0)
+    if (fstat(descriptor.get(), &status) != 0 || !S_ISREG(status.st_mode) ||
+        !file.open(descriptor.get(), mode, QFileDevice::AutoCloseHandle))
         return false;
-    if (fstat(descriptor, &status) == 0 && S_ISREG(status.st_mode) &&
-        file.open(descriptor, mode, QFileDevice::AutoCloseHandle))
-        return true;
-    close(descriptor);
-    return false;
+    descriptor.release();
+    return true;
 }

@@ -1,6 +1,8 @@
 #ifndef REGULARFILE_H
 #define REGULARFILE_H
 
+#include "descriptor.h"
+
 #include <QIODevice>
 
 #include <sys/types.h>
@@ -18,9 +20,9 @@ class QString;
  * @param flags open flags besides those for writing and creating; O_TRUNC takes effect only if the
  *         file is a regular one
  * @param mode permission bits of a new file, before the umask
- * @return the descriptor, close-on-exec; -1 on failure
+ * @return the descriptor, close-on-exec; none on failure
  */
-int openRegularFile(const char *path, int flags, mode_t mode);
+Descriptor openRegularFile(const char *path, int flags, mode_t mode);
 
 /**
  * Opens the regular file @p path for reading, and follows symbolic links. Returns false for any

@@ -6,6 +6,7 @@
 #include <cerrno>
 #include <climits>
 #include <fcntl.h>
+#include <optional>
 #include <sys/stat.h>
 #include <unistd.h>
 
@@ -40,24 +41,26 @@ bool isLink(const Descriptor &descriptor, struct stat &status)
 }
 
 /**
- * Returns the target of the symbolic link @p name in @p directory. On failure returns an empty text
+ * Returns the target of the symbolic link @p name in @p directory. On failure returns nothing
  * and sets errno: to @p error if @p name is not a link, to EPERM if the link must not be followed.
  */
-QByteArray trustedTarget(int directory, const QByteArray &name, int error)
+std::optional<QByteArray> trustedTarget(int directory, const QByteArray &name, int error)
 {
     // Open the link itself (O_PATH), so that its owner and its target are read from the same link.
     const Descriptor link(openat(directory, name.constData(), O_PATH | O_NOFOLLOW | O_CLOEXEC));
     struct stat status = {};
     if (!isLink(link, status)) {
         errno = error;
-        return QByteArray();
+        return std::nullopt;
     }
     if (status.st_uid != 0 && status.st_uid != geteuid()) {
         errno = EPERM;
-        return QByteArray();
+        return std::nullopt;
     }
     char target[PATH_MAX];
     const ssize_t length = readlinkat(link.get(), "", target, sizeof target);
+    if (length < 0)
+        return std::nullopt;
     return QByteArray(target, static_cast<int>(length));
 }
 } // namespace
@@ -89,10 +92,10 @@ Descriptor openTrusted(int from, QByteArray path, int flags)
         }
         if (!next.isOpen() && next.error() != ELOOP && next.error() != ENOTDIR)
             return next;
-        const QByteArray target = trustedTarget(directory, name, next.error());
-        if (target.isEmpty())
+        const std::optional<QByteArray> target = trustedTarget(directory, name, next.error());
+        if (!target)
             return Descriptor(-1);
-        path = isLast ? target : target + '/' + path;
+        path = isLast ? *target : *target + '/' + path;
         ++links;
     }
     errno = ELOOP;

@@ -1,12 +1,13 @@
 #include "eeproms.h"
 
-QByteArray Eeproms::read(e_eeprom eeprom, int size)
+std::optional<QByteArray> Eeproms::read(e_eeprom eeprom, int size)
 {
     // Fill with 0xFF: an untouched buffer of zeros would parse as a valid record.
     QByteArray record(size, '\xFF');
     char *buffer = record.data();
-    const int result = m_eeprom.readEeprom(eeprom, &buffer, 0, static_cast<unsigned int>(size));
-    return result == 0 ? record : QByteArray();
+    if (m_eeprom.readEeprom(eeprom, &buffer, 0, static_cast<unsigned int>(size)) != 0)
+        return std::nullopt;
+    return record;
 }
 
 QVector<Eeproms::Step> Eeproms::write(const QVector<Content> &contents)

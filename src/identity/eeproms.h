@@ -6,6 +6,8 @@
 #include <QByteArray>
 #include <QVector>
 
+#include <optional>
+
 /** The identification EEPROMs. Their write protection is lifted only during a write. */
 class Eeproms
 {
@@ -19,8 +21,8 @@ public:
         QByteArray bytes;
     };
 
-    /** Returns the first @p size bytes of @p eeprom; a null byte array if it cannot be read. */
-    QByteArray read(e_eeprom eeprom, int size);
+    /** Returns the first @p size bytes of @p eeprom; nothing if it cannot be read. */
+    std::optional<QByteArray> read(e_eeprom eeprom, int size);
 
     /**
      * Writes @p contents in order. Returns the failed steps, in their order. Writes nothing if the

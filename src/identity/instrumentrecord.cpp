@@ -73,13 +73,13 @@ QVariant decode(const Field &field, const QByteArray &bytes)
 }
 } // namespace
 
-QVariantMap instrumentFields(const QVariantMap &map)
+std::optional<QVariantMap> instrumentFields(const QVariantMap &map)
 {
     QVariantMap fields;
     for (const Field &field : layout) {
         const auto entry = map.constFind(QLatin1String(field.key));
         if (entry == map.constEnd())
-            return QVariantMap();
+            return std::nullopt;
         fields.insert(entry.key(), entry.value());
     }
     return fields;
@@ -95,14 +95,14 @@ QByteArray encodeInstrumentRecord(const QVariantMap &fields)
 
 QVariantMap decodeInstrumentRecord(const QByteArray &record)
 {
-    const QByteArray data = unframed(record, instrumentRecordSize);
+    const std::optional<QByteArray> data = unframed(record, instrumentRecordSize);
     QVariantMap map;
-    map.insert(QStringLiteral("CRC"), !data.isNull());
-    if (data.isNull())
+    map.insert(QStringLiteral("CRC"), data.has_value());
+    if (!data)
         return map;
     int offset = 0;
     for (const Field &field : layout) {
-        map.insert(QLatin1String(field.key), decode(field, data.mid(offset, field.width)));
+        map.insert(QLatin1String(field.key), decode(field, data->mid(offset, field.width)));
         offset += field.width;
     }
     return map;

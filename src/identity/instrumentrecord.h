@@ -4,11 +4,13 @@
 #include <QByteArray>
 #include <QVariantMap>
 
+#include <optional>
+
 /** Size of an instrument record in bytes, including its CRC. */
 constexpr int instrumentRecordSize = 74;
 
-/** Returns the entries of @p map that form an instrument record; an empty map if one is missing. */
-QVariantMap instrumentFields(const QVariantMap &map);
+/** Returns the entries of @p map that form an instrument record; nothing if one is missing. */
+std::optional<QVariantMap> instrumentFields(const QVariantMap &map);
 
 /**
  * Encodes @p fields as an instrument record. The values must be basic (see basicMap()).

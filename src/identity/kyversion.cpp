@@ -23,7 +23,8 @@ QVariantMap KyVersion::getEepromInstrument()
 {
     if (!m_instrument.isEmpty())
         return m_instrument;
-    m_instrument = decodeInstrumentRecord(m_eeproms.read(EEPROM_INSTRUMENT, instrumentRecordSize));
+    m_instrument = decodeInstrumentRecord(
+        m_eeproms.read(EEPROM_INSTRUMENT, instrumentRecordSize).value_or(QByteArray()));
     if (m_instrument.value(crc).toBool())
         passInstrument(m_instrument, m_boardRev);
     return m_instrument;
@@ -37,7 +38,8 @@ void KyVersion::setEepromInstrument(const QVariantMap &map, const QDBusMessage &
 QVariantMap KyVersion::getEepromMesure()
 {
     if (m_measure.isEmpty())
-        m_measure = decodeMeasureRecord(m_eeproms.read(EEPROM_MESURE, measureRecordSize));
+        m_measure = decodeMeasureRecord(
+            m_eeproms.read(EEPROM_MESURE, measureRecordSize).value_or(QByteArray()));
     return m_measure;
 }
 

@@ -15,12 +15,12 @@ const QString nextDate = QStringLiteral("NextAdjustementDate");
 const QString coefficientList = QStringLiteral("AdjustementCoefficients");
 } // namespace
 
-QVariantMap measureFields(const QVariantMap &map)
+std::optional<QVariantMap> measureFields(const QVariantMap &map)
 {
     QVariantMap fields;
     for (const QString &key : {site, date, nextDate, coefficientList}) {
         if (!map.contains(key))
-            return QVariantMap();
+            return std::nullopt;
         fields.insert(key, map.value(key));
     }
     return fields;
@@ -42,12 +42,12 @@ QByteArray encodeMeasureRecord(const QVariantMap &fields, const QVector<quint32>
 
 QVariantMap decodeMeasureRecord(const QByteArray &record)
 {
-    const QByteArray data = unframed(record, measureRecordSize);
+    const std::optional<QByteArray> data = unframed(record, measureRecordSize);
     QVariantMap map;
-    map.insert(QStringLiteral("CRC"), !data.isNull());
-    if (data.isNull())
+    map.insert(QStringLiteral("CRC"), data.has_value());
+    if (!data)
         return map;
-    QDataStream stream(data);
+    QDataStream stream(*data);
     quint16 siteNumber = 0;
     quint32 day = 0;
     quint32 nextDay = 0;

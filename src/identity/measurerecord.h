@@ -5,11 +5,13 @@
 #include <QVariantMap>
 #include <QVector>
 
+#include <optional>
+
 /** Size of a measure record in bytes, including its CRC. */
 constexpr int measureRecordSize = 1196;
 
-/** Returns the entries of @p map that form a measure record; an empty map if one is missing. */
-QVariantMap measureFields(const QVariantMap &map);
+/** Returns the entries of @p map that form a measure record; nothing if one is missing. */
+std::optional<QVariantMap> measureFields(const QVariantMap &map);
 
 /**
  * Encodes @p fields as a measure record. The values must be basic (see basicMap()).

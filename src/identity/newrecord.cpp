@@ -7,26 +7,27 @@
 
 namespace
 {
-bool isComplete(const QVariantMap &fields)
+bool canBeSet(const std::optional<QVariantMap> &fields)
 {
-    return !fields.isEmpty() && canBeKept(fields);
+    return fields && canBeKept(*fields);
 }
 } // namespace
 
 std::optional<NewRecord> newInstrumentRecord(const QVariantMap &map)
 {
-    const QVariantMap fields = instrumentFields(map);
-    if (!isComplete(fields))
+    const std::optional<QVariantMap> fields = instrumentFields(map);
+    if (!canBeSet(fields))
         return std::nullopt;
-    return NewRecord{keptRecord(map, fields), encodeInstrumentRecord(basicMap(fields))};
+    return NewRecord{keptRecord(map, *fields), encodeInstrumentRecord(basicMap(*fields))};
 }
 
 std::optional<NewRecord> newMeasureRecord(const QVariantMap &map)
 {
-    const QVariantMap fields = measureFields(map);
-    if (!isComplete(fields))
+    const std::optional<QVariantMap> fields = measureFields(map);
+    if (!canBeSet(fields))
         return std::nullopt;
     const QVector<quint32> coefficients =
-        toNumbers(fields.value(QStringLiteral("AdjustementCoefficients")));
-    return NewRecord{keptRecord(map, fields), encodeMeasureRecord(basicMap(fields), coefficients)};
+        toNumbers(fields->value(QStringLiteral("AdjustementCoefficients")));
+    return NewRecord{keptRecord(map, *fields),
+                     encodeMeasureRecord(basicMap(*fields), coefficients)};
 }

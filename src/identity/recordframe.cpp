@@ -16,12 +16,14 @@ QByteArray framed(QByteArray data)
     return data.prepend(crc);
 }
 
-QByteArray unframed(const QByteArray &record, int size)
+std::optional<QByteArray> unframed(const QByteArray &record, int size)
 {
     if (record.size() != size)
-        return QByteArray();
+        return std::nullopt;
     const quint16 crc =
         qFromBigEndian<quint16>(reinterpret_cast<const uchar *>(record.constData()));
     const QByteArray data = record.mid(crcSize);
-    return crc == crc16(data) ? data : QByteArray();
+    if (crc != crc16(data))
+        return std::nullopt;
+    return data;
 }

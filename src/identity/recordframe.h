@@ -3,6 +3,8 @@
 
 #include <QByteArray>
 
+#include <optional>
+
 /*
  * The frame of all identification records: the CRC-16 of the data, high byte first, followed by the
  * data.
@@ -12,11 +14,10 @@
 QByteArray framed(QByteArray data);
 
 /**
- * Returns the data of @p record.
+ * Returns the data of @p record; nothing if it has another size or a wrong CRC.
  *
  * @param size the size of the whole record in bytes
- * @return a null byte array if @p record has another size or a wrong CRC
  */
-QByteArray unframed(const QByteArray &record, int size);
+std::optional<QByteArray> unframed(const QByteArray &record, int size);
 
 #endif

@@ -27,11 +27,11 @@ AccessPointParameters readParameters(const QVariantMap &settings)
 bool writeText(const QByteArray &text)
 {
     // Other accounts can write to this directory: use openRegularFile().
-    const int descriptor = openRegularFile(configurationFile, O_TRUNC, 0666);
+    const Descriptor descriptor = openRegularFile(configurationFile, O_TRUNC, 0666);
     QFile file;
-    return descriptor >= 0 &&
-           file.open(descriptor, QIODevice::WriteOnly | QIODevice::Text | QIODevice::Unbuffered,
-                     QFileDevice::AutoCloseHandle) &&
+    return descriptor.isOpen() &&
+           file.open(descriptor.get(),
+                     QIODevice::WriteOnly | QIODevice::Text | QIODevice::Unbuffered) &&
            file.write(text) == text.size();
 }
 } // namespace

@@ -141,14 +141,14 @@ void unwatchProperties(const QString &path, const QString &interface, QObject *r
                                             slot);
 }
 
-ConnmanObject findObject(const QList<ConnmanObject> &objects, const QString &name,
-                         const QString &value)
+std::optional<ConnmanObject> findObject(const QList<ConnmanObject> &objects, const QString &name,
+                                        const QString &value)
 {
     for (const ConnmanObject &object : objects) {
         if (object.properties.value(name).toString() == value)
             return object;
     }
-    return ConnmanObject();
+    return std::nullopt;
 }
 
 bool isFlag(const QVariant &value, bool flag)

@@ -11,6 +11,8 @@
 #include <QString>
 #include <QVariant>
 
+#include <optional>
+
 class QObject;
 
 /** A service or technology as ConnMan lists it. On the bus: (oa{sv}). */
@@ -80,12 +82,9 @@ void watchProperties(const QString &path, const QString &interface, QObject *rec
 void unwatchProperties(const QString &path, const QString &interface, QObject *receiver,
                        const char *slot);
 
-/**
- * Returns the first of @p objects whose property @p name is @p value; an object with an empty path
- * if there is none.
- */
-ConnmanObject findObject(const QList<ConnmanObject> &objects, const QString &name,
-                         const QString &value);
+/** Returns the first of @p objects whose property @p name is @p value; nothing if there is none. */
+std::optional<ConnmanObject> findObject(const QList<ConnmanObject> &objects, const QString &name,
+                                        const QString &value);
 
 /**
  * Returns true if @p value is the boolean @p flag; a value of another type is neither true nor

@@ -18,8 +18,7 @@ LinkEvent EthernetLink::perform(LinkAction action)
     switch (action) {
     case LinkAction::AskService:
         return found(
-            connman::findObject(connman::services(), QStringLiteral("Type"), m_parts.technology)
-                .path.path());
+            connman::findObject(connman::services(), QStringLiteral("Type"), m_parts.technology));
     case LinkAction::AskAddress:
         return hasAddress(m_parts.service.ipv4()) ? LinkEvent::AddressThere
                                                   : LinkEvent::AddressMissing;

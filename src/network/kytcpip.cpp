@@ -18,9 +18,10 @@ void KyTcpIp::setIPv4(const QVariantMap &settings, const QDBusMessage &message)
 {
     if (!hasMapWithinLimits(message))
         return;
-    const ConnmanObject technology =
+    const std::optional<ConnmanObject> technology =
         connman::findObject(connman::technologies(), QStringLiteral("Type"), m_parts.technology);
-    if (technology.properties.value(QStringLiteral("Connected")).type() == QVariant::Bool)
+    if (technology &&
+        technology->properties.value(QStringLiteral("Connected")).type() == QVariant::Bool)
         m_parts.settings.take(settings);
     else
         sendFailure(QStringLiteral("Cannot get property Connected"), message);
@@ -43,5 +44,6 @@ QVariantMap KyTcpIp::getHardwareInfos()
     return {{QStringLiteral("Method"), QString()},
             {QStringLiteral("Interface"), m_parts.interfaceName},
             {QStringLiteral("Address"), interface.hardwareAddress()},
-            {QStringLiteral("MTU"), QVariant::fromValue(maximumTransmissionUnit(interface))}};
+            {QStringLiteral("MTU"),
+             QVariant::fromValue(maximumTransmissionUnit(interface).value_or(0))}};
 }

@@ -36,6 +36,6 @@ void KyWifi::scan(const QDBusMessage &message)
 QVariantMap KyWifi::getStrength()
 {
     const QString key = QStringLiteral("Strength");
-    const QVariant strength = strengthOf(m_parts.service.properties().value(key));
-    return strength.isValid() ? QVariantMap{{key, strength}} : QVariantMap();
+    const std::optional<QVariant> strength = strengthOf(m_parts.service.properties().value(key));
+    return strength ? QVariantMap{{key, *strength}} : QVariantMap();
 }

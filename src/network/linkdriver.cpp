@@ -1,7 +1,6 @@
 #include "linkdriver.h"
 
 #include "busfailure.h"
-#include "connman.h"
 #include "ipv4repair.h"
 #include "programs.h"
 
@@ -114,10 +113,10 @@ void LinkDriver::serviceChanged(LinkEvent event, const QString &name, const QVar
     m_changedValue.clear();
 }
 
-LinkEvent LinkDriver::found(const QString &path)
+LinkEvent LinkDriver::found(const std::optional<ConnmanObject> &service)
 {
-    m_foundPath = path;
-    return path.isEmpty() ? LinkEvent::NoServiceListed : LinkEvent::ServiceListed;
+    m_foundPath = service ? service->path.path() : QString();
+    return service ? LinkEvent::ServiceListed : LinkEvent::NoServiceListed;
 }
 
 void LinkDriver::announce()

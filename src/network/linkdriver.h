@@ -1,6 +1,7 @@
 #ifndef LINKDRIVER_H
 #define LINKDRIVER_H
 
+#include "connman.h"
 #include "linkmachine.h"
 #include "linkparts.h"
 
@@ -36,9 +37,9 @@ protected:
     void serviceChanged(LinkEvent event, const QString &name, const QVariant &value);
 
     /**
-     * Stores @p path as the service that was found. @return ServiceListed or NoServiceListed
+     * Stores the path of @p service, what was found. @return ServiceListed or NoServiceListed
      */
-    LinkEvent found(const QString &path);
+    LinkEvent found(const std::optional<ConnmanObject> &service);
 
     LinkParts &m_parts;
     /** The arguments of the current call. */

@@ -46,8 +46,12 @@ bool isRunning(const QNetworkInterface &interface)
     return kernelFlags(interface) & IFF_RUNNING;
 }
 
-ushort maximumTransmissionUnit(const QNetworkInterface &interface)
+std::optional<ushort> maximumTransmissionUnit(const QNetworkInterface &interface)
 {
     QFile file(QStringLiteral("/sys/class/net/%1/mtu").arg(interface.name()));
-    return file.open(QIODevice::ReadOnly) ? file.readAll().trimmed().toUShort() : ushort(0);
+    if (!file.open(QIODevice::ReadOnly))
+        return std::nullopt;
+    bool isNumber = false;
+    const ushort size = file.readAll().trimmed().toUShort(&isNumber);
+    return isNumber ? std::optional<ushort>(size) : std::nullopt;
 }

@@ -4,6 +4,8 @@
 #include <QNetworkInterface>
 #include <QString>
 
+#include <optional>
+
 /** Returns the network interface with exactly this name; an invalid one if there is none. */
 QNetworkInterface findNetworkInterface(const QString &name);
 
@@ -18,7 +20,7 @@ bool isUp(const QNetworkInterface &interface);
 /** Returns true if the interface is up and has carrier; false for an invalid one. */
 bool isRunning(const QNetworkInterface &interface);
 
-/** Returns the MTU of the interface in bytes; 0 if the kernel reports none. */
-ushort maximumTransmissionUnit(const QNetworkInterface &interface);
+/** Returns the MTU of the interface in bytes; nothing if the kernel reports none. */
+std::optional<ushort> maximumTransmissionUnit(const QNetworkInterface &interface);
 
 #endif

@@ -34,14 +34,15 @@ QList<ConnmanObject> wifiServices(const QList<ConnmanObject> &services)
     return networks;
 }
 
-ConnmanObject wifiServiceNamed(const QList<ConnmanObject> &services, const QString &name)
+std::optional<ConnmanObject> wifiServiceNamed(const QList<ConnmanObject> &services,
+                                              const QString &name)
 {
     for (const ConnmanObject &service : services) {
         if (service.properties.contains(nameProperty) &&
             service.properties.value(nameProperty).toString() == name)
             return service;
     }
-    return ConnmanObject();
+    return std::nullopt;
 }
 
 QVariantMap wifiScanList(const QList<ConnmanObject> &services)
@@ -55,16 +56,19 @@ QVariantMap wifiScanList(const QList<ConnmanObject> &services)
     return list;
 }
 
-QVariant strengthOf(const QVariant &value)
+std::optional<QVariant> strengthOf(const QVariant &value)
 {
-    const QVariant basic = basicValue(value);
-    return basic.canConvert(QMetaType::UInt) ? basic : QVariant();
+    QVariant basic = basicValue(value);
+    if (!basic.canConvert(QMetaType::UInt))
+        return std::nullopt;
+    return basic;
 }
 
 WifiServiceChange wifiServiceChange(const QString &name, const QVariant &value)
 {
-    if (name == QStringLiteral("Strength") && strengthOf(value).isValid())
-        return {LinkEvent::ServiceStrength, strengthOf(value)};
+    const std::optional<QVariant> strength = strengthOf(value);
+    if (name == QStringLiteral("Strength") && strength)
+        return {LinkEvent::ServiceStrength, *strength};
     // ConnMan announces an empty error when it clears one.
     if (name == QStringLiteral("Error") && !basicValue(value).toString().isEmpty())
         return {LinkEvent::ServiceError, QVariant()};

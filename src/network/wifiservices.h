@@ -4,14 +4,17 @@
 #include "connman.h"
 #include "linkmachine.h"
 
+#include <optional>
+
 /** Returns the Wi-Fi networks among ConnMan's @p services, in ConnMan's order. */
 QList<ConnmanObject> wifiServices(const QList<ConnmanObject> &services);
 
 /**
- * Returns the first of @p services with the name @p name; an object with an empty path if there is
- * none. A hidden network has no name, not even an empty one.
+ * Returns the first of @p services with the name @p name; nothing if there is none. A hidden
+ * network has no name, not even an empty one.
  */
-ConnmanObject wifiServiceNamed(const QList<ConnmanObject> &services, const QString &name);
+std::optional<ConnmanObject> wifiServiceNamed(const QList<ConnmanObject> &services,
+                                              const QString &name);
 
 /**
  * Returns the result of a scan, for clients: for each network's name a string list of its object
@@ -23,10 +26,10 @@ ConnmanObject wifiServiceNamed(const QList<ConnmanObject> &services, const QStri
 QVariantMap wifiScanList(const QList<ConnmanObject> &services);
 
 /**
- * Returns ConnMan's strength of a service in a form that can be sent; invalid for anything but a
+ * Returns ConnMan's strength of a service in a form that can be sent; nothing for anything but a
  * number.
  */
-QVariant strengthOf(const QVariant &value);
+std::optional<QVariant> strengthOf(const QVariant &value);
 
 /** A change of the station's current service. */
 struct WifiServiceChange {

@@ -21,7 +21,7 @@ constexpr int longestName = 255;
 
 const QString agentPath = QStringLiteral("/KyComMgr/Agent");
 
-ConnmanObject requested(const QString &name)
+std::optional<ConnmanObject> requested(const QString &name)
 {
     return wifiServiceNamed(wifiServices(connman::services()), name);
 }
@@ -33,9 +33,9 @@ bool isNetworkListed()
 
 bool isConnected(const QString &technology)
 {
-    const ConnmanObject object =
+    const std::optional<ConnmanObject> object =
         connman::findObject(connman::technologies(), QStringLiteral("Type"), technology);
-    return connman::isFlag(object.properties.value(QStringLiteral("Connected")), true);
+    return object && connman::isFlag(object->properties.value(QStringLiteral("Connected")), true);
 }
 } // namespace
 
@@ -88,7 +88,7 @@ LinkEvent WifiStation::perform(LinkAction action)
     case LinkAction::Judge:
         return judge();
     case LinkAction::AskService:
-        return found(requested(m_requestedService).path.path());
+        return found(requested(m_requestedService));
     case LinkAction::AskTechnology:
         return isConnected(m_parts.technology) ? LinkEvent::TechnologyIsUp
                                                : LinkEvent::TechnologyIsDown;
@@ -125,10 +125,11 @@ void WifiStation::takeRequest()
 
 LinkEvent WifiStation::judge()
 {
-    const ConnmanObject service = requested(m_requestedService);
-    if (found(service.path.path()) == LinkEvent::NoServiceListed)
+    const std::optional<ConnmanObject> service = requested(m_requestedService);
+    found(service);
+    if (!service)
         return LinkEvent::RequestedMissing;
-    return requestedEvent(service.properties.value(QStringLiteral("State")).toString());
+    return requestedEvent(service->properties.value(QStringLiteral("State")).toString());
 }
 
 LinkEvent WifiStation::forgetNetwork()

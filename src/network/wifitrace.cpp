@@ -74,14 +74,11 @@ QByteArray wifiTraceLines(const WifiTraceRecord &record)
 
 void appendWifiTrace(const WifiTraceRecord &record)
 {
-    const int descriptor = openRegularFile("/tmp/logkywifi", O_APPEND, 0777);
-    if (descriptor < 0)
-        return;
+    const Descriptor descriptor = openRegularFile("/tmp/logkywifi", O_APPEND, 0777);
     // File descriptor 0 means that stdin was closed: a standard stream must not become the trace.
-    if (descriptor > 0 && hasRoom(descriptor)) {
-        const QByteArray lines = wifiTraceLines(record);
-        const ssize_t written = write(descriptor, lines.constData(), size_t(lines.size()));
-        static_cast<void>(written);
-    }
-    close(descriptor);
+    if (descriptor.get() <= 0 || !hasRoom(descriptor.get()))
+        return;
+    const QByteArray lines = wifiTraceLines(record);
+    const ssize_t written = write(descriptor.get(), lines.constData(), size_t(lines.size()));
+    static_cast<void>(written);
 }

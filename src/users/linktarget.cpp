@@ -22,7 +22,7 @@ bool isClean(const char *path, size_t length)
 }
 } // namespace
 
-QString linkTarget(const QString &path)
+std::optional<QString> linkTarget(const QString &path)
 {
     const QByteArray whole = QFile::encodeName(path);
     const int end = whole.lastIndexOf('/');
@@ -31,7 +31,7 @@ QString linkTarget(const QString &path)
     const ssize_t length =
         readlinkat(openDirectory(directory).get(), whole.constData() + end + 1, target, PATH_MAX);
     if (length <= 0)
-        return QString();
+        return std::nullopt;
     target[length] = '\0';
     QString held = QFile::decodeName(target);
     if (isClean(target, static_cast<size_t>(length)))

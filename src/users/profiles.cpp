@@ -53,11 +53,11 @@ const QString users[userCount] = {QStringLiteral("user1"), QStringLiteral("user2
 
 std::optional<QString> activeUser()
 {
-    QString user = linkTarget(linkPath);
-    if (user.isEmpty())
-        return std::nullopt;
-    user.remove(directoryPath);
-    user.remove(directorySuffix);
+    std::optional<QString> user = linkTarget(linkPath);
+    if (user) {
+        user->remove(directoryPath);
+        user->remove(directorySuffix);
+    }
     return user;
 }
 

@@ -52,12 +52,9 @@ void TestRegularFile::init()
 /** Opens the file and writes @p text; returns false if it was not opened. */
 bool TestRegularFile::append(const QByteArray &text, int flags)
 {
-    const int descriptor = openRegularFile(qPrintable(m_path), flags, 0640);
-    if (descriptor < 0)
-        return false;
-    const bool written = write(descriptor, text.constData(), size_t(text.size())) == text.size();
-    close(descriptor);
-    return written;
+    const Descriptor descriptor = openRegularFile(qPrintable(m_path), flags, 0640);
+    return descriptor.isOpen() &&
+           write(descriptor.get(), text.constData(), size_t(text.size())) == text.size();
 }
 
 void TestRegularFile::aMissingFileIsMadeWithItsMode()
@@ -168,10 +165,9 @@ void TestRegularFile::aMissingDirectoryIsNotMade()
 
 void TestRegularFile::childrenDoNotInheritTheDescriptor()
 {
-    const int descriptor = openRegularFile(qPrintable(m_path), O_APPEND, 0640);
-    QVERIFY(descriptor >= 0);
-    QVERIFY(fcntl(descriptor, F_GETFD) & FD_CLOEXEC);
-    close(descriptor);
+    const Descriptor descriptor = openRegularFile(qPrintable(m_path), O_APPEND, 0640);
+    QVERIFY(descriptor.isOpen());
+    QVERIFY(fcntl(descriptor.get(), F_GETFD) & FD_CLOEXEC);
 }
 
 void TestRegularFile::aFileIsReadAlsoThroughALink()

@@ -831,8 +831,9 @@ void TestEeprom::coefficientsAreTakenFromEveryList()
     QFETCH(QVector<quint32>, numbers);
     QVERIFY(daemon.start());
     QCOMPARE(set(setMeasure, measureValues(list)), done);
-    QVERIFY(
-        calls().contains(written(1, encodeMeasureRecord(measureFields(measureRecord()), numbers))));
+    const std::optional<QVariantMap> fields = measureFields(measureRecord());
+    QVERIFY(fields);
+    QVERIFY(calls().contains(written(1, encodeMeasureRecord(*fields, numbers))));
 }
 
 void TestEeprom::coefficientsThatAreNoListAreNone_data()

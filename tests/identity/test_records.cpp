@@ -217,7 +217,7 @@ void TestRecords::instrumentFieldsAreThoseOfTheRecord()
     QVariantMap map = instrument;
     map.insert("CRC", false);
     map.insert("Colour", "red");
-    QCOMPARE(instrumentFields(map), instrument);
+    QVERIFY(instrumentFields(map) == instrument);
 }
 
 void TestRecords::instrumentFieldsAreNoneWhenOneIsMissing()
@@ -226,7 +226,7 @@ void TestRecords::instrumentFieldsAreNoneWhenOneIsMissing()
         QVariantMap map = instrument;
         map.remove(key);
         map.insert(key.toLower(), 1);
-        QCOMPARE(instrumentFields(map), QVariantMap());
+        QVERIFY(!instrumentFields(map));
     }
 }
 
@@ -405,12 +405,12 @@ void TestRecords::measureFieldsAreNoneWhenOneIsMissing()
 {
     QVariantMap all = measure;
     all.insert("AdjustementCoefficients", QVariantList());
-    QCOMPARE(measureFields(all), all);
+    QVERIFY(measureFields(all) == all);
     for (const QString &key : all.keys()) {
         QVariantMap map = all;
         map.remove(key);
         map.insert("CRC", true);
-        QCOMPARE(measureFields(map), QVariantMap());
+        QVERIFY(!measureFields(map));
     }
 }
 

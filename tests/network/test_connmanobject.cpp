@@ -162,9 +162,11 @@ void TestConnmanObject::theFirstObjectWithThePropertyIsFound()
         {QDBusObjectPath("/c"), {{"Type", "ethernet"}}},
         {QDBusObjectPath("/d"), {{"Type", "ethernet"}}},
     };
-    QCOMPARE(connman::findObject(objects, "Type", "ethernet").path.path(), QString("/c"));
-    QCOMPARE(connman::findObject(objects, "Type", "wifi").path.path(), QString());
-    QCOMPARE(connman::findObject({}, "Type", "wifi").path.path(), QString());
+    const std::optional<ConnmanObject> found = connman::findObject(objects, "Type", "ethernet");
+    QVERIFY(found);
+    QCOMPARE(found->path.path(), QString("/c"));
+    QVERIFY(!connman::findObject(objects, "Type", "wifi"));
+    QVERIFY(!connman::findObject({}, "Type", "wifi"));
 }
 
 void TestConnmanObject::unsendableValuesAreTakenOutAtEveryDepth()

@@ -114,7 +114,7 @@ void TestNetworkInterface::theGreatestSizeOfAPacketIsTheKernels()
 {
     QFETCH(ushort, size);
     QVERIFY(setLink(name, {"mtu", QString::number(size)}));
-    QCOMPARE(maximumTransmissionUnit(findNetworkInterface(name)), size);
+    QVERIFY(maximumTransmissionUnit(findNetworkInterface(name)) == size);
 }
 
 void TestNetworkInterface::whatIsNoInterfaceIsNeitherUpNorRunning()
@@ -122,7 +122,7 @@ void TestNetworkInterface::whatIsNoInterfaceIsNeitherUpNorRunning()
     const QNetworkInterface none;
     QVERIFY(!isUp(none));
     QVERIFY(!isRunning(none));
-    QCOMPARE(maximumTransmissionUnit(none), ushort(0));
+    QVERIFY(!maximumTransmissionUnit(none));
 }
 
 /** The socket that queries an interface may get any free descriptor, including 0. */

@@ -55,7 +55,7 @@ void TestLinkTarget::linksPointToAbsoluteCleanPaths()
     QDir(m_directory.path()).mkdir(QStringLiteral("directory"));
     QCOMPARE(symlink(held.constData(), QFile::encodeName(link).constData()), 0);
 
-    QCOMPARE(linkTarget(link), target);
+    QVERIFY(linkTarget(link) == target);
     QCOMPARE(QFile::symLinkTarget(link), target);
 }
 
@@ -74,7 +74,7 @@ void TestLinkTarget::aLinkThatIsNoneHasNoTarget()
     QFile file(pathOf(QStringLiteral("file")));
     QVERIFY(file.open(QIODevice::WriteOnly));
 
-    QCOMPARE(linkTarget(pathOf(name)), QString());
+    QVERIFY(!linkTarget(pathOf(name)));
 }
 
 void TestLinkTarget::noTargetIsLeftFromTheLinkBefore()
@@ -84,10 +84,10 @@ void TestLinkTarget::noTargetIsLeftFromTheLinkBefore()
     const QString present = pathOf(QStringLiteral("absolute"));
     const QString missing = pathOf(QStringLiteral("missing"));
 
-    const QString targets[] = {linkTarget(present), linkTarget(missing)};
+    const std::optional<QString> targets[] = {linkTarget(present), linkTarget(missing)};
 
-    QCOMPARE(targets[0], QStringLiteral("/nowhere/user1_profile"));
-    QCOMPARE(targets[1], QString());
+    QVERIFY(targets[0] == QStringLiteral("/nowhere/user1_profile"));
+    QVERIFY(!targets[1]);
 }
 
 QTEST_GUILESS_MAIN(TestLinkTarget)
