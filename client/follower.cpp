@@ -8,6 +8,11 @@
 #include <QEventLoop>
 #include <QTimer>
 
+namespace
+{
+constexpr int progressIntervalMs = 1000;
+}
+
 Follower::Follower(const Command &command)
     : m_outcome(command.outcome),
       m_words(command.words),
@@ -50,7 +55,7 @@ ExitStatus Follower::wait(int seconds)
                              .arg(seconds - left));
     });
     QObject::connect(this, &Follower::ended, &loop, &QEventLoop::quit);
-    second.start(1000);
+    second.start(progressIntervalMs);
     if (!m_hasEnded)
         loop.exec();
     clearProgress();

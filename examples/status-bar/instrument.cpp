@@ -12,7 +12,7 @@ namespace
  * The interval of queries for changes without a signal: a mounted key, a charger, a backlight set
  * by a client.
  */
-const int askingInterval = 5000;
+constexpr int askingIntervalMs = 5000;
 
 const QString unknown = QStringLiteral("unknown");
 const QString none = QStringLiteral("none");
@@ -138,7 +138,7 @@ void Instrument::begin()
         m_accessPointFace.getHardwareInfos(),
         [this](const QVariantMap &infos) { m_accessPoint.takeEvidence(!infos.isEmpty()); });
     askAgain();
-    m_asking.start(askingInterval);
+    m_asking.start(askingIntervalMs);
 }
 
 void Instrument::forget()

@@ -12,7 +12,7 @@ namespace board
 {
 namespace
 {
-const long long longestDelay = 600000;
+constexpr long long longestDelayMs = 600000;
 const long long mostCalls = 1000000000;
 
 /** Returns the number in @p word, or -1. */
@@ -41,7 +41,7 @@ FaultWords parseFault(const std::string &words)
         } else if (word == "delay" || word == "after") {
             const bool isDelay = word == "delay";
             long long &number = isDelay ? asked.fault.delay : asked.after;
-            number = (stream >> word) ? numberIn(word, isDelay ? longestDelay : mostCalls) : -1;
+            number = (stream >> word) ? numberIn(word, isDelay ? longestDelayMs : mostCalls) : -1;
             if (number < 0)
                 return notUnderstood;
         } else {

@@ -1,6 +1,7 @@
 #ifndef LIVELY_H
 #define LIVELY_H
 
+#include "behaviour.h"
 #include "connman.h"
 
 #include <QMap>

@@ -15,6 +15,8 @@
 namespace
 {
 constexpr int mostEntries = 5000;
+/** The pause before the monitor starts again. */
+constexpr int retryMs = 200;
 
 QString colourOf(TrafficLine::Kind kind)
 {
@@ -61,7 +63,7 @@ TrafficLog::TrafficLog() : m_interfaces(new QComboBox), m_lines(new QPlainTextEd
     QObject::connect(&m_monitor, &QProcess::readyReadStandardOutput, this, &TrafficLog::read);
     m_monitor.setStandardErrorFile(QProcess::nullDevice());
     // The monitor ends with the bus.
-    m_retry.setInterval(200);
+    m_retry.setInterval(retryMs);
     QObject::connect(&m_retry, &QTimer::timeout, this, &TrafficLog::start);
     m_retry.start();
     start();

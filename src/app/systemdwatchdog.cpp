@@ -92,9 +92,9 @@ void SystemdWatchdog::askBus()
 
 void pingSystemdMeanwhile()
 {
-    const int longestWait = 5000;
+    constexpr int longestWaitMs = 5000;
     if (interval() != 0 &&
-        QDBusConnection::systemBus().call(question(), QDBus::Block, longestWait).type() ==
+        QDBusConnection::systemBus().call(question(), QDBus::Block, longestWaitMs).type() ==
             QDBusMessage::ReplyMessage)
         notifySystemd("WATCHDOG=1");
 }

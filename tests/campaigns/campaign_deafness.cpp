@@ -53,7 +53,7 @@ const bool areLimitsLifted = liftBusLimits();
 const int largeSize = 30 * 1000 * 1000;
 
 /** The longest wait of another client in ms; beyond it the daemon counts as deaf. */
-const int longestWait = 120000;
+constexpr int longestWaitMs = 120000;
 
 /** The processor time that @p process has used, in ms. */
 qint64 processorTime(qint64 process)
@@ -102,7 +102,7 @@ protected:
             while (!m_isOver && m_longest >= 0) {
                 QElapsedTimer timer;
                 timer.start();
-                const QDBusMessage reply = bus.call(getUser(), QDBus::Block, longestWait);
+                const QDBusMessage reply = bus.call(getUser(), QDBus::Block, longestWaitMs);
                 m_longest = reply.type() == QDBusMessage::ReplyMessage
                                 ? qMax<qint64>(m_longest, timer.elapsed())
                                 : -1;
@@ -154,7 +154,7 @@ void Deafness::endAttack(qint64 longestMeanwhile)
     QElapsedTimer timer;
     timer.start();
     const QDBusMessage user =
-        QDBusConnection::systemBus().call(getUser(), QDBus::Block, longestWait);
+        QDBusConnection::systemBus().call(getUser(), QDBus::Block, longestWaitMs);
     QCOMPARE(renderReply(user), QStringLiteral("(\"user1\")"));
     longestMeanwhile = qMax(longestMeanwhile, timer.elapsed());
     other.start();
@@ -204,7 +204,7 @@ qint64 Deafness::processorTimeOfTheBus(const QVariantMap &argument) const
     QDBusMessage message =
         QDBusMessage::createMethodCall(bus, "/org/freedesktop/DBus", bus, "none");
     message << argument;
-    QDBusConnection::systemBus().call(message, QDBus::Block, longestWait);
+    QDBusConnection::systemBus().call(message, QDBus::Block, longestWaitMs);
     return processorTime(process) - before;
 }
 
@@ -273,7 +273,7 @@ void Deafness::recordsOfLargeMaps()
         isTaken ? "()" : "com.orvendis.Strandel.BoardManager.Error.Write: Data not valid";
     const auto set = [](const char *method, const QVariantMap &map) {
         return renderReply(QDBusConnection::systemBus().call(
-            call("/KyDeviceMgr", "Version", method, {map}), QDBus::Block, longestWait));
+            call("/KyDeviceMgr", "Version", method, {map}), QDBus::Block, longestWaitMs));
     };
 
     const qint64 busAlone = processorTimeOfTheBus(measure);

@@ -14,7 +14,7 @@
 namespace
 {
 /** The daemon's timeout for calls to ConnMan, in seconds. */
-const int callTimeout = 25;
+constexpr int callTimeoutSeconds = 25;
 } // namespace
 
 /** Ethernet on the running daemon, against the real ConnMan and a real DHCP server. */
@@ -429,7 +429,7 @@ void TestEthernetConnman::connManMayHangAtAnyTime()
     // The start of the daemon's wait is not observable; time that passes before it has no effect.
     QVERIFY(QTest::qWaitFor(
         [&] {
-            daemon.letTimePass(callTimeout);
+            daemon.letTimePass(callTimeoutSeconds);
             return QTest::qWaitFor([&] { return answer.isFinished(); }, 100);
         },
         20000));

@@ -11,7 +11,7 @@ const QString daemonName = QStringLiteral("com.orvendis.Strandel.BoardManager");
 
 namespace
 {
-const int replyTimeout = 60000;
+constexpr int replyTimeoutMs = 60000;
 
 /** Fails the test if the daemon (not the bus) has sent an undocumented error. */
 void expectDocumented(const QDBusMessage &call, const QDBusMessage &reply)
@@ -50,14 +50,15 @@ QString Remote::call(const QString &method, const QList<QVariant> &arguments) co
 QDBusMessage Remote::reply(const QString &method, const QList<QVariant> &arguments) const
 {
     const QDBusMessage call = message(method, arguments);
-    const QDBusMessage reply = QDBusConnection::systemBus().call(call, QDBus::Block, replyTimeout);
+    const QDBusMessage reply =
+        QDBusConnection::systemBus().call(call, QDBus::Block, replyTimeoutMs);
     expectDocumented(call, reply);
     return reply;
 }
 
 QDBusPendingCall Remote::start(const QString &method, const QList<QVariant> &arguments) const
 {
-    return QDBusConnection::systemBus().asyncCall(message(method, arguments), replyTimeout);
+    return QDBusConnection::systemBus().asyncCall(message(method, arguments), replyTimeoutMs);
 }
 
 QDBusMessage Remote::message(const QString &method, const QList<QVariant> &arguments) const

@@ -14,7 +14,7 @@
 
 namespace
 {
-const int replyTimeout = 30000;
+constexpr int replyTimeoutMs = 30000;
 
 void expect(bool isDone, const char *what)
 {
@@ -172,7 +172,7 @@ QString Wire::call(const QString &service, const QString &path, const QString &i
         Writer(values).write(message);
     DBusError error = DBUS_ERROR_INIT;
     DBusMessage *reply =
-        dbus_connection_send_with_reply_and_block(m_connection, message, replyTimeout, &error);
+        dbus_connection_send_with_reply_and_block(m_connection, message, replyTimeoutMs, &error);
     dbus_message_unref(message);
     if (reply == nullptr) {
         QString text =
