@@ -176,7 +176,7 @@ const std::vector<LinkRule> linkRules = {
          return isOrdered(o, {Do::ForgetService, Do::SwitchToStation}) &&
                 isOrdered(o, {Do::StartConnectTime, Do::SwitchToStation}) &&
                 isOrdered(o, {Do::TakeRequest, Do::SwitchToStation}) &&
-                o.after.link.operation == LinkOperation::Connect &&
+                o.after.link.operation == LinkOperation::Connect && !o.after.link.hasService &&
                 (o.has(Event::ScriptRefused) || o.after.link.state == Idle);
      }},
     {"a scan keeps the service and is idle",
