@@ -1,5 +1,6 @@
 #include "busmonitor.h"
 #include "ethernettest.h"
+#include "processes.h"
 
 #include <QDBusUnixFileDescriptor>
 #include <QDBusVariant>
@@ -16,6 +17,7 @@ private Q_SLOTS:
     void aRefusalToPowerOffAtStartIsIgnored();
     void itServesWithoutConnMan();
     void connectRunsTheScriptInModeZeroAndNothingElse();
+    void theOutputOfTheScriptIsDiscarded();
     void connectGoesOnWhenTheScriptHasEnded();
     void associationIsAnnouncedBeforeTheTechnologyIsPoweredOn();
     void statesAreLoggedWithTheirService();
@@ -138,6 +140,21 @@ void TestEthernet::connectRunsTheScriptInModeZeroAndNothingElse()
     QCOMPARE(recorder.take(), QStringList());
     QCOMPARE(calls(), QStringList());
     QCOMPARE(script.log(), QStringList{"start 0"});
+}
+
+void TestEthernet::theOutputOfTheScriptIsDiscarded()
+{
+    startDaemon();
+    script.hold();
+    ethernet.call("connect");
+    QVERIFY(script.waitFor("start 0"));
+
+    const QList<int> children = childrenOf(daemon.processId());
+
+    QCOMPARE(children.size(), 1);
+    for (const char *stream : {"1", "2"})
+        QCOMPARE(QFile::symLinkTarget(QString("/proc/%1/fd/%2").arg(children.first()).arg(stream)),
+                 QString("/dev/null"));
 }
 
 void TestEthernet::connectGoesOnWhenTheScriptHasEnded()
@@ -610,6 +627,7 @@ void TestEthernet::readyIgnoresEveryOtherTechnologySignal_data()
     QTest::newRow("number") << "Connected" << QVariant(1);
     QTest::newRow("text") << "Connected" << QVariant("true");
     QTest::newRow("powered") << "Powered" << QVariant(true);
+    QTest::newRow("tethering") << "Tethering" << QVariant(true);
 }
 
 void TestEthernet::readyIgnoresEveryOtherTechnologySignal()
