@@ -227,11 +227,10 @@ void TestPanelWindow::picturesNeedNoDisplay()
     QProcess run;
     run.setWorkingDirectory(directory.path());
     // The kernel reports a carrier up to a second late.
-    run.start(RUN,
-              command({"--handle", directory.path() + "/handle", "--picture", "panel.png", "--size",
-                       "640x400", "--", "sh", "-c",
-                       "daemon kill; ethernet unplug; wifi mute; "
-                       "until [ $(cat /sys/class/net/socket/carrier) = 0 ]; do sleep 0.02; done"}));
+    const QString script = "daemon kill; ethernet unplug; wifi mute; until [ $(cat "
+                           "/sys/class/net/socket/carrier) = 0 ]; do sleep 0.02; done";
+    run.start(RUN, command({"--handle", directory.path() + "/handle", "--picture", "panel.png",
+                            "--size", "640x400", "--", "sh", "-c", script}));
     QVERIFY(run.waitForFinished(deadlineMs));
     QCOMPARE(run.exitCode(), 0);
     const QImage image(directory.path() + "/panel.png", "PNG");
