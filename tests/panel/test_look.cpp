@@ -33,6 +33,9 @@ private Q_SLOTS:
     void ledsBlink_data();
     void ledsBlink();
     void whatMakesNoSenseIsShownAsThat();
+    void textsFollowTheFiles_data();
+    void textsFollowTheFiles();
+    void theBandOfLightIncludesItsCodes();
     void theWatchdogStarves_data();
     void theWatchdogStarves();
     void backlightDimsTheScreen();
@@ -228,6 +231,62 @@ void TestLook::whatMakesNoSenseIsShownAsThat()
     QCOMPARE(empty.texts.value("daemon-text"), QStringLiteral("the bus is away"));
     QCOMPARE(empty.texts.value("battery-status"), QStringLiteral("nothing"));
     QCOMPARE(empty.opacities.value("air-1"), 0.0);
+}
+
+void TestLook::textsFollowTheFiles_data()
+{
+    QTest::addColumn<QString>("file");
+    QTest::addColumn<QByteArray>("content");
+    QTest::addColumn<QString>("element");
+    QTest::addColumn<QString>("text");
+    const auto row = [](const char *file, const char *content, const char *element,
+                        const char *text) {
+        QTest::addRow("%s=%s", file, content)
+            << file << QByteArray(content) << element << QString::fromUtf8(text);
+    };
+    row("powerman/wifi_supply", "1", "module-text", "has power");
+    row("powerman/wifi_supply", "0", "module-text", "without power");
+    row("charger/present", "1", "charger-text", "Pull the charger");
+    row("charger/present", "0", "charger-text", "Plug charger in");
+    row("storage/SD/inserted", "1", "SD-hand-text", "Pull");
+    row("storage/SD/inserted", "0", "SD-hand-text", "Insert");
+    row("storage/USB/mounted", "1", "USB-mount-text", "Unmount");
+    row("storage/USB/mounted", "0", "USB-mount-text", "Mount");
+    row("storage/USB/mounted", "1\n", "screen-storage", "USB key");
+    row("storage/SD/mounted", "1", "screen-storage", "SD card");
+    row("als/timer", "25", "light-timer", "persistence 2.5 s");
+    row("als/interrupt_enabled", "1", "light-interrupt", "interrupt on");
+    row("als/interrupt_enabled", "0", "light-interrupt", "interrupt off");
+    row("als/interrupt", "1", "light-interrupt", "interrupt pending");
+    row("backlight/enabled", "0", "backlight-text", "backlight 55 %, switched off");
+    row("revision/FPGA", "0x00040007", "revision-text", "SOM 3, HPS 1, FPGA 4.7, card 2");
+    row("eeprom/write_enabled", "1", "eeprom-protection", "writable");
+    row("eeprom/write_enabled", "0", "eeprom-protection", "write-protected");
+    row("eeprom/instrument", "short", "eeprom-text", "instrument ?, measure ok");
+    row("watchdog/feeds", "0", "watchdog-text", "never fed, starving");
+}
+
+void TestLook::textsFollowTheFiles()
+{
+    QFETCH(QString, file);
+    QFETCH(QByteArray, content);
+    QFETCH(QString, element);
+    Instrument instrument = newInstrument();
+    instrument.board[file] = content;
+    QTEST(lookOf(instrument, 0).texts.value(element), "text");
+}
+
+void TestLook::theBandOfLightIncludesItsCodes()
+{
+    Instrument instrument = newInstrument();
+    const auto bandOf = [&](const char *low, const char *high) {
+        instrument.board["als/threshold_low"] = low;
+        instrument.board["als/threshold_high"] = high;
+        return lookOf(instrument, 0).spans.value("light-band");
+    };
+    QVERIFY(bandOf("100", "100").first < bandOf("100", "100").second);
+    QCOMPARE(bandOf("0", "255").first, 0.0);
+    QCOMPARE(bandOf("0", "255").second, 1.0);
 }
 
 void TestLook::theWatchdogStarves_data()
