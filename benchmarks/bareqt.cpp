@@ -1,7 +1,7 @@
 /*
- * A Qt service without a function: as many adaptors on as many objects as the daemon, the same
- * libraries, and methods that return values of the same types. Whatever the daemon costs beyond
- * this is its own cost.
+ * A Qt service without a function. It has as many adaptors and objects as the daemon, the same
+ * libraries, and methods that return values of the same types. The difference between the two is
+ * the cost of the daemon's own code.
  */
 
 #include "bareqt.h"

@@ -14,8 +14,8 @@ public:
 };
 
 /*
- * The adaptors of the bare service that have a method of the daemon's. Those without one are made
- * from the introspection documents (barerest.h).
+ * The adaptors of the bare service that have a method. Adaptors without methods are generated from
+ * the introspection documents (barerest.h).
  */
 
 class BareUsers : public Bare

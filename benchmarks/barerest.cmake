@@ -1,5 +1,5 @@
-# Makes barerest.h: an adaptor without a method for each of the daemon's interfaces that bareqt.h has none
-# of, and addRest(), which hangs them on the objects.
+# Generates barerest.h: an adaptor without methods for each of the daemon's interfaces that bareqt.h
+# does not have, and addRest(), which adds these adaptors to the objects.
 function(write_bare_rest header)
     file(READ ${CMAKE_CURRENT_SOURCE_DIR}/bareqt.h written)
     file(GLOB documents CONFIGURE_DEPENDS ${PROJECT_SOURCE_DIR}/dbus/com.orvendis.*.xml)

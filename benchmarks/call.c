@@ -27,8 +27,8 @@ struct Client {
 };
 
 /*
- * A reset waits until everything on its file system is written, including other programs' data: on
- * a busy disk longer than libdbus's default timeout of 25 s.
+ * A factory reset waits until the whole file system is synchronised, including other programs'
+ * data. On a busy disk this takes longer than libdbus's default timeout of 25 s.
  */
 static const int timeoutMs = 600 * 1000;
 
@@ -86,7 +86,7 @@ static void takeReplies(struct Client *client)
     }
 }
 
-/* One client, one call at a time: what most programs do, with the least work on our side. */
+/* One client that makes one call at a time, as most programs do. */
 static void callOneByOne(void)
 {
     DBusConnection *connection = clients[0].connection;
@@ -163,7 +163,7 @@ static void printResult(double elapsed)
         done, elapsed / 1e6, durations[done / 2], durations[done * 99 / 100], durations[done - 1]);
 }
 
-/* Returns the index of the first argument that is no option. */
+/* Returns the index of the first argument that is not an option. */
 static int takeOptions(int argc, char **argv)
 {
     int index = 1;

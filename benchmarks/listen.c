@@ -74,7 +74,7 @@ int main(int argc, char **argv)
     if (puts("ready") == EOF || fflush(stdout) != 0)
         fail("standard output", "cannot be written");
     const double start = now();
-    // Signals that arrived while the last clients subscribed have been read already.
+    // Count the signals that were read while the last clients subscribed.
     for (int index = 0; index < clientCount; ++index)
         takeSignals(&clients[index]);
     while (complete < clientCount && polled[clientCount].revents == 0) {

@@ -19,10 +19,10 @@ const QString daemonService = QStringLiteral("com.orvendis.Strandel.BoardManager
 
 namespace
 {
-/** The longest that a method of the daemon takes when everything it waits for is slow. */
+/** The longest time that a method of the daemon can take. */
 int replyTimeoutMs = 60000;
 
-/** Empty for the system bus of this machine. */
+/** The address of the selected bus; empty for the system bus of this machine. */
 QString selectedAddress;
 QString selectedHost;
 
@@ -57,7 +57,10 @@ QString userName()
     return user ? QString::fromLocal8Bit(user->pw_name) : QString::number(geteuid());
 }
 
-/** Returns true if the bus policy lets this user call the daemon: root and the group. */
+/**
+ * Returns true if this user is root or in the group strandel, which the bus policy lets call the
+ * daemon.
+ */
 bool isMember()
 {
     const group *members = getgrnam("strandel");
@@ -115,8 +118,8 @@ void selectHost(const QString &host)
 
 QDBusConnection bus()
 {
-    // Qt D-Bus's thread constructs values of registered types until its static destructor stops it.
-    // The registry must be older than the thread: the newer of the two is destroyed first at exit.
+    // Qt D-Bus's thread uses the registry of meta types until a static destructor stops the thread.
+    // Create the registry first, so that it is destroyed after the thread has ended.
     static const int registered = qRegisterMetaType<QDBusMessage>();
     Q_UNUSED(registered)
     static const QDBusConnection connection =
@@ -151,7 +154,8 @@ Answer send(const QDBusMessage &message, QDBusMessage *whole)
     if (whole)
         *whole = reply;
     if (reply.type() == QDBusMessage::ErrorMessage) {
-        // The bus sends the same error when the daemon ends, but at once. Qt's own timer is coarse.
+        // The bus sends the same error immediately when the daemon ends. Only the time
+        // distinguishes a timeout; Qt's timer is coarse, so 90 % of it is enough.
         if (timer.hasExpired(qint64(replyTimeoutMs) / 10 * 9))
             return {OutcomeMissing,
                     {},

@@ -29,7 +29,7 @@ enum ExitStatus {
     SignalsMissing = 11, ///< the expected signals did not arrive in time
 };
 
-/** The reply to a call: its plain values, or the reason why there are none. */
+/** The reply to a call: its values (see plainValue()), or an error. */
 struct Answer {
     ExitStatus status;
     QVariantList values;
@@ -44,23 +44,26 @@ struct Answer {
     QString detail() const { return errorName + QStringLiteral(": ") + errorText; }
 };
 
-/** Selects the bus at @p address instead of the system bus; call it first. */
+/** Selects the bus at @p address instead of the system bus. Call this function before bus(). */
 void selectBus(const QString &address);
 
 /**
- * Selects the system bus of another machine; call it first.
+ * Selects the system bus of another machine. Call this function before bus().
  *
  * @param host HOST or USER@HOST, as for ssh
  */
 void selectHost(const QString &host);
 
-/** The selected bus; connected at the first call. */
+/** Returns the selected bus, to which the first call connects. */
 QDBusConnection bus();
 
 /** Sets the timeout of all further calls; a minute by default. */
 void setCallTimeout(int seconds);
 
-/** Returns a good answer if the bus can be reached and the daemon is on it. */
+/**
+ * Returns a good answer if the bus can be reached and the daemon owns its name; otherwise the
+ * error.
+ */
 Answer findDaemon();
 
 /** Calls a method of the daemon and waits for its reply. */
@@ -71,13 +74,16 @@ Answer call(const QString &path, const QString &interface, const QString &method
 Answer readProperty(const QString &path, const QString &interface, const QString &property);
 
 /**
- * Sends any call and waits for its reply.
+ * Sends @p message, a method call to any service, and waits for the reply.
  *
- * @param reply gets the unmodified reply, unless null
+ * @param reply receives the unmodified reply; may be null
  */
 Answer send(const QDBusMessage &message, QDBusMessage *reply = nullptr);
 
-/** Connects a slot that takes the message to signals; an empty @p signal means all. */
+/**
+ * Connects @p slot, which takes a QDBusMessage, to the signal @p signal of the daemon; to all
+ * signals of @p interface if @p signal is empty. Returns false on failure.
+ */
 bool subscribe(const QString &path, const QString &interface, const QString &signal,
                QObject *receiver, const char *slot);
 

@@ -4,7 +4,9 @@
 
 namespace
 {
-/** Escapes a value of a D-Bus address: every byte but a few in hexadecimal. */
+/**
+ * Escapes a value of a D-Bus address: writes most bytes except letters and digits in hexadecimal.
+ */
 QString escaped(const QString &text)
 {
     QString made;
@@ -24,7 +26,7 @@ QString escaped(const QString &text)
 
 QString addressOfHost(const QString &host)
 {
-    // After the two dashes nothing is an option.
+    // "--" ends the options of ssh.
     return QStringLiteral("unixexec:path=ssh,argv1=-xT,argv2=--,argv3=%1,"
                           "argv4=systemd-stdio-bridge")
         .arg(escaped(host));

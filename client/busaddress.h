@@ -4,14 +4,17 @@
 #include <QString>
 
 /**
- * Returns the D-Bus address of the system bus of @p host, as systemd's tools reach it: ssh runs
- * systemd-stdio-bridge there, whose standard input and output are the connection.
+ * Returns the D-Bus address of the system bus of @p host. ssh runs systemd-stdio-bridge on that
+ * machine and connects the program's stdin and stdout, like systemd's own tools.
  *
- * @param host HOST or USER@HOST, as for ssh; never taken as an option
+ * @param host HOST or USER@HOST, as for ssh, which never parses it as an option
  */
 QString addressOfHost(const QString &host);
 
-/** Returns true if @p host can be given to ssh: not empty, no blank, no control character. */
+/**
+ * Returns true if ssh accepts @p host: printable ASCII without a blank, not empty, and without a
+ * leading dash.
+ */
 bool isHostName(const QString &host);
 
 #endif

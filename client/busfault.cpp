@@ -15,7 +15,7 @@ QString sentenceOfJoining(const BusFault &fault)
 {
     if (fault.address.isEmpty())
         return QStringLiteral("%1 cannot be reached through ssh").arg(fault.bus);
-    // The bus closes the connection of a user whom its policy rejects: no reply arrives.
+    // If the bus policy rejects a user, the bus closes the connection and sends no reply.
     const bool isRefused =
         isOneOf(fault.errorName, {QStringLiteral("NoReply"), QStringLiteral("AuthFailed"),
                                   QStringLiteral("AccessDenied"), QStringLiteral("Disconnected")});

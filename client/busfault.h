@@ -7,19 +7,19 @@
 struct BusFault {
     /** The bus's name in messages, for example "the system bus". */
     QString bus;
-    /** Its address; empty for another machine's bus, which ssh reaches. */
+    /** The bus's address; empty for another machine's bus, which is reached through ssh. */
     QString address;
     /** True if the connection succeeded. */
     bool isJoined;
-    /** The user who called; empty on another machine. */
+    /** The user of the program; empty for another machine's bus. */
     QString user;
-    /** True if that user is root or a member of the group that may call the daemon. */
+    /** True if the user is root or a member of the group that may call the daemon. */
     bool isMember;
     QString errorName;
     QString errorText;
 };
 
-/** Describes the fault in one sentence without its full stop. Pure. */
+/** Describes the fault in one sentence without a full stop. Pure. */
 QString sentence(const BusFault &fault);
 
 #endif

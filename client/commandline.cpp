@@ -9,7 +9,7 @@
 
 namespace
 {
-/** More than any file of numbers has: limits the read if the name leads to another file. */
+/** More than any file of numbers needs: limits the read if the name is that of another file. */
 constexpr qint64 longestFileBytes = 65536;
 
 bool isSecret(const Argument &argument)
@@ -24,15 +24,16 @@ bool parseInteger(const Argument &argument, const QString &word, QVariant &value
     // Qt also accepts blanks and a plus sign.
     if (!isNumber || !isWholeNumber(word) || number < argument.minimum || number > argument.maximum)
         return false;
-    // Unsigned only if the value needs it: the methods' own numbers are signed.
+    // Use an unsigned number only if an int cannot hold the value: parameters of methods are
+    // signed.
     value =
         number > std::numeric_limits<int>::max() ? QVariant(uint(number)) : QVariant(int(number));
     return true;
 }
 
 /**
- * The numbers themselves, or those in the file that the word names; returns false if it cannot be
- * read.
+ * Returns in @p text the numbers in @p word, or, for @FILE, the content of the file. Returns false
+ * if the file cannot be read.
  */
 bool readNumbers(const QString &word, QString &text)
 {
@@ -46,7 +47,7 @@ bool readNumbers(const QString &word, QString &text)
     return true;
 }
 
-/** The error in a list of numbers; empty if there is none. */
+/** Converts a list of numbers. Returns the error in the list; empty if there is none. */
 QString parseNumbers(const Argument &argument, const QString &word, QVariant &value)
 {
     QString text;

@@ -13,14 +13,17 @@ using SecretReader = std::function<bool(const QString &prompt, QString &secret)>
 /**
  * Converts the words of a command line to the arguments of the call, or describes the error.
  *
- * Nothing is sent before this has succeeded.
+ * The program sends nothing before this function has succeeded.
  *
- * @param complaint set if the function returns false
+ * @param complaint the error, if the function returns false
  */
 bool parseArguments(const Command &command, const QStringList &words, const SecretReader &reader,
                     QVariantList &arguments, QString &complaint);
 
-/** Converts one word to a value of the kind of @p argument, as it is sent over the bus. */
+/**
+ * Converts @p word to the value that is sent for @p argument. Returns false, with @p complaint, if
+ * the word is not valid.
+ */
 bool parseValue(const Argument &argument, const QString &word, QVariant &value, QString &complaint);
 
 #endif

@@ -8,7 +8,7 @@
 
 /* The commands of kyboardctl as one table, which parsing, help, completion and the tests read. */
 
-/** The kind of an argument, or of one value of a set of settings. */
+/** The kind of an argument, or of the value in a KEY=VALUE argument. */
 enum class Kind {
     Text,
     Choice,      ///< one of Argument::choices
@@ -17,7 +17,7 @@ enum class Kind {
     Hex16,       ///< up to four hexadecimal digits; sent as text
     Bytes,       ///< at most Argument::maximum printable ASCII characters; sent as bytes
     Numbers,     ///< Argument::maximum whole numbers separated by commas, or @FILE; an array of u
-    SecretBytes, ///< as Bytes, but never on the command line: from a prompt or standard input
+    SecretBytes, ///< like Bytes, but read from a prompt or stdin, never from the command line
     Settings,    ///< KEY=VALUE arguments, see Argument::keys
     Choices,     ///< any number of Argument::choices; a list of texts
 };
@@ -33,7 +33,10 @@ struct Argument {
     QVector<Argument> keys;
     /** Key of Settings: true if the key is mandatory. */
     bool required;
-    /** Text: checks a word, with a description of a valid one; null if any word is valid. */
+    /**
+     * Text: returns true if @p word is valid; null if any word is valid. @ref wanted describes
+     * valid words.
+     */
     bool (*accepts)(const QString &word);
     QString wanted;
     /**
@@ -57,16 +60,16 @@ enum class Scope {
 struct Option {
     /** With its dashes, for example "--json". */
     QString name;
-    /** Its short form, for example "h"; empty if there is none. */
+    /** The option's short form, for example "h"; empty if there is none. */
     QString letter;
-    /** The name of its value; empty for an option without one. */
+    /** The name of the option's value; empty for an option without a value. */
     QString value;
     QString help;
     Scope scope;
     /** The possible values; empty if they are unlimited. */
     QStringList choices = {};
 
-    /** Returns true if its value is an integer of at least 1, which its name says. */
+    /** Returns true if the option's value is an integer of at least 1. */
     bool isNumber() const
     {
         return value == QLatin1String("SECONDS") || value == QLatin1String("SIGNALS");
@@ -80,7 +83,8 @@ struct StatusMeaning {
 };
 
 /**
- * How to wait for the outcome of a command that only starts an operation: by its "State" signals.
+ * For a command that only starts an operation: the states that end the operation, and how long to
+ * wait for them. Signals announce the states.
  */
 struct Outcome {
     QString success;
@@ -99,34 +103,36 @@ struct Command {
     QString method;
     QString property;
     QVector<Argument> arguments;
-    /** A scan brings networks and no state: without states. */
+    /** Without states for a scan, which ends with a list of networks. */
     Outcome outcome;
-    /** The question to confirm before it is sent; empty if the command destroys nothing. */
+    /** The question to confirm before the call is sent; empty if the command destroys nothing. */
     QString question = {};
     /** The text for an empty answer; empty if an answer is never empty. */
     QString nothing = {};
-    /** True if the answer is a map, of which one entry can be selected. */
+    /** True if the answer is a map. --field selects one entry. */
     bool hasFields = false;
     /** The unit of the numbers in the answer. */
     QString unit = {};
     /** True if the answer counts as empty while the interface has no address. */
     bool needsAddress = false;
-    /** The error text that means that the wanted state already exists; empty if there is none. */
+    /**
+     * The error text of the daemon when the requested state already exists; empty if there is none.
+     */
     QString done = {};
     /** The keys of the answer whose values are shown only on request. */
     QStringList secrets = {};
 
-    /** Returns true if the command only starts an operation, whose outcome comes in signals. */
+    /** Returns true if the command only starts an operation, whose outcome signals announce. */
     bool isOperation() const { return outcome.seconds > 0; }
 };
 
-/** Every command that is one call of the daemon. */
+/** Returns every command that is one call of the daemon. */
 const QVector<Command> &commands();
 
-/** The other commands, by their words, or words and argument. */
+/** Returns the other commands, which make several calls or none. */
 const QVector<Command> &ownCommands();
 
-/** The daemon's signals, each as "INTERFACE.SIGNAL". */
+/** Returns the daemon's signals, each as "INTERFACE.SIGNAL". */
 const QStringList &signalNames();
 
 const QVector<Option> &options();
@@ -137,17 +143,18 @@ const Option *findOption(const QString &name);
 const QVector<StatusMeaning> &exitStatuses();
 
 /**
- * Returns the command that begins @p words; nullptr if there is none. @p used: its number of words.
+ * Returns the command whose words @p words begins with; nullptr if there is none. Sets @p used to
+ * the number of these words.
  */
 const Command *findCommand(const QStringList &words, int *used);
 
 /** Returns true if @p option applies to @p command. */
 bool belongsTo(const Option &option, const Command &command);
 
-/** The words of the only command that @p option belongs to; empty if there are several. */
+/** Returns the words of the only command that @p option belongs to; empty if there are several. */
 QString onlyCommand(const Option &option);
 
-/** The synopsis of @p command: its words and the names of its arguments. */
+/** Returns the synopsis of @p command: its words and the names of its arguments. */
 QString synopsis(const Command &command);
 
 #endif

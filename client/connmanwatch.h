@@ -7,7 +7,7 @@
 #include <QObject>
 #include <QStringList>
 
-/** Follows what ConnMan reports about one Wi-Fi network, from the construction on. */
+/** Records ConnMan's signals about one Wi-Fi network, starting in the constructor. */
 class ConnmanWatch : public QObject
 {
     Q_OBJECT
@@ -19,17 +19,18 @@ public:
     static bool isConnmanThere();
 
     /**
-     * Asks ConnMan for the network.
+     * Asks ConnMan for the network's service.
      *
-     * @param path its service's path; empty if ConnMan does not list it
-     * @param state ConnMan's state of that service
+     * @param path set to the path of the service; unchanged if ConnMan does not list the network
+     * @param state set to the service's property "State"; unchanged if ConnMan does not list the
+     *         network
      */
     Answer find(QString &path, QString &state) const;
 
     /** Makes ConnMan forget the service at @p path. */
     static Answer remove(const QString &path);
 
-    /** Whether ConnMan has listed the network. */
+    /** Returns true if a signal of ConnMan has listed the network. */
     bool isListed() const { return m_isListed; }
 
     /** The last "Error" of the network's service; empty if there was none. */
@@ -39,7 +40,7 @@ public:
     QStringList states() const { return m_states; }
 
 Q_SIGNALS:
-    /** ConnMan lists the network. */
+    /** A signal of ConnMan listed the network, whose service has this @p path. */
     void listed(const QString &path);
 
 private Q_SLOTS:

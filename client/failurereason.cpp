@@ -2,7 +2,7 @@
 
 namespace
 {
-/** ConnMan's words and ours. */
+/** ConnMan's values of "Error", and the reasons that users see. */
 const struct {
     const char *error;
     const char *reason;

@@ -4,11 +4,11 @@
 #include <QString>
 #include <QStringList>
 
-/** The observations during a connect. */
+/** Observations during a connect. */
 struct FailureFacts {
     /** The first word of the command: "ethernet", "wifi" or "ap". */
     QString group;
-    /** The states that the daemon announced, and those of ConnMan's service. */
+    /** The states that the daemon announced, and the states of ConnMan's service. */
     QStringList states;
     /** The "Error" of the network's ConnMan service; empty if there was none. */
     QString error;
@@ -17,7 +17,7 @@ struct FailureFacts {
     bool isConnmanThere;
 };
 
-/** The reason of a failed connect in a few words; empty if it is unknown. Pure. */
+/** Returns the reason of a failed connect in a few words; empty if the reason is unknown. Pure. */
 QString failureReason(const FailureFacts &facts);
 
 /**

@@ -35,7 +35,7 @@ Follower::Follower(const Command &command)
 
 bool Follower::hasStarted()
 {
-    // Signals sent before the reply have arrived by now and are pending.
+    // Deliver the signals that arrived before the reply.
     QCoreApplication::processEvents();
     return m_hasEnded || !m_states.isEmpty();
 }

@@ -8,9 +8,9 @@
 #include <QStringList>
 
 /**
- * Starts an operation of a network interface and follows its "State" signals until its outcome.
+ * Follows the signals of an operation of a network interface until the operation ends.
  *
- * Use one instance for each operation: subscribe first, then start, then wait.
+ * Use one instance for each operation: construct it, start the operation, then call wait().
  */
 class Follower : public QObject
 {
@@ -19,10 +19,13 @@ class Follower : public QObject
 public:
     explicit Follower(const Command &command);
 
-    /** Returns true if a state was announced between the start and its reply. */
+    /**
+     * Returns true if the daemon has announced a state since the construction. Call this function
+     * after the reply to the call that starts the operation.
+     */
     bool hasStarted();
 
-    /** Waits for the outcome; returns the program's exit status. */
+    /** Waits for the outcome, at most @p seconds. Returns the program's exit status. */
     ExitStatus wait(int seconds);
 
     /** The announced states, in order. */

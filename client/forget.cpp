@@ -7,7 +7,10 @@
 
 namespace
 {
-/** The daemon switches the radio off as soon as it has the list, so a removal can come too late. */
+/**
+ * The number of scans to try. The daemon switches the radio off as soon as it has the list of
+ * networks, so a removal can come too late.
+ */
 constexpr int mostScans = 3;
 
 const Command &commandOf(const char *words)
@@ -22,7 +25,10 @@ bool isInUse(const QString &state)
            state != QLatin1String("disconnect");
 }
 
-/** Starts a scan and removes the network when ConnMan lists it. */
+/**
+ * Starts a scan and removes the network when ConnMan lists it. Returns Success if the scan
+ * succeeds; @p removed is the answer to the removal.
+ */
 ExitStatus removeInScan(const Command &command, const QString &network, Answer &removed,
                         bool &isListed)
 {

@@ -8,8 +8,8 @@
 /**
  * Makes ConnMan forget a Wi-Fi network, including its passphrase.
  *
- * ConnMan forgets only listed networks. The connected network is left through the daemon. While the
- * radio is off ConnMan lists nothing: a scan by the daemon fills the list.
+ * Disconnects the connected network through the daemon. ConnMan forgets only networks that it
+ * lists, and lists none while the radio is off: a scan by the daemon fills the list.
  */
 ExitStatus forgetNetwork(const Command &command, const Invocation &invocation,
                          const QVariantList &arguments);

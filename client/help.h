@@ -6,16 +6,16 @@
 #include <QString>
 #include <QStringList>
 
-/** Help on all commands. */
+/** Returns the help on all commands. */
 QString helpText();
 
-/** Help on the commands that begin with @p words; empty if there are none. */
+/** Returns the help on the commands that begin with @p words; empty if there are none. */
 QString helpText(const QStringList &words);
 
-/** Describes an argument, or a key of settings: its help and its possible values. */
+/** Returns the help and the possible values of an argument, or of a key of settings. */
 QString argumentText(const Argument &argument);
 
-/** Possible completions of @p words, the last of which is an incomplete word. */
+/** Returns the possible completions of the last of @p words. */
 QStringList completions(const QStringList &words);
 
 #endif

@@ -10,7 +10,7 @@ namespace
 {
 const QString accessDenied = QStringLiteral("org.freedesktop.DBus.Error.AccessDenied");
 
-/** Most LEDs are off: show only the others. */
+/** Returns the LEDs that are not off: most LEDs are off. */
 QString ledText(const QVariant &value, const QString &)
 {
     QStringList lit;
@@ -28,7 +28,7 @@ QString strengthText(const QVariant &value, const QString &unit)
     return strength.isEmpty() ? QStringLiteral("none") : inlineText(strength.first(), unit);
 }
 
-/** An interface has an address exactly while it is connected. */
+/** An interface without an address is not connected. */
 QString ipv4Text(const QVariant &value, const QString &)
 {
     const QVariantMap ipv4 = value.toMap();
@@ -55,7 +55,7 @@ QString interfaceText(const QVariant &value, const QString &)
              inlineText(interface.value(QStringLiteral("MTU"))));
 }
 
-/** The interface exists only while the module is an access point. */
+/** The access point's network interface exists only while the Wi-Fi module is in this mode. */
 QString accessPointText(const QVariant &value, const QString &unit)
 {
     return value.toMap().isEmpty() ? QStringLiteral("off") : interfaceText(value, unit);
@@ -66,7 +66,7 @@ QString mapText(const QVariant &value, const QString &unit)
     return value.toMap().isEmpty() ? QStringLiteral("none") : inlineText(value, unit);
 }
 
-/** One line of the screen: what it queries, its name and its format. */
+/** One line of the screen: its title, the call that queries its value, and the format. */
 struct Question {
     const char *title;
     const char *key;
@@ -79,7 +79,7 @@ struct Question {
     const char *unit;
 };
 
-/** A query without an argument. */
+/** Returns a query of a method without arguments. */
 constexpr Question asks(const char *title, const char *key, const char *path, const char *interface,
                         const char *method,
                         QString (*text)(const QVariant &value, const QString &unit),
@@ -162,7 +162,7 @@ Answer InstrumentView::ask()
 {
     for (int index = 0; index < m_answers.size(); ++index) {
         Answer answer = askAgain(index);
-        // A user who may not make one call may make none.
+        // If the bus policy denies one call, it denies all of them.
         if (answer.status == DaemonAway || answer.errorName == accessDenied)
             return answer;
     }
@@ -188,10 +188,11 @@ QString InstrumentView::text() const
     for (int index = 0; index < m_answers.size(); ++index) {
         const Question &question = questions[index];
         Answer answer = m_answers.at(index);
-        // A model without a screen has no backlight and no light sensor; this is no failure.
+        // Leave out interfaces that this model does not have, for example the backlight of a model
+        // without a screen.
         if (answer.status == InterfaceAbsent)
             continue;
-        // The network may have been left meanwhile.
+        // The station may have left the network since the query.
         if (question.text == strengthText && answer.isGood() && !isJoined)
             answer.values = {QVariantMap()};
         if (question.text == ipv4Text)

@@ -6,24 +6,22 @@
 #include <QVariantMap>
 #include <QVector>
 
-/** The whole instrument as the daemon reports it. */
+/** The values of the whole instrument, as the daemon returns them. */
 class InstrumentView
 {
 public:
     InstrumentView();
 
-    /**
-     * Queries everything. @return the answer that ended the queries, or a good one
-     */
+    /** Queries all values. @return the error that ended the queries, or a good answer */
     Answer ask();
 
-    /** Queries the values of @p interface again. */
+    /** Queries the values of @p interface again. Returns the last answer. */
     Answer ask(const QString &interface);
 
-    /** The screen: a line for each feature of this model. */
+    /** Returns the screen: a line for each value. */
     QString text() const;
 
-    /** The values by their names for machines; null if the daemon has no value. */
+    /** Returns the values by their names in JSON. A value that the daemon does not have is null. */
     QVariantMap values() const;
 
 private:

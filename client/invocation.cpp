@@ -7,7 +7,10 @@
 
 namespace
 {
-/** Replaces the minus of a negative number, which the parser would take for an option. */
+/**
+ * Stands for the minus of a negative number while QCommandLineParser parses: a minus would start an
+ * option.
+ */
 const QChar minus(0xE000);
 
 bool isNegativeNumber(const QString &word)
@@ -38,7 +41,7 @@ QCommandLineOption parserOption(const Option &option)
     return {names, option.help, option.value};
 }
 
-/** The parser's text in the form of our complaints: lower case, without a full stop. */
+/** Returns the parser's error in the form of our complaints: lower case, without a full stop. */
 QString complaintOf(const QCommandLineParser &parser)
 {
     QString text = parser.errorText();

@@ -11,9 +11,7 @@
 class Invocation
 {
 public:
-    /**
-     * @param words everything after the program's name
-     */
+    /** @param words the command line without the program's name */
     explicit Invocation(const QStringList &words);
 
     /** The error in the options; empty if there is none. */
@@ -25,7 +23,7 @@ public:
     /** The command and its arguments. */
     QStringList words() const { return m_words; }
 
-    /** Returns true if the option with that name, including its dashes, is given. */
+    /** Returns true if @p option, a name with its dashes, is given. */
     bool has(const char *option) const;
 
     /** The value of an option; empty if the option is missing. */

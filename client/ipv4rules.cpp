@@ -27,8 +27,8 @@ QString networkText(quint32 address, quint32 netmask)
 }
 
 /**
- * The error of an address in its network. Networks of the two smallest sizes have neither a network
- * nor a broadcast address.
+ * Returns the error if @p address is the network's own or its broadcast address. Networks with a
+ * prefix of 31 or 32 bits have neither.
  */
 QString addressDisagreement(const char *name, quint32 address, quint32 netmask)
 {
@@ -76,7 +76,7 @@ QString ipv4Disagreement(const QVariantMap &settings)
         return isManual ? QStringLiteral("Address= is missing, which Method=manual needs")
                         : QString();
     const bool hasGateway = settings.contains(QStringLiteral("Gateway"));
-    // Without the method, stored values can replace missing ones.
+    // Without "Method" = "manual", values that the daemon has stored can replace missing ones.
     if (!isManual && !settings.contains(QStringLiteral("Netmask")))
         return QString();
     const QVariantMap filled = repairedIPv4(settings);

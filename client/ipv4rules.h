@@ -19,7 +19,7 @@ bool isNetmask(const QString &text);
 bool isServerAddress(const QString &text);
 
 /**
- * Returns the error in a combination of settings that are valid one by one; empty if there is none.
+ * Returns the error in a combination of settings, each of which is valid; empty if there is none.
  *
  * "Method" = "manual" needs an "Address". The daemon derives a missing netmask and gateway from the
  * class of the address: the resulting gateway must be in the network of the address, and the

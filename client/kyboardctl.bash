@@ -1,7 +1,7 @@
-# Bash completion of kyboardctl: the program itself knows what may follow.
+# Bash completion of kyboardctl. "kyboardctl complete" prints the candidates.
 _kyboardctl() {
     local words=() word index
-    # Bash takes KEY=VALUE for three words.
+    # Bash splits KEY=VALUE into three words.
     for ((index = 1; index <= COMP_CWORD; ++index)); do
         word=${COMP_WORDS[index]}
         if [[ ${#words[@]} -gt 0 && ($word == '=' || ${words[-1]} == *=) ]]; then
@@ -12,7 +12,7 @@ _kyboardctl() {
     done
     mapfile -t COMPREPLY < <(kyboardctl complete "${words[@]}" 2>/dev/null)
     [[ ${COMPREPLY[0]-} != *= ]] || compopt -o nospace 2>/dev/null
-    # What is before the value stands there already.
+    # Bash completes only the value: remove "KEY=" from the candidates.
     word=${words[-1]}
     [[ $word != *=* ]] || COMPREPLY=("${COMPREPLY[@]#"${word%%=*}="}")
 }

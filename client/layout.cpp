@@ -44,7 +44,7 @@ QString inColour(const QString &text, const char *colour)
     return escape(colour) + text + escape("0");
 }
 
-/** Combines all patterns, each in a group of its own. */
+/** Combines all patterns into one, with one capture group for each. */
 QRegularExpression makePattern()
 {
     const QString leds =
@@ -57,7 +57,7 @@ QRegularExpression makePattern()
         QStringLiteral("(?<![\\w.'-])(?:%1)(?![\\w.'-])").arg(groups.join(QLatin1Char('|'))));
 }
 
-/** The indentation of the continuation of @p line. */
+/** Returns the indentation for continuation lines of @p line. */
 int indentation(const QString &line)
 {
     static const QRegularExpression gap(QStringLiteral("^ *\\S.*?  +(?=\\S)"));

@@ -10,8 +10,8 @@
 /**
  * Breaks the lines of @p text at blanks so that they fit @p width.
  *
- * A continuation line starts below the value: below the text after the first gap of two blanks, or
- * indented by four. A width below 20 changes nothing.
+ * A continuation line starts below the text after the first gap of two blanks, or is indented by
+ * four. If @p width is below 20, returns @p text unchanged.
  */
 QString wrapped(const QString &text, int width);
 
@@ -21,7 +21,7 @@ QString wrapped(const QString &text, int width);
  */
 QString coloured(const QString &text);
 
-/** @p text in red. */
+/** Returns @p text in red. */
 QString alarming(const QString &text);
 
 #endif

@@ -24,7 +24,7 @@ void printNetworks(const QVariantMap &networks)
     show(lines.isEmpty() ? QStringLiteral("no network in reach\n") : lines.text());
 }
 
-/** The networks of a scan, each with named fields. */
+/** Returns the networks of a scan, each as an object with named fields. */
 QJsonObject networksJson(const QVariantMap &networks)
 {
     QJsonObject object;
@@ -38,7 +38,7 @@ QJsonObject networksJson(const QVariantMap &networks)
     return object;
 }
 
-/** The network of a connect; empty for every other operation. */
+/** Returns the network of a connect; empty for every other operation. */
 QString networkOf(const QVariantList &arguments)
 {
     return arguments.value(0).toMap().value(QStringLiteral("Service")).toString();
@@ -53,7 +53,7 @@ bool isJoined(const QString &network)
     return state == QLatin1String("ready") || state == QLatin1String("online");
 }
 
-/** The address of the interface of @p command; empty while it is not connected. */
+/** Returns the IPv4 address of the interface of @p command; empty while it is not connected. */
 QString addressOf(const Command &command)
 {
     const Answer answer = call(command.path, command.interface, QStringLiteral("getIPv4"));
@@ -80,7 +80,7 @@ QString failureText(const Command &command, const Follower &follower, const Conn
     return reason.isEmpty() ? QStringLiteral("failed") : QStringLiteral("failed: ") + reason;
 }
 
-/** Reports the outcome of an operation, with its time limit in seconds. */
+/** Reports the outcome of an operation, for which the program has waited up to @p seconds. */
 ExitStatus reportOutcome(const Command &command, const Invocation &invocation,
                          const Follower &follower, const ConnmanWatch &watch, ExitStatus status,
                          int seconds)
@@ -102,8 +102,8 @@ ExitStatus reportOutcome(const Command &command, const Invocation &invocation,
 }
 
 /**
- * Returns true if the interface is already connected, so that @p command has no effect: the daemon
- * replies to such a connect as usual and ignores it.
+ * Returns true if @p command is a connect and the interface is already connected: the daemon would
+ * reply without an error and ignore the call. Sets @p status to the exit status.
  */
 bool isDone(const Command &command, const Invocation &invocation, const QVariantList &arguments,
             ExitStatus &status)
@@ -136,7 +136,7 @@ ExitStatus runOperation(const Command &command, const Invocation &invocation,
     const bool isDoneAlready = !command.done.isEmpty() && answer.errorText == command.done;
     if (!answer.isGood() && !isDoneAlready)
         return fail(command, answer);
-    // A scan is the only operation whose start is announced.
+    // Only a scan announces a state before its reply.
     if (command.method == QLatin1String("scan") && !follower.hasStarted())
         return fail(command, OutcomeFailed,
                     QStringLiteral("not while it is connected or busy with something else"));

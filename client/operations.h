@@ -5,7 +5,9 @@
 #include "commands.h"
 #include "invocation.h"
 
-/** Starts an operation that takes time and, unless told otherwise, waits for its outcome. */
+/**
+ * Starts an operation of a network interface and waits for its outcome, unless --no-wait is given.
+ */
 ExitStatus runOperation(const Command &command, const Invocation &invocation,
                         const QVariantList &arguments);
 

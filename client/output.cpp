@@ -10,7 +10,8 @@
 
 void printJson(const QJsonValue &value)
 {
-    // A JSON document holds an array or an object: print a lone value as the content of an array.
+    // QJsonDocument holds only an array or an object: print any other value as the content of an
+    // array.
     if (value.isObject()) {
         print(QString::fromUtf8(QJsonDocument(value.toObject()).toJson()));
         return;

@@ -9,24 +9,26 @@
 
 /* The results of commands, for people and machines. */
 
-/** Prints a value for machines: an object on several lines, anything else on one. */
+/** Prints @p value as JSON: an object on several lines, any other value on one line. */
 void printJson(const QJsonValue &value);
 
-/** Complains about @p command; returns @p status. */
+/** Prints @p complaint about @p command; returns @p status. */
 ExitStatus fail(const Command &command, ExitStatus status, const QString &complaint);
 
-/** Complains about a failed call for @p command; returns its status. */
+/** Prints the error of a failed call for @p command; returns its status. */
 ExitStatus fail(const Command &command, const Answer &answer);
 
-/** Prints the entry of @p map that --field names. */
+/**
+ * Prints the entry of @p map that --field names. Returns NothingThere if there is no such entry.
+ */
 ExitStatus printField(const Command &command, const Invocation &invocation, const QVariantMap &map);
 
-/** Reports that there is no value; null for machines. */
+/** Reports that there is no value, as null with --json. Returns NothingThere. */
 ExitStatus tellOfNothing(const Command &command, const Invocation &invocation);
 
 /**
- * Returns a good status if @p command may be sent: it destroys nothing, --yes is given, or a person
- * confirms it on the terminal. Otherwise complains and returns NotConfirmed.
+ * Returns Success if @p command may be sent: the command destroys nothing, --yes is given, or a
+ * person confirms it on the terminal. Otherwise prints a complaint and returns NotConfirmed.
  */
 ExitStatus confirm(const Command &command, const Invocation &invocation);
 

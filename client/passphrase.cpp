@@ -4,7 +4,9 @@
 
 namespace
 {
-/** Reads a passphrase and checks it with @p accepts. */
+/**
+ * Reads a passphrase and checks it with @p accepts. Returns false, with @p complaint, on failure.
+ */
 bool readPassphrase(const QString &prompt, const SecretReader &reader,
                     bool (*accepts)(const QString &), const QString &wanted, QString &passphrase,
                     QString &complaint)
@@ -28,7 +30,7 @@ bool completeConnect(const Invocation &invocation, const SecretReader &reader,
                                    "characters")
                         .arg(shown(user));
     } else if (invocation.has("--user")) {
-        // A password is not limited like a network's passphrase.
+        // The limits of a network's passphrase do not apply to a user's password.
         readPassphrase(QStringLiteral("Password"), reader, isUserName,
                        QStringLiteral("1 to 255 characters without control characters"), password,
                        complaint);

@@ -9,7 +9,7 @@
  * start"; leaves other commands unchanged.
  *
  * @return false, with @p complaint, if the passphrase cannot be read or is invalid; the complaint
- *         does not contain it
+ *         does not contain the passphrase
  */
 bool addPassphrase(const Command &command, const Invocation &invocation, const SecretReader &reader,
                    QVariantList &arguments, QString &complaint);

@@ -8,18 +8,21 @@
 /* Formats plain values of the bus (see busvalue.h) for people and for machines. */
 
 /**
- * A value on one line: lists with commas, bytes as text if they are text, otherwise hexadecimal;
- * every number with @p unit.
+ * Returns @p value on one line: lists with commas, bytes as text if all are printable, otherwise in
+ * hexadecimal, and every number with @p unit.
  */
 QString inlineText(const QVariant &value, const QString &unit = QString());
 
-/** A reply for people: a map as aligned lines, anything else on one line; empty for no value. */
+/**
+ * Returns a reply for people: a map as aligned lines, any other value on one line; empty for a
+ * reply without values.
+ */
 QString replyText(const QVariantList &values, const QString &unit = QString());
 
-/** A value for machines: bytes as one character each, numbers as numbers. */
+/** Returns @p value as JSON. A byte array becomes a text with one character for each byte. */
 QJsonValue toJson(const QVariant &value);
 
-/** A reply for machines: its one value, or null. */
+/** Returns a reply as JSON: its first value, or null. */
 QJsonValue replyJson(const QVariantList &values);
 
 /** A table of names and aligned values. */

@@ -19,7 +19,7 @@ const QString format = QStringLiteral("EEPROM records of kyboardctl, version 1")
 const QString crc = QStringLiteral("CRC");
 const QString coefficients = QStringLiteral("AdjustementCoefficients");
 
-/** The fields of a record are the arguments of the command that sets it. */
+/** Returns the fields of a record: the arguments of the command that sets the record. */
 const QVector<Argument> &fieldsOf(const char *words)
 {
     int used = 0;
@@ -47,7 +47,7 @@ QVector<quint32> numbersOf(const QVariant &list)
     return numbers;
 }
 
-/** The record's bytes in the EEPROM. */
+/** Returns the record's bytes in the EEPROM. */
 QByteArray encodedInstrument(const QVariantMap &fields)
 {
     return encodeInstrumentRecord(fields);
@@ -63,7 +63,7 @@ QString crcText(const QByteArray &record)
     return QString::fromLatin1(record.left(2).toHex());
 }
 
-/** The error in a record from the daemon; empty if there is none. */
+/** Returns the error in a record from the daemon; empty if there is none. */
 QString flawOf(const QVariantMap &fields, const QVector<Argument> &layout)
 {
     if (!fields.value(crc).toBool())
@@ -78,7 +78,7 @@ QString flawOf(const QVariantMap &fields, const QVector<Argument> &layout)
     return QString();
 }
 
-/** A record decoded from @p record, with its CRC as text. */
+/** Returns @p fields as JSON, with the CRC of @p record as text. */
 QJsonObject object(QVariantMap fields, const QByteArray &record)
 {
     fields.insert(crc, crcText(record));
@@ -138,7 +138,9 @@ bool readField(const Argument &field, const QJsonValue &value, QVariant &made)
     }
 }
 
-/** Reads the record with that @p name; returns the error in it, empty if there is none. */
+/**
+ * Reads the record @p name of @p file into @p fields. Returns the error; empty if there is none.
+ */
 QString readRecord(const QJsonObject &file, const QString &name, const QVector<Argument> &layout,
                    QByteArray (*encode)(const QVariantMap &), QVariantMap &fields)
 {
@@ -172,7 +174,8 @@ QByteArray writeRecords(const Records &records, QString &complaint)
         complaint = QStringLiteral("the measure record ") + flaw;
         return QByteArray();
     }
-    // The daemon returns the values as a client set them; encode them to get the full width.
+    // The daemon returns the values as a client set them. Encode and decode them, so that bytes
+    // fill their fields.
     const QByteArray instrument = encodedInstrument(records.instrument);
     const QByteArray measure = encodedMeasure(records.measure);
     QJsonObject file;

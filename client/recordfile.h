@@ -9,9 +9,9 @@
  * A copy of both identification records as a JSON file. Pure: records to content, and content to
  * records.
  *
- * Each record is an object with all of its fields, named as on the bus, and with its CRC in the
- * EEPROM. Numbers are numbers; bytes are text with one character for each byte, in the full width
- * of the field.
+ * Each record is an object with all fields of the record, named as on the bus, and with the CRC
+ * that the EEPROM holds. Numbers are numbers; bytes are text with one character for each byte, in
+ * the full width of the field.
  */
 
 /** Both records; the values of their fields can be sent to the daemon unchanged. */
@@ -21,9 +21,9 @@ struct Records {
 };
 
 /**
- * Returns the content of the file for @p records, as the daemon returned them.
+ * Returns the content of the file for @p records, which the daemon has returned.
  *
- * @param complaint the reason for an empty result: a record is invalid or lacks fields
+ * @param complaint the error if the result is empty: a record is invalid or lacks fields
  */
 QByteArray writeRecords(const Records &records, QString &complaint);
 

@@ -10,8 +10,8 @@
 /**
  * Copies both identification records into a file that only its owner can read.
  *
- * Never replaces an existing file. Makes no call before the file is known to be writable; creates
- * the file only with both records in it.
+ * Never replaces an existing file. Checks that the file can be written before it makes a call.
+ * Creates the file only when it has both records.
  */
 ExitStatus dumpRecords(const Command &command, const Invocation &invocation,
                        const QVariantList &arguments);

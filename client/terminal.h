@@ -7,14 +7,14 @@
 void print(const QString &text);
 
 /**
- * Writes @p text for people to standard output: without foreign control characters and, on a
- * terminal, with colours and with lines that fit.
+ * Writes @p text for people to stdout, with control characters escaped. On a terminal adds colours
+ * and wraps the lines.
  *
  * No colours if NO_COLOR is set, or on a dumb terminal.
  */
 void show(const QString &text);
 
-/** Like show(), without colours: for explanations. */
+/** Wraps and writes @p text to stdout like show(), but without colours: for help texts. */
 void explain(const QString &text);
 
 /** Returns true if standard output is a terminal. */
@@ -23,7 +23,7 @@ bool isShownAtTerminal();
 /** Takes over the whole terminal for drawScreen(), until giveScreenBack(). */
 void takeScreen();
 
-/** Replaces the screen with @p text; cuts what does not fit. */
+/** Replaces the screen with @p text; drops the lines that do not fit. */
 void drawScreen(const QString &text);
 
 void giveScreenBack();
@@ -31,12 +31,10 @@ void giveScreenBack();
 /** Returns true if everything printed has been written. */
 bool isAllPrinted();
 
-/** From now on complaints show their details. */
+/** Makes further calls of complain() print the details. */
 void showDetails();
 
-/**
- * Writes "kyboardctl: " and the line @p text to standard error, and @p detail if details are on.
- */
+/** Writes "kyboardctl: " and @p text to stderr; after showDetails() also @p detail. */
 void complain(const QString &text, const QString &detail = QString());
 
 /** Replaces the last progress line with @p text if standard error is a terminal. */
@@ -56,9 +54,8 @@ enum class Consent {
 Consent askFor(const QString &question);
 
 /**
- * Reads the secret of that @p name: from the terminal, without echo, if standard input is one;
- * otherwise the next line of standard input. Returns false if there is none, or no terminal to ask
- * on.
+ * Reads the secret @p name: from the terminal, without echo, if stdin is a terminal; otherwise the
+ * next line of stdin. Returns false at the end of stdin, or if the question cannot be shown.
  */
 bool readSecret(const QString &name, QString &secret);
 

@@ -15,7 +15,10 @@ bool isHexadecimal(const QString &text)
     });
 }
 
-/** Includes line and paragraph separators: Unicode text viewers end a line there, too. */
+/**
+ * Returns true for control characters, and for line and paragraph separators, which also end a line
+ * in some viewers.
+ */
 bool isControl(QChar character)
 {
     return character.category() == QChar::Other_Control || character == QChar::LineSeparator ||

@@ -3,7 +3,7 @@
 
 #include <QString>
 
-/* Checks texts of the command line. Pure: returns true if the text can be sent. */
+/* Checks texts of the command line. Pure. */
 
 /** Returns true if @p text has no control character, which could end a line or move a cursor. */
 bool isFreeOfControls(const QString &text);

@@ -10,7 +10,7 @@
  * The source of a generator's decisions: the bytes of a fuzzer's input, or a seed.
  *
  * The same bytes, or the same seed, give the same decisions. After the last byte every decision is
- * the first alternative. A generator must end if it gets nothing but first alternatives.
+ * the first alternative. A generator must therefore end if all decisions are the first alternative.
  */
 class Choices
 {

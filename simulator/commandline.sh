@@ -8,7 +8,7 @@
 # "picture" to the file for a picture of it. Exits after --help and on an error.
 # usage: parse_command_line NAME DOCUMENTS [ARGUMENT...]
 parse_command_line() {
-    # The instrument's own texts need them, too.
+    # The scripts of the instrument print the command's name and documents, too.
     export INSTRUMENT_COMMAND=$1 INSTRUMENT_DOCUMENTS=$2
     shift 2
     instrument_options=()
@@ -86,9 +86,9 @@ $INSTRUMENT_DOCUMENTS/virtual-instrument.md tells what is in it.
 EOT
 }
 
-# Becomes the instrument, or the command in it. Finds a running instrument by its handle: that of
-# --handle, otherwise HANDLE. An instrument that runs only for a command has none.
-# usage: start_instrument HANDLE WORLD_OPTION...
+# Replaces this process by the instrument, or by the command in it. Joins a running instrument that
+# has the handle of --handle, otherwise HANDLE. An instrument that runs only for a command has no
+# handle. usage: start_instrument HANDLE WORLD_OPTION...
 start_instrument() {
     local handle=${own_handle:-$1} here
     here=$(dirname "${BASH_SOURCE[0]}")

@@ -176,7 +176,7 @@ class Probe:
         self.process = subprocess.Popen(
             [str(PROGRAMS / "call"), "--every", str(self.interval), *PROBE], text=True,
             stdin=subprocess.PIPE, stdout=subprocess.PIPE)
-        # It has started when the bus has one more connection; its own first call shows that.
+        # Wait until the bus has one more connection: the first call of the new client.
         call(PROBE)
         return self
 

@@ -1,10 +1,10 @@
 import QtQuick 2.0
 
-// The charge as a battery that is filled so far, and the charger as a frame around it.
+// Shows the charge as the filled part of a battery, and the charger as a frame around it.
 Item {
     id: gauge
 
-    // In percent; below 0 it is not known.
+    // The charge in percent; negative if it is unknown.
     property int level: -1
     property bool isCharging: false
 

@@ -1,7 +1,7 @@
 import QtQuick 2.0
 import Strandel 1.0
 
-// One way to the network. Where its state is not known, a question mark says so.
+// The state of one network link; a question mark if the state is unknown.
 Sign {
     property string name
     property Link link

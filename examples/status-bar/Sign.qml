@@ -1,6 +1,6 @@
 import QtQuick 2.0
 
-// A word in the bar, in the colour of what it means: "plain", "good", "busy", "bad" or "off".
+// A word in the bar. Its meaning ("plain", "good", "busy", "bad" or "off") determines its colour.
 Text {
     property string tone: "plain"
 

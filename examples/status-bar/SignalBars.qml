@@ -4,7 +4,7 @@ import QtQuick 2.0
 Row {
     id: bars
 
-    // In percent; below 0 there is none.
+    // The strength in percent; negative if there is no network.
     property int strength: -1
 
     height: 24

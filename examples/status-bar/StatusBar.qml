@@ -1,11 +1,12 @@
 import QtQuick 2.0
 import Strandel 1.0
 
-// The instrument's state in one line. Without the daemon it says so, and shows nothing that is old.
+// The instrument's state in one line. If the daemon does not run, shows the reason and no stale
+// values.
 Rectangle {
     id: bar
 
-    // Made here, or given by an application that has one already.
+    // The model; an application can set its own instance.
     property Instrument instrument: Instrument {}
 
     implicitWidth: 800

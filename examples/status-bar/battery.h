@@ -10,7 +10,7 @@ struct Battery {
     bool isChargerThere = false;
 };
 
-/** Parses a status; an unknown or empty one gives unknown values. */
+/** Parses a status. An unknown or empty status results in unknown values. */
 Battery batteryFrom(const QString &status);
 
 #endif

@@ -20,7 +20,7 @@ const QString inserted = QStringLiteral("inserted");
 const QString mounted = QStringLiteral("mounted");
 const QString address = QStringLiteral("Address");
 
-/** Like the class's own batteryStatus(), which blocks. */
+/** Reads the property asynchronously: the generated class's batteryStatus() would block. */
 QDBusPendingCall readBatteryStatus(const QDBusConnection &bus)
 {
     QDBusMessage message = QDBusMessage::createMethodCall(
@@ -87,7 +87,7 @@ void Instrument::followDaemon()
 
 void Instrument::followLinks()
 {
-    // The classes have methods with the name connect() themselves.
+    // The generated classes have methods called connect(), which hide QObject::connect().
     QObject::connect(&m_ethernetFace, &BoardManagerEthernet::propertyChanged, &m_ethernet,
                      [this](const QString &, const QString &name, const QDBusVariant &value) {
                          m_ethernet.takeProperty(name, value.variant());
@@ -106,9 +106,9 @@ void Instrument::followLinks()
 
 void Instrument::followDevices()
 {
-    // Also announces a reset, even of a profile that is not active.
+    // The signal also announces a reset, even of a profile that is not active.
     connect(&m_usersFace, &BoardManagerUsers::userChanged, this, &Instrument::askForProfile);
-    // A property has the same name.
+    // The signal's class also has a property of this name.
     connect(&m_supplyFace,
             static_cast<void (BoardManagerAlimentation::*)(const QString &)>(
                 &BoardManagerAlimentation::batteryStatus),
@@ -133,7 +133,7 @@ void Instrument::begin()
     askForProfile();
     askForAddress(m_ethernet);
     askForAddress(m_wifi);
-    // The interface exists only while the module is an access point.
+    // The access point's network interface exists only while the Wi-Fi module is in this mode.
     whenAnswered<QVariantMap>(
         m_accessPointFace.getHardwareInfos(),
         [this](const QVariantMap &infos) { m_accessPoint.takeEvidence(!infos.isEmpty()); });
@@ -177,7 +177,7 @@ void Instrument::askForProfile()
 void Instrument::askForAddress(Link &link)
 {
     const bool isWifi = &link == &m_wifi;
-    // A link has an address exactly while it is up.
+    // A link without an address is down.
     whenAnswered<QVariantMap>(isWifi ? m_wifiFace.getIPv4() : m_ethernetFace.getIPv4(),
                               [&link](const QVariantMap &ipv4) {
                                   link.takeEvidence(ipv4.contains(address));

@@ -39,7 +39,7 @@ class Instrument : public QObject
      */
     Q_PROPERTY(QString sdCard READ sdCard NOTIFY storageChanged)
     Q_PROPERTY(QString usbKey READ usbKey NOTIFY storageChanged)
-    /** In percent; -1 if unknown, or on a model without a screen. */
+    /** The backlight in percent; -1 if unknown, or on a model without a screen. */
     Q_PROPERTY(int backlight READ backlight NOTIFY backlightChanged)
     Q_PROPERTY(Link *ethernet READ ethernet CONSTANT)
     Q_PROPERTY(Link *wifi READ wifi CONSTANT)
@@ -91,7 +91,7 @@ private:
     void takePresence(QString &storage, bool isPresent);
     void takeMounted(QString &storage, bool isMounted);
 
-    /** Calls @p receive with the reply of that type when it arrives. */
+    /** Calls @p receive with the reply, of type Answer, when it arrives. */
     template <typename Answer, typename Receive>
     void whenAnswered(const QDBusPendingCall &call, Receive receive);
 

@@ -36,7 +36,7 @@ void Link::takeProperty(const QString &name, const QVariant &value)
 
 void Link::takeEvidence(bool isUp)
 {
-    // A signal is more reliable, even one that came before the reply.
+    // Ignore the reply if a signal has already announced a state: the signal is more reliable.
     if (isUp && m_state == unknown)
         setState(online);
 }

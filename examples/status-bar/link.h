@@ -8,9 +8,9 @@
 /**
  * A network link for QML: the cable, the Wi-Fi station or the access point.
  *
- * The daemon announces each change of a link, and has no method that returns its state. So the
- * state is "unknown" in a program that starts after the daemon, until it changes or a reply shows
- * that the link is up.
+ * The daemon announces each change of a link, and has no method that returns its state. So in a
+ * program that starts after the daemon, the state is "unknown" until the daemon announces a change,
+ * or until a reply shows that the link is up.
  */
 class Link : public QObject
 {
@@ -22,7 +22,7 @@ class Link : public QObject
     Q_PROPERTY(bool online READ isOnline NOTIFY stateChanged)
     /** The IPv4 address; empty if there is none. */
     Q_PROPERTY(QString address READ address NOTIFY addressChanged)
-    /** Of the Wi-Fi station, in percent; -1 if unknown. */
+    /** The strength of the Wi-Fi station's network in percent; -1 if unknown. */
     Q_PROPERTY(int strength READ strength NOTIFY strengthChanged)
 
 public:
@@ -42,7 +42,10 @@ public:
     /** Handles the signal "propertyChanged" of the link's interface. */
     void takeProperty(const QString &name, const QVariant &value);
 
-    /** Handles a reply that shows whether the link is up, or says nothing about it. */
+    /**
+     * Handles a reply. @p isUp: the reply shows that the link is up; otherwise the reply has no
+     * information.
+     */
     void takeEvidence(bool isUp);
 
     void takeAddress(const QString &address);

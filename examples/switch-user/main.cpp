@@ -5,7 +5,7 @@
 
 #include <iostream>
 
-// switch-user NAME: makes another profile the active one, and ends when that is done.
+// switch-user NAME: activates another profile, and ends when the daemon announces the switch.
 int main(int argc, char *argv[])
 {
     QCoreApplication application(argc, argv);

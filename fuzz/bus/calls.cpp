@@ -29,7 +29,7 @@ Message newCall(const std::string &path, const std::string &interface, const std
         daemonName, path.c_str(), interface.empty() ? nullptr : interface.c_str(), name.c_str()));
 }
 
-/** Leaves a message empty if it would have more descriptors than the bus allows. */
+/** Leaves the message empty if it would have more file descriptors than the bus allows. */
 void fill(Message &message, const std::string &signature, bool isAnything, Choices &choices)
 {
     Message bare(dbus_message_copy(message.get()));
@@ -42,7 +42,7 @@ void fill(Message &message, const std::string &signature, bool isAnything, Choic
         message = std::move(bare);
 }
 
-/** Returns some of the types of @p signature, more, or others. */
+/** Returns @p signature with types removed, added or replaced. */
 std::string changed(const std::string &signature, Choices &choices)
 {
     std::vector<std::string> types = typesOf(signature);
@@ -113,7 +113,7 @@ Call callProperties(const Interfaces &interfaces, Choices &choices)
     return {std::move(message), method == "Get" ? "v" : method == "Set" ? "" : "a{sv}"};
 }
 
-/** Calls known names in wrong places, and unknown ones. */
+/** Returns a call of an unknown name, or of a known name on the wrong object or interface. */
 Call callSomethingElse(const Interfaces &interfaces, Choices &choices)
 {
     static const std::string names[] = {"Introspect",

@@ -80,7 +80,7 @@ void addService(DBusMessageIter &map, const char *type, Choices &choices)
     appendVariant(Entry(map, "Strength").end(), DBUS_TYPE_BYTE, &strength);
 }
 
-/** Appends a list of services or of technologies, in which some entries are random. */
+/** Appends a list of services or of technologies. Some of the entries are random values. */
 void appendObjects(const Message &message, bool isOfServices, Choices &choices)
 {
     ValueWriter writer(message.get(), choices);

@@ -27,7 +27,7 @@ public:
     /** Sends a correct or random signal; or leaves the bus and returns. */
     void act(Choices &choices, const Interfaces &interfaces);
 
-    /** From now on replies immediately and always. */
+    /** Makes all further replies immediate and never missing. */
     void behave();
 
     const Connection &connection() const { return *m_connection; }

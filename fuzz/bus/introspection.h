@@ -30,7 +30,7 @@ struct Interfaces {
     std::vector<std::string> names;
 };
 
-/** Introspects all of the daemon's objects, from the root on. */
+/** Introspects all of the daemon's objects, starting at the root. */
 Interfaces introspect(Connection &connection);
 
 #endif

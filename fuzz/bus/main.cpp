@@ -24,7 +24,7 @@ using Clock = std::chrono::steady_clock;
 
 /** The bus allows a client 128 pending calls. */
 const std::size_t mostAwaited = 24;
-/** No call takes the daemon longer than two that ConnMan does not answer. */
+/** The longest time that a call can take: longer than two calls that ConnMan does not answer. */
 const std::chrono::seconds longestWait(120);
 /** The daemon's footprint is taken after each of this number of equal parts of the calls. */
 const unsigned int parts = 8;
@@ -36,7 +36,7 @@ struct Options {
     std::uint64_t from = 0;
     std::uint64_t calls = 0;
     int process = 0;
-    /** True if the daemon's time passes so fast that a reply may stay away. */
+    /** True if the daemon's time passes so fast that a reply can be missing. */
     bool isTimelapse = false;
     /** True if the daemon reports its allocated memory; see leakcheck.cpp. */
     bool isChecked = false;
@@ -63,7 +63,7 @@ long privateMemoryOf(int process)
     return sum;
 }
 
-/** Asks a daemon with sanitizers. */
+/** Returns the allocated memory of a daemon that is built with sanitizers. */
 long allocatedBy(int process)
 {
     static const char path[] = "/run/allocated";
@@ -73,7 +73,7 @@ long allocatedBy(int process)
     std::string line;
     while (Clock::now() < deadline) {
         std::ifstream file(path);
-        // The newline shows that the number is complete.
+        // A line feed shows that the number is complete.
         if (std::getline(file, line) && !file.eof())
             return std::stol(line) / 1024;
         waitForAny({}, 1);
@@ -139,7 +139,7 @@ private:
         std::printf("\n");
     }
 
-    /** The second half of the calls may need no more than the first half. */
+    /** Fails if the daemon's footprint has grown in the second half of the calls. */
     void judge(const std::vector<Footprint> &footprints) const
     {
         const auto middle = footprints.begin() + parts / 2;

@@ -16,7 +16,7 @@ namespace board
 {
 namespace
 {
-// Never destroyed: our thread may still run while the process exits.
+// Never destroyed: the light sensor's thread may still run while the process exits.
 const std::string &root()
 {
     static const std::string &location = *[] {
@@ -87,8 +87,8 @@ void createFile(const std::string &file, const std::string &content)
 }
 
 /**
- * Creates a missing file with its default. A missing register means that the chip does not have it,
- * so registers are created only with the whole set.
+ * Creates a missing file with its default. A missing register file means that the chip lacks this
+ * register, so register files are created only together with their directory.
  */
 void restore(const std::string &file)
 {
@@ -198,7 +198,8 @@ Lock::~Lock()
     --lockDepth;
     if (m_directory < 0)
         return;
-    // A forked child shares the lock: closing alone would not release it.
+    // Unlock explicitly: a forked child shares the lock, so closing the file descriptor may not
+    // release it.
     flock(m_directory, LOCK_UN);
     close(m_directory);
 }

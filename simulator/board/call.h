@@ -10,8 +10,8 @@
 namespace board
 {
 /**
- * One call of a library operation: applies the requested fault and writes the journal line at its
- * end.
+ * One call of a library operation. Applies the requested fault, and writes the journal line when
+ * the call ends.
  */
 class Call
 {

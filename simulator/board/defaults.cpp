@@ -70,7 +70,7 @@ std::vector<DefaultFile> makeDefaultFiles()
 
 const std::vector<DefaultFile> &defaultFiles()
 {
-    // Never destroyed: our thread may still run while the process exits.
+    // Never destroyed: the light sensor's thread may still run while the process exits.
     static const std::vector<DefaultFile> &files =
         *new std::vector<DefaultFile>(makeDefaultFiles());
     return files;

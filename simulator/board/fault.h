@@ -24,9 +24,9 @@ struct Fault {
 /** The content of a fault's file. */
 struct FaultWords {
     Fault fault;
-    /** The remaining faulty calls; negative for all calls. */
+    /** The number of faulty calls still to come; negative for all calls. */
     long long calls = -1;
-    /** The calls that work before the first faulty one. */
+    /** The number of calls that work before the first faulty call. */
     long long after = 0;
 };
 
@@ -41,7 +41,10 @@ FaultWords parseFault(const std::string &words);
 /** Returns the words for @p asked. */
 std::string faultText(const FaultWords &asked);
 
-/** Takes the fault of the next call of @p operation, for example "KyAls.init". */
+/**
+ * Returns the fault of the next call of @p operation, for example "KyAls.init", and counts this
+ * call in the fault's file.
+ */
 Fault takeFault(const std::string &operation);
 
 /**

@@ -20,7 +20,7 @@ std::optional<unsigned int> readRegister(unsigned short reg)
     char file[16];
     static_cast<void>(std::snprintf(file, sizeof file, "soc/0x%x", reg));
     const auto value = readNumber<unsigned int>(file, 0, UINT_MAX);
-    // Reading the register feeds the watchdog; a failure to count that is ignored.
+    // Reading the register feeds the watchdog. Ignore a failure to increment the counter.
     if (value && reg == watchdogRegister)
         static_cast<void>(increment("watchdog/feeds"));
     if (!value || reg != statusRegister)

@@ -101,7 +101,7 @@ std::optional<float> LightSensor::read()
 {
     const std::lock_guard<std::mutex> guard(m_mutex);
     const std::optional<float> lux = readLux();
-    // Before the interrupt, a read must not count as having seen the change.
+    // While an enabled interrupt is not raised, a read must not make the change count as seen.
     if (lux && (m_isRaised || !m_isEnabled))
         m_settled = lux;
     return lux;
@@ -161,7 +161,7 @@ bool LightSensor::start()
     m_stop.reset(eventfd(0, EFD_CLOEXEC));
     if (!m_line.open() || !m_stop.isOpen())
         return false;
-    // The process's signals are for other threads; the new thread inherits the mask.
+    // Block all signals: other threads handle them. The new thread inherits the mask.
     sigset_t all;
     sigset_t before;
     sigfillset(&all);
@@ -257,7 +257,7 @@ int LightSensor::millisecondsToRepetition() const
     using std::chrono::milliseconds;
     if (!m_repetition)
         return -1;
-    // Round up, so as not to wake up too early.
+    // Round up: otherwise the thread would wake up too early.
     const auto left =
         std::chrono::duration_cast<milliseconds>(*m_repetition - Clock::now()) + milliseconds(1);
     return static_cast<int>(std::max(left, milliseconds(0)).count());

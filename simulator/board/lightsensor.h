@@ -20,8 +20,8 @@ namespace board
  * - repeatedly while the light stays outside, each time after the persistence time, counted in
  *   tenths of a second (at least one) from the acknowledgement of the last interrupt.
  *
- * It does not interrupt again before the acknowledgement. No change is lost: a change that was
- * not read by then interrupts at the acknowledgement.
+ * It does not interrupt again before the acknowledgement. No change is lost: a change that has not
+ * been read before the acknowledgement causes an interrupt then.
  *
  * A value is outside the band when its code is above the upper threshold or below the lower one.
  */
@@ -70,7 +70,7 @@ private:
     Descriptor m_stop;
     std::thread m_watcher;
     const pid_t m_process;
-    /** The light for which no further interrupt is due. */
+    /** The light that the program already knows: it causes no further interrupt. */
     std::optional<float> m_settled;
     /** When light that stays outside the band interrupts again. */
     std::optional<Clock::time_point> m_repetition;

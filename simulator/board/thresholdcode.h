@@ -10,9 +10,9 @@
  *     m                    when e is 0
  *     (16 + m) * 2^(e-1)   when e is 1 to 15
  *
- * up to the first count of the next code. So codes rise with the light, one code is a quarter of a
- * lux wide below 8 lux and at most a sixteenth of its light wide above, and the last one, 255,
- * begins at 126976 lux and stands for everything beyond, too.
+ * up to the first count of the next code. So codes increase with the light. Below 8 lux a code
+ * covers a quarter of a lux; above, it covers at most a sixteenth of its smallest value. The last
+ * code, 255, covers everything from 126976 lux on.
  */
 namespace board
 {

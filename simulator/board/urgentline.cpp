@@ -57,7 +57,8 @@ bool UrgentLine::open()
         m_receiver.reset();
         return false;
     }
-    // A byte must not wait for the acknowledgement of the previous one.
+    // Send each byte at once (TCP_NODELAY), without waiting for the acknowledgement of the previous
+    // byte.
     const int on = 1;
     setsockopt(m_sender.get(), IPPROTO_TCP, TCP_NODELAY, &on, sizeof on);
     return true;

@@ -10,10 +10,13 @@
 class UrgentLine
 {
 public:
-    /** Establishes the connection; returns true if it exists, new or old. */
+    /** Establishes the connection unless it exists. Returns false on failure. */
     bool open();
 
-    /** The end that signals; non-blocking. -1 if there is none. */
+    /**
+     * Returns the non-blocking file descriptor at which the signal arrives; -1 if there is no
+     * connection.
+     */
     int descriptor() const { return m_receiver.get(); }
 
     /** Signals urgent data until a reader consumes it. */

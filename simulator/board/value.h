@@ -13,11 +13,12 @@ std::optional<std::string> readText(const std::string &file);
 /**
  * Returns the number in @p file, decimal or, with the prefix 0x, hexadecimal.
  *
- * @return nothing if it is no number or outside @p lowest to @p highest
+ * @return nothing if the text is not a number, or the number is not in the range from @p lowest to
+ *         @p highest
  */
 std::optional<long long> readNumber(const std::string &file, long long lowest, long long highest);
 
-/** The same as a smaller type that can hold @p lowest to @p highest. */
+/** Returns the same as readNumber(), in a smaller type that can hold @p lowest to @p highest. */
 template <typename Number>
 std::optional<Number> readNumber(const std::string &file, long long lowest, long long highest)
 {

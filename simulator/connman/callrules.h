@@ -11,7 +11,7 @@ struct CallRule {
     enum Kind { Fail, Reply, Delay, Hold };
 
     Kind kind;
-    /** The rule applies to every call whose journal line begins with this. */
+    /** The rule applies to every call whose journal line begins with this text. */
     QString call;
     /** Fail: name and text of the error. */
     QString errorName;
@@ -22,7 +22,7 @@ struct CallRule {
     int milliseconds = 0;
 };
 
-/** The active rules. Of several rules of one kind for a call, the last one applies. */
+/** The active rules. If several rules of one kind match a call, the last one applies. */
 class CallRules
 {
 public:

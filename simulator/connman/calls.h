@@ -10,8 +10,8 @@
 class Connman;
 
 /**
- * The calls to ConnMan: writes each one to the journal on arrival. The rules decide when it is
- * answered, and whether by ConnMan or with the error or reply of a rule.
+ * The calls to ConnMan. Writes each call to the journal when it arrives. The rules decide when to
+ * reply, and whether ConnMan replies or a rule's error or reply is sent.
  */
 class Calls : public QObject
 {

@@ -31,7 +31,7 @@ public:
     void setTechnologies(const ListedObjects &technologies);
     void setServices(const ListedObjects &services);
 
-    /** Sets what carries out the accepted calls; null for Still. */
+    /** Sets the behaviour that carries out the accepted calls; null for Still. */
     void setBehaviour(Behaviour *behaviour);
 
     void addService(const ListedObject &service);
@@ -56,8 +56,8 @@ public:
     bool announceProperty(const QString &path, const QString &name);
 
     /**
-     * Sends ServicesChanged with the whole list: services that no earlier list had with their
-     * properties, the others without, and the paths of removed services.
+     * Sends ServicesChanged with all services and the paths of removed services. Only services that
+     * no earlier list contained have their properties in it.
      */
     void announceServices();
 

@@ -174,7 +174,7 @@ QVariantMap Lively::address(const QString &service) const
             {QStringLiteral("Gateway"), QStringLiteral("10.77.0.1")}};
 }
 
-/** Announces the change, unless no announced list has had the service yet. */
+/** Stores the change, and announces it if an announced list has contained the service. */
 void Lively::change(const QString &path, const QString &name, const QVariant &value)
 {
     if (m_connman.storeProperty(path, name, value) && m_connman.isAnnounced(path))

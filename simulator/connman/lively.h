@@ -9,8 +9,8 @@
 
 /**
  * Unprompted behaviour of ConnMan: services come and go with the power of their technology, with
- * the cable and with the networks in reach; connections are made. Everything is announced in the
- * same order as by the real one.
+ * the cable and with the networks in reach; connections are made. Signals are sent in the same
+ * order as by the real ConnMan.
  *
  * A cable in a powered socket is connected at once, to a DHCP server that leases 10.77.0.72. A
  * network is joined on Connect, with the passphrase of the caller's agent.
@@ -23,12 +23,13 @@ public:
     Lively(Connman &connman, QObject *parent);
 
     /**
-     * Adds or removes a cable or a network. It is listed while its technology is powered.
+     * Adds or removes a cable or a network. ConnMan lists the service while its technology is
+     * powered.
      */
     void add(const ListedObject &service);
     void remove(const QString &service);
 
-    /** Sets the passphrase of a network; without one, every passphrase is accepted. */
+    /** Sets the passphrase of a network. A network without one accepts every passphrase. */
     void setPassphrase(const QString &service, const QString &passphrase);
 
     /** Carries out a call, announces its consequences and replies. */

@@ -7,7 +7,7 @@
 
 class Connman;
 
-/** Stores properties, asks the agent where a test wants it, and does nothing else. */
+/** Stores properties, calls the agent if a test has requested it, and does nothing else. */
 class Still : public Behaviour
 {
 public:

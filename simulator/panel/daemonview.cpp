@@ -18,7 +18,7 @@ const QString ethernetName = QStringLiteral("Ethernet");
 const QString wifiName = QStringLiteral("WIFI");
 const QString accessPointName = QStringLiteral("WIFIAP");
 
-/** Read each time: libdbus would cache the first address. */
+/** Read the environment each time: libdbus would cache the first address. */
 QString busAddress()
 {
     return qEnvironmentVariable("DBUS_SYSTEM_BUS_ADDRESS",
@@ -166,8 +166,10 @@ void DaemonView::setDaemonThere(bool isThere)
         ask();
 }
 
-/** All links of a daemon that has just started are idle; of one that ran before us any state is
- * possible. */
+/**
+ * Sets all links to "idle", their state in a daemon that has just started. The links of a daemon
+ * that started before us can have any state.
+ */
 void DaemonView::beginIdle()
 {
     for (const QString &interface : {ethernetName, wifiName, accessPointName}) {
@@ -187,7 +189,7 @@ void DaemonView::follow(const QDBusPendingCall &call,
         watcher->deleteLater();
         if (!watcher->isError())
             take(*watcher);
-        // The daemon claims its name just before it exports its objects, and may hang meanwhile.
+        // The daemon owns its name shortly before it exports its objects, and may hang in between.
         else if (watcher->error().type() == QDBusError::UnknownObject ||
                  watcher->error().type() == QDBusError::NoReply)
             m_isToAsk = true;
@@ -240,7 +242,10 @@ void DaemonView::takeProperty(const QString &interface, const QString &path, con
     }
 }
 
-/** An interface with an address is connected. A program that starts later cannot know more. */
+/**
+ * Queries the address: an interface with an address is connected. No method returns the state
+ * itself.
+ */
 void DaemonView::askAddress(const QString &interface)
 {
     const QDBusPendingCall call = interface == ethernetName ? m_proxies->ethernet.getIPv4()

@@ -26,7 +26,10 @@ public:
     /** Writes the known state to @p instrument. */
     void fill(Instrument &instrument) const;
 
-    /** Returns true if the bus is there and the daemon is away or has answered every query. */
+    /**
+     * Returns true if the bus is connected, and the daemon has either answered every query or does
+     * not run.
+     */
     bool isComplete() const;
 
     /** Queries the daemon again at the next joinBus(); until then isComplete() returns false. */
@@ -57,7 +60,7 @@ private:
 
     int m_unanswered = 0;
     bool m_isToAsk = false;
-    /** Only the daemon's parts of it are used. */
+    /** Only the members that describe the daemon are used. */
     Instrument m_known;
     std::unique_ptr<Proxies> m_proxies;
 };

@@ -6,7 +6,7 @@
 
 namespace
 {
-/** LEDs that blink once and three times a second have four looks together. */
+/** LEDs that blink at 1 Hz and LEDs that blink at 3 Hz have four combinations of on and off. */
 const int mostPictures = 4;
 } // namespace
 

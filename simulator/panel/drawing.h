@@ -18,7 +18,7 @@
 class Drawing
 {
 public:
-    /** A @p file that is no drawing gives an empty one without elements. */
+    /** Reads the SVG @p file; if this fails, the drawing is empty. */
     explicit Drawing(const QString &file);
 
     QSizeF size() const { return m_size; }
@@ -36,12 +36,12 @@ public:
     /** Applies this look to the elements. */
     void apply(const Look &look);
 
-    /** Draws it centred in an image of @p size, as large as it fits. */
+    /** Draws the elements centred in an image of @p size, as large as possible. */
     QImage render(const QSize &size) const;
 
     /**
-     * Applies this look and draws it, too. Keeps the last images: blinking LEDs alternate between a
-     * few looks.
+     * Applies @p look and returns the rendered image. Keeps the last images: blinking LEDs
+     * alternate between a few looks.
      */
     QImage picture(const Look &look, const QSize &size);
 
@@ -55,7 +55,7 @@ private:
     QDomDocument m_document;
     QHash<QString, QDomElement> m_elements;
     QHash<QString, QRectF> m_bounds;
-    /** From the original drawing: a Look gives spans as parts of these. */
+    /** Left edges and widths in the original drawing, to which the spans of a Look refer. */
     QHash<QString, double> m_lefts;
     QHash<QString, double> m_widths;
     QSizeF m_size;

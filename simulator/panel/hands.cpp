@@ -66,7 +66,7 @@ QString storageHand(const QString &device, bool isMounting, const Instrument &in
     return action ? say("storage", QLatin1String(action) + QLatin1Char(' ') + device) : QString();
 }
 
-/** Two significant digits: a hand drags no more precisely. */
+/** Rounds to two significant digits, the precision of a drag. */
 int roundedLight(double lux)
 {
     const double unit = std::pow(10, std::max(0.0, std::floor(std::log10(lux)) - 1));

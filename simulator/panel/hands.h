@@ -13,7 +13,7 @@ QStringList handElements();
 bool isDragged(const QString &element);
 
 /**
- * Returns the shell command in the world for a hand on an element.
+ * Returns the shell command to run in the world when @p element is pressed, or dragged to @p place.
  *
  * @param place the hand's position on the element from left to right, 0 to 1
  * @return empty if nothing happens
@@ -23,7 +23,10 @@ QString commandFor(const QString &element, double place, const Instrument &instr
 /** Returns these words as one command for a shell, quoted where necessary. */
 QString shellCommand(const QStringList &words);
 
-/** Returns the same command as typed outside, with the name by which the instrument was started. */
+/**
+ * Returns @p command as a user types it outside of the world, with the name of the program that
+ * started the instrument.
+ */
 QString asTyped(const QString &command);
 
 /** The operations of the hardware libraries that can have a fault. */

@@ -21,7 +21,7 @@ struct AirPoint {
 struct Link {
     /** The last state; empty until one was announced. */
     QString state;
-    /** The states on the way to the last one, which is included. */
+    /** The states of the current attempt, up to and including the last one. */
     QStringList trail;
     QString address;
 };
@@ -30,7 +30,7 @@ struct Link {
 struct Instrument {
     /** The board's files by their names, for example "als/lux"; missing files are not included. */
     QMap<QString, QByteArray> board;
-    /** Milliseconds since the watchdog was fed; negative if no feeding is known. */
+    /** Milliseconds since the watchdog was last fed; negative if this is unknown. */
     qint64 fedBefore = -1;
 
     /** How many times faster the instrument's time passes. */
@@ -48,9 +48,9 @@ struct Instrument {
     QString profile;
     bool isChangingProfile = false;
     QString batteryStatus;
-    /** By interface: "Ethernet", "WIFI", "WIFIAP". */
+    /** The daemon's network interfaces by name: "Ethernet", "WIFI", "WIFIAP". */
     QMap<QString, Link> links;
-    /** Of the current Wi-Fi network, 0 to 100; negative without a network. */
+    /** The strength of the current Wi-Fi network, 0 to 100; negative without a network. */
     int strength = -1;
     /** The network that the station announced as connected; empty without one. */
     QString joinedService;

@@ -37,7 +37,7 @@ double ledOpacity(const QByteArray &state, qint64 milliseconds)
         return milliseconds * 3 % 1000 < 500 ? 1 : 0;
     if (state == "OFF")
         return 0;
-    // Neither lit nor dark: UNKNOWN, or an invalid value.
+    // An LED whose state is UNKNOWN or invalid is half lit.
     return 0.35;
 }
 
@@ -93,14 +93,14 @@ public:
 private:
     QByteArray raw(const QString &file) const { return m_instrument.board.value(file); }
 
-    /** The value in @p file; a question mark if there is none. */
+    /** Returns the value in @p file; a question mark if there is none. */
     QString value(const char *file) const
     {
         const QString text = QString::fromUtf8(raw(QString::fromLatin1(file)).trimmed());
         return text.isEmpty() || text.size() > 12 ? unknown : text;
     }
 
-    /** The number in @p file; @p otherwise if it is none. */
+    /** Returns the number in @p file; @p otherwise if the file has no number. */
     double number(const QString &file, double otherwise, bool *isGood = nullptr) const
     {
         bool good = false;

@@ -26,7 +26,7 @@ struct Scale {
     double highest;
     bool isLogarithmic;
 
-    /** Returns the position of @p value on it, 0 to 1. */
+    /** Returns the position of @p value on the scale, 0 to 1. */
     double placeOf(double value) const;
     /** Returns the value at @p place, which is limited to 0 to 1. */
     double valueAt(double place) const;
@@ -42,13 +42,16 @@ const int longestCommand = 100;
 /** The number of access points with a row in the drawing. */
 constexpr int airRows = 6;
 
-/** Returns the opacity at a time of an LED with @p state, a name in the board's files. */
+/**
+ * Returns the opacity of an LED at the time @p milliseconds. @p state is a name in the board's
+ * files.
+ */
 double ledOpacity(const QByteArray &state, qint64 milliseconds);
 
 /**
  * Returns the appearance of @p instrument.
  *
- * @param milliseconds of any monotonic clock, by which LEDs blink
+ * @param milliseconds the time of any monotonic clock, for blinking LEDs
  */
 Look lookOf(const Instrument &instrument, qint64 milliseconds);
 

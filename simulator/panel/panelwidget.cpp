@@ -17,8 +17,8 @@ constexpr int tickMs = 50;
 /** The bus and the surroundings of the daemon are polled less often than the board. */
 constexpr int slowTicks = 4;
 /**
- * The next command waits for the previous one for at most this time: Stop does not end while a
- * debugger holds the daemon.
+ * The longest time that a command delays the next one: stopping the daemon does not end while a
+ * debugger holds it.
  */
 constexpr int handTimeoutMs = 2000;
 } // namespace
@@ -157,7 +157,7 @@ void PanelWidget::mouseMoveEvent(QMouseEvent *event)
         if (command == m_dragCommand)
             return;
         m_dragCommand = command;
-        // Only the hand's last position counts.
+        // Only the last position of a drag counts.
         if (!m_commands.isEmpty())
             m_commands.removeLast();
         run(command);

@@ -12,7 +12,9 @@
 
 class QMenu;
 
-/** The front panel: shows the instrument, and carries out what a hand does on it. */
+/**
+ * The front panel: shows the instrument, and runs a command when an element is pressed or dragged.
+ */
 class PanelWidget : public QWidget
 {
     Q_OBJECT
@@ -29,7 +31,7 @@ public:
     bool isGood() const { return !m_drawing.size().isEmpty(); }
     /** Returns true if everything that a picture shows is known. */
     bool isComplete() const;
-    /** Queues a command and runs it like a click's. */
+    /** Queues a command and runs it like the command of a mouse click. */
     void run(const QString &command);
     /** Returns true while a command is queued or runs. */
     bool isBusy() const;
@@ -49,7 +51,7 @@ public:
     QSize sizeHint() const override;
 
 Q_SIGNALS:
-    /** A command was run; @p command is what to type outside. */
+    /** A command was run; @p command is its form to type outside of the world. */
     void commandRan(const QString &command);
     void busCame();
 

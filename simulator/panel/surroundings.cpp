@@ -38,8 +38,7 @@ int isStopped(const QString &pidFile)
 
 int cableState()
 {
-    // The near end's carrier: that end is up, whatever ConnMan does with the interface on top of
-    // it.
+    // Read the carrier of the cable's near end, which is up whatever ConnMan does with eth0.
     QFile carrier(QStringLiteral("/sys/class/net/socket/carrier"));
     if (!carrier.open(QIODevice::ReadOnly))
         return -1;

@@ -3,7 +3,10 @@
 
 #include "instrument.h"
 
-/** Reads the files of the board into @p instrument, without changing them; none without a board. */
+/**
+ * Reads the files of the board into @p instrument without changing them. Reads nothing if there is
+ * no board.
+ */
 void readBoard(Instrument &instrument);
 
 /** Reads the speed, the cable, the DHCP servers and the access points into @p instrument. */

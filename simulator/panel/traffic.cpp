@@ -67,7 +67,9 @@ QString TrafficLine::text() const
     return {};
 }
 
-/** Removes a call from the calls without a reply; returns an empty one if it is unknown. */
+/**
+ * Removes and returns a call that has no reply yet; returns an empty one if there is no such call.
+ */
 Traffic::Call Traffic::takeCall(const QString &caller, int serial)
 {
     const auto call = std::find_if(m_calls.begin(), m_calls.end(), [&](const Call &other) {
@@ -114,7 +116,7 @@ bool Traffic::take(const QJsonObject &message, const QString &ignored, TrafficLi
     }
     if (line.interface.startsWith(ownPrefix))
         line.interface = line.interface.mid(ownPrefix.size());
-    // Calls to the bus itself say nothing about the instrument.
+    // Leave out calls to the bus itself: they do not concern the instrument.
     const bool isOfBus = line.interface.startsWith(QLatin1String("org.freedesktop.DBus")) &&
                          !line.interface.endsWith(QLatin1String(".Properties"));
     return !line.member.isEmpty() && !isOfBus &&

@@ -11,15 +11,18 @@ struct TrafficLine {
     enum Kind { Signal, Call, Reply, Error };
 
     Kind kind;
-    /** HH:mm:ss.zzz, of the machine. */
+    /** The machine's time as HH:mm:ss.zzz. */
     QString time;
-    /** Without the common prefix of the daemon's interfaces: "WIFI", "net.connman.Service". */
+    /**
+     * The interface, for the daemon's interfaces without their common prefix: "WIFI",
+     * "net.connman.Service".
+     */
     QString interface;
     QString member;
     /** The values, or an error's name and text. */
     QString values;
 
-    /** The line as saved. */
+    /** Returns the line as it is saved to a file. */
     QString text() const;
 };
 
@@ -27,7 +30,10 @@ struct TrafficLine {
 class Traffic
 {
 public:
-    /** The most calls that wait for their replies; for more, the oldest are forgotten. */
+    /**
+     * The maximum number of calls that wait for their replies. Beyond it, the oldest calls are
+     * forgotten.
+     */
     static constexpr int mostCalls = 1000;
 
     /**

@@ -11,7 +11,7 @@
 class QComboBox;
 class QPlainTextEdit;
 
-/** The daemon's signals, and the calls to and from it, as they happen. */
+/** Shows the daemon's signals, and the calls to and from the daemon, as they happen. */
 class TrafficLog : public QWidget
 {
     Q_OBJECT
@@ -23,7 +23,7 @@ public:
     /** Leaves out the calls of the connection with this bus name. */
     void setIgnored(const QString &name) { m_ignored = name; }
 
-    /** Inserts a line of our own. */
+    /** Inserts a line that is not a message. */
     void note(const QString &text);
 
     /** The visible text, a line for each message. */

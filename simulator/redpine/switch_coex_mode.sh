@@ -13,7 +13,7 @@ set -u
 mode=${1:-}
 directory=/run/strandel-redpine
 configuration=/tmp/User_part/hostapd.conf
-# A controlled clock of the caller must not affect us.
+# Use the machine's clock, even if the caller's clock is faked.
 unset LD_PRELOAD FAKETIME FAKETIME_SHARED
 
 say() {
@@ -45,12 +45,13 @@ await() {
     done
 }
 
+# shellcheck disable=SC2317
 has_carrier() {
     ip link show dev wifi_ap | grep -q 'state UP'
 }
 
-# The other end of the pair is the air: without it the interface has no carrier. The kernel passes the
-# carrier on later, on a busy machine much later.
+# The interface needs the other end of the pair (the "air") for its carrier. The kernel reports the
+# carrier after "ip" has returned.
 bring_interface_up() {
     ip link add wifi_ap address 02:aa:bb:cc:dd:03 type veth peer name wifi_air
     ip address add "$address/24" dev wifi_ap

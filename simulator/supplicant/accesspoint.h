@@ -9,7 +9,7 @@
 /** An access point in the air. */
 struct AccessPoint {
     QByteArray ssid;
-    /** In dBm. */
+    /** The signal strength in dBm. */
     short signal = -60;
     /** WPA2 with a passphrase; otherwise open. */
     bool isProtected = false;
@@ -23,18 +23,20 @@ struct AccessPoint {
     bool isMute = false;
 };
 
-/** By the names of their directories. */
+/** Access points by the names of their directories. */
 using AccessPoints = QMap<QString, AccessPoint>;
 
 /**
  * Returns the access point that the files of a directory describe, by file name.
  *
- * A file that is missing, empty (as it is for a moment during a write) or invalid keeps the value
- * of @p before.
+ * If a file is missing, invalid, or empty (as during a write), the property keeps its value in @p
+ * before.
  */
 AccessPoint accessPointFrom(const QMap<QString, QByteArray> &files, const AccessPoint &before);
 
-/** Returns the supplicant's properties of it; without its name if @p isNamed is false. */
+/**
+ * Returns the supplicant's properties of @p accessPoint; without its name if @p isNamed is false.
+ */
 QVariantMap bssProperties(const QString &directory, const AccessPoint &accessPoint, bool isNamed);
 
 #endif

@@ -97,7 +97,7 @@ const AccessPoints &Air::accessPoints()
 
 void Air::read()
 {
-    // Watch first, then read: later changes are announced, earlier ones are read.
+    // Watch before reading, so that no change is missed.
     watch();
     const QStringList names = namesIn(m_directory);
     AccessPoints found;

@@ -11,7 +11,7 @@
  */
 QString chooseAccessPoint(const AccessPoints &air, const QVariantMap &network);
 
-/** Returns the states from there to the end, "completed" or "disconnected". */
+/** Returns the supplicant's states of an association, up to "completed" or "disconnected". */
 QStringList associationSteps(const AccessPoints &air, const QString &chosen,
                              const QVariantMap &network);
 

@@ -40,7 +40,7 @@ bool BusFace::handleProperties(const QDBusMessage &call, const QDBusConnection &
         const QVariantMap all = properties(call.path(), arguments.at(0).toString());
         return connection.send(call.createReply(QVariant(all)));
     }
-    // Clients set details of a real radio here, which this one does not have.
+    // Accept and ignore these properties: they configure a real radio.
     if (method == QLatin1String("Set(ssv)"))
         return connection.send(call.createReply());
     if (method != QLatin1String("Get(ss)"))

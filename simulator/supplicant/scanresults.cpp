@@ -41,7 +41,7 @@ ScanResults::Difference ScanResults::update(const AccessPoints &air,
     return difference;
 }
 
-/** Adds a result to @p results, with its previous object or a new one. */
+/** Adds a result to @p results: the previous result of the same access point, or a new one. */
 void ScanResults::find(const Result &result, QList<Result> &results, Difference &difference)
 {
     Result found = result;

@@ -13,7 +13,8 @@ public:
     struct Result {
         QString directory;
         /**
-         * A hidden access point that was asked for by name appears a second time, with its name.
+         * A hidden access point that a client has asked for by name has a second result, with its
+         * name.
          */
         bool isNamed;
         QDBusObjectPath path;
@@ -23,7 +24,7 @@ public:
     /** The differences after a scan. */
     struct Difference {
         QList<Result> added;
-        /** The same objects with another signal strength. */
+        /** Results whose signal strength has changed. */
         QList<Result> changed;
         QList<QDBusObjectPath> removed;
     };
@@ -44,7 +45,7 @@ public:
      */
     QDBusObjectPath pathOf(const QString &directory) const;
 
-    /** Empty if there is no such object. */
+    /** Returns the properties of the result at @p path; empty if there is none. */
     QVariantMap properties(const QString &path) const;
 
 private:

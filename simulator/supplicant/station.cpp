@@ -12,7 +12,10 @@ const QString interface = QStringLiteral("fi.w1.wpa_supplicant1.Interface");
 const QString completed = QStringLiteral("completed");
 const QString disconnected = QStringLiteral("disconnected");
 
-/** In milliseconds: shorter than a radio's, long enough to be observed. */
+/**
+ * The duration of a scan in milliseconds: shorter than with a radio, but long enough to be
+ * observed.
+ */
 constexpr int scanTimeMs = 50;
 constexpr int stepTimeMs = 10;
 constexpr int retryTimeMs = 500;

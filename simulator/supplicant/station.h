@@ -23,7 +23,7 @@ public:
 
     QVariantMap properties() const;
 
-    /** Returns the properties of one of its results; empty if there is no such object. */
+    /** Returns the properties of the scan result at @p path; empty if there is none. */
     QVariantMap resultProperties(const QString &path) const { return m_results.properties(path); }
 
     /** Carries out and answers a call of the interface's object. */
@@ -53,7 +53,7 @@ private:
     QList<QByteArray> m_askedFor;
     QMap<QString, QVariantMap> m_networks;
     int m_lastNetwork = -1;
-    /** The network to join, and to rejoin when it is lost. */
+    /** The network to join, and to join again after the connection is lost. */
     QString m_selected;
     QString m_accessPoint;
     QString m_state;

@@ -18,7 +18,9 @@ using ListedObjects = QList<ListedObject>;
 QDBusArgument &operator<<(QDBusArgument &argument, const ListedObject &object);
 const QDBusArgument &operator>>(const QDBusArgument &argument, ListedObject &object);
 
-/** Registers lists of them with Qt D-Bus; call it before one is sent or read. */
+/**
+ * Registers lists of ListedObject with Qt D-Bus. Call this function before sending or reading one.
+ */
 void registerListedObjects();
 
 Q_DECLARE_METATYPE(ListedObject)
