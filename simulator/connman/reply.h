@@ -26,7 +26,8 @@ QString signatureOf(const QVariant &value);
 /** Returns @p value as a map; empty unless its type is a{sv}. */
 QVariantMap mapOf(const QVariant &value);
 
-/** Returns the first argument of @p call, an object path; empty if the argument has another type. */
+/** Returns the first argument of @p call, an object path; empty if the argument has another type.
+ */
 QString pathArgument(const QDBusMessage &call);
 
 #endif
