@@ -1,4 +1,5 @@
-# compdef kyboardctl Zsh completion of kyboardctl. "kyboardctl complete" prints the candidates.
+#compdef kyboardctl
+# Zsh completion of kyboardctl. "kyboardctl complete" prints the candidates.
 _kyboardctl() {
     local -a candidates begun
     candidates=("${(@f)$(kyboardctl complete "${(@Q)words[2,CURRENT-1]}" "${(Q)PREFIX}" 2>/dev/null)}")
