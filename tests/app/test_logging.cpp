@@ -1,5 +1,6 @@
 #include "board.h"
 #include "daemontest.h"
+#include "deadline.h"
 #include "logging.h"
 
 #include <cerrno>
@@ -178,8 +179,10 @@ void TestLogging::loggingResumesWithANewReader()
     causeLines();
 
     QByteArray text;
-    QTRY_VERIFY2((text += readPipe()).contains(childLine), text.constData());
-    QTRY_VERIFY2((text += readPipe()).contains("Read interrupt ALS failed"), text.constData());
+    QTRY_VERIFY2_WITH_TIMEOUT((text += readPipe()).contains(childLine), text.constData(),
+                              deadlineMs);
+    QTRY_VERIFY2_WITH_TIMEOUT((text += readPipe()).contains("Read interrupt ALS failed"),
+                              text.constData(), deadlineMs);
 }
 
 void TestLogging::aLogWhoseReaderEndsEndsNothing()
@@ -227,7 +230,7 @@ void TestLogging::childrenHaveDefaultSignals()
 
     Remote("/KyComMgr", "WIFI").call("scan");
 
-    QTRY_VERIFY(QFile::exists("/run/signals"));
+    QTRY_VERIFY_WITH_TIMEOUT(QFile::exists("/run/signals"), deadlineMs);
     const QByteArray none = "\t0000000000000000";
     QCOMPARE(readFile("/run/signals"), "SigBlk:" + none + "\nSigIgn:" + none + '\n');
     QFile::remove(script);

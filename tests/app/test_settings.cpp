@@ -1,4 +1,5 @@
 #include "daemontest.h"
+#include "deadline.h"
 #include "settings.h"
 
 /** The settings file. */
@@ -99,7 +100,7 @@ void TestSettings::theFourUsersAreUsableAfterAStart()
 {
     QVERIFY(daemon.start());
     // The event loop's first round writes them: the daemon does not have to end.
-    QTRY_COMPARE(readFile("/opt/settings.ini"), fourUsers);
+    QTRY_COMPARE_WITH_TIMEOUT(readFile("/opt/settings.ini"), fourUsers, deadlineMs);
 }
 
 void TestSettings::unreadEntriesAreKept()
@@ -110,7 +111,8 @@ void TestSettings::unreadEntriesAreKept()
     const QByteArray accessPoint = "\n[WifiAp]\nip=1.2.3.4\nmaxChannel=11\nminChannel=1\n";
     writeFile("/opt/settings.ini", others + accessPoint);
     QVERIFY(daemon.start());
-    QTRY_COMPARE(readFile("/opt/settings.ini"), others + fourUsers + accessPoint);
+    QTRY_COMPARE_WITH_TIMEOUT(readFile("/opt/settings.ini"), others + fourUsers + accessPoint,
+                              deadlineMs);
 }
 
 void TestSettings::aFileThatCannotBeUsedIsAnEmptyOne_data()
@@ -169,7 +171,7 @@ void TestSettings::nothingIsStoredUntilTheNextStartWhereNoFileCanBe()
 
     daemon.stop();
     QVERIFY(daemon.start());
-    QTRY_COMPARE(readFile(file), fourUsers);
+    QTRY_COMPARE_WITH_TIMEOUT(readFile(file), fourUsers, deadlineMs);
 }
 
 void TestSettings::whatIsNoFileIsNeitherReadNorWrittenWhileTheDaemonRuns_data()
@@ -188,7 +190,7 @@ void TestSettings::whatIsNoFileIsNeitherReadNorWrittenWhileTheDaemonRuns()
     if (!qEnvironmentVariableIsSet("ASAN_OPTIONS"))
         daemon.setWrapper({"prlimit", "--data=1000000000"});
     QVERIFY(daemon.start());
-    QTRY_COMPARE(readFile(file), fourUsers);
+    QTRY_COMPARE_WITH_TIMEOUT(readFile(file), fourUsers, deadlineMs);
     QVERIFY(QFile::remove(file));
     command << file;
     QCOMPARE(QProcess::execute(command.takeFirst(), command), 0);
@@ -227,14 +229,14 @@ void TestSettings::aLockThatAPowerCutHasLeftIsNotWaitedFor()
     QVERIFY(daemon.start());
 
     QCOMPARE(Remote("/KyConfigMgr", "Users").call("getUser"), QStringLiteral("(\"user1\")"));
-    QTRY_VERIFY(QFile::exists(file));
-    QTRY_VERIFY(!QFile::exists(lock));
+    QTRY_VERIFY_WITH_TIMEOUT(QFile::exists(file), deadlineMs);
+    QTRY_VERIFY_WITH_TIMEOUT(!QFile::exists(lock), deadlineMs);
 }
 
 void TestSettings::theFileIsNeverFilledWithDefaults()
 {
     QVERIFY(daemon.start());
-    QTRY_VERIFY(QFile::exists("/opt/settings.ini"));
+    QTRY_VERIFY_WITH_TIMEOUT(QFile::exists("/opt/settings.ini"), deadlineMs);
     QVERIFY(!readFile("/opt/settings.ini").contains("Brightness"));
     QVERIFY(!readFile("/opt/settings.ini").contains("ScreenBacklight"));
 }
@@ -242,7 +244,7 @@ void TestSettings::theFileIsNeverFilledWithDefaults()
 void TestSettings::aChangeOfTheFileIsNotSeenBeforeTheNextStart()
 {
     QVERIFY(daemon.start());
-    QTRY_COMPARE(readFile("/opt/settings.ini"), fourUsers);
+    QTRY_COMPARE_WITH_TIMEOUT(readFile("/opt/settings.ini"), fourUsers, deadlineMs);
     writeFile("/opt/settings.ini", "[Users]\nstateuser2=false\n");
     QCOMPARE(users.call("setUser", {"user2"}), QStringLiteral("()"));
 }

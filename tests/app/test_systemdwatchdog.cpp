@@ -217,9 +217,9 @@ void TestSystemdWatchdog::aSystemdThatDoesNotReadHoldsNothingUp()
     QVERIFY(daemon.start());
 
     int questions = 0;
-    QTRY_VERIFY2(
+    QTRY_VERIFY2_WITH_TIMEOUT(
         (questions += monitor.takeFromDaemon("org.freedesktop.DBus").filter("GetId").size()) > 3,
-        "the main loop waits for systemd");
+        "the main loop waits for systemd", deadlineMs);
 
     QCOMPARE(Remote("/KyConfigMgr", "Users").call("getUser"), QStringLiteral("(\"user1\")"));
     char text[100];

@@ -98,7 +98,7 @@ void TestConnmanFaults::reachAccessPoint(const QString &name)
     if (name == "configuration")
         return;
     passModuleDelay();
-    QTRY_VERIFY(recorder->recorded().join(' ').contains("\"ready\""));
+    QTRY_VERIFY_WITH_TIMEOUT(recorder->recorded().join(' ').contains("\"ready\""), deadlineMs);
     if (name == "online")
         daemon.letTimePass(3);
 }
@@ -128,7 +128,8 @@ void TestConnmanFaults::reachState(const QString &adaptor, const QString &name)
     }
     QVERIFY(!QTest::currentTestFailed());
     if (name != "idle")
-        QTRY_VERIFY(recorder->recorded().join(' ').contains('"' + name + '"'));
+        QTRY_VERIFY_WITH_TIMEOUT(recorder->recorded().join(' ').contains('"' + name + '"'),
+                                 deadlineMs);
     connman.clearJournal();
 }
 

@@ -232,7 +232,7 @@ void TestDirectories::noRaceIsLost()
     const pid_t attacker = fork();
     if (attacker == 0)
         race(attack, swaps);
-    QTRY_VERIFY(swaps > 0);
+    QTRY_VERIFY_WITH_TIMEOUT(swaps > 0, deadlineMs);
 
     int lost = 0;
     int done = 0;

@@ -3,6 +3,7 @@
 #include "client.h"
 #include "commands.h"
 #include "daemontest.h"
+#include "deadline.h"
 #include "ethernettest.h"
 #include "terminalprogram.h"
 
@@ -138,7 +139,7 @@ void TestKyboardctlSafety::aQuestionIsSeenWithoutStandardError()
 
     TerminalProgram secret("sh", {"-c", "kyboardctl wifi connect Cafe 2>/dev/null"});
     QVERIFY2(secret.shows("Passphrase: "), secret.shown().constData());
-    QTRY_VERIFY(!secret.echoes());
+    QTRY_VERIFY_WITH_TIMEOUT(!secret.echoes(), deadlineMs);
     secret.type("six ch\n");
     QCOMPARE(secret.waitForEnd(), 2);
 }

@@ -182,7 +182,7 @@ void TestKyboardctlWifi::aPassphraseComesFromAPromptThatDoesNotShowIt()
 {
     TerminalProgram client("kyboardctl", {"wifi", "connect", "Workshop"});
     QVERIFY(client.shows("Passphrase: "));
-    QTRY_VERIFY(!client.echoes());
+    QTRY_VERIFY_WITH_TIMEOUT(!client.echoes(), deadlineMs);
     client.type("seven seas\n");
     QVERIFY2(client.shows("\r\033[Kwifi connect: association"), client.shown().constData());
     QCOMPARE(client.waitForEnd(), 0);
@@ -195,7 +195,7 @@ void TestKyboardctlWifi::endedAtThePromptItLeavesAnOrdinaryTerminal()
 {
     TerminalProgram client("kyboardctl", {"wifi", "connect", "Workshop"});
     QVERIFY(client.shows("Passphrase: "));
-    QTRY_VERIFY(!client.echoes());
+    QTRY_VERIFY_WITH_TIMEOUT(!client.echoes(), deadlineMs);
     client.type("seven\x03");
     QCOMPARE(client.waitForEnd(), -SIGINT);
     QVERIFY(client.echoes());
@@ -450,7 +450,7 @@ void TestKyboardctlWifi::disconnectWhileTheModuleSwitchesLeavesTheRadioOff()
     QVERIFY(script.waitFor("start 1"));
     if (!isScriptRunning) {
         script.release();
-        QTRY_VERIFY(isTraced("slotLoadFirmwareFinished"));
+        QTRY_VERIFY_WITH_TIMEOUT(isTraced("slotLoadFirmwareFinished"), deadlineMs);
     }
     QProcess client;
     start(client, {"wifi", "disconnect"}, {});

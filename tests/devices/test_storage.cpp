@@ -1,6 +1,7 @@
 #include "board.h"
 #include "busmonitor.h"
 #include "daemontest.h"
+#include "deadline.h"
 #include "kernelevents.h"
 #include "kystorage.h"
 #include "processes.h"
@@ -579,7 +580,7 @@ void TestStorage::withoutItsEventsTheDaemonServesInSilence()
     QVERIFY(daemon.start());
     SignalRecorder recorder("/KyDeviceMgr");
 
-    QTRY_COMPARE(threads(), threadsWithListener - 1);
+    QTRY_COMPARE_WITH_TIMEOUT(threads(), threadsWithListener - 1, deadlineMs);
 
     QCOMPARE(KernelEvents::listeners(), 0);
     send({kernelEvent("add", cardPartition)});

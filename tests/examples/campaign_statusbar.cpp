@@ -142,11 +142,11 @@ void TestStatusBar::theDaemonIsShownWhenItComes()
 {
     show();
     begin();
-    QTRY_COMPARE(instrument->isAvailable(), true);
-    QTRY_COMPARE(instrument->profile(), QString("user1"));
-    QTRY_COMPARE(instrument->batteryLevel(), 80);
-    QTRY_COMPARE(instrument->backlight(), 55);
-    QTRY_COMPARE(instrument->sdCard(), QString("none"));
+    QTRY_COMPARE_WITH_TIMEOUT(instrument->isAvailable(), true, deadlineMs);
+    QTRY_COMPARE_WITH_TIMEOUT(instrument->profile(), QString("user1"), deadlineMs);
+    QTRY_COMPARE_WITH_TIMEOUT(instrument->batteryLevel(), 80, deadlineMs);
+    QTRY_COMPARE_WITH_TIMEOUT(instrument->backlight(), 55, deadlineMs);
+    QTRY_COMPARE_WITH_TIMEOUT(instrument->sdCard(), QString("none"), deadlineMs);
     QCOMPARE(instrument->problem(), QString());
     // It has seen the daemon start: all links are down.
     for (const Link *link : {instrument->ethernet(), instrument->wifi(), instrument->accessPoint()})
@@ -163,19 +163,20 @@ void TestStatusBar::theCableIsShownAsItConnects()
 {
     begin();
     show();
-    QTRY_COMPARE(instrument->profile(), QString("user1"));
+    QTRY_COMPARE_WITH_TIMEOUT(instrument->profile(), QString("user1"), deadlineMs);
     QStringList states;
     QObject::connect(instrument->ethernet(), &Link::stateChanged, this,
                      [&] { states << instrument->ethernet()->state(); });
     connectEthernet(ethernet, connman, "ready");
-    QTRY_COMPARE(states, (QStringList{"association", "ready"}));
+    QTRY_COMPARE_WITH_TIMEOUT(states, (QStringList{"association", "ready"}), deadlineMs);
     QCOMPARE(colourOf("ethernet"), amber);
     connman.storeProperty(cable, "IPv4", lease);
     connman.setProperty(ConnmanStandIn::ethernetTechnology, "Connected", true);
-    QTRY_COMPARE(instrument->ethernet()->address(), QString("10.77.0.50"));
+    QTRY_COMPARE_WITH_TIMEOUT(instrument->ethernet()->address(), QString("10.77.0.50"), deadlineMs);
     QCOMPARE(colourOf("ethernet"), green);
     QCOMPARE(ethernet.call("disconnect"), QString("()"));
-    QTRY_COMPARE(states, (QStringList{"association", "ready", "online", "disconnect", "idle"}));
+    QTRY_COMPARE_WITH_TIMEOUT(
+        states, (QStringList{"association", "ready", "online", "disconnect", "idle"}), deadlineMs);
     QCOMPARE(instrument->ethernet()->address(), QString());
     QCOMPARE(colourOf("ethernet"), grey);
 }
@@ -184,19 +185,19 @@ void TestStatusBar::theStationIsShownAsItConnects()
 {
     show();
     reach("online");
-    QTRY_COMPARE(state(instrument->wifi()), QString("online"));
-    QTRY_COMPARE(instrument->wifi()->address(), QString("10.0.0.7"));
-    QTRY_COMPARE(instrument->wifi()->strength(), 70);
-    QTRY_COMPARE(sign("strength")->property("visible").toBool(), true);
+    QTRY_COMPARE_WITH_TIMEOUT(state(instrument->wifi()), QString("online"), deadlineMs);
+    QTRY_COMPARE_WITH_TIMEOUT(instrument->wifi()->address(), QString("10.0.0.7"), deadlineMs);
+    QTRY_COMPARE_WITH_TIMEOUT(instrument->wifi()->strength(), 70, deadlineMs);
+    QTRY_COMPARE_WITH_TIMEOUT(sign("strength")->property("visible").toBool(), true, deadlineMs);
     QCOMPARE(colourOf("wifi"), green);
     connman.setProperty(lab, "Strength", QVariant::fromValue(uchar(20)));
-    QTRY_COMPARE(instrument->wifi()->strength(), 20);
+    QTRY_COMPARE_WITH_TIMEOUT(instrument->wifi()->strength(), 20, deadlineMs);
     // The last of the four bars is no longer lit, the first one is.
-    QTRY_COMPARE(pixelAt("strength", 0.95, 0.5), grey);
+    QTRY_COMPARE_WITH_TIMEOUT(pixelAt("strength", 0.95, 0.5), grey, deadlineMs);
     QCOMPARE(pixelAt("strength", 0.1, 0.75), green);
     // ConnMan reports that it is already off, which is an error and leads to idle nevertheless.
     wifi.call("disconnect");
-    QTRY_COMPARE(state(instrument->wifi()), QString("idle"));
+    QTRY_COMPARE_WITH_TIMEOUT(state(instrument->wifi()), QString("idle"), deadlineMs);
     QCOMPARE(colourOf("wifi"), grey);
     QCOMPARE(instrument->wifi()->strength(), -1);
     QCOMPARE(instrument->wifi()->address(), QString());
@@ -208,12 +209,13 @@ void TestStatusBar::theAccessPointIsShown()
 {
     begin();
     show();
-    QTRY_COMPARE(instrument->profile(), QString("user1"));
+    QTRY_COMPARE_WITH_TIMEOUT(instrument->profile(), QString("user1"), deadlineMs);
     QCOMPARE(state(instrument->accessPoint()), QString("unknown"));
     const QVariantMap parameters = {
         {"Channel", 6}, {"SSID", "Lab"}, {"Security", "open"}, {"IP", "192.168.7.1"}};
     QCOMPARE(wifiAp.call("connect", {parameters}), QString("()"));
-    QTRY_COMPARE(state(instrument->accessPoint()), QString("configuration"));
+    QTRY_COMPARE_WITH_TIMEOUT(state(instrument->accessPoint()), QString("configuration"),
+                              deadlineMs);
     QCOMPARE(colourOf("accessPoint"), amber);
 }
 
@@ -225,27 +227,27 @@ void TestStatusBar::whoStartsLateKnowsWhatIsUp()
     connman.setServices({wired(), joined});
     connectEthernet(ethernet, connman, "ready");
     show();
-    QTRY_COMPARE(state(instrument->wifi()), QString("online"));
-    QTRY_COMPARE(instrument->wifi()->address(), QString("10.0.0.7"));
-    QTRY_COMPARE(instrument->wifi()->strength(), 70);
-    QTRY_COMPARE(instrument->profile(), QString("user1"));
+    QTRY_COMPARE_WITH_TIMEOUT(state(instrument->wifi()), QString("online"), deadlineMs);
+    QTRY_COMPARE_WITH_TIMEOUT(instrument->wifi()->address(), QString("10.0.0.7"), deadlineMs);
+    QTRY_COMPARE_WITH_TIMEOUT(instrument->wifi()->strength(), 70, deadlineMs);
+    QTRY_COMPARE_WITH_TIMEOUT(instrument->profile(), QString("user1"), deadlineMs);
     // The state of the cable and of the access point is unknown.
     QCOMPARE(state(instrument->ethernet()), QString("unknown"));
     QCOMPARE(state(instrument->accessPoint()), QString("unknown"));
     QCOMPARE(sign("ethernet")->property("text").toString(), QString("LAN ?"));
     connman.storeProperty(cable, "IPv4", lease);
     connman.setProperty(ConnmanStandIn::ethernetTechnology, "Connected", true);
-    QTRY_COMPARE(state(instrument->ethernet()), QString("online"));
-    QTRY_COMPARE(instrument->ethernet()->address(), QString("10.77.0.50"));
+    QTRY_COMPARE_WITH_TIMEOUT(state(instrument->ethernet()), QString("online"), deadlineMs);
+    QTRY_COMPARE_WITH_TIMEOUT(instrument->ethernet()->address(), QString("10.77.0.50"), deadlineMs);
 }
 
 void TestStatusBar::theDaemonMayDieAndComeBack()
 {
     show();
     reach("online");
-    QTRY_COMPARE(instrument->wifi()->strength(), 70);
+    QTRY_COMPARE_WITH_TIMEOUT(instrument->wifi()->strength(), 70, deadlineMs);
     daemon.stop();
-    QTRY_COMPARE(instrument->isAvailable(), false);
+    QTRY_COMPARE_WITH_TIMEOUT(instrument->isAvailable(), false, deadlineMs);
     QCOMPARE(instrument->profile(), QString());
     QCOMPARE(instrument->batteryLevel(), -1);
     QCOMPARE(instrument->backlight(), -1);
@@ -258,28 +260,28 @@ void TestStatusBar::theDaemonMayDieAndComeBack()
     QFile::remove("/tmp/User_part/system");
     QVERIFY(QFile::link(profile("user2"), "/tmp/User_part/system"));
     QVERIFY(daemon.start());
-    QTRY_COMPARE(instrument->profile(), QString("user2"));
-    QTRY_COMPARE(instrument->batteryLevel(), 80);
+    QTRY_COMPARE_WITH_TIMEOUT(instrument->profile(), QString("user2"), deadlineMs);
+    QTRY_COMPARE_WITH_TIMEOUT(instrument->batteryLevel(), 80, deadlineMs);
     QCOMPARE(state(instrument->wifi()), QString("idle"));
     // It receives the new daemon's signals, too.
     QCOMPARE(Remote("/KyConfigMgr", "Users").call("setUser", {"user3"}), QString("()"));
-    QTRY_COMPARE(instrument->profile(), QString("user3"));
+    QTRY_COMPARE_WITH_TIMEOUT(instrument->profile(), QString("user3"), deadlineMs);
     connectEthernet(ethernet, connman, "association");
-    QTRY_COMPARE(state(instrument->ethernet()), QString("association"));
+    QTRY_COMPARE_WITH_TIMEOUT(state(instrument->ethernet()), QString("association"), deadlineMs);
 }
 
 void TestStatusBar::theBatteryFollowsTheBoard()
 {
     begin();
     show();
-    QTRY_COMPARE(instrument->batteryLevel(), 80);
-    QTRY_COMPARE(pixelAt("fill", 0.98, 0.5), green);
+    QTRY_COMPARE_WITH_TIMEOUT(instrument->batteryLevel(), 80, deadlineMs);
+    QTRY_COMPARE_WITH_TIMEOUT(pixelAt("fill", 0.98, 0.5), green, deadlineMs);
     const double full = sign("fill")->property("width").toDouble();
     Board::set("battery/charge", "15");
     // No signal before the daemon's next check: the bar asks.
     QTRY_COMPARE_WITH_TIMEOUT(instrument->batteryLevel(), 20, deadlineMs);
     QCOMPARE(sign("fill")->property("width").toDouble(), full / 4);
-    QTRY_COMPARE(pixelAt("fill", 0.5, 0.5), red);
+    QTRY_COMPARE_WITH_TIMEOUT(pixelAt("fill", 0.5, 0.5), red, deadlineMs);
     Board::set("charger/present", "1");
     QTRY_COMPARE_WITH_TIMEOUT(instrument->isChargerConnected(), true, deadlineMs);
 }
@@ -288,20 +290,20 @@ void TestStatusBar::cardAndKeyAreShown()
 {
     begin();
     show();
-    QTRY_COMPARE(instrument->sdCard(), QString("none"));
+    QTRY_COMPARE_WITH_TIMEOUT(instrument->sdCard(), QString("none"), deadlineMs);
     QVERIFY(Board::storage("insert", "SD"));
-    QTRY_COMPARE(instrument->sdCard(), QString("mounted"));
+    QTRY_COMPARE_WITH_TIMEOUT(instrument->sdCard(), QString("mounted"), deadlineMs);
     QCOMPARE(colourOf("sdCard"), green);
     QVERIFY(Board::storage("insert", "USB"));
-    QTRY_COMPARE(instrument->usbKey(), QString("inserted"));
+    QTRY_COMPARE_WITH_TIMEOUT(instrument->usbKey(), QString("inserted"), deadlineMs);
     QCOMPARE(colourOf("usbKey"), amber);
     // No signal announces the mount.
     QVERIFY(Board::storage("mount", "USB"));
     QTRY_COMPARE_WITH_TIMEOUT(instrument->usbKey(), QString("mounted"), deadlineMs);
     QVERIFY(Board::storage("remove", "USB"));
     QVERIFY(Board::storage("remove", "SD"));
-    QTRY_COMPARE(instrument->sdCard(), QString("none"));
-    QTRY_COMPARE(instrument->usbKey(), QString("none"));
+    QTRY_COMPARE_WITH_TIMEOUT(instrument->sdCard(), QString("none"), deadlineMs);
+    QTRY_COMPARE_WITH_TIMEOUT(instrument->usbKey(), QString("none"), deadlineMs);
     QCOMPARE(colourOf("usbKey"), grey);
 }
 
@@ -309,7 +311,7 @@ void TestStatusBar::aProfileThatIsResetIsNotTheActiveOne()
 {
     begin();
     show();
-    QTRY_COMPARE(instrument->profile(), QString("user1"));
+    QTRY_COMPARE_WITH_TIMEOUT(instrument->profile(), QString("user1"), deadlineMs);
     BusMonitor monitor;
     QCOMPARE(Remote("/KyConfigMgr", "Users").call("factoryReset", {"user3"}), QString("()"));
     const auto asks = [&] {
@@ -323,7 +325,8 @@ void TestStatusBar::aProfileThatIsResetIsNotTheActiveOne()
     settle();
     QCOMPARE(instrument->profile(), QString("user1"));
     QCOMPARE(Remote("/KyConfigMgr", "Users").call("setUser", {"user2"}), QString("()"));
-    QTRY_COMPARE(sign("profile")->property("text").toString(), QString("user2"));
+    QTRY_COMPARE_WITH_TIMEOUT(sign("profile")->property("text").toString(), QString("user2"),
+                              deadlineMs);
 }
 
 void TestStatusBar::aModelWithoutAScreenHasNoBacklight()
@@ -331,8 +334,8 @@ void TestStatusBar::aModelWithoutAScreenHasNoBacklight()
     Board::setModel(0x8346);
     begin();
     show();
-    QTRY_COMPARE(instrument->profile(), QString("user1"));
-    QTRY_COMPARE(instrument->sdCard(), QString("none"));
+    QTRY_COMPARE_WITH_TIMEOUT(instrument->profile(), QString("user1"), deadlineMs);
+    QTRY_COMPARE_WITH_TIMEOUT(instrument->sdCard(), QString("none"), deadlineMs);
     QCOMPARE(instrument->backlight(), -1);
     QCOMPARE(instrument->problem(), QString());
     QCOMPARE(sign("backlight")->property("visible").toBool(), false);
@@ -381,13 +384,13 @@ void TestStatusBar::thePictureShowsTheBar()
 {
     show();
     reach("online");
-    QTRY_COMPARE(instrument->wifi()->strength(), 70);
-    QTRY_COMPARE(instrument->batteryLevel(), 80);
-    QTRY_COMPARE(instrument->backlight(), 55);
+    QTRY_COMPARE_WITH_TIMEOUT(instrument->wifi()->strength(), 70, deadlineMs);
+    QTRY_COMPARE_WITH_TIMEOUT(instrument->batteryLevel(), 80, deadlineMs);
+    QTRY_COMPARE_WITH_TIMEOUT(instrument->backlight(), 55, deadlineMs);
     QVERIFY(Board::storage("insert", "SD"));
-    QTRY_COMPARE(colourOf("sdCard"), green);
+    QTRY_COMPARE_WITH_TIMEOUT(colourOf("sdCard"), green, deadlineMs);
     QVERIFY(Board::storage("insert", "USB"));
-    QTRY_COMPARE(colourOf("usbKey"), amber);
+    QTRY_COMPARE_WITH_TIMEOUT(colourOf("usbKey"), amber, deadlineMs);
     const QImage shown = picture();
     // For a developer who has changed the bar.
     static_cast<void>(shown.save(DRAWN));

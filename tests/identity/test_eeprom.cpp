@@ -1,6 +1,7 @@
 #include "board.h"
 #include "busmonitor.h"
 #include "daemontest.h"
+#include "deadline.h"
 #include "instrumentrecord.h"
 #include "measurerecord.h"
 #include "processes.h"
@@ -646,7 +647,7 @@ void TestEeprom::nothingOfARecordKeepsItsMessage()
     QVERIFY(version.call(getInstrument).contains("\"SerialNumber\": <[1, 2, 3]>"));
     // In KB; the message itself would be 976 KB.
     const auto growth = [this, before] { return daemon.privateMemory() - before; };
-    QTRY_VERIFY2(growth() < 700, qPrintable(QString::number(growth())));
+    QTRY_VERIFY2_WITH_TIMEOUT(growth() < 700, qPrintable(QString::number(growth())), deadlineMs);
     daemon.resetEnvironment();
 }
 
@@ -655,7 +656,7 @@ void TestEeprom::fileDescriptorsAreNotKept()
     QVERIFY(daemon.start());
     // The start is over by now and has released its memory.
     QVERIFY(version.call(getInstrument).startsWith('('));
-    QTRY_VERIFY(!QFile::exists("/opt/settings.ini.lock"));
+    QTRY_VERIFY_WITH_TIMEOUT(!QFile::exists("/opt/settings.ini.lock"), deadlineMs);
     const int before = daemon.descriptors();
     for (const char *value : {"h 1", "(h) 1", "av 2 h 1 i 1", "ah 3 1 1 1"}) {
         const QString values =
@@ -666,7 +667,7 @@ void TestEeprom::fileDescriptorsAreNotKept()
             QVERIFY(version.call(getInstrument).startsWith("({\"CRC\": <true>, \"Fabrication\""));
             QVERIFY(version.call(getMeasure).startsWith("({\"AdjustementDate\""));
         }
-        QTRY_COMPARE(daemon.descriptors(), before);
+        QTRY_COMPARE_WITH_TIMEOUT(daemon.descriptors(), before, deadlineMs);
     }
 }
 
@@ -1103,7 +1104,7 @@ void TestEeprom::noSignalEndsItWhileTheProtectionIsLifted()
         const quint64 pending = statusOf(process, "SigPnd").toULongLong(nullptr, 16);
         return ((pending >> (signal - 1)) & 1) == 1;
     };
-    QTRY_VERIFY(isPending());
+    QTRY_VERIFY_WITH_TIMEOUT(isPending(), deadlineMs);
     QVERIFY(daemon.isRunning());
     Board::clearFaults();
 

@@ -1,5 +1,6 @@
 #include "board.h"
 #include "daemontest.h"
+#include "deadline.h"
 #include "processes.h"
 
 #include <QElapsedTimer>
@@ -385,7 +386,7 @@ void TestVersion::anApplicationThatHangsIsEndedAfterThreeSeconds()
     QVERIFY(timer.elapsed() >= 3000);
     const int process = readFile("/tmp/application.pid").trimmed().toInt();
     // Not even as a zombie.
-    QTRY_VERIFY(stateOf(process).isEmpty());
+    QTRY_VERIFY_WITH_TIMEOUT(stateOf(process).isEmpty(), deadlineMs);
     QCOMPARE(version.call(getVersions), ownVersionAlone);
     QCOMPARE(readFile("/tmp/runs"), QByteArray("run\n"));
 }
@@ -396,7 +397,7 @@ void TestVersion::anApplicationThatFloodsIsEndedAtOnce()
     QVERIFY(daemon.start());
     QCOMPARE(version.call(getVersions), ownVersionAlone);
     const int process = readFile("/tmp/application.pid").trimmed().toInt();
-    QTRY_VERIFY(stateOf(process).isEmpty());
+    QTRY_VERIFY_WITH_TIMEOUT(stateOf(process).isEmpty(), deadlineMs);
     VERIFY_LITTLE_MEMORY();
 }
 

@@ -77,7 +77,7 @@ QDBusMessage TestConnmanObject::send(const QString &method, const QVariant &valu
     QDBusMessage message = QDBusMessage::createMethodCall(m_echoName, "/echo", "test.Echo", method);
     message << value;
     const QDBusPendingCall call = QDBusConnection("client").asyncCall(message);
-    if (!QTest::qWaitFor([&call] { return call.isFinished(); }))
+    if (!QTest::qWaitFor([&call] { return call.isFinished(); }, deadlineMs))
         qFatal("no answer");
     return call.reply();
 }

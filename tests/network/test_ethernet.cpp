@@ -1,4 +1,5 @@
 #include "busmonitor.h"
+#include "deadline.h"
 #include "ethernettest.h"
 #include "processes.h"
 
@@ -173,7 +174,7 @@ void TestEthernet::associationIsAnnouncedBeforeTheTechnologyIsPoweredOn()
     connman.holdMethod(poweredOn);
     ethernet.call("connect");
     QVERIFY(connman.waitForCall(poweredOn));
-    QTRY_COMPARE(recorder.recorded(), QStringList{state("association")});
+    QTRY_COMPARE_WITH_TIMEOUT(recorder.recorded(), QStringList{state("association")}, deadlineMs);
     connman.releaseMethod(poweredOn);
 }
 
@@ -570,7 +571,7 @@ void TestEthernet::readyIsAnnouncedBeforeTheSettingsAreHandedOver()
     connman.emitServicesChanged();
 
     QVERIFY(connman.waitForCall("Service.SetProperty"));
-    QTRY_COMPARE(recorder.recorded(), QStringList{state("ready")});
+    QTRY_COMPARE_WITH_TIMEOUT(recorder.recorded(), QStringList{state("ready")}, deadlineMs);
     connman.releaseMethod("Service.SetProperty");
 }
 
@@ -706,7 +707,7 @@ void TestEthernet::descriptorsInAnIPv4ChangeAreNotKeptOpen()
                            {"IPv4", variant(QVariantMap{{"Address", file}})});
     QCOMPARE(recorder.take(), QStringList());
 
-    QTRY_COMPARE(daemon.descriptors(), before);
+    QTRY_COMPARE_WITH_TIMEOUT(daemon.descriptors(), before, deadlineMs);
 }
 
 void TestEthernet::otherPropertiesOfTheServiceAreNotAnnounced()
@@ -817,7 +818,7 @@ void TestEthernet::disconnectIsAnnouncedBeforeTheTechnologyIsPoweredOff()
     const QDBusPendingCall reply = ethernet.start("disconnect");
 
     QVERIFY(connman.waitForCall(poweredOff));
-    QTRY_COMPARE(recorder.recorded(), QStringList{state("disconnect")});
+    QTRY_COMPARE_WITH_TIMEOUT(recorder.recorded(), QStringList{state("disconnect")}, deadlineMs);
     QVERIFY(!reply.isFinished());
     connman.releaseMethod(poweredOff);
     QCOMPARE(recorder.waitFor(2), (QStringList{state("disconnect"), state("idle")}));

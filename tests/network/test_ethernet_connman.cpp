@@ -1,5 +1,6 @@
 #include "connmansignals.h"
 #include "daemontest.h"
+#include "deadline.h"
 #include "modescript.h"
 #include "processes.h"
 #include "realconnman.h"
@@ -190,12 +191,12 @@ void TestEthernetConnman::aLeaseThatIsFasterThanTheDaemonLeadsOnlineToo()
 {
     begin();
     QVERIFY(reach("association"));
-    QTRY_COMPARE(RealConnman::technology("Powered"), QVariant(true));
+    QTRY_COMPARE_WITH_TIMEOUT(RealConnman::technology("Powered"), QVariant(true), deadlineMs);
 
     QVERIFY(stopProcess(daemon.processId()));
     connman.plugCable();
-    QTRY_VERIFY(kernelAddress().startsWith("10.77.0."));
-    QTRY_COMPARE(RealConnman::service("State"), QVariant("ready"));
+    QTRY_VERIFY_WITH_TIMEOUT(kernelAddress().startsWith("10.77.0."), deadlineMs);
+    QTRY_COMPARE_WITH_TIMEOUT(RealConnman::service("State"), QVariant("ready"), deadlineMs);
     QVERIFY(resumeProcess(daemon.processId()));
 
     QVERIFY(waitForState("online"));
@@ -269,12 +270,12 @@ void TestEthernetConnman::connectingWithoutACableFailsAfterAMinute()
 
     QCOMPARE(ethernet.call("connect"), done);
     QVERIFY(waitForState("association"));
-    QTRY_COMPARE(RealConnman::technology("Powered"), QVariant(true));
+    QTRY_COMPARE_WITH_TIMEOUT(RealConnman::technology("Powered"), QVariant(true), deadlineMs);
 
     daemon.letTimePass(60);
     QVERIFY(waitForState("failure"));
     QCOMPARE(states, (QStringList{"association", "failure"}));
-    QTRY_COMPARE(RealConnman::technology("Powered"), QVariant(false));
+    QTRY_COMPARE_WITH_TIMEOUT(RealConnman::technology("Powered"), QVariant(false), deadlineMs);
 
     connman.plugCable();
     QCOMPARE(ethernet.call("connect"), done);
@@ -317,10 +318,11 @@ void TestEthernetConnman::theAddressMatchesTheKernel()
     const QString address = kernelAddress().section('/', 0, 0);
     const QString gateway = askKernel({"route", "show", "default"}).value("gateway").toString();
     QVERIFY(kernelAddress().endsWith("/24"));
-    QTRY_COMPARE(ethernet.call("getIPv4"),
-                 QString("({\"Address\": <\"%1\">, \"Gateway\": <\"%2\">, \"Method\": "
-                         "<\"dhcp\">, \"Netmask\": <\"255.255.255.0\">})")
-                     .arg(address, gateway));
+    QTRY_COMPARE_WITH_TIMEOUT(ethernet.call("getIPv4"),
+                              QString("({\"Address\": <\"%1\">, \"Gateway\": <\"%2\">, \"Method\": "
+                                      "<\"dhcp\">, \"Netmask\": <\"255.255.255.0\">})")
+                                  .arg(address, gateway),
+                              deadlineMs);
 }
 
 void TestEthernetConnman::hardwareInfosMatchTheKernel_data()

@@ -1,3 +1,4 @@
+#include "deadline.h"
 #include "ethernettest.h"
 
 namespace
@@ -83,7 +84,7 @@ void TestEthernetTimeout::theFailureIsAnnouncedBeforeTheTechnologyIsPoweredOff()
     daemon.letTimePass(attempt);
 
     QVERIFY(connman.waitForCall(poweredOff));
-    QTRY_COMPARE(recorder.recorded(), QStringList{state("failure")});
+    QTRY_COMPARE_WITH_TIMEOUT(recorder.recorded(), QStringList{state("failure")}, deadlineMs);
     connman.releaseMethod(poweredOff);
 }
 

@@ -1,4 +1,5 @@
 #include "daemontest.h"
+#include "deadline.h"
 #include "modescript.h"
 
 #include <QNetworkInterface>
@@ -122,7 +123,7 @@ void TestModeScript::aScriptThatWaitsIsEndedWithTheRest()
     process.start(path, {"1"});
     QVERIFY(script.waitFor("start 1"));
     script.clear();
-    QTRY_COMPARE(process.state(), QProcess::NotRunning);
+    QTRY_COMPARE_WITH_TIMEOUT(process.state(), QProcess::NotRunning, deadlineMs);
     QCOMPARE(process.exitStatus(), QProcess::CrashExit);
 }
 
@@ -131,7 +132,7 @@ void TestModeScript::theAccessPointHasItsInterfaceAndItsPrograms()
     QCOMPARE(switchMode("2"), 0);
     QVERIFY(runs("hostapd"));
     QVERIFY(runs("dhcpd"));
-    QTRY_VERIFY(isInterfaceRunning());
+    QTRY_VERIFY_WITH_TIMEOUT(isInterfaceRunning(), deadlineMs);
     QCOMPARE(QNetworkInterface::interfaceFromName("wifi_ap").addressEntries().value(0).ip(),
              QHostAddress("192.168.2.1"));
 }
@@ -150,8 +151,8 @@ void TestModeScript::anyOtherModeTakesTheAccessPointDown()
     for (const char *mode : {"0", "1"}) {
         QCOMPARE(switchMode("2"), 0);
         QCOMPARE(switchMode(mode), 0);
-        QTRY_VERIFY(!runs("hostapd"));
-        QTRY_VERIFY(!runs("dhcpd"));
+        QTRY_VERIFY_WITH_TIMEOUT(!runs("hostapd"), deadlineMs);
+        QTRY_VERIFY_WITH_TIMEOUT(!runs("dhcpd"), deadlineMs);
         QVERIFY(!QFile::exists("/sys/class/net/wifi_ap"));
     }
 }
@@ -184,11 +185,11 @@ void TestModeScript::partsOfTheAccessPointCanBeLeftOut()
 void TestModeScript::theCarrierCanComeAndGo()
 {
     QCOMPARE(switchMode("2"), 0);
-    QTRY_VERIFY(isInterfaceRunning());
+    QTRY_VERIFY_WITH_TIMEOUT(isInterfaceRunning(), deadlineMs);
     script.setCarrier(false);
-    QTRY_VERIFY(!isInterfaceRunning());
+    QTRY_VERIFY_WITH_TIMEOUT(!isInterfaceRunning(), deadlineMs);
     script.setCarrier(true);
-    QTRY_VERIFY(isInterfaceRunning());
+    QTRY_VERIFY_WITH_TIMEOUT(isInterfaceRunning(), deadlineMs);
     script.removeInterface();
     QVERIFY(!QFile::exists("/sys/class/net/wifi_ap"));
 }

@@ -1,3 +1,4 @@
+#include "deadline.h"
 #include "networkinterface.h"
 
 #include <QFile>
@@ -87,12 +88,12 @@ void TestNetworkInterface::anInterfaceIsUpWithAndWithoutCarrier()
     QVERIFY(!isRunning(interface));
 
     QVERIFY(setLink(peer, {"up"}));
-    QTRY_VERIFY(isRunning(interface));
+    QTRY_VERIFY_WITH_TIMEOUT(isRunning(interface), deadlineMs);
     QVERIFY(isUp(interface));
 
     QVERIFY(setLink(name, {"down"}));
     QVERIFY(!isUp(interface));
-    QTRY_VERIFY(!isRunning(interface));
+    QTRY_VERIFY_WITH_TIMEOUT(!isRunning(interface), deadlineMs);
 }
 
 void TestNetworkInterface::theLongestNameIsReadInFull()

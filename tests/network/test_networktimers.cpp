@@ -1,3 +1,4 @@
+#include "deadline.h"
 #include "wifitest.h"
 
 /** The timers of the network adaptors, exact to the millisecond, on the running daemon. */
@@ -107,13 +108,13 @@ void TestNetworkTimers::theAccessPointIsCheckedAgainAfterThreeSeconds()
     announced();
     passTo(2000, {accessPoint("ready")});
     script.setCarrier(false);
-    QTRY_VERIFY(readFile(operationalState) != "up\n");
+    QTRY_VERIFY_WITH_TIMEOUT(readFile(operationalState) != "up\n", deadlineMs);
 
     passTo(3000, {});
     // An expired timer is handled after earlier calls.
     QCOMPARE(announced(), QStringList());
     script.setCarrier(true);
-    QTRY_COMPARE(readFile(operationalState), QByteArray("up\n"));
+    QTRY_COMPARE_WITH_TIMEOUT(readFile(operationalState), QByteArray("up\n"), deadlineMs);
 
     passTo(3000, {accessPoint("online")});
 }

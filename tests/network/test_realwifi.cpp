@@ -98,7 +98,7 @@ void TestRealWifi::init()
     supplicant.start();
     connman.start();
     QCOMPARE(manager.call("RegisterAgent", {QVariant::fromValue(QDBusObjectPath("/agent"))}), done);
-    QTRY_VERIFY(!RealConnman::properties(technologyPath).isEmpty());
+    QTRY_VERIFY_WITH_TIMEOUT(!RealConnman::properties(technologyPath).isEmpty(), deadlineMs);
 }
 
 void TestRealWifi::cleanup()
@@ -171,9 +171,11 @@ void TestRealWifi::poweringOnAndOffSwitchesTheInterface()
     QVERIFY(!isUp());
     powerOn();
     QVERIFY(isUp());
-    QTRY_COMPARE(RealConnman::properties(technologyPath).value("Powered").toBool(), true);
+    QTRY_COMPARE_WITH_TIMEOUT(RealConnman::properties(technologyPath).value("Powered").toBool(),
+                              true, deadlineMs);
     QCOMPARE(wifi.call("SetProperty", {"Powered", QVariant::fromValue(QDBusVariant(false))}), done);
-    QTRY_COMPARE(RealConnman::properties(technologyPath).value("Powered").toBool(), false);
+    QTRY_COMPARE_WITH_TIMEOUT(RealConnman::properties(technologyPath).value("Powered").toBool(),
+                              false, deadlineMs);
     QVERIFY(!isUp());
     QCOMPARE(listing(), QString());
 }
@@ -181,15 +183,17 @@ void TestRealWifi::poweringOnAndOffSwitchesTheInterface()
 void TestRealWifi::theScanListsNetworksWithStrengthAndSecurity()
 {
     powerOn();
-    QTRY_COMPARE(listing(), QStringLiteral("(hidden) 58 psk; Cafe 65 none; Grumpy 50 psk; "
-                                           "Hall 62 psk; Workshop 72 psk"));
+    QTRY_COMPARE_WITH_TIMEOUT(listing(),
+                              QStringLiteral("(hidden) 58 psk; Cafe 65 none; Grumpy 50 psk; "
+                                             "Hall 62 psk; Workshop 72 psk"),
+                              deadlineMs);
 }
 
 void TestRealWifi::theStrongerOfTwoOfOneNameCounts()
 {
     supplicant.set("hall_near/signal", "-90");
     powerOn();
-    QTRY_VERIFY2(listing().contains("Hall 41 psk"), qPrintable(listing()));
+    QTRY_VERIFY2_WITH_TIMEOUT(listing().contains("Hall 41 psk"), qPrintable(listing()), deadlineMs);
 }
 
 void TestRealWifi::whatChangesInTheAirIsSeenByTheNextScan()
@@ -201,8 +205,10 @@ void TestRealWifi::whatChangesInTheAirIsSeenByTheNextScan()
     supplicant.set("kitchen/signal", "-30");
     supplicant.set("grumpy/security", "open");
     QCOMPARE(wifi.call("Scan"), done);
-    QTRY_COMPARE(listing(), QStringLiteral("(hidden) 58 psk; Grumpy 50 none; Hall 62 psk; "
-                                           "Kitchen 90 none; Workshop 40 psk"));
+    QTRY_COMPARE_WITH_TIMEOUT(listing(),
+                              QStringLiteral("(hidden) 58 psk; Grumpy 50 none; Hall 62 psk; "
+                                             "Kitchen 90 none; Workshop 40 psk"),
+                              deadlineMs);
 }
 
 void TestRealWifi::anOpenNetworkIsJoinedWithoutAKey()
@@ -210,7 +216,7 @@ void TestRealWifi::anOpenNetworkIsJoinedWithoutAKey()
     powerOn();
     QCOMPARE(connectTo(cafe), done);
     QCOMPARE(agent.asked, QStringList());
-    QTRY_COMPARE(state(cafe), QStringLiteral("ready"));
+    QTRY_COMPARE_WITH_TIMEOUT(state(cafe), QStringLiteral("ready"), deadlineMs);
     QVERIFY2(address().startsWith("10.78.0."), qPrintable(address()));
 }
 
@@ -220,7 +226,7 @@ void TestRealWifi::aProtectedNetworkIsJoinedWithItsKey()
     agent.answer = {{"Passphrase", "seven seas"}};
     QCOMPARE(connectTo(workshop), done);
     QCOMPARE(agent.asked, QStringList{"Passphrase"});
-    QTRY_COMPARE(state(workshop), QStringLiteral("ready"));
+    QTRY_COMPARE_WITH_TIMEOUT(state(workshop), QStringLiteral("ready"), deadlineMs);
     QVERIFY2(address().startsWith("10.78.0."), qPrintable(address()));
 }
 
@@ -229,14 +235,14 @@ void TestRealWifi::aWrongKeyIsRefusedAndTheRightOneAccepted()
     powerOn();
     agent.answer = {{"Passphrase", "eight seas"}};
     QCOMPARE(connectTo(workshop), QStringLiteral("net.connman.Error.Failed: Input/output error"));
-    QTRY_COMPARE(agent.errors, QStringList{"invalid-key"});
+    QTRY_COMPARE_WITH_TIMEOUT(agent.errors, QStringList{"invalid-key"}, deadlineMs);
     QCOMPARE(state(workshop), QStringLiteral("idle"));
     QCOMPARE(RealConnman::properties(workshop).value("Error").toString(),
              QStringLiteral("invalid-key"));
     QCOMPARE(address(), QString());
     agent.answer = {{"Passphrase", "seven seas"}};
     QCOMPARE(connectTo(workshop), done);
-    QTRY_COMPARE(state(workshop), QStringLiteral("ready"));
+    QTRY_COMPARE_WITH_TIMEOUT(state(workshop), QStringLiteral("ready"), deadlineMs);
 }
 
 void TestRealWifi::theOneThatRefusesEveryKeyRefusesItsOwn()
@@ -244,7 +250,7 @@ void TestRealWifi::theOneThatRefusesEveryKeyRefusesItsOwn()
     powerOn();
     agent.answer = {{"Passphrase", "never ever"}};
     QVERIFY(connectTo(pathOf("Grumpy", "psk")).startsWith("net.connman.Error.Failed"));
-    QTRY_COMPARE(agent.errors, QStringList{"invalid-key"});
+    QTRY_COMPARE_WITH_TIMEOUT(agent.errors, QStringList{"invalid-key"}, deadlineMs);
 }
 
 void TestRealWifi::aHiddenNetworkIsJoinedByItsName()
@@ -260,10 +266,10 @@ void TestRealWifi::outOfRangeTheConnectionIsLost()
 {
     powerOn();
     QCOMPARE(connectTo(cafe), done);
-    QTRY_COMPARE(state(cafe), QStringLiteral("ready"));
+    QTRY_COMPARE_WITH_TIMEOUT(state(cafe), QStringLiteral("ready"), deadlineMs);
     supplicant.set("cafe/in_range", "0");
-    QTRY_VERIFY(state(cafe) != QLatin1String("ready"));
-    QTRY_COMPARE(address(), QString());
+    QTRY_VERIFY_WITH_TIMEOUT(state(cafe) != QLatin1String("ready"), deadlineMs);
+    QTRY_COMPARE_WITH_TIMEOUT(address(), QString(), deadlineMs);
     supplicant.set("cafe/in_range", "1");
     QTRY_COMPARE_WITH_TIMEOUT(state(cafe), QStringLiteral("ready"), deadlineMs);
 }
@@ -274,9 +280,9 @@ void TestRealWifi::ofTwoOfOneNameTheOtherTakesOver()
     powerOn();
     agent.answer = {{"Passphrase", "echo chamber"}};
     QCOMPARE(connectTo(hall), done);
-    QTRY_COMPARE(state(hall), QStringLiteral("ready"));
+    QTRY_COMPARE_WITH_TIMEOUT(state(hall), QStringLiteral("ready"), deadlineMs);
     supplicant.set("hall_near/in_range", "0");
-    QTRY_VERIFY(state(hall) != QLatin1String("ready"));
+    QTRY_VERIFY_WITH_TIMEOUT(state(hall) != QLatin1String("ready"), deadlineMs);
     QTRY_COMPARE_WITH_TIMEOUT(state(hall), QStringLiteral("ready"), deadlineMs);
 }
 

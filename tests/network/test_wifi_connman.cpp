@@ -156,7 +156,8 @@ void TestWifiConnman::aScanListsTheNetworks()
         entry("Cafe", "65", "none", "none"), entry("Grumpy", "50", "psk", "psk"),
         entry("Hall", "62", "psk", "psk"), entry("Workshop", "72", "psk", "psk")};
     QCOMPARE(scan(), '{' + expected.join(", ") + '}');
-    QTRY_COMPARE(readFile("/sys/class/net/wifi_sta/operstate"), QByteArray("down\n"));
+    QTRY_COMPARE_WITH_TIMEOUT(readFile("/sys/class/net/wifi_sta/operstate"), QByteArray("down\n"),
+                              deadlineMs);
 }
 
 void TestWifiConnman::everyScanListsTheCurrentNetworks()
@@ -248,7 +249,8 @@ void TestWifiConnman::aRadioThatIsOnAlreadyIsSearchedAtOnce()
     for (const char *directory : {"cafe", "grumpy", "hall_near", "hall_far", "workshop", "vault"})
         supplicant.set(QLatin1String(directory) + "/in_range", "0");
     QCOMPARE(radio.call("SetProperty", {"Powered", QVariant::fromValue(QDBusVariant(true))}), done);
-    QTRY_COMPARE(RealConnman::properties(technology).value("Powered").toBool(), true);
+    QTRY_COMPARE_WITH_TIMEOUT(RealConnman::properties(technology).value("Powered").toBool(), true,
+                              deadlineMs);
     BusMonitor monitor;
     QStringList calls;
 
@@ -272,7 +274,7 @@ void TestWifiConnman::disconnectForgetsTheNetwork()
     QVERIFY(readFile(memory).contains("Passphrase=seven seas\n"));
     QCOMPARE(wifi.call("disconnect"), done);
     QVERIFY(waitForState("idle"));
-    QTRY_COMPARE(kernelAddress(), QString());
+    QTRY_COMPARE_WITH_TIMEOUT(kernelAddress(), QString(), deadlineMs);
     QVERIFY(!readFile(memory).contains("Passphrase"));
     join("Workshop", "eight seas");
     QVERIFY(waitForState("failure"));
@@ -302,7 +304,7 @@ void TestWifiConnman::theNetworkJoinedLastIsConfiguredAgain()
     QVERIFY(waitForState("association", "WIFI", ""));
     QVERIFY(waitForState("configuration", "WIFI", workshop));
     QVERIFY(waitForState("online", "WIFI", workshop));
-    QTRY_COMPARE(kernelAddress(), QStringLiteral("10.78.0.7/24"));
+    QTRY_COMPARE_WITH_TIMEOUT(kernelAddress(), QStringLiteral("10.78.0.7/24"), deadlineMs);
 }
 
 void TestWifiConnman::manualSettingsEndOnTheInterface()
@@ -310,7 +312,7 @@ void TestWifiConnman::manualSettingsEndOnTheInterface()
     QCOMPARE(wifi.call("setIPv4", {manual}), done);
     join("Cafe");
     QVERIFY(waitForState("online"));
-    QTRY_COMPARE(kernelAddress(), QStringLiteral("10.78.0.7/24"));
+    QTRY_COMPARE_WITH_TIMEOUT(kernelAddress(), QStringLiteral("10.78.0.7/24"), deadlineMs);
 }
 
 void TestWifiConnman::outOfRangeTheAddressIsGone()
@@ -319,7 +321,7 @@ void TestWifiConnman::outOfRangeTheAddressIsGone()
     QVERIFY(waitForState("online"));
     supplicant.set("cafe/in_range", "0");
     QTRY_COMPARE_WITH_TIMEOUT(kernelAddress(), QString(), deadlineMs);
-    QTRY_COMPARE(wifi.call("getIPv4").contains("\"Address\""), false);
+    QTRY_COMPARE_WITH_TIMEOUT(wifi.call("getIPv4").contains("\"Address\""), false, deadlineMs);
 }
 
 void TestWifiConnman::toTheAccessPointAndBackToTheStation()

@@ -1,3 +1,4 @@
+#include "deadline.h"
 #include "wifitest.h"
 
 #include <QDBusMetaType>
@@ -513,7 +514,7 @@ void TestWifiConnect::configurationIsAnnouncedBeforeTheSettingsAreHandedOver()
     announceService("ready");
 
     QVERIFY(connman.waitForCall("Service.SetProperty"));
-    QTRY_COMPARE(recorder->recorded(), QStringList{configuration});
+    QTRY_COMPARE_WITH_TIMEOUT(recorder->recorded(), QStringList{configuration}, deadlineMs);
     connman.releaseMethod("Service.SetProperty");
 }
 
@@ -536,7 +537,7 @@ void TestWifiConnect::aFailureIsAnnouncedBeforeTheTechnologyIsPoweredOff()
     connman.setProperty(lab, "Error", "invalid-key");
 
     QVERIFY(connman.waitForCall(powerOff));
-    QTRY_COMPARE(recorder->recorded(), QStringList{labFailure});
+    QTRY_COMPARE_WITH_TIMEOUT(recorder->recorded(), QStringList{labFailure}, deadlineMs);
     connman.releaseMethod(powerOff);
 }
 

@@ -1,4 +1,5 @@
 #include "busmonitor.h"
+#include "deadline.h"
 #include "wifitest.h"
 
 #include <QRegularExpression>
@@ -76,7 +77,7 @@ void TestWifiDisconnect::disconnectIsAnnouncedBeforeAnythingIsAsked()
     const QDBusPendingCall reply = wifi.start("disconnect");
 
     QVERIFY(connman.waitForCall(removeLab));
-    QTRY_COMPARE(recorder->recorded(), QStringList{disconnecting});
+    QTRY_COMPARE_WITH_TIMEOUT(recorder->recorded(), QStringList{disconnecting}, deadlineMs);
     QVERIFY(!reply.isFinished());
     connman.releaseMethod(removeLab);
 }

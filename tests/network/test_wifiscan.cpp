@@ -1,3 +1,4 @@
+#include "deadline.h"
 #include "wifitest.h"
 #include "wifitrace.h"
 
@@ -232,7 +233,8 @@ void TestWifiScan::theListIsGivenBeforeTheTechnologyIsPoweredOff()
     announceServices({network("Lab", "idle")});
 
     QVERIFY(connman.waitForCall(powerOff));
-    QTRY_COMPARE(recorder->recorded(), (QStringList{idle, list(labEntry)}));
+    QTRY_COMPARE_WITH_TIMEOUT(recorder->recorded(), (QStringList{idle, list(labEntry)}),
+                              deadlineMs);
     connman.releaseMethod(powerOff);
 }
 

@@ -215,14 +215,16 @@ void TestPolicy::unicastSignalsToTheDaemonAreRefused()
              << "user2");
 
     QStringList refusals;
-    QVERIFY(QTest::qWaitFor([&] {
-        const QList<BusMessage> messages = monitor.take();
-        for (const BusMessage &message : messages) {
-            if (message.type == BusMessage::Error && message.destination == bus.baseService())
-                refusals << message.errorName;
-        }
-        return !refusals.isEmpty();
-    }));
+    QVERIFY(QTest::qWaitFor(
+        [&] {
+            const QList<BusMessage> messages = monitor.take();
+            for (const BusMessage &message : messages) {
+                if (message.type == BusMessage::Error && message.destination == bus.baseService())
+                    refusals << message.errorName;
+            }
+            return !refusals.isEmpty();
+        },
+        deadlineMs));
     QCOMPARE(refusals, QStringList{"org.freedesktop.DBus.Error.AccessDenied"});
 }
 
@@ -269,7 +271,7 @@ void TestPolicy::aLargeMessageEndsItsSender()
     // Without a reply, the error depends on who notices the end of the connection first.
     QCOMPARE(reply.errorName() == QLatin1String("org.freedesktop.DBus.Error.UnknownMethod"),
              isTaken);
-    QTRY_COMPARE(bus.isConnected(), isTaken);
+    QTRY_COMPARE_WITH_TIMEOUT(bus.isConnected(), isTaken, deadlineMs);
     QDBusConnection::disconnectFromBus("large");
     QCOMPARE(busctl("member", TestPolicy::call(users, "getUser")), QStringLiteral("s \"user1\""));
     QVERIFY(daemon.isRunning());
@@ -303,8 +305,8 @@ void TestPolicy::aFloodIsRefusedInsteadOfQueued()
     QTRY_VERIFY2_WITH_TIMEOUT(refused() >= 13, qPrintable(QString::number(refused())), deadlineMs);
     QCOMPARE(kill(pid_t(daemon.processId()), SIGCONT), 0);
 
-    QTRY_COMPARE(busctl("member", TestPolicy::call(users, "getUser")),
-                 QStringLiteral("s \"user1\""));
+    QTRY_COMPARE_WITH_TIMEOUT(busctl("member", TestPolicy::call(users, "getUser")),
+                              QStringLiteral("s \"user1\""), deadlineMs);
     for (int number = 0; number < 8; ++number)
         QDBusConnection::disconnectFromBus(QString::number(number));
 }

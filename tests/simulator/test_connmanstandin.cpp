@@ -2,6 +2,7 @@
 #include "connmansignals.h"
 #include "connmanstandin.h"
 #include "daemontest.h"
+#include "deadline.h"
 #include "render.h"
 
 #include <QDBusConnection>
@@ -157,7 +158,7 @@ void TestConnmanStandIn::suspendedItAnswersNothingUntilResumed()
     QDBusConnection::systemBus().interface()->isServiceRegistered("net.connman");
     QVERIFY(!call.isFinished());
     standIn.thaw();
-    QTRY_VERIFY(call.isFinished());
+    QTRY_VERIFY_WITH_TIMEOUT(call.isFinished(), deadlineMs);
     QVERIFY(!call.isError());
 }
 
@@ -408,7 +409,7 @@ void TestConnmanStandIn::aHeldCallWaitsForItsRelease()
     QVERIFY(!call.isFinished());
 
     standIn.releaseMethod("Service.Connect");
-    QTRY_VERIFY(call.isFinished());
+    QTRY_VERIFY_WITH_TIMEOUT(call.isFinished(), deadlineMs);
     QVERIFY(!call.isError());
     QCOMPARE(wired.call("Connect"), QString("()"));
 }
@@ -434,7 +435,7 @@ void TestConnmanStandIn::connectAnswersAfterTheAgent()
 
     const QDBusPendingCall call = callLater(cable, "net.connman.Service", "Connect");
     standIn.waitForCall("Service.Connect");
-    QTRY_VERIFY(call.isFinished());
+    QTRY_VERIFY_WITH_TIMEOUT(call.isFinished(), deadlineMs);
 
     QVERIFY(!call.isError());
     QCOMPARE(agent.asked, QStringList{QString("(o:\"%1\", {\"Passphrase\": <{\"Requirement\": "
@@ -450,7 +451,7 @@ void TestConnmanStandIn::connectIsAbortedWhenTheAgentCancels()
     standIn.askOnConnect(cable, {{"Passphrase", ConnmanStandIn::field("mandatory", "psk")}});
 
     const QDBusPendingCall call = callLater(cable, "net.connman.Service", "Connect");
-    QTRY_VERIFY(call.isFinished());
+    QTRY_VERIFY_WITH_TIMEOUT(call.isFinished(), deadlineMs);
     QCOMPARE(call.error().name(), QString("net.connman.Error.OperationAborted"));
 }
 
@@ -466,7 +467,7 @@ void TestConnmanStandIn::theAgentsAnswerIsShown()
     message.setArguments({"RequestInput", QVariant::fromValue(QDBusObjectPath(cable)),
                           QVariantMap{{"Identity", 5}}});
     QDBusPendingReply<> answer = QDBusConnection::systemBus().asyncCall(message);
-    QTRY_VERIFY(answer.isFinished());
+    QTRY_VERIFY_WITH_TIMEOUT(answer.isFinished(), deadlineMs);
 
     QCOMPARE(renderReply(answer.reply()), QString("({\"Passphrase\": <\"secret\">})"));
     QCOMPARE(agent.asked, QStringList{QString("(o:\"%1\", {\"Identity\": <5>})").arg(cable)});
@@ -583,7 +584,7 @@ void TestConnmanStandIn::aLivelyNetworkIsJoined()
     ConnmanSignals heard;
 
     const QDBusPendingReply<> call = callLater(network, "net.connman.Service", "Connect");
-    QTRY_VERIFY(call.isFinished());
+    QTRY_VERIFY_WITH_TIMEOUT(call.isFinished(), deadlineMs);
 
     QCOMPARE(renderReply(call.reply()), QString("()"));
     QCOMPARE(agent.asked.size(), questions);
@@ -611,7 +612,7 @@ void TestConnmanStandIn::theWrongPassphraseFails()
     QCOMPARE(stateOf(home, heard.take()),
              (QStringList{"(\"State\", <\"association\">)", "(\"Error\", <\"invalid-key\">)",
                           "(\"State\", <\"failure\">)", "(\"State\", <\"idle\">)"}));
-    QTRY_COMPARE(agent.asked.size(), 3);
+    QTRY_COMPARE_WITH_TIMEOUT(agent.asked.size(), 3, deadlineMs);
     QCOMPARE(agent.asked.mid(1),
              (QStringList{QString("error (o:\"%1\", \"invalid-key\")").arg(home), "cancel"}));
 }

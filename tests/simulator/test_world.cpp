@@ -162,7 +162,7 @@ void TestWorld::everythingEndsWithTheCommand()
 {
     const QString marker = QStringLiteral("100%1").arg(QCoreApplication::applicationPid());
     QCOMPARE(run({"sh", "-c", "setsid sleep " + marker + " > /dev/null 2>&1 & exit 0"}).status, 0);
-    QTRY_VERIFY(!isAlive(marker));
+    QTRY_VERIFY_WITH_TIMEOUT(!isAlive(marker), deadlineMs);
 }
 
 void TestWorld::verifyEndAfter(const std::function<void(QProcess &)> &ending)
@@ -241,7 +241,7 @@ void TestWorld::aJoinedCommandEndsWithItsCaller()
                                      marker + "; done"},
                                 {"--join", handle}));
     QTRY_COMPARE_WITH_TIMEOUT(joined.peek(5), QByteArray("here\n"), deadlineMs);
-    QTRY_VERIFY(isAlive(marker));
+    QTRY_VERIFY_WITH_TIMEOUT(isAlive(marker), deadlineMs);
 
     QCOMPARE(::kill(pid_t(joined.processId()), signal), 0);
 

@@ -1,4 +1,5 @@
 #include "daemontest.h"
+#include "deadline.h"
 
 #include <QSettings>
 
@@ -279,7 +280,7 @@ void TestUsers::startWithoutAnyDirectorySucceeds()
 void TestUsers::setUserSwitchesToACompleteProfileAsItIs()
 {
     QVERIFY(daemon.start());
-    QTRY_VERIFY(QFile::exists("/opt/settings.ini"));
+    QTRY_VERIFY_WITH_TIMEOUT(QFile::exists("/opt/settings.ini"), deadlineMs);
     QCOMPARE(users.call("getUser"), QStringLiteral("(\"user1\")"));
     // Wait until the start has stored its settings; then the switch stores its own.
     QFile::remove("/opt/settings.ini");
@@ -293,7 +294,8 @@ void TestUsers::setUserSwitchesToACompleteProfileAsItIs()
     QCOMPARE(QFile::symLinkTarget(system), profile("user2"));
     QCOMPARE(snapshot(profile("user2")), before);
     QCOMPARE(users.call("getUser"), QStringLiteral("(\"user2\")"));
-    QTRY_COMPARE(readFile("/opt/settings.ini"), QByteArray("[Users]\nstateuser2=true\n"));
+    QTRY_COMPARE_WITH_TIMEOUT(readFile("/opt/settings.ini"),
+                              QByteArray("[Users]\nstateuser2=true\n"), deadlineMs);
 }
 
 void TestUsers::setUserToTheActiveUserDoesNothing()
@@ -443,8 +445,8 @@ void TestUsers::filesAreSyncedBeforeTheyAreRenamed()
     daemon.setWrapper({"strace", "-D", "-f", "-o", "/tmp/trace", "-e",
                        "trace=syncfs,sync,fsync,fdatasync,/rename,/open,sendfile,copy_file_range"});
     QVERIFY(daemon.start());
-    QTRY_VERIFY(QFile::exists("/opt/settings.ini"));
-    QTRY_VERIFY(!QFile::exists("/opt/settings.ini.lock"));
+    QTRY_VERIFY_WITH_TIMEOUT(QFile::exists("/opt/settings.ini"), deadlineMs);
+    QTRY_VERIFY_WITH_TIMEOUT(!QFile::exists("/opt/settings.ini.lock"), deadlineMs);
     writeFile("/tmp/trace", "");
 
     QCOMPARE(users.call("factoryReset", {"user2"}), QStringLiteral("()"));
@@ -467,8 +469,8 @@ void TestUsers::aProfileIsIncompleteBeforeAnythingOfItIsErased()
     daemon.setWrapper(
         {"strace", "-D", "-f", "-o", "/tmp/trace", "-e", "trace=/rename,/unlink,/rmdir"});
     QVERIFY(daemon.start());
-    QTRY_VERIFY(QFile::exists("/opt/settings.ini"));
-    QTRY_VERIFY(!QFile::exists("/opt/settings.ini.lock"));
+    QTRY_VERIFY_WITH_TIMEOUT(QFile::exists("/opt/settings.ini"), deadlineMs);
+    QTRY_VERIFY_WITH_TIMEOUT(!QFile::exists("/opt/settings.ini.lock"), deadlineMs);
     writeFile("/tmp/trace", "");
 
     QCOMPARE(users.call("factoryReset", {"user2"}), QStringLiteral("()"));
@@ -764,15 +766,15 @@ void TestUsers::theStoredFlagDecides()
     writeFile(profile("user2"), "a file");
     QVERIFY(daemon.start());
     users.call("setUser", {"user2"});
-    QTRY_VERIFY(readFile(settings).contains("stateuser2=false"));
-    QTRY_VERIFY(!QFile::exists(settings + ".lock"));
+    QTRY_VERIFY_WITH_TIMEOUT(readFile(settings).contains("stateuser2=false"), deadlineMs);
+    QTRY_VERIFY_WITH_TIMEOUT(!QFile::exists(settings + ".lock"), deadlineMs);
     QCOMPARE(users.call("setUser", {"user2"}), invalid);
     removePath(profile("user2"));
 
     // The daemon reads the changed file when it next writes its settings.
     writeFile(settings, "[Users]\nstateuser2=true\nstateuser4=false\n");
     QCOMPARE(users.call("setUser", {"user3"}), QStringLiteral("()"));
-    QTRY_VERIFY(readFile(settings).contains("stateuser3=true"));
+    QTRY_VERIFY_WITH_TIMEOUT(readFile(settings).contains("stateuser3=true"), deadlineMs);
 
     QCOMPARE(users.call("setUser", {"user4"}), invalid);
     QCOMPARE(users.call("setUser", {"user2"}), QStringLiteral("()"));
@@ -782,10 +784,12 @@ void TestUsers::usersWhoseFlagsVanishAreInvalidUntilTheNextStart()
 {
     const QString settings = "/opt/settings.ini";
     QVERIFY(daemon.start());
-    QTRY_VERIFY(QFile::exists(settings) && !QFile::exists(settings + ".lock"));
+    QTRY_VERIFY_WITH_TIMEOUT(QFile::exists(settings) && !QFile::exists(settings + ".lock"),
+                             deadlineMs);
     QFile::remove(settings);
     QCOMPARE(users.call("setUser", {"user2"}), QStringLiteral("()"));
-    QTRY_VERIFY(QFile::exists(settings) && !QFile::exists(settings + ".lock"));
+    QTRY_VERIFY_WITH_TIMEOUT(QFile::exists(settings) && !QFile::exists(settings + ".lock"),
+                             deadlineMs);
 
     for (const char *user : {"user1", "user3", "user4"})
         QCOMPARE(users.call("setUser", {user}), invalid);
@@ -804,11 +808,12 @@ void TestUsers::anInvalidUserStaysInvalidWhenTheSettingsVanish()
     writeFile(profile("user2"), "a file");
     QVERIFY(daemon.start());
     users.call("setUser", {"user2"});
-    QTRY_VERIFY(readFile(settings).contains("stateuser2=false"));
-    QTRY_VERIFY(!QFile::exists(settings + ".lock"));
+    QTRY_VERIFY_WITH_TIMEOUT(readFile(settings).contains("stateuser2=false"), deadlineMs);
+    QTRY_VERIFY_WITH_TIMEOUT(!QFile::exists(settings + ".lock"), deadlineMs);
     QFile::remove(settings);
     QCOMPARE(users.call("setUser", {"user3"}), QStringLiteral("()"));
-    QTRY_VERIFY(QFile::exists(settings) && !QFile::exists(settings + ".lock"));
+    QTRY_VERIFY_WITH_TIMEOUT(QFile::exists(settings) && !QFile::exists(settings + ".lock"),
+                             deadlineMs);
 
     QCOMPARE(users.call("setUser", {"user2"}), invalid);
 }
@@ -986,14 +991,16 @@ void TestUsers::aFailedSystemCallFailsTheReset()
         QCOMPARE(chmod(qPrintable(profile("default_user") + directory), 0555), 0);
     QVERIFY(daemon.start());
     daemon.settledDescriptors();
-    QTRY_VERIFY(QFile::exists("/opt/settings.ini") && !QFile::exists("/opt/settings.ini.lock"));
+    QTRY_VERIFY_WITH_TIMEOUT(
+        QFile::exists("/opt/settings.ini") && !QFile::exists("/opt/settings.ini.lock"), deadlineMs);
     // Attach after the start: count only the calls of the reset.
     QProcess strace;
     strace.start("strace", {"-f", "-o", "/dev/null", "-p", QString::number(daemon.processId()),
                             "-e", "trace=" + call, "-e",
                             QStringLiteral("inject=%1:error=ENOSPC:when=%2").arg(call).arg(count)});
     QByteArray said;
-    QTRY_VERIFY((said += strace.readAllStandardError()).contains("attached"));
+    QTRY_VERIFY_WITH_TIMEOUT((said += strace.readAllStandardError()).contains("attached"),
+                             deadlineMs);
 
     QCOMPARE(users.call("factoryReset", {"user2"}),
              failure("Write", "The copy of the default folder did not went as expected"));
