@@ -6,8 +6,9 @@
 namespace board
 {
 /**
- * Appends a line for one library call with its time, for example "KyLeds.setLedState(18, 3) = 0",
- * to the board's journal. Does nothing unless the file "journal" exists.
+ * Appends @p line, which describes one library call, for example "KyLeds.setLedState(18, 3) = 0",
+ * to the board's journal, preceded by the current time. Does nothing unless the file "journal"
+ * exists.
  */
 void writeJournal(const std::string &line);
 } // namespace board

@@ -290,7 +290,10 @@ private:
                                                .arg(value("powerman/watchdog_acknowledgements")));
     }
 
-    /** Returns whether the record of @p size bytes, which begins with its checksum, is valid. */
+    /**
+     * Returns "ok" if the record of @p size bytes matches the checksum at its beginning, otherwise
+     * "spoilt"; if @p file is shorter than the record, returns the text for an unknown value.
+     */
     QString validity(const char *file, int size) const
     {
         const QByteArray record = raw(QString::fromLatin1(file)).left(size);
@@ -368,7 +371,7 @@ private:
         for (int bar = 1; bar <= 4; ++bar)
             show(QStringLiteral("strength-%1").arg(bar), strength >= 25 * bar - 20);
         write("strength-text", strength < 0 ? QString() : QStringLiteral("%1 %").arg(strength));
-        // If the cable's end is not visible, assume that it is plugged in.
+        // If the state of the cable is unknown (-1), assume that the cable is plugged in.
         show("cable-in", m_instrument.isCableIn != 0);
         show("cable-out", m_instrument.isCableIn == 0);
         write("cable-text", m_instrument.isCableIn == 0 ? QStringLiteral("Plug the cable in")

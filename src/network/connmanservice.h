@@ -12,12 +12,12 @@ class ConnmanService : public QObject
 
 public:
     /**
-     * @param path the constant path() of an interface that never has a ConnMan service; otherwise
-     *         empty
+     * @param path what path() always returns if the interface never has a ConnMan service; pass an
+     *         empty path for an interface that can have one
      */
     explicit ConnmanService(const QString &path) : m_path(path) {}
 
-    /** The object path; empty until there is a service. */
+    /** The object path; empty until there is a service, unless the constructor was given a path. */
     const QString &path() const { return m_path; }
 
     /** Makes the service at @p path the current one and subscribes to its changes. */
@@ -29,7 +29,10 @@ public:
     /** Returns the properties; empty if ConnMan does not list the service. */
     QVariantMap properties() const;
 
-    /** Returns the property "IPv4" in a form that can be sent; empty if there is none. */
+    /**
+     * Returns the property "IPv4", demarshalled so that it can be sent to clients on the bus; empty
+     * if there is no such property.
+     */
     QVariantMap ipv4() const;
 
 Q_SIGNALS:

@@ -22,7 +22,7 @@ private Q_SLOTS:
 
     void anUnreadLogBlocksNothing();
     void loggingResumesWithANewReader();
-    void aLogWhoseReaderEndsEndsNothing();
+    void theDaemonSurvivesTheEndOfTheLogsReader();
     void aBrokenPipeEndsNothing();
     void childrenHaveDefaultSignals_data();
     void childrenHaveDefaultSignals();
@@ -185,7 +185,7 @@ void TestLogging::loggingResumesWithANewReader()
                               text.constData(), deadlineMs);
 }
 
-void TestLogging::aLogWhoseReaderEndsEndsNothing()
+void TestLogging::theDaemonSurvivesTheEndOfTheLogsReader()
 {
     startWithPipe();
     close(m_pipe);
@@ -218,7 +218,8 @@ void TestLogging::childrenHaveDefaultSignals()
 {
     QFETCH(QStringList, wrapper);
     const QString script = QStringLiteral("/usr/share/redpine/switch_coex_mode.sh");
-    // The shell's own status: its child processes have other signal masks.
+    // Reads /proc/self/status in the shell itself: in a child process, such as grep, the signal
+    // masks would differ.
     writeFile(script,
               "#!/bin/sh\n"
               "while read -r line; do case $line in Sig[BI]*) echo \"$line\"; esac; done "

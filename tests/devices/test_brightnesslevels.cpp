@@ -15,8 +15,8 @@ class TestBrightnessLevels : public QObject
 private Q_SLOTS:
     void aLuxValueHasItsLevel_data();
     void aLuxValueHasItsLevel();
-    void nonsenseHasALevelToo_data();
-    void nonsenseHasALevelToo();
+    void aLuxValueThatIsNotFiniteHasALevel_data();
+    void aLuxValueThatIsNotFiniteHasALevel();
     void aTableOutOfOrderStillGivesALevel_data();
     void aTableOutOfOrderStillGivesALevel();
 
@@ -24,7 +24,7 @@ private Q_SLOTS:
     void aBandReachesFromTheBoundBelowToTheOneAbove();
     void aBandOutOfOrderIsRefused_data();
     void aBandOutOfOrderIsRefused();
-    void anyTableIsSortedAndBandedWithoutHarm();
+    void anyTableGivesAValidLevelAndAValidBandOrNone();
 
     void theTimerIsCutToOneEvenByte_data();
     void theTimerIsCutToOneEvenByte();
@@ -97,17 +97,17 @@ void TestBrightnessLevels::aLuxValueHasItsLevel()
     QCOMPARE(brightnessLevel(lux, factory), level);
 }
 
-void TestBrightnessLevels::nonsenseHasALevelToo_data()
+void TestBrightnessLevels::aLuxValueThatIsNotFiniteHasALevel_data()
 {
     QTest::addColumn<double>("lux");
     QTest::addColumn<int>("level");
 
-    QTest::newRow("no number") << std::nan("") << 16;
+    QTest::newRow("not a number") << std::nan("") << 16;
     QTest::newRow("infinitely bright") << std::numeric_limits<double>::infinity() << 16;
     QTest::newRow("infinitely dark") << -std::numeric_limits<double>::infinity() << 1;
 }
 
-void TestBrightnessLevels::nonsenseHasALevelToo()
+void TestBrightnessLevels::aLuxValueThatIsNotFiniteHasALevel()
 {
     QFETCH(double, lux);
     QFETCH(int, level);
@@ -185,9 +185,9 @@ void TestBrightnessLevels::aBandOutOfOrderIsRefused_data()
     QTest::newRow("upside down by one lux") << factoryWith(3, 9) << 2 << refused;
     QTest::newRow("of one lux value") << factoryWith(3, 10) << 2 << accepted;
     QTest::newRow("the level itself does not count") << factoryWith(2, -5) << 2 << accepted;
-    QTest::newRow("negative from below") << factoryWith(0, -1) << 1 << refused;
-    QTest::newRow("wholly negative") << allAt(-7) << 5 << refused;
-    QTest::newRow("negative above") << factoryWith(17, -1) << 16 << refused;
+    QTest::newRow("negative lower bound") << factoryWith(0, -1) << 1 << refused;
+    QTest::newRow("both bounds negative") << allAt(-7) << 5 << refused;
+    QTest::newRow("negative upper bound") << factoryWith(17, -1) << 16 << refused;
     QTest::newRow("all zero") << allAt(0) << 16 << accepted;
 }
 
@@ -198,7 +198,7 @@ void TestBrightnessLevels::aBandOutOfOrderIsRefused()
     QTEST(brightnessBand(level, bounds).has_value(), "isBand");
 }
 
-void TestBrightnessLevels::anyTableIsSortedAndBandedWithoutHarm()
+void TestBrightnessLevels::anyTableGivesAValidLevelAndAValidBandOrNone()
 {
     const int values[] = {INT_MIN, -1, 0, 1, 300, INT_MAX};
     for (int changed = 0; changed < 18; ++changed) {
@@ -224,7 +224,7 @@ void TestBrightnessLevels::theTimerIsCutToOneEvenByte_data()
     QTest::newRow("the largest that fits") << 25u << 0xFA;
     QTest::newRow("cut") << 26u << 0x04;
     QTest::newRow("30") << 30u << 0x2C;
-    QTest::newRow("a product of 256") << 128u << 0x00;
+    QTest::newRow("ten times it is a multiple of 256") << 128u << 0x00;
     QTest::newRow("largest") << UINT_MAX << 0xF6;
 }
 
