@@ -238,7 +238,9 @@ void TestPanelWindow::picturesNeedNoDisplay()
     // The daemon is away; its surroundings are still shown.
     QVERIFY(reads(image, "daemon-text", "away"));
     QVERIFY(reads(image, "cable-text", "Plug the cable in"));
+    QVERIFY(!reads(image, "cable-text", "Pull the cable"));
     QVERIFY(reads(image, "dhcp-text", "Mute DHCP server"));
+    QVERIFY(!reads(image, "dhcp-text", "Unmute DHCP server"));
     QVERIFY(reads(image, "wifi-dhcp-text", "Unmute DHCP server"));
 }
 
@@ -290,7 +292,7 @@ QRect TestPanelWindow::placeOfText(const QString &element)
         const int x = int(text.attribute("x").toDouble()) - (isAtEnd              ? width
                                                              : anchor == "middle" ? width / 2
                                                                                   : 0);
-        return {x, text.attribute("y").toInt() - size, width, size * 5 / 4};
+        return {x, int(text.attribute("y").toDouble()) - size, width, size * 5 / 4};
     }
     return {};
 }
