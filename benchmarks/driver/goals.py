@@ -34,8 +34,8 @@ def of_peers(figures):
 
 def of_start(figures):
     value = figures["with ConnMan"]["ratio"]["median"]
-    yield goal(f"start to name, ConnMan and hardware answering at once, at most {START} times the "
-               "bare Qt service's", f"{value:.2f}", value <= START)
+    yield goal("time from the start to the bus name, with ConnMan and the hardware answering at "
+               f"once: at most {START} times the bare Qt service's", f"{value:.2f}", value <= START)
 
 
 def of_memory(figures):
@@ -55,8 +55,8 @@ def of_memory(figures):
 
 
 def of_idleness(figures):
-    yield goal("no wake-up but for the battery check",
-               f"{figures['moments']} moments awake, {figures['battery_checks']} checks",
+    yield goal("no wake-up except for the battery check",
+               f"{figures['moments']} moments with a wake-up, {figures['battery_checks']} checks",
                figures["moments"] <= figures["battery_checks"])
 
 

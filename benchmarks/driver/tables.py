@@ -18,7 +18,7 @@ def of_methods(figures):
 
 
 def of_peers(figures):
-    head = ["service", "round trip µs", "p99 µs", "to libdbus", "CPU µs", "calls/s",
+    head = ["service", "round trip µs", "p99 µs", "ratio to libdbus", "CPU µs", "calls/s",
             "system calls"]
     rows = [[label, number(row["latency"]["median"]), number(row["p99"]["median"]),
              shown(row["ratio"]["latency"], 2), number(row["cpu"]["median"]),
@@ -28,7 +28,7 @@ def of_peers(figures):
 
 
 def of_start(figures):
-    head = ["service", "ms to its name", "to bare Qt"]
+    head = ["service", "ms to its name", "ratio to bare Qt"]
     rows = [[label if "Qt" in label or "with" not in label else f"daemon {label}", shown(row),
              shown(row["ratio"], 2) if "ratio" in row else ""] for label, row in figures.items()]
     yield "Start", head, rows
@@ -45,7 +45,8 @@ def of_memory(figures):
 def of_idleness(figures):
     head = ["what", f"in {figures['seconds']} s"]
     rows = [["battery checks", figures["battery_checks"]],
-            ["moments awake", figures["moments"]],
+            ["moments at which any thread woke up (wake-ups close together count once)",
+             figures["moments"]],
             *([f"wake-ups of the thread {name}", count]
               for name, count in figures["wake_ups"].items())]
     yield "Idle", head, [[label, str(count)] for label, count in rows]
@@ -90,7 +91,8 @@ def of_events(figures):
 
 
 def of_clients(figures):
-    head = ["clients at once", "median ms", "p99 ms", "longest ms", "calls/s", "to bare Qt"]
+    head = ["clients at once", "median ms", "p99 ms", "longest ms", "calls/s",
+            "ratio to bare Qt"]
     yield "Many clients", head, [[str(figures["clients"]), *(shown(figures[name]) for name in (
         "median", "p99", "longest", "per_second")), shown(figures["ratio"], 2)]]
 

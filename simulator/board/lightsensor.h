@@ -16,14 +16,16 @@ namespace board
  * The ambient-light sensor on the simulated board.
  *
  * While interrupts are enabled, the sensor interrupts
- * - at once when the light changes to a value outside the band, or from one outside to one inside;
- * - repeatedly while the light stays outside, each time after the persistence time, counted in
- *   tenths of a second (at least one) from the acknowledgement of the last interrupt.
+ * - at once when the light changes and the old or the new value is outside the band;
+ * - repeatedly while the light stays outside: each time when the persistence time has passed
+ *   since the last interrupt was acknowledged. The unit of this time is 0.1 s, its minimum 0.1 s.
  *
- * It does not interrupt again before the acknowledgement. No change is lost: a change that has not
- * been read before the acknowledgement causes an interrupt then.
+ * It does not interrupt again before the acknowledgement. No change is lost: if the program has not
+ * read such a change when it acknowledges, the sensor interrupts again right after the
+ * acknowledgement.
  *
- * A value is outside the band when its code is above the upper threshold or below the lower one.
+ * The thresholds are codes of 8 bits. A value in lux is outside the band when its code
+ * (thresholdCode()) is above the upper threshold or below the lower one.
  */
 class LightSensor
 {

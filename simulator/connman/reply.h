@@ -14,7 +14,10 @@ void refuse(const QDBusMessage &call, const QString &name, const QString &text);
 /** Replies to @p call with an error of ConnMan's own, such as "InvalidArguments". */
 void refuse(const QDBusMessage &call, const char *name, const char *text);
 
-/** Replies to @p call as Qt D-Bus does to an unknown name: "UnknownMethod" or similar. */
+/**
+ * Replies to @p call as Qt D-Bus does when the object or the method does not exist. @p what is the
+ * last part of the error's name: "UnknownObject" or "UnknownMethod".
+ */
 void refuseUnknown(const QDBusMessage &call, const char *what);
 
 /** Returns @p value without the variant around it. */

@@ -119,7 +119,7 @@ void ModeScript::leaveOut(const QString &part)
 void ModeScript::setCarrier(bool present)
 {
     execute("ip", {"link", "set", "wifi_air", present ? "up" : "down"});
-    // The kernel passes the carrier on later.
+    // wifi_ap gets the carrier of its peer wifi_air only some time after the command.
     if (!QTest::qWaitFor(
             [present] { return isRunning(findNetworkInterface("wifi_ap")) == present; },
             deadlineMs))
