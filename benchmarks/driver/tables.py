@@ -43,7 +43,7 @@ def of_memory(figures):
 
 
 def of_idleness(figures):
-    head = ["what", f"in {figures['seconds']} s"]
+    head = ["event", f"number in {figures['seconds']} s"]
     rows = [["battery checks", figures["battery_checks"]],
             ["moments at which any thread woke up (wake-ups close together count once)",
              figures["moments"]],
@@ -53,19 +53,19 @@ def of_idleness(figures):
 
 
 def of_holds(figures):
-    yield ("How long another client waits at most", ["while the daemon does", "ms"],
+    yield ("How long another client waits at most", ["while the daemon handles", "ms"],
            [[label, shown(figure)] for label, figure in figures.items()])
 
 
 def of_signals(figures):
-    head = ["subscribed clients", "CPU µs of the daemon per signal", "µs until all have it"]
+    head = ["subscribed clients", "CPU µs of the daemon per signal", "µs until all have received it"]
     yield "Signals", head, [[str(clients), shown(row["cpu"]), shown(row["delivered"])]
                             for clients, row in figures.items()]
 
 
 def of_services(figures):
-    head = ["services", "CPU µs per announcement", "µs until handled", "storm of 100: median ms",
-            "p99 ms", "longest ms"]
+    head = ["services", "CPU µs per announcement", "µs until handled",
+            "another client's wait in a storm of 100: median ms", "p99 ms", "longest ms"]
     yield "ConnMan's announcements", head, [
         [str(count), shown(row["cpu"]), shown(row["elapsed"]),
          *(shown(row["storm"][name]) for name in ("median", "p99", "longest"))]
@@ -84,7 +84,7 @@ def of_profiles(figures):
 
 
 def of_events(figures):
-    head = ["burst", "CPU µs per event", "µs per event until heard"]
+    head = ["burst", "CPU µs per event", "µs per event until a client has its signal"]
     yield "Kernel events", head, [
         [f"{figures['events']:,} of a card", shown(figures["cpu"]), shown(figures["elapsed"])],
         [f"{figures['events']:,} of other devices", shown(figures["others_cpu"]), ""]]

@@ -136,7 +136,7 @@ def measure_holds():
             operate("Ethernet.disconnect")
             services.connect_ethernet(standin)
 
-        hold("Ethernet.connect, to its association", connect, result)
+        hold("Ethernet.connect, until the state association", connect, result)
     longest = []
     for _ in range(5):
         # The versions are determined once in a daemon's life.
