@@ -14,10 +14,10 @@ public:
 
 private Q_SLOTS:
     void everyNameHasItsValue();
-    void anyOtherNameHasNone_data();
-    void anyOtherNameHasNone();
+    void anyOtherNameHasNoValue_data();
+    void anyOtherNameHasNoValue();
     void everyValueHasItsName();
-    void anyOtherValueHasNone();
+    void anyOtherValueHasNoName();
     void allNamesAreListedAsDeclared();
 
 private:
@@ -31,22 +31,22 @@ void TestEnumNames::everyNameHasItsValue()
     QCOMPARE(enumValue(fruits, "Quince").value_or(-1), -7);
 }
 
-void TestEnumNames::anyOtherNameHasNone_data()
+void TestEnumNames::anyOtherNameHasNoValue_data()
 {
     QTest::addColumn<QString>("name");
     QTest::newRow("empty") << "";
     QTest::newRow("lower case") << "apple";
     QTest::newRow("qualified") << "TestEnumNames::Apple";
     QTest::newRow("qualified with the enumeration") << "Fruit::Apple";
-    QTest::newRow("blank before") << " Apple";
-    QTest::newRow("blank behind") << "Apple ";
-    QTest::newRow("two") << "Apple|Pear";
+    QTest::newRow("leading blank") << " Apple";
+    QTest::newRow("trailing blank") << "Apple ";
+    QTest::newRow("two names") << "Apple|Pear";
     QTest::newRow("beginning") << "Appl";
     QTest::newRow("number") << "3";
-    QTest::newRow("other letters") << QString::fromUtf8("\u0410pple");
+    QTest::newRow("Cyrillic letter") << QString::fromUtf8("\u0410pple");
 }
 
-void TestEnumNames::anyOtherNameHasNone()
+void TestEnumNames::anyOtherNameHasNoValue()
 {
     QFETCH(QString, name);
     QVERIFY(!enumValue(fruits, name));
@@ -59,7 +59,7 @@ void TestEnumNames::everyValueHasItsName()
     QCOMPARE(enumName(fruits, -7), QStringLiteral("Quince"));
 }
 
-void TestEnumNames::anyOtherValueHasNone()
+void TestEnumNames::anyOtherValueHasNoName()
 {
     for (const int value : {1, 2, -1, INT_MAX, INT_MIN})
         QCOMPARE(enumName(fruits, value), QString());

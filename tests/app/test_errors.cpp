@@ -16,7 +16,7 @@ class TestErrors : public WifiTest
 private Q_SLOTS:
     void everyDocumentedErrorIsSent_data();
     void everyDocumentedErrorIsSent();
-    void noProvocationIsLeftOver();
+    void everyProvocationBelongsToADocumentedError();
 
 private:
     using Provocation = std::function<QDBusMessage()>;
@@ -398,7 +398,7 @@ void TestErrors::everyDocumentedErrorIsSent()
              qPrintable(renderReply(reply)));
 }
 
-void TestErrors::noProvocationIsLeftOver()
+void TestErrors::everyProvocationBelongsToADocumentedError()
 {
     QStringList keys;
     for (const DocumentedError &error : documentedErrors())

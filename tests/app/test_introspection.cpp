@@ -15,9 +15,9 @@ class TestIntrospection : public DaemonTest
 private Q_SLOTS:
     void everyDocumentIsReadable_data();
     void everyDocumentIsReadable();
-    void everyMemberStandsInTheDocuments_data();
-    void everyMemberStandsInTheDocuments();
-    void everyDocumentSaysWhatItsAdaptorHas();
+    void theDocumentsListExactlyTheShownMembers_data();
+    void theDocumentsListExactlyTheShownMembers();
+    void everyDocumentListsTheMembersOfItsAdaptor();
     void theDaemonShowsTheDocuments_data();
     void theDaemonShowsTheDocuments();
 };
@@ -156,7 +156,7 @@ void TestIntrospection::everyDocumentIsReadable()
     QVERIFY(!content.interfaces.first().isEmpty());
 }
 
-void TestIntrospection::everyMemberStandsInTheDocuments_data()
+void TestIntrospection::theDocumentsListExactlyTheShownMembers_data()
 {
     QTest::addColumn<QString>("path");
     QTest::addColumn<int>("model");
@@ -171,7 +171,7 @@ void TestIntrospection::everyMemberStandsInTheDocuments_data()
     QTest::newRow("agent") << "/KyComMgr/Agent" << 0x8345 << QStringList();
 }
 
-void TestIntrospection::everyMemberStandsInTheDocuments()
+void TestIntrospection::theDocumentsListExactlyTheShownMembers()
 {
     QFETCH(QString, path);
     QFETCH(int, model);
@@ -187,7 +187,7 @@ void TestIntrospection::everyMemberStandsInTheDocuments()
     QCOMPARE(shown.size(), documented.size());
 }
 
-void TestIntrospection::everyDocumentSaysWhatItsAdaptorHas()
+void TestIntrospection::everyDocumentListsTheMembersOfItsAdaptor()
 {
     QStringList files;
     for (const QMetaObject *adaptor : adaptors) {

@@ -20,10 +20,10 @@ private Q_SLOTS:
     void textForAFullPipeIsDropped();
     void longTextIsWrittenAsFarAsItFits();
 
-    void anUnreadLogBlocksNothing();
+    void anUnreadLogDoesNotBlockTheDaemon();
     void loggingResumesWithANewReader();
     void theDaemonSurvivesTheEndOfTheLogsReader();
-    void aBrokenPipeEndsNothing();
+    void theDaemonSurvivesSigpipe();
     void childrenHaveDefaultSignals_data();
     void childrenHaveDefaultSignals();
 
@@ -150,7 +150,7 @@ QByteArray TestLogging::readPipe() const
     return text;
 }
 
-void TestLogging::anUnreadLogBlocksNothing()
+void TestLogging::anUnreadLogDoesNotBlockTheDaemon()
 {
     startWithPipe();
     const int writer = open(pipePath, O_WRONLY | O_CLOEXEC);
@@ -197,7 +197,7 @@ void TestLogging::theDaemonSurvivesTheEndOfTheLogsReader()
     QVERIFY(daemon.isRunning());
 }
 
-void TestLogging::aBrokenPipeEndsNothing()
+void TestLogging::theDaemonSurvivesSigpipe()
 {
     QVERIFY(daemon.start());
     QCOMPARE(kill(pid_t(daemon.processId()), SIGPIPE), 0);

@@ -23,7 +23,7 @@ private Q_SLOTS:
     void aFileIsTruncated();
     void aFileThatIsNotTruncatedKeepsItsEnd();
     void aLinkIsNotFollowed();
-    void aLinkToNowhereMakesNoFile();
+    void aDanglingLinkMakesNoFile();
     void aSecondNameOfAFileIsRefused();
     void aFifoIsNotWaitedFor();
     void aFifoWithAReaderIsNotWrittenTo();
@@ -33,8 +33,8 @@ private Q_SLOTS:
     void childrenDoNotInheritTheDescriptor();
 
     void aFileIsReadAlsoThroughALink();
-    void nothingElseIsRead_data();
-    void nothingElseIsRead();
+    void onlyRegularFilesAreRead_data();
+    void onlyRegularFilesAreRead();
 
 private:
     bool append(const QByteArray &text, int flags = O_APPEND);
@@ -104,7 +104,7 @@ void TestRegularFile::aLinkIsNotFollowed()
     QCOMPARE(readFile(target), QByteArray("precious"));
 }
 
-void TestRegularFile::aLinkToNowhereMakesNoFile()
+void TestRegularFile::aDanglingLinkMakesNoFile()
 {
     const QString target = m_directory->filePath(QStringLiteral("target"));
     QVERIFY(QFile::link(target, m_path));
@@ -183,16 +183,16 @@ void TestRegularFile::aFileIsReadAlsoThroughALink()
     }
 }
 
-void TestRegularFile::nothingElseIsRead_data()
+void TestRegularFile::onlyRegularFilesAreRead_data()
 {
     QTest::addColumn<QString>("path");
-    QTest::newRow("nothing") << "missing";
+    QTest::newRow("missing file") << "missing";
     QTest::newRow("directory") << ".";
     QTest::newRow("fifo") << "fifo";
     QTest::newRow("device") << "/dev/zero";
 }
 
-void TestRegularFile::nothingElseIsRead()
+void TestRegularFile::onlyRegularFilesAreRead()
 {
     QFETCH(QString, path);
     if (path == "fifo")

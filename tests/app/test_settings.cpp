@@ -16,12 +16,12 @@ private Q_SLOTS:
     void aFileThatCannotBeUsedIsAnEmptyOne_data();
     void aFileThatCannotBeUsedIsAnEmptyOne();
     void aFileThatCannotBeWrittenIsNotReported();
-    void nothingIsStoredUntilTheNextStartWhereNoFileCanBe_data();
-    void nothingIsStoredUntilTheNextStartWhereNoFileCanBe();
-    void whatIsNoFileIsNeitherReadNorWrittenWhileTheDaemonRuns_data();
-    void whatIsNoFileIsNeitherReadNorWrittenWhileTheDaemonRuns();
-    void aLockThatAPowerCutHasLeftIsNotWaitedFor_data();
-    void aLockThatAPowerCutHasLeftIsNotWaitedFor();
+    void anUnusableFileDisablesStoringUntilTheNextStart_data();
+    void anUnusableFileDisablesStoringUntilTheNextStart();
+    void onlyARegularFileIsReadOrWrittenWhileTheDaemonRuns_data();
+    void onlyARegularFileIsReadOrWrittenWhileTheDaemonRuns();
+    void aLockLeftByAPowerCutIsNotWaitedFor_data();
+    void aLockLeftByAPowerCutIsNotWaitedFor();
     void theFileIsNeverFilledWithDefaults();
     void aChangeOfTheFileIsNotSeenBeforeTheNextStart();
 
@@ -145,7 +145,7 @@ void TestSettings::aFileThatCannotBeWrittenIsNotReported()
     QCOMPARE(snapshot("/opt/settings.ini"), QStringList{"directory"});
 }
 
-void TestSettings::nothingIsStoredUntilTheNextStartWhereNoFileCanBe_data()
+void TestSettings::anUnusableFileDisablesStoringUntilTheNextStart_data()
 {
     QTest::addColumn<QStringList>("command");
     QTest::newRow("fifo") << QStringList{"mkfifo"};
@@ -153,7 +153,7 @@ void TestSettings::nothingIsStoredUntilTheNextStartWhereNoFileCanBe_data()
     QTest::newRow("directory") << QStringList{"mkdir"};
 }
 
-void TestSettings::nothingIsStoredUntilTheNextStartWhereNoFileCanBe()
+void TestSettings::anUnusableFileDisablesStoringUntilTheNextStart()
 {
     QFETCH(QStringList, command);
     const QString file = "/opt/settings.ini";
@@ -174,14 +174,14 @@ void TestSettings::nothingIsStoredUntilTheNextStartWhereNoFileCanBe()
     QTRY_COMPARE_WITH_TIMEOUT(readFile(file), fourUsers, deadlineMs);
 }
 
-void TestSettings::whatIsNoFileIsNeitherReadNorWrittenWhileTheDaemonRuns_data()
+void TestSettings::onlyARegularFileIsReadOrWrittenWhileTheDaemonRuns_data()
 {
     QTest::addColumn<QStringList>("command");
     QTest::newRow("fifo") << QStringList{"mkfifo"};
-    QTest::newRow("device without an end") << QStringList{"ln", "-s", "/dev/zero"};
+    QTest::newRow("endless device") << QStringList{"ln", "-s", "/dev/zero"};
 }
 
-void TestSettings::whatIsNoFileIsNeitherReadNorWrittenWhileTheDaemonRuns()
+void TestSettings::onlyARegularFileIsReadOrWrittenWhileTheDaemonRuns()
 {
     QFETCH(QStringList, command);
     const QString file = "/opt/settings.ini";
@@ -207,15 +207,15 @@ void TestSettings::whatIsNoFileIsNeitherReadNorWrittenWhileTheDaemonRuns()
     QVERIFY(users.call("setUser", {"user3"}).contains("Not able to overwrite"));
 }
 
-void TestSettings::aLockThatAPowerCutHasLeftIsNotWaitedFor_data()
+void TestSettings::aLockLeftByAPowerCutIsNotWaitedFor_data()
 {
     QTest::addColumn<QString>("content");
     QTest::newRow("no content") << QString();
-    QTest::newRow("half of its content") << "1234\nKyBoard";
+    QTest::newRow("truncated content") << "1234\nKyBoard";
     QTest::newRow("the same PID") << "%1\nKyBoardManager\n" + QSysInfo::machineHostName() + '\n';
 }
 
-void TestSettings::aLockThatAPowerCutHasLeftIsNotWaitedFor()
+void TestSettings::aLockLeftByAPowerCutIsNotWaitedFor()
 {
     QFETCH(QString, content);
     const QString file = "/opt/settings.ini";

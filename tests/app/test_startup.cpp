@@ -23,7 +23,7 @@ class TestStartup : public DaemonTest
 
 private Q_SLOTS:
     void theThreeRootsAreExported();
-    void theRootsThemselvesShowNothing();
+    void theRootObjectsShowNoMembersOfTheirOwn();
     void theNetworksManagerRegistersItsTypes();
     void nothingIsLoggedAtAnOrdinaryStart();
     void theLogHasOneTextPerLineAndNothingElse();
@@ -41,7 +41,7 @@ private Q_SLOTS:
     void theEndOfAChildIsPrinted();
     void theEndOfARealChildIsPrintedAndTheChildNotReaped();
     void otherSignalsPrintNothing();
-    void withoutTheSignalHandlerItGoesOn();
+    void theDaemonRunsWithoutItsSignalHandler();
     void theDaemonRunsUntilItIsKilled_data();
     void theDaemonRunsUntilItIsKilled();
     void anIgnoredSignalStaysIgnored();
@@ -66,7 +66,7 @@ void TestStartup::theThreeRootsAreExported()
         QVERIFY2(document.contains(QStringLiteral("<node name=\"%1\"/>").arg(path)), path);
 }
 
-void TestStartup::theRootsThemselvesShowNothing()
+void TestStartup::theRootObjectsShowNoMembersOfTheirOwn()
 {
     QVERIFY(daemon.start());
     for (const char *path : {"/KyConfigMgr", "/KyComMgr", "/KyDeviceMgr"}) {
@@ -257,7 +257,7 @@ void TestStartup::otherSignalsPrintNothing()
     QCOMPARE(errnoAfterwards, EXFULL);
 }
 
-void TestStartup::withoutTheSignalHandlerItGoesOn()
+void TestStartup::theDaemonRunsWithoutItsSignalHandler()
 {
     daemon.setWrapper({"strace", "-D", "-o", "/dev/null", "-e", "trace=rt_sigaction", "-e",
                        "inject=rt_sigaction:error=EINVAL"});

@@ -28,9 +28,9 @@ private Q_SLOTS:
     void systemdIsPingedPeriodically_data();
     void systemdIsPingedPeriodically();
     void aWatchdogOfThisProcessIsPinged();
-    void aWatchdogOfAnotherProcessIsNot();
-    void withoutAWatchdogTheBusIsAskedNothing();
-    void aSystemdThatDoesNotReadHoldsNothingUp();
+    void aWatchdogOfAnotherProcessIsNotPinged();
+    void withoutAWatchdogTheBusIsNotCalled();
+    void aSystemdThatDoesNotReadDoesNotBlockTheDaemon();
     void aSuspendedBusStopsThePings();
     void aBusThatDoesNotAnswerIsAskedAgain();
     void aBusThatEndsStopsThePings();
@@ -187,7 +187,7 @@ void TestSystemdWatchdog::aWatchdogOfThisProcessIsPinged()
     QVERIFY(isPinged());
 }
 
-void TestSystemdWatchdog::aWatchdogOfAnotherProcessIsNot()
+void TestSystemdWatchdog::aWatchdogOfAnotherProcessIsNotPinged()
 {
     BusMonitor monitor;
     supervise(socketPath);
@@ -197,7 +197,7 @@ void TestSystemdWatchdog::aWatchdogOfAnotherProcessIsNot()
     QVERIFY(isSilent());
 }
 
-void TestSystemdWatchdog::withoutAWatchdogTheBusIsAskedNothing()
+void TestSystemdWatchdog::withoutAWatchdogTheBusIsNotCalled()
 {
     BusMonitor monitor;
     daemon.controlClock();
@@ -209,7 +209,7 @@ void TestSystemdWatchdog::withoutAWatchdogTheBusIsAskedNothing()
         QVERIFY2(message.member != "GetId", qPrintable(message.line()));
 }
 
-void TestSystemdWatchdog::aSystemdThatDoesNotReadHoldsNothingUp()
+void TestSystemdWatchdog::aSystemdThatDoesNotReadDoesNotBlockTheDaemon()
 {
     supervise(socketPath);
     fillSocket();

@@ -22,19 +22,19 @@ private Q_SLOTS:
     void directoriesAreOpened();
     void missingValuesAreAbsent_data();
     void missingValuesAreAbsent();
-    void rootsLinksAreFollowed_data();
-    void rootsLinksAreFollowed();
-    void strangersLinksAreNotFollowed_data();
-    void strangersLinksAreNotFollowed();
+    void linksOfRootAreFollowed_data();
+    void linksOfRootAreFollowed();
+    void linksOfStrangersAreNotFollowed_data();
+    void linksOfStrangersAreNotFollowed();
     void ownLinksAreFollowed();
-    void asManyLinksAreFollowedAsByTheKernel();
-    void aCircleIsRefused();
-    void aLinkIsOpenedAsWhatItLeadsTo();
-    void aStrangersDirectoryIsAsGoodAsAnother();
+    void theLimitOnLinksIsThatOfTheKernel();
+    void aLoopOfLinksIsRefused();
+    void openingALinkOpensItsTarget();
+    void aDirectoryMayBelongToAStranger();
 
     void missingDirectoriesAreMade();
-    void nothingIsMadeWhereALinkLeads_data();
-    void nothingIsMadeWhereALinkLeads();
+    void nothingIsMadeThroughALink_data();
+    void nothingIsMadeThroughALink();
     void nothingIsMadeInAFile();
 
     void descriptorsAreNotInherited();
@@ -107,11 +107,11 @@ void TestTrustedPath::missingValuesAreAbsent_data()
 {
     QTest::addColumn<QString>("path");
     QTest::addColumn<int>("error");
-    QTest::newRow("nothing") << at("missing") << ENOENT;
-    QTest::newRow("nothing on the way") << at("missing/two") << ENOENT;
+    QTest::newRow("missing") << at("missing") << ENOENT;
+    QTest::newRow("missing parent") << at("missing/two") << ENOENT;
     QTest::newRow("a file") << at("one/two/file") << ENOTDIR;
     QTest::newRow("a file on the way") << at("one/two/file/three") << ENOTDIR;
-    QTest::newRow("a link to nowhere") << at("nowhere") << ENOENT;
+    QTest::newRow("a dangling link") << at("nowhere") << ENOENT;
 }
 
 void TestTrustedPath::missingValuesAreAbsent()
@@ -126,7 +126,7 @@ void TestTrustedPath::missingValuesAreAbsent()
     QVERIFY(directory.isAbsent());
 }
 
-void TestTrustedPath::rootsLinksAreFollowed_data()
+void TestTrustedPath::linksOfRootAreFollowed_data()
 {
     QTest::addColumn<QByteArray>("target");
     QTest::addColumn<QString>("path");
@@ -138,7 +138,7 @@ void TestTrustedPath::rootsLinksAreFollowed_data()
     QTest::newRow("on the way, absolute") << QByteArray("/opt/test/one/") << "link/two";
 }
 
-void TestTrustedPath::rootsLinksAreFollowed()
+void TestTrustedPath::linksOfRootAreFollowed()
 {
     QFETCH(QByteArray, target);
     QFETCH(QString, path);
@@ -148,19 +148,19 @@ void TestTrustedPath::rootsLinksAreFollowed()
     QCOMPARE(nameOf(openDirectory(at(path.replace("link", "again")))), at("one/two"));
 }
 
-void TestTrustedPath::strangersLinksAreNotFollowed_data()
+void TestTrustedPath::linksOfStrangersAreNotFollowed_data()
 {
     QTest::addColumn<QByteArray>("target");
     QTest::addColumn<QString>("path");
     QTest::newRow("at the end") << QByteArray("/opt/test/one/two") << "link";
     QTest::newRow("on the way") << QByteArray("one") << "link/two";
-    QTest::newRow("behind root's") << QByteArray("one/two") << "roots";
+    QTest::newRow("after a link of root") << QByteArray("one/two") << "roots";
     QTest::newRow("to a link of root's") << QByteArray("good") << "link";
-    QTest::newRow("to nowhere") << QByteArray("nowhere") << "link";
+    QTest::newRow("dangling") << QByteArray("nowhere") << "link";
     QTest::newRow("to itself") << QByteArray("link") << "link";
 }
 
-void TestTrustedPath::strangersLinksAreNotFollowed()
+void TestTrustedPath::linksOfStrangersAreNotFollowed()
 {
     QFETCH(QByteArray, target);
     QFETCH(QString, path);
@@ -190,7 +190,7 @@ void TestTrustedPath::ownLinksAreFollowed()
     QCOMPARE(opened[2], at("one"));
 }
 
-void TestTrustedPath::asManyLinksAreFollowedAsByTheKernel()
+void TestTrustedPath::theLimitOnLinksIsThatOfTheKernel()
 {
     link("one", "link1");
     for (int index = 2; index <= 41; ++index)
@@ -204,14 +204,14 @@ void TestTrustedPath::asManyLinksAreFollowedAsByTheKernel()
     QVERIFY(byKernel[0] >= 0 && byKernel[1] < 0);
 }
 
-void TestTrustedPath::aCircleIsRefused()
+void TestTrustedPath::aLoopOfLinksIsRefused()
 {
     link("link", "link");
     QCOMPARE(openDirectory(at("link")).error(), ELOOP);
     QCOMPARE(openDirectory(at("link/one")).error(), ELOOP);
 }
 
-void TestTrustedPath::aLinkIsOpenedAsWhatItLeadsTo()
+void TestTrustedPath::openingALinkOpensItsTarget()
 {
     link("one/two/file", "link");
     const QByteArray path = QFile::encodeName(at("link"));
@@ -222,7 +222,7 @@ void TestTrustedPath::aLinkIsOpenedAsWhatItLeadsTo()
     QVERIFY(openDirectory(at("link")).isAbsent());
 }
 
-void TestTrustedPath::aStrangersDirectoryIsAsGoodAsAnother()
+void TestTrustedPath::aDirectoryMayBelongToAStranger()
 {
     QCOMPARE(chown(qPrintable(at("one")), stranger, stranger), 0);
     QCOMPARE(nameOf(openDirectory(at("one/two"))), at("one/two"));
@@ -239,14 +239,14 @@ void TestTrustedPath::missingDirectoriesAreMade()
     QCOMPARE(status.st_mode, mode_t(S_IFDIR | 0750));
 }
 
-void TestTrustedPath::nothingIsMadeWhereALinkLeads_data()
+void TestTrustedPath::nothingIsMadeThroughALink_data()
 {
     QTest::addColumn<uint>("owner");
     QTest::newRow("root's") << 0U;
     QTest::newRow("stranger's") << stranger;
 }
 
-void TestTrustedPath::nothingIsMadeWhereALinkLeads()
+void TestTrustedPath::nothingIsMadeThroughALink()
 {
     QFETCH(uint, owner);
     link("/opt/test/missing", "link", owner);

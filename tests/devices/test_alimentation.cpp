@@ -13,8 +13,8 @@ class TestAlimentation : public DaemonTest
 private Q_SLOTS:
     void theCheckCannotBeCalled();
 
-    void theChargerIsReadAndToldAtTheStart_data();
-    void theChargerIsReadAndToldAtTheStart();
+    void theChargerIsReadAndReportedToTheMonitorAtTheStart_data();
+    void theChargerIsReadAndReportedToTheMonitorAtTheStart();
     void theStatusIsMeasuredAtEachReading();
     void theStatusFollowsChargerMeterAndBattery_data();
     void theStatusFollowsChargerMeterAndBattery();
@@ -30,8 +30,8 @@ private Q_SLOTS:
 
     void aChargerThatCannotBeReadCountsAsAbsent_data();
     void aChargerThatCannotBeReadCountsAsAbsent();
-    void aSerialBusThatCannotBeOpenedDoesNotMatter();
-    void aMonitorThatCannotBeToldDoesNotMatter();
+    void aSerialBusThatCannotBeOpenedIsIgnored();
+    void aFailedReportToTheMonitorIsIgnored();
     void aMeterThatAnswersNonsenseIsAnUnknownBattery();
     void allHardwareFailingIsAnUnknownBattery();
     void slowHardwareOnlyTakesTime();
@@ -87,7 +87,7 @@ void TestAlimentation::theCheckCannotBeCalled()
     QCOMPARE(recorder.take(), QStringList());
 }
 
-void TestAlimentation::theChargerIsReadAndToldAtTheStart_data()
+void TestAlimentation::theChargerIsReadAndReportedToTheMonitorAtTheStart_data()
 {
     QTest::addColumn<int>("charger");
     QTest::addColumn<QString>("reading");
@@ -96,7 +96,7 @@ void TestAlimentation::theChargerIsReadAndToldAtTheStart_data()
     QTest::newRow("present") << 1 << present << "KyBatmonitor.update(true) = 0";
 }
 
-void TestAlimentation::theChargerIsReadAndToldAtTheStart()
+void TestAlimentation::theChargerIsReadAndReportedToTheMonitorAtTheStart()
 {
     QFETCH(int, charger);
     QFETCH(QString, reading);
@@ -321,7 +321,7 @@ void TestAlimentation::aChargerThatCannotBeReadCountsAsAbsent()
     QCOMPARE(recorder.take(), QStringList(announced("CHARGER_ON_BAT_FULL")));
 }
 
-void TestAlimentation::aSerialBusThatCannotBeOpenedDoesNotMatter()
+void TestAlimentation::aSerialBusThatCannotBeOpenedIsIgnored()
 {
     setBattery(1, 1, 0, "50");
     Board::fault("KySocManager.initSPI", "always");
@@ -329,7 +329,7 @@ void TestAlimentation::aSerialBusThatCannotBeOpenedDoesNotMatter()
     QCOMPARE(status(), QStringLiteral("CHARGER_ON_BAT_FULL"));
 }
 
-void TestAlimentation::aMonitorThatCannotBeToldDoesNotMatter()
+void TestAlimentation::aFailedReportToTheMonitorIsIgnored()
 {
     setBattery(0, 1, 0, "50");
     QVERIFY(daemon.start());

@@ -10,7 +10,7 @@ class TestBacklight : public DaemonTest
     Q_OBJECT
 
 private Q_SLOTS:
-    void theStartIsManualAndLeavesTheBacklight();
+    void theDaemonStartsInManualModeAndKeepsTheBacklight();
 
     void getBacklightReadsThePercentage_data();
     void getBacklightReadsThePercentage();
@@ -21,11 +21,11 @@ private Q_SLOTS:
     void setBacklightSetsThePercentage();
     void setBacklightRejectsOtherNumbers_data();
     void setBacklightRejectsOtherNumbers();
-    void setBacklightReportsAHardwareThatRefuses();
-    void setBacklightLeavesTheMode();
+    void setBacklightReportsAFailedWrite();
+    void setBacklightKeepsTheMode();
 
     void enableBacklightSwitches();
-    void enableBacklightReportsAHardwareThatRefuses();
+    void enableBacklightReportsAFailedWrite();
 
     void getBacklightStepFindsThePercentageInTheTable_data();
     void getBacklightStepFindsThePercentageInTheTable();
@@ -38,7 +38,7 @@ private Q_SLOTS:
     void setBacklightStepRejectsOtherNumbers();
     void aRefusedStepStillSwitchesAutomaticModeOn();
     void aRefusedStepStillSwitchesAutomaticModeOff();
-    void aManualStepReportsAHardwareThatRefuses();
+    void aManualStepReportsAFailedWrite();
     void stepsComeFromTheSettings();
     void theFirstThreeKeysOfTheSettingsAreNotRead();
     void hostileSettingsDoNoHarm_data();
@@ -46,10 +46,10 @@ private Q_SLOTS:
 
     void automaticModeSetsTheBacklightByTheLight_data();
     void automaticModeSetsTheBacklightByTheLight();
-    void automaticModeOnlyChecksTheStep();
+    void automaticModeIgnoresAValidStep();
     void automaticModeReportsLightThatCannotBeRead();
     void automaticModeReportsASensorThatWasNotSetUp();
-    void automaticModeAnnouncesAHardwareThatRefuses();
+    void automaticModeAnnouncesAFailedWrite();
     void automaticModeAnnouncesAStepThatIsNoPercentage();
 
     void manualModeDoesNotFollowTheLight();
@@ -123,7 +123,7 @@ QStringList onlyLight(const QStringList &recorded)
 }
 } // namespace
 
-void TestBacklight::theStartIsManualAndLeavesTheBacklight()
+void TestBacklight::theDaemonStartsInManualModeAndKeepsTheBacklight()
 {
     QVERIFY(daemon.start());
     QCOMPARE(Board::journal().filter("KyBacklight."), QStringList());
@@ -198,7 +198,7 @@ void TestBacklight::setBacklightRejectsOtherNumbers()
     QCOMPARE(Board::journal().filter("KyBacklight."), QStringList());
 }
 
-void TestBacklight::setBacklightReportsAHardwareThatRefuses()
+void TestBacklight::setBacklightReportsAFailedWrite()
 {
     QVERIFY(daemon.start());
     Board::fault("KyBacklight.setBrightness", "1");
@@ -207,7 +207,7 @@ void TestBacklight::setBacklightReportsAHardwareThatRefuses()
     QCOMPARE(percentage(), QStringLiteral("70"));
 }
 
-void TestBacklight::setBacklightLeavesTheMode()
+void TestBacklight::setBacklightKeepsTheMode()
 {
     QVERIFY(daemon.start());
     QCOMPARE(set(true, 0), done);
@@ -234,7 +234,7 @@ void TestBacklight::enableBacklightSwitches()
     QCOMPARE(onlyLight(recorder.take()), QStringList());
 }
 
-void TestBacklight::enableBacklightReportsAHardwareThatRefuses()
+void TestBacklight::enableBacklightReportsAFailedWrite()
 {
     QVERIFY(daemon.start());
     Board::fault("KyBacklight.enableBacklight", "2");
@@ -249,7 +249,7 @@ void TestBacklight::getBacklightStepFindsThePercentageInTheTable_data()
     QTest::addColumn<int>("step");
 
     QTest::newRow("off") << 0 << 1;
-    QTest::newRow("at step 0, which is never told") << 15 << 1;
+    QTest::newRow("at step 0, which is never returned") << 15 << 1;
     QTest::newRow("above step 1") << 21 << 2;
     QTest::newRow("within step 8") << 55 << 8;
     QTest::newRow("full") << 100 << 12;
@@ -358,7 +358,7 @@ void TestBacklight::aRefusedStepStillSwitchesAutomaticModeOff()
     QCOMPARE(percentage(), QStringLiteral("45"));
 }
 
-void TestBacklight::aManualStepReportsAHardwareThatRefuses()
+void TestBacklight::aManualStepReportsAFailedWrite()
 {
     QVERIFY(daemon.start());
     SignalRecorder recorder("/KyDeviceMgr");
@@ -406,7 +406,7 @@ void TestBacklight::hostileSettingsDoNoHarm_data()
     QTest::newRow("another type") << QByteArray("@Rect(1 2 3 4)") << "0";
     QTest::newRow("a broken type") << QByteArray("@Variant(nonsense)") << "0";
     QTest::newRow("just too large") << QByteArray("101") << "refused";
-    QTest::newRow("a percentage once cut to a byte") << QByteArray("306") << "refused";
+    QTest::newRow("a percentage if truncated to a byte") << QByteArray("306") << "refused";
     QTest::newRow("negative") << QByteArray("-1") << "refused";
     QTest::newRow("the largest number") << QByteArray("2147483647") << "refused";
     QTest::newRow("the smallest number") << QByteArray("-2147483648") << "refused";
@@ -466,7 +466,7 @@ void TestBacklight::automaticModeSetsTheBacklightByTheLight()
     QCOMPARE(::percentage(), QString::number(percentage));
 }
 
-void TestBacklight::automaticModeOnlyChecksTheStep()
+void TestBacklight::automaticModeIgnoresAValidStep()
 {
     QVERIFY(daemon.start());
     SignalRecorder recorder("/KyDeviceMgr");
@@ -500,7 +500,7 @@ void TestBacklight::automaticModeReportsASensorThatWasNotSetUp()
     QCOMPARE(percentage(), QStringLiteral("30"));
 }
 
-void TestBacklight::automaticModeAnnouncesAHardwareThatRefuses()
+void TestBacklight::automaticModeAnnouncesAFailedWrite()
 {
     QVERIFY(daemon.start());
     SignalRecorder recorder("/KyDeviceMgr");

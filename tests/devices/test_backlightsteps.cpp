@@ -19,8 +19,8 @@ private Q_SLOTS:
     void aStepIsCheckedAndFoundInTheTable();
     void aRequestedStepHasItsPercentage();
     void aPercentageIsFromZeroToHundred();
-    void theLightsLevelAsksForAStep_data();
-    void theLightsLevelAsksForAStep();
+    void eachLevelOfTheLightHasItsStep_data();
+    void eachLevelOfTheLightHasItsStep();
 };
 
 namespace
@@ -57,7 +57,7 @@ void TestBacklightSteps::aPercentageHasItsStep_data()
     QTest::addColumn<int>("step");
 
     QTest::newRow("off") << 0 << 1;
-    QTest::newRow("at step 0, which is never told") << 15 << 1;
+    QTest::newRow("at step 0, which is never returned") << 15 << 1;
     QTest::newRow("at step 1") << 20 << 1;
     QTest::newRow("above step 1") << 21 << 2;
     QTest::newRow("at step 2") << 25 << 2;
@@ -155,7 +155,7 @@ void TestBacklightSteps::aPercentageIsFromZeroToHundred()
         QVERIFY(!isPercentage(percentage));
 }
 
-void TestBacklightSteps::theLightsLevelAsksForAStep_data()
+void TestBacklightSteps::eachLevelOfTheLightHasItsStep_data()
 {
     QTest::addColumn<int>("level");
     QTest::addColumn<int>("step");
@@ -167,7 +167,7 @@ void TestBacklightSteps::theLightsLevelAsksForAStep_data()
     QTest::newRow("16") << 16 << 12 << true;
 }
 
-void TestBacklightSteps::theLightsLevelAsksForAStep()
+void TestBacklightSteps::eachLevelOfTheLightHasItsStep()
 {
     QFETCH(int, level);
     const LightStep light = stepForLevel(level);

@@ -15,8 +15,8 @@ private Q_SLOTS:
     void withoutChargerMeterTypeAndFlagDoNotMatter();
     void aNegativeChargeWithChargerIsThePercentage_data();
     void aNegativeChargeWithChargerIsThePercentage();
-    void anyOtherChargeWithChargerLeavesItToTheFlag();
-    void otherMetersWithChargerTellOfNoBattery();
+    void withChargerTheFlagDecidesForAnyOtherCharge();
+    void withChargerOtherMetersMeanNoBattery();
 };
 
 namespace
@@ -97,7 +97,7 @@ void TestBatteryStatus::aNegativeChargeWithChargerIsThePercentage()
     }
 }
 
-void TestBatteryStatus::anyOtherChargeWithChargerLeavesItToTheFlag()
+void TestBatteryStatus::withChargerTheFlagDecidesForAnyOtherCharge()
 {
     QVector<int> charges = {INT_MAX};
     for (int charge = 0; charge <= highest; ++charge)
@@ -110,7 +110,7 @@ void TestBatteryStatus::anyOtherChargeWithChargerLeavesItToTheFlag()
     }
 }
 
-void TestBatteryStatus::otherMetersWithChargerTellOfNoBattery()
+void TestBatteryStatus::withChargerOtherMetersMeanNoBattery()
 {
     QVector<int> charges = {INT_MIN, INT_MAX};
     for (int charge = lowest; charge <= highest; ++charge)

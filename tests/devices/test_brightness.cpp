@@ -26,8 +26,8 @@ private Q_SLOTS:
     void aSensorThatWasNotSetUpStaysUnusableUntilTheNextStart();
     void theInterruptOfASensorThatWasNotSetUpIsNotWatched_data();
     void theInterruptOfASensorThatWasNotSetUpIsNotWatched();
-    void onAnotherNegativeDescriptorNothingIsWatched();
-    void aDescriptorThatIsNoneDoesNoHarm();
+    void aNegativeDescriptorIsNotWatched();
+    void anInvalidDescriptorDoesNoHarm();
 
     void getBrightnessReadsTheLight_data();
     void getBrightnessReadsTheLight();
@@ -300,7 +300,7 @@ void TestBrightness::theInterruptOfASensorThatWasNotSetUpIsNotWatched()
     QCOMPARE(Board::journal().filter("KyAls."), QStringList());
 }
 
-void TestBrightness::onAnotherNegativeDescriptorNothingIsWatched()
+void TestBrightness::aNegativeDescriptorIsNotWatched()
 {
     daemon.setEnvironment("LD_PRELOAD", OTHER_DESCRIPTOR);
     QVERIFY(daemon.start());
@@ -316,7 +316,7 @@ void TestBrightness::onAnotherNegativeDescriptorNothingIsWatched()
     QCOMPARE(daemon.log(), QString());
 }
 
-void TestBrightness::aDescriptorThatIsNoneDoesNoHarm()
+void TestBrightness::anInvalidDescriptorDoesNoHarm()
 {
     Board::fault("KyAls.getinterruptHandler", "garbage");
     QVERIFY(daemon.start());

@@ -222,7 +222,7 @@ void TestBrightnessLevels::theTimerIsCutToOneEvenByte_data()
     QTest::newRow("none") << 0u << 0x00;
     QTest::newRow("factory setting") << 5u << 0x32;
     QTest::newRow("the largest that fits") << 25u << 0xFA;
-    QTest::newRow("cut") << 26u << 0x04;
+    QTest::newRow("truncated") << 26u << 0x04;
     QTest::newRow("30") << 30u << 0x2C;
     QTest::newRow("ten times it is a multiple of 256") << 128u << 0x00;
     QTest::newRow("largest") << UINT_MAX << 0xF6;

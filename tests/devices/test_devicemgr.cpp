@@ -18,8 +18,8 @@ class TestDeviceMgr : public DaemonTest
 private Q_SLOTS:
     void aModelWithAScreenOffersBacklightAndBrightness_data();
     void aModelWithAScreenOffersBacklightAndBrightness();
-    void anyOtherModelOffersNeither_data();
-    void anyOtherModelOffersNeither();
+    void anyOtherModelOffersNoBacklightAndNoBrightness_data();
+    void anyOtherModelOffersNoBacklightAndNoBrightness();
     void aModelTextThatIsNoNumberHasNoScreen_data();
     void aModelTextThatIsNoNumberHasNoScreen();
     void aRecordThatCannotBeUsedHasNoScreen_data();
@@ -38,13 +38,13 @@ private Q_SLOTS:
     void theSdCardLedFollowsTheCard();
 
     void shutdownPreparesLedsAndBatteryInOrder();
-    void afterItTheBatteryIsAnnouncedAndNoLedChanges();
-    void afterItThePeriodicCheckGoesOnAndNoLedChanges();
-    void afterItTheTemperaturesAreStillChecked();
-    void afterItTheCardIsStillAnnounced();
-    void afterItTheBacklightStillFollowsTheLight();
-    void afterItTheOtherDevicesGoOn();
-    void preparedTwiceItRepeatsItsSteps();
+    void afterPreparationTheBatteryIsAnnouncedAndNoLedChanges();
+    void afterPreparationThePeriodicCheckGoesOnAndNoLedChanges();
+    void afterPreparationTheTemperaturesAreStillChecked();
+    void afterPreparationTheCardIsStillAnnounced();
+    void afterPreparationTheBacklightStillFollowsTheLight();
+    void afterPreparationTheOtherDevicesGoOn();
+    void aSecondPreparationRepeatsTheSteps();
     void preparationNeverFails();
     void preparationTakesAnyArguments();
 
@@ -128,7 +128,7 @@ void TestDeviceMgr::aModelWithAScreenOffersBacklightAndBrightness()
     QCOMPARE(brightness.call("getBrightness"), QStringLiteral("(d:120)"));
 }
 
-void TestDeviceMgr::anyOtherModelOffersNeither_data()
+void TestDeviceMgr::anyOtherModelOffersNoBacklightAndNoBrightness_data()
 {
     QTest::addColumn<int>("model");
     for (const int model : {0x8343, 0x8344, 0x8346, 0x8348, 0, 0x0345, 0x8355, 0xFFFF})
@@ -147,7 +147,7 @@ void TestDeviceMgr::anyOtherModelOffersNeither_data()
         QCOMPARE(Board::journal().filter("KyBacklight."), QStringList());                          \
     } while (false)
 
-void TestDeviceMgr::anyOtherModelOffersNeither()
+void TestDeviceMgr::anyOtherModelOffersNoBacklightAndNoBrightness()
 {
     QFETCH(int, model);
     Board::setModel(static_cast<ushort>(model));
@@ -351,7 +351,7 @@ void TestDeviceMgr::shutdownPreparesLedsAndBatteryInOrder()
     QCOMPARE(recorder.take(), QStringList());
 }
 
-void TestDeviceMgr::afterItTheBatteryIsAnnouncedAndNoLedChanges()
+void TestDeviceMgr::afterPreparationTheBatteryIsAnnouncedAndNoLedChanges()
 {
     QVERIFY(daemon.start());
     QCOMPARE(prepare(), QStringLiteral("()"));
@@ -373,7 +373,7 @@ void TestDeviceMgr::afterItTheBatteryIsAnnouncedAndNoLedChanges()
     QCOMPARE(leds(), before);
 }
 
-void TestDeviceMgr::afterItThePeriodicCheckGoesOnAndNoLedChanges()
+void TestDeviceMgr::afterPreparationThePeriodicCheckGoesOnAndNoLedChanges()
 {
     daemon.controlClock();
     QVERIFY(daemon.start());
@@ -389,7 +389,7 @@ void TestDeviceMgr::afterItThePeriodicCheckGoesOnAndNoLedChanges()
     QCOMPARE(changes(), QStringList());
 }
 
-void TestDeviceMgr::afterItTheTemperaturesAreStillChecked()
+void TestDeviceMgr::afterPreparationTheTemperaturesAreStillChecked()
 {
     daemon.controlClock();
     QVERIFY(daemon.start());
@@ -404,7 +404,7 @@ void TestDeviceMgr::afterItTheTemperaturesAreStillChecked()
              QStringList{"Temperature.temperatureReached(\"SOM\", 80)"});
 }
 
-void TestDeviceMgr::afterItTheCardIsStillAnnounced()
+void TestDeviceMgr::afterPreparationTheCardIsStillAnnounced()
 {
     QVERIFY(daemon.start());
     QVERIFY(KernelEvents::waitForListeners(1));
@@ -418,7 +418,7 @@ void TestDeviceMgr::afterItTheCardIsStillAnnounced()
     QCOMPARE(Board::get("leds/SD_STATUS"), QStringLiteral("ON"));
 }
 
-void TestDeviceMgr::afterItTheBacklightStillFollowsTheLight()
+void TestDeviceMgr::afterPreparationTheBacklightStillFollowsTheLight()
 {
     QVERIFY(daemon.start());
     QCOMPARE(backlight.call("setBacklightStep", {true, 0}), QStringLiteral("()"));
@@ -432,7 +432,7 @@ void TestDeviceMgr::afterItTheBacklightStillFollowsTheLight()
     QCOMPARE(Board::get("backlight/brightness"), QStringLiteral("35"));
 }
 
-void TestDeviceMgr::afterItTheOtherDevicesGoOn()
+void TestDeviceMgr::afterPreparationTheOtherDevicesGoOn()
 {
     Board::set("storage/SD/mounted", "1");
     QVERIFY(daemon.start());
@@ -451,7 +451,7 @@ void TestDeviceMgr::afterItTheOtherDevicesGoOn()
              QStringLiteral("({\"ANALOG_CHAIN\": <38>, \"SOM\": <42>})"));
 }
 
-void TestDeviceMgr::preparedTwiceItRepeatsItsSteps()
+void TestDeviceMgr::aSecondPreparationRepeatsTheSteps()
 {
     QVERIFY(daemon.start());
     QCOMPARE(prepare(), QStringLiteral("()"));

@@ -19,7 +19,7 @@ private Q_SLOTS:
     void setLedStatusRefusesAnUnknownLed();
     void setLedStatusRefusesAnUnknownStatus_data();
     void setLedStatusRefusesAnUnknownStatus();
-    void setLedStatusTellsTheUnknownLedFirst();
+    void setLedStatusReportsTheUnknownLedFirst();
     void setLedStatusReportsAnLedThatCannotBeSet();
     void getLedStatusReturnsTheStateOfEveryLed();
     void getLedStatusLeavesOutAnLedThatCannotBeRead();
@@ -31,8 +31,8 @@ private Q_SLOTS:
     void theLedsShowTheBatteryStatusFromTheStart_data();
     void theLedsShowTheBatteryStatusFromTheStart();
     void failedLedsDoNotPreventTheStart();
-    void anUnknownBatteryStatusLeavesEveryLed_data();
-    void anUnknownBatteryStatusLeavesEveryLed();
+    void anUnknownBatteryStatusChangesNoLed_data();
+    void anUnknownBatteryStatusChangesNoLed();
     void aFailedLedDoesNotHideTheBatteryStatus();
     void onlyTheSdCardHasAnLed();
 
@@ -148,7 +148,7 @@ void TestLed::setLedStatusRefusesAnUnknownStatus()
     QCOMPARE(Board::journal(), QStringList());
 }
 
-void TestLed::setLedStatusTellsTheUnknownLedFirst()
+void TestLed::setLedStatusReportsTheUnknownLedFirst()
 {
     QVERIFY(daemon.start());
     const QString unknownLed = failure("InvalidArguments", "The LED is unknown");
@@ -316,7 +316,7 @@ void TestLed::failedLedsDoNotPreventTheStart()
     QVERIFY(led.call("getLEDStatus").contains("\"POWER_Y\": <\"OFF\">"));
 }
 
-void TestLed::anUnknownBatteryStatusLeavesEveryLed_data()
+void TestLed::anUnknownBatteryStatusChangesNoLed_data()
 {
     QTest::addColumn<QString>("status");
     for (const char *status : {"", "charger_on_bat_full", "CHARGER_ON_BAT_FULL ", "13",
@@ -324,7 +324,7 @@ void TestLed::anUnknownBatteryStatusLeavesEveryLed_data()
         QTest::addRow("\"%s\"", status) << status;
 }
 
-void TestLed::anUnknownBatteryStatusLeavesEveryLed()
+void TestLed::anUnknownBatteryStatusChangesNoLed()
 {
     QFETCH(QString, status);
     QObject root;

@@ -42,18 +42,18 @@ private Q_SLOTS:
     void eventsOfTheFirstPartitionsAreAnnounced_data();
     void eventsOfTheFirstPartitionsAreAnnounced();
     void otherEventsAreIgnored();
-    void anEventDoesNotContinueInTheOneBefore();
+    void anEventIsReadWithoutBytesOfThePreviousOne();
     void aDeviceIsAnnouncedWhenItIsPluggedInAndOut_data();
     void aDeviceIsAnnouncedWhenItIsPluggedInAndOut();
     void theKernelsOwnEventsAreAnnounced_data();
     void theKernelsOwnEventsAreAnnounced();
     void aBurstLosesNothingAndLeavesTheDaemonAnswering();
     void aListenerThatDoesNotGetToRunLosesNothing();
-    void theListenerTakesNoMoreRoomThanItNeeds();
+    void theListenerHasItsReceiveBuffer();
     void aListenerReceivesEventsAfterALoss();
 
-    void withoutItsEventsTheDaemonServesInSilence_data();
-    void withoutItsEventsTheDaemonServesInSilence();
+    void withoutEventsTheDaemonServesAndLogsNothing_data();
+    void withoutEventsTheDaemonServesAndLogsNothing();
     void aStoppedListenerEndsWithTheNextEvent();
     void theStorageWaitsForItsListener();
 
@@ -444,7 +444,7 @@ void TestStorage::otherEventsAreIgnored()
     QCOMPARE(Board::journal(), QStringList());
 }
 
-void TestStorage::anEventDoesNotContinueInTheOneBefore()
+void TestStorage::anEventIsReadWithoutBytesOfThePreviousOne()
 {
     QVERIFY(startListening());
     SignalRecorder recorder("/KyDeviceMgr");
@@ -534,7 +534,7 @@ void TestStorage::aListenerThatDoesNotGetToRunLosesNothing()
     verifyBurstIsAnnounced(recorder);
 }
 
-void TestStorage::theListenerTakesNoMoreRoomThanItNeeds()
+void TestStorage::theListenerHasItsReceiveBuffer()
 {
     QVERIFY(startListening());
     QProcess sockets;
@@ -561,7 +561,7 @@ void TestStorage::aListenerReceivesEventsAfterALoss()
     QCOMPARE(recorder.waitFor(1), QStringList(keyIn));
 }
 
-void TestStorage::withoutItsEventsTheDaemonServesInSilence_data()
+void TestStorage::withoutEventsTheDaemonServesAndLogsNothing_data()
 {
     QTest::addColumn<QString>("refused");
     QTest::newRow("socket refused") << "socket";
@@ -569,7 +569,7 @@ void TestStorage::withoutItsEventsTheDaemonServesInSilence_data()
     QTest::newRow("receive fails") << "receive";
 }
 
-void TestStorage::withoutItsEventsTheDaemonServesInSilence()
+void TestStorage::withoutEventsTheDaemonServesAndLogsNothing()
 {
     QFETCH(QString, refused);
     QVERIFY(startListening());

@@ -10,14 +10,14 @@ class TestUevent : public QObject
     Q_OBJECT
 
 private Q_SLOTS:
-    void aHeaderMeans_data();
-    void aHeaderMeans();
-    void nothingBehindTheHeaderCounts_data();
-    void nothingBehindTheHeaderCounts();
+    void aHeaderHasItsMeaning_data();
+    void aHeaderHasItsMeaning();
+    void bytesAfterTheHeaderAreIgnored_data();
+    void bytesAfterTheHeaderAreIgnored();
     void aHeaderNeedsNoTerminator();
     void aMessageThatEndsEarlyMeansNothing();
     void aHeaderMayBeAsLongAsTheBuffer();
-    void anyBytesMayCome();
+    void anyBytesAreParsedWithoutHarm();
 };
 
 namespace
@@ -52,7 +52,7 @@ void addRow(const char *name, const QByteArray &message, StorageEvent event)
 }
 } // namespace
 
-void TestUevent::aHeaderMeans_data()
+void TestUevent::aHeaderHasItsMeaning_data()
 {
     QTest::addColumn<QByteArray>("header");
     QTest::addColumn<QString>("meaning");
@@ -85,14 +85,14 @@ void TestUevent::aHeaderMeans_data()
     addRow("both names, neither action", "change@/devices/mmcblk0p1/sda1", StorageEvent::None);
 }
 
-void TestUevent::aHeaderMeans()
+void TestUevent::aHeaderHasItsMeaning()
 {
     QFETCH(QByteArray, header);
     QFETCH(QString, meaning);
     QCOMPARE(meaningOf(header + '\0'), meaning);
 }
 
-void TestUevent::nothingBehindTheHeaderCounts_data()
+void TestUevent::bytesAfterTheHeaderAreIgnored_data()
 {
     QTest::addColumn<QByteArray>("message");
     QTest::addColumn<QString>("meaning");
@@ -107,7 +107,7 @@ void TestUevent::nothingBehindTheHeaderCounts_data()
            StorageEvent::None);
 }
 
-void TestUevent::nothingBehindTheHeaderCounts()
+void TestUevent::bytesAfterTheHeaderAreIgnored()
 {
     QFETCH(QByteArray, message);
     QFETCH(QString, meaning);
@@ -135,7 +135,7 @@ void TestUevent::aHeaderMayBeAsLongAsTheBuffer()
     QCOMPARE(meaningOf(longPath), QStringLiteral("none"));
 }
 
-void TestUevent::anyBytesMayCome()
+void TestUevent::anyBytesAreParsedWithoutHarm()
 {
     QByteArray all;
     for (int byte = 255; byte >= 0; --byte)

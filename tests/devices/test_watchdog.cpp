@@ -10,7 +10,7 @@ class TestWatchdog : public DaemonTest
 private Q_SLOTS:
     void startTouchesNoRegister();
     void firstCallAcknowledgesTheStartAndFeeds();
-    void laterCallsFeedAlone();
+    void laterCallsOnlyFeed();
     void anUnreadableHpsStateStopsTheCall();
     void anHpsThatIsNotInitialisedStopsTheCall();
     void anyOtherHpsStateIsInitialised();
@@ -69,7 +69,7 @@ void TestWatchdog::firstCallAcknowledgesTheStartAndFeeds()
     QCOMPARE(calls(), (QStringList{hpsRead, acknowledged, fed}));
 }
 
-void TestWatchdog::laterCallsFeedAlone()
+void TestWatchdog::laterCallsOnlyFeed()
 {
     QVERIFY(daemon.start());
     QCOMPARE(watchdog.call(keepAlive), done);

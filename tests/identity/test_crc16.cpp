@@ -10,11 +10,11 @@ class TestCrc16 : public QObject
 
 private Q_SLOTS:
     void checkValue();
-    void ofNothingIsZero();
-    void ofZerosIsZero();
-    void ofEverySingleByteIsThatOfTheDefinition();
-    void ofRandomDataIsThatOfTheDefinition();
-    void everyFlippedBitChangesIt();
+    void checksumOfNoDataIsZero();
+    void checksumOfZerosIsZero();
+    void checksumOfEverySingleByteFollowsTheDefinition();
+    void checksumOfRandomDataFollowsTheDefinition();
+    void everyFlippedBitChangesTheChecksum();
 };
 
 namespace
@@ -46,18 +46,18 @@ void TestCrc16::checkValue()
     QCOMPARE(crc16("123456789"), quint16(0xBB3D));
 }
 
-void TestCrc16::ofNothingIsZero()
+void TestCrc16::checksumOfNoDataIsZero()
 {
     QCOMPARE(crc16(QByteArray()), quint16(0));
 }
 
-void TestCrc16::ofZerosIsZero()
+void TestCrc16::checksumOfZerosIsZero()
 {
     for (const int size : {1, 2, 72, 1194, 100000})
         QCOMPARE(crc16(QByteArray(size, '\0')), quint16(0));
 }
 
-void TestCrc16::ofEverySingleByteIsThatOfTheDefinition()
+void TestCrc16::checksumOfEverySingleByteFollowsTheDefinition()
 {
     for (int byte = 0; byte < 256; ++byte) {
         const QByteArray data(1, static_cast<char>(byte));
@@ -65,7 +65,7 @@ void TestCrc16::ofEverySingleByteIsThatOfTheDefinition()
     }
 }
 
-void TestCrc16::ofRandomDataIsThatOfTheDefinition()
+void TestCrc16::checksumOfRandomDataFollowsTheDefinition()
 {
     QRandomGenerator random(16);
     for (int round = 0; round < 500; ++round) {
@@ -74,7 +74,7 @@ void TestCrc16::ofRandomDataIsThatOfTheDefinition()
     }
 }
 
-void TestCrc16::everyFlippedBitChangesIt()
+void TestCrc16::everyFlippedBitChangesTheChecksum()
 {
     QRandomGenerator random(8005);
     QByteArray data = randomBytes(random, 72);

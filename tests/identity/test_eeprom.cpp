@@ -57,18 +57,18 @@ private Q_SLOTS:
     void fieldsAreKeptUpTo64KiB();
     void aSetRefusesFieldsOfMoreThan64KiB_data();
     void aSetRefusesFieldsOfMoreThan64KiB();
-    void nothingOfARecordKeepsItsMessage();
+    void aStoredRecordDoesNotKeepItsMessageInMemory();
     void fileDescriptorsAreNotKept();
     void emptySignaturesAreNotKept();
     void valuesAsDeepAsTheBusTakesThemComeBack_data();
     void valuesAsDeepAsTheBusTakesThemComeBack();
     void instrumentValuesAreConverted_data();
     void instrumentValuesAreConverted();
-    void aModelThatWasSetIsToldAtTheNextRead();
+    void aModelThatWasSetReachesTheLibraryAtTheNextRead();
     void coefficientsAreTakenFromEveryList_data();
     void coefficientsAreTakenFromEveryList();
-    void coefficientsThatAreNoListAreNone_data();
-    void coefficientsThatAreNoListAreNone();
+    void coefficientsThatAreNoListCountAsEmpty_data();
+    void coefficientsThatAreNoListCountAsEmpty();
     void anotherNumberOfCoefficientsReadsBackInvalid_data();
     void anotherNumberOfCoefficientsReadsBackInvalid();
     void moreCoefficientsThanTheEepromHoldsAreAWriteError();
@@ -629,7 +629,7 @@ void TestEeprom::aSetRefusesFieldsOfMoreThan64KiB()
     QCOMPARE(calls().filter("readEeprom").size(), before.filter("readEeprom").size() + 2);
 }
 
-void TestEeprom::nothingOfARecordKeepsItsMessage()
+void TestEeprom::aStoredRecordDoesNotKeepItsMessageInMemory()
 {
     // malloc() returns freed memory to the kernel immediately.
     daemon.setEnvironment("MALLOC_MMAP_THRESHOLD_", "65536");
@@ -798,7 +798,7 @@ void TestEeprom::instrumentValuesAreConverted()
     QCOMPARE(decodeInstrumentRecord(image.left(74)).value("CRC"), QVariant(true));
 }
 
-void TestEeprom::aModelThatWasSetIsToldAtTheNextRead()
+void TestEeprom::aModelThatWasSetReachesTheLibraryAtTheNextRead()
 {
     QVERIFY(daemon.start());
     QVariantMap map = instrumentRecord();
@@ -837,7 +837,7 @@ void TestEeprom::coefficientsAreTakenFromEveryList()
     QVERIFY(calls().contains(written(1, encodeMeasureRecord(*fields, numbers))));
 }
 
-void TestEeprom::coefficientsThatAreNoListAreNone_data()
+void TestEeprom::coefficientsThatAreNoListCountAsEmpty_data()
 {
     QTest::addColumn<QString>("value");
     for (const char *value :
@@ -845,7 +845,7 @@ void TestEeprom::coefficientsThatAreNoListAreNone_data()
         QTest::newRow(value) << QString(value);
 }
 
-void TestEeprom::coefficientsThatAreNoListAreNone()
+void TestEeprom::coefficientsThatAreNoListCountAsEmpty()
 {
     QFETCH(QString, value);
     QVERIFY(daemon.start());

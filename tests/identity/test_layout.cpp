@@ -25,7 +25,7 @@ class TestLayout : public QObject
     Q_OBJECT
 
 private Q_SLOTS:
-    void everyMachineHasTheSame();
+    void everyMachineHasTheSameLayout();
 
 private:
     QStringList m_lines;
@@ -59,7 +59,7 @@ void TestLayout::addBytes(const char *name, const QByteArray &bytes)
                                             QString::fromLatin1(bytes.toHex()));
 }
 
-void TestLayout::everyMachineHasTheSame()
+void TestLayout::everyMachineHasTheSameLayout()
 {
     addSize<bool>("bool");
     addSize<short>("short");

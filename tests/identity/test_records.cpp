@@ -15,11 +15,11 @@ private Q_SLOTS:
     void instrumentRecordIsDecodedByteForByte();
     void instrumentRecordComesBackFromEveryRandomRecord();
     void instrumentRecordOfZerosIsValid();
-    void instrumentRecordOfOnesIsNot();
+    void instrumentRecordOfOnesIsNotValid();
     void instrumentRecordOfAnotherSizeIsNotValid();
     void instrumentRecordWithAnyBitFlippedIsNotValid();
     void instrumentFieldsAreThoseOfTheRecord();
-    void instrumentFieldsAreNoneWhenOneIsMissing();
+    void aMissingKeyGivesNoInstrumentFields();
     void numbersAreCutToTheirByte_data();
     void numbersAreCutToTheirByte();
     void modelIsHexadecimalText_data();
@@ -34,7 +34,7 @@ private Q_SLOTS:
     void measureRecordTakesAnyNumberOfCoefficients();
     void measureRecordOfZerosIsValid();
     void measureRecordOfAnotherSizeIsNotValid();
-    void measureFieldsAreNoneWhenOneIsMissing();
+    void aMissingKeyGivesNoMeasureFields();
     void siteIsCutToSixteenBits();
     void datesTakeAllThirtyTwoBits();
 
@@ -187,7 +187,7 @@ void TestRecords::instrumentRecordOfZerosIsValid()
     QCOMPARE(decodeInstrumentRecord(QByteArray(74, '\0')), expected);
 }
 
-void TestRecords::instrumentRecordOfOnesIsNot()
+void TestRecords::instrumentRecordOfOnesIsNotValid()
 {
     QCOMPARE(decodeInstrumentRecord(QByteArray(74, '\xFF')), invalid);
     QCOMPARE(decodeMeasureRecord(QByteArray(1196, '\xFF')), invalid);
@@ -220,7 +220,7 @@ void TestRecords::instrumentFieldsAreThoseOfTheRecord()
     QVERIFY(instrumentFields(map) == instrument);
 }
 
-void TestRecords::instrumentFieldsAreNoneWhenOneIsMissing()
+void TestRecords::aMissingKeyGivesNoInstrumentFields()
 {
     for (const QString &key : instrument.keys()) {
         QVariantMap map = instrument;
@@ -267,10 +267,10 @@ void TestRecords::modelIsHexadecimalText_data()
     QTest::addColumn<QVariant>("value");
     QTest::addColumn<QByteArray>("bytes");
     QTest::newRow("text") << QVariant("8345") << QByteArray("8345");
-    QTest::newRow("number, whose digits count") << QVariant(8345) << QByteArray("8345");
+    QTest::newRow("number with the digits of the model") << QVariant(8345) << QByteArray("8345");
     QTest::newRow("bytes") << QVariant(QByteArray("8345")) << QByteArray("8345");
     QTest::newRow("one digit") << QVariant("f") << QByteArray("000f");
-    QTest::newRow("capitals") << QVariant("ABCD") << QByteArray("abcd");
+    QTest::newRow("capital letters") << QVariant("ABCD") << QByteArray("abcd");
     QTest::newRow("with prefix") << QVariant("0x8345") << QByteArray("8345");
     QTest::newRow("largest") << QVariant("ffff") << QByteArray("ffff");
     QTest::newRow("too large") << QVariant("10000") << QByteArray("0000");
@@ -401,7 +401,7 @@ void TestRecords::measureRecordOfAnotherSizeIsNotValid()
     QCOMPARE(decodeMeasureRecord(QByteArray(1197, '\0')), invalid);
 }
 
-void TestRecords::measureFieldsAreNoneWhenOneIsMissing()
+void TestRecords::aMissingKeyGivesNoMeasureFields()
 {
     QVariantMap all = measure;
     all.insert("AdjustementCoefficients", QVariantList());

@@ -36,8 +36,8 @@ private Q_SLOTS:
     void everyRuleNamesItsDestination();
     void everyRuleThatLetsThroughExcludesDescriptors();
     void thePolicyForAnOlderBusDiffersInDescriptorsOnly();
-    void memberByMember_data();
-    void memberByMember();
+    void everyMemberAdmitsOnlyItsCallers_data();
+    void everyMemberAdmitsOnlyItsCallers();
 
 private:
     /** The output of busctl as @p user; the first line of its error on failure. */
@@ -387,7 +387,7 @@ void TestPolicy::thePolicyForAnOlderBusDiffersInDescriptorsOnly()
     QVERIFY(!readFile(older).contains("max_fds"));
 }
 
-void TestPolicy::memberByMember_data()
+void TestPolicy::everyMemberAdmitsOnlyItsCallers_data()
 {
     QTest::addColumn<QString>("path");
     QTest::addColumn<QString>("interface");
@@ -434,7 +434,7 @@ void TestPolicy::memberByMember_data()
  * The rules ignore arguments: the calls have invalid ones, so that they have no effect when they
  * get through.
  */
-void TestPolicy::memberByMember()
+void TestPolicy::everyMemberAdmitsOnlyItsCallers()
 {
     QFETCH(QString, path);
     QFETCH(QString, interface);

@@ -19,8 +19,8 @@ private Q_SLOTS:
     void aFailedInstallationBuildsNothing();
     void aSecondTerminalWaits();
     void buildDependenciesAreInstalled();
-    void buildDependenciesThatAreThereAreLeft();
-    void packagesTakeThePlaceOfTheOldOnes();
+    void installedBuildDependenciesAreNotInstalledAgain();
+    void newPackagesReplaceTheOldOnes();
     void aFailedBuildLeavesTheOldPackages();
 
 private:
@@ -149,7 +149,7 @@ void TestPreparation::buildDependenciesAreInstalled()
                      "apt-get noninteractive build-dep --yes --no-install-recommends " + m_tree}));
 }
 
-void TestPreparation::buildDependenciesThatAreThereAreLeft()
+void TestPreparation::installedBuildDependenciesAreNotInstalledAgain()
 {
     const auto [status, lines] = run("package", {});
     QCOMPARE(status, 0);
@@ -157,7 +157,7 @@ void TestPreparation::buildDependenciesThatAreThereAreLeft()
 }
 
 /** In a tree without git, as an archive has it. */
-void TestPreparation::packagesTakeThePlaceOfTheOldOnes()
+void TestPreparation::newPackagesReplaceTheOldOnes()
 {
     QVERIFY(QDir().mkpath(m_tree + "/build/package"));
     writeFile(m_tree + "/build/package/old.deb", "");

@@ -14,10 +14,10 @@ class TestPurge : public QObject
 private Q_SLOTS:
     void init();
 
-    void whatTheServiceWroteGoes();
+    void filesOfTheServiceAreDeleted();
     void profilesStay();
     void aPurgeWithoutAnyFileSucceeds();
-    void aDirectoryAtThePathOfAFileStaysAndEndsNothing();
+    void aDirectoryAtThePathOfAFileStaysAndThePurgeSucceeds();
     void noLinkIsFollowed_data();
     void noLinkIsFollowed();
 
@@ -42,7 +42,7 @@ int TestPurge::purge()
     return QProcess::execute(QStringLiteral("sh"), {QStringLiteral(POSTRM), "purge"});
 }
 
-void TestPurge::whatTheServiceWroteGoes()
+void TestPurge::filesOfTheServiceAreDeleted()
 {
     for (const QString &path : {QStringLiteral("/opt/settings.ini"),
                                 QStringLiteral("/tmp/logkywifi"), profiles + "/hostapd.conf"})
@@ -69,7 +69,7 @@ void TestPurge::aPurgeWithoutAnyFileSucceeds()
     QCOMPARE(purge(), 0);
 }
 
-void TestPurge::aDirectoryAtThePathOfAFileStaysAndEndsNothing()
+void TestPurge::aDirectoryAtThePathOfAFileStaysAndThePurgeSucceeds()
 {
     for (const QString &path : {QStringLiteral("/tmp/logkywifi"), profiles + "/system"})
         QVERIFY(QDir().mkpath(path));

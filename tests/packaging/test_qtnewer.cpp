@@ -22,8 +22,8 @@ private slots:
     void commentsAndLongerNamesAreNotFound();
     void functionsOfTheLibrariesAreFoundInAProgram();
     void aProgramWithoutQtIsNoProof();
-    void theyLinkNoOtherLibraries_data();
-    void theyLinkNoOtherLibraries();
+    void programsLinkOnlyKnownLibraries_data();
+    void programsLinkOnlyKnownLibraries();
 };
 
 TestQtNewer::Finding TestQtNewer::check(const QStringList &arguments)
@@ -117,7 +117,7 @@ void TestQtNewer::aProgramWithoutQtIsNoProof()
     QCOMPARE(finding.status, 1);
 }
 
-void TestQtNewer::theyLinkNoOtherLibraries_data()
+void TestQtNewer::programsLinkOnlyKnownLibraries_data()
 {
     QTest::addColumn<QString>("program");
     QTest::addColumn<QString>("libraries");
@@ -128,7 +128,7 @@ void TestQtNewer::theyLinkNoOtherLibraries_data()
 }
 
 /** The package depends on the libraries that its programs link. */
-void TestQtNewer::theyLinkNoOtherLibraries()
+void TestQtNewer::programsLinkOnlyKnownLibraries()
 {
     QFETCH(QString, program);
     QFETCH(QString, libraries);

@@ -24,8 +24,8 @@ private Q_SLOTS:
     void theArchiveHoldsTheRelease();
     void theChecksRunInTheRequestedForm();
     void aFailedCheckLeavesTheTreeAsItWas();
-    void nothingIsReleased_data();
-    void nothingIsReleased();
+    void aReleaseThatCannotBeMadeIsRefused_data();
+    void aReleaseThatCannotBeMadeIsRefused();
 
 private:
     struct Result {
@@ -215,7 +215,7 @@ void TestRelease::aFailedCheckLeavesTheTreeAsItWas()
     QVERIFY(!QFile::exists(m_tree + "/build"));
 }
 
-void TestRelease::nothingIsReleased_data()
+void TestRelease::aReleaseThatCannotBeMadeIsRefused_data()
 {
     QTest::addColumn<QStringList>("arguments");
     QTest::addColumn<QString>("state");
@@ -237,7 +237,7 @@ void TestRelease::nothingIsReleased_data()
                                      << "CHANGELOG.md lists nothing under Unreleased";
 }
 
-void TestRelease::nothingIsReleased()
+void TestRelease::aReleaseThatCannotBeMadeIsRefused()
 {
     QFETCH(QStringList, arguments);
     QFETCH(QString, state);

@@ -15,9 +15,9 @@ class TestLinkTarget : public QObject
 private Q_SLOTS:
     void linksPointToAbsoluteCleanPaths_data();
     void linksPointToAbsoluteCleanPaths();
-    void aLinkThatIsNoneHasNoTarget_data();
-    void aLinkThatIsNoneHasNoTarget();
-    void noTargetIsLeftFromTheLinkBefore();
+    void anythingButALinkHasNoTarget_data();
+    void anythingButALinkHasNoTarget();
+    void aMissingLinkDoesNotGetThePreviousTarget();
 
 private:
     QString pathOf(const QString &name) const { return m_directory.filePath(name); }
@@ -59,7 +59,7 @@ void TestLinkTarget::linksPointToAbsoluteCleanPaths()
     QCOMPARE(QFile::symLinkTarget(link), target);
 }
 
-void TestLinkTarget::aLinkThatIsNoneHasNoTarget_data()
+void TestLinkTarget::anythingButALinkHasNoTarget_data()
 {
     QTest::addColumn<QString>("name");
 
@@ -68,7 +68,7 @@ void TestLinkTarget::aLinkThatIsNoneHasNoTarget_data()
     QTest::newRow("a file") << "file";
 }
 
-void TestLinkTarget::aLinkThatIsNoneHasNoTarget()
+void TestLinkTarget::anythingButALinkHasNoTarget()
 {
     QFETCH(QString, name);
     QFile file(pathOf(QStringLiteral("file")));
@@ -77,7 +77,7 @@ void TestLinkTarget::aLinkThatIsNoneHasNoTarget()
     QVERIFY(!linkTarget(pathOf(name)));
 }
 
-void TestLinkTarget::noTargetIsLeftFromTheLinkBefore()
+void TestLinkTarget::aMissingLinkDoesNotGetThePreviousTarget()
 {
     const QByteArray link = QFile::encodeName(pathOf(QStringLiteral("absolute")));
     QCOMPARE(symlink("/nowhere/user1_profile", link.constData()), 0);

@@ -31,8 +31,8 @@ private Q_SLOTS:
     void erasingLeavesTheDirectoryItself();
     void erasingRemovesLinksNotTheirTargets();
     void aMissingDirectoryIsErased();
-    void whatCannotBeErasedIsTold_data();
-    void whatCannotBeErasedIsTold();
+    void aFailedEraseIsReported_data();
+    void aFailedEraseIsReported();
 
     void copyingMakesTheDestinationWithItsParents();
     void copyingTakesHiddenFilesAndDirectories();
@@ -155,7 +155,7 @@ void TestProfileFolder::aMissingDirectoryIsErased()
     QVERIFY(!QFile::exists(path("missing")));
 }
 
-void TestProfileFolder::whatCannotBeErasedIsTold_data()
+void TestProfileFolder::aFailedEraseIsReported_data()
 {
     QTest::addColumn<QString>("directory");
     // The kernel allows no removal there.
@@ -164,7 +164,7 @@ void TestProfileFolder::whatCannotBeErasedIsTold_data()
     QTest::newRow("a link to itself") << "circle";
 }
 
-void TestProfileFolder::whatCannotBeErasedIsTold()
+void TestProfileFolder::aFailedEraseIsReported()
 {
     QFETCH(QString, directory);
     QVERIFY(QFile::link(path("circle"), path("circle")));
