@@ -28,13 +28,6 @@ PanelWidget::PanelWidget(const QString &drawing) : m_drawing(drawing), m_faultMe
     setMouseTracking(true);
     setMinimumSize(480, 300);
     m_clock.start();
-    m_timeout.setSingleShot(true);
-    m_timeout.setInterval(handTimeoutMs);
-    QObject::connect(&m_timeout, &QTimer::timeout, this, [this] {
-        m_hand = nullptr;
-        m_instrument.complaint = QStringLiteral("still runs");
-        startNext();
-    });
     QObject::connect(&m_daemonView, &DaemonView::busCame, this, &PanelWidget::busCame);
     QObject::connect(&m_timer, &QTimer::timeout, this, &PanelWidget::look);
     m_timer.start(tickMs);
@@ -200,13 +193,18 @@ void PanelWidget::startNext()
         hand, static_cast<void (QProcess::*)(int, QProcess::ExitStatus)>(&QProcess::finished), this,
         [this, hand, typed](int status) { takeEnd(hand, typed, status); });
     hand->start(QStringLiteral("sh"), {QStringLiteral("-c"), command});
-    m_timeout.start();
+    QTimer::singleShot(handTimeoutMs, hand, [this] {
+        m_hand = nullptr;
+        m_instrument.complaint = QStringLiteral("still runs");
+        startNext();
+    });
     look();
     Q_EMIT commandRan(typed);
 }
 
 void PanelWidget::takeEnd(QProcess *hand, const QString &typed, int status)
 {
+    // Its timeout ends with it.
     hand->deleteLater();
     // The line shows the result of the last command only.
     if (typed == m_instrument.command) {
@@ -216,10 +214,8 @@ void PanelWidget::takeEnd(QProcess *hand, const QString &typed, int status)
                                      ? QStringLiteral("ended with status %1").arg(status)
                                      : QString::fromUtf8(complaint.split('\n').first());
     }
-    if (hand == m_hand) {
+    if (hand == m_hand)
         m_hand = nullptr;
-        m_timeout.stop();
-    }
     look();
     startNext();
 }

@@ -79,7 +79,6 @@ private:
     int m_ticks = 0;
     /** The last command's process; null once it has ended or exceeded its timeout. */
     QProcess *m_hand = nullptr;
-    QTimer m_timeout;
     QStringList m_commands;
     QString m_dragged;
     QString m_dragCommand;
