@@ -4,8 +4,9 @@ from figures import number, shown
 
 
 def of_methods(figures):
-    head = ["method", "round trip µs", "p99 µs", "bare Qt µs", "ratio", "CPU µs", "ratio",
-            "calls/s", "ratio", "system calls", "bare Qt"]
+    head = ["method", "round trip µs", "p99 µs", "bare Qt's round trip µs", "round-trip ratio",
+            "CPU µs", "CPU ratio", "calls/s", "calls/s ratio", "system calls per call",
+            "bare Qt's system calls"]
     rows = []
     for method, row in figures.items():
         own, bare = row["daemon"], row["bare"]
