@@ -14,7 +14,7 @@ private Q_SLOTS:
     void allThreeAreConnectedAndDisconnected();
     void aCableThatComesDoesNotDisturbTheStation();
     void theStationDoesNotDisturbTheCable();
-    void theCableIsNotTheStationsToJoin();
+    void theStationDoesNotJoinTheCable();
 
 private:
     QString connectOne(const QString &interface);
@@ -226,7 +226,7 @@ void TestConnections::theStationDoesNotDisturbTheCable()
         QVERIFY2(!order.contains("ethernet"), qPrintable(order));
 }
 
-void TestConnections::theCableIsNotTheStationsToJoin()
+void TestConnections::theStationDoesNotJoinTheCable()
 {
     begin();
     wifi.call("connect", {QVariantMap{{"Service", "Wired"}}});

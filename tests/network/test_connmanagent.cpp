@@ -17,8 +17,8 @@ private Q_SLOTS:
 
     void beforeAnyConnectEveryRequestIsCancelled();
     void twoRequestsAreAnsweredAndEveryLaterOneIsCancelled();
-    void theNextConnectAllowsTwoMore();
-    void aConnectThatIsIgnoredAllowsNone();
+    void theNextConnectAllowsTwoMoreRequests();
+    void anIgnoredConnectAllowsNoRequest();
     void everyConnectHasItsOwnCredentials();
 
     void fieldsAreAnswered_data();
@@ -27,7 +27,7 @@ private Q_SLOTS:
     void fieldsOfAnyShapeAreAbsent();
     void thousandsOfFieldsAreAbsent();
     void anErrorIsAlwaysRetried();
-    void methodsThatConnManHasBesidesAreUnknown();
+    void otherMethodsOfConnMansAgentsAreUnknown();
 
     void theAgentIsRegisteredForAConnectOnly();
     void aRestartedConnManHasNoAgent();
@@ -82,7 +82,7 @@ void TestConnmanAgent::twoRequestsAreAnsweredAndEveryLaterOneIsCancelled()
     QCOMPARE(announced(), QStringList());
 }
 
-void TestConnmanAgent::theNextConnectAllowsTwoMore()
+void TestConnmanAgent::theNextConnectAllowsTwoMoreRequests()
 {
     reach("association");
     for (int request = 0; request < 5; ++request)
@@ -96,7 +96,7 @@ void TestConnmanAgent::theNextConnectAllowsTwoMore()
     QCOMPARE(ask(passphrase(mandatory)), cancelled);
 }
 
-void TestConnmanAgent::aConnectThatIsIgnoredAllowsNone()
+void TestConnmanAgent::anIgnoredConnectAllowsNoRequest()
 {
     reach("association");
     for (int request = 0; request < 2; ++request)
@@ -202,7 +202,7 @@ void TestConnmanAgent::anErrorIsAlwaysRetried()
             QString("net.connman.Agent.Error.Retry: "));
 }
 
-void TestConnmanAgent::methodsThatConnManHasBesidesAreUnknown()
+void TestConnmanAgent::otherMethodsOfConnMansAgentsAreUnknown()
 {
     begin();
     for (const char *method : {"Release", "Cancel"})

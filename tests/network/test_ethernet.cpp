@@ -16,14 +16,14 @@ private Q_SLOTS:
     void clientsSeeItsMembersAndNoOthers();
     void theTechnologyIsPoweredOffAtStart();
     void aRefusalToPowerOffAtStartIsIgnored();
-    void itServesWithoutConnMan();
+    void theDaemonServesWithoutConnMan();
     void connectRunsTheScriptInModeZeroAndNothingElse();
     void theOutputOfTheScriptIsDiscarded();
     void connectGoesOnWhenTheScriptHasEnded();
     void associationIsAnnouncedBeforeTheTechnologyIsPoweredOn();
     void statesAreLoggedWithTheirService();
-    void howTheScriptEndsDoesNotMatter_data();
-    void howTheScriptEndsDoesNotMatter();
+    void anyEndOfTheScriptIsAccepted_data();
+    void anyEndOfTheScriptIsAccepted();
     void theScriptsOutputIsDiscarded();
     void connectFailsWithoutConnMan();
     void connectFailsWithoutAnAnswerOfPidof_data();
@@ -46,8 +46,8 @@ private Q_SLOTS:
     void anyArgumentsOfServicesChangedTrigger_data();
     void anyArgumentsOfServicesChangedTrigger();
     void theFirstWiredServiceIsUsed();
-    void malformedServiceListsAreNothingFound_data();
-    void malformedServiceListsAreNothingFound();
+    void malformedServiceListsCountAsEmpty_data();
+    void malformedServiceListsCountAsEmpty();
     void readyHandsTheSettingsToTheService();
     void readyIsAnnouncedBeforeTheSettingsAreHandedOver();
     void onlineWhenTheTechnologyIsConnected();
@@ -121,7 +121,7 @@ void TestEthernet::aRefusalToPowerOffAtStartIsIgnored()
     connectUntil("association");
 }
 
-void TestEthernet::itServesWithoutConnMan()
+void TestEthernet::theDaemonServesWithoutConnMan()
 {
     connman.stop();
     QVERIFY(daemon.start());
@@ -190,7 +190,7 @@ void TestEthernet::statesAreLoggedWithTheirService()
                                .arg(cable));
 }
 
-void TestEthernet::howTheScriptEndsDoesNotMatter_data()
+void TestEthernet::anyEndOfTheScriptIsAccepted_data()
 {
     QTest::addColumn<QByteArray>("content");
     QTest::newRow("failing") << QByteArray("#!/bin/sh\nexit 3\n");
@@ -198,7 +198,7 @@ void TestEthernet::howTheScriptEndsDoesNotMatter_data()
     QTest::newRow("leaving a program behind") << QByteArray("#!/bin/sh\nsleep 60 &\n");
 }
 
-void TestEthernet::howTheScriptEndsDoesNotMatter()
+void TestEthernet::anyEndOfTheScriptIsAccepted()
 {
     QFETCH(QByteArray, content);
     writeFile(scriptFile, content);
@@ -504,7 +504,7 @@ void TestEthernet::theFirstWiredServiceIsUsed()
     QCOMPARE(settings.filter(otherCable).size(), 2);
 }
 
-void TestEthernet::malformedServiceListsAreNothingFound_data()
+void TestEthernet::malformedServiceListsCountAsEmpty_data()
 {
     QTest::addColumn<QVariantList>("values");
     QTest::newRow("nothing") << QVariantList();
@@ -522,7 +522,7 @@ void TestEthernet::malformedServiceListsAreNothingFound_data()
         ListedObjects{{QDBusObjectPath(cable), {{"Type", QVariant::fromValue(wired())}}}})};
 }
 
-void TestEthernet::malformedServiceListsAreNothingFound()
+void TestEthernet::malformedServiceListsCountAsEmpty()
 {
     QFETCH(QVariantList, values);
     startDaemon();

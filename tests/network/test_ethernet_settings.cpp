@@ -12,8 +12,8 @@ private Q_SLOTS:
     void setIPv4RepairsManualSettings();
     void setIPv4KeepsOtherSettingsAsTheyAre_data();
     void setIPv4KeepsOtherSettingsAsTheyAre();
-    void setIPv4KeepsWhatIsNotGivenAgain();
-    void setIPv4RepairsWhatWasGivenEarlier();
+    void setIPv4KeepsKeysThatAreNotGivenAgain();
+    void setIPv4RepairsValuesThatWereGivenEarlier();
     void setIPv4AddsNameServers();
     void setIPv4KeepsTheLast64NameServers();
     void setIPv4FailsWithoutTheTechnology_data();
@@ -25,7 +25,7 @@ private Q_SLOTS:
     void getIPv4ShowsTheServicesAddress();
     void getIPv4OfAMalformedPropertyIsEmpty_data();
     void getIPv4OfAMalformedPropertyIsEmpty();
-    void getIPv4LeavesOutWhatCannotBeRead();
+    void getIPv4OmitsUnreadableValues();
     void getHardwareInfosShowsTheServicesInterface();
     void getHardwareInfosWithoutAServiceShowsTheNetworkInterface();
     void getHardwareInfosWithoutAnythingIsEmpty();
@@ -148,7 +148,7 @@ void TestEthernetSettings::setIPv4KeepsOtherSettingsAsTheyAre()
     QCOMPARE(pushedSettings(), pushed);
 }
 
-void TestEthernetSettings::setIPv4KeepsWhatIsNotGivenAgain()
+void TestEthernetSettings::setIPv4KeepsKeysThatAreNotGivenAgain()
 {
     startDaemon();
     ethernet.call("setIPv4", {QVariantMap{{"Address", "10.1.2.3"}, {"Netmask", "255.0.0.0"}}});
@@ -157,7 +157,7 @@ void TestEthernetSettings::setIPv4KeepsWhatIsNotGivenAgain()
                                        "\"Netmask\": <\"255.255.0.0\">}"));
 }
 
-void TestEthernetSettings::setIPv4RepairsWhatWasGivenEarlier()
+void TestEthernetSettings::setIPv4RepairsValuesThatWereGivenEarlier()
 {
     startDaemon();
     ethernet.call("setIPv4", {QVariantMap{{"Address", "10.01.2.3"}, {"Netmask", "255.0.0.0"}}});
@@ -318,7 +318,7 @@ void TestEthernetSettings::getIPv4OfAMalformedPropertyIsEmpty()
     QCOMPARE(ethernet.call("getHardwareInfos"), QString("({})"));
 }
 
-void TestEthernetSettings::getIPv4LeavesOutWhatCannotBeRead()
+void TestEthernetSettings::getIPv4OmitsUnreadableValues()
 {
     startDaemon();
     connectUntil("ready");

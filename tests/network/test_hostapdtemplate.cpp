@@ -18,7 +18,7 @@ private Q_SLOTS:
     void channelsAreDecimal();
     void controlCharactersFitNoLine_data();
     void controlCharactersFitNoLine();
-    void everyValueIsLookedAt();
+    void everyValueIsChecked();
     void aWholeTemplateKeepsAllButTheFourValues();
 };
 
@@ -157,7 +157,7 @@ void TestHostapdTemplate::controlCharactersFitNoLine()
     QCOMPARE(fitsHostapdLines({6, text, "12345678", "10.0.0.1"}), fits);
 }
 
-void TestHostapdTemplate::everyValueIsLookedAt()
+void TestHostapdTemplate::everyValueIsChecked()
 {
     QVERIFY(fitsHostapdLines({6, "Lab", "12345678", "10.0.0.1"}));
     QVERIFY(!fitsHostapdLines({6, "Lab\n", "12345678", "10.0.0.1"}));

@@ -15,7 +15,7 @@ private Q_SLOTS:
     void invalidAddressesAreReplaced_data();
     void invalidAddressesAreReplaced();
     void validAddressesStay();
-    void everythingElseStays();
+    void otherSettingsStay();
     void settingsAreInForceWhereTheServiceHasThem_data();
     void settingsAreInForceWhereTheServiceHasThem();
 };
@@ -41,22 +41,22 @@ void TestIPv4Repair::anAddressIsValidInItsCanonicalFormOnly_data()
     QTest::newRow("empty") << "" << false;
     QTest::newRow("leading zeros") << "192.168.002.003" << false;
     QTest::newRow("one leading zero") << "10.0.0.01" << false;
-    QTest::newRow("blank before") << " 10.0.0.1" << false;
-    QTest::newRow("blank behind") << "10.0.0.1 " << false;
+    QTest::newRow("leading blank") << " 10.0.0.1" << false;
+    QTest::newRow("trailing blank") << "10.0.0.1 " << false;
     QTest::newRow("blank inside") << "10.0. 0.1" << false;
-    QTest::newRow("line feed behind") << "10.0.0.1\n" << false;
+    QTest::newRow("trailing line feed") << "10.0.0.1\n" << false;
     QTest::newRow("three parts") << "10.0.1" << false;
     QTest::newRow("one part") << "10" << false;
     QTest::newRow("five parts") << "10.0.0.1.1" << false;
     QTest::newRow("empty part") << "10..0.1" << false;
-    QTest::newRow("dot behind") << "10.0.0.1." << false;
+    QTest::newRow("trailing dot") << "10.0.0.1." << false;
     QTest::newRow("above 255") << "10.0.0.256" << false;
     QTest::newRow("negative") << "10.0.0.-1" << false;
     QTest::newRow("hexadecimal") << "0x0a.0.0.1" << false;
     QTest::newRow("prefix length") << "10.0.0.1/8" << false;
     QTest::newRow("port") << "10.0.0.1:80" << false;
     QTest::newRow("words") << "dhcp" << false;
-    QTest::newRow("other digits") << QString::fromUtf8("1٠.0.0.1") << false;
+    QTest::newRow("digit that is not ASCII") << QString::fromUtf8("1٠.0.0.1") << false;
     QTest::newRow("IPv6") << "fe80::1" << false;
     QTest::newRow("IPv6 any") << "::" << false;
     QTest::newRow("IPv4 in IPv6") << "::ffff:10.0.0.1" << false;
@@ -141,7 +141,7 @@ void TestIPv4Repair::validAddressesStay()
     QCOMPARE(repairedIPv4(settings), settings);
 }
 
-void TestIPv4Repair::everythingElseStays()
+void TestIPv4Repair::otherSettingsStay()
 {
     QVariantMap settings = ipv4("10.1.2.3", "255.0.0.0", "10.0.0.1");
     settings["Method"] = "manual";
@@ -170,7 +170,7 @@ void TestIPv4Repair::settingsAreInForceWhereTheServiceHasThem_data()
 
     QTest::newRow("no settings") << QVariantMap() << dhcp << true;
     QTest::newRow("dhcp") << QVariantMap{{"Method", "dhcp"}} << dhcp << true;
-    QTest::newRow("dhcp finds its own") << dhcpWithOldAddresses << dhcp << true;
+    QTest::newRow("dhcp ignores old addresses") << dhcpWithOldAddresses << dhcp << true;
     QTest::newRow("the same") << manual << manual << true;
     QTest::newRow("part of it") << withoutGateway << manual << true;
     QTest::newRow("other method") << manual << dhcp << false;

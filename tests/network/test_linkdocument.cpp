@@ -9,11 +9,11 @@ class TestLinkDocument : public QObject
     Q_OBJECT
 
 private Q_SLOTS:
-    void theDocumentHoldsTheMachines();
+    void theDocumentHasTheTablesOfTheMachines();
     void aStaleDocumentIsUpdated();
 };
 
-void TestLinkDocument::theDocumentHoldsTheMachines()
+void TestLinkDocument::theDocumentHasTheTablesOfTheMachines()
 {
     QFile file(QStringLiteral(DOCUMENTS "/link-states.md"));
     QVERIFY(file.open(QIODevice::ReadOnly));

@@ -18,9 +18,9 @@ class TestLinkExploration : public QObject
 private Q_SLOTS:
     void everyOrderKeepsTheRules_data();
     void everyOrderKeepsTheRules();
-    void everyStoryIsToldToTheEnd_data();
-    void everyStoryIsToldToTheEnd();
-    void atMostOneRowHolds();
+    void everyStoryEndsAsWritten_data();
+    void everyStoryEndsAsWritten();
+    void atMostOneRowApplies();
     void everyMutantIsKilled();
 };
 
@@ -126,21 +126,21 @@ void TestLinkExploration::everyOrderKeepsTheRules()
     QCOMPARE(explorer.usedRows().size(), explored.table.size);
 }
 
-void TestLinkExploration::everyStoryIsToldToTheEnd_data()
+void TestLinkExploration::everyStoryEndsAsWritten_data()
 {
     QTest::addColumn<int>("number");
     for (size_t number = 0; number < linkStories.size(); ++number)
         QTest::newRow(linkStories[number].name) << int(number);
 }
 
-void TestLinkExploration::everyStoryIsToldToTheEnd()
+void TestLinkExploration::everyStoryEndsAsWritten()
 {
     QFETCH(int, number);
     const LinkStory &story = linkStories[size_t(number)];
     QCOMPARE(tell(story, tableOf(story.kind)), linesOf(story));
 }
 
-void TestLinkExploration::atMostOneRowHolds()
+void TestLinkExploration::atMostOneRowApplies()
 {
     for (const Machine &machine : machines)
         QCOMPARE(ambiguity(machine.table), QString());

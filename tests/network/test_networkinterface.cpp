@@ -23,7 +23,7 @@ private Q_SLOTS:
     void theLongestNameIsReadInFull();
     void theGreatestSizeOfAPacketIsTheKernels_data();
     void theGreatestSizeOfAPacketIsTheKernels();
-    void whatIsNoInterfaceIsNeitherUpNorRunning();
+    void aMissingInterfaceIsNeitherUpNorRunning();
     void aFreeStandardInputDoesNotHideTheFlags();
 };
 
@@ -60,10 +60,10 @@ void TestNetworkInterface::anInterfaceIsFoundByItsExactName_data()
     QTest::addColumn<bool>("isFound");
     QTest::newRow("its name") << name << true;
     QTest::newRow("the other's name") << peer << true;
-    QTest::newRow("less") << name.chopped(1) << false;
-    QTest::newRow("more") << name + '1' << false;
-    QTest::newRow("in other letters") << name.toUpper() << false;
-    QTest::newRow("nothing") << QString() << false;
+    QTest::newRow("one character less") << name.chopped(1) << false;
+    QTest::newRow("one character more") << name + '1' << false;
+    QTest::newRow("in capital letters") << name.toUpper() << false;
+    QTest::newRow("empty") << QString() << false;
 }
 
 void TestNetworkInterface::anInterfaceIsFoundByItsExactName()
@@ -118,7 +118,7 @@ void TestNetworkInterface::theGreatestSizeOfAPacketIsTheKernels()
     QVERIFY(maximumTransmissionUnit(findNetworkInterface(name)) == size);
 }
 
-void TestNetworkInterface::whatIsNoInterfaceIsNeitherUpNorRunning()
+void TestNetworkInterface::aMissingInterfaceIsNeitherUpNorRunning()
 {
     const QNetworkInterface none;
     QVERIFY(!isUp(none));

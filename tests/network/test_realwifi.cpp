@@ -55,15 +55,15 @@ private Q_SLOTS:
     void theTechnologyAppears();
     void poweringOnAndOffSwitchesTheInterface();
     void theScanListsNetworksWithStrengthAndSecurity();
-    void theStrongerOfTwoOfOneNameCounts();
-    void whatChangesInTheAirIsSeenByTheNextScan();
+    void theStrongerOfTwoAccessPointsOfOneNameCounts();
+    void theNextScanShowsChangedAccessPoints();
     void anOpenNetworkIsJoinedWithoutAKey();
     void aProtectedNetworkIsJoinedWithItsKey();
     void aWrongKeyIsRefusedAndTheRightOneAccepted();
-    void theOneThatRefusesEveryKeyRefusesItsOwn();
+    void anAccessPointThatRefusesEveryKeyRefusesItsOwn();
     void aHiddenNetworkIsJoinedByItsName();
     void outOfRangeTheConnectionIsLost();
-    void ofTwoOfOneNameTheOtherTakesOver();
+    void theOtherAccessPointOfTheSameNameTakesOver();
     void aVanishedAccessPointCannotBeJoined();
 
 private:
@@ -189,14 +189,14 @@ void TestRealWifi::theScanListsNetworksWithStrengthAndSecurity()
                               deadlineMs);
 }
 
-void TestRealWifi::theStrongerOfTwoOfOneNameCounts()
+void TestRealWifi::theStrongerOfTwoAccessPointsOfOneNameCounts()
 {
     supplicant.set("hall_near/signal", "-90");
     powerOn();
     QTRY_VERIFY2_WITH_TIMEOUT(listing().contains("Hall 41 psk"), qPrintable(listing()), deadlineMs);
 }
 
-void TestRealWifi::whatChangesInTheAirIsSeenByTheNextScan()
+void TestRealWifi::theNextScanShowsChangedAccessPoints()
 {
     powerOn();
     supplicant.set("cafe/in_range", "0");
@@ -245,7 +245,7 @@ void TestRealWifi::aWrongKeyIsRefusedAndTheRightOneAccepted()
     QTRY_COMPARE_WITH_TIMEOUT(state(workshop), QStringLiteral("ready"), deadlineMs);
 }
 
-void TestRealWifi::theOneThatRefusesEveryKeyRefusesItsOwn()
+void TestRealWifi::anAccessPointThatRefusesEveryKeyRefusesItsOwn()
 {
     powerOn();
     agent.answer = {{"Passphrase", "never ever"}};
@@ -274,7 +274,7 @@ void TestRealWifi::outOfRangeTheConnectionIsLost()
     QTRY_COMPARE_WITH_TIMEOUT(state(cafe), QStringLiteral("ready"), deadlineMs);
 }
 
-void TestRealWifi::ofTwoOfOneNameTheOtherTakesOver()
+void TestRealWifi::theOtherAccessPointOfTheSameNameTakesOver()
 {
     const QString hall = pathOf("Hall", "psk");
     powerOn();

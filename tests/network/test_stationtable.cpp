@@ -10,8 +10,8 @@ class TestStationTable : public QObject
 private Q_SLOTS:
     void aStateFollowsFromBothStates_data();
     void aStateFollowsFromBothStates();
-    void whatIsUndecidedFailsAtTimeout_data();
-    void whatIsUndecidedFailsAtTimeout();
+    void anUndecidedAttemptFailsAtTimeout_data();
+    void anUndecidedAttemptFailsAtTimeout();
     void anErrorOfConnMansOwnFailsTheAttempt_data();
     void anErrorOfConnMansOwnFailsTheAttempt();
     void aFailedConnectFailsTheAssociationAlone();
@@ -82,7 +82,7 @@ void TestStationTable::aStateFollowsFromBothStates()
     QCOMPARE(step.link.operation == LinkOperation::None, serviceState == "online");
 }
 
-void TestStationTable::whatIsUndecidedFailsAtTimeout_data()
+void TestStationTable::anUndecidedAttemptFailsAtTimeout_data()
 {
     QTest::addColumn<int>("state");
     QTest::addColumn<QString>("serviceState");
@@ -108,7 +108,7 @@ void TestStationTable::whatIsUndecidedFailsAtTimeout_data()
     }
 }
 
-void TestStationTable::whatIsUndecidedFailsAtTimeout()
+void TestStationTable::anUndecidedAttemptFailsAtTimeout()
 {
     QFETCH(int, state);
     QFETCH(QString, serviceState);

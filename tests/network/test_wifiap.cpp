@@ -19,10 +19,10 @@ private Q_SLOTS:
     void aScriptThatRunsFails();
     void aScriptThatIsMissingFails();
     void aFailureIsAnsweredThenAnnouncedThenReturned();
-    void howTheScriptEndsDoesNotMatter();
+    void anyEndOfTheScriptIsAccepted();
     void nothingIsCheckedBeforeTheModuleHadTwoSeconds();
-    void whateverIsLeftOutFails_data();
-    void whateverIsLeftOutFails();
+    void anyMissingPartFailsTheAttempt_data();
+    void anyMissingPartFailsTheAttempt();
     void theProgramsAreAskedForInOrder_data();
     void theProgramsAreAskedForInOrder();
     void anInterfaceThatIsMissingFails();
@@ -189,7 +189,7 @@ void TestWifiAp::aFailureIsAnsweredThenAnnouncedThenReturned()
     QCOMPARE(kinds, (QStringList{"signal", "error", "signal", "return"}));
 }
 
-void TestWifiAp::howTheScriptEndsDoesNotMatter()
+void TestWifiAp::anyEndOfTheScriptIsAccepted()
 {
     const QString file = "/usr/share/redpine/switch_coex_mode.sh";
     QVERIFY(QFile::rename(file, "/usr/share/redpine/switch.sh"));
@@ -221,14 +221,14 @@ void TestWifiAp::nothingIsCheckedBeforeTheModuleHadTwoSeconds()
     QCOMPARE(recorder->waitFor(1), aps({"ready"}));
 }
 
-void TestWifiAp::whateverIsLeftOutFails_data()
+void TestWifiAp::anyMissingPartFailsTheAttempt_data()
 {
     QTest::addColumn<QString>("part");
     for (const char *part : {"hostapd", "dhcpd"})
         QTest::newRow(part) << part;
 }
 
-void TestWifiAp::whateverIsLeftOutFails()
+void TestWifiAp::anyMissingPartFailsTheAttempt()
 {
     QFETCH(QString, part);
     script.leaveOut(part);

@@ -36,10 +36,10 @@ private Q_SLOTS:
     void aConnectThatTimesOutDecidesNothing();
     void anEarlierConnectsReplyDoesNotDisturbALaterOne();
 
-    void aConnectUnderWayIsLeftAlone_data();
-    void aConnectUnderWayIsLeftAlone();
-    void aScanLeavesAConnectThatIsStillIdleAlone_data();
-    void aScanLeavesAConnectThatIsStillIdleAlone();
+    void aConnectInProgressIsNotDisturbed_data();
+    void aConnectInProgressIsNotDisturbed();
+    void aScanDoesNotDisturbAConnectThatIsStillIdle_data();
+    void aScanDoesNotDisturbAConnectThatIsStillIdle();
     void aScanMayFollowAConnectThatFailed();
     void aConnectWhileTheScriptRunsFails();
     void aConnectWithoutAScriptFails();
@@ -413,14 +413,14 @@ void TestWifiAttempt::anEarlierConnectsReplyDoesNotDisturbALaterOne()
     QCOMPARE(announced(), QStringList{state("WIFI", networkPath("Office"), "configuration")});
 }
 
-void TestWifiAttempt::aConnectUnderWayIsLeftAlone_data()
+void TestWifiAttempt::aConnectInProgressIsNotDisturbed_data()
 {
     QTest::addColumn<QString>("name");
     for (const char *name : {"association", "configuration", "online"})
         QTest::newRow(name) << name;
 }
 
-void TestWifiAttempt::aConnectUnderWayIsLeftAlone()
+void TestWifiAttempt::aConnectInProgressIsNotDisturbed()
 {
     QFETCH(QString, name);
     reach(name);
@@ -436,14 +436,14 @@ void TestWifiAttempt::aConnectUnderWayIsLeftAlone()
                                                 "scan OP:connect " + name + " Lab"}));
 }
 
-void TestWifiAttempt::aScanLeavesAConnectThatIsStillIdleAlone_data()
+void TestWifiAttempt::aScanDoesNotDisturbAConnectThatIsStillIdle_data()
 {
     QTest::addColumn<QString>("phase");
     for (const char *phase : {"script", "delay", "search"})
         QTest::newRow(phase) << phase;
 }
 
-void TestWifiAttempt::aScanLeavesAConnectThatIsStillIdleAlone()
+void TestWifiAttempt::aScanDoesNotDisturbAConnectThatIsStillIdle()
 {
     QFETCH(QString, phase);
     begin();

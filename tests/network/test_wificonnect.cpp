@@ -23,8 +23,8 @@ private Q_SLOTS:
     void aRefusalToPowerOnIsIgnored();
     void aTechnologyThatIsConnectedIsNotAskedToConnect();
     void aTechnologyThatConnectsByItselfIsTaken();
-    void aTechnologyThatConnectsToAnUnlistedNetworkIsNot();
-    void aTechnologyThatConnectsWithoutARequestIsNot();
+    void aTechnologyThatConnectsToAnUnlistedNetworkIsNotTaken();
+    void aTechnologyThatConnectsWithoutARequestIsNotTaken();
     void connectAnnouncesNothingByItself();
     void missingKeysAreEmptyTexts();
     void valuesOfOtherTypesAreEmptyTexts();
@@ -38,7 +38,7 @@ private Q_SLOTS:
     void theServiceDecidesWhileAssociating();
     void theServiceDecidesWhileConfiguring_data();
     void theServiceDecidesWhileConfiguring();
-    void afterOnlineByTheServiceNothingIsJudged();
+    void afterOnlineByTheServiceAnEmptyListIsIgnored();
     void anOnlineServiceIsOnlineAgain();
 
     void anAddressMakesItOnline_data();
@@ -51,13 +51,13 @@ private Q_SLOTS:
     void configurationIsAnnouncedBeforeTheSettingsAreHandedOver();
     void anErrorOfTheServiceFails();
     void aFailureIsAnnouncedBeforeTheTechnologyIsPoweredOff();
-    void anErrorThatIsForgottenIsNone();
+    void aClearedErrorIsIgnored();
     void theStrengthIsPassedOn();
     void aStrengthThatIsNoneIsNotPassedOn_data();
     void aStrengthThatIsNoneIsNotPassedOn();
-    void theServiceBeforeIsNoLongerHeard();
+    void signalsOfThePreviousServiceAreIgnored();
     void theNetworkJoinedLastIsConfiguredAgain();
-    void aConnectForgetsTheServiceBeforeItFails();
+    void aFailedConnectForgetsThePreviousService();
     void aScanKeepsTheService();
     void otherPropertiesAreIgnored();
 };
@@ -213,7 +213,7 @@ void TestWifiConnect::aTechnologyThatConnectsByItselfIsTaken()
     QCOMPARE(orders(), (QStringList{nameservers, settings}));
 }
 
-void TestWifiConnect::aTechnologyThatConnectsToAnUnlistedNetworkIsNot()
+void TestWifiConnect::aTechnologyThatConnectsToAnUnlistedNetworkIsNotTaken()
 {
     begin();
     join();
@@ -227,7 +227,7 @@ void TestWifiConnect::aTechnologyThatConnectsToAnUnlistedNetworkIsNot()
     QCOMPARE(connman.journal(), QStringList{getServices});
 }
 
-void TestWifiConnect::aTechnologyThatConnectsWithoutARequestIsNot()
+void TestWifiConnect::aTechnologyThatConnectsWithoutARequestIsNotTaken()
 {
     connman.setServices({network("Lab", "idle")});
     begin();
@@ -295,7 +295,7 @@ void TestWifiConnect::aNetworkThatIsNotListedFails_data()
     QTest::newRow("another case") << "lab";
     QTest::newRow("a cable's name") << "Wired";
     QTest::newRow("hidden, without a name") << "";
-    QTest::newRow("longer than any") << QString(100000, QLatin1Char('a'));
+    QTest::newRow("100,000 characters") << QString(100000, QLatin1Char('a'));
 }
 
 void TestWifiConnect::aNetworkThatIsNotListedFails()
@@ -401,7 +401,7 @@ void TestWifiConnect::theServiceDecidesWhileConfiguring()
     QCOMPARE(orders(), QStringList());
 }
 
-void TestWifiConnect::afterOnlineByTheServiceNothingIsJudged()
+void TestWifiConnect::afterOnlineByTheServiceAnEmptyListIsIgnored()
 {
     reach("configuration");
     announceService("online");
@@ -541,7 +541,7 @@ void TestWifiConnect::aFailureIsAnnouncedBeforeTheTechnologyIsPoweredOff()
     connman.releaseMethod(powerOff);
 }
 
-void TestWifiConnect::anErrorThatIsForgottenIsNone()
+void TestWifiConnect::aClearedErrorIsIgnored()
 {
     reach("configuration");
 
@@ -581,7 +581,7 @@ void TestWifiConnect::aStrengthThatIsNoneIsNotPassedOn()
     QCOMPARE(wifi.call("getStrength"), QString("({})"));
 }
 
-void TestWifiConnect::theServiceBeforeIsNoLongerHeard()
+void TestWifiConnect::signalsOfThePreviousServiceAreIgnored()
 {
     reach("configuration");
     connman.setProperty(lab, "Error", "connect-failed");
@@ -627,7 +627,7 @@ void TestWifiConnect::theNetworkJoinedLastIsConfiguredAgain()
     QCOMPARE(orders(), (QStringList{nameservers, settings}));
 }
 
-void TestWifiConnect::aConnectForgetsTheServiceBeforeItFails()
+void TestWifiConnect::aFailedConnectForgetsThePreviousService()
 {
     reach("configuration");
     connman.setProperty(lab, "Error", "connect-failed");

@@ -33,13 +33,13 @@ private Q_SLOTS:
     void disconnectEndsWhileTheScriptRuns();
     void theModuleOfAnEndedAttemptStaysOff_data();
     void theModuleOfAnEndedAttemptStaysOff();
-    void theServiceThatIsLeftDecidesNothing();
+    void signalsOfTheServiceThatIsLeftAreIgnored();
     void nothingElseIsStartedMeanwhile();
 
     void withoutAServiceThereIsNoStrength();
-    void theStrengthIsConnMans();
-    void theAddressesAreTheServices();
-    void withoutAServiceTheHardwareIsTheInterfaces();
+    void theStrengthComesFromConnMan();
+    void theAddressesComeFromTheService();
+    void withoutAServiceTheHardwareInfosComeFromTheInterface();
     void settingsNeedTheTechnology();
 
 private:
@@ -390,7 +390,7 @@ void TestWifiDisconnect::theModuleOfAnEndedAttemptStaysOff()
     QCOMPARE(connman.journal(), (QStringList{getServices, asyncScan}));
 }
 
-void TestWifiDisconnect::theServiceThatIsLeftDecidesNothing()
+void TestWifiDisconnect::signalsOfTheServiceThatIsLeftAreIgnored()
 {
     reachPowered("online");
     disconnect();
@@ -430,7 +430,7 @@ void TestWifiDisconnect::withoutAServiceThereIsNoStrength()
     QVERIFY(!QFile::exists("/tmp/logkywifi"));
 }
 
-void TestWifiDisconnect::theStrengthIsConnMans()
+void TestWifiDisconnect::theStrengthComesFromConnMan()
 {
     reach("configuration");
     QCOMPARE(wifi.call("getStrength"), QString("({\"Strength\": <y:70>})"));
@@ -438,7 +438,7 @@ void TestWifiDisconnect::theStrengthIsConnMans()
     QCOMPARE(wifi.call("getStrength"), QString("({})"));
 }
 
-void TestWifiDisconnect::theAddressesAreTheServices()
+void TestWifiDisconnect::theAddressesComeFromTheService()
 {
     reach("online");
     connman.storeProperty(lab, "Ethernet",
@@ -450,7 +450,7 @@ void TestWifiDisconnect::theAddressesAreTheServices()
              QString("({\"Interface\": <\"wifi_sta\">, \"Method\": <\"auto\">})"));
 }
 
-void TestWifiDisconnect::withoutAServiceTheHardwareIsTheInterfaces()
+void TestWifiDisconnect::withoutAServiceTheHardwareInfosComeFromTheInterface()
 {
     begin();
     QCOMPARE(wifi.call("getHardwareInfos"), QString("({})"));

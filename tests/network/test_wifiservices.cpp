@@ -102,7 +102,7 @@ void TestWifiServices::strengthIsDecimal_data()
     QTest::addColumn<QVariant>("strength");
     QTest::addColumn<QString>("text");
     QTest::newRow("weakest") << QVariant::fromValue(uchar(0)) << "0";
-    QTest::newRow("a letter's number") << QVariant::fromValue(uchar(65)) << "65";
+    QTest::newRow("the code of a letter") << QVariant::fromValue(uchar(65)) << "65";
     QTest::newRow("strongest") << QVariant::fromValue(uchar(100)) << "100";
     QTest::newRow("missing") << QVariant() << "0";
     QTest::newRow("no number") << QVariant(QVariantMap()) << "0";
