@@ -8,13 +8,13 @@ class TestIpv4Rules : public QObject
     Q_OBJECT
 
 private Q_SLOTS:
-    void eachTextIsWhatItIs_data();
-    void eachTextIsWhatItIs();
+    void addressesAndNetmasksAreRecognised_data();
+    void addressesAndNetmasksAreRecognised();
     void settingsHaveToAgree_data();
     void settingsHaveToAgree();
 };
 
-void TestIpv4Rules::eachTextIsWhatItIs_data()
+void TestIpv4Rules::addressesAndNetmasksAreRecognised_data()
 {
     QTest::addColumn<bool>("isHost");
     QTest::addColumn<bool>("isMask");
@@ -62,7 +62,7 @@ void TestIpv4Rules::eachTextIsWhatItIs_data()
     row("2001:db8::zz", "");
 }
 
-void TestIpv4Rules::eachTextIsWhatItIs()
+void TestIpv4Rules::addressesAndNetmasksAreRecognised()
 {
     const QString text = QString::fromLatin1(QTest::currentDataTag());
     QTEST(isHostAddress(text), "isHost");

@@ -54,9 +54,9 @@ class TestKyboardctl : public DaemonTest
 private Q_SLOTS:
     void valuesArePrinted();
     void valuesForMachinesAreJson();
-    void whatIsLostOnItsWayIsNoSuccess();
-    void whatIsSetIsSet();
-    void theDaemonsErrorsAreToldWithNameAndText();
+    void aFailedWriteToStandardOutputIsAFailure();
+    void settingAValueChangesTheInstrument();
+    void errorsOfTheDaemonAreShownWithNameAndText();
     void aWrongCommandLineSendsNothing_data();
     void aWrongCommandLineSendsNothing();
     void aShortPassphraseSendsNothing();
@@ -68,7 +68,7 @@ private Q_SLOTS:
     void monitorPrintsEverySignal();
     void monitorNoticesTheDaemonComingAndGoing();
     void everyMemberOfTheDaemonHasACommand();
-    void everyArgumentIsTheDocuments();
+    void everyArgumentMatchesTheDocuments();
     void secretsComeFromStandardInput();
 
 private:
@@ -117,7 +117,7 @@ void TestKyboardctl::valuesForMachinesAreJson()
     QCOMPARE(run({"--json", "user", "set", "user1"}).output, QStringLiteral("null\n"));
 }
 
-void TestKyboardctl::whatIsLostOnItsWayIsNoSuccess()
+void TestKyboardctl::aFailedWriteToStandardOutputIsAFailure()
 {
     QVERIFY(daemon.start());
     QProcess client;
@@ -129,7 +129,7 @@ void TestKyboardctl::whatIsLostOnItsWayIsNoSuccess()
              QByteArray("kyboardctl: standard output cannot be written\n"));
 }
 
-void TestKyboardctl::whatIsSetIsSet()
+void TestKyboardctl::settingAValueChangesTheInstrument()
 {
     QVERIFY(daemon.start());
     QCOMPARE(run({"user", "set", "user2"}).status, 0);
@@ -142,7 +142,7 @@ void TestKyboardctl::whatIsSetIsSet()
     QCOMPARE(Board::get("powerman/wifi_supply"), QStringLiteral("0"));
 }
 
-void TestKyboardctl::theDaemonsErrorsAreToldWithNameAndText()
+void TestKyboardctl::errorsOfTheDaemonAreShownWithNameAndText()
 {
     QVERIFY(daemon.start());
     Board::fault("KyLeds.setLedState", "always");
@@ -407,7 +407,7 @@ void TestKyboardctl::everyMemberOfTheDaemonHasACommand()
     }
 }
 
-void TestKyboardctl::everyArgumentIsTheDocuments()
+void TestKyboardctl::everyArgumentMatchesTheDocuments()
 {
     static const QRegularExpression bounds("\\A(\\d+) to (\\d+)\\z");
     int compared = 0;

@@ -15,16 +15,16 @@ private Q_SLOTS:
     void cleanup();
 
     void anAbsentDaemonHasItsOwnStatus();
-    void aWrongAddressIsToldApart();
-    void aStrangerIsToldApart();
-    void aRefusedLoginIsToldApart();
+    void aWrongAddressHasItsOwnMessage();
+    void aUserOutsideTheGroupHasItsOwnMessage();
+    void aRefusedLoginHasItsOwnMessage();
     void theTextOfTheBusIsAddedOnRequest();
     void anotherBusIsCalled();
     void anotherMachineIsCalledThroughSsh();
-    void aMachineThatCannotBeReached();
+    void anUnreachableMachineIsReported();
     void oneValueIsPrinted();
-    void aFieldThatIsNotThere();
-    void aFieldWithNothingInIt();
+    void aMissingFieldIsReported();
+    void anEmptyFieldIsReported();
     void aSecretFieldIsNotMistakenForItsValue();
     void numbersHaveTheirUnits();
     void theVoltageComesInVoltsToo();
@@ -87,7 +87,7 @@ void TestKyboardctlBus::anAbsentDaemonHasItsOwnStatus()
     }
 }
 
-void TestKyboardctlBus::aWrongAddressIsToldApart()
+void TestKyboardctlBus::aWrongAddressHasItsOwnMessage()
 {
     QVERIFY(daemon.start());
     const QStringList elsewhere = {"DBUS_SYSTEM_BUS_ADDRESS=unix:path=/run/dbus/missing"};
@@ -100,7 +100,7 @@ void TestKyboardctlBus::aWrongAddressIsToldApart()
     }
 }
 
-void TestKyboardctlBus::aStrangerIsToldApart()
+void TestKyboardctlBus::aUserOutsideTheGroupHasItsOwnMessage()
 {
     QVERIFY(daemon.start());
     for (const char *words : {"user get", "status", "ethernet connect"}) {
@@ -113,7 +113,7 @@ void TestKyboardctlBus::aStrangerIsToldApart()
     QCOMPARE(runAs("member", {"user", "get"}).output, QStringLiteral("user1\n"));
 }
 
-void TestKyboardctlBus::aRefusedLoginIsToldApart()
+void TestKyboardctlBus::aRefusedLoginHasItsOwnMessage()
 {
     QVERIFY(daemon.start());
     admitStrangers(false);
@@ -167,7 +167,7 @@ void TestKyboardctlBus::anotherMachineIsCalledThroughSsh()
     QCOMPARE(QFile::symLinkTarget("/tmp/User_part/system"), profile("user2"));
 }
 
-void TestKyboardctlBus::aMachineThatCannotBeReached()
+void TestKyboardctlBus::anUnreachableMachineIsReported()
 {
     replaceSsh();
     const QStringList path = {"PATH=/tmp/programs:" + QString::fromLocal8Bit(qgetenv("PATH"))};
@@ -198,7 +198,7 @@ void TestKyboardctlBus::oneValueIsPrinted()
              QStringLiteral("kyboardctl: user get: --field does not belong here\n"));
 }
 
-void TestKyboardctlBus::aFieldThatIsNotThere()
+void TestKyboardctlBus::aMissingFieldIsReported()
 {
     QVERIFY(daemon.start());
     const ClientResult result = runClient({"temperature", "list", "--field", "som"});
@@ -209,7 +209,7 @@ void TestKyboardctlBus::aFieldThatIsNotThere()
     QCOMPARE(runClient({"status", "--field", "x", "--json"}).output, QStringLiteral("null\n"));
 }
 
-void TestKyboardctlBus::aFieldWithNothingInIt()
+void TestKyboardctlBus::anEmptyFieldIsReported()
 {
     QVERIFY(daemon.start());
     for (const QString field : {"ethernet", "wifi", "wifiStrength", "accessPointHardware"}) {

@@ -20,7 +20,7 @@ private Q_SLOTS:
     void secretsAreAskedForNeverTakenFromTheCommandLine();
     void withoutItsSecretsNothingIsComplete();
     void aSecretThatIsTooLongIsNotShown();
-    void numbersComeFromAFileToo();
+    void aListOfNumbersCanComeFromAFile();
     void everyCommandIsFoundByItsWords();
     void helpNamesEveryCommand();
     void helpNamesEveryOptionAndStatus();
@@ -282,7 +282,7 @@ void TestKyboardctlCommandLine::aSecretThatIsTooLongIsNotShown()
                                        "printable ASCII characters"));
 }
 
-void TestKyboardctlCommandLine::numbersComeFromAFileToo()
+void TestKyboardctlCommandLine::aListOfNumbersCanComeFromAFile()
 {
     QTemporaryFile file;
     QVERIFY(file.open());
@@ -359,8 +359,8 @@ void TestKyboardctlCommandLine::completionOffersTheNextWords_data()
         << QStringList{"wifi", "set-ipv4", "Address="} << QStringList();
     QTest::newRow("option") << QStringList{"wifi", "connect", "Cafe", "--o"}
                             << QStringList{"--open"};
-    QTest::newRow("behind an option") << QStringList{"--json", "wifi", "sc"} << QStringList{"scan"};
-    QTest::newRow("behind an option's value")
+    QTest::newRow("after an option") << QStringList{"--json", "wifi", "sc"} << QStringList{"scan"};
+    QTest::newRow("after an option's value")
         << QStringList{"--timeout", "5", "ap", "sta"} << QStringList{"start"};
     QTest::newRow("option's value")
         << QStringList{"battery", "voltage", "--unit", ""} << QStringList{"mV", "V"};

@@ -60,7 +60,7 @@ void TestKyboardctlCompletion::bashCompletesTheNextWord_data()
                            << QStringList{"dhcp", "manual", "off"};
     QTest::newRow("begun value") << QStringList{"wifi", "set-ipv4", "Method", "=", "m"}
                                  << QStringList{"manual"};
-    QTest::newRow("key behind a value")
+    QTest::newRow("key after a value")
         << QStringList{"wifi", "set-ipv4", "Method", "=", "manual", "Addr"}
         << QStringList{"Address="};
     QTest::newRow("nothing") << QStringList{"user", "get", ""} << QStringList();

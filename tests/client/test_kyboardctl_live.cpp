@@ -44,10 +44,10 @@ private Q_SLOTS:
     void watchNeedsATerminal();
 
     void atATerminalThereAreColours();
-    void colourIsLeftOut_data();
-    void colourIsLeftOut();
+    void noColourWithNoColorOrADumbTerminal_data();
+    void noColourWithNoColorOrADumbTerminal();
     void linesFitTheTerminal();
-    void othersMoveNoCursor();
+    void textsOfTheInstrumentMoveNoCursor();
 };
 
 void TestKyboardctlLive::init()
@@ -334,7 +334,7 @@ void TestKyboardctlLive::atATerminalThereAreColours()
     QVERIFY(!runClient({"status"}).output.contains('\033'));
 }
 
-void TestKyboardctlLive::colourIsLeftOut_data()
+void TestKyboardctlLive::noColourWithNoColorOrADumbTerminal_data()
 {
     QTest::addColumn<QByteArray>("variable");
     QTest::addColumn<QByteArray>("value");
@@ -342,7 +342,7 @@ void TestKyboardctlLive::colourIsLeftOut_data()
     QTest::newRow("dumb terminal") << QByteArray("TERM") << QByteArray("dumb");
 }
 
-void TestKyboardctlLive::colourIsLeftOut()
+void TestKyboardctlLive::noColourWithNoColorOrADumbTerminal()
 {
     QFETCH(QByteArray, variable);
     QFETCH(QByteArray, value);
@@ -370,7 +370,7 @@ void TestKyboardctlLive::linesFitTheTerminal()
     }
 }
 
-void TestKyboardctlLive::othersMoveNoCursor()
+void TestKyboardctlLive::textsOfTheInstrumentMoveNoCursor()
 {
     writeFile("/etc/sw_version", "BSP \033[2J\x07 1\n");
     const QString output = runClient({"version", "software"}).output;

@@ -22,7 +22,7 @@ private Q_SLOTS:
     void aFileWithoutANameSendsNothing();
     void anInvalidRecordIsNotCopied_data();
     void anInvalidRecordIsNotCopied();
-    void aFileThatIsNotWholeSendsNothing();
+    void aTruncatedOrChangedFileSendsNothing();
     void nothingIsRestoredWithoutConfirmation();
     void aRecordThatIsNotWrittenIsNamed();
 
@@ -182,7 +182,7 @@ void TestKyboardctlRecords::anInvalidRecordIsNotCopied()
     QCOMPARE(QDir("/tmp/copies").entryList(QDir::Files), QStringList());
 }
 
-void TestKyboardctlRecords::aFileThatIsNotWholeSendsNothing()
+void TestKyboardctlRecords::aTruncatedOrChangedFileSendsNothing()
 {
     QCOMPARE(runClient({"eeprom", "dump", "/tmp/copies/one"}).status, 0);
     const QByteArray whole = readFile("/tmp/copies/one");

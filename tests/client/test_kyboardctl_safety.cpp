@@ -21,15 +21,15 @@ class TestKyboardctlSafety : public EthernetTest
 private Q_SLOTS:
     void withoutATerminalNothingIsDestroyed_data();
     void withoutATerminalNothingIsDestroyed();
-    void aPersonIsAsked_data();
-    void aPersonIsAsked();
+    void atATerminalTheUserIsAsked_data();
+    void atATerminalTheUserIsAsked();
     void aQuestionIsSeenWithoutStandardError();
     void aQuestionThatNoTerminalShowsIsNotAsked();
     void otherCommandsNeedNoConfirmation();
     void passwordsStayHidden();
     void whereNothingIsConnectedItSaysSo_data();
     void whereNothingIsConnectedItSaysSo();
-    void anEthernetThatIsConnectedIsNoFailure();
+    void connectingAConnectedEthernetSucceeds();
 
 private:
     static QStringList calls(BusMonitor &monitor);
@@ -97,7 +97,7 @@ void TestKyboardctlSafety::withoutATerminalNothingIsDestroyed()
     QCOMPARE(calls(monitor), QStringList{call});
 }
 
-void TestKyboardctlSafety::aPersonIsAsked_data()
+void TestKyboardctlSafety::atATerminalTheUserIsAsked_data()
 {
     QTest::addColumn<QByteArray>("answer");
     QTest::addColumn<int>("status");
@@ -109,7 +109,7 @@ void TestKyboardctlSafety::aPersonIsAsked_data()
     QTest::newRow("end") << QByteArray("\x04") << 9;
 }
 
-void TestKyboardctlSafety::aPersonIsAsked()
+void TestKyboardctlSafety::atATerminalTheUserIsAsked()
 {
     QFETCH(QByteArray, answer);
     QFETCH(int, status);
@@ -231,7 +231,7 @@ void TestKyboardctlSafety::whereNothingIsConnectedItSaysSo()
     QCOMPARE(json.status, 8);
 }
 
-void TestKyboardctlSafety::anEthernetThatIsConnectedIsNoFailure()
+void TestKyboardctlSafety::connectingAConnectedEthernetSucceeds()
 {
     startDaemon();
     connectUntil("online");

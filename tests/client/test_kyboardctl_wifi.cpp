@@ -25,7 +25,7 @@ private Q_SLOTS:
 
     void scanListsTheNetworks();
     void scanForMachinesIsOneObject();
-    void anEmptyAirIsNoFailure();
+    void aScanWithoutNetworksSucceeds();
     void anOpenNetworkIsJoined();
     void aPassphraseComesFromStandardInput();
     void aPassphraseComesFromAPromptThatDoesNotShowIt();
@@ -42,14 +42,14 @@ private Q_SLOTS:
     void theNetworkThatIsJoinedIsLeftAndForgotten();
     void aNetworkOutOfReachIsNotForgotten();
     void disconnectLeadsToIdle();
-    void whatIsDisconnectedAlreadyIsNoFailure_data();
-    void whatIsDisconnectedAlreadyIsNoFailure();
-    void whileConnectedNothingElseIsTried();
+    void disconnectingWhileIdleSucceeds_data();
+    void disconnectingWhileIdleSucceeds();
+    void whileConnectedOtherNetworksAndScansAreRefused();
     void aScanDoesNotEndAConnectThatHasJustBegun();
     void disconnectWhileTheModuleSwitchesLeavesTheRadioOff_data();
     void disconnectWhileTheModuleSwitchesLeavesTheRadioOff();
-    void withoutAnAddressThereIsNoOutcome();
-    void withoutWaitingItEndsAtOnce();
+    void withoutAnAddressTheWaitTimesOut();
+    void withNoWaitTheCommandEndsAtOnce();
     void withoutTheModulesScriptTheDaemonsErrorIsTold();
     void aDaemonThatGoesAwayEndsTheWait();
     void theAccessPointStartsAndStops();
@@ -135,7 +135,7 @@ void TestKyboardctlWifi::scanForMachinesIsOneObject()
              QJsonValue("/net/connman/service/wifi_02aabbccdd03_48616c6c_managed_psk"));
 }
 
-void TestKyboardctlWifi::anEmptyAirIsNoFailure()
+void TestKyboardctlWifi::aScanWithoutNetworksSucceeds()
 {
     for (const char *directory : {"cafe", "grumpy", "hall_near", "hall_far", "workshop", "vault"})
         supplicant.set(QLatin1String(directory) + "/in_range", "0");
@@ -363,7 +363,7 @@ void TestKyboardctlWifi::disconnectLeadsToIdle()
     QVERIFY(run({"status"}).output.contains(QRegularExpression("\nWi-Fi +not connected\n")));
 }
 
-void TestKyboardctlWifi::whatIsDisconnectedAlreadyIsNoFailure_data()
+void TestKyboardctlWifi::disconnectingWhileIdleSucceeds_data()
 {
     QTest::addColumn<QString>("line");
     QTest::newRow("cable") << "ethernet disconnect";
@@ -371,7 +371,7 @@ void TestKyboardctlWifi::whatIsDisconnectedAlreadyIsNoFailure_data()
     QTest::newRow("access point") << "ap stop";
 }
 
-void TestKyboardctlWifi::whatIsDisconnectedAlreadyIsNoFailure()
+void TestKyboardctlWifi::disconnectingWhileIdleSucceeds()
 {
     QFETCH(QString, line);
     const QStringList words = line.split(' ');
@@ -390,7 +390,7 @@ void TestKyboardctlWifi::whatIsDisconnectedAlreadyIsNoFailure()
     QCOMPARE(result.status, line.startsWith("ap") ? 0 : 1);
 }
 
-void TestKyboardctlWifi::whileConnectedNothingElseIsTried()
+void TestKyboardctlWifi::whileConnectedOtherNetworksAndScansAreRefused()
 {
     QCOMPARE(run({"wifi", "connect", "Cafe", "--open"}).status, 0);
     const Result again = run({"wifi", "connect", "Workshop"}, "seven seas\n");
@@ -467,7 +467,7 @@ void TestKyboardctlWifi::disconnectWhileTheModuleSwitchesLeavesTheRadioOff()
     QVERIFY(run({"wifi", "scan"}).output.contains("Workshop"));
 }
 
-void TestKyboardctlWifi::withoutAnAddressThereIsNoOutcome()
+void TestKyboardctlWifi::withoutAnAddressTheWaitTimesOut()
 {
     supplicant.setDhcpServerMute(true);
     const Result result = run({"wifi", "connect", "Cafe", "--open", "--timeout", "5"});
@@ -475,7 +475,7 @@ void TestKyboardctlWifi::withoutAnAddressThereIsNoOutcome()
     QCOMPARE(result.complaint, QStringLiteral("kyboardctl: wifi connect: no outcome within 5 s\n"));
 }
 
-void TestKyboardctlWifi::withoutWaitingItEndsAtOnce()
+void TestKyboardctlWifi::withNoWaitTheCommandEndsAtOnce()
 {
     script.hold();
     const Result result = run({"wifi", "connect", "Cafe", "--open", "--no-wait"});

@@ -18,10 +18,10 @@ private Q_SLOTS:
     void everyFieldComesBack_data();
     void everyFieldComesBack();
     void valuesThatAClientGaveAreCompleted();
-    void recordsThatAreNotWholeAreNotCopied_data();
-    void recordsThatAreNotWholeAreNotCopied();
-    void aFileThatIsNotWholeIsRefused_data();
-    void aFileThatIsNotWholeIsRefused();
+    void incompleteRecordsAreNotCopied_data();
+    void incompleteRecordsAreNotCopied();
+    void anIncompleteFileIsRefused_data();
+    void anIncompleteFileIsRefused();
     void everyTruncatedFileIsRefused();
     void everyChangedValueIsRefused();
 
@@ -121,7 +121,7 @@ void TestRecordFile::valuesThatAClientGaveAreCompleted()
              QVariantList(QVector<QVariant>(296, 7u).toList()));
 }
 
-void TestRecordFile::recordsThatAreNotWholeAreNotCopied_data()
+void TestRecordFile::incompleteRecordsAreNotCopied_data()
 {
     QTest::addColumn<bool>("isInstrument");
     QTest::addColumn<QString>("key");
@@ -141,7 +141,7 @@ void TestRecordFile::recordsThatAreNotWholeAreNotCopied_data()
                                   << "the measure record has not 296 AdjustementCoefficients";
 }
 
-void TestRecordFile::recordsThatAreNotWholeAreNotCopied()
+void TestRecordFile::incompleteRecordsAreNotCopied()
 {
     QFETCH(bool, isInstrument);
     QFETCH(QString, key);
@@ -157,7 +157,7 @@ void TestRecordFile::recordsThatAreNotWholeAreNotCopied()
     QTEST(complaint, "expected");
 }
 
-void TestRecordFile::aFileThatIsNotWholeIsRefused_data()
+void TestRecordFile::anIncompleteFileIsRefused_data()
 {
     QTest::addColumn<QByteArray>("before");
     QTest::addColumn<QByteArray>("after");
@@ -210,7 +210,7 @@ void TestRecordFile::aFileThatIsNotWholeIsRefused_data()
         "it is not whole: garbage at the end of the document");
 }
 
-void TestRecordFile::aFileThatIsNotWholeIsRefused()
+void TestRecordFile::anIncompleteFileIsRefused()
 {
     QFETCH(QByteArray, before);
     QFETCH(QByteArray, after);

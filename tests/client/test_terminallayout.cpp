@@ -11,9 +11,9 @@ class TestTerminalLayout : public QObject
 private Q_SLOTS:
     void linesFitTheWidth_data();
     void linesFitTheWidth();
-    void nothingIsLostOnTheWay();
-    void whatMeansSomethingHasAColour_data();
-    void whatMeansSomethingHasAColour();
+    void wrappingKeepsEveryWord();
+    void statesHaveTheirColour_data();
+    void statesHaveTheirColour();
     void coloursChangeNoText();
 };
 
@@ -50,7 +50,7 @@ void TestTerminalLayout::linesFitTheWidth()
     QTEST(wrapped(text, width), "expected");
 }
 
-void TestTerminalLayout::nothingIsLostOnTheWay()
+void TestTerminalLayout::wrappingKeepsEveryWord()
 {
     QString numbers = "AdjustementCoefficients  0";
     for (int number = 1; number < 296; ++number)
@@ -64,7 +64,7 @@ void TestTerminalLayout::nothingIsLostOnTheWay()
     }
 }
 
-void TestTerminalLayout::whatMeansSomethingHasAColour_data()
+void TestTerminalLayout::statesHaveTheirColour_data()
 {
     QTest::addColumn<QString>("colour");
     const auto row = [](const char *text, const char *colour) { QTest::newRow(text) << colour; };
@@ -97,7 +97,7 @@ void TestTerminalLayout::whatMeansSomethingHasAColour_data()
     row("user1", "");
 }
 
-void TestTerminalLayout::whatMeansSomethingHasAColour()
+void TestTerminalLayout::statesHaveTheirColour()
 {
     QFETCH(QString, colour);
     const QString text = QTest::currentDataTag();

@@ -8,13 +8,13 @@ class TestTextRules : public QObject
     Q_OBJECT
 
 private Q_SLOTS:
-    void eachTextIsWhatItIs_data();
-    void eachTextIsWhatItIs();
+    void namesAndKeysAreRecognised_data();
+    void namesAndKeysAreRecognised();
     void wholeNumbersAreDigits();
-    void whatIsShownMovesNoCursor();
+    void controlCharactersAreEscaped();
 };
 
-void TestTextRules::eachTextIsWhatItIs_data()
+void TestTextRules::namesAndKeysAreRecognised_data()
 {
     QTest::addColumn<QString>("text");
     QTest::addColumn<bool>("isName");
@@ -61,7 +61,7 @@ void TestTextRules::eachTextIsWhatItIs_data()
     row("WEP of no ASCII", QString(5, QChar(0xE9)), "nl");
 }
 
-void TestTextRules::eachTextIsWhatItIs()
+void TestTextRules::namesAndKeysAreRecognised()
 {
     QFETCH(QString, text);
     QTEST(isNetworkName(text), "isName");
@@ -83,7 +83,7 @@ void TestTextRules::wholeNumbersAreDigits()
     QVERIFY(!isWholeNumber(QString(QChar(0x0665))));
 }
 
-void TestTextRules::whatIsShownMovesNoCursor()
+void TestTextRules::controlCharactersAreEscaped()
 {
     QCOMPARE(shown("caf\u00e9 \\ 'x'"), QString("caf\u00e9 \\ 'x'"));
     QCOMPARE(shown("a\n\x1b[2J\x7f"), QStringLiteral("a\\x0a\\x1b[2J\\x7f"));

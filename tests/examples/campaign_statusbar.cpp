@@ -50,14 +50,14 @@ private Q_SLOTS:
     void theCableIsShownAsItConnects();
     void theStationIsShownAsItConnects();
     void theAccessPointIsShown();
-    void whoStartsLateKnowsWhatIsUp();
+    void aBarThatStartsLateShowsTheJoinedNetwork();
     void theDaemonMayDieAndComeBack();
     void theBatteryFollowsTheBoard();
     void cardAndKeyAreShown();
     void aProfileThatIsResetIsNotTheActiveOne();
     void aModelWithoutAScreenHasNoBacklight();
     void theProgramShowsTheBar();
-    void whoIsNotInTheGroupIsTold();
+    void aUserOutsideTheGroupSeesTheReason();
     void thePictureShowsTheBar();
 
 private:
@@ -219,7 +219,7 @@ void TestStatusBar::theAccessPointIsShown()
     QCOMPARE(colourOf("accessPoint"), amber);
 }
 
-void TestStatusBar::whoStartsLateKnowsWhatIsUp()
+void TestStatusBar::aBarThatStartsLateShowsTheJoinedNetwork()
 {
     reach("online");
     ListedObject joined = network("Lab", "ready");
@@ -362,7 +362,7 @@ void TestStatusBar::theProgramShowsTheBar()
     QCOMPARE(bar.readAllStandardError(), QByteArray());
 }
 
-void TestStatusBar::whoIsNotInTheGroupIsTold()
+void TestStatusBar::aUserOutsideTheGroupSeesTheReason()
 {
     begin();
     // Ourselves, where every user may run it.

@@ -13,7 +13,7 @@ private Q_SLOTS:
     void aBatteryStatusIsRead_data();
     void aBatteryStatusIsRead();
     void aLinkFollowsTheSignals();
-    void whatIsNotToldIsUnknown();
+    void aLinkWithoutSignalsIsUnknown();
     void anAnswerShowsThatALinkIsUp();
     void aSignalOverridesAReply();
     void aLinkThatIsDownHasNoAddress();
@@ -73,7 +73,7 @@ void TestStatusBarParts::aLinkFollowsTheSignals()
     QCOMPARE(states.size(), 2);
 }
 
-void TestStatusBarParts::whatIsNotToldIsUnknown()
+void TestStatusBarParts::aLinkWithoutSignalsIsUnknown()
 {
     Link link;
     QCOMPARE(link.state(), QString("unknown"));

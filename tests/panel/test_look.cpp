@@ -32,7 +32,7 @@ private Q_SLOTS:
     void everythingThatIsShownIsDrawn();
     void ledsBlink_data();
     void ledsBlink();
-    void whatMakesNoSenseIsShownAsThat();
+    void nonsenseInTheFilesIsShownAsUnknown();
     void textsFollowTheFiles_data();
     void textsFollowTheFiles();
     void theBandOfLightIncludesItsCodes();
@@ -44,16 +44,16 @@ private Q_SLOTS:
     void theStrengthIsShownInBars();
     void aKnobIsWhereTheValueEnds();
     void aBlinkIsDrawnOnce();
-    void whoJoinedANetworkIsSeen();
+    void theJoinedNetworkIsMarked();
     void handsRunCommands_data();
     void handsRunCommands();
     void handsUndoWhatTheyDid();
     void aProfileThatChangesIsSeen();
     void accessPointsAreDescribed();
-    void whatIsDraggedComesBackAsItWas_data();
-    void whatIsDraggedComesBackAsItWas();
+    void placesOnAScaleAndValuesCorrespond_data();
+    void placesOnAScaleAndValuesCorrespond();
     void commandsAreShownAsTheyAreTyped();
-    void commandsOfAnyNameAreRight();
+    void commandsQuoteAnyName();
     void everyOperationOfTheLibrariesCanFail();
     void everyCommandOfTheMenuFitsIntoItsLine();
     void messagesAreLines_data();
@@ -215,7 +215,7 @@ void TestLook::ledsBlink()
     QVERIFY(state == "ON" ? lit == 4000 : state == "OFF" ? lit == 0 : lit > 1990 && lit < 2010);
 }
 
-void TestLook::whatMakesNoSenseIsShownAsThat()
+void TestLook::nonsenseInTheFilesIsShownAsUnknown()
 {
     Instrument instrument = newInstrument();
     for (auto file = instrument.board.begin(); file != instrument.board.end(); ++file)
@@ -409,7 +409,7 @@ void TestLook::aBlinkIsDrawnOnce()
     QCOMPARE(drawing.picture(Look(), {320, 200}).size(), QSize(320, 200));
 }
 
-void TestLook::whoJoinedANetworkIsSeen()
+void TestLook::theJoinedNetworkIsMarked()
 {
     Instrument instrument = newInstrument();
     instrument.joinedService = "/net/connman/service/wifi_02_4e616d652031_managed_psk";
@@ -514,7 +514,7 @@ void TestLook::accessPointsAreDescribed()
     QCOMPARE(look.spans.value("air-2-level").second, 0.5);
 }
 
-void TestLook::whatIsDraggedComesBackAsItWas_data()
+void TestLook::placesOnAScaleAndValuesCorrespond_data()
 {
     QTest::addColumn<Scale>("scale");
     QTest::newRow("temperature") << temperatureScale;
@@ -522,7 +522,7 @@ void TestLook::whatIsDraggedComesBackAsItWas_data()
     QTest::newRow("signal") << signalScale;
 }
 
-void TestLook::whatIsDraggedComesBackAsItWas()
+void TestLook::placesOnAScaleAndValuesCorrespond()
 {
     QFETCH(Scale, scale);
     for (double place : {0.0, 0.1, 0.5, 0.77, 1.0})
@@ -547,7 +547,7 @@ void TestLook::commandsAreShownAsTheyAreTyped()
              QStringLiteral("./run -- sh -c 'echo 1 >x'"));
 }
 
-void TestLook::commandsOfAnyNameAreRight()
+void TestLook::commandsQuoteAnyName()
 {
     Instrument instrument = newInstrument();
     instrument.air[0].directory = "my cafe's";
@@ -616,7 +616,7 @@ void TestLook::messagesAreLines_data()
                                              "\"interface\":\"org.freedesktop.DBus\","
                                              "\"member\":\"Hello\"}")
                                << "";
-    QTest::newRow("a reply to nothing")
+    QTest::newRow("a reply without its call")
         << QByteArray("{\"type\":\"method_return\",\"destination\":\":1.7\",\"reply_cookie\":3}")
         << "";
     QTest::newRow("no message") << QByteArray("{}") << "";

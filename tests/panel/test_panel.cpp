@@ -40,8 +40,8 @@ private Q_SLOTS:
     void theSurroundingsAreShown();
     void onlyTheEndOfADragCounts();
     void aValueIsSetAgain();
-    void aHandThatHangsHoldsNoOtherBack();
-    void theProfileIsTheDaemons();
+    void aHangingCommandDoesNotBlockOthers();
+    void theProfileComesFromTheDaemon();
     void statesAreShownAsTheyPass();
     void theStrengthEndsWithTheNetwork();
     void accessPointsAreMoved();
@@ -265,7 +265,7 @@ void TestPanel::aValueIsSetAgain()
     QVERIFY(shows("battery-charge", "20 %"));
 }
 
-void TestPanel::aHandThatHangsHoldsNoOtherBack()
+void TestPanel::aHangingCommandDoesNotBlockOthers()
 {
     // Like in a debugger: SIGTERM stays pending.
     writeFile("/run/KyBoardManager.pid", QByteArray::number(daemon.processId()));
@@ -284,7 +284,7 @@ void TestPanel::aHandThatHangsHoldsNoOtherBack()
     removePath("/run/KyBoardManager.pid");
 }
 
-void TestPanel::theProfileIsTheDaemons()
+void TestPanel::theProfileComesFromTheDaemon()
 {
     QVERIFY(shows("daemon-profile", "profile user1"));
     QCOMPARE(Remote("/KyConfigMgr", "Users").call("setUser", {"user3"}), QStringLiteral("()"));

@@ -21,7 +21,7 @@ private Q_SLOTS:
     void aFaultIsChosenFromTheMenu();
     void aViewerReachesItOverTheNetwork();
     void picturesNeedNoDisplay();
-    void whatMakesNoSenseIsRefused();
+    void wrongOptionsAndFailedCommandsAreReported();
     void thePicturesInTheDocumentsAreUpToDate_data();
     void thePicturesInTheDocumentsAreUpToDate();
 
@@ -244,7 +244,7 @@ void TestPanelWindow::picturesNeedNoDisplay()
     QVERIFY(reads(image, "wifi-dhcp-text", "Unmute DHCP server"));
 }
 
-void TestPanelWindow::whatMakesNoSenseIsRefused()
+void TestPanelWindow::wrongOptionsAndFailedCommandsAreReported()
 {
     QCOMPARE(output("panel --picture - --size 10x10 2>&1; echo $?; "
                     "panel --picture - -- sh -c 'echo no >&2; exit 3' 2>&1; echo $?; "

@@ -293,19 +293,19 @@ private Q_SLOTS:
     void everyOperationCanFail();
     void everyOperationCanGiveGarbage_data();
     void everyOperationCanGiveGarbage();
-    void garbageLeavesTheBoardAlone();
-    void noOperationMindsAMissingPlaceForItsResult();
+    void garbageChangesNothingOnTheBoard();
+    void nullPointersAreFailures();
 
-    void whatIsToldIsInTheFiles_data();
-    void whatIsToldIsInTheFiles();
-    void whatIsInTheFilesIsRead_data();
-    void whatIsInTheFilesIsRead();
-    void whatTheBoardDoesNotHaveFails_data();
-    void whatTheBoardDoesNotHaveFails();
+    void settersWriteTheirFiles_data();
+    void settersWriteTheirFiles();
+    void gettersReadTheirFiles_data();
+    void gettersReadTheirFiles();
+    void callsForAbsentPartsOrValuesFail_data();
+    void callsForAbsentPartsOrValuesFail();
     void nonsenseInAFileIsAFailure_data();
     void nonsenseInAFileIsAFailure();
-    void whatIsNoOrdinaryFileIsAFailure_data();
-    void whatIsNoOrdinaryFileIsAFailure();
+    void anythingButARegularFileIsAFailure_data();
+    void anythingButARegularFileIsAFailure();
     void aCountThatIsNonsenseIsNotRaised();
     void numbersDoNotDependOnTheLocale();
 
@@ -549,7 +549,7 @@ void TestBoard::everyOperationCanGiveGarbage()
              QStringList{QStringLiteral("%1(%2) = %3").arg(operation, arguments, garbage)});
 }
 
-void TestBoard::garbageLeavesTheBoardAlone()
+void TestBoard::garbageChangesNothingOnTheBoard()
 {
     Board::fault("KyLeds.setLedState", "garbage");
 
@@ -558,7 +558,7 @@ void TestBoard::garbageLeavesTheBoardAlone()
     QCOMPARE(Board::get("leds/BT"), QStringLiteral("OFF"));
 }
 
-void TestBoard::noOperationMindsAMissingPlaceForItsResult()
+void TestBoard::nullPointersAreFailures()
 {
     char *noBuffer = nullptr;
     QVERIFY(KyAls().readLux(nullptr) != 0);
@@ -574,7 +574,7 @@ void TestBoard::noOperationMindsAMissingPlaceForItsResult()
     QVERIFY(KyTemperature().getTemperature(TEMPDEV_SOM, nullptr) != 0);
 }
 
-void TestBoard::whatIsToldIsInTheFiles_data()
+void TestBoard::settersWriteTheirFiles_data()
 {
     QTest::addColumn<Operation>("call");
     QTest::addColumn<QString>("path");
@@ -623,7 +623,7 @@ void TestBoard::whatIsToldIsInTheFiles_data()
     });
 }
 
-void TestBoard::whatIsToldIsInTheFiles()
+void TestBoard::settersWriteTheirFiles()
 {
     QFETCH(Operation, call);
     QFETCH(QString, path);
@@ -636,7 +636,7 @@ void TestBoard::whatIsToldIsInTheFiles()
     QVERIFY(snapshot(Board::pathOf(QString())).size() <= before.size() + 1);
 }
 
-void TestBoard::whatIsInTheFilesIsRead_data()
+void TestBoard::gettersReadTheirFiles_data()
 {
     QTest::addColumn<QString>("path");
     QTest::addColumn<QString>("text");
@@ -695,7 +695,7 @@ void TestBoard::whatIsInTheFilesIsRead_data()
     }
 }
 
-void TestBoard::whatIsInTheFilesIsRead()
+void TestBoard::gettersReadTheirFiles()
 {
     QFETCH(QString, path);
     QFETCH(QString, text);
@@ -706,7 +706,7 @@ void TestBoard::whatIsInTheFilesIsRead()
     QCOMPARE(call(), result);
 }
 
-void TestBoard::whatTheBoardDoesNotHaveFails_data()
+void TestBoard::callsForAbsentPartsOrValuesFail_data()
 {
     QTest::addColumn<Operation>("call");
 
@@ -714,7 +714,7 @@ void TestBoard::whatTheBoardDoesNotHaveFails_data()
         << Operation([] { return status(KyBacklight().setBrightness(101)); });
     QTest::newRow("LED between two LEDs")
         << Operation([] { return status(KyLeds().setLedState(e_leds(1), LED_ON)); });
-    QTest::newRow("LED behind the last")
+    QTest::newRow("LED after the last")
         << Operation([] { return readLed(e_leds(ledNames().last().value + 2)); });
     QTest::newRow("LED state") << Operation(
         [] { return status(KyLeds().setLedState(LED_BT, e_led_state(5))); });
@@ -728,7 +728,7 @@ void TestBoard::whatTheBoardDoesNotHaveFails_data()
         << Operation([] { return status(KyFaccess().unmountDevice(e_storagedevice(2))); });
 }
 
-void TestBoard::whatTheBoardDoesNotHaveFails()
+void TestBoard::callsForAbsentPartsOrValuesFail()
 {
     QFETCH(Operation, call);
     const QStringList before = snapshot(Board::pathOf(QString()));
@@ -792,7 +792,7 @@ void TestBoard::nonsenseInAFileIsAFailure()
     }
 }
 
-void TestBoard::whatIsNoOrdinaryFileIsAFailure_data()
+void TestBoard::anythingButARegularFileIsAFailure_data()
 {
     QTest::addColumn<QString>("path");
     QTest::addColumn<Operation>("call");
@@ -803,7 +803,7 @@ void TestBoard::whatIsNoOrdinaryFileIsAFailure_data()
                             << Operation([] { return readEeprom(EEPROM_MESURE, 0, 2); });
 }
 
-void TestBoard::whatIsNoOrdinaryFileIsAFailure()
+void TestBoard::anythingButARegularFileIsAFailure()
 {
     QFETCH(QString, path);
     QFETCH(Operation, call);

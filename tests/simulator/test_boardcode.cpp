@@ -48,7 +48,7 @@ void TestBoardCode::lightHasItsCode_data()
     QTest::newRow("10000 lux") << 10000.0F << 0xC3;
     QTest::newRow("first of the last code") << 126976.0F << 0xFF;
     QTest::newRow("beyond the last code") << 1e30F << 0xFF;
-    QTest::newRow("endless") << std::numeric_limits<float>::infinity() << 0xFF;
+    QTest::newRow("infinite") << std::numeric_limits<float>::infinity() << 0xFF;
     QTest::newRow("negative") << -1.0F << 0;
     QTest::newRow("no number") << std::numeric_limits<float>::quiet_NaN() << 0;
 }
@@ -141,12 +141,12 @@ void TestBoardCode::faultsAreWords_data()
     QTest::newRow("later") << "2 after 5" << int(Fault::Failure) << 0 << 2;
     QTest::newRow("held") << "hold" << int(Fault::None) << 0 << -1;
     QTest::newRow("held garbage") << "hold garbage" << int(Fault::Garbage) << 0 << -1;
-    QTest::newRow("nothing") << "" << int(Fault::Failure) << 0 << -1;
+    QTest::newRow("empty") << "" << int(Fault::Failure) << 0 << -1;
     QTest::newRow("unknown word") << "sometimes" << int(Fault::Failure) << 0 << -1;
     QTest::newRow("negative") << "-3" << int(Fault::Failure) << 0 << -1;
     QTest::newRow("too many") << "99999999999999999999" << int(Fault::Failure) << 0 << -1;
-    QTest::newRow("delay of nothing") << "2 delay" << int(Fault::Failure) << 0 << -1;
-    QTest::newRow("after nothing") << "2 after" << int(Fault::Failure) << 0 << -1;
+    QTest::newRow("delay without a number") << "2 delay" << int(Fault::Failure) << 0 << -1;
+    QTest::newRow("after without a number") << "2 after" << int(Fault::Failure) << 0 << -1;
     QTest::newRow("delay of a word") << "2 delay long" << int(Fault::Failure) << 0 << -1;
     QTest::newRow("delay of a day") << "delay 86400000" << int(Fault::Failure) << 0 << -1;
 }

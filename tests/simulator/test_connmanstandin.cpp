@@ -72,7 +72,7 @@ private Q_SLOTS:
     void asyncScanExistsOnlyOnRequest();
     void scanIsForWifiOnly();
 
-    void nothingIsAnnouncedByItself();
+    void nothingIsAnnouncedUnprompted();
     void aChangedPropertyIsAnnounced();
     void changedServicesComeWithWhatIsNewAndWhatIsGone();
     void anySignalCanBeSent();
@@ -285,7 +285,7 @@ void TestConnmanStandIn::scanIsForWifiOnly()
     QCOMPARE(ethernet.call("Scan"), QString("net.connman.Error.NotSupported: Not supported"));
 }
 
-void TestConnmanStandIn::nothingIsAnnouncedByItself()
+void TestConnmanStandIn::nothingIsAnnouncedUnprompted()
 {
     ConnmanSignals heard;
     standIn.setServices({{QDBusObjectPath(cable), {}}});

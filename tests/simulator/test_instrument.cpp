@@ -19,7 +19,7 @@ private Q_SLOTS:
     void theDaemonGoesAwayAndComesBack();
     void timePassesFaster();
     void theNetworkKeepsStepWhenTimePassesFaster();
-    void timeIsTheMachinesOtherwise();
+    void otherwiseTimeIsThatOfTheMachine();
     void itsShellCompletesTheClient();
     void inTheForegroundItShowsWhatIsUpAndEndsWhenAsked();
 
@@ -135,7 +135,7 @@ void TestInstrument::theNetworkKeepsStepWhenTimePassesFaster()
                        "Hall       62 %  psk\nWorkshop   72 %  psk\n"));
 }
 
-void TestInstrument::timeIsTheMachinesOtherwise()
+void TestInstrument::otherwiseTimeIsThatOfTheMachine()
 {
     QCOMPARE(
         output({"sh", "-c",

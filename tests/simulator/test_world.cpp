@@ -19,8 +19,8 @@ class TestWorld : public QObject
     Q_OBJECT
 
 private Q_SLOTS:
-    void theStatusIsTheCommands();
-    void inputAndOutputAreTheCommands();
+    void theStatusIsThatOfTheCommand();
+    void inputAndOutputAreThoseOfTheCommand();
     void nothingWrittenThereReachesTheMachine();
     void theMachinesDevicesCannotBeReplaced();
     void itHasItsOwnProcessesAndNetwork();
@@ -35,7 +35,7 @@ private Q_SLOTS:
     void windowsOpenOnTheScreenOutside();
     void windowsOpenFromAJoinedCommand();
     void theSocketOfWaylandIsReached();
-    void ofTheMachineOnlyTheScreenIsReached();
+    void onlyTheScreenOfTheMachineIsReached();
     void withoutTheOptionNoScreenIsReached();
     void withoutARunningWorldNothingIsJoined();
     void anUnknownOptionIsRefused();
@@ -86,14 +86,14 @@ bool TestWorld::isAlive(const QString &marker)
     return false;
 }
 
-void TestWorld::theStatusIsTheCommands()
+void TestWorld::theStatusIsThatOfTheCommand()
 {
     QCOMPARE(run({"true"}).status, 0);
     QCOMPARE(run({"sh", "-c", "exit 37"}).status, 37);
     QCOMPARE(run({"no-such-program"}).status, 127);
 }
 
-void TestWorld::inputAndOutputAreTheCommands()
+void TestWorld::inputAndOutputAreThoseOfTheCommand()
 {
     const Result result = run({"sh", "-c", "cat; echo complaint >&2"}, {}, "to and fro");
     QCOMPARE(result.output, QStringLiteral("to and fro"));
@@ -341,7 +341,7 @@ void TestWorld::theSocketOfWaylandIsReached()
     }
 }
 
-void TestWorld::ofTheMachineOnlyTheScreenIsReached()
+void TestWorld::onlyTheScreenOfTheMachineIsReached()
 {
     VirtualScreen screen;
     QVERIFY(screen.start());
