@@ -72,10 +72,7 @@ QVariantMap KyVersion::getSoftwareVersions()
     return m_softwareVersions;
 }
 
-/**
- * Writes @p record to @p eeprom and keeps its values in @p cache. Sends an error if there is no
- * record.
- */
+/** Writes @p record and keeps its values in @p cache; sends an error if there is no record. */
 void KyVersion::setRecord(e_eeprom eeprom, const std::optional<NewRecord> &record,
                           QVariantMap &cache, const QDBusMessage &message)
 {
@@ -90,10 +87,7 @@ void KyVersion::setRecord(e_eeprom eeprom, const std::optional<NewRecord> &recor
         cache.insert(crc, true);
 }
 
-/**
- * Writes @p contents and sends an error for each failed step. Returns false if the write protection
- * could not be lifted; nothing is written then.
- */
+/** Sends an error for each failed step; returns false if the protection could not be lifted. */
 bool KyVersion::write(const QVector<Eeproms::Content> &contents, const QDBusMessage &message)
 {
     const HeldTermination held;

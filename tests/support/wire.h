@@ -49,8 +49,8 @@ bool letDescriptorsThrough();
 
 /**
  * From now on the bus takes messages as large as its own defaults allow, as it would without the
- * limits that come with the daemon. Only new connections profit: call it before the first one.
- * False when the bus does not take the limits.
+ * limits that come with the daemon. The limits apply to new connections only: call it before the
+ * first one. Returns false if the bus rejects the limits.
  */
 bool liftBusLimits();
 
