@@ -154,7 +154,10 @@ void TestPowerCut::settleSettings()
     QTRY_VERIFY_WITH_TIMEOUT(!QFile::exists(settingsFile + ".lock"), deadlineMs);
 }
 
-/** Starts the daemon and cuts the power at that call from now on. */
+/**
+ * Starts the daemon. The power is cut before file-system call number @p call, counted from now; 0
+ * only counts.
+ */
 void TestPowerCut::startWithCut(int call)
 {
     daemon.setWrapper({POWERCUT, control, "/tmp/User_part", "/opt", "--"});
@@ -213,7 +216,8 @@ void TestPowerCut::everyProfileIsWholeOrReplacedByTheNextSwitch_data()
         const QStringList calls = m_calls.value(scenarios.at(index).name);
         for (int call = 1; call <= calls.size(); ++call) {
             const QString name = calls.at(call - 1).section(' ', 1, 1);
-            // A cut before a read leaves the same state as a cut at the previous call.
+            // A call that only reads changes nothing: a cut before it leaves the same state as a
+            // cut before the next call.
             static const QStringList reading = {
                 "stat",  "lstat", "newfstatat", "statx",      "access",     "readlink",
                 "close", "read",  "faccessat2", "getdents64", "readlinkat", "faccessat"};

@@ -275,7 +275,10 @@ int TestPanelWindow::largestDifference(const QImage &one, const QImage &other)
     return largest;
 }
 
-/** The place of a text in the drawing, or at least of the part that differs from other texts. */
+/**
+ * The rectangle of a text in the drawing. Its width is a guess, but wide enough to tell the texts
+ * that this element can show apart.
+ */
 QRect TestPanelWindow::placeOfText(const QString &element)
 {
     QDomDocument document;
@@ -342,10 +345,11 @@ void TestPanelWindow::thePicturesInTheDocumentsAreUpToDate()
         drawn.save(QDir::current().filePath(picture + ".png"));
     if (picture == "panel")
         theStatesOfARealConnectAreRead(drawn);
-    QVERIFY2(difference <= 24, qPrintable(QStringLiteral("%1; ./run -- tools/picture %2 >%3 if the "
-                                                         "panel is to look so")
-                                              .arg(difference)
-                                              .arg(picture, file)));
+    QVERIFY2(difference <= 24,
+             qPrintable(QStringLiteral("a square differs by %1 (at most 24 allowed); if the new "
+                                       "look is intended: ./run -- tools/picture %2 >%3")
+                            .arg(difference)
+                            .arg(picture, file)));
 }
 
 QTEST_MAIN(TestPanelWindow)

@@ -16,7 +16,7 @@ private Q_SLOTS:
     void lightHasItsCode_data();
     void lightHasItsCode();
     void moreLightNeverHasALowerCode();
-    void everyCodeIsThatOfItsLeastLight();
+    void theLeastLightOfACodeHasThatCode();
     void aCodeIsAtMostASixteenthWide();
 
     void theChecksumHasItsCheckValue();
@@ -74,7 +74,7 @@ void TestBoardCode::moreLightNeverHasALowerCode()
     QCOMPARE(last, 255);
 }
 
-void TestBoardCode::everyCodeIsThatOfItsLeastLight()
+void TestBoardCode::theLeastLightOfACodeHasThatCode()
 {
     for (int code = 1; code < 256; ++code) {
         const float least = board::leastLux(static_cast<unsigned char>(code));
