@@ -29,6 +29,7 @@ private Q_SLOTS:
     void everythingEndsWithTheCommand();
     void everythingEndsWhenTheWorldIsAskedTo();
     void everythingEndsWhenTheWorldIsKilled();
+    void aCommandThatJoinsEarlyWaitsForTheWorld();
     void aCommandJoinsARunningWorld();
     void aJoinedCommandEndsWithItsCaller_data();
     void aJoinedCommandEndsWithItsCaller();
@@ -190,6 +191,25 @@ void TestWorld::everythingEndsWhenTheWorldIsAskedTo()
 void TestWorld::everythingEndsWhenTheWorldIsKilled()
 {
     verifyEndAfter([](QProcess &world) { world.kill(); });
+}
+
+void TestWorld::aCommandThatJoinsEarlyWaitsForTheWorld()
+{
+    QTemporaryDir directory;
+    const QString handle = directory.path() + "/handle";
+    QProcess world;
+    world.start(WORLD, worldArguments({"cat"}, {"--handle", handle}));
+    QTRY_VERIFY_WITH_TIMEOUT(!readFile(handle).isEmpty(), deadlineMs);
+
+    const Result joined = run({"sh", "-c",
+                               "test -e /run/private-world && busctl --system list > /dev/null && "
+                               "echo joined"},
+                              {"--join", handle});
+    QCOMPARE(joined.complaint, QString());
+    QCOMPARE(joined.output, QStringLiteral("joined\n"));
+
+    world.closeWriteChannel();
+    QVERIFY(world.waitForFinished(deadlineMs));
 }
 
 void TestWorld::aCommandJoinsARunningWorld()
