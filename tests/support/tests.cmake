@@ -83,7 +83,7 @@ function(add_world_program name)
 endfunction()
 
 function(limit_test name)
-    math(EXPR timeout "60 * ${timeout_factor}")
+    math(EXPR timeout "300 * ${timeout_factor}")
     set_tests_properties(${name} PROPERTIES TIMEOUT ${timeout} FAIL_REGULAR_EXPRESSION "SKIP   :")
 endfunction()
 
@@ -130,7 +130,7 @@ function(add_world_test name)
         set(tests ${name})
         add_test(NAME ${name} COMMAND ${world} ${program})
     endif()
-    math(EXPR timeout "120 * ${timeout_factor}")
+    math(EXPR timeout "300 * ${timeout_factor}")
     set_tests_properties(${tests} PROPERTIES TIMEOUT ${timeout} ${cost}
         FAIL_REGULAR_EXPRESSION "SKIP   :")
 endfunction()
