@@ -279,7 +279,7 @@ void TestStartup::theDaemonRunsUntilItIsKilled()
 {
     QFETCH(int, signal);
     QFETCH(bool, isToAnotherThread);
-    // The shell reports the signal that ended it.
+    // The shell's exit status tells which signal ended the daemon.
     daemon.setWrapper({"sh", "-c", "\"$@\"; exit $?", "sh"});
     QVERIFY(daemon.start());
     const uint process =

@@ -20,7 +20,7 @@ struct DocumentedArgument {
     QString type;
     /** Its range as the document describes it; empty if there is none. */
     QString range;
-    /** The types of the entries of a map, by their keys; a key in {} stands for any. */
+    /** For a map: each key with the type of its value. A key in braces stands for any key. */
     QMap<QString, QString> keys;
 
     /** The names of the allowed values, "SD, USB"; empty if the values are not names. */
