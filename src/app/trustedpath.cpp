@@ -59,7 +59,8 @@ std::optional<QByteArray> trustedTarget(int directory, const QByteArray &name, i
     }
     char target[PATH_MAX];
     const ssize_t length = readlinkat(link.get(), "", target, sizeof target);
-    if (length < 0)
+    // A damaged file system can hold an empty link.
+    if (length <= 0)
         return std::nullopt;
     return QByteArray(target, static_cast<int>(length));
 }

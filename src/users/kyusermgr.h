@@ -9,7 +9,7 @@
 class QDBusMessage;
 
 /**
- * The user profiles: which of the four profile folders is active, switching to another one, and
+ * The user profiles: which of the four profile directories is active, switching to another one, and
  * resetting one to the factory default.
  *
  * The active profile is the target of a symbolic link, through which the rest of the instrument
@@ -47,13 +47,13 @@ public Q_SLOTS:
      * Makes @p user's profile the active one. Rebuilds an incomplete profile from the default one
      * first.
      *
-     * Error::m_invalidArgument for an invalid user, Error::m_process if the profile folder cannot
-     * be rebuilt, Error::m_write if the link cannot be made.
+     * Error::m_invalidArgument for an invalid user, Error::m_process if the profile directory
+     * cannot be rebuilt, Error::m_write if the link cannot be made.
      */
     void setUser(QString user, const QDBusMessage &message);
 
     /**
-     * Replaces the content of @p user's profile folder by a copy of the default profile.
+     * Replaces the content of @p user's profile directory by a copy of the default profile.
      *
      * Error::m_invalidArgument for an invalid user, Error::m_process if the old content cannot be
      * removed, Error::m_write if the copy fails.

@@ -12,11 +12,11 @@
 
 namespace profiles
 {
-/** Directory of all profile folders and of the link; expected to exist. */
+/** Directory of all profile directories and of the link; expected to exist. */
 extern const QString directoryPath;
-/** Suffix of a profile folder's name. */
+/** Suffix of a profile directory's name. */
 extern const QString directorySuffix;
-/** The link to the active profile folder. */
+/** The link to the active profile directory. */
 extern const QString linkPath;
 /** The factory default profile, source of every reset; never written. */
 extern const QString defaultDirectory;
@@ -58,7 +58,7 @@ void validateUsers();
 Outcome activate(const QString &user);
 
 /**
- * Replaces the content of the profile folder of @p user by a copy of the default profile. Erases
+ * Replaces the content of the profile directory of @p user by a copy of the default profile. Erases
  * nothing if the default profile is unreadable or would be erased, too.
  */
 Outcome rebuild(const QString &user);

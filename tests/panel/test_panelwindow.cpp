@@ -26,6 +26,8 @@ private Q_SLOTS:
     void thePicturesInTheDocumentsAreUpToDate();
 
 private:
+    class ShownPanel;
+
     static QStringList command(const QStringList &words);
     static QStringList arguments(const QString &script);
     static QByteArray output(const QString &script);
@@ -102,19 +104,44 @@ bool TestPanelWindow::click(const QString &window, const QPoint &place)
                               QString::number(place.y()), "click", "1"}) == 0;
 }
 
+/** A panel of 1280x800 in a window of a screen of its own. */
+class TestPanelWindow::ShownPanel
+{
+public:
+    /** Returns the window; empty if it does not appear. */
+    QString show()
+    {
+        if (!m_screen.start())
+            return {};
+        qputenv("DISPLAY", m_screen.name().toLatin1());
+        const QByteArray platform = qgetenv("QT_QPA_PLATFORM");
+        qunsetenv("QT_QPA_PLATFORM");
+        m_process.start(RUN, command({"--handle", handle(), "--panel", "--size", "1280x800"}));
+        qputenv("QT_QPA_PLATFORM", platform);
+        return nextWindow({});
+    }
+
+    /** Other commands join the panel's instrument by it. */
+    QString handle() const { return m_directory.path() + "/handle"; }
+
+    /** Returns false if the panel does not end when asked. */
+    bool end()
+    {
+        qunsetenv("DISPLAY");
+        m_process.terminate();
+        return m_process.waitForFinished(deadlineMs);
+    }
+
+private:
+    VirtualScreen m_screen;
+    QTemporaryDir m_directory;
+    QProcess m_process;
+};
+
 void TestPanelWindow::clicksInAWindowReachTheInstrument()
 {
-    VirtualScreen screen;
-    QVERIFY(screen.start());
-    qputenv("DISPLAY", screen.name().toLatin1());
-    QTemporaryDir directory;
-    const QString handle = directory.path() + "/handle";
-    const QByteArray platform = qgetenv("QT_QPA_PLATFORM");
-    qunsetenv("QT_QPA_PLATFORM");
-    QProcess panel;
-    panel.start(RUN, command({"--handle", handle, "--panel", "--size", "1280x800"}));
-    qputenv("QT_QPA_PLATFORM", platform);
-    const QString window = nextWindow({});
+    ShownPanel panel;
+    const QString window = panel.show();
     QVERIFY(!window.isEmpty());
     const Drawing drawing{DRAWING};
     QCOMPARE(drawing.size(), QSizeF(1280, 800));
@@ -123,7 +150,7 @@ void TestPanelWindow::clicksInAWindowReachTheInstrument()
     };
     // Join the panel's instrument; the board's files show the effects of the clicks.
     QProcess world;
-    world.start(RUN, command({"--handle", handle, "--", "sh", "-c",
+    world.start(RUN, command({"--handle", panel.handle(), "--", "sh", "-c",
                               "until [ \"$(cat /run/strandel-board/storage/SD/inserted)\" = 1 ]; "
                               "do sleep 0.02; done; echo inserted; "
                               "while pidof KyBoardManager >/dev/null; do sleep 0.02; done; "
@@ -139,27 +166,16 @@ void TestPanelWindow::clicksInAWindowReachTheInstrument()
     QTRY_VERIFY_WITH_TIMEOUT(world.canReadLine(), deadlineMs);
     QCOMPARE(world.readLine(), QByteArray("started\n"));
     QVERIFY(world.state() == QProcess::NotRunning || world.waitForFinished(deadlineMs));
-    qunsetenv("DISPLAY");
-    panel.terminate();
-    QVERIFY(panel.waitForFinished(deadlineMs));
+    QVERIFY(panel.end());
 }
 
 void TestPanelWindow::aFaultIsChosenFromTheMenu()
 {
-    VirtualScreen screen;
-    QVERIFY(screen.start());
-    qputenv("DISPLAY", screen.name().toLatin1());
-    QTemporaryDir directory;
-    const QString handle = directory.path() + "/handle";
-    const QByteArray platform = qgetenv("QT_QPA_PLATFORM");
-    qunsetenv("QT_QPA_PLATFORM");
-    QProcess panel;
-    panel.start(RUN, command({"--handle", handle, "--panel", "--size", "1280x800"}));
-    qputenv("QT_QPA_PLATFORM", platform);
-    const QString window = nextWindow({});
+    ShownPanel panel;
+    const QString window = panel.show();
     QVERIFY(!window.isEmpty());
     QProcess world;
-    world.start(RUN, command({"--handle", handle, "--", "sh", "-c",
+    world.start(RUN, command({"--handle", panel.handle(), "--", "sh", "-c",
                               "kyboardctl temperature list; "
                               "until [ -s /run/strandel-board/faults/* ]; do sleep 0.02; done; "
                               "cd /run/strandel-board/faults; head *; "
@@ -206,9 +222,7 @@ void TestPanelWindow::aFaultIsChosenFromTheMenu()
     QVERIFY(click(again, {20, 10}));
     QVERIFY2(says(temperatures), said);
     QVERIFY(world.state() == QProcess::NotRunning || world.waitForFinished(deadlineMs));
-    qunsetenv("DISPLAY");
-    panel.terminate();
-    QVERIFY(panel.waitForFinished(deadlineMs));
+    QVERIFY(panel.end());
 }
 
 void TestPanelWindow::aViewerReachesItOverTheNetwork()
