@@ -95,8 +95,8 @@ TestWall::Outcome TestWall::run(const QString &directory, QStringList command,
 }
 
 /**
- * Compiles @p lines as the library compiles @p source, but without the precompiled header. Compiles
- * in the source's directory, so that all headers there are reachable.
+ * Compiles @p lines as the library compiles @p source, in the source's directory, so that all
+ * headers there are reachable.
  */
 TestWall::Outcome TestWall::compile(const QString &source, const QByteArray &lines) const
 {
@@ -107,9 +107,6 @@ TestWall::Outcome TestWall::compile(const QString &source, const QByteArray &lin
         command.erase(command.begin(),
                       std::find_if(command.begin(), command.end(),
                                    [](const QString &word) { return word.endsWith("++"); }));
-        const int precompiled = command.indexOf("-include");
-        if (precompiled >= 0)
-            command.erase(command.begin() + precompiled, command.begin() + precompiled + 2);
         // The rest names the object and the source.
         command.erase(command.begin() + command.indexOf("-o"), command.end());
         command << "-fsyntax-only"

@@ -59,6 +59,7 @@ TestRelease::Result TestRelease::run(const QString &program, const QStringList &
     environment.insert("HOME", m_parent.path());
     environment.insert("XDG_CONFIG_HOME", m_parent.path());
     environment.insert("GIT_CONFIG_NOSYSTEM", "1");
+    environment.insert("XZ_DEFAULTS", "-0");
     process.setProcessEnvironment(environment);
     process.start(program, arguments);
     if (!process.waitForFinished(deadlineMs))

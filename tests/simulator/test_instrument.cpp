@@ -17,6 +17,7 @@ private Q_SLOTS:
     void ethernetComesUpWithARealConnMan();
     void wifiComesUpWithoutARadio();
     void theDaemonGoesAwayAndComesBack();
+    void aCrashedDaemonIsStartedAgain();
     void timePassesFaster();
     void theNetworkKeepsStepWhenTimePassesFaster();
     void otherwiseTimeIsThatOfTheMachine();
@@ -108,6 +109,18 @@ void TestInstrument::theDaemonGoesAwayAndComesBack()
                             "(The daemon ended with status 143; \"daemon start\" starts it "
                             "again.)\n"));
     QVERIFY(printed.contains("usage: daemon COMMAND"));
+}
+
+/** The launcher of a daemon that crashed ends after it, perhaps after the next start. */
+void TestInstrument::aCrashedDaemonIsStartedAgain()
+{
+    QCOMPARE(
+        output({"sh", "-c",
+                "cd " TREE "/simulator; for crash in 1 2 3; do crashed=$(pidof KyBoardManager); "
+                "kill -KILL $crashed; while [ -e /proc/$crashed ]; do :; done; ./daemon start; "
+                "[ $(cat /run/KyBoardManager.pid) = $(pidof KyBoardManager) ] "
+                "&& echo $crash; done; grep -c 'status 137' /run/KyBoardManager.log"}),
+        QStringLiteral("1\n2\n3\n3\n"));
 }
 
 /** The daemon checks the charge every 10 s eleven times, and then every 300 s. */
