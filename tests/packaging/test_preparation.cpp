@@ -18,6 +18,8 @@ private Q_SLOTS:
     void nothingIsInstalledWhereNothingIsMissing();
     void aFailedInstallationBuildsNothing();
     void aSecondTerminalWaits();
+    void aCopiedBuildDirectoryIsCreatedAgain_data();
+    void aCopiedBuildDirectoryIsCreatedAgain();
     void buildDependenciesAreInstalled();
     void installedBuildDependenciesAreNotInstalledAgain();
     void newPackagesReplaceTheOldOnes();
@@ -135,6 +137,43 @@ void TestPreparation::aSecondTerminalWaits()
     both.start("sh", {"-c", "tools/prepare run & tools/prepare run; wait"});
     QVERIFY(both.waitForFinished(deadlineMs));
     QCOMPARE(both.readAll(), QByteArray());
+}
+
+void TestPreparation::aCopiedBuildDirectoryIsCreatedAgain_data()
+{
+    QTest::addColumn<QString>("configuredFor");
+    QTest::addColumn<bool>("isKept");
+    QTest::newRow("this tree") << "tree" << true;
+    QTest::newRow("this tree, by a symbolic link") << "link" << true;
+    QTest::newRow("another tree") << "bin" << false;
+    QTest::newRow("a tree that is gone") << "gone" << false;
+}
+
+/** CMake records the path of the tree: a copied build directory would build the original tree. */
+void TestPreparation::aCopiedBuildDirectoryIsCreatedAgain()
+{
+    QFETCH(QString, configuredFor);
+    QFETCH(bool, isKept);
+    stub("dpkg-query", "for package; do echo \"$package installed\"; done");
+    stub("cmake", "echo cmake \"$@\"");
+    QVERIFY(QFile::link(m_tree, m_directory->path() + "/link"));
+    QVERIFY(QDir().mkpath(m_tree + "/build"));
+    const QString home = m_directory->path() + '/' + configuredFor;
+    writeFile(m_tree + "/build/CMakeCache.txt",
+              "CMAKE_HOME_DIRECTORY:INTERNAL=" + home.toUtf8() + '\n');
+    writeFile(m_tree + "/build/build.ninja", "");
+
+    const auto [status, lines] = run("prepare", {"run"});
+    QCOMPARE(status, 0);
+    if (isKept) {
+        QCOMPARE(lines, QStringList());
+        QCOMPARE(entries("build").size(), 2);
+    } else {
+        QCOMPARE(lines,
+                 QStringList({"The build directory was made for " + home + ": creating it again",
+                              "cmake --preset release"}));
+        QVERIFY(!QFile::exists(m_tree + "/build"));
+    }
 }
 
 void TestPreparation::buildDependenciesAreInstalled()
