@@ -3,23 +3,36 @@
 #include <QFile>
 #include <QTest>
 
-/** The state machines in the document are the daemon's tables. */
+/** The state machines in the documents are the daemon's tables. */
 class TestLinkDocument : public QObject
 {
     Q_OBJECT
 
 private Q_SLOTS:
-    void theDocumentHasTheTablesOfTheMachines();
+    void theDocumentsHaveTheTablesOfTheMachines_data();
+    void theDocumentsHaveTheTablesOfTheMachines();
     void aStaleDocumentIsUpdated();
 };
 
-void TestLinkDocument::theDocumentHasTheTablesOfTheMachines()
+void TestLinkDocument::theDocumentsHaveTheTablesOfTheMachines_data()
 {
-    QFile file(QStringLiteral(DOCUMENTS "/link-states.md"));
+    QTest::addColumn<QString>("document");
+    QTest::addColumn<QStringList>("machines");
+    QTest::newRow("station") << "wifi-connect.md" << QStringList{"station"};
+    QTest::newRow("others") << "link-states.md" << QStringList{"Ethernet", "access point"};
+}
+
+void TestLinkDocument::theDocumentsHaveTheTablesOfTheMachines()
+{
+    QFETCH(QString, document);
+    QFETCH(QStringList, machines);
+    QFile file(QStringLiteral(DOCUMENTS "/") + document);
     QVERIFY(file.open(QIODevice::ReadOnly));
     const QString text = QString::fromUtf8(file.readAll());
 
-    QCOMPARE(text.count("<!-- machine: "), 3);
+    QCOMPARE(text.count("<!-- machine: "), machines.size());
+    for (const QString &machine : machines)
+        QVERIFY(text.contains("<!-- machine: " + machine + " -->\n```mermaid\n"));
     QVERIFY2(text == withMachines(text), "run: ninja -C build documents");
 }
 
