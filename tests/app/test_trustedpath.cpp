@@ -6,8 +6,10 @@
 #include <QTest>
 
 #include <cerrno>
+#include <climits>
 #include <fcntl.h>
 #include <sys/stat.h>
+#include <sys/wait.h>
 #include <unistd.h>
 
 /** Opening paths through directories that other accounts may own. */
@@ -30,6 +32,7 @@ private Q_SLOTS:
     void theLimitOnLinksIsThatOfTheKernel();
     void aLoopOfLinksIsRefused();
     void openingALinkOpensItsTarget();
+    void aLinkThatCannotBeReadIsNotFollowed();
     void aDirectoryMayBelongToAStranger();
 
     void missingDirectoriesAreMade();
@@ -55,6 +58,14 @@ const QString root = QStringLiteral("/opt/test");
 QString at(const QString &path)
 {
     return root + '/' + path;
+}
+
+/** Fills the stack of the next call with zeros: a buffer that it does not write is empty. */
+[[gnu::noinline]] void clearStack()
+{
+    volatile char zeros[4 * PATH_MAX];
+    for (volatile char &each : zeros)
+        each = 0;
 }
 } // namespace
 
@@ -220,6 +231,25 @@ void TestTrustedPath::openingALinkOpensItsTarget()
     const Descriptor from = openDirectory(root);
     QCOMPARE(nameOf(openTrusted(from.get(), "link", O_RDONLY)), at("one/two/file"));
     QVERIFY(openDirectory(at("link")).isAbsent());
+}
+
+/** A zombie has links to its directories, but the kernel has forgotten their targets. */
+void TestTrustedPath::aLinkThatCannotBeReadIsNotFollowed()
+{
+    const pid_t zombie = fork();
+    if (zombie == 0)
+        _exit(0);
+    siginfo_t ended = {};
+    QCOMPARE(waitid(P_PID, id_t(zombie), &ended, WEXITED | WNOWAIT), 0);
+    const QByteArray path = "/proc/" + QByteArray::number(zombie) + "/cwd";
+
+    clearStack();
+    const Descriptor directory = openDirectory(path);
+    const int error = directory.error();
+    QCOMPARE(waitpid(zombie, nullptr, 0), zombie);
+
+    QVERIFY(!directory.isOpen());
+    QCOMPARE(error, ENOENT);
 }
 
 void TestTrustedPath::aDirectoryMayBelongToAStranger()
