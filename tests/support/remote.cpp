@@ -1,5 +1,6 @@
 #include "remote.h"
 
+#include "deadline.h"
 #include "documentederrors.h"
 #include "render.h"
 
@@ -11,8 +12,6 @@ const QString daemonName = QStringLiteral("com.orvendis.Strandel.BoardManager");
 
 namespace
 {
-constexpr int replyTimeoutMs = 60000;
-
 /** Fails the test if the daemon (not the bus) has sent an undocumented error. */
 void expectDocumented(const QDBusMessage &call, const QDBusMessage &reply)
 {
@@ -50,15 +49,14 @@ QString Remote::call(const QString &method, const QList<QVariant> &arguments) co
 QDBusMessage Remote::reply(const QString &method, const QList<QVariant> &arguments) const
 {
     const QDBusMessage call = message(method, arguments);
-    const QDBusMessage reply =
-        QDBusConnection::systemBus().call(call, QDBus::Block, replyTimeoutMs);
+    const QDBusMessage reply = QDBusConnection::systemBus().call(call, QDBus::Block, deadlineMs);
     expectDocumented(call, reply);
     return reply;
 }
 
 QDBusPendingCall Remote::start(const QString &method, const QList<QVariant> &arguments) const
 {
-    return QDBusConnection::systemBus().asyncCall(message(method, arguments), replyTimeoutMs);
+    return QDBusConnection::systemBus().asyncCall(message(method, arguments), deadlineMs);
 }
 
 QDBusMessage Remote::message(const QString &method, const QList<QVariant> &arguments) const

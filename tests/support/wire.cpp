@@ -1,5 +1,6 @@
 #include "wire.h"
 
+#include "deadline.h"
 #include "files.h"
 #include "remote.h"
 
@@ -14,8 +15,6 @@
 
 namespace
 {
-constexpr int replyTimeoutMs = 30000;
-
 void expect(bool isDone, const char *what)
 {
     if (!isDone)
@@ -172,7 +171,7 @@ QString Wire::call(const QString &service, const QString &path, const QString &i
         Writer(values).write(message);
     DBusError error = DBUS_ERROR_INIT;
     DBusMessage *reply =
-        dbus_connection_send_with_reply_and_block(m_connection, message, replyTimeoutMs, &error);
+        dbus_connection_send_with_reply_and_block(m_connection, message, deadlineMs, &error);
     dbus_message_unref(message);
     if (reply == nullptr) {
         QString text =
