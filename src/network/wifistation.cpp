@@ -10,7 +10,6 @@
 #include "wifitrace.h"
 
 #include <QDBusConnection>
-#include <QDBusPendingCallWatcher>
 #include <QDebug>
 
 namespace
@@ -149,22 +148,20 @@ void WifiStation::requestConnect()
     registerAgent();
     // ConnMan replies only after the agent has answered, and the agent runs on this thread: a
     // blocking call would time out, join no network and block all clients.
-    auto *reply = new QDBusPendingCallWatcher(connman::connectService(m_foundPath), this);
-    connect(reply, &QDBusPendingCallWatcher::finished, this, &WifiStation::connectAnswered);
-    m_connectReply = reply;
+    // The new watcher replaces that of an earlier Connect, whose late reply is ignored.
+    m_connectReply =
+        std::make_unique<QDBusPendingCallWatcher>(connman::connectService(m_foundPath));
+    connect(m_connectReply.get(), &QDBusPendingCallWatcher::finished, this,
+            &WifiStation::connectAnswered);
     trace("sendRequestConnect");
 }
 
-void WifiStation::connectAnswered(QDBusPendingCallWatcher *reply)
+void WifiStation::connectAnswered()
 {
-    if (reply->isError())
-        qDebug() << "Connect:" << reply->error().message();
-    reply->deleteLater();
-    // Ignore a late reply to an earlier Connect.
-    if (reply != m_connectReply)
-        return;
-    m_connectReply = nullptr;
-    if (failsConnect(reply->error().name()))
+    const QDBusError error = m_connectReply->error();
+    if (m_connectReply->isError())
+        qDebug() << "Connect:" << error.message();
+    if (failsConnect(error.name()))
         handle(LinkEvent::ConnectFailed);
 }
 

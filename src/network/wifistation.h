@@ -4,8 +4,11 @@
 #include "linkdriver.h"
 #include "technologywatch.h"
 
+#include <QDBusPendingCallWatcher>
+
+#include <memory>
+
 class KyConnmanAgent;
-class QDBusPendingCallWatcher;
 
 /** Carries out the actions that are specific to the Wi-Fi station, and writes the trace. */
 class WifiStation : public LinkDriver
@@ -34,7 +37,7 @@ private:
     LinkEvent forgetNetwork();
     void requestScan();
     void requestConnect();
-    void connectAnswered(QDBusPendingCallWatcher *reply);
+    void connectAnswered();
     void registerAgent();
     void unregisterAgent();
     void handleServiceProperty(const QString &name, const QVariant &value);
@@ -44,8 +47,8 @@ private:
     KyConnmanAgent *m_agent = nullptr;
     /** The network of the last connect. */
     QString m_requestedService;
-    /** The pending reply to the last Connect; null when it has arrived. */
-    const QDBusPendingCallWatcher *m_connectReply = nullptr;
+    /** Waits for the reply to the last Connect. */
+    std::unique_ptr<QDBusPendingCallWatcher> m_connectReply;
     /** The timer that limits how long a disconnect waits for the technology to be off. */
     QTimer m_leavingTime;
 };
