@@ -326,8 +326,10 @@ void TestEthernetSettings::getIPv4OmitsUnreadableValues()
                         {"Structure", QVariant::fromValue(wired())},
                         {"List", QVariantList{QVariant::fromValue(wired()), 5}}};
     connman.storeProperty(cable, "IPv4", ipv4);
-    QCOMPARE(ethernet.call("getIPv4"),
-             QString("({\"Address\": <\"10.77.0.50\">, \"List\": <[<5>]>})"));
+    connman.storeProperty(cable, "Ethernet", ipv4);
+    for (const char *method : {"getIPv4", "getHardwareInfos"})
+        QCOMPARE(ethernet.call(method),
+                 QString("({\"Address\": <\"10.77.0.50\">, \"List\": <[<5>]>})"));
 }
 
 void TestEthernetSettings::getHardwareInfosShowsTheServicesInterface()

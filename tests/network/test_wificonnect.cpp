@@ -2,6 +2,7 @@
 #include "wifitest.h"
 
 #include <QDBusMetaType>
+#include <QDBusVariant>
 
 using Texts = QMap<QString, QString>;
 Q_DECLARE_METATYPE(Texts)
@@ -17,6 +18,7 @@ private Q_SLOTS:
     void aNetworkIsJoined();
     void joiningAsksConnManForNoMore();
     void theTraceRecordsEachStep();
+    void theTraceRecordsEveryChangeOfTheTechnology();
     void aNetworkThatTheScanBringsIsJoined();
     void aTechnologyThatIsOnAlreadyIsSearchedAtOnce();
     void aNetworkOfATechnologyThatIsOnAlreadyIsJoinedAtOnce();
@@ -53,6 +55,8 @@ private Q_SLOTS:
     void aFailureIsAnnouncedBeforeTheTechnologyIsPoweredOff();
     void aClearedErrorIsIgnored();
     void theStrengthIsPassedOn();
+    void aStrengthInAnotherVariantIsPassedOnAsANumber();
+    void theStrengthNamesTheServiceThatIsNotListedAnyMore();
     void aStrengthThatIsNoneIsNotPassedOn_data();
     void aStrengthThatIsNoneIsNotPassedOn();
     void signalsOfThePreviousServiceAreIgnored();
@@ -126,6 +130,20 @@ void TestWifiConnect::theTraceRecordsEachStep()
           "servicePropertyChangedSlot\nOP:connect\nonline", "servicesChangedSlot\nOP:none\nonline"})
         expected += QByteArray("----------------------------\n") + record + "\nLab\n";
     QCOMPARE(readFile("/tmp/logkywifi"), expected);
+}
+
+void TestWifiConnect::theTraceRecordsEveryChangeOfTheTechnology()
+{
+    begin();
+
+    connman.setProperty(ConnmanStandIn::wifiTechnology, "Tethering", true);
+    connman.setProperty(ConnmanStandIn::wifiTechnology, "Connected", false);
+    connman.setProperty(ConnmanStandIn::wifiTechnology, "Powered", "on");
+    settle();
+
+    const QString record = "technologyPropertyChangedSlot OP:none idle ";
+    QCOMPARE(trace(), (QStringList{record, record, record}));
+    QCOMPARE(announced(), QStringList());
 }
 
 void TestWifiConnect::aNetworkThatTheScanBringsIsJoined()
@@ -560,6 +578,34 @@ void TestWifiConnect::theStrengthIsPassedOn()
     QCOMPARE(announced(),
              QStringList{"WIFI.propertyChanged(\"" + lab + "\", \"Strength\", <y:41>)"});
     QCOMPARE(wifi.call("getStrength"), QString("({\"Strength\": <y:41>})"));
+}
+
+void TestWifiConnect::aStrengthInAnotherVariantIsPassedOnAsANumber()
+{
+    reach("online");
+    const QVariant inner = QVariant::fromValue(QDBusVariant(QVariant::fromValue(uchar(41))));
+
+    connman.emitSignal(lab, "net.connman.Service", "PropertyChanged",
+                       {"Strength", QVariant::fromValue(QDBusVariant(inner))});
+
+    QCOMPARE(announced(),
+             QStringList{"WIFI.propertyChanged(\"" + lab + "\", \"Strength\", <y:41>)"});
+}
+
+/** The service of the announcement is the current one, not the one that was looked for last. */
+void TestWifiConnect::theStrengthNamesTheServiceThatIsNotListedAnyMore()
+{
+    reach("configuration");
+    connman.setServices({network("Office", "idle")});
+    connman.emitServicesChanged();
+    QCOMPARE(announced(), QStringList{labFailure});
+
+    connman.emitSignal(
+        lab, "net.connman.Service", "PropertyChanged",
+        {"Strength", QVariant::fromValue(QDBusVariant(QVariant::fromValue(uchar(41))))});
+
+    QCOMPARE(announced(),
+             QStringList{"WIFI.propertyChanged(\"" + lab + "\", \"Strength\", <y:41>)"});
 }
 
 void TestWifiConnect::aStrengthThatIsNoneIsNotPassedOn_data()
