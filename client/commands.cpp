@@ -27,7 +27,9 @@ Argument argument(const char *name, Kind kind, const char *help)
     return {text(name), kind, text(help), {}, 0, 0, {}, false, nullptr, {}, nullptr};
 }
 
-/** A text that is valid if @p accepts returns true; @p wanted describes valid texts. */
+/**
+ * Returns an argument that is valid if @p accepts returns true. @p wanted describes valid texts.
+ */
 Argument ruled(const char *name, bool (*accepts)(const QString &), const char *wanted,
                const char *help)
 {
@@ -37,7 +39,7 @@ Argument ruled(const char *name, bool (*accepts)(const QString &), const char *w
     return made;
 }
 
-/** A value of at most @p maximum bytes or numbers, depending on @p kind. */
+/** Returns an argument of at most @p maximum bytes or numbers, depending on @p kind. */
 Argument limited(const char *name, Kind kind, qlonglong maximum, const char *help)
 {
     Argument made = argument(name, kind, help);
@@ -84,7 +86,7 @@ Argument ipv4Settings()
     const char address[] = "an IPv4 address of a host, as in 192.168.1.20";
     const char server[] = "an IPv4 or IPv6 address";
     Argument made = settings(
-        {choice("Method", {text("dhcp"), text("manual"), text("off")}, "how the address is got"),
+        {choice("Method", {text("dhcp"), text("manual"), text("off")}, "source of the address"),
          ruled("Address", isHostAddress, address, "IPv4 address, needed with Method=manual"),
          ruled("Netmask", isNetmask, "a netmask, as in 255.255.255.0", "IPv4 netmask"),
          ruled("Gateway", isHostAddress, address, "IPv4 address of the gateway, in that network"),
@@ -194,14 +196,14 @@ QVector<Command> makeCommands()
                  {},
                  none});
     method("battery voltage", device, text("Alimentation"), "getBatteryVoltage", {},
-           "battery voltage as last read")
+           "battery voltage of the last measurement")
         .unit = text("mV");
 
-    fields("led list", device, text("LED"), "getLEDStatus", "what every LED shows").nothing =
+    fields("led list", device, text("LED"), "getLEDStatus", "state of every LED").nothing =
         text("no LED answers");
     method("led set", device, text("LED"), "setLEDStatus",
-           {choice("LED", leds, "LED to set"), choice("STATE", ledStates, "what it is to show")},
-           "make an LED show a state");
+           {choice("LED", leds, "LED to set"), choice("STATE", ledStates, "state to show")},
+           "set the state of an LED");
     method("led shutdown", device, text("LED"), "prepareForShutdown", {},
            "show the shutdown pattern on the power button");
 
@@ -211,7 +213,7 @@ QVector<Command> makeCommands()
     temperatures.unit = text("\u00b0C");
     method("temperature threshold", device, text("Temperature"), "setTemperatureThreshold",
            {choice("SENSOR", sensors, "sensor"),
-            integer("VALUE", int32Minimum, int32Maximum, "temperature from which on to signal")},
+            integer("VALUE", int32Minimum, int32Maximum, "lowest temperature that is announced")},
            "set the threshold of a sensor");
     method("temperature interval", device, text("Temperature"), "setInterval",
            {integer("MILLISECONDS", 1000, int32Maximum, "period of the check")},
@@ -231,7 +233,7 @@ QVector<Command> makeCommands()
     method("backlight enable", device, text("Backlight"), "enableBacklight",
            {argument("on|off", Kind::Switch, "state")}, "switch the backlight on or off");
     method("backlight step", device, text("Backlight"), "getBacklightStep", {},
-           "step that matches the present percentage");
+           "step of the current percentage");
     method("backlight set-step", device, text("Backlight"), "setBacklightStep",
            {argument("on|off", Kind::Switch, "automatic mode"), integer("STEP", 0, 13, "step")},
            "set the automatic mode and, without it, the step");
@@ -251,7 +253,7 @@ QVector<Command> makeCommands()
         .question = text("overwrite the measure-card record, with all adjustment coefficients, in "
                          "the EEPROM");
     method("eeprom invalidate", device, text("Version"), "invalidateEepromsContent", {},
-           "spoil the checksums of both records")
+           "make the CRCs of both records wrong")
         .question = text("make both records in the EEPROMs invalid");
     fields("version revisions", device, text("Version"), "getRevision", "hardware revisions")
         .nothing = text("no revision can be read");
@@ -261,11 +263,11 @@ QVector<Command> makeCommands()
     method("module power", device, text("Network"), "redpinePower",
            {argument("on|off", Kind::Switch, "state")}, "switch the Wi-Fi module's supply");
     method("module soft-reset", device, text("Network"), "redpineSoftReset", {},
-           "reset the Wi-Fi module softly");
+           "reset the Wi-Fi module by software");
     method("module hard-reset", device, text("Network"), "redpineHardReset", {},
            "reset the Wi-Fi module by its reset line");
     method("shutdown", device, text("MGR"), "prepareForShutdown", {},
-           "bring LEDs and battery monitor into the state for power-off");
+           "prepare the LEDs and the battery monitor for power-off");
 
     operation("ethernet connect", ethernet, "connect", {}, online, "bring the wired interface up");
     const QString isOff = text("Cannot set property Powered: Already disabled");
@@ -277,7 +279,7 @@ QVector<Command> makeCommands()
     operation("wifi connect", wifi, "connect",
               {ruled("NETWORK", isListedNetworkName,
                      "1 to 32 characters without control characters", "name of the network")},
-              online, "join a network, whose passphrase is asked for");
+              online, "join a network; ask for its passphrase");
     operation("wifi disconnect", wifi, "disconnect", {}, idle, "leave and forget the network")
         .done = isOff;
     operation("wifi scan", wifi, "scan", {}, networks, "list the networks in reach");
@@ -289,8 +291,8 @@ QVector<Command> makeCommands()
     tcpIp("wifi", wifi);
 
     operation("ap start", accessPoint, "connect", {accessPointSettings()}, online,
-              "become an access point; WPA2 asks for the password");
-    operation("ap stop", accessPoint, "disconnect", {}, idle, "stop being an access point").done =
+              "start the access point; with WPA2, ask for the password");
+    operation("ap stop", accessPoint, "disconnect", {}, idle, "stop the access point").done =
         text("Cannot disconnect WAP, already disconnected");
     method("ap wps", com, accessPoint, "wpsEnable", {}, "accepted, without effect");
     tcpIp("ap", accessPoint);
@@ -304,9 +306,9 @@ Command ownCommand(const char *words, const QVector<Argument> &arguments, const 
 
 Command monitorCommand()
 {
-    Argument signal = choice("[SIGNAL...]", signalNames(), "which signals");
+    Argument signal = choice("[SIGNAL...]", signalNames(), "signals to print");
     signal.kind = Kind::Choices;
-    return ownCommand("monitor", {signal}, "signals, all or some, a line each, until it is ended");
+    return ownCommand("monitor", {signal}, "print each signal on a line, until interrupted");
 }
 
 Command restoreCommand()
@@ -347,9 +349,8 @@ const QVector<Command> &ownCommands()
         restoreCommand(),
         ownCommand("watch", {}, "the whole instrument, live, on one screen of a terminal"),
         monitorCommand(),
-        ownCommand("help",
-                   {argument("[COMMAND]", Kind::Text, "a command, or the first of its words")},
-                   "what there is, or what a command takes"),
+        ownCommand("help", {argument("[COMMAND]", Kind::Text, "a command, or its first words")},
+                   "list all commands, or the arguments of a command"),
     };
     return table;
 }
@@ -364,13 +365,14 @@ const QVector<Option> &options()
         {text("--unit"),
          none,
          text("UNIT"),
-         text("in which unit to print it, mV or V"),
+         text("unit of the voltage, mV or V"),
          Scope::Voltage,
          {text("mV"), text("V")}},
         {text("--timeout"), none, text("SECONDS"),
          text("how long to wait for an answer, or for the outcome of a network operation"),
          Scope::Every},
-        {text("--count"), none, text("SIGNALS"), text("end after so many signals"), Scope::Monitor},
+        {text("--count"), none, text("SIGNALS"), text("end after this number of signals"),
+         Scope::Monitor},
         {text("--no-wait"), none, none,
          text("start a network operation without waiting for its outcome"), Scope::Operation},
         {text("--open"), none, none, text("the network needs no passphrase"), Scope::WifiConnect},
@@ -383,7 +385,7 @@ const QVector<Option> &options()
          text("D-Bus address of the bus, instead of the system bus"), Scope::Every},
         {text("--host"), none, text("HOST"),
          text("system bus of another machine, through ssh: HOST or USER@HOST"), Scope::Every},
-        {text("--verbose"), none, none, text("add the text of the bus to complaints"),
+        {text("--verbose"), none, none, text("add the D-Bus error to error messages"),
          Scope::Every},
         {text("--help"), text("h"), none, text("print help and end"), Scope::Every},
         {text("--version"), none, none, text("print the version and end"), Scope::Every},
@@ -395,18 +397,18 @@ const QVector<StatusMeaning> &exitStatuses()
 {
     static const QVector<StatusMeaning> table = {
         {Success, text("done")},
-        {DaemonError, text("the daemon answered with an error")},
+        {DaemonError, text("the daemon replied with an error")},
         {BadUsage,
          text("the command line, or a file that it names, was wrong, and nothing was sent")},
-        {DaemonAway, text("the daemon is away, or the system bus cannot be reached")},
+        {DaemonAway, text("the daemon does not run, or the bus cannot be reached")},
         {InterfaceAbsent, text("this model of the instrument has no such interface")},
         {OutcomeFailed, text("the operation failed")},
-        {OutcomeMissing, text("the operation came to no end in time")},
+        {OutcomeMissing, text("the operation did not end in time")},
         {OutputLost, text("done, but the output cannot be written")},
-        {NothingThere, text("there is nothing to tell of: not connected, or no such hardware")},
+        {NothingThere, text("there is no value: not connected, or no such hardware")},
         {NotConfirmed, text("not confirmed, and nothing was sent")},
         {RecordInvalid, text("a record in the EEPROM is not valid, and no file is written")},
-        {SignalsMissing, text("the signals that were waited for did not come in time")},
+        {SignalsMissing, text("the expected signals did not arrive in time")},
     };
     return table;
 }

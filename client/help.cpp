@@ -63,7 +63,7 @@ QString optionHelp(const Option &option)
     return only.isEmpty() ? option.help : only + QStringLiteral(": ") + option.help;
 }
 
-/** Possible values of an argument, as far as they are known in advance. */
+/** Returns the possible values of an argument that are known in advance. */
 QStringList candidatesFor(const Argument &argument)
 {
     QStringList candidates = argument.choices;
@@ -79,7 +79,7 @@ QStringList candidatesFor(const Argument &argument)
     return candidates;
 }
 
-/** The words of a command line without options and their values. */
+/** Returns the words of a command line without options and their values. */
 QStringList withoutOptions(const QStringList &words)
 {
     QStringList rest;
@@ -94,7 +94,7 @@ QStringList withoutOptions(const QStringList &words)
     return rest;
 }
 
-/** Words and values of @p command that can follow the words @p before. */
+/** Returns the words and values of @p command that can follow the words @p before. */
 QStringList candidatesAfter(const QStringList &before, const Command &command)
 {
     const QStringList name = wordsOf(command);
@@ -112,7 +112,8 @@ QStringList candidatesAfter(const QStringList &before, const Command &command)
 }
 
 /**
- * Returns true for the next step after @p begun: first a key with its equals sign, then its values.
+ * Returns true if completing @p begun may propose @p candidate: first a key with its equals sign,
+ * then the key's values.
  */
 bool isNext(const QString &candidate, const QString &begun)
 {
@@ -148,7 +149,7 @@ QString helpText()
         statusLines.add(QString::number(status.status), status.meaning);
     const QString indent = QStringLiteral("  ");
     return QStringLiteral("usage: kyboardctl [OPTION...] COMMAND [ARGUMENT...]\n\n"
-                          "Asks the board manager of the instrument, and tells it what to do.\n\n"
+                          "Shows and controls the instrument through its board manager.\n\n"
                           "Options:\n") +
            optionLines.text(indent) +
            QStringLiteral("\nPassphrases come from a prompt or from standard input, never from the "

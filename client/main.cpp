@@ -39,12 +39,12 @@ ExitStatus runCommand(const Command &command, const Invocation &invocation,
 
 ExitStatus runMonitor(const Command &, const Invocation &invocation, const QVariantList &arguments)
 {
-    Monitor::Wish wish;
-    wish.asJson = invocation.has("--json");
-    wish.signalNames = arguments.value(0).toStringList();
-    wish.count = invocation.number("--count");
-    wish.seconds = invocation.number("--timeout");
-    return Monitor(wish).run();
+    Monitor::Options options;
+    options.asJson = invocation.has("--json");
+    options.signalNames = arguments.value(0).toStringList();
+    options.count = invocation.number("--count");
+    options.seconds = invocation.number("--timeout");
+    return Monitor(options).run();
 }
 
 ExitStatus runWatch(const Command &command, const Invocation &invocation, const QVariantList &)
@@ -65,7 +65,7 @@ ExitStatus runStatus(const Command &command, const Invocation &invocation, const
     return showStatus(command, invocation);
 }
 
-/** The commands that make more than one call. */
+/** The commands that make several calls or none. */
 const struct {
     const char *words;
     ExitStatus (*run)(const Command &, const Invocation &, const QVariantList &);
@@ -152,7 +152,10 @@ int run(const QStringList &arguments)
                                         : runCommand(*command, invocation, words.mid(used));
 }
 
-/** Reads arguments as UTF-8, like all output, whatever the locale. */
+/**
+ * Reads the arguments as UTF-8 in every locale: all output is UTF-8, too. Returns false if an
+ * argument is not UTF-8.
+ */
 bool readArguments(int count, char *words[], QStringList &arguments)
 {
     for (int index = 1; index < count; ++index) {

@@ -19,7 +19,7 @@
 
 namespace
 {
-/** The positions of numbers with a unit in signals. */
+/** The arguments of signals that have a unit. */
 const struct {
     const char *signal;
     int place;
@@ -40,7 +40,7 @@ QString unitOf(const QString &signal, int place)
 }
 } // namespace
 
-Monitor::Monitor(const Wish &wish) : m_wish(wish), m_printed(0)
+Monitor::Monitor(const Options &options) : m_options(options), m_printed(0)
 {
     QSet<QString> subscribed;
     for (const Command &command : commands()) {
@@ -69,16 +69,16 @@ ExitStatus Monitor::run()
     }
     printLine(QStringLiteral("daemon"),
               found.isGood() ? QStringLiteral("there") : QStringLiteral("away"), {});
-    if (m_wish.seconds > 0)
-        QTimer::singleShot(std::min(m_wish.seconds, 2000000) * 1000, this, [this] {
-            QCoreApplication::exit(m_printed < m_wish.count ? SignalsMissing : Success);
+    if (m_options.seconds > 0)
+        QTimer::singleShot(std::min(m_options.seconds, 2000000) * 1000, this, [this] {
+            QCoreApplication::exit(m_printed < m_options.count ? SignalsMissing : Success);
         });
     const int status = QCoreApplication::exec();
     if (status == SignalsMissing)
         complain(QStringLiteral("monitor: %1 of %2 signals came within %3 s")
                      .arg(m_printed)
-                     .arg(m_wish.count)
-                     .arg(m_wish.seconds));
+                     .arg(m_options.count)
+                     .arg(m_options.seconds));
     if (status == DaemonAway)
         complain(QStringLiteral("monitor: the connection to the bus ended"));
     return ExitStatus(status);
@@ -88,16 +88,16 @@ void Monitor::take(const QDBusMessage &message)
 {
     const QString interface = message.interface().mid(daemonService.size() + 1);
     const QString name = interface + QLatin1Char('.') + message.member();
-    if (!m_wish.signalNames.isEmpty() && !m_wish.signalNames.contains(name))
+    if (!m_options.signalNames.isEmpty() && !m_options.signalNames.contains(name))
         return;
-    if (m_wish.count > 0 && m_printed == m_wish.count)
+    if (m_options.count > 0 && m_printed == m_options.count)
         return;
     const QVariantList arguments = message.arguments();
     QVariantList values;
     for (const QVariant &argument : arguments)
         values << plainValue(argument);
     printLine(interface, message.member(), values);
-    if (++m_printed == m_wish.count)
+    if (++m_printed == m_options.count)
         QCoreApplication::exit(Success);
 }
 
@@ -110,7 +110,7 @@ void Monitor::printLine(const QString &interface, const QString &signal,
                         const QVariantList &arguments)
 {
     const QDateTime now = QDateTime::currentDateTime();
-    if (m_wish.asJson) {
+    if (m_options.asJson) {
         QJsonObject line;
         line.insert(QStringLiteral("time"),
                     now.toString(QStringLiteral("yyyy-MM-ddTHH:mm:ss.zzz")));

@@ -14,22 +14,23 @@ class Monitor : public QObject
 
 public:
     /** The options of the command. */
-    struct Wish {
-        /** One JSON object on each line. */
+    struct Options {
+        /** Prints one JSON object on each line. */
         bool asJson;
-        /** As in signalNames(); empty for all. */
+        /** The signals to print, with names as in ::signalNames(); empty for all. */
         QStringList signalNames;
-        /** The number of signals after which it ends; 0 for no limit. */
+        /** The number of signals after which the monitor ends; 0 for no limit. */
         int count;
-        /** The number of seconds after which it ends; 0 for no limit. */
+        /** The number of seconds after which the monitor ends; 0 for no limit. */
         int seconds;
     };
 
-    explicit Monitor(const Wish &wish);
+    explicit Monitor(const Options &options);
 
     /**
-     * Runs until it has printed the requested number of signals, its time is over, or a signal ends
-     * the program. Returns SignalsMissing if its time is over before that number.
+     * Runs until it has printed the requested number of signals, its time is over, or the bus
+     * connection ends. Returns SignalsMissing if its time is over before that number of signals,
+     * and DaemonAway without a bus connection.
      */
     ExitStatus run();
 
@@ -40,7 +41,7 @@ private Q_SLOTS:
 private:
     void printLine(const QString &interface, const QString &signal, const QVariantList &arguments);
 
-    const Wish m_wish;
+    const Options m_options;
     int m_printed;
 };
 

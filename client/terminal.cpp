@@ -14,10 +14,10 @@
 
 namespace
 {
-/** Reads a line, without its end; returns false at the end of the input. */
+/** Reads a line from stdin without its line feed. Returns false at the end of the input. */
 bool readLine(QByteArray &line)
 {
-    // Byte by byte: the rest belongs to the next reader.
+    // Read byte by byte: the following lines belong to later calls.
     char byte = 0;
     while (true) {
         const ssize_t got = ::read(STDIN_FILENO, &byte, 1);
@@ -30,8 +30,8 @@ bool readLine(QByteArray &line)
 }
 
 /**
- * The output that a person sees who types at standard input: standard error, or the terminal itself
- * if standard error is redirected. Without either, no question can be asked.
+ * The output for questions to the person at the terminal: stderr, or /dev/tty if stderr is
+ * redirected. Without both, the program cannot ask.
  */
 class Prompt
 {
@@ -49,7 +49,7 @@ public:
     Prompt(const Prompt &) = delete;
     Prompt &operator=(const Prompt &) = delete;
 
-    bool isSeen() const { return isatty(STDIN_FILENO) && m_descriptor >= 0; }
+    bool isPossible() const { return isatty(STDIN_FILENO) && m_descriptor >= 0; }
 
     void show(const QString &text) const
     {
@@ -72,7 +72,7 @@ void restoreTerminal(int signal)
     static_cast<void>(raise(signal));
 }
 
-/** Installs @p handler for the signals that end a program at the prompt. */
+/** Installs @p handler for the signals that can end the program at the prompt. */
 void handleEnd(void (*handler)(int))
 {
     for (const int signal : {SIGINT, SIGTERM, SIGHUP, SIGQUIT}) {
@@ -102,12 +102,12 @@ void showInput()
 void print(std::FILE *stream, const QString &text)
 {
     const QByteArray bytes = text.toUtf8();
-    // The stream remembers a failed write.
+    // The stream stores a failed write; see isAllPrinted().
     static_cast<void>(std::fwrite(bytes.constData(), 1, size_t(bytes.size()), stream));
     static_cast<void>(std::fflush(stream));
 }
 
-/** Columns and rows of the terminal at standard output; zero without a terminal. */
+/** Returns the columns and rows of the terminal at stdout; zeros if stdout is not a terminal. */
 winsize terminalSize()
 {
     winsize size = {};
@@ -123,7 +123,7 @@ bool hasColours(int stream)
            terminal != "dumb";
 }
 
-/** A hostile network name must not move the cursor. */
+/** Escapes control characters in every line: a hostile network name must not move the cursor. */
 QString safeLines(const QString &text)
 {
     QStringList lines = text.split(QLatin1Char('\n'));
@@ -212,7 +212,7 @@ void clearProgress()
 Consent askFor(const QString &question)
 {
     const Prompt prompt;
-    if (!prompt.isSeen())
+    if (!prompt.isPossible())
         return Consent::NobodyThere;
     prompt.show(question + QStringLiteral("? [y/N] "));
     QByteArray line;
@@ -223,7 +223,7 @@ Consent askFor(const QString &question)
 bool readSecret(const QString &name, QString &secret)
 {
     const Prompt prompt;
-    const bool isTyped = prompt.isSeen() && tcgetattr(STDIN_FILENO, &ordinary) == 0;
+    const bool isTyped = prompt.isPossible() && tcgetattr(STDIN_FILENO, &ordinary) == 0;
     if (!isTyped && isatty(STDIN_FILENO))
         return false;
     if (isTyped) {

@@ -14,17 +14,17 @@
 
 namespace
 {
-/** Signals of one change arrive shortly after one another. */
+/** The time between a signal and the update of the screen: one change causes several signals. */
 constexpr int drawingDelayMs = 100;
 
 /** The interval of queries for values without a signal, such as the battery's voltage. */
 constexpr int refreshIntervalMs = 10000;
 
 /**
- * Asking for temperatures makes the daemon announce to all clients those that are too high. Do that
- * only as often as the daemon's own check, and never because of such an announcement.
+ * Query the temperatures only as often as the daemon itself, and not after its signal: a query
+ * makes the daemon send the signal again to all clients.
  */
-constexpr int refreshesPerTemperature = 30;
+constexpr int refreshesPerTemperatureQuery = 30;
 constexpr char temperature[] = "Temperature";
 
 int signalPipe[2] = {-1, -1};
@@ -113,7 +113,7 @@ void Watch::refresh()
 {
     m_changed = interfaces();
     m_changed.remove(QStringLiteral("Version"));
-    if (++m_refreshes % refreshesPerTemperature != 0)
+    if (++m_refreshes % refreshesPerTemperatureQuery != 0)
         m_changed.remove(QLatin1String(temperature));
     askAndDraw();
 }

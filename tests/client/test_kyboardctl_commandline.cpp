@@ -321,8 +321,8 @@ void TestKyboardctlCommandLine::helpNamesEveryCommand()
     QCOMPARE(helpText({"lights"}), QString());
     QVERIFY(helpText({"wifi", "connect"}).contains("    --open "));
     QVERIFY(helpText({"wifi", "scan"}).contains("    --no-wait  "));
-    QVERIFY(helpText({"battery", "voltage"}).contains("    --unit UNIT  in which unit"));
-    QVERIFY(helpText().contains("  --unit UNIT        battery voltage: in which unit"));
+    QVERIFY(helpText({"battery", "voltage"}).contains("    --unit UNIT  unit of the voltage"));
+    QVERIFY(helpText().contains("  --unit UNIT        battery voltage: unit of the voltage"));
     QVERIFY(!helpText({"wifi", "scan"}).contains("--open"));
     QVERIFY(!helpText({"led", "set"}).contains("--"));
     QVERIFY(helpText({"eeprom", "set-measure"}).contains("296 numbers, separated by commas"));
