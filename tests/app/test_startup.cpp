@@ -33,7 +33,7 @@ private Q_SLOTS:
     void helpIsPrintedAndNothingElseHappens();
     void anUnknownOptionIsRefusedAndNothingElseHappens();
 
-    void aSecondInstanceEndsWithStatusOneAfterItsOwnStart();
+    void aSecondInstanceActivatesAProfileAndThenEndsWithStatusOne();
     void aSecondInstanceNeverHangsOrCrashes();
     void withoutABusTheStatusIsOne();
     void withoutPermissionToOwnTheNameTheStatusIsOne();
@@ -154,7 +154,7 @@ void TestStartup::anUnknownOptionIsRefusedAndNothingElseHappens()
     verifyNothingWasTouched();
 }
 
-void TestStartup::aSecondInstanceEndsWithStatusOneAfterItsOwnStart()
+void TestStartup::aSecondInstanceActivatesAProfileAndThenEndsWithStatusOne()
 {
     QVERIFY(daemon.start());
     QFile::remove("/tmp/User_part/system");

@@ -174,10 +174,10 @@ void TestKyboardctl::aWrongCommandLineSendsNothing_data()
     QTest::newRow("short option") << QStringList{"-j", "led", "list"} << "unknown option 'j'";
     QTest::newRow("option's value")
         << QStringList{"wifi", "scan", "--timeout"} << "missing value after '--timeout'";
-    QTest::newRow("no number") << QStringList{"wifi", "scan", "--timeout", "soon"}
-                               << "--timeout: 'soon' is not a number of seconds";
-    QTest::newRow("no time") << QStringList{"wifi", "scan", "--timeout=0"}
-                             << "--timeout: '0' is not a number of seconds";
+    QTest::newRow("word as timeout") << QStringList{"wifi", "scan", "--timeout", "soon"}
+                                     << "--timeout: 'soon' is not a number of seconds";
+    QTest::newRow("timeout of zero") << QStringList{"wifi", "scan", "--timeout=0"}
+                                     << "--timeout: '0' is not a number of seconds";
     QTest::newRow("option of an operation")
         << QStringList{"led", "list", "--no-wait"} << "led list: --no-wait does not belong here";
     QTest::newRow("option of another command")

@@ -13,7 +13,7 @@ private Q_SLOTS:
     void everyMethodCallsTheLibrary();
     void everyMethodReportsItsOwnFailure_data();
     void everyMethodReportsItsOwnFailure();
-    void everyCallIsAnsweredOnItsOwnResult();
+    void aFailedCallDoesNotAffectTheNext();
     void theStateOfTheModuleDoesNotMatter();
     void resetsRefuseArguments();
 
@@ -95,7 +95,7 @@ void TestNetwork::everyMethodReportsItsOwnFailure()
     QCOMPARE(monitor.takeFromDaemon(), (QStringList{"error " + expected, "return ()"}));
 }
 
-void TestNetwork::everyCallIsAnsweredOnItsOwnResult()
+void TestNetwork::aFailedCallDoesNotAffectTheNext()
 {
     QVERIFY(daemon.start());
     QCOMPARE(network.call("redpinePower", {false}), done);
