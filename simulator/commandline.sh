@@ -71,18 +71,18 @@ show_usage() {
     local name=$INSTRUMENT_COMMAND
     cat <<EOT
 Starts the virtual instrument in the foreground, or runs a command inside it:
-  $name                 the instrument, until Ctrl-C
-  $name -- COMMAND...   the command, in the running instrument or in one of its own; it ends with
-  ${name//?/ }                 $name, and $name with its status
-  $name --speed N ...   an instrument whose time passes N times faster, 1 to 60
+  $name                 starts the instrument, which ends at Ctrl-C
+  $name -- COMMAND...   runs the command in the running instrument, or in a new one that ends after
+  ${name//?/ }                 the command; exits with the command's status
+  $name --speed N ...   starts an instrument whose time passes N times faster, 1 to 60
   $name --handle FILE ...
-  ${name//?/ }                 the same with an instrument of its own for each FILE, whatever else runs
-  $name --panel         its front panel in a window, likewise
+  ${name//?/ }                 uses or starts the instrument of FILE, beside other running instruments
+  $name --panel         shows the front panel, of the running instrument or of a new one, in a window
   $name --picture FILE [-- COMMAND...]
-  ${name//?/ }                 a picture of the panel as PNG, taken after the command; it needs no display
-  $name --size WxH      with one of these two: how large, in pixels
-  $name --help          this text
-$INSTRUMENT_DOCUMENTS/virtual-instrument.md tells what is in it.
+  ${name//?/ }                 writes a picture of the panel as PNG, after the command; needs no display
+  $name --size WxH      the size of the panel or of its picture in pixels
+  $name --help          prints this text
+$INSTRUMENT_DOCUMENTS/virtual-instrument.md describes the instrument.
 EOT
 }
 
