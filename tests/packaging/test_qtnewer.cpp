@@ -24,6 +24,7 @@ private slots:
     void aProgramWithoutQtIsNoProof();
     void programsLinkOnlyKnownLibraries_data();
     void programsLinkOnlyKnownLibraries();
+    void theDaemonsPackageNeedsNothingOfThePanel();
 };
 
 TestQtNewer::Finding TestQtNewer::check(const QStringList &arguments)
@@ -144,6 +145,35 @@ void TestQtNewer::programsLinkOnlyKnownLibraries()
     const QRegularExpression known("^(lib(" + libraries + ")|ld-linux.*)\\.so\\.");
     for (const QString &library : qAsConst(needed))
         QVERIFY2(library.contains(known), qPrintable(library));
+}
+
+/** Everything else that debian/control names belongs to the virtual instrument. */
+void TestQtNewer::theDaemonsPackageNeedsNothingOfThePanel()
+{
+    QFile control(SOURCES "/debian/control");
+    QVERIFY(control.open(QIODevice::ReadOnly));
+    const QStringList paragraphs = QString::fromUtf8(control.readAll()).split("\n\n");
+    // The package names in a field; a comment and the lines of a long field have no field name.
+    const auto names = [&](const QString &paragraph, const QString &field) {
+        const QRegularExpression content("^" + field + ":((?:.|\n )*)$",
+                                         QRegularExpression::MultilineOption);
+        QStringList result;
+        for (const QString &entry : content.match(paragraph).captured(1).split(',')) {
+            if (!entry.contains("<!pkg.kyboardmanager.nosimulator>") && !entry.trimmed().isEmpty())
+                result << entry.simplified();
+        }
+        return result;
+    };
+    QCOMPARE(names(paragraphs.first(), "Build-Depends"),
+             (QStringList{"cmake", "debhelper-compat (= 13)", "ninja-build", "pkg-config",
+                          "qtbase5-dev"}));
+    const QStringList daemon = paragraphs.filter(QRegularExpression("^Package: kyboardmanager\n"));
+    QCOMPARE(daemon.size(), 1);
+    QVERIFY(!daemon.first().contains("Pre-Depends"));
+    QCOMPARE(names(daemon.first(), "Depends"),
+             (QStringList{"default-dbus-system-bus | dbus-system-bus", "systemd", "${misc:Depends}",
+                          "${shlibs:Depends}"}));
+    QCOMPARE(names(daemon.first(), "Recommends"), QStringList("connman"));
 }
 
 QTEST_APPLESS_MAIN(TestQtNewer)
