@@ -7,7 +7,9 @@
 #include "traffic.h"
 
 #include <QApplication>
+#include <QDateTime>
 #include <QDir>
+#include <QJsonArray>
 #include <QJsonDocument>
 #include <QMetaEnum>
 #include <QProcess>
@@ -59,6 +61,8 @@ private Q_SLOTS:
     void messagesAreLines_data();
     void messagesAreLines();
     void repliesBearTheNameOfTheirCall();
+    void longValuesAreCut();
+    void aLineBearsTheTimeOfItsMessage();
     void callsWithoutAReplyAreForgotten();
 
 private:
@@ -609,6 +613,19 @@ void TestLook::messagesAreLines_data()
         << QByteArray("{\"type\":\"signal\",\"interface\":\"a.b\",\"member\":\"c\",\"payload\":{"
                       "\"data\":[true,1.5,[1,2],{\"x\":{\"type\":\"s\",\"data\":\"y\"}}]}}")
         << "  signal  a.b.c(true, 1.5, [1, 2], {x: \"y\"})";
+    QTest::newRow("no and a long number")
+        << QByteArray("{\"type\":\"signal\",\"interface\":\"a.b\",\"member\":\"c\",\"payload\":{"
+                      "\"data\":[false,1234567890]}}")
+        << "  signal  a.b.c(false, 1234567890)";
+    QTest::newRow("keys like those of a variant")
+        << QByteArray("{\"type\":\"signal\",\"interface\":\"a.b\",\"member\":\"c\",\"payload\":{"
+                      "\"data\":[{\"data\":1,\"more\":2,\"type\":\"y\"}]}}")
+        << "  signal  a.b.c({data: 1, more: 2, type: \"y\"})";
+    QTest::newRow("a property")
+        << QByteArray("{\"type\":\"method_call\",\"sender\":\":1.4\",\"interface\":\"org."
+                      "freedesktop.DBus.Properties\",\"member\":\"Get\",\"payload\":{\"data\":["
+                      "\"a.b\",\"c\"]}}")
+        << "  call    org.freedesktop.DBus.Properties.Get(\"a.b\", \"c\")";
     QTest::newRow("our own") << "{\"type\":\"method_call\",\"sender\":\":1.9\"," + ours +
                                     "Users\",\"member\":\"getUser\"}"
                              << "";
@@ -650,6 +667,38 @@ void TestLook::repliesBearTheNameOfTheirCall()
     QVERIFY(take("{\"type\":\"error\",\"reply_cookie\":5,\"destination\":\":1.7\","
                  "\"error_name\":\"a.b\",\"payload\":{\"data\":[\"why\"]}}"));
     QCOMPARE(line.text().mid(12), QStringLiteral("  error   Users.getUser: a.b \"why\""));
+    // The call has its reply: another one belongs to no call.
+    QVERIFY(!take("{\"type\":\"method_return\",\"reply_cookie\":5,\"destination\":\":1.7\"}"));
+    // A reply to our own call.
+    QVERIFY(!take(QByteArray(call).replace(":1.7", ":1.9")));
+    QVERIFY(!take("{\"type\":\"method_return\",\"reply_cookie\":5,\"destination\":\":1.9\"}"));
+}
+
+void TestLook::longValuesAreCut()
+{
+    Traffic traffic;
+    TrafficLine line;
+    const auto valuesOf = [&](int size) {
+        traffic.take({{"type", "signal"},
+                      {"member", "c"},
+                      {"payload", QJsonObject{{"data", QJsonArray{QString(size, 'x')}}}}},
+                     QString(), line);
+        return line.values;
+    };
+    // With its quotation marks.
+    QCOMPARE(valuesOf(398), QString(QString(398, 'x').prepend('"') + '"'));
+    QCOMPARE(valuesOf(399), QString(QString(399, 'x').prepend('"') + QChar(0x2026)));
+}
+
+void TestLook::aLineBearsTheTimeOfItsMessage()
+{
+    Traffic traffic;
+    TrafficLine line;
+    QVERIFY(traffic.take(
+        {{"type", "signal"}, {"member", "c"}, {"timestamp-realtime", 1700000000123456.0}},
+        QString(), line));
+    const QString time = QDateTime::fromMSecsSinceEpoch(1700000000123).toString("HH:mm:ss.zzz");
+    QCOMPARE(line.text(), time + "  signal  .c()");
 }
 
 void TestLook::callsWithoutAReplyAreForgotten()
