@@ -90,7 +90,7 @@ class ExploringMachine : public LinkMachine
 {
 public:
     ExploringMachine(const LinkTable &table, LinkOutcome &outcome, Choices &choices,
-                     QSet<const LinkRow *> &usedRows)
+                     LinkUses &usedRows)
         : LinkMachine(table),
           m_outcome(outcome),
           m_choices(choices),
@@ -186,8 +186,11 @@ private:
     void useRow(LinkEvent event)
     {
         const LinkRow *row = next(m_table, m_link, event).row;
-        if (row)
-            m_usedRows.insert(row);
+        if (!row)
+            return;
+        LinkUse &use = m_usedRows[row];
+        use.states |= setOf(m_link.state);
+        use.operations |= setOf(m_link.operation);
     }
 
     void noteState()
@@ -208,7 +211,7 @@ private:
 
     LinkOutcome &m_outcome;
     Choices &m_choices;
-    QSet<const LinkRow *> &m_usedRows;
+    LinkUses &m_usedRows;
     State m_state;
     bool m_isSilent = false;
 };

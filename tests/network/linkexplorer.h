@@ -3,6 +3,7 @@
 
 #include "linkmachine.h"
 
+#include <QHash>
 #include <QSet>
 #include <QStringList>
 
@@ -53,6 +54,15 @@ struct LinkOutcome {
     bool announces(KyTcpIpState::State state) const;
 };
 
+/** The states and operations in which a row applied. */
+struct LinkUse {
+    LinkSet states = 0;
+    LinkSet operations = 0;
+};
+
+/** The use of each row that applied at least once. */
+using LinkUses = QHash<const LinkRow *, LinkUse>;
+
 /** The rules that a machine must follow. */
 enum class LinkKind { Ethernet, Station, AccessPoint };
 
@@ -78,7 +88,7 @@ public:
     int transitions() const { return m_transitions; }
 
     /** The rows that applied at least once. */
-    const QSet<const LinkRow *> &usedRows() const { return m_usedRows; }
+    const LinkUses &usedRows() const { return m_usedRows; }
 
     /** All possible outcomes of @p event. */
     std::vector<LinkOutcome> outcomes(const LinkWorld &world, LinkEvent event);
@@ -92,7 +102,7 @@ private:
     const int m_mostViolations;
     QSet<quint32> m_seen;
     std::vector<LinkWorld> m_open;
-    QSet<const LinkRow *> m_usedRows;
+    LinkUses m_usedRows;
     int m_transitions = 0;
     QStringList m_violations;
 };

@@ -77,6 +77,24 @@ QString targetName(std::optional<Value> target)
     return target ? nameOf(*target) : QString("what it was");
 }
 
+/** Lets the row apply to one state or one operation less, of those in which it is used. */
+void narrow(RowMutants &mutants, const LinkUse &use)
+{
+    for (int state = KyTcpIpState::Idle; state <= KyTcpIpState::Online; ++state) {
+        const LinkSet each = setOf(KyTcpIpState::State(state));
+        if ((use.states & each) && use.states != each)
+            mutants.edit("not in " + nameOf(KyTcpIpState::State(state)),
+                         [each](LinkRow &row) { row.from.states &= ~each; });
+    }
+    for (const LinkOperation operation :
+         {LinkOperation::None, LinkOperation::Scan, LinkOperation::Connect}) {
+        const LinkSet each = setOf(operation);
+        if ((use.operations & each) && use.operations != each)
+            mutants.edit("not in operation " + nameOf(operation),
+                         [each](LinkRow &row) { row.from.operations &= ~each; });
+    }
+}
+
 void changeStates(RowMutants &mutants, LinkSet reachable)
 {
     const LinkSet from = mutants.row().from.states & reachable;
@@ -120,12 +138,13 @@ void changeActions(RowMutants &mutants)
 }
 } // namespace
 
-std::vector<LinkMutant> mutantsOf(const LinkTable &table)
+std::vector<LinkMutant> mutantsOf(const LinkTable &table, const LinkUses &uses)
 {
     std::vector<LinkMutant> all;
     for (int row = 0; row < table.size; ++row) {
         RowMutants mutants(table, row, all);
         mutants.remove();
+        narrow(mutants, uses.value(table.rows + row));
         changeStates(mutants, reachableStates(table));
         changeOperations(mutants, reachableOperations(table));
         changeActions(mutants);

@@ -1,7 +1,7 @@
 #ifndef LINKMUTANTS_H
 #define LINKMUTANTS_H
 
-#include "linkmachine.h"
+#include "linkexplorer.h"
 
 #include <QString>
 
@@ -16,9 +16,9 @@ struct LinkMutant {
 
 /**
  * Returns every mutant of @p table: each row removed, with each other next state and operation,
- * without each of its actions, with two neighbouring actions exchanged, and without its firmware
- * flag and its condition.
+ * without each of its actions, with two neighbouring actions exchanged, without its firmware flag
+ * and its condition, and without each of the states and operations of @p uses.
  */
-std::vector<LinkMutant> mutantsOf(const LinkTable &table);
+std::vector<LinkMutant> mutantsOf(const LinkTable &table, const LinkUses &uses);
 
 #endif

@@ -84,7 +84,10 @@ bool isBounded(const LinkWorld &world, LinkKind kind)
     switch (world.link.state) {
     case Idle:
     case Failure:
+        // At rest; a connect or scan in progress has a timeout, which other rules check.
+        return true;
     case Online:
+        // Lasts until a call of a client or an error of the service.
         return true;
     case Association:
         return world.link.isTimed;
@@ -95,6 +98,7 @@ bool isBounded(const LinkWorld &world, LinkKind kind)
         // The access point's script has no timeout.
         return isModuleDue;
     case Ready:
+        // The access point's carrier may come at any time.
         return kind == LinkKind::AccessPoint ? world.checks > 0 : world.link.isTimed;
     case Disconnect:
         return world.isLeavingTimed;
@@ -253,6 +257,18 @@ const std::vector<LinkRule> linkRules = {
     // Bounds.
     {"every state is a resting state or ends without a call",
      [](Outcome o, LinkKind kind) { return isBounded(o.after, kind); }},
+    {"the event that bounds a state ends it",
+     [](Outcome o, LinkKind) {
+         const State before = o.before.link.state;
+         const Link &after = o.after.link;
+         if (isResting(before) || before == Online || after.state != before)
+             return true;
+         if (o.event == Event::TimeIsOver)
+             return before == Disconnect || (before == Configuration && after.isRequestedReady);
+         if (o.event == Event::CheckIsDue)
+             return before != Ready || o.has(Do::StartCheckDelay);
+         return o.event != Event::ModuleReady || !o.has(Do::CheckAccessPoint);
+     }},
     {"an attempt ends at its timeout",
      [](Outcome o, LinkKind kind) {
          if (o.event != Event::TimeIsOver || !o.before.isConnectOwed)
@@ -383,5 +399,46 @@ const std::vector<LinkRule> linkRules = {
     {"Connect is called only while the technology is not connected",
      [](Outcome o, LinkKind) {
          return o.has(Do::RequestConnect) == o.has(Event::TechnologyIsDown);
+     }},
+
+    // Answers that the machine must react to in every state.
+    {"the end of the Wi-Fi module's script starts its delay",
+     [](Outcome o, LinkKind kind) {
+         return kind == LinkKind::Ethernet || o.event != Event::ScriptEnded ||
+                o.has(Do::StartModuleDelay);
+     }},
+    {"a station notes that its module is ready",
+     [](Outcome o, LinkKind kind) {
+         return kind != LinkKind::Station || o.event != Event::ModuleReady || o.has(Do::NoteModule);
+     }},
+    {"a technology that is on already is used at once",
+     [](Outcome o, LinkKind kind) {
+         return !o.has(Event::AlreadyOn) ||
+                o.has(kind == LinkKind::Station ? Do::AskFound : Do::AskService);
+     }},
+    {"listed networks are evaluated",
+     [](Outcome o, LinkKind) {
+         return (!o.has(Event::NetworksListed) && !o.has(Event::NetworksFound)) ||
+                o.has(Do::Evaluate);
+     }},
+    {"a scan is requested exactly when no network is found",
+     [](Outcome o, LinkKind) { return o.has(Event::NoNetworkFound) == o.has(Do::RequestScan); }},
+    {"a network that ConnMan does not list fails",
+     [](Outcome o, LinkKind) {
+         return !o.has(Event::RequestedMissing) ||
+                (o.announces(Failure) && o.after.link.state == Failure &&
+                 o.after.link.operation == LinkOperation::None);
+     }},
+    {"a station is judged at each timeout",
+     [](Outcome o, LinkKind kind) {
+         return kind != LinkKind::Station || o.event != Event::TimeIsOver ||
+                isOrdered(o, {Do::Evaluate, Do::JudgeTime});
+     }},
+    {"each check of the access point decides",
+     [](Outcome o, LinkKind) {
+         return (o.event != Event::CheckIsDue || o.has(Do::CheckInterface)) &&
+                (!o.has(Event::InterfaceMissing) || o.announces(Failure)) &&
+                (!o.has(Event::InterfaceRunning) || o.announces(Online)) &&
+                (!o.has(Event::InterfaceDown) || o.has(Do::StartCheckDelay));
      }},
 };

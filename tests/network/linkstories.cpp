@@ -117,6 +117,15 @@ const std::vector<LinkStory> linkStories = {
          "DisconnectCalled PowerOffAccepted | Announce PowerOff Announce | idle/none timed",
          "TimeIsOver PowerOffRefused | Announce PowerOff | failure/none timed",
      }},
+    {"a connect after a failure",
+     LinkKind::Ethernet,
+     {
+         "ConnectCalled ScriptRefused | StartConnectTime SwitchToEthernet ReplyCannotSwitch "
+         "Announce | failure/none timed",
+         "ConnectCalled ScriptStarted | StartConnectTime SwitchToEthernet | failure/none timed",
+         "ScriptEnded ConnmanRuns PowerOnAccepted | AskConnman Announce PowerOn | association/none "
+         "timed",
+     }},
     {"a cable without ConnMan",
      LinkKind::Ethernet,
      {

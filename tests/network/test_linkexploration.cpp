@@ -153,7 +153,9 @@ void TestLinkExploration::everyMutantIsKilled()
         int byStories = 0;
         int byRules = 0;
         int total = 0;
-        for (const LinkMutant &mutant : mutantsOf(machine.table)) {
+        LinkExplorer explorer(machine.table, machine.kind, 1);
+        explorer.explore();
+        for (const LinkMutant &mutant : mutantsOf(machine.table, explorer.usedRows())) {
             const LinkTable table = {mutant.rows.data(), int(mutant.rows.size()),
                                      machine.table.isTimeRepeated};
             ++total;
