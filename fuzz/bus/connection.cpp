@@ -8,7 +8,7 @@ const char daemonName[] = "com.orvendis.Strandel.BoardManager";
 
 namespace
 {
-const int timeoutMs = 60000;
+constexpr int timeoutMs = 60000;
 }
 
 void giveUp(const std::string &why)

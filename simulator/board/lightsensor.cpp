@@ -15,7 +15,7 @@ namespace board
 {
 namespace
 {
-const float brightest = 1e6F;
+constexpr float brightestLux = 1e6F;
 /** The interval in milliseconds at which we poll if the kernel does not report changes. */
 constexpr int lookIntervalMs = 100;
 
@@ -29,7 +29,7 @@ struct Registers {
 
 std::optional<float> readLux()
 {
-    return readReal("als/lux", 0, brightest);
+    return readReal("als/lux", 0, brightestLux);
 }
 
 std::optional<Registers> readRegisters()

@@ -4,7 +4,7 @@ namespace board
 {
 namespace
 {
-const float countsPerLux = 4;
+constexpr float countsPerLux = 4;
 constexpr unsigned int mantissaBits = 4;
 constexpr unsigned int hiddenBit = 1u << mantissaBits;
 

@@ -21,8 +21,8 @@ private Q_SLOTS:
 
 namespace
 {
-const int lowest = -300;
-const int highest = 300;
+constexpr int lowest = -300;
+constexpr int highest = 300;
 
 Battery::Status statusOf(bool chargerPresent, int meterType, bool isCharging, int charge)
 {

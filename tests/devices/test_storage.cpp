@@ -86,7 +86,7 @@ const QByteArray card = "/devices/platform/soc/mmc_host/mmc0/mmc0:0001/block/mmc
 const QByteArray cardPartition = card + "/mmcblk0p1";
 const QByteArray keyPartition = "/devices/platform/soc/usb1/1-1/host0/block/sda/sda1";
 
-const int burstSize = 10000;
+constexpr int burstSize = 10000;
 
 void send(const QList<QByteArray> &messages)
 {

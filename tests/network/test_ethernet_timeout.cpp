@@ -3,8 +3,8 @@
 
 namespace
 {
-/** The timeout of a connection attempt, in seconds. */
-const int attempt = 60;
+/** The timeout of a connection attempt. */
+constexpr int attemptSeconds = 60;
 } // namespace
 
 /** The timeouts of the wired interface. */
@@ -56,7 +56,7 @@ void TestEthernetTimeout::anAttemptWithoutAServiceFailsEveryMinute()
     connectUntil("association");
 
     for (int times = 1; times <= 3; ++times) {
-        daemon.letTimePass(attempt - 2);
+        daemon.letTimePass(attemptSeconds - 2);
         QCOMPARE(recorder.take(), QStringList());
         QCOMPARE(calls(), QStringList());
 
@@ -70,7 +70,7 @@ void TestEthernetTimeout::anAttemptWithoutAnAddressFails()
 {
     startDaemon();
     connectUntil("ready");
-    daemon.letTimePass(attempt);
+    daemon.letTimePass(attemptSeconds);
     QCOMPARE(recorder.waitFor(1), QStringList{state("failure", cable)});
     QCOMPARE(calls(), QStringList{poweredOff});
 }
@@ -81,7 +81,7 @@ void TestEthernetTimeout::theFailureIsAnnouncedBeforeTheTechnologyIsPoweredOff()
     connectUntil("association");
     connman.holdMethod(poweredOff);
 
-    daemon.letTimePass(attempt);
+    daemon.letTimePass(attemptSeconds);
 
     QVERIFY(connman.waitForCall(poweredOff));
     QTRY_COMPARE_WITH_TIMEOUT(recorder.recorded(), QStringList{state("failure")}, deadlineMs);
@@ -95,7 +95,7 @@ void TestEthernetTimeout::aScriptThatHangsFailsTheAttempt()
     ethernet.call("connect");
     QVERIFY(script.waitFor("start 0"));
 
-    daemon.letTimePass(attempt);
+    daemon.letTimePass(attemptSeconds);
     QCOMPARE(recorder.waitFor(1), QStringList{state("failure")});
     QCOMPARE(calls(), QStringList{poweredOff});
 
@@ -112,7 +112,7 @@ void TestEthernetTimeout::aFailedStartOfTheScriptFailsOnceMore()
     QCOMPARE(ethernet.call("connect"), failed(cannotSwitch));
     QCOMPARE(recorder.take(), QStringList{state("failure")});
 
-    daemon.letTimePass(attempt);
+    daemon.letTimePass(attemptSeconds);
     QCOMPARE(recorder.waitFor(1), QStringList{state("failure")});
     QCOMPARE(calls(), QStringList{poweredOff});
 }
@@ -124,7 +124,7 @@ void TestEthernetTimeout::aServiceThatTellsItsAddressDoesNotEndTheAttempt()
     connman.setProperty(cable, "IPv4", lease);
     QCOMPARE(recorder.take().value(0), state("online", cable));
 
-    daemon.letTimePass(attempt);
+    daemon.letTimePass(attemptSeconds);
     QCOMPARE(recorder.waitFor(1), QStringList{state("failure", cable)});
     QCOMPARE(calls(), QStringList{poweredOff});
 }
@@ -137,7 +137,7 @@ void TestEthernetTimeout::disconnectDoesNotEndTheAttempt()
     QCOMPARE(recorder.take(), (QStringList{state("disconnect"), state("idle")}));
     calls();
 
-    daemon.letTimePass(attempt);
+    daemon.letTimePass(attemptSeconds);
     QCOMPARE(recorder.waitFor(1), QStringList{state("failure")});
     QCOMPARE(calls(), QStringList{poweredOff});
 }
@@ -148,10 +148,10 @@ void TestEthernetTimeout::anotherConnectRestartsTheTimeout()
     connectUntil("association");
     ethernet.call("disconnect");
     recorder.take();
-    daemon.letTimePass(attempt / 2);
+    daemon.letTimePass(attemptSeconds / 2);
     connectUntil("association");
 
-    daemon.letTimePass(attempt - 2);
+    daemon.letTimePass(attemptSeconds - 2);
     QCOMPARE(recorder.take(), QStringList());
     daemon.letTimePass(2);
     QCOMPARE(recorder.waitFor(1), QStringList{state("failure")});
@@ -162,7 +162,7 @@ void TestEthernetTimeout::aConnectedTechnologyEndsTheAttempt()
     startDaemon();
     connectUntil("online");
 
-    daemon.letTimePass(3 * attempt);
+    daemon.letTimePass(3 * attemptSeconds);
 
     QCOMPARE(recorder.take(), QStringList());
     QCOMPARE(calls(), QStringList());
@@ -177,7 +177,7 @@ void TestEthernetTimeout::anAddressThatIsThereAlreadyEndsTheAttempt()
     QCOMPARE(recorder.take(), (QStringList{state("ready"), state("online", cable)}));
     calls();
 
-    daemon.letTimePass(3 * attempt);
+    daemon.letTimePass(3 * attemptSeconds);
 
     QCOMPARE(recorder.take(), QStringList());
     QCOMPARE(calls(), QStringList());

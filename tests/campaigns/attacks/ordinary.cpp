@@ -14,8 +14,8 @@
 
 namespace
 {
-/** The timeout of a reply, in seconds: the usual one of D-Bus clients. */
-const double timeout_s = 25;
+/** The timeout of a reply: the usual one of D-Bus clients. */
+constexpr double timeoutSeconds = 25;
 
 volatile std::sig_atomic_t hasToEnd = 0;
 
@@ -29,7 +29,7 @@ struct Tally {
 /** Returns the reply to the call of @p serial; null at the end of the connection or the timeout. */
 Message waitForReply(Bus &bus, dbus_uint32_t serial)
 {
-    const double deadline = now() + timeout_s;
+    const double deadline = now() + timeoutSeconds;
     while (now() < deadline && bus.isConnected()) {
         Message message = bus.next(100);
         if (message && dbus_message_get_reply_serial(message.get()) == serial)
