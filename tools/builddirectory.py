@@ -1,4 +1,4 @@
-"""How the build directory compiles, links and tests; for scripts that build variants of parts of it."""
+"""The compile, link and test commands of the build directory, for scripts that build variants of it."""
 
 import json
 import os
@@ -47,7 +47,7 @@ class Build:
         return library if library in LIBRARIES else None
 
     def compile(self, file, source, compiled, options):
-        """Compiles the source like the given file of the tree, with other options for the code."""
+        """Compiles source with the command for the tree's file, and with additional options."""
         command = shlex.split(self.compile_commands[os.path.join(TREE, file)])
         while os.path.basename(command[0]) in ('ccache', 'nice'):
             command.pop(0)

@@ -104,7 +104,7 @@ ADAPTORS = {
 
 
 def tests_of(file):
-    """Returns the tests of a file; those of its directory if the tables above do not list it."""
+    """Returns the tests of a file; if the tables above do not list the file, those of its directory."""
     name = os.path.splitext(os.path.relpath(file, 'src'))[0]
     others = sorted(glob.glob(os.path.join(TREE, 'tests', os.path.dirname(name), 'test_*.cpp')))
     return PURE.get(name) or ADAPTORS.get(name) or [
