@@ -39,15 +39,15 @@ void checkValue(const QVariant &value)
     const QVariant plain = plainValue(value);
     const QString text = render(plain);
     require(isPlain(plain), "a plain value is plain at every depth");
-    require(render(plainValue(plain)) == text, "a plain value stays as it is");
-    require(render(plainValue(value)) == text, "a value can be read again");
+    require(render(plainValue(plain)) == text, "converting a plain value again changes nothing");
+    require(render(plainValue(value)) == text, "a value can be read twice");
 
     const QVariant basic = basicValue(value);
-    require(!basic.isValid() || render(basic) == text, "a basic value is the plain one");
+    require(!basic.isValid() || render(basic) == text, "a basic value equals the plain value");
     checkNumbers(value);
 
     const QVariantMap map = toMap(value);
-    require(map.isEmpty() || render(map) == text, "only what is a map is one");
+    require(map.isEmpty() || render(map) == text, "toMap() returns the whole map or none");
     const QVariantMap sendable = sendableMap(storableMap(map));
     require(Peer::instance().canSend({sendable}), "a sendable map can be sent");
 }
@@ -66,10 +66,10 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t *data, std::size_t size
     const QVariantMap limited = limitedMap(map.value(0).value<QDBusArgument>());
     for (auto entry = limited.constBegin(); entry != limited.constEnd(); ++entry)
         require(render(plainValue(entry.value())) == render(plainValue(sent.value(entry.key()))),
-                "an entry is the one that was sent");
+                "an entry has the value that was sent");
     QStringList keys = sent.keys();
     keys.removeDuplicates();
-    require(limited.keys() == keys, "a map within the limits is whole");
+    require(limited.keys() == keys, "a map within the limits is complete");
     for (const QVariant &value : sent)
         checkValue(value);
     const QVariantMap plain = plainMap(sent);
@@ -82,6 +82,6 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t *data, std::size_t size
         !render(QVariant(kept))
              .contains(QLatin1String(QMetaType::typeName(qMetaTypeId<QDBusUnixFileDescriptor>()))),
         "no descriptor is kept");
-    require(Peer::instance().canSend({kept}), "what is kept can be sent");
+    require(Peer::instance().canSend({kept}), "a storable map can be sent");
     return 0;
 }

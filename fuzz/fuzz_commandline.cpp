@@ -52,8 +52,8 @@ void tryBus(Choices &choices)
     const QString address = addressOfHost(host);
     require(address.count(QLatin1Char(',')) == 4 && address.count(QLatin1Char('=')) == 5 &&
                 !address.contains(QLatin1Char(';')),
-            "the name of a machine adds nothing to an address");
-    require(!isHostName(host) || !host.startsWith(QLatin1Char('-')), "a machine is no option");
+            "a host name adds no part to the address");
+    require(!isHostName(host) || !host.startsWith(QLatin1Char('-')), "a host name is no option");
     const BusFault fault = {QStringLiteral("the bus"),
                             host,
                             choices.oneIn(2),
@@ -63,9 +63,9 @@ void tryBus(Choices &choices)
                             host};
     require(!sentence(fault).isEmpty(), "every fault has a sentence");
     require(!isServiceOf(host, QStringLiteral("Cafe")) || host.contains(QLatin1String("43616665")),
-            "a service is that of its name alone");
+            "a service belongs only to the network of its name");
     require(!failureReason({QStringLiteral("wifi"), {host}, QString(), false, true}).isEmpty(),
-            "an absent network is a reason");
+            "an absent network has a reason");
 }
 
 bool readSecret(const QString &prompt, QString &secret)
@@ -92,7 +92,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t *data, std::size_t size
     const QStringList begun = command.words.split(QLatin1Char(' ')).mid(0, 1) + words;
     const QStringList completed = completions(begun);
     for (const QString &completion : completed)
-        require(completion.startsWith(begun.last()), "what is completed goes on as it began");
+        require(completion.startsWith(begun.last()), "a completion begins with the typed text");
     // The help is long: print it only rarely.
     if (choices.oneIn(20))
         helpText(words);
@@ -103,20 +103,20 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t *data, std::size_t size
     const Invocation invocation(command.words.split(QLatin1Char(' ')) + words);
     require(isFreeOfControls(invocation.complaint()), "a complaint is one line");
     for (const QString &rest : invocation.words())
-        require(words.contains(rest) || command.words.contains(rest), "words stay as they are");
+        require(words.contains(rest) || command.words.contains(rest), "the words are unchanged");
     invocation.misplaced(command);
 
     QVariantList arguments;
     QString complaint;
     if (parseArguments(command, words, readSecret, arguments, complaint) &&
         addPassphrase(command, invocation, readSecret, arguments, complaint)) {
-        require(complaint.isEmpty(), "there is nothing to complain about");
+        require(complaint.isEmpty(), "valid arguments have no complaint");
         require(arguments.size() == command.arguments.size(), "every argument has a value");
         requireSound(arguments);
         for (const QVariant &argument : std::as_const(arguments))
             require(argument.isValid(), "every value can be sent");
     } else {
-        require(!complaint.isEmpty(), "there is a complaint about what is wrong");
+        require(!complaint.isEmpty(), "invalid arguments have a complaint");
         require(isFreeOfControls(complaint), "a complaint is one line");
     }
     return 0;

@@ -30,7 +30,7 @@ void checkBacklight(Choices &choices)
     require(hasBacklightEntry(step) || step == stepAboveAll, "a percentage has a step");
     const int asked = static_cast<int>(choices.number());
     require(!isBacklightStep(asked) || hasBacklightEntry(backlightEntry(asked)),
-            "a step that can be asked for has an entry");
+            "a valid step has an entry");
 }
 
 void checkBrightness(Choices &choices)
@@ -41,7 +41,7 @@ void checkBrightness(Choices &choices)
     const int level = brightnessLevel(static_cast<double>(choices.number()), bounds);
     require(level >= 1 && level <= 16, "light has a level");
     if (const auto band = brightnessBand(level, bounds))
-        require(band->low >= 0 && band->low <= band->high, "a band is in order");
+        require(band->low >= 0 && band->low <= band->high, "a band has ordered bounds");
     require(hasBacklightEntry(stepForLevel(level).step), "a level has a step");
     thresholdTimerByte(static_cast<unsigned int>(choices.number()));
 }

@@ -36,11 +36,11 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t *data, std::size_t size
     for (const char *name : {"Address", "Netmask", "Gateway"}) {
         const QString key = QLatin1String(name);
         const QString before = given.value(key).toString();
-        require(isValidIPv4(repaired.value(key).toString()), "everything is valid afterwards");
-        require(!isValidIPv4(before) || repaired.value(key) == before, "what is valid stays");
+        require(isValidIPv4(repaired.value(key).toString()), "every repaired address is valid");
+        require(!isValidIPv4(before) || repaired.value(key) == before, "a valid address stays");
     }
-    require(repairedIPv4(repaired) == repaired, "what is repaired needs no repair");
-    require(isInForce(repaired, repaired), "settings agree with themselves");
+    require(repairedIPv4(repaired) == repaired, "a second repair changes nothing");
+    require(isInForce(repaired, repaired), "settings match themselves");
     isInForce(given, settings(choices));
     return 0;
 }

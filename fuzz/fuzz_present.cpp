@@ -18,15 +18,15 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t *data, std::size_t size
         values << plainValue(value);
 
     const QString text = replyText(values);
-    require(text.isEmpty() || text.endsWith(QLatin1Char('\n')), "a reply ends its line");
+    require(text.isEmpty() || text.endsWith(QLatin1Char('\n')), "a reply ends with a line feed");
     QString plain = coloured(text);
     require(plain.remove(QRegularExpression(QStringLiteral("\033\\[[0-9]+m"))).size() <=
                 text.size(),
             "colours add nothing else");
     const QString lines = wrapped(text, 80);
-    require(lines.simplified().size() == text.simplified().size(), "lines lose nothing but blanks");
+    require(lines.simplified().size() == text.simplified().size(), "wrapping changes only blanks");
     const QByteArray json =
         QJsonDocument(QJsonObject{{QStringLiteral("reply"), replyJson(values)}}).toJson();
-    require(!QJsonDocument::fromJson(json).isNull(), "machines can read a reply");
+    require(!QJsonDocument::fromJson(json).isNull(), "a reply is valid JSON");
     return 0;
 }

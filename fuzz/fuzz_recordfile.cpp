@@ -22,15 +22,15 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t *data, std::size_t size
     Records records;
     QString complaint;
     if (!readWithoutLeakCheck(content, records, complaint)) {
-        require(!complaint.isEmpty(), "there is a complaint about what is wrong");
+        require(!complaint.isEmpty(), "a rejected file has a complaint");
         return 0;
     }
-    require(records.instrument.size() == 12 && records.measure.size() == 4, "a record is whole");
+    require(records.instrument.size() == 12 && records.measure.size() == 4, "a record is complete");
     records.instrument.insert(QStringLiteral("CRC"), true);
     records.measure.insert(QStringLiteral("CRC"), true);
     const QByteArray again = writeRecords(records, complaint);
     Records same;
-    require(readRecords(again, same, complaint), "what is restored can be copied");
+    require(readRecords(again, same, complaint), "restored records can be copied again");
     records.instrument.remove(QStringLiteral("CRC"));
     records.measure.remove(QStringLiteral("CRC"));
     require(same.instrument == records.instrument && same.measure == records.measure,

@@ -51,7 +51,7 @@ const char *const measureKeys[] = {"AdjustementSite", "AdjustementDate", "NextAd
 void checkKept(const QVariantMap &map, const QVariantMap &fields)
 {
     const QVariantMap kept = keptRecord(map, fields);
-    require(Peer::instance().canSend({kept}), "what is kept can be sent");
+    require(Peer::instance().canSend({kept}), "a kept record can be sent");
     require(!kept.contains(QStringLiteral("CRC")), "the caller's CRC is not kept");
     const QVariantMap whole = storableMap(map);
     int surplus = 0;
@@ -61,7 +61,7 @@ void checkKept(const QVariantMap &map, const QVariantMap &fields)
         else if (kept.contains(entry.key()))
             surplus += entry.key().toUtf8().size() + sizeOnBus(entry.value(), INT_MAX);
     }
-    require(surplus <= mostSurplusBytes, "surplus entries are limited in all");
+    require(surplus <= mostSurplusBytes, "the surplus entries are limited in total");
 }
 
 void checkNew(const std::optional<NewRecord> &record, const QVariantMap &map,
@@ -70,7 +70,7 @@ void checkNew(const std::optional<NewRecord> &record, const QVariantMap &map,
     require(record.has_value() == (fields && canBeKept(*fields)),
             "a record is refused if a field is missing or the fields are too large");
     require(!record || record->kept.keys() == keptRecord(map, *fields).keys(),
-            "a new record keeps what is checked above");
+            "a new record keeps the values of keptRecord()");
 }
 
 void checkInstrument(const QVariantMap &map)
@@ -83,7 +83,7 @@ void checkInstrument(const QVariantMap &map)
         return;
     const QByteArray record = encodeInstrumentRecord(basicMap(*fields));
     require(!made || made->bytes == record, "the bytes of a new record are those of its fields");
-    require(record.size() == instrumentRecordSize, "a record has its size, whatever is in it");
+    require(record.size() == instrumentRecordSize, "every record has the same size");
     const QVariantMap decoded = decodeInstrumentRecord(record);
     require(decoded.value(QStringLiteral("CRC")).toBool(), "a record has its checksum");
     require(encodeInstrumentRecord(decoded) == record, "a record that was read can be written");

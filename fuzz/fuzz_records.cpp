@@ -54,7 +54,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t *data, std::size_t size
         bytes = framed(bytes);
     const quint16 checksum = crc16(bytes);
     require(crc16(bytes + char(checksum & 0xFF) + char(checksum >> 8)) == 0,
-            "data with its checksum behind it has none");
+            "data followed by its checksum has the checksum 0");
     checkInstrument(bytes);
     checkMeasure(bytes);
     return 0;

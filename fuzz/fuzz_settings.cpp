@@ -47,7 +47,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t *data, std::size_t size
     const int level = brightnessLevel(100, bounds);
     require(level >= 1 && level <= 16, "light has a level");
     const std::optional<BrightnessBand> band = brightnessBand(level, bounds);
-    require(!band || (band->low >= 0 && band->low <= band->high), "a band is in order");
+    require(!band || (band->low >= 0 && band->low <= band->high), "a band has ordered bounds");
     thresholdTimerByte(settings.value(BRIGHTNESS_TIMER, 5).toUInt());
 
     BacklightSteps steps;

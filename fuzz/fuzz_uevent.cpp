@@ -25,10 +25,10 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t *data, std::size_t size
     const bool isAdded = header.compare(0, 4, "add@") == 0;
     const bool isRemoved = header.compare(0, 7, "remove@") == 0;
     require((event != StorageEvent::None) == (isPartition && (isAdded || isRemoved)),
-            "a partition that comes or goes is an event, and nothing else");
+            "exactly the addition or removal of a known partition is an event");
     require(isRemoved == (event == StorageEvent::SdCardRemoved ||
                           event == StorageEvent::UsbKeyRemoved) ||
                 event == StorageEvent::None,
-            "what goes does not come");
+            "a removal is not reported as an insertion");
     return 0;
 }

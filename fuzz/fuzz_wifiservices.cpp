@@ -35,7 +35,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t *data, std::size_t size
     Choices choices(data, size);
     const QList<ConnmanObject> services = readObjects(choices);
     const QList<ConnmanObject> networks = wifiServices(services);
-    require(networks.size() <= services.size(), "no network is made up");
+    require(networks.size() <= services.size(), "every network is a listed service");
 
     const QVariantMap list = wifiScanList(services);
     require(list.size() <= services.size(), "a scan lists each network once");
@@ -58,7 +58,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t *data, std::size_t size
              ++property) {
             const QVariant value = wifiServiceChange(property.key(), property.value()).value;
             require(!value.isValid() || Peer::instance().canSend({value}),
-                    "a property that is passed on can be sent");
+                    "a property for clients can be sent");
         }
     }
     return 0;

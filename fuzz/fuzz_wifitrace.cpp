@@ -10,7 +10,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t *data, std::size_t size
                               QStringLiteral("idle"), QString::fromStdString(choices.text())};
     record.requestedService.append(QString::fromUtf8(choices.rest().c_str()));
     const QByteArray lines = wifiTraceLines(record);
-    require(lines.endsWith('\n'), "a record ends its line");
+    require(lines.endsWith('\n'), "a record ends with a line feed");
     require(lines.count('\n') == 5 + record.requestedService.count(QLatin1Char('\n')),
             "a record has five lines");
     return 0;

@@ -1,5 +1,5 @@
 # shellcheck shell=bash
-# For the scripts that change the simulated board as a person changes a real one.
+# Functions for the scripts that change the simulated board as a person changes a real one.
 
 board=${STRANDEL_BOARD:-/run/strandel-board}
 

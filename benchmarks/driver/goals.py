@@ -4,10 +4,10 @@ LATENCY = 1.03
 DIRTY = 1.15
 START = 1.3
 COPY = 1.2
-# For fewer files, a program's start takes longer than its copy.
+# For fewer files, starting "cp" takes longer than copying.
 LEAST_FILES = 100
 STORM_MEDIAN = 250
-# The allocator's use varies by a few pages.
+# The memory that the allocator keeps varies by a few pages.
 GROWTH_KILOBYTES = 64
 
 

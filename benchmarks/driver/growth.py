@@ -40,7 +40,7 @@ def measure_services():
     with services.ConnmanStandIn() as standin, services.daemon() as daemon:
         for networks in NETWORKS:
             standin.set_services(map(services.wifi_service, range(networks)))
-            # Without a wired service it would wait for one, for a minute.
+            # Without a wired service the daemon would wait a minute for one.
             services.connect_ethernet(standin)
             cpu, elapsed = [], []
             for _ in range(ROUNDS):

@@ -8,7 +8,7 @@ from figures import ratio, summary
 from services import BARE, DAEMON
 
 ROUNDS = 7
-# Compared services take turns within a round, too: disturbances affect all equally.
+# Each round is split into turns of the compared services, so that disturbances affect all equally.
 TURNS = 5
 CALLS = 500
 PIPELINED = 500

@@ -72,7 +72,7 @@ def reset():
 
 
 def settle():
-    """Writes pending data first, so that no measurement includes another's."""
+    """Writes pending data to the disk, so that no measurement includes writes of an earlier one."""
     services.run("sync", "--file-system", DIRECTORY)
 
 

@@ -161,7 +161,7 @@ def operate(method, *arguments, path=None):
                path, "--method", f"{DAEMON}.{method}", "--", *arguments)
 
 
-# Answered by the event loop from memory: shows when the loop is blocked.
+# A method that the daemon answers from memory: a late reply shows that its event loop is blocked.
 PROBE = own_method(DAEMON, "/KyDeviceMgr", "Alimentation.getBatteryVoltage")
 
 
@@ -181,7 +181,7 @@ class Probe:
         return self
 
     def __exit__(self, *failure):
-        # The reply to this shows that everything sent before is done.
+        # The daemon replies in order: after this reply, everything sent before has been handled.
         call(PROBE)
         output, _ = self.process.communicate()
         if failure[0] is None:

@@ -78,7 +78,7 @@ long allocatedBy(int process)
             return std::stol(line) / 1024;
         waitForAny({}, 1);
     }
-    giveUp("the daemon does not tell what it has allocated");
+    giveUp("the daemon does not report its allocated memory");
 }
 
 long descriptorsOf(int process)
@@ -153,7 +153,7 @@ private:
         if (last.descriptors > descriptors)
             giveUp("the daemon has more descriptors open than before");
         if (last.memory > memory + m_options.growth)
-            giveUp("the daemon has grown");
+            giveUp("the daemon's memory has grown");
     }
 
     struct Awaited {
@@ -317,6 +317,6 @@ Options readOptions(int argc, char *argv[])
 int main(int argc, char *argv[])
 {
     if (setvbuf(stdout, nullptr, _IOLBF, 0) != 0)
-        giveUp("what is found cannot be told line by line");
+        giveUp("stdout cannot be made line-buffered");
     return HostileBus(readOptions(argc, argv)).run();
 }

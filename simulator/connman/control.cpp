@@ -29,7 +29,7 @@ const Control::Method Control::methods[] = {
     // A call, with the name and text of its error or with the values of its reply.
     {"Fail", "sss", false, &Control::fail},
     {"Reply", "s", true, &Control::reply},
-    // A call and its delay in milliseconds; a call that is not answered until it is released.
+    // A call and its delay in milliseconds; or a call that gets no reply until it is released.
     {"Delay", "su", false, &Control::delay},
     {"Hold", "s", false, &Control::hold},
     {"Release", "s", false, &Control::release},

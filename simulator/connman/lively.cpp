@@ -193,7 +193,7 @@ void Lively::announceServicesSoon()
         m_announcement.start(announcementDelayMs);
 }
 
-/** A cable is connected before its list is announced. */
+/** Adds a service. A cable is connected before the list that contains it is announced. */
 void Lively::appear(const ListedObject &service)
 {
     const QString path = service.path.path();
@@ -267,7 +267,7 @@ void Lively::join(const QDBusMessage &call, const QString &passphrase)
     change(service, ipv4Key, ipv4);
 }
 
-/** ConnMan does not try a malformed passphrase; it asks the agent again. */
+/** Asks the agent again, like ConnMan, which does not use a malformed passphrase. */
 void Lively::refuseMalformed(const QDBusMessage &call)
 {
     change(call.path(), errorKey, invalidKey);
@@ -282,7 +282,7 @@ void Lively::refuseMalformed(const QDBusMessage &call)
                             });
 }
 
-/** The network refused the passphrase: the connection has failed, whatever the agent answers. */
+/** Fails the connection after a wrong passphrase, whatever the agent answers to the error. */
 void Lively::rejectPassphrase(const QDBusMessage &call)
 {
     change(call.path(), errorKey, invalidKey);

@@ -8,9 +8,9 @@
 #include <QTimer>
 
 /**
- * Unprompted behaviour of ConnMan: services come and go with the power of their technology, with
- * the cable and with the networks in reach; connections are made. Signals are sent in the same
- * order as by the real ConnMan.
+ * Unprompted behaviour of ConnMan: lists the cable and the networks in reach while their technology
+ * is powered, makes connections, and announces these changes. Sends signals in the same order as
+ * the real ConnMan.
  *
  * A cable in a powered socket is connected at once, to a DHCP server that leases 10.77.0.72. A
  * network is joined on Connect, with the passphrase of the caller's agent.

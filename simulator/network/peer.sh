@@ -1,6 +1,6 @@
 # shellcheck shell=sh
-# For the scripts beside it: the network namespace "peer" with the other ends of the instrument's
-# links, each with a DHCP server of its own.
+# Functions for the scripts "ethernet" and "wifi": they create the network namespace "peer" with the
+# other ends of the instrument's links, each with a DHCP server of its own.
 
 make_peer() {
     [ ! -e /run/netns/peer ] || return 0

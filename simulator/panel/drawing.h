@@ -55,7 +55,8 @@ private:
     QDomDocument m_document;
     QHash<QString, QDomElement> m_elements;
     QHash<QString, QRectF> m_bounds;
-    /** Left edges and widths in the original drawing, to which the spans of a Look refer. */
+    /** Left edges and widths of the elements as originally drawn; the spans of a Look refer to
+     * them. */
     QHash<QString, double> m_lefts;
     QHash<QString, double> m_widths;
     QSizeF m_size;

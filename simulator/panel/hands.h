@@ -6,7 +6,7 @@
 #include <QString>
 #include <QStringList>
 
-/** The elements that a hand can press or drag, the innermost first. */
+/** The elements that a user can press or drag, the innermost first. */
 QStringList handElements();
 
 /** Returns true if the element is dragged to a value, not only pressed. */
@@ -15,7 +15,7 @@ bool isDragged(const QString &element);
 /**
  * Returns the shell command to run in the world when @p element is pressed, or dragged to @p place.
  *
- * @param place the hand's position on the element from left to right, 0 to 1
+ * @param place the position on the element from left to right, 0 to 1
  * @return empty if nothing happens
  */
 QString commandFor(const QString &element, double place, const Instrument &instrument);

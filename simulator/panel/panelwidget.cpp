@@ -204,7 +204,7 @@ void PanelWidget::startNext()
 
 void PanelWidget::takeEnd(QProcess *hand, const QString &typed, int status)
 {
-    // Its timeout ends with it.
+    // This also deletes the process's timeout.
     hand->deleteLater();
     // The line shows the result of the last command only.
     if (typed == m_instrument.command) {

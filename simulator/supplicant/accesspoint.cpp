@@ -27,7 +27,7 @@ void readSecurity(const QByteArray &text, bool &isProtected)
         isProtected = text == "wpa2";
 }
 
-/** Derived from the name of the directory. */
+/** Returns a hardware address that is derived from the name of the directory. */
 QByteArray hardwareAddress(const QString &directory)
 {
     const QByteArray hash =

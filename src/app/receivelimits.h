@@ -4,7 +4,8 @@
 class QDBusConnection;
 
 /**
- * Lifts libdbus's limits on received messages, and on file descriptors in them, for @p bus.
+ * Lifts libdbus's limits on the size of unprocessed received messages, and on the file descriptors
+ * in them, for @p bus.
  *
  * libdbus stops reading while more than 63 MB of messages are still referenced. Qt D-Bus cannot
  * resume reading: it enables the socket notifier in the thread that released the last message. That

@@ -18,10 +18,9 @@ public:
     static Settings &instance();
 
     /**
-     * Stores @p value under @p key; QSettings writes the file soon afterwards. While something
-     * other than a regular file has the file's name, @p value is dropped and the earlier value
-     * stays. If something else had the name when the daemon started, values are only kept in
-     * memory.
+     * Stores @p value under @p key; QSettings writes the file soon afterwards. If the path of the
+     * settings file now leads to a FIFO, a device or a directory, drops @p value and keeps the
+     * earlier value. If it already did when the daemon started, values are only kept in memory.
      */
     void store(const QString &key, const QVariant &value);
 

@@ -22,7 +22,7 @@ class KyScreenBacklight : public QDBusAbstractAdaptor
     Q_CLASSINFO("D-Bus Introspection", INTROSPECTION_BACKLIGHT)
 
 public:
-    /** Reads the steps from the settings and adds the light sensor's adaptor to @p parent, too. */
+    /** Reads the steps from the settings; also adds the light sensor's adaptor to @p parent. */
     explicit KyScreenBacklight(QObject *parent);
 
 public Q_SLOTS:

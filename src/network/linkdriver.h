@@ -37,7 +37,8 @@ protected:
     void serviceChanged(LinkEvent event, const QString &name, const QVariant &value);
 
     /**
-     * Stores the path of @p service, what was found. @return ServiceListed or NoServiceListed
+     * Stores the path of @p service, the result of a search. @return ServiceListed or
+     * NoServiceListed
      */
     LinkEvent found(const std::optional<ConnmanObject> &service);
 

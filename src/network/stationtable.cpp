@@ -23,8 +23,8 @@ const LinkRow rows[] = {
         Do::Announce),
     row({all}, Event::ScriptEnded, {}, Do::StartModuleDelay),
 
-    // After a disconnect the module's readiness has no effect. If a scan times out before the
-    // module is ready, its timer starts again, so that the scan ends.
+    // If the module becomes ready after a disconnect, nothing happens. If a scan times out before
+    // the module is ready, the scan's timer starts again, so that the scan ends.
     row({idle, scan, either, When::TimeRuns}, Event::ModuleReady, {}, Do::NoteModule,
         Do::AskConnman),
     row({idle, scan, either, When::TimeIsOver}, Event::ModuleReady, {}, Do::NoteModule,
