@@ -18,18 +18,18 @@ class TestRegularFile : public QObject
 private Q_SLOTS:
     void init();
 
-    void aMissingFileIsMadeWithItsMode();
+    void aMissingFileIsCreatedWithItsMode();
     void aFileIsAppendedTo();
     void aFileIsTruncated();
     void aFileThatIsNotTruncatedKeepsItsEnd();
     void aLinkIsNotFollowed();
-    void aDanglingLinkMakesNoFile();
+    void aDanglingLinkCreatesNoFile();
     void aSecondNameOfAFileIsRefused();
     void aFifoIsNotWaitedFor();
     void aFifoWithAReaderIsNotWrittenTo();
     void aDeviceIsNotWrittenTo();
     void aDirectoryIsRefused();
-    void aMissingDirectoryIsNotMade();
+    void aMissingDirectoryIsNotCreated();
     void childrenDoNotInheritTheDescriptor();
 
     void aFileIsReadAlsoThroughALink();
@@ -57,7 +57,7 @@ bool TestRegularFile::append(const QByteArray &text, int flags)
            write(descriptor.get(), text.constData(), size_t(text.size())) == text.size();
 }
 
-void TestRegularFile::aMissingFileIsMadeWithItsMode()
+void TestRegularFile::aMissingFileIsCreatedWithItsMode()
 {
     const mode_t mask = umask(0);
     QVERIFY(append("text"));
@@ -104,7 +104,7 @@ void TestRegularFile::aLinkIsNotFollowed()
     QCOMPARE(readFile(target), QByteArray("precious"));
 }
 
-void TestRegularFile::aDanglingLinkMakesNoFile()
+void TestRegularFile::aDanglingLinkCreatesNoFile()
 {
     const QString target = m_directory->filePath(QStringLiteral("target"));
     QVERIFY(QFile::link(target, m_path));
@@ -156,7 +156,7 @@ void TestRegularFile::aDirectoryIsRefused()
     QVERIFY(!append("new"));
 }
 
-void TestRegularFile::aMissingDirectoryIsNotMade()
+void TestRegularFile::aMissingDirectoryIsNotCreated()
 {
     m_path = m_directory->filePath(QStringLiteral("directory/file"));
     QVERIFY(!append("new"));

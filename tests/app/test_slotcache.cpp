@@ -11,8 +11,8 @@ class TestSlotCache : public DaemonTest
     Q_OBJECT
 
 private Q_SLOTS:
-    void callsOfUnknownMethodsDoNotMakeTheDaemonBigger_data();
-    void callsOfUnknownMethodsDoNotMakeTheDaemonBigger();
+    void callsOfUnknownMethodsDoNotGrowTheDaemonsMemory_data();
+    void callsOfUnknownMethodsDoNotGrowTheDaemonsMemory();
     void aMethodIsFoundAfterManyUnknownOnes();
 
 private:
@@ -36,14 +36,14 @@ void TestSlotCache::callUnknownMethods(const QString &path, int first, int count
     }
 }
 
-void TestSlotCache::callsOfUnknownMethodsDoNotMakeTheDaemonBigger_data()
+void TestSlotCache::callsOfUnknownMethodsDoNotGrowTheDaemonsMemory_data()
 {
     QTest::addColumn<QString>("path");
     for (const char *path : {"/KyConfigMgr", "/KyComMgr", "/KyComMgr/Agent", "/KyDeviceMgr"})
         QTest::newRow(path) << QString::fromLatin1(path);
 }
 
-void TestSlotCache::callsOfUnknownMethodsDoNotMakeTheDaemonBigger()
+void TestSlotCache::callsOfUnknownMethodsDoNotGrowTheDaemonsMemory()
 {
     QFETCH(QString, path);
     QVERIFY(daemon.start());

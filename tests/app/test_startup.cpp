@@ -24,7 +24,7 @@ class TestStartup : public DaemonTest
 private Q_SLOTS:
     void theThreeRootsAreExported();
     void theRootObjectsShowNoMembersOfTheirOwn();
-    void theNetworksManagerRegistersItsTypes();
+    void kyComMgrRegistersTheTypesOfConnMansLists();
     void nothingIsLoggedAtAnOrdinaryStart();
     void theLogHasOneTextPerLineAndNothingElse();
 
@@ -85,7 +85,7 @@ void TestStartup::theRootObjectsShowNoMembersOfTheirOwn()
     }
 }
 
-void TestStartup::theNetworksManagerRegistersItsTypes()
+void TestStartup::kyComMgrRegistersTheTypesOfConnMansLists()
 {
     QObject root;
     const KyComMgr manager(&root);

@@ -22,8 +22,8 @@ private Q_SLOTS:
 
     void directoriesAreOpened_data();
     void directoriesAreOpened();
-    void missingValuesAreAbsent_data();
-    void missingValuesAreAbsent();
+    void missingPathsAreAbsent_data();
+    void missingPathsAreAbsent();
     void linksOfRootAreFollowed_data();
     void linksOfRootAreFollowed();
     void linksOfStrangersAreNotFollowed_data();
@@ -35,10 +35,10 @@ private Q_SLOTS:
     void aLinkThatCannotBeReadIsNotFollowed();
     void aDirectoryMayBelongToAStranger();
 
-    void missingDirectoriesAreMade();
-    void nothingIsMadeThroughALink_data();
-    void nothingIsMadeThroughALink();
-    void nothingIsMadeInAFile();
+    void missingDirectoriesAreCreated();
+    void noDirectoryIsCreatedThroughALink_data();
+    void noDirectoryIsCreatedThroughALink();
+    void noDirectoryIsCreatedInAFile();
 
     void descriptorsAreNotInherited();
     void descriptorsAreClosedOnce();
@@ -114,7 +114,7 @@ void TestTrustedPath::directoriesAreOpened()
     QCOMPARE(nameOf(directory), opened);
 }
 
-void TestTrustedPath::missingValuesAreAbsent_data()
+void TestTrustedPath::missingPathsAreAbsent_data()
 {
     QTest::addColumn<QString>("path");
     QTest::addColumn<int>("error");
@@ -125,7 +125,7 @@ void TestTrustedPath::missingValuesAreAbsent_data()
     QTest::newRow("a dangling link") << at("nowhere") << ENOENT;
 }
 
-void TestTrustedPath::missingValuesAreAbsent()
+void TestTrustedPath::missingPathsAreAbsent()
 {
     QFETCH(QString, path);
     QFETCH(int, error);
@@ -258,7 +258,7 @@ void TestTrustedPath::aDirectoryMayBelongToAStranger()
     QCOMPARE(nameOf(openDirectory(at("one/two"))), at("one/two"));
 }
 
-void TestTrustedPath::missingDirectoriesAreMade()
+void TestTrustedPath::missingDirectoriesAreCreated()
 {
     QCOMPARE(nameOf(makeDirectory(at("one"))), at("one"));
     const mode_t mask = umask(027);
@@ -269,14 +269,14 @@ void TestTrustedPath::missingDirectoriesAreMade()
     QCOMPARE(status.st_mode, mode_t(S_IFDIR | 0750));
 }
 
-void TestTrustedPath::nothingIsMadeThroughALink_data()
+void TestTrustedPath::noDirectoryIsCreatedThroughALink_data()
 {
     QTest::addColumn<uint>("owner");
     QTest::newRow("root's") << 0U;
     QTest::newRow("stranger's") << stranger;
 }
 
-void TestTrustedPath::nothingIsMadeThroughALink()
+void TestTrustedPath::noDirectoryIsCreatedThroughALink()
 {
     QFETCH(uint, owner);
     link("/opt/test/missing", "link", owner);
@@ -290,7 +290,7 @@ void TestTrustedPath::nothingIsMadeThroughALink()
     }
 }
 
-void TestTrustedPath::nothingIsMadeInAFile()
+void TestTrustedPath::noDirectoryIsCreatedInAFile()
 {
     const Descriptor directory = makeDirectory(at("one/two/file/three"));
     QVERIFY(directory.isAbsent());

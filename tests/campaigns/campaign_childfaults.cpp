@@ -9,8 +9,9 @@
 #include <csignal>
 
 /**
- * All faults of the programs that the daemon starts, for each adaptor that starts them: the daemon
- * continues, the program leaves no process and no descriptor, and the next call succeeds.
+ * Applies every fault to the programs that the daemon starts, for each adaptor that starts them.
+ * The daemon must continue, no process or descriptor of the program may remain, and the next call
+ * must succeed.
  */
 class TestChildFaults : public NetworkTest
 {
@@ -155,7 +156,7 @@ void TestChildFaults::endAttempt(const QString &adaptor)
     recorder->take();
 }
 
-/** The next attempt works as far as the programs allow. */
+/** Verifies that the next attempt succeeds. */
 void TestChildFaults::verifyWorks(const QString &adaptor)
 {
     if (adaptor == "Version") {
@@ -229,7 +230,7 @@ void TestChildFaults::theNextOneWorks()
     QVERIFY(QTest::qWaitFor([&] { return uncollected(daemon.processId()) == 0; }, deadlineMs));
     QVERIFY(QTest::qWaitFor([&] { return daemon.descriptors() <= before; }, deadlineMs));
     if (child == "pidof" && fault == "is missing") {
-        // Its whole environment lacked the system's programs.
+        // The daemon's PATH did not contain the system's programs: start it again.
         daemon.stop();
         daemon.resetEnvironment();
         begin();

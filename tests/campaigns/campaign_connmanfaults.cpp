@@ -103,7 +103,7 @@ void TestConnmanFaults::reachAccessPoint(const QString &name)
         daemon.letTimePass(3);
 }
 
-/** Brings @p adaptor into that state, as far as it needs ConnMan, and checks it. */
+/** Brings @p adaptor into the state @p name, and verifies the state where ConnMan determines it. */
 void TestConnmanFaults::reachState(const QString &adaptor, const QString &name)
 {
     if (adaptor == "WIFI" && name != "idle" && name != "failure") {
@@ -153,7 +153,7 @@ void TestConnmanFaults::haveFault(const QString &fault)
     } else {
         connman.replyToMethod("", {QVariant::fromValue(oddObjects())});
     }
-    // Garbage also comes in signals.
+    // ConnMan also sends the malformed values in signals.
     if (fault == "another type" || fault == "odd values") {
         const QVariant odd = fault == "odd values" ? QVariant::fromValue(QDBusVariant(5))
                                                    : QVariant(QStringList{"a"});
@@ -180,7 +180,7 @@ void TestConnmanFaults::endFault(const QString &fault)
     connman.clearJournal();
 }
 
-/** Calls the adaptor and lets the time pass that ConnMan takes. */
+/** Calls the adaptor, and lets time pass if ConnMan delays the reply. Returns the reply. */
 QString TestConnmanFaults::call(const QString &fault, const QString &method,
                                 const QVariantList &arguments)
 {
@@ -261,7 +261,7 @@ void TestConnmanFaults::callEverything(const QString &adaptor, const QString &fa
         QVERIFY(!QTest::currentTestFailed());
         QVERIFY(daemon.isRunning());
     }
-    // All timers expire meanwhile.
+    // Let enough time pass for all timers to expire.
     for (int times = 0; times < 3; ++times) {
         daemon.letTimePass(61);
         QCOMPARE(call(fault, "getIPv4", {}).left(2), QString("({"));
@@ -357,7 +357,7 @@ void TestConnmanFaults::theAdaptorGetsOnlineAfterwards()
     ++m_survived;
 }
 
-/** Without a bus the daemon stays idle: its supervisor must restart it. */
+/** The daemon does not reconnect to a bus that ended; it stays idle until systemd restarts it. */
 void TestConnmanFaults::theDaemonStaysIdleWithoutItsBus()
 {
     const QString place = "unix:path=/run/second-bus";

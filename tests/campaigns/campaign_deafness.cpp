@@ -46,7 +46,7 @@ namespace
 {
 const QString service = QStringLiteral("com.orvendis.Strandel.BoardManager");
 
-/** Set before anything connects to the bus. */
+/** Initialised before anything connects to the bus: the limits apply to new connections only. */
 const bool areLimitsLifted = liftBusLimits();
 
 /** Below the bus's own limit of 32 MB. */
@@ -131,7 +131,7 @@ void Deafness::beginAttack()
     writeFile(QStringLiteral("/proc/%1/clear_refs").arg(m_process), "5");
 }
 
-/** Runs @p attack while the main thread waits for the hardware. */
+/** Runs @p attack while the daemon's main thread waits for the hardware. */
 void Deafness::busy(const std::function<void()> &attack)
 {
     Board::fault("KyLeds.setLedState", "hold");
@@ -139,7 +139,8 @@ void Deafness::busy(const std::function<void()> &attack)
         Remote("/KyDeviceMgr", "LED").start("setLEDStatus", {"WIFI", "ON"});
     QVERIFY(Board::waitFor("held", "KyLeds.setLedState"));
     attack();
-    // The receiving thread answers it after all attack messages, unless it is deaf.
+    // Qt D-Bus's receiving thread answers this ping after all messages of the attack, unless the
+    // connection has stopped reading.
     const QDBusMessage ping = QDBusMessage::createMethodCall(service, "/KyDeviceMgr",
                                                              "org.freedesktop.DBus.Peer", "Ping");
     QDBusConnection::systemBus().call(ping, QDBus::Block, 5000);

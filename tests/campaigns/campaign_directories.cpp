@@ -28,13 +28,13 @@ const QString secret = QStringLiteral("/opt/secret");
 const QStringList everyUser = {"user1", "user2", "user3", "user4"};
 
 /**
- * The loop of a local user @p owner in a directory of that user. Runs in a process of its own: only
- * system calls.
+ * An attack of the local user @p owner: a loop that swaps a name in a directory of that user. It
+ * runs in a process of its own and makes only system calls.
  */
 struct Race {
     QString name;
     uid_t owner;
-    /** The directory that the user owns, and the one in which the loop works. */
+    /** The directory that the user owns, and the directory in which the loop swaps the name. */
     QString owned;
     QString directory;
     /** The name that alternates between its original and a link to the target. */
@@ -43,10 +43,10 @@ struct Race {
 };
 
 const QList<Race> races = {
-    {"a subdirectory of the own profile", member, profiles + "/user2_profile",
+    {"a subdirectory of the attacker's profile", member, profiles + "/user2_profile",
      profiles + "/user2_profile", "display", "/opt/victim"},
-    {"where a copy is made", member, profiles + "/user2_profile", profiles + "/user2_profile",
-     ".rebuild", "/opt/victim"},
+    {"the directory of a partial copy", member, profiles + "/user2_profile",
+     profiles + "/user2_profile", ".rebuild", "/opt/victim"},
     {"a profile", stranger, profiles, profiles, "user2_profile", "/opt/victim"},
     {"all profiles", stranger, profiles, "/tmp", "User_part", "/opt/victim"},
     {"a file of the default profile", stranger, profiles, profiles + "/default_user_profile",
@@ -55,7 +55,7 @@ const QList<Race> races = {
      profiles + "/default_user_profile", "display", "/opt/secret"},
 };
 
-/** Swaps the name for the link and back, and creates the link wherever the name is free. */
+/** Swaps the original and the link endlessly; creates the link if the name does not exist. */
 [[noreturn]] void race(const Race &attack, std::atomic<long> &swaps)
 {
     const QByteArray path = QFile::encodeName(attack.directory);

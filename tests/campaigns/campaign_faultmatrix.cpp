@@ -18,16 +18,16 @@
 #include <functional>
 
 /**
- * Every operation of the hardware libraries, with every fault, and every method, property, timer,
- * interrupt and kernel event that reaches it.
+ * Applies every fault to every operation of the hardware libraries, with every method, property,
+ * timer, interrupt and kernel event (a "stimulus") that makes the daemon call the operation.
  *
  * No operations or methods are listed here. The operations are the exports of the hardware
  * libraries, the methods come from introspection, and the board's journal shows which stimulus
- * reaches which operation. A new operation that no stimulus reaches, or a new method without known
- * arguments, fails the campaign.
+ * calls which operation. The campaign fails if no stimulus calls an operation, or if the arguments
+ * of a method are unknown: add a new one to the tables below.
  *
- * FAULTS=all in the environment faults every single call of an operation instead of the first and
- * the last of each stimulus, and lets hangs last three seconds.
+ * FAULTS=all in the environment applies the fault to each single call of an operation, not only to
+ * the first and the last call that a stimulus causes; and each hang lasts three seconds.
  */
 class TestFaultMatrix : public DaemonTest
 {
@@ -52,7 +52,8 @@ private:
         std::function<void()> trigger;
         /** Waits until the daemon has handled it; returns the reply. */
         std::function<QString()> finish;
-        /** The next successful cycle after a fault; the stimulus itself if empty. */
+        /** The fault-free cycle that must repair the fault's effects; the stimulus itself if empty.
+         */
         std::function<void()> heal;
         bool isStart = false;
     };
@@ -94,14 +95,14 @@ private:
 
 namespace
 {
-/** The words of faults. */
+/** Contents of a fault's file. */
 const QString always = QStringLiteral("always");
 const QString nonsense = QStringLiteral("nonsense");
 
-/** Operations that no stimulus reaches, with the reason. */
+/** Operations that no stimulus calls, with the reason. */
 const QMap<QString, QString> unreached = {};
 
-/** The valid arguments of every method with arguments; several lists are several stimuli. */
+/** Valid arguments of a method. Each list of arguments is a stimulus of its own. */
 struct Arguments {
     const char *method;
     QList<QVariantList> lists;
@@ -131,8 +132,8 @@ const QList<Arguments> validArguments = {
 };
 
 /**
- * The reply to a stimulus while an operation has a fault. Without a matching row the reply is the
- * one without a fault; the first match counts. An empty fault matches any failure.
+ * The expected reply to a stimulus while an operation has a fault. The first matching row counts;
+ * an empty fault matches any failure. If no row matches, the expected reply is the usual one.
  */
 struct Answer {
     const char *stimulus;
@@ -261,21 +262,21 @@ const QList<Lasting> lasting = {
     {"start", "KyAls.setThresholdsTimer", ""},
     {"start", "KyAls.interruptEnable", ""},
     {"start", "KyAls.getinterruptHandler", ""},
-    // The same after an initialisation that falsely reported success.
+    // The same if the initialisation falsely reports success.
     {"start", "KyAls.setThresholds", "nonsense"},
     {"start", "KyAls.setThresholdsTimer", "nonsense"},
     {"start", "KyAls.interruptEnable", "nonsense"},
     // A conversion cannot report a failure: darkness becomes the lower bound.
     {"start", "KyAls.convLuxInExponentMantissaByte", "last call"},
     {"light interrupt*", "KyAls.convLuxInExponentMantissaByte", "last call"},
-    // After an interrupt that is not acknowledged no further one comes, whatever the sensor
-    // reports.
+    // The sensor does not interrupt again after an interrupt that was not acknowledged, whatever
+    // interruptRead() reports.
     {"light interrupt*", "KyAls.interruptRead", ""},
     {"light interrupt*", "KyAls.interruptRead", "nonsense"},
     // The instrument record is read once; without it there is no screen.
     {"start", "KyEeprom.readEeprom", ""},
     {"start", "KyEeprom.readEeprom", "nonsense"},
-    // The library gets the brand once for each read of the record.
+    // The daemon passes the brand to the library each time it reads the record.
     {"start", "KyBoardRev.setBrand", ""},
     {"start", "KyBoardRev.setBrand", "nonsense"},
     {"start", "KyBoardRev.setModel", ""},
@@ -289,7 +290,7 @@ const QList<Lasting> lasting = {
     {"Version.getEepromInstrument", "KyEeprom.readEeprom", "nonsense"},
     {"Version.getEepromMesure", "KyEeprom.readEeprom", ""},
     {"Version.getEepromMesure", "KyEeprom.readEeprom", "nonsense"},
-    // A revision that was missing while another was present stays missing.
+    // If at least one revision could be read, the result is cached without the missing ones.
     {"Version.getRevision", "KyBoardRev.getRevision", "call *"},
     {"Version.getRevision", "KyBoardRev.getRevision", "nonsense"},
     {"Version.getRevision", "KyBoardRev.setSoMRevision", ""},
@@ -314,7 +315,8 @@ bool isFault(const char *pattern, const QString &fault)
 }
 
 /**
- * The change of the usual reply @p usual for an LED that cannot be read or has an invalid state.
+ * Returns the reply @p usual, changed as expected for an LED that cannot be read or has an invalid
+ * state.
  */
 QString ledAnswer(const QString &fault, QString usual)
 {
@@ -337,7 +339,7 @@ QString expectedAnswer(const QString &stimulus, const QString &operation, const 
     return stimulus == QLatin1String("LED.getLEDStatus") ? ledAnswer(fault, usual) : usual;
 }
 
-/** Counters and times, which earlier attempts change, too. */
+/** Returns true for counters and times, which every attempt changes. */
 bool isCount(const QString &line)
 {
     static const QRegularExpression counts(
@@ -346,7 +348,7 @@ bool isCount(const QString &line)
     return counts.match(line).hasMatch();
 }
 
-/** The lines that differ. */
+/** Returns the lines that are only in one of the two lists. */
 QString difference(const QStringList &expected, const QStringList &found)
 {
     QStringList lines;

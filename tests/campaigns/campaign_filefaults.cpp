@@ -95,7 +95,7 @@ const QStringList conditions = {"missing",
                                 "on a read-only disk",
                                 "on a full disk"};
 
-/** The replies without a fault, and those that report one; both formatted. */
+/** Regular expressions for the formatted replies of a call: without a fault, and with one. */
 struct Expectation {
     const char *call;
     QString usual;
@@ -324,7 +324,7 @@ void TestFileFaults::theDaemonDoesWithout()
 
     QVERIFY(!QTest::currentTestFailed());
     QVERIFY(daemon.isRunning());
-    // The settings may be a link to another place; nothing else is written through a link.
+    // The daemon may write through a link only at the path of the settings.
     if (place.path != QByteArray("/opt/settings.ini"))
         QCOMPARE(readFile(precious), QByteArray("kept"));
     QVERIFY(QTest::qWaitFor([&] { return daemon.descriptors() <= before; }, deadlineMs));

@@ -21,12 +21,12 @@ namespace
 {
 const int minute = 60;
 const qint64 minutesOfRound = 10;
-/** The number of rounds after which memory must not grow: every kind of round has occurred. */
+/** After these rounds memory must not grow: every kind of round has occurred by then. */
 const int warmUpRounds = 3;
 /** How much the allocator may still grow afterwards, in kB. */
 const long allowedGrowth = 512;
 
-/** The number of attempts of a scan or a connect. */
+/** How often the client retries a scan or a connect. */
 const int attempts = 4;
 
 /** The simulated hours, and the number of clients that listen to all signals. */
@@ -344,7 +344,7 @@ void InstrumentLife::scan(bool isKitchenThere)
         ++repetitions;
         DO(waitForRadioOff());
     }
-    QFAIL("the scans do not show the air");
+    QFAIL("the scans do not list the access points in the air");
 }
 
 /** Joins a network; tries again if ConnMan does not know it yet. */

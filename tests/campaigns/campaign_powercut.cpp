@@ -166,7 +166,7 @@ void TestPowerCut::startWithCut(int call)
     arm(call);
 }
 
-/** All file-system calls of an undisturbed call, in order. */
+/** The file-system calls that the daemon makes for the scenario's call without a cut, in order. */
 QStringList TestPowerCut::callsOf(const Scenario &scenario)
 {
     layOut(scenario);
@@ -228,7 +228,7 @@ void TestPowerCut::everyProfileIsWholeOrReplacedByTheNextSwitch_data()
     }
 }
 
-/** The state after the cut, in the words of the documentation. */
+/** Describes the state after the cut, in the words of the documentation. */
 QString TestPowerCut::whatIsLeft(const Scenario &scenario) const
 {
     QStringList left;

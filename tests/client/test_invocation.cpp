@@ -11,8 +11,8 @@ class TestInvocation : public QObject
 private Q_SLOTS:
     void optionsStandAnywhere_data();
     void optionsStandAnywhere();
-    void wrongOptionsAreComplainedAbout_data();
-    void wrongOptionsAreComplainedAbout();
+    void wrongOptionsAreReported_data();
+    void wrongOptionsAreReported();
     void optionsBelongToCommands();
     void aPassphraseIsChecked_data();
     void aPassphraseIsChecked();
@@ -50,7 +50,7 @@ void TestInvocation::optionsStandAnywhere()
     QCOMPARE(Invocation({"--user=a=b"}).value("--user"), QStringLiteral("a=b"));
 }
 
-void TestInvocation::wrongOptionsAreComplainedAbout_data()
+void TestInvocation::wrongOptionsAreReported_data()
 {
     QTest::addColumn<QString>("complaint");
     // The name of each row is its command line.
@@ -69,7 +69,7 @@ void TestInvocation::wrongOptionsAreComplainedAbout_data()
     row("wifi connect x --user=", "--user: NAME is empty");
 }
 
-void TestInvocation::wrongOptionsAreComplainedAbout()
+void TestInvocation::wrongOptionsAreReported()
 {
     const QString line = QString::fromLatin1(QTest::currentDataTag());
     QTEST(Invocation(line.split(' ')).complaint(), "complaint");

@@ -15,10 +15,10 @@ class TestKyboardctlCommandLine : public QObject
 private Q_SLOTS:
     void goodArgumentsBecomeValues_data();
     void goodArgumentsBecomeValues();
-    void wrongArgumentsAreComplainedAbout_data();
-    void wrongArgumentsAreComplainedAbout();
-    void secretsAreAskedForNeverTakenFromTheCommandLine();
-    void withoutItsSecretsNothingIsComplete();
+    void wrongArgumentsAreReported_data();
+    void wrongArgumentsAreReported();
+    void secretsComeFromAPromptNotFromTheCommandLine();
+    void withoutItsSecretsARecordIsIncomplete();
     void aSecretThatIsTooLongIsNotShown();
     void aListOfNumbersCanComeFromAFile();
     void everyCommandIsFoundByItsWords();
@@ -111,7 +111,7 @@ void TestKyboardctlCommandLine::goodArgumentsBecomeValues()
     QCOMPARE(parsed, values);
 }
 
-void TestKyboardctlCommandLine::wrongArgumentsAreComplainedAbout_data()
+void TestKyboardctlCommandLine::wrongArgumentsAreReported_data()
 {
     QTest::addColumn<QString>("words");
     QTest::addColumn<QStringList>("arguments");
@@ -215,7 +215,7 @@ void TestKyboardctlCommandLine::wrongArgumentsAreComplainedAbout_data()
                                 "characters";
 }
 
-void TestKyboardctlCommandLine::wrongArgumentsAreComplainedAbout()
+void TestKyboardctlCommandLine::wrongArgumentsAreReported()
 {
     QFETCH(QString, words);
     QFETCH(QStringList, arguments);
@@ -227,7 +227,7 @@ void TestKyboardctlCommandLine::wrongArgumentsAreComplainedAbout()
     QCOMPARE(actual, complaint);
 }
 
-void TestKyboardctlCommandLine::secretsAreAskedForNeverTakenFromTheCommandLine()
+void TestKyboardctlCommandLine::secretsComeFromAPromptNotFromTheCommandLine()
 {
     const QStringList record = {"Subsidiary=1",     "Fabrication=2", "Brand=3",
                                 "Type=4",           "Model=8345",    "SerialNumber=12345678",
@@ -253,7 +253,7 @@ void TestKyboardctlCommandLine::secretsAreAskedForNeverTakenFromTheCommandLine()
     QCOMPARE(complaint, QStringLiteral("IrdSessionPassword is not taken from the command line"));
 }
 
-void TestKyboardctlCommandLine::withoutItsSecretsNothingIsComplete()
+void TestKyboardctlCommandLine::withoutItsSecretsARecordIsIncomplete()
 {
     const QStringList record = {"Subsidiary=1",     "Fabrication=2", "Brand=3",
                                 "Type=4",           "Model=8345",    "SerialNumber=12345678",

@@ -26,28 +26,28 @@ private Q_SLOTS:
 
     void monitorEndsAfterTheSignals();
     void monitorShowsOnlyTheSignalsAskedFor();
-    void numbersOfSignalsHaveTheirUnits();
+    void numbersInSignalsHaveTheirUnits();
     void signalsThatDoNotComeHaveAStatus();
     void monitorListensForATime();
     void anUnknownSignalIsRefused();
     void everySignalOfTheDaemonIsKnown();
-    void withoutTheBusMonitorEnds();
-    void messagesDuringItsEndAreIgnored();
+    void monitorEndsWhenTheBusEnds();
+    void messagesDuringTheExitAreIgnored();
 
     void watchShowsTheInstrument();
     void watchFollowsTheSignals();
     void watchFitsATerminalThatChanges();
     void watchSurvivesTheDaemon();
     void hotSensorsDoNotKeepWatchBusy();
-    void watchLeavesTheTerminalAsItWas_data();
-    void watchLeavesTheTerminalAsItWas();
+    void watchRestoresTheTerminal_data();
+    void watchRestoresTheTerminal();
     void watchNeedsATerminal();
 
     void atATerminalThereAreColours();
     void noColourWithNoColorOrADumbTerminal_data();
     void noColourWithNoColorOrADumbTerminal();
     void linesFitTheTerminal();
-    void textsOfTheInstrumentMoveNoCursor();
+    void textsFromTheInstrumentCannotMoveTheCursor();
 };
 
 void TestKyboardctlLive::init()
@@ -95,7 +95,7 @@ void TestKyboardctlLive::monitorShowsOnlyTheSignalsAskedFor()
                                 "Storage.sdcardPresence  no"}));
 }
 
-void TestKyboardctlLive::numbersOfSignalsHaveTheirUnits()
+void TestKyboardctlLive::numbersInSignalsHaveTheirUnits()
 {
     QProcess client;
     client.start("kyboardctl",
@@ -174,7 +174,7 @@ void TestKyboardctlLive::everySignalOfTheDaemonIsKnown()
     QCOMPARE(known, announced);
 }
 
-void TestKyboardctlLive::withoutTheBusMonitorEnds()
+void TestKyboardctlLive::monitorEndsWhenTheBusEnds()
 {
     writeFile("/tmp/bus.conf", "<busconfig><type>system</type><listen>unix:path=/tmp/bus</listen>"
                                "<policy context=\"default\"><allow send_destination=\"*\"/>"
@@ -196,7 +196,7 @@ void TestKyboardctlLive::withoutTheBusMonitorEnds()
 }
 
 /** Qt D-Bus's thread reads messages until it is stopped, after main() has returned. */
-void TestKyboardctlLive::messagesDuringItsEndAreIgnored()
+void TestKyboardctlLive::messagesDuringTheExitAreIgnored()
 {
     QDBusConnection bus = QDBusConnection::systemBus();
     const QStringList others = bus.interface()->registeredServiceNames();
@@ -292,7 +292,7 @@ void TestKyboardctlLive::hotSensorsDoNotKeepWatchBusy()
     QCOMPARE(recorder.take().filter("temperatureReached").size(), 2);
 }
 
-void TestKyboardctlLive::watchLeavesTheTerminalAsItWas_data()
+void TestKyboardctlLive::watchRestoresTheTerminal_data()
 {
     QTest::addColumn<int>("signal");
     QTest::newRow("keyboard") << 0;
@@ -300,7 +300,7 @@ void TestKyboardctlLive::watchLeavesTheTerminalAsItWas_data()
     QTest::newRow("hung up") << SIGHUP;
 }
 
-void TestKyboardctlLive::watchLeavesTheTerminalAsItWas()
+void TestKyboardctlLive::watchRestoresTheTerminal()
 {
     QFETCH(int, signal);
     TerminalProgram client("kyboardctl", {"watch"});
@@ -370,7 +370,7 @@ void TestKyboardctlLive::linesFitTheTerminal()
     }
 }
 
-void TestKyboardctlLive::textsOfTheInstrumentMoveNoCursor()
+void TestKyboardctlLive::textsFromTheInstrumentCannotMoveTheCursor()
 {
     writeFile("/etc/sw_version", "BSP \033[2J\x07 1\n");
     const QString output = runClient({"version", "software"}).output;

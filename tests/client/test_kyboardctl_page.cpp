@@ -16,9 +16,9 @@ class TestKyboardctlPage : public QObject
 private Q_SLOTS:
     void initTestCase();
     void thePageIsWellFormed();
-    void everyOptionIsThere();
-    void everyCommandIsThere();
-    void everyExitStatusIsThere();
+    void everyOptionIsDocumented();
+    void everyCommandIsDocumented();
+    void everyExitStatusIsDocumented();
     void everyExampleIsACommand();
 
 private:
@@ -94,7 +94,7 @@ void TestKyboardctlPage::thePageIsWellFormed()
     QCOMPARE(groff.exitCode(), 0);
 }
 
-void TestKyboardctlPage::everyOptionIsThere()
+void TestKyboardctlPage::everyOptionIsDocumented()
 {
     QStringList expected;
     for (const Option &option : options()) {
@@ -108,7 +108,7 @@ void TestKyboardctlPage::everyOptionIsThere()
     compare(entries.value("OPTIONS"), expected);
 }
 
-void TestKyboardctlPage::everyCommandIsThere()
+void TestKyboardctlPage::everyCommandIsDocumented()
 {
     QStringList expected;
     for (const QVector<Command> *table : {&ownCommands(), &commands()}) {
@@ -130,7 +130,7 @@ void TestKyboardctlPage::everyCommandIsThere()
     compare(actual, expected);
 }
 
-void TestKyboardctlPage::everyExitStatusIsThere()
+void TestKyboardctlPage::everyExitStatusIsDocumented()
 {
     QStringList expected;
     for (const StatusMeaning &status : exitStatuses())

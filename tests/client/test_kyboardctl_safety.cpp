@@ -24,11 +24,11 @@ private Q_SLOTS:
     void atATerminalTheUserIsAsked_data();
     void atATerminalTheUserIsAsked();
     void aQuestionIsSeenWithoutStandardError();
-    void aQuestionThatNoTerminalShowsIsNotAsked();
+    void withoutAControllingTerminalNoQuestionIsAsked();
     void otherCommandsNeedNoConfirmation();
     void passwordsStayHidden();
-    void whereNothingIsConnectedItSaysSo_data();
-    void whereNothingIsConnectedItSaysSo();
+    void missingConnectionsAreReported_data();
+    void missingConnectionsAreReported();
     void connectingAConnectedEthernetSucceeds();
 
 private:
@@ -145,7 +145,7 @@ void TestKyboardctlSafety::aQuestionIsSeenWithoutStandardError()
 }
 
 /** A program without a controlling terminal whose standard input happens to be one. */
-void TestKyboardctlSafety::aQuestionThatNoTerminalShowsIsNotAsked()
+void TestKyboardctlSafety::withoutAControllingTerminalNoQuestionIsAsked()
 {
     startDaemon();
     BusMonitor monitor;
@@ -195,7 +195,7 @@ void TestKyboardctlSafety::passwordsStayHidden()
                 .output.contains("\"session"));
 }
 
-void TestKyboardctlSafety::whereNothingIsConnectedItSaysSo_data()
+void TestKyboardctlSafety::missingConnectionsAreReported_data()
 {
     QTest::addColumn<QString>("complaint");
     const auto row = [](const char *line, const char *complaint) {
@@ -213,7 +213,7 @@ void TestKyboardctlSafety::whereNothingIsConnectedItSaysSo_data()
     row("version revisions", "no revision can be read");
 }
 
-void TestKyboardctlSafety::whereNothingIsConnectedItSaysSo()
+void TestKyboardctlSafety::missingConnectionsAreReported()
 {
     QFETCH(QString, complaint);
     const QString line = QTest::currentDataTag();

@@ -9,11 +9,11 @@ class TestKyboardctlStrength : public WifiTest
     Q_OBJECT
 
 private Q_SLOTS:
-    void theNetworkThatIsJoinedHasAStrength();
-    void aNetworkThatIsNotJoinedHasNone();
+    void theJoinedNetworkHasAStrength();
+    void withoutAJoinedNetworkThereIsNoStrength();
 };
 
-void TestKyboardctlStrength::theNetworkThatIsJoinedHasAStrength()
+void TestKyboardctlStrength::theJoinedNetworkHasAStrength()
 {
     reach("online");
     connman.storeProperty(lab, "IPv4", address);
@@ -24,7 +24,7 @@ void TestKyboardctlStrength::theNetworkThatIsJoinedHasAStrength()
     QVERIFY(runClient({"status"}).output.contains("\nWi-Fi strength     61 %\n"));
 }
 
-void TestKyboardctlStrength::aNetworkThatIsNotJoinedHasNone()
+void TestKyboardctlStrength::withoutAJoinedNetworkThereIsNoStrength()
 {
     reach("online");
     connman.storeProperty(lab, "IPv4", QVariantMap());

@@ -29,17 +29,17 @@ private Q_SLOTS:
     void anOpenNetworkIsJoined();
     void aPassphraseComesFromStandardInput();
     void aPassphraseComesFromAPromptThatDoesNotShowIt();
-    void endedAtThePromptItLeavesAnOrdinaryTerminal();
-    void aWrongPassphraseFailsAndTheRightOneThenLeadsOnline_data();
-    void aWrongPassphraseFailsAndTheRightOneThenLeadsOnline();
+    void aSignalAtThePromptRestoresTheTerminal();
+    void theRightPassphraseLeadsToOnlineAfterAWrongOne_data();
+    void theRightPassphraseLeadsToOnlineAfterAWrongOne();
     void theNetworkJoinedLastIsConfiguredAgain();
     void anAbsentNetworkFails();
-    void aCableThatIsConnectedAlreadyLeadsOnline();
+    void connectLeadsToOnlineIfTheCableIsAlreadyConnected();
     void withoutALeaseThereIsNoAddress();
     void aSilentAccessPointIsATimeout();
     void withoutConnmanNothingIsJoined();
     void aNetworkIsForgotten();
-    void theNetworkThatIsJoinedIsLeftAndForgotten();
+    void forgettingTheJoinedNetworkDisconnectsItFirst();
     void aNetworkOutOfReachIsNotForgotten();
     void disconnectLeadsToIdle();
     void disconnectingWhileIdleSucceeds_data();
@@ -50,7 +50,7 @@ private Q_SLOTS:
     void disconnectWhileTheModuleSwitchesLeavesTheRadioOff();
     void withoutAnAddressTheWaitTimesOut();
     void withNoWaitTheCommandEndsAtOnce();
-    void withoutTheModulesScriptTheDaemonsErrorIsTold();
+    void withoutTheModulesScriptTheDaemonsErrorIsReported();
     void aDaemonThatGoesAwayEndsTheWait();
     void theAccessPointStartsAndStops();
 
@@ -191,7 +191,7 @@ void TestKyboardctlWifi::aPassphraseComesFromAPromptThatDoesNotShowIt()
     QVERIFY(client.echoes());
 }
 
-void TestKyboardctlWifi::endedAtThePromptItLeavesAnOrdinaryTerminal()
+void TestKyboardctlWifi::aSignalAtThePromptRestoresTheTerminal()
 {
     TerminalProgram client("kyboardctl", {"wifi", "connect", "Workshop"});
     QVERIFY(client.shows("Passphrase: "));
@@ -202,14 +202,14 @@ void TestKyboardctlWifi::endedAtThePromptItLeavesAnOrdinaryTerminal()
     QCOMPARE(script.log(), QStringList());
 }
 
-void TestKyboardctlWifi::aWrongPassphraseFailsAndTheRightOneThenLeadsOnline_data()
+void TestKyboardctlWifi::theRightPassphraseLeadsToOnlineAfterAWrongOne_data()
 {
     QTest::addColumn<bool>("isJoinedBefore");
     QTest::newRow("a network never joined") << false;
     QTest::newRow("the network joined last") << true;
 }
 
-void TestKyboardctlWifi::aWrongPassphraseFailsAndTheRightOneThenLeadsOnline()
+void TestKyboardctlWifi::theRightPassphraseLeadsToOnlineAfterAWrongOne()
 {
     QFETCH(bool, isJoinedBefore);
     if (isJoinedBefore) {
@@ -252,7 +252,7 @@ void TestKyboardctlWifi::anAbsentNetworkFails()
              QStringLiteral("kyboardctl: wifi connect: failed: network not found\n"));
 }
 
-void TestKyboardctlWifi::aCableThatIsConnectedAlreadyLeadsOnline()
+void TestKyboardctlWifi::connectLeadsToOnlineIfTheCableIsAlreadyConnected()
 {
     // A ConnMan that started after the daemon has the wired technology powered.
     connman.kill();
@@ -331,7 +331,7 @@ void TestKyboardctlWifi::aNetworkIsForgotten()
     QCOMPARE(run({"wifi", "connect", "Workshop"}, "seven seas\n").complaint, QString());
 }
 
-void TestKyboardctlWifi::theNetworkThatIsJoinedIsLeftAndForgotten()
+void TestKyboardctlWifi::forgettingTheJoinedNetworkDisconnectsItFirst()
 {
     const QString settings = "/var/lib/connman/"
                              "wifi_02aabbccdd03_576f726b73686f70_managed_psk/settings";
@@ -484,7 +484,7 @@ void TestKyboardctlWifi::withNoWaitTheCommandEndsAtOnce()
     script.release();
 }
 
-void TestKyboardctlWifi::withoutTheModulesScriptTheDaemonsErrorIsTold()
+void TestKyboardctlWifi::withoutTheModulesScriptTheDaemonsErrorIsReported()
 {
     script.remove();
     const Result result = run({"wifi", "scan"});

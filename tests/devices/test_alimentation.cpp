@@ -19,9 +19,9 @@ private Q_SLOTS:
     void theStatusFollowsChargerMeterAndBattery_data();
     void theStatusFollowsChargerMeterAndBattery();
     void theChargerIsOneBitOfTheRegister();
-    void aReadingThatNoticesTheChargerAnnouncesTheStatus();
-    void aReadingThatNoticesAnUnknownBatteryAnnouncesIt();
-    void everyWayOfReadingThePropertyMeasures();
+    void readingThePropertyAnnouncesANewChargerState();
+    void readingThePropertyAnnouncesAnUnknownBattery();
+    void getAllMeasuresToo();
     void thePropertyCannotBeWritten();
 
     void theVoltageIsThatOfTheLastReading();
@@ -32,9 +32,9 @@ private Q_SLOTS:
     void aChargerThatCannotBeReadCountsAsAbsent();
     void aSerialBusThatCannotBeOpenedIsIgnored();
     void aFailedReportToTheMonitorIsIgnored();
-    void aMeterThatAnswersNonsenseIsAnUnknownBattery();
-    void allHardwareFailingIsAnUnknownBattery();
-    void slowHardwareOnlyTakesTime();
+    void aMeterThatReturnsNonsenseMeansAnUnknownBattery();
+    void failingHardwareMeansAnUnknownBattery();
+    void slowHardwareOnlyDelaysTheReply();
 
     void aNewStatusIsAnnouncedBeforeItIsReturned();
     void theCheckRunsElevenTimesEveryTenSecondsAndThenEveryFiveMinutes();
@@ -68,7 +68,7 @@ void TestAlimentation::setBattery(int charger, int type, int flag, const QString
     Board::set("battery/charge", charge);
 }
 
-/** The property's text; the whole reply if it is no text. */
+/** The value of "batteryStatus"; the whole reply if it is not a text. */
 QString TestAlimentation::status() const
 {
     const QString value = alimentation.property("batteryStatus");
@@ -194,7 +194,7 @@ void TestAlimentation::theChargerIsOneBitOfTheRegister()
     QCOMPARE(status(), QStringLiteral("CHARGER_ON_NO_BAT"));
 }
 
-void TestAlimentation::aReadingThatNoticesTheChargerAnnouncesTheStatus()
+void TestAlimentation::readingThePropertyAnnouncesANewChargerState()
 {
     setBattery(0, 1, 0, "-35");
     QVERIFY(daemon.start());
@@ -219,7 +219,7 @@ void TestAlimentation::aReadingThatNoticesTheChargerAnnouncesTheStatus()
     QCOMPARE(Board::journal().value(2), QStringLiteral("KyBatmonitor.update(false) = 0"));
 }
 
-void TestAlimentation::aReadingThatNoticesAnUnknownBatteryAnnouncesIt()
+void TestAlimentation::readingThePropertyAnnouncesAnUnknownBattery()
 {
     setBattery(0, 1, 0, "50");
     QVERIFY(daemon.start());
@@ -231,7 +231,7 @@ void TestAlimentation::aReadingThatNoticesAnUnknownBatteryAnnouncesIt()
     QCOMPARE(recorder.take(), QStringList(announced("CHARGER_OFF_UNKNOWN_BAT")));
 }
 
-void TestAlimentation::everyWayOfReadingThePropertyMeasures()
+void TestAlimentation::getAllMeasuresToo()
 {
     setBattery(0, 1, 0, "50");
     QVERIFY(daemon.start());
@@ -342,7 +342,7 @@ void TestAlimentation::aFailedReportToTheMonitorIsIgnored()
     QCOMPARE(recorder.take(), QStringList(announced("CHARGER_ON_BAT_FULL")));
 }
 
-void TestAlimentation::aMeterThatAnswersNonsenseIsAnUnknownBattery()
+void TestAlimentation::aMeterThatReturnsNonsenseMeansAnUnknownBattery()
 {
     setBattery(1, 1, 0, "50");
     QVERIFY(daemon.start());
@@ -353,7 +353,7 @@ void TestAlimentation::aMeterThatAnswersNonsenseIsAnUnknownBattery()
     QCOMPARE(status(), QStringLiteral("CHARGER_ON_NO_BAT"));
 }
 
-void TestAlimentation::allHardwareFailingIsAnUnknownBattery()
+void TestAlimentation::failingHardwareMeansAnUnknownBattery()
 {
     for (const char *operation :
          {"KySocManager.initSPI", "KySocManager.getSoCRegister", "KyBatmonitor.update",
@@ -367,7 +367,7 @@ void TestAlimentation::allHardwareFailingIsAnUnknownBattery()
     QCOMPARE(recorder.take(), QStringList());
 }
 
-void TestAlimentation::slowHardwareOnlyTakesTime()
+void TestAlimentation::slowHardwareOnlyDelaysTheReply()
 {
     setBattery(0, 1, 0, "50");
     QVERIFY(daemon.start());
@@ -409,7 +409,7 @@ void TestAlimentation::theCheckRunsElevenTimesEveryTenSecondsAndThenEveryFiveMin
     const QStringList check = {announced("CHARGER_OFF_BAT_INF_60")};
 
     for (int number = 1; number <= 11; ++number) {
-        // In two steps, to detect a check that is due too early.
+        // Advance the clock in two steps, to detect a check that comes too early.
         daemon.letTimePass(6);
         const QStringList early = recorder.take();
         daemon.letTimePass(4);
@@ -441,7 +441,7 @@ void TestAlimentation::theCheckIsDueToTheMillisecond()
 
     for (int number = 1; number <= 13; ++number) {
         daemon.letMillisecondsPass((number <= 11 ? 10000 : 300000) - 1);
-        // Twice: expired timers are handled after earlier calls.
+        // take() makes a call, and expired timers are handled only after it: call take() twice.
         QCOMPARE(recorder.take() + recorder.take(), QStringList());
         daemon.letMillisecondsPass(1);
         QCOMPARE(recorder.waitFor(1), QStringList{announced("CHARGER_OFF_BAT_INF_60")});

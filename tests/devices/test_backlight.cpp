@@ -48,20 +48,20 @@ private Q_SLOTS:
     void automaticModeSetsTheBacklightByTheLight();
     void automaticModeIgnoresAValidStep();
     void automaticModeReportsLightThatCannotBeRead();
-    void automaticModeReportsASensorThatWasNotSetUp();
+    void automaticModeReportsAnUninitialisedSensor();
     void automaticModeAnnouncesAFailedWrite();
     void automaticModeAnnouncesAStepThatIsNoPercentage();
 
     void manualModeDoesNotFollowTheLight();
     void automaticModeReadsTheLightAgain();
-    void lightOfTheSameStepChangesNothing();
-    void lightAboveTheTableChangesNothing_data();
-    void lightAboveTheTableChangesNothing();
+    void lightWithinTheSameStepKeepsTheBacklight();
+    void lightAboveTheTableKeepsTheBacklight_data();
+    void lightAboveTheTableKeepsTheBacklight();
     void aBacklightThatCannotBeReadIsAnnouncedAndLogged();
     void aBacklightThatCannotBeSetIsAnnounced();
-    void lightThatCannotBeReadAgainChangesNothing();
+    void aFailedSecondReadingOfTheLightKeepsTheBacklight();
     void automaticModeFollowsTheLightUpAndDown();
-    void theLightCannotBeFakedOverTheBus();
+    void clientsCannotCallTheSlotsForTheLight();
 
 private:
     QString set(bool automatic, int step) const
@@ -183,7 +183,7 @@ void TestBacklight::setBacklightSetsThePercentage()
 void TestBacklight::setBacklightRejectsOtherNumbers_data()
 {
     QTest::addColumn<int>("percentage");
-    // Truncated to a byte, the last ones would be percentages.
+    // The last three numbers would be percentages if they were truncated to a byte.
     for (const int percentage : {101, -1, 255, INT_MAX, INT_MIN, 256, 356, -246})
         QTest::newRow(qPrintable(QString::number(percentage))) << percentage;
 }
@@ -490,7 +490,7 @@ void TestBacklight::automaticModeReportsLightThatCannotBeRead()
     QCOMPARE(onlyLight(recorder.waitFor(2)), (QStringList{changed(35, 4), reached("60", 5)}));
 }
 
-void TestBacklight::automaticModeReportsASensorThatWasNotSetUp()
+void TestBacklight::automaticModeReportsAnUninitialisedSensor()
 {
     Board::fault("KyAls.init", "1");
     QVERIFY(daemon.start());
@@ -544,7 +544,7 @@ void TestBacklight::automaticModeReadsTheLightAgain()
         (QStringList{"KyBacklight.getBrightness() = 45", "KyBacklight.setBrightness(35) = 0"}));
 }
 
-void TestBacklight::lightOfTheSameStepChangesNothing()
+void TestBacklight::lightWithinTheSameStepKeepsTheBacklight()
 {
     QVERIFY(daemon.start());
     QCOMPARE(set(true, 0), done);
@@ -559,7 +559,7 @@ void TestBacklight::lightOfTheSameStepChangesNothing()
              QStringList{"KyBacklight.getBrightness() = 33"});
 }
 
-void TestBacklight::lightAboveTheTableChangesNothing_data()
+void TestBacklight::lightAboveTheTableKeepsTheBacklight_data()
 {
     QTest::addColumn<QString>("lux");
     QTest::addColumn<int>("level");
@@ -568,7 +568,7 @@ void TestBacklight::lightAboveTheTableChangesNothing_data()
     QTest::newRow("level 16") << "600" << 16;
 }
 
-void TestBacklight::lightAboveTheTableChangesNothing()
+void TestBacklight::lightAboveTheTableKeepsTheBacklight()
 {
     QFETCH(QString, lux);
     QFETCH(int, level);
@@ -614,13 +614,14 @@ void TestBacklight::aBacklightThatCannotBeSetIsAnnounced()
     QCOMPARE(daemon.log(), QString());
 }
 
-void TestBacklight::lightThatCannotBeReadAgainChangesNothing()
+void TestBacklight::aFailedSecondReadingOfTheLightKeepsTheBacklight()
 {
     QVERIFY(daemon.start());
     QCOMPARE(set(true, 0), done);
     SignalRecorder recorder("/KyDeviceMgr");
     Board::clearJournal();
-    // Covers the sensor's own read, which then counts as level 1, and the backlight's.
+    // Two reads fail: the one for the brightness, which then counts as level 1, and the one for the
+    // backlight.
     Board::fault("KyAls.readLux", "2");
 
     Board::set("als/interrupt", "1");
@@ -633,8 +634,8 @@ void TestBacklight::lightThatCannotBeReadAgainChangesNothing()
 
 void TestBacklight::automaticModeFollowsTheLightUpAndDown()
 {
-    // Light inside the old level's band, light outside it, its level, and the percentage and step
-    // that the backlight changes to, if any.
+    // For each change: light inside the old level's band, light outside the band, the new level,
+    // and the new percentage and step of the backlight (-1 if they do not change).
     const struct {
         const char *quiet;
         const char *lux;
@@ -651,7 +652,8 @@ void TestBacklight::automaticModeFollowsTheLightUpAndDown()
         {"105", "60", 5, 35, 4},      {"52", "30", 4, 30, 3},      {"26", "12", 2, 20, 1},
         {"11", "4", 1, 15, 0},
     };
-    // Light above every band interrupts again, but not during this test.
+    // The sensor repeats the interrupt for light above every band, with this setting only after the
+    // end of the test.
     writeFile("/opt/settings.ini", "[Brightness]\ntimer=25\n");
     setLux("0");
     QVERIFY(daemon.start());
@@ -675,7 +677,7 @@ void TestBacklight::automaticModeFollowsTheLightUpAndDown()
     QCOMPARE(onlyLight(recorder.waitFor(2)), (QStringList{changed(15, 0), reached("4", 1)}));
 }
 
-void TestBacklight::theLightCannotBeFakedOverTheBus()
+void TestBacklight::clientsCannotCallTheSlotsForTheLight()
 {
     QVERIFY(daemon.start());
     QVERIFY(backlight.call("handleBrightnessChange", {60.0, 5})

@@ -94,8 +94,8 @@ void TestBacklightSteps::aTableOutOfOrderStillGivesAStep_data()
     QTest::newRow("descending, all below") << descending() << 95 << 15;
     QTest::newRow("all zero, off") << allAt(0) << 0 << 1;
     QTest::newRow("all zero, on") << allAt(0) << 1 << 15;
-    QTest::newRow("one too high hides those above") << factoryWith(3, 500) << 100 << 3;
-    QTest::newRow("one too low is passed over") << factoryWith(3, 5) << 28 << 4;
+    QTest::newRow("a too high entry hides those above it") << factoryWith(3, 500) << 100 << 3;
+    QTest::newRow("a too low entry is skipped") << factoryWith(3, 5) << 28 << 4;
     QTest::newRow("entry 0 is not searched") << factoryWith(0, 100) << 95 << 12;
     QTest::newRow("a table that ends below 100") << factoryWith(12, 95) << 96 << 15;
     QTest::newRow("all negative") << allAt(INT_MIN) << 0 << 15;

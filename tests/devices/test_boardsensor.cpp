@@ -38,7 +38,7 @@ void drain(int descriptor)
     static_cast<void>(count);
 }
 
-/** Runs in another process: exits while its sensor is active. */
+/** Runs in another process; exits while its sensor is active. @return the exit status */
 int leaveWithASensor()
 {
     KyAls &sensor = *new KyAls;
@@ -89,23 +89,23 @@ private Q_SLOTS:
 
     void lightBeyondTheBandInterrupts_data();
     void lightBeyondTheBandInterrupts();
-    void lightInsideTheBandDoesNot_data();
-    void lightInsideTheBandDoesNot();
+    void lightInsideTheBandDoesNotInterrupt_data();
+    void lightInsideTheBandDoesNotInterrupt();
     void lightThatComesBackInterrupts();
-    void lightThatMovesOnOutsideInterrupts();
-    void theSameLightWrittenAgainDoesNot();
+    void lightThatChangesOutsideTheBandInterrupts();
+    void rewritingTheSameLightDoesNotInterrupt();
     void aNotifierFiresOnce();
-    void everyWayToWriteTheFileCounts_data();
-    void everyWayToWriteTheFileCounts();
+    void everyWayOfWritingTheFileInterrupts_data();
+    void everyWayOfWritingTheFileInterrupts();
 
     void oneInterruptIsPendingUntilAcknowledged();
     void aChangeBeforeTheAcknowledgementIsNotLost();
     void aChangeThatWasReadDoesNotInterruptAgain();
-    void aReaderInBetweenTakesNoInterruptAway();
+    void readingTheLightDoesNotWithdrawTheInterrupt();
     void lightThatStaysOutsideInterruptsAgain();
     void lightThatIsBackInsideDoesNotInterruptAgain();
 
-    void withInterruptsDisabledNothingHappens();
+    void disabledInterruptsDoNotOccur();
     void lightThatWasReadBeforeEnablingDoesNotInterruptAtOnce();
     void lightThatChangedBeforeEnablingInterrupts();
     void disablingWithdrawsTheInterrupt();
@@ -113,15 +113,15 @@ private Q_SLOTS:
     void newThresholdsAreCompared();
     void anInterruptCanBeRaisedByHand();
 
-    void nonsenseDoesNotInterruptAndIsGotOver();
+    void nonsenseDoesNotInterruptAndLaterValuesDo();
     void aRecreatedDirectoryIsWatchedAgain();
     void theDescriptorDoesNotBlockAndIsNotInherited();
     void withoutALoopbackInterfaceThereIsNoDescriptor();
     void twoSensorsBothInterrupt();
 
-    void aSensorDoesNotHoldUpTheProcess();
-    void aForkedChildThatDropsTheSensorLeavesItToUs();
-    void theWatcherTakesNoSignals();
+    void aProcessCanExitWithAnActiveSensor();
+    void destroyingTheSensorInAForkedChildDoesNotAffectTheParent();
+    void theSensorsThreadBlocksAllSignals();
 
 private:
     float lux() const;
@@ -197,7 +197,7 @@ void TestBoardSensor::lightBeyondTheBandInterrupts()
     QVERIFY(!acknowledge());
 }
 
-void TestBoardSensor::lightInsideTheBandDoesNot_data()
+void TestBoardSensor::lightInsideTheBandDoesNotInterrupt_data()
 {
     QTest::addColumn<QString>("light");
 
@@ -205,7 +205,7 @@ void TestBoardSensor::lightInsideTheBandDoesNot_data()
         QTest::newRow(light) << QString::fromLatin1(light);
 }
 
-void TestBoardSensor::lightInsideTheBandDoesNot()
+void TestBoardSensor::lightInsideTheBandDoesNotInterrupt()
 {
     QFETCH(QString, light);
 
@@ -226,7 +226,7 @@ void TestBoardSensor::lightThatComesBackInterrupts()
     QVERIFY(acknowledge());
 }
 
-void TestBoardSensor::lightThatMovesOnOutsideInterrupts()
+void TestBoardSensor::lightThatChangesOutsideTheBandInterrupts()
 {
     leaveBand();
     QVERIFY(acknowledge());
@@ -236,7 +236,7 @@ void TestBoardSensor::lightThatMovesOnOutsideInterrupts()
     QVERIFY(isUrgent(m_line, deadlineMs));
 }
 
-void TestBoardSensor::theSameLightWrittenAgainDoesNot()
+void TestBoardSensor::rewritingTheSameLightDoesNotInterrupt()
 {
     leaveBand();
     QVERIFY(acknowledge());
@@ -264,7 +264,7 @@ void TestBoardSensor::aNotifierFiresOnce()
     QCOMPARE(activations, QList<float>{500.0F});
 }
 
-void TestBoardSensor::everyWayToWriteTheFileCounts_data()
+void TestBoardSensor::everyWayOfWritingTheFileInterrupts_data()
 {
     QTest::addColumn<QString>("command");
 
@@ -274,7 +274,7 @@ void TestBoardSensor::everyWayToWriteTheFileCounts_data()
     QTest::newRow("away and back") << "mv lux aside; sed -i s/120/500/ aside; mv aside lux";
 }
 
-void TestBoardSensor::everyWayToWriteTheFileCounts()
+void TestBoardSensor::everyWayOfWritingTheFileInterrupts()
 {
     QFETCH(QString, command);
 
@@ -318,12 +318,12 @@ void TestBoardSensor::aChangeThatWasReadDoesNotInterruptAgain()
     QVERIFY(staysQuiet(m_line));
 }
 
-void TestBoardSensor::aReaderInBetweenTakesNoInterruptAway()
+void TestBoardSensor::readingTheLightDoesNotWithdrawTheInterrupt()
 {
     for (int round = 0; round < 100; ++round) {
         const float light = 500.0F + static_cast<float>(round);
         Board::set("als/lux", QString::number(double(light)));
-        // Races with the sensor: sometimes before it notices, sometimes after.
+        // This read races with the sensor, which notices the change before or after it.
         QCOMPARE(lux(), light);
         QVERIFY(isUrgent(m_line, deadlineMs));
         drain(m_line);
@@ -359,7 +359,7 @@ void TestBoardSensor::lightThatIsBackInsideDoesNotInterruptAgain()
     QVERIFY(!isUrgent(m_line, 200));
 }
 
-void TestBoardSensor::withInterruptsDisabledNothingHappens()
+void TestBoardSensor::disabledInterruptsDoNotOccur()
 {
     QCOMPARE(m_sensor->interruptEnable(false), 0);
 
@@ -445,7 +445,7 @@ void TestBoardSensor::anInterruptCanBeRaisedByHand()
     QVERIFY(staysQuiet(m_line));
 }
 
-void TestBoardSensor::nonsenseDoesNotInterruptAndIsGotOver()
+void TestBoardSensor::nonsenseDoesNotInterruptAndLaterValuesDo()
 {
     for (const char *text : {"", "bright", "-5", "1e999"}) {
         Board::set("als/lux", text);
@@ -511,7 +511,7 @@ void TestBoardSensor::twoSensorsBothInterrupt()
     QVERIFY(isUrgent(otherLine, deadlineMs));
 }
 
-void TestBoardSensor::aSensorDoesNotHoldUpTheProcess()
+void TestBoardSensor::aProcessCanExitWithAnActiveSensor()
 {
     QProcess process;
     process.start(QCoreApplication::applicationFilePath(), {"--leave"});
@@ -522,7 +522,7 @@ void TestBoardSensor::aSensorDoesNotHoldUpTheProcess()
     QCOMPARE(process.exitCode(), 3);
 }
 
-void TestBoardSensor::aForkedChildThatDropsTheSensorLeavesItToUs()
+void TestBoardSensor::destroyingTheSensorInAForkedChildDoesNotAffectTheParent()
 {
     const pid_t child = fork();
     if (child == 0) {
@@ -539,7 +539,7 @@ void TestBoardSensor::aForkedChildThatDropsTheSensorLeavesItToUs()
     QVERIFY(isUrgent(m_line, deadlineMs));
 }
 
-void TestBoardSensor::theWatcherTakesNoSignals()
+void TestBoardSensor::theSensorsThreadBlocksAllSignals()
 {
     m_sensor.reset();
     const QList<int> before = threadsOf(getpid());

@@ -9,7 +9,7 @@ class TestBrightness : public DaemonTest
     Q_OBJECT
 
 private Q_SLOTS:
-    void theSensorIsSetUpInOrderAtTheStart();
+    void theSensorIsInitialisedInOrderAtTheStart();
     void theBandLiesAroundTheLightOfTheStart_data();
     void theBandLiesAroundTheLightOfTheStart();
     void theBandGoesToTheSensorAsItsCodes_data();
@@ -19,13 +19,13 @@ private Q_SLOTS:
     void levelsComeFromTheSettings();
     void otherSettingsChangeNothing();
 
-    void everyFailureOfTheSetUpIsAnInitialisationError_data();
-    void everyFailureOfTheSetUpIsAnInitialisationError();
+    void anyFailedInitialisationStepIsAnInitialisationError_data();
+    void anyFailedInitialisationStepIsAnInitialisationError();
     void levelsOutOfOrderAreAnInitialisationError_data();
     void levelsOutOfOrderAreAnInitialisationError();
-    void aSensorThatWasNotSetUpStaysUnusableUntilTheNextStart();
-    void theInterruptOfASensorThatWasNotSetUpIsNotWatched_data();
-    void theInterruptOfASensorThatWasNotSetUpIsNotWatched();
+    void anUninitialisedSensorStaysUnusableUntilTheNextStart();
+    void theInterruptOfAnUninitialisedSensorIsNotWatched_data();
+    void theInterruptOfAnUninitialisedSensorIsNotWatched();
     void aNegativeDescriptorIsNotWatched();
     void anInvalidDescriptorDoesNoHarm();
 
@@ -43,11 +43,11 @@ private Q_SLOTS:
     void aBandThatCannotBeSetIsOnlyLoggedAndKept();
     void aBandOutOfOrderIsOnlyLogged();
     void aBurstOfInterruptsEndsAtTheLastLight();
-    void aSlowSensorLosesNothing();
+    void aSlowSensorLosesNoInterrupt();
 
     void hostileSettingsDoNoHarm_data();
     void hostileSettingsDoNoHarm();
-    void theInterruptCannotBeFakedOverTheBus();
+    void clientsCannotCallTheInterruptHandler();
 
 private:
     QString getBrightness() const { return brightness.call("getBrightness"); }
@@ -96,7 +96,7 @@ QStringList onlyBrightness(const QStringList &recorded)
 }
 } // namespace
 
-void TestBrightness::theSensorIsSetUpInOrderAtTheStart()
+void TestBrightness::theSensorIsInitialisedInOrderAtTheStart()
 {
     setLux("120");
     QVERIFY(daemon.start());
@@ -158,7 +158,8 @@ void TestBrightness::theBandGoesToTheSensorAsItsCodes_data()
     QTest::addColumn<QString>("lux");
     QTest::addColumn<QString>("thresholds");
 
-    // The codes of 15 and 0, 25 and 10, 500 and 400, 10000 and 500 lux.
+    // Columns: light, and the codes of its band (15 and 0 lux, 25 and 10, 500 and 400, 10000 and
+    // 500).
     QTest::newRow("dark") << "0"
                           << "46, 0";
     QTest::newRow("level 2") << "12"
@@ -222,7 +223,7 @@ void TestBrightness::otherSettingsChangeNothing()
     QVERIFY(Board::journal().contains("KyAls.setThresholds(57, 36) = 0"));
 }
 
-void TestBrightness::everyFailureOfTheSetUpIsAnInitialisationError_data()
+void TestBrightness::anyFailedInitialisationStepIsAnInitialisationError_data()
 {
     QTest::addColumn<QString>("operation");
     for (const char *operation : {"init", "readLux", "setThresholds", "setThresholdsTimer",
@@ -230,7 +231,7 @@ void TestBrightness::everyFailureOfTheSetUpIsAnInitialisationError_data()
         QTest::newRow(operation) << QStringLiteral("KyAls.") + operation;
 }
 
-void TestBrightness::everyFailureOfTheSetUpIsAnInitialisationError()
+void TestBrightness::anyFailedInitialisationStepIsAnInitialisationError()
 {
     QFETCH(QString, operation);
     Board::fault(operation, "1");
@@ -265,7 +266,7 @@ void TestBrightness::levelsOutOfOrderAreAnInitialisationError()
              (QStringList{"KyAls.init() = 0", "KyAls.readLux() = 0 " + lux}));
 }
 
-void TestBrightness::aSensorThatWasNotSetUpStaysUnusableUntilTheNextStart()
+void TestBrightness::anUninitialisedSensorStaysUnusableUntilTheNextStart()
 {
     Board::fault("KyAls.init", "1");
     QVERIFY(daemon.start());
@@ -277,14 +278,14 @@ void TestBrightness::aSensorThatWasNotSetUpStaysUnusableUntilTheNextStart()
     QCOMPARE(getBrightness(), QStringLiteral("(d:120)"));
 }
 
-void TestBrightness::theInterruptOfASensorThatWasNotSetUpIsNotWatched_data()
+void TestBrightness::theInterruptOfAnUninitialisedSensorIsNotWatched_data()
 {
     QTest::addColumn<QString>("operation");
     for (const char *operation : {"setThresholdsTimer", "getinterruptHandler"})
         QTest::newRow(operation) << QStringLiteral("KyAls.") + operation;
 }
 
-void TestBrightness::theInterruptOfASensorThatWasNotSetUpIsNotWatched()
+void TestBrightness::theInterruptOfAnUninitialisedSensorIsNotWatched()
 {
     QFETCH(QString, operation);
     Board::fault(operation, "1");
@@ -452,7 +453,7 @@ void TestBrightness::anInterruptThatCannotBeReadIsOnlyLogged()
     QCOMPARE(Board::get("als/threshold_high"), QStringLiteral("82"));
     QVERIFY(daemon.waitForLog(handler + "Read interrupt ALS failed\n"));
     QCOMPARE(daemon.log().count('\n'), 1);
-    // No timer repeats it.
+    // No timer repeats the failed read.
     daemon.letTimePass(10);
     QCOMPARE(brightness.call("getBrightness"), QStringLiteral("(d:30)"));
     QCOMPARE(Board::journal().filter("interruptRead"), QStringList{"KyAls.interruptRead() = 1"});
@@ -518,7 +519,7 @@ void TestBrightness::aBurstOfInterruptsEndsAtTheLastLight()
     QCOMPARE(daemon.log(), QString());
 }
 
-void TestBrightness::aSlowSensorLosesNothing()
+void TestBrightness::aSlowSensorLosesNoInterrupt()
 {
     setLux("12");
     for (const char *operation : {"init", "readLux", "convLuxInExponentMantissaByte",
@@ -567,7 +568,7 @@ void TestBrightness::hostileSettingsDoNoHarm()
     QCOMPARE(getBrightness(), usable ? QStringLiteral("(d:%1)").arg(lux) : uninitialised);
 }
 
-void TestBrightness::theInterruptCannotBeFakedOverTheBus()
+void TestBrightness::clientsCannotCallTheInterruptHandler()
 {
     QVERIFY(daemon.start());
     Board::clearJournal();

@@ -124,8 +124,8 @@ void TestBrightnessLevels::aTableOutOfOrderStillGivesALevel_data()
     QTest::newRow("equal, bright") << allAt(0) << 1.0 << 16;
     QTest::newRow("descending, below the first") << descending() << 999.0 << 1;
     QTest::newRow("descending, above the first") << descending() << 1000.5 << 16;
-    QTest::newRow("one too high hides those above") << factoryWith(2, 30000) << 20000.0 << 2;
-    QTest::newRow("one too low is passed over") << factoryWith(3, 5) << 20.0 << 4;
+    QTest::newRow("a too high entry hides those above it") << factoryWith(2, 30000) << 20000.0 << 2;
+    QTest::newRow("a too low entry is skipped") << factoryWith(3, 5) << 20.0 << 4;
     QTest::newRow("the lowest bound is no level") << factoryWith(0, 30000) << 5.0 << 1;
     QTest::newRow("the highest bound is no level") << factoryWith(17, 0) << 20000.0 << 16;
     QTest::newRow("all negative") << allAt(INT_MIN) << -1.0 << 16;
@@ -183,7 +183,7 @@ void TestBrightnessLevels::aBandOutOfOrderIsRefused_data()
     const bool accepted = true;
     QTest::newRow("upside down") << descending() << 8 << refused;
     QTest::newRow("upside down by one lux") << factoryWith(3, 9) << 2 << refused;
-    QTest::newRow("of one lux value") << factoryWith(3, 10) << 2 << accepted;
+    QTest::newRow("equal bounds") << factoryWith(3, 10) << 2 << accepted;
     QTest::newRow("the level itself does not count") << factoryWith(2, -5) << 2 << accepted;
     QTest::newRow("negative lower bound") << factoryWith(0, -1) << 1 << refused;
     QTest::newRow("both bounds negative") << allAt(-7) << 5 << refused;
@@ -224,7 +224,7 @@ void TestBrightnessLevels::theTimerIsCutToOneEvenByte_data()
     QTest::newRow("the largest that fits") << 25u << 0xFA;
     QTest::newRow("truncated") << 26u << 0x04;
     QTest::newRow("30") << 30u << 0x2C;
-    QTest::newRow("ten times it is a multiple of 256") << 128u << 0x00;
+    QTest::newRow("its tenfold is a multiple of 256") << 128u << 0x00;
     QTest::newRow("largest") << UINT_MAX << 0xF6;
 }
 

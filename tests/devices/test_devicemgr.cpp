@@ -10,7 +10,7 @@
 #include <QDBusServiceWatcher>
 #include <QRegularExpression>
 
-/** The device side as a whole, on the running daemon. */
+/** All devices together, on the running daemon: start, LEDs and preparation for shutdown. */
 class TestDeviceMgr : public DaemonTest
 {
     Q_OBJECT
@@ -39,11 +39,11 @@ private Q_SLOTS:
 
     void shutdownPreparesLedsAndBatteryInOrder();
     void afterPreparationTheBatteryIsAnnouncedAndNoLedChanges();
-    void afterPreparationThePeriodicCheckGoesOnAndNoLedChanges();
+    void afterPreparationThePeriodicCheckContinuesAndNoLedChanges();
     void afterPreparationTheTemperaturesAreStillChecked();
     void afterPreparationTheCardIsStillAnnounced();
     void afterPreparationTheBacklightStillFollowsTheLight();
-    void afterPreparationTheOtherDevicesGoOn();
+    void afterPreparationTheOtherDevicesStillWork();
     void aSecondPreparationRepeatsTheSteps();
     void preparationNeverFails();
     void preparationTakesAnyArguments();
@@ -243,7 +243,7 @@ void TestDeviceMgr::theHardwareIsInitialisedInOrder()
 
 void TestDeviceMgr::theNameIsClaimedAfterAllHardwareIsInitialised()
 {
-    // The call before the last one of the start.
+    // This is the last but one call of the start.
     Board::fault("KyFaccess.isMounted", "delay 300");
     QStringList journal;
     QDBusServiceWatcher watcher("com.orvendis.Strandel.BoardManager", QDBusConnection::systemBus(),
@@ -373,7 +373,7 @@ void TestDeviceMgr::afterPreparationTheBatteryIsAnnouncedAndNoLedChanges()
     QCOMPARE(leds(), before);
 }
 
-void TestDeviceMgr::afterPreparationThePeriodicCheckGoesOnAndNoLedChanges()
+void TestDeviceMgr::afterPreparationThePeriodicCheckContinuesAndNoLedChanges()
 {
     daemon.controlClock();
     QVERIFY(daemon.start());
@@ -432,7 +432,7 @@ void TestDeviceMgr::afterPreparationTheBacklightStillFollowsTheLight()
     QCOMPARE(Board::get("backlight/brightness"), QStringLiteral("35"));
 }
 
-void TestDeviceMgr::afterPreparationTheOtherDevicesGoOn()
+void TestDeviceMgr::afterPreparationTheOtherDevicesStillWork()
 {
     Board::set("storage/SD/mounted", "1");
     QVERIFY(daemon.start());

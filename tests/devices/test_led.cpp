@@ -23,10 +23,10 @@ private Q_SLOTS:
     void setLedStatusReportsAnLedThatCannotBeSet();
     void getLedStatusReturnsTheStateOfEveryLed();
     void getLedStatusLeavesOutAnLedThatCannotBeRead();
-    void getLedStatusOfNoReadableLedIsEmpty();
+    void getLedStatusIsEmptyIfNoLedCanBeRead();
     void getLedStatusReturnsOnlyStateNames();
     void prepareForShutdownMakesThePowerButtonBlink();
-    void slowLedsOnlyTakeTime();
+    void slowLedsOnlyDelayTheReply();
 
     void theLedsShowTheBatteryStatusFromTheStart_data();
     void theLedsShowTheBatteryStatusFromTheStart();
@@ -201,7 +201,7 @@ void TestLed::getLedStatusLeavesOutAnLedThatCannotBeRead()
     QCOMPARE(led.call("getLEDStatus"), QString(all).remove("\"BT\": <\"OFF\">, "));
 }
 
-void TestLed::getLedStatusOfNoReadableLedIsEmpty()
+void TestLed::getLedStatusIsEmptyIfNoLedCanBeRead()
 {
     QVERIFY(daemon.start());
     Board::fault("KyLeds.getLedState", "always");
@@ -238,7 +238,7 @@ void TestLed::prepareForShutdownMakesThePowerButtonBlink()
     QCOMPARE(ledSettings(), shutdown);
 }
 
-void TestLed::slowLedsOnlyTakeTime()
+void TestLed::slowLedsOnlyDelayTheReply()
 {
     QVERIFY(daemon.start());
     const QString all = led.call("getLEDStatus");

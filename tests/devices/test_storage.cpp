@@ -25,20 +25,20 @@ private Q_SLOTS:
     void umountUnmountsAndAnnouncesTheDevice();
     void umountAnnouncesTheDeviceEvenWhenItFails_data();
     void umountAnnouncesTheDeviceEvenWhenItFails();
-    void aFailedUmountIsToldThenAnnouncedThenReturned_data();
-    void aFailedUmountIsToldThenAnnouncedThenReturned();
+    void aFailedUmountSendsErrorThenSignalThenReturn_data();
+    void aFailedUmountSendsErrorThenSignalThenReturn();
     void umountRefusesAnUnknownName_data();
     void umountRefusesAnUnknownName();
     void failingHardwareMeansNotMounted();
-    void slowHardwareOnlyTakesTime();
+    void slowHardwareOnlyDelaysTheReply();
 
-    void aCardThatIsInAtTheStartIsNotAnnounced();
+    void aCardInsertedBeforeTheStartIsNotAnnounced();
     void theSdLedShowsTheStateFromTheStart_data();
     void theSdLedShowsTheStateFromTheStart();
     void theSdLedFollowsTheCard();
 
     void theListenerJoinsTheKernelsAndOneMoreGroup();
-    void theListenerLeavesAllSignalsToTheOtherThreads();
+    void theListenersThreadBlocksAllSignals();
     void eventsOfTheFirstPartitionsAreAnnounced_data();
     void eventsOfTheFirstPartitionsAreAnnounced();
     void otherEventsAreIgnored();
@@ -47,15 +47,15 @@ private Q_SLOTS:
     void aDeviceIsAnnouncedWhenItIsPluggedInAndOut();
     void theKernelsOwnEventsAreAnnounced_data();
     void theKernelsOwnEventsAreAnnounced();
-    void aBurstLosesNothingAndLeavesTheDaemonAnswering();
-    void aListenerThatDoesNotGetToRunLosesNothing();
+    void aBurstLosesNoEventAndTheDaemonStillReplies();
+    void aSuspendedListenerLosesNoEvent();
     void theListenerHasItsReceiveBuffer();
     void aListenerReceivesEventsAfterALoss();
 
     void withoutEventsTheDaemonServesAndLogsNothing_data();
     void withoutEventsTheDaemonServesAndLogsNothing();
     void aStoppedListenerEndsWithTheNextEvent();
-    void theStorageWaitsForItsListener();
+    void theStoragesDestructorWaitsForItsListener();
 
 private:
     bool startListening();
@@ -106,7 +106,7 @@ bool TestStorage::startListening()
     return daemon.start() && KernelEvents::waitForListeners(1);
 }
 
-/** Verifies that every event that the kernel delivered is announced, and a later one, too. */
+/** Verifies that the daemon announces every event that the kernel delivered, and a later event. */
 void TestStorage::verifyBurstIsAnnounced(SignalRecorder &recorder)
 {
     const int undelivered = KernelEvents::undelivered();
@@ -238,7 +238,7 @@ void TestStorage::umountAnnouncesTheDeviceEvenWhenItFails()
     QCOMPARE(storage.call("isMounted", {device}), QStringLiteral("(true)"));
 }
 
-void TestStorage::aFailedUmountIsToldThenAnnouncedThenReturned_data()
+void TestStorage::aFailedUmountSendsErrorThenSignalThenReturn_data()
 {
     QTest::addColumn<QString>("device");
     QTest::addColumn<QString>("presence");
@@ -248,7 +248,7 @@ void TestStorage::aFailedUmountIsToldThenAnnouncedThenReturned_data()
                          << "usbKeyPresence";
 }
 
-void TestStorage::aFailedUmountIsToldThenAnnouncedThenReturned()
+void TestStorage::aFailedUmountSendsErrorThenSignalThenReturn()
 {
     QFETCH(QString, device);
     QFETCH(QString, presence);
@@ -298,7 +298,7 @@ void TestStorage::failingHardwareMeansNotMounted()
     QCOMPARE(recorder.waitFor(2), (QStringList{cardMounted, cardIn}));
 }
 
-void TestStorage::slowHardwareOnlyTakesTime()
+void TestStorage::slowHardwareOnlyDelaysTheReply()
 {
     Board::set("storage/USB/mounted", "1");
     for (const char *operation : {"isDeviceInserted", "isMounted", "unmountDevice"})
@@ -317,7 +317,7 @@ void TestStorage::slowHardwareOnlyTakesTime()
     QCOMPARE(storage.call("isMounted", {"USB"}), QStringLiteral("(false)"));
 }
 
-void TestStorage::aCardThatIsInAtTheStartIsNotAnnounced()
+void TestStorage::aCardInsertedBeforeTheStartIsNotAnnounced()
 {
     Board::set("storage/SD/inserted", "1");
     SignalRecorder recorder("/KyDeviceMgr");
@@ -373,7 +373,7 @@ void TestStorage::theListenerJoinsTheKernelsAndOneMoreGroup()
     QCOMPARE(KernelEvents::groups(), 0x11U);
 }
 
-void TestStorage::theListenerLeavesAllSignalsToTheOtherThreads()
+void TestStorage::theListenersThreadBlocksAllSignals()
 {
     QVERIFY(startListening());
 
@@ -382,7 +382,8 @@ void TestStorage::theListenerLeavesAllSignalsToTheOtherThreads()
         if (statusOf(thread, "Name") == "KySdcardThread")
             blocked << statusOf(thread, "SigBlk");
     }
-    // All except those that cannot be blocked (9 and 19) and those of the C library (32 and 33).
+    // All signals except those that cannot be blocked (9 and 19) and those of the C library (32 and
+    // 33).
     QCOMPARE(blocked, QList<QByteArray>{"fffffffe7ffbfeff"});
 }
 
@@ -509,7 +510,7 @@ void TestStorage::theKernelsOwnEventsAreAnnounced()
     QCOMPARE(recorder.waitFor(3 * removed.size()), removed + removed + removed);
 }
 
-void TestStorage::aBurstLosesNothingAndLeavesTheDaemonAnswering()
+void TestStorage::aBurstLosesNoEventAndTheDaemonStillReplies()
 {
     QVERIFY(startListening());
     SignalRecorder recorder("/KyDeviceMgr");
@@ -520,13 +521,13 @@ void TestStorage::aBurstLosesNothingAndLeavesTheDaemonAnswering()
     verifyBurstIsAnnounced(recorder);
 }
 
-void TestStorage::aListenerThatDoesNotGetToRunLosesNothing()
+void TestStorage::aSuspendedListenerLosesNoEvent()
 {
     QVERIFY(startListening());
     SignalRecorder recorder("/KyDeviceMgr");
 
     QVERIFY(stopProcess(daemon.processId()));
-    // The size of the kernel's largest events.
+    // The padding makes each event as large as the kernel's largest ones.
     QVERIFY(Board::sendKernelEvent(kernelEvent("add", keyPartition) + QByteArray(2048, 'x'),
                                    burstSize));
     QVERIFY(resumeProcess(daemon.processId()));
@@ -607,7 +608,7 @@ void TestStorage::aStoppedListenerEndsWithTheNextEvent()
     QCOMPARE(cardEvents.size() + keyEvents.size(), 0);
 }
 
-void TestStorage::theStorageWaitsForItsListener()
+void TestStorage::theStoragesDestructorWaitsForItsListener()
 {
     QObject root;
     auto adaptor = new KyStorage(&root);
@@ -623,7 +624,7 @@ void TestStorage::theStorageWaitsForItsListener()
     delete adaptor;
     isDestroyed = true;
 
-    // Before exec(), the sender's child shares the listener's socket.
+    // Each sender is a child process that shares the listener's socket until exec(): wait for it.
     QVERIFY(sender->wait(10000));
     delete sender;
     QCOMPARE(KernelEvents::listeners(), 0);

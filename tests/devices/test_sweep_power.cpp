@@ -4,8 +4,8 @@
 #include <QDBusVariant>
 
 /**
- * Invalid calls: wrong signatures and endless names, to the interfaces of the power supply, the
- * screen, the light, the LEDs, the storage, the temperatures and the shutdown.
+ * Invalid calls, with wrong signatures and very long names, of the methods of the power supply, the
+ * screen, the ambient light, the LEDs, the storage and the temperatures.
  */
 class TestSweepPower : public DaemonTest
 {
@@ -26,7 +26,7 @@ QVariant inVariant(const QVariant &value)
     return QVariant::fromValue(QDBusVariant(value));
 }
 
-/** Argument lists of every length that methods have; none fits any method. */
+/** Argument lists that fit no method, of every length that a method has. */
 const QList<Arguments> wrongArguments = {
     {0u},
     {inVariant("SD")},

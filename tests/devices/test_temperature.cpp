@@ -18,10 +18,10 @@ private Q_SLOTS:
     void aTemperatureAtOrAboveItsThresholdIsAnnounced();
     void bothSensorsAreAnnouncedInOrder();
     void aTemperatureIsAnnouncedBeforeItIsReturned();
-    void theCheckAnnouncesEveryTime();
+    void everyCheckAnnouncesAHighTemperature();
     void eachSensorHasItsOwnThreshold();
     void aThresholdMayBeAnyNumber();
-    void thresholdsReturnAtTheNextStart();
+    void thresholdsReturnToTheDefaultAtTheNextStart();
     void anUnknownDeviceHasNoThreshold_data();
     void anUnknownDeviceHasNoThreshold();
     void anIntervalBelowOneSecondIsRefused_data();
@@ -30,7 +30,7 @@ private Q_SLOTS:
     void aSensorThatFailsIsLeftOutAndLogged_data();
     void aSensorThatFailsIsLeftOutAndLogged();
     void bothSensorsFailingGiveAnEmptyMap();
-    void slowSensorsOnlyTakeTime();
+    void slowSensorsOnlyDelayTheReply();
 
     void theCheckRunsEveryFiveMinutes();
     void theCheckRunsAtTheNewInterval();
@@ -154,7 +154,7 @@ void TestTemperature::aTemperatureIsAnnouncedBeforeItIsReturned()
                           "return (a{sv})"}));
 }
 
-void TestTemperature::theCheckAnnouncesEveryTime()
+void TestTemperature::everyCheckAnnouncesAHighTemperature()
 {
     QVERIFY(daemon.start());
     SignalRecorder recorder("/KyDeviceMgr");
@@ -200,7 +200,7 @@ void TestTemperature::aThresholdMayBeAnyNumber()
     QCOMPARE(recorder.take(), QStringList("Temperature.temperatureReached(\"SOM\", -40)"));
 }
 
-void TestTemperature::thresholdsReturnAtTheNextStart()
+void TestTemperature::thresholdsReturnToTheDefaultAtTheNextStart()
 {
     QVERIFY(daemon.start());
     temperature.call("setTemperatureThreshold", {"SOM", 10});
@@ -278,7 +278,8 @@ void TestTemperature::aSensorThatFailsIsLeftOutAndLogged()
     QFETCH(QString, otherLine);
     QVERIFY(daemon.start());
     SignalRecorder recorder("/KyDeviceMgr");
-    // Lower than any value that an omitted read could leave.
+    // Every temperature is above this threshold: even a stale or uninitialised value would be
+    // announced.
     temperature.call("setTemperatureThreshold", {device, INT_MIN});
     Board::set("temperature/" + device, "warm");
 
@@ -304,7 +305,7 @@ void TestTemperature::bothSensorsFailingGiveAnEmptyMap()
              QStringLiteral("({\"ANALOG_CHAIN\": <38>, \"SOM\": <42>})"));
 }
 
-void TestTemperature::slowSensorsOnlyTakeTime()
+void TestTemperature::slowSensorsOnlyDelayTheReply()
 {
     QVERIFY(daemon.start());
     SignalRecorder recorder("/KyDeviceMgr");
@@ -365,7 +366,7 @@ void TestTemperature::theIntervalIsKeptToTheMillisecond()
         for (int check = 1; check <= 2; ++check) {
             Board::clearJournal();
             daemon.letMillisecondsPass(interval - 1);
-            // Twice: expired timers are handled after earlier calls.
+            // take() makes a call, and expired timers are handled only after it: call it twice.
             recorder.take();
             recorder.take();
             QCOMPARE(readingTimes().size(), 0);
@@ -386,7 +387,7 @@ void TestTemperature::aNewIntervalCountsFromTheMomentItIsSet()
 
     temperature.call("getTemperatures");
     QCOMPARE(temperature.call("setInterval", {100000}), QStringLiteral("()"));
-    // In two steps, to detect a check that is due in between.
+    // Advance the clock in two steps, to detect a check in between.
     daemon.letTimePass(60);
     recorder.take();
     recorder.take();

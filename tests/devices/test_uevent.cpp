@@ -15,7 +15,7 @@ private Q_SLOTS:
     void bytesAfterTheHeaderAreIgnored_data();
     void bytesAfterTheHeaderAreIgnored();
     void aHeaderNeedsNoTerminator();
-    void aMessageThatEndsEarlyMeansNothing();
+    void aTruncatedMessageMeansNothing();
     void aHeaderMayBeAsLongAsTheBuffer();
     void anyBytesAreParsedWithoutHarm();
 };
@@ -96,11 +96,11 @@ void TestUevent::bytesAfterTheHeaderAreIgnored_data()
 {
     QTest::addColumn<QByteArray>("message");
     QTest::addColumn<QString>("meaning");
-    addRow("name behind it", QByteArray("add@/devices/usb\0DEVNAME=mmcblk0p1", 34),
+    addRow("name after the header", QByteArray("add@/devices/usb\0DEVNAME=mmcblk0p1", 34),
            StorageEvent::None);
-    addRow("action behind it", QByteArray("mmcblk0p1\0add@/devices/mmcblk0p1", 32),
+    addRow("action after the header", QByteArray("mmcblk0p1\0add@/devices/mmcblk0p1", 32),
            StorageEvent::None);
-    addRow("another partition behind it", QByteArray("add@/block/sda1\0mmcblk0p1", 25),
+    addRow("another partition after the header", QByteArray("add@/block/sda1\0mmcblk0p1", 25),
            StorageEvent::UsbKeyInserted);
     addRow("header empty", QByteArray("\0add@/devices/mmcblk0p1", 23), StorageEvent::None);
     addRow("another subsystem's header", QByteArray("libudev\0add@/block/sda1", 23),
@@ -120,7 +120,7 @@ void TestUevent::aHeaderNeedsNoTerminator()
     QCOMPARE(meaningOf("remove@/block/mmcblk0p1"), QStringLiteral("SD card removed"));
 }
 
-void TestUevent::aMessageThatEndsEarlyMeansNothing()
+void TestUevent::aTruncatedMessageMeansNothing()
 {
     const QByteArray whole = "add@/block/mmcblk0p1";
     for (int length = 0; length < whole.size(); ++length)

@@ -8,14 +8,14 @@ class TestWatchdog : public DaemonTest
     Q_OBJECT
 
 private Q_SLOTS:
-    void startTouchesNoRegister();
+    void theStartAccessesNoRegister();
     void firstCallAcknowledgesTheStartAndFeeds();
     void laterCallsOnlyFeed();
     void anUnreadableHpsStateStopsTheCall();
     void anHpsThatIsNotInitialisedStopsTheCall();
     void anyOtherHpsStateIsInitialised();
     void aRefusedAcknowledgementStopsTheCall();
-    void startIsAcknowledgedAsSoonAsItCanBe();
+    void theStartIsAcknowledgedByTheFirstCallThatCan();
     void aFailedFeedingIsAWriteError();
     void aFailedFirstFeedingDoesNotRepeatTheAcknowledgement();
     void keepAliveRefusesArguments();
@@ -56,7 +56,7 @@ QStringList TestWatchdog::calls() const
     return lines;
 }
 
-void TestWatchdog::startTouchesNoRegister()
+void TestWatchdog::theStartAccessesNoRegister()
 {
     QVERIFY(daemon.start());
     QCOMPARE(calls(), QStringList());
@@ -119,7 +119,7 @@ void TestWatchdog::aRefusedAcknowledgementStopsTheCall()
     QCOMPARE(calls(), (QStringList{hpsRead, "KyPowerman.setAckWatchdog() = 1"}));
 }
 
-void TestWatchdog::startIsAcknowledgedAsSoonAsItCanBe()
+void TestWatchdog::theStartIsAcknowledgedByTheFirstCallThatCan()
 {
     Board::remove("soc/0x6b");
     QVERIFY(daemon.start());

@@ -48,25 +48,25 @@ private Q_SLOTS:
     void setWritesTheInstrumentRecord();
     void setWritesTheMeasureRecord();
     void setRecordsAreReadAgainAfterARestart();
-    void getAfterASetReturnsWhatWasSetUnread();
+    void getAfterASetReturnsTheSetValuesWithoutReading();
     void getAfterASetKeepsTheTypesOfTheCaller_data();
     void getAfterASetKeepsTheTypesOfTheCaller();
     void getAfterASetReplacesTheCallersCrc();
-    void getAfterASetReturnsEntriesThatAreNoFields();
-    void entriesThatAreNoFieldsAreKeptUpTo64KiB();
+    void getAfterASetReturnsSurplusEntriesToo();
+    void surplusEntriesAreKeptUpTo64KiB();
     void fieldsAreKeptUpTo64KiB();
     void aSetRefusesFieldsOfMoreThan64KiB_data();
     void aSetRefusesFieldsOfMoreThan64KiB();
     void aStoredRecordDoesNotKeepItsMessageInMemory();
     void fileDescriptorsAreNotKept();
     void emptySignaturesAreNotKept();
-    void valuesAsDeepAsTheBusTakesThemComeBack_data();
-    void valuesAsDeepAsTheBusTakesThemComeBack();
+    void valuesOfTheGreatestDepthOnTheBusAreReturned_data();
+    void valuesOfTheGreatestDepthOnTheBusAreReturned();
     void instrumentValuesAreConverted_data();
     void instrumentValuesAreConverted();
     void aModelThatWasSetReachesTheLibraryAtTheNextRead();
-    void coefficientsAreTakenFromEveryList_data();
-    void coefficientsAreTakenFromEveryList();
+    void coefficientsAreReadFromEveryKindOfList_data();
+    void coefficientsAreReadFromEveryKindOfList();
     void coefficientsThatAreNoListCountAsEmpty_data();
     void coefficientsThatAreNoListCountAsEmpty();
     void anotherNumberOfCoefficientsReadsBackInvalid_data();
@@ -84,20 +84,20 @@ private Q_SLOTS:
     void aFailedWriteStillRestoresTheProtection();
     void protectionThatCannotBeRestoredIsAWriteError_data();
     void protectionThatCannotBeRestoredIsAWriteError();
-    void aSetSendsEveryErrorItMeets_data();
-    void aSetSendsEveryErrorItMeets();
+    void aSetSendsAnErrorForEachFailedStep_data();
+    void aSetSendsAnErrorForEachFailedStep();
 
-    void noSignalEndsItWhileTheProtectionIsLifted_data();
-    void noSignalEndsItWhileTheProtectionIsLifted();
-    void aHungWriteIsEndedByAKill();
+    void noSignalEndsTheDaemonWhileTheProtectionIsLifted_data();
+    void noSignalEndsTheDaemonWhileTheProtectionIsLifted();
+    void sigkillEndsTheDaemonInAHungWrite();
 
-    void invalidateSpoilsBothCrcsAndKeepsTheData();
+    void invalidateClearsBothCrcsAndKeepsTheData();
     void invalidateMakesBothRecordsInvalid();
     void invalidateLeavesRecordsOfZerosValid();
     void invalidateStopsWhenTheProtectionCannotBeLifted();
     void invalidateWritesTheSecondRecordWhenTheFirstFails();
     void invalidateReportsASecondRecordThatFails();
-    void invalidateSendsEveryErrorItMeets();
+    void invalidateSendsAnErrorForEachFailedStep();
     void invalidateRefusesArguments();
     void aChangedEepromShowsAfterAnInvalidation();
 
@@ -451,7 +451,7 @@ void TestEeprom::setRecordsAreReadAgainAfterARestart()
     QCOMPARE(version.call(getMeasure), renderedMeasure());
 }
 
-void TestEeprom::getAfterASetReturnsWhatWasSetUnread()
+void TestEeprom::getAfterASetReturnsTheSetValuesWithoutReading()
 {
     QVERIFY(daemon.start());
     QVariantMap map = instrumentRecord();
@@ -532,7 +532,7 @@ void TestEeprom::getAfterASetReplacesTheCallersCrc()
     QCOMPARE(version.call(getInstrument), renderedInstrument);
 }
 
-void TestEeprom::getAfterASetReturnsEntriesThatAreNoFields()
+void TestEeprom::getAfterASetReturnsSurplusEntriesToo()
 {
     QVERIFY(daemon.start());
     const QString values = instrumentValues("Brand", "i 3").replace("a{sv} 12", "a{sv} 14") +
@@ -542,7 +542,7 @@ void TestEeprom::getAfterASetReturnsEntriesThatAreNoFields()
     QVERIFY(version.call(getInstrument).contains("\"Colour\": <\"red\">"));
 }
 
-void TestEeprom::entriesThatAreNoFieldsAreKeptUpTo64KiB()
+void TestEeprom::surplusEntriesAreKeptUpTo64KiB()
 {
     QVERIFY(daemon.start());
     const struct {
@@ -687,7 +687,7 @@ void TestEeprom::emptySignaturesAreNotKept()
     }
 }
 
-void TestEeprom::valuesAsDeepAsTheBusTakesThemComeBack_data()
+void TestEeprom::valuesOfTheGreatestDepthOnTheBusAreReturned_data()
 {
     QTest::addColumn<QString>("outer");
     QTest::addColumn<int>("levels");
@@ -706,7 +706,7 @@ void TestEeprom::valuesAsDeepAsTheBusTakesThemComeBack_data()
 }
 
 /** The map, its entry and its variant use three of 64 levels. */
-void TestEeprom::valuesAsDeepAsTheBusTakesThemComeBack()
+void TestEeprom::valuesOfTheGreatestDepthOnTheBusAreReturned()
 {
     QFETCH(QString, outer);
     QFETCH(int, levels);
@@ -814,7 +814,7 @@ void TestEeprom::aModelThatWasSetReachesTheLibraryAtTheNextRead()
              (QStringList{"KyBoardRev.setBrand(3) = 0", "KyBoardRev.setModel(2) = 0"}));
 }
 
-void TestEeprom::coefficientsAreTakenFromEveryList_data()
+void TestEeprom::coefficientsAreReadFromEveryKindOfList_data()
 {
     QTest::addColumn<QString>("list");
     QTest::addColumn<QVector<quint32>>("numbers");
@@ -826,7 +826,7 @@ void TestEeprom::coefficientsAreTakenFromEveryList_data()
     QTest::newRow("list in variants") << "v v au 3 1 2 255" << numbers;
 }
 
-void TestEeprom::coefficientsAreTakenFromEveryList()
+void TestEeprom::coefficientsAreReadFromEveryKindOfList()
 {
     QFETCH(QString, list);
     QFETCH(QVector<quint32>, numbers);
@@ -1040,12 +1040,12 @@ void TestEeprom::protectionThatCannotBeRestoredIsAWriteError()
     QCOMPARE(calls().last(), QStringLiteral("KyEeprom.setWriteEnable(false) = 1"));
 }
 
-void TestEeprom::aSetSendsEveryErrorItMeets_data()
+void TestEeprom::aSetSendsAnErrorForEachFailedStep_data()
 {
     protectionThatCannotBeLiftedStopsASet_data();
 }
 
-void TestEeprom::aSetSendsEveryErrorItMeets()
+void TestEeprom::aSetSendsAnErrorForEachFailedStep()
 {
     QFETCH(QString, setter);
     QFETCH(QString, getter);
@@ -1062,7 +1062,7 @@ void TestEeprom::aSetSendsEveryErrorItMeets()
     QCOMPARE(version.call(getter), values);
 }
 
-void TestEeprom::noSignalEndsItWhileTheProtectionIsLifted_data()
+void TestEeprom::noSignalEndsTheDaemonWhileTheProtectionIsLifted_data()
 {
     QTest::addColumn<QString>("method");
     QTest::addColumn<QVariantList>("arguments");
@@ -1081,7 +1081,7 @@ void TestEeprom::noSignalEndsItWhileTheProtectionIsLifted_data()
     row(invalidate, {}, SIGTERM);
 }
 
-void TestEeprom::noSignalEndsItWhileTheProtectionIsLifted()
+void TestEeprom::noSignalEndsTheDaemonWhileTheProtectionIsLifted()
 {
     QFETCH(QString, method);
     QFETCH(QVariantList, arguments);
@@ -1115,7 +1115,7 @@ void TestEeprom::noSignalEndsItWhileTheProtectionIsLifted()
     QCOMPARE(Board::get("eeprom/write_enabled"), QStringLiteral("0"));
 }
 
-void TestEeprom::aHungWriteIsEndedByAKill()
+void TestEeprom::sigkillEndsTheDaemonInAHungWrite()
 {
     QVERIFY(daemon.start());
     Board::fault("KyEeprom.writeEeprom", "hold");
@@ -1126,7 +1126,7 @@ void TestEeprom::aHungWriteIsEndedByAKill()
     QCOMPARE(daemon.waitForExit(), -1);
 }
 
-void TestEeprom::invalidateSpoilsBothCrcsAndKeepsTheData()
+void TestEeprom::invalidateClearsBothCrcsAndKeepsTheData()
 {
     QVERIFY(daemon.start());
     const QByteArray instrumentData = Board::bytes("eeprom/instrument").mid(2);
@@ -1213,7 +1213,7 @@ void TestEeprom::invalidateReportsASecondRecordThatFails()
                           "KyEeprom.writeEeprom(1, 0000, 0, 2) = 1", protectionRestored}));
 }
 
-void TestEeprom::invalidateSendsEveryErrorItMeets()
+void TestEeprom::invalidateSendsAnErrorForEachFailedStep()
 {
     QVERIFY(daemon.start());
     Board::clearJournal();

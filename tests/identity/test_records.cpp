@@ -13,7 +13,7 @@ class TestRecords : public QObject
 private Q_SLOTS:
     void instrumentRecordIsEncodedByteForByte();
     void instrumentRecordIsDecodedByteForByte();
-    void instrumentRecordComesBackFromEveryRandomRecord();
+    void decodingAnEncodedInstrumentRecordReturnsItsValues();
     void instrumentRecordOfZerosIsValid();
     void instrumentRecordOfOnesIsNotValid();
     void instrumentRecordOfAnotherSizeIsNotValid();
@@ -29,7 +29,7 @@ private Q_SLOTS:
 
     void measureRecordIsEncodedByteForByte();
     void measureRecordIsDecodedByteForByte();
-    void measureRecordComesBackFromEveryRandomRecord();
+    void decodingAnEncodedMeasureRecordReturnsItsValues();
     void measureRecordTakesAnyNumberOfCoefficients_data();
     void measureRecordTakesAnyNumberOfCoefficients();
     void measureRecordOfZerosIsValid();
@@ -38,10 +38,10 @@ private Q_SLOTS:
     void siteIsCutToSixteenBits();
     void datesTakeAllThirtyTwoBits();
 
-    void libraryModels_data();
-    void libraryModels();
-    void fpgaRevisions_data();
-    void fpgaRevisions();
+    void everyModelHasItsNumberInTheLibrary_data();
+    void everyModelHasItsNumberInTheLibrary();
+    void anFpgaRevisionIsTwoDecimalNumbers_data();
+    void anFpgaRevisionIsTwoDecimalNumbers();
 };
 
 namespace
@@ -142,7 +142,7 @@ void TestRecords::instrumentRecordIsDecodedByteForByte()
     QCOMPARE(decoded["Model"].userType(), int(QMetaType::QString));
 }
 
-void TestRecords::instrumentRecordComesBackFromEveryRandomRecord()
+void TestRecords::decodingAnEncodedInstrumentRecordReturnsItsValues()
 {
     QRandomGenerator random(74);
     for (int round = 0; round < 500; ++round) {
@@ -347,7 +347,7 @@ void TestRecords::measureRecordIsDecodedByteForByte()
     }
 }
 
-void TestRecords::measureRecordComesBackFromEveryRandomRecord()
+void TestRecords::decodingAnEncodedMeasureRecordReturnsItsValues()
 {
     QRandomGenerator random(1196);
     for (int round = 0; round < 100; ++round) {
@@ -436,7 +436,7 @@ void TestRecords::datesTakeAllThirtyTwoBits()
     QCOMPARE(encodeMeasureRecord(map, {}).mid(4).toHex(), QByteArray("000000016553f100"));
 }
 
-void TestRecords::libraryModels_data()
+void TestRecords::everyModelHasItsNumberInTheLibrary_data()
 {
     QTest::addColumn<int>("model");
     QTest::addColumn<int>("number");
@@ -451,14 +451,14 @@ void TestRecords::libraryModels_data()
     QTest::newRow("0xffff") << 0xFFFF << 3;
 }
 
-void TestRecords::libraryModels()
+void TestRecords::everyModelHasItsNumberInTheLibrary()
 {
     QFETCH(int, model);
     QFETCH(int, number);
     QCOMPARE(int(libraryModel(quint16(model))), number);
 }
 
-void TestRecords::fpgaRevisions_data()
+void TestRecords::anFpgaRevisionIsTwoDecimalNumbers_data()
 {
     QTest::addColumn<uint>("revision");
     QTest::addColumn<QString>("text");
@@ -469,7 +469,7 @@ void TestRecords::fpgaRevisions_data()
     QTest::newRow("largest") << 0xFFFFFFFFU << "65535.65535";
 }
 
-void TestRecords::fpgaRevisions()
+void TestRecords::anFpgaRevisionIsTwoDecimalNumbers()
 {
     QFETCH(uint, revision);
     QFETCH(QString, text);

@@ -20,10 +20,10 @@ private Q_SLOTS:
     void unknownMethodsAreRefused();
     void incompleteMapsAreRefused_data();
     void incompleteMapsAreRefused();
-    void anyTypeUnderEveryKeyIsTaken_data();
-    void anyTypeUnderEveryKeyIsTaken();
-    void mapsUpTo64KiBAreTaken_data();
-    void mapsUpTo64KiBAreTaken();
+    void everyKeyAcceptsValuesOfAnyType_data();
+    void everyKeyAcceptsValuesOfAnyType();
+    void mapsUpTo64KiBAreAccepted_data();
+    void mapsUpTo64KiBAreAccepted();
 
 private:
     QString call(const QString &method, const QString &values);
@@ -261,7 +261,7 @@ void TestSweepIdentity::incompleteMapsAreRefused()
     QCOMPARE(eeproms(), before);
 }
 
-void TestSweepIdentity::anyTypeUnderEveryKeyIsTaken_data()
+void TestSweepIdentity::everyKeyAcceptsValuesOfAnyType_data()
 {
     QTest::addColumn<QString>("setter");
     QTest::addColumn<QString>("getter");
@@ -275,7 +275,7 @@ void TestSweepIdentity::anyTypeUnderEveryKeyIsTaken_data()
                                        << "getEepromMesure" << key << measureKeys;
 }
 
-void TestSweepIdentity::anyTypeUnderEveryKeyIsTaken()
+void TestSweepIdentity::everyKeyAcceptsValuesOfAnyType()
 {
     QFETCH(QString, setter);
     QFETCH(QString, getter);
@@ -296,7 +296,7 @@ void TestSweepIdentity::anyTypeUnderEveryKeyIsTaken()
     QCOMPARE(calls().filter("KyEeprom.writeEeprom"), QStringList());
 }
 
-void TestSweepIdentity::mapsUpTo64KiBAreTaken_data()
+void TestSweepIdentity::mapsUpTo64KiBAreAccepted_data()
 {
     QTest::addColumn<QVariant>("value");
     QTest::newRow("text of 60,000 characters") << QVariant(QString(60000, 'x'));
@@ -314,7 +314,7 @@ void TestSweepIdentity::mapsUpTo64KiBAreTaken_data()
     QTest::newRow("map of 3,000 entries") << QVariant(map);
 }
 
-void TestSweepIdentity::mapsUpTo64KiBAreTaken()
+void TestSweepIdentity::mapsUpTo64KiBAreAccepted()
 {
     QFETCH(QVariant, value);
     startAndReadRecords();

@@ -14,13 +14,13 @@ class TestVersion : public DaemonTest
 
 private Q_SLOTS:
     void revisionsAreThoseOfTheBoard();
-    void revisionsAreAskedInOrderAndOnce();
+    void revisionsAreReadInOrderAndOnce();
     void fpgaRevisionIsText_data();
     void fpgaRevisionIsText();
     void aRevisionThatCannotBeReadIsLeftOut_data();
     void aRevisionThatCannotBeReadIsLeftOut();
     void aRevisionThatWasMissingStaysMissing();
-    void revisionsAreAskedAgainWhenNoneCouldBeRead();
+    void revisionsAreReadAgainIfNoneCouldBeRead();
     void anUnreadableModuleRevisionIsNotSet();
     void aLibraryThatRefusesTheModuleRevisionIsIgnored();
     void revisionsSurviveAnInvalidation();
@@ -30,21 +30,21 @@ private Q_SLOTS:
     void bspVersionIsLeftOutWithoutAFile();
     void bspVersionIsLeftOutForADirectory();
     void bspVersionMayBeLong();
-    void theLongestBspVersionIsGivenAndALongerOneLeftOut();
+    void aBspVersionAboveTheLimitIsLeftOut();
     void bspVersionTooLongForAMessageIsLeftOut();
 
     void ownVersion();
     void applicationVersionIsItsTrimmedOutput_data();
     void applicationVersionIsItsTrimmedOutput();
     void theApplicationGetsOneArgument();
-    void theLongestApplicationVersionIsGivenAndALongerOneLeftOut();
+    void anApplicationVersionAboveTheLimitIsLeftOut();
     void applicationVersionIsLeftOut_data();
     void applicationVersionIsLeftOut();
     void applicationVersionIsLeftOutWithoutTheProgram();
     void applicationVersionIsLeftOutWhenItIsNoProgram();
-    void anApplicationThatHangsIsEndedAfterThreeSeconds_data();
-    void anApplicationThatHangsIsEndedAfterThreeSeconds();
-    void anApplicationThatFloodsIsEndedAtOnce();
+    void anApplicationThatHangsIsKilledAfterThreeSeconds_data();
+    void anApplicationThatHangsIsKilledAfterThreeSeconds();
+    void anApplicationWithTooMuchOutputIsKilledAtOnce();
     void anApplicationThatLeavesAChildBehindIsNotWaitedFor();
     void versionsAreGatheredOnce();
     void versionsSurviveAnInvalidation();
@@ -109,7 +109,7 @@ void TestVersion::revisionsAreThoseOfTheBoard()
                             " \"SOM\": <u:4294967295>})"));
 }
 
-void TestVersion::revisionsAreAskedInOrderAndOnce()
+void TestVersion::revisionsAreReadInOrderAndOnce()
 {
     Board::set("revision/SOM", "5");
     QVERIFY(daemon.start());
@@ -177,7 +177,7 @@ void TestVersion::aRevisionThatWasMissingStaysMissing()
     QCOMPARE(Board::journal().filter("getRevision").size(), 4);
 }
 
-void TestVersion::revisionsAreAskedAgainWhenNoneCouldBeRead()
+void TestVersion::revisionsAreReadAgainIfNoneCouldBeRead()
 {
     QVERIFY(daemon.start());
     Board::fault("KyBoardRev.getRevision", "always");
@@ -259,7 +259,7 @@ void TestVersion::bspVersionMayBeLong()
     QCOMPARE(version.call(getVersions), withBsp(line));
 }
 
-void TestVersion::theLongestBspVersionIsGivenAndALongerOneLeftOut()
+void TestVersion::aBspVersionAboveTheLimitIsLeftOut()
 {
     const QByteArray longest(256 * 1024, 'x');
     QVERIFY(daemon.start());
@@ -317,7 +317,7 @@ void TestVersion::theApplicationGetsOneArgument()
     QCOMPARE(version.call(getVersions), withApplication("1 -V"));
 }
 
-void TestVersion::theLongestApplicationVersionIsGivenAndALongerOneLeftOut()
+void TestVersion::anApplicationVersionAboveTheLimitIsLeftOut()
 {
     installApplication("head -c 262144 /dev/zero | tr '\\0' x");
     QVERIFY(daemon.start());
@@ -363,7 +363,7 @@ void TestVersion::applicationVersionIsLeftOutWhenItIsNoProgram()
     QCOMPARE(version.call(getVersions), ownVersionAlone);
 }
 
-void TestVersion::anApplicationThatHangsIsEndedAfterThreeSeconds_data()
+void TestVersion::anApplicationThatHangsIsKilledAfterThreeSeconds_data()
 {
     QTest::addColumn<QByteArray>("script");
     QTest::newRow("silent") << QByteArray("exec sleep 1000");
@@ -371,7 +371,7 @@ void TestVersion::anApplicationThatHangsIsEndedAfterThreeSeconds_data()
     QTest::newRow("writing on and on") << QByteArray("while echo 4.5; do sleep 0.2; done");
 }
 
-void TestVersion::anApplicationThatHangsIsEndedAfterThreeSeconds()
+void TestVersion::anApplicationThatHangsIsKilledAfterThreeSeconds()
 {
     QFETCH(QByteArray, script);
     QFile::remove("/tmp/runs");
@@ -391,7 +391,7 @@ void TestVersion::anApplicationThatHangsIsEndedAfterThreeSeconds()
     QCOMPARE(readFile("/tmp/runs"), QByteArray("run\n"));
 }
 
-void TestVersion::anApplicationThatFloodsIsEndedAtOnce()
+void TestVersion::anApplicationWithTooMuchOutputIsKilledAtOnce()
 {
     installApplication("echo $$ > /tmp/application.pid\nexec yes");
     QVERIFY(daemon.start());

@@ -12,7 +12,7 @@ using Event = LinkEvent;
 using Do = LinkAction;
 
 constexpr int mostPending = 2;
-/** The maximum number of actions that an event causes, unless the table has a loop. */
+/** An event that causes more actions than this is in a loop of the table. */
 constexpr size_t mostActs = 40;
 
 const struct {
@@ -85,7 +85,7 @@ private:
     size_t m_position = 0;
 };
 
-/** A machine whose surroundings return the results of @p choices. */
+/** A machine whose actions have the results that @p choices selects. */
 class ExploringMachine : public LinkMachine
 {
 public:
@@ -153,7 +153,7 @@ private:
 
     void takeOne(int &pending)
     {
-        // The counter saturates: its maximum may stand for more.
+        // The counter saturates: at its maximum, one event less may leave it unchanged.
         if (pending < mostPending || m_choices.choose(2) == 0)
             --pending;
     }
@@ -244,7 +244,7 @@ quint32 keyOf(const LinkWorld &world)
     return key;
 }
 
-/** Records what clients may expect after @p outcome. */
+/** Updates the list or the outcome that clients still wait for after @p outcome. */
 void owe(LinkOutcome &outcome)
 {
     LinkWorld &world = outcome.after;

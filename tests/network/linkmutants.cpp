@@ -61,8 +61,8 @@ LinkSet reachableOperations(const LinkTable &table)
 }
 
 /**
- * Returns true if both targets are equal for each of @p from: one names the state that the other
- * keeps.
+ * Returns true if both targets lead to the same state from each state of @p from: they are equal,
+ * or one names the state that the other leaves unchanged.
  */
 template <typename Value>
 bool isSame(std::optional<Value> one, std::optional<Value> other, LinkSet from)

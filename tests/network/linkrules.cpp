@@ -77,7 +77,7 @@ LinkAction dueReply(Outcome o, LinkKind kind)
     return Do::None;
 }
 
-/** Returns true if the machine will leave its current state without a client's call. */
+/** Returns true if the machine rests in its state, or will leave it without a client's call. */
 bool isBounded(const LinkWorld &world, LinkKind kind)
 {
     const bool isModuleDue = world.isScriptRunning || world.moduleDelays > 0;
@@ -156,7 +156,7 @@ const std::vector<LinkRule> linkRules = {
              return true;
          return int(o.acts.size()) == count(o, isReply) && isSame(o.before.link, o.after.link);
      }},
-    {"a call gets its error, and no other event sends one",
+    {"a refused call gets its error, and no other event sends an error",
      [](Outcome o, LinkKind kind) {
          const LinkAction due = isCall(o.event) ? dueReply(o, kind) : Do::None;
          return replyOf(o) == due && count(o, isReply) == (due == Do::None ? 0 : 1);
@@ -183,7 +183,7 @@ const std::vector<LinkRule> linkRules = {
                 o.after.link.operation == LinkOperation::Connect && !o.after.link.hasService &&
                 (o.has(Event::ScriptRefused) || o.after.link.state == Idle);
      }},
-    {"a scan keeps the service and is idle",
+    {"a scan keeps the service, and its state is idle",
      [](Outcome o, LinkKind) {
          if (o.event != Event::ScanCalled || !isAccepted(o))
              return true;
@@ -201,7 +201,7 @@ const std::vector<LinkRule> linkRules = {
                 o.has(Do::SwitchToAccessPoint) == o.has(Event::ConfigurationWritten);
      }},
 
-    // The end of a connection.
+    // Disconnecting.
     {"a disconnect is announced first",
      [](Outcome o, LinkKind) {
          if (o.event != Event::DisconnectCalled || replyOf(o) == Do::ReplyDisconnectedAlready)
@@ -254,7 +254,7 @@ const std::vector<LinkRule> linkRules = {
                 !o.has(Do::SwitchToAccessPoint);
      }},
 
-    // Bounds.
+    // Timeouts.
     {"every state is a resting state or ends without a call",
      [](Outcome o, LinkKind kind) { return isBounded(o.after, kind); }},
     {"the event that bounds a state ends it",
@@ -287,7 +287,7 @@ const std::vector<LinkRule> linkRules = {
          return !o.before.isConnectOwed || o.after.isConnectOwed || o.announces(Failure) ||
                 o.announces(Online) || o.event == Event::DisconnectCalled;
      }},
-    {"at each timeout a wired interface fails and is switched off",
+    {"at each timeout a wired attempt fails and the technology is switched off",
      [](Outcome o, LinkKind kind) {
          return kind != LinkKind::Ethernet || o.event != Event::TimeIsOver ||
                 (o.announces(Failure) && isOrdered(o, {Do::Announce, Do::PowerOff}));
@@ -376,7 +376,7 @@ const std::vector<LinkRule> linkRules = {
          return kind != LinkKind::Station || !isSignal || o.before.link.isFirmwareLoaded ||
                 o.before.link.state == Disconnect || o.acts.empty();
      }},
-    {"a module that gets ready continues only a pending operation",
+    {"when the module is ready, only a pending operation continues",
      [](Outcome o, LinkKind kind) {
          if (o.event != Event::ModuleReady)
              return true;

@@ -82,7 +82,7 @@ const std::vector<LinkStory> linkStories = {
          "DisconnectCalled PowerOffRefused | Announce PowerOff ReplyNotPoweredOff Announce | "
          "idle/none service",
      }},
-    {"a service tells its address",
+    {"a service announces its address",
      LinkKind::Ethernet,
      {
          "ConnectCalled ScriptStarted | StartConnectTime SwitchToEthernet | idle/none timed",
@@ -141,7 +141,7 @@ const std::vector<LinkStory> linkStories = {
          "ModuleReady ConnmanAbsent | NoteModule AskConnman Announce | failure/connect firmware "
          "timed",
      }},
-    {"a scan where no network is known",
+    {"a scan when ConnMan lists no network",
      LinkKind::Station,
      {
          "Started PowerOffRefused | PowerOff | idle/none",
@@ -157,7 +157,7 @@ const std::vector<LinkStory> linkStories = {
          "ServicesChanged |  | idle/none firmware timed",
          "TimeIsOver ServicesChanged TimeJudged | Evaluate JudgeTime | idle/none firmware",
      }},
-    {"a scan where networks are known",
+    {"a scan when ConnMan lists networks already",
      LinkKind::Station,
      {
          "ScanCalled ScriptStarted | StartScanTime Announce SwitchToStation | idle/scan timed",
@@ -336,7 +336,7 @@ const std::vector<LinkStory> linkStories = {
          "UnregisterAgent ReplyNotPoweredOff Leave Announce | idle/none firmware timed service "
          "ready",
      }},
-    {"the time is over while nothing has come",
+    {"an attempt times out while the script runs",
      LinkKind::Station,
      {
          "ConnectCalled ScriptStarted | ForgetService StartConnectTime TakeRequest SwitchToStation "
@@ -345,7 +345,7 @@ const std::vector<LinkStory> linkStories = {
          "ScriptEnded | StartModuleDelay | failure/none",
          "ModuleReady | NoteModule | failure/none firmware",
      }},
-    {"the time is over while ConnMan connects",
+    {"an attempt times out while ConnMan connects",
      LinkKind::Station,
      {
          "ConnectCalled ScriptStarted | ForgetService StartConnectTime TakeRequest SwitchToStation "
@@ -357,7 +357,7 @@ const std::vector<LinkStory> linkStories = {
          "TimeIsOver ServicesChanged RequestedOther TimeJudged | Evaluate Judge JudgeTime Announce "
          "| failure/none firmware",
      }},
-    {"the time is over while a service is configured",
+    {"an attempt times out while its service is configured",
      LinkKind::Station,
      {
          "ConnectCalled ScriptStarted | ForgetService StartConnectTime TakeRequest SwitchToStation "
@@ -369,7 +369,7 @@ const std::vector<LinkStory> linkStories = {
          "TimeIsOver ServicesChanged RequestedOther TimeJudged | Evaluate Judge JudgeTime Announce "
          "| failure/none firmware service",
      }},
-    {"the time is over while a service is ready",
+    {"an attempt times out while its service is ready",
      LinkKind::Station,
      {
          "ConnectCalled ScriptStarted | ForgetService StartConnectTime TakeRequest SwitchToStation "
@@ -398,7 +398,7 @@ const std::vector<LinkStory> linkStories = {
          "TechnologyOn NetworksFound ServicesChanged | AskFound Evaluate | idle/none firmware "
          "timed",
      }},
-    {"a connect that takes the place of a scan",
+    {"a connect replaces a scan",
      LinkKind::Station,
      {
          "ScanCalled ScriptStarted | StartScanTime Announce SwitchToStation | idle/scan timed",
@@ -431,7 +431,7 @@ const std::vector<LinkStory> linkStories = {
          "SwitchToAccessPoint ReplyCannotSwitchAccessPoint Announce | failure/none",
          "DisconnectCalled ScriptRefused | Announce SwitchToEthernet Announce | idle/none",
      }},
-    {"an access point that does not come",
+    {"an access point that does not start",
      LinkKind::AccessPoint,
      {
          "ConnectCalled ConfigurationWritten ScriptStarted | Announce WriteConfiguration "

@@ -39,7 +39,7 @@ void TestAgentAnswer::fieldsAreAnswered_data()
         QTest::newRow(name) << QVariantMap{{QLatin1String(field), value}} << answer;
     };
     const QVariantMap mandatory = requirement("mandatory");
-    QTest::newRow("nothing asked for") << none << none;
+    QTest::newRow("no field requested") << none << none;
     row("passphrase", "Passphrase", mandatory, {{"Passphrase", "secret"}});
     row("identity", "Identity", mandatory, {{"Identity", "me"}});
     row("user name", "Username", mandatory, {{"Username", "me"}});
@@ -99,7 +99,7 @@ void TestAgentAnswer::thousandsOfOtherFieldsChangeNothing()
 
 void TestAgentAnswer::onlyTwoOfThousandsOfRequestsAreAnswered()
 {
-    // Without a caller: the refusals reach no bus.
+    // The requests come from no caller, so the refusals are not sent to a bus.
     qputenv("DBUS_SYSTEM_BUS_ADDRESS", "unix:path=/nonexistent");
     QObject host;
     KyConnmanAgent agent(&host);

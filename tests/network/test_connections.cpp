@@ -9,12 +9,12 @@ class TestConnections : public NetworkTest
 private Q_SLOTS:
     void init();
 
-    void twoAreConnectedWhileTheScriptOfTheFirstRuns_data();
-    void twoAreConnectedWhileTheScriptOfTheFirstRuns();
-    void allThreeAreConnectedAndDisconnected();
-    void aCableThatComesDoesNotDisturbTheStation();
-    void theStationDoesNotDisturbTheCable();
-    void theStationDoesNotJoinTheCable();
+    void twoInterfacesConnectWhileTheFirstOnesScriptRuns_data();
+    void twoInterfacesConnectWhileTheFirstOnesScriptRuns();
+    void allThreeInterfacesConnectAndDisconnect();
+    void connectingEthernetDoesNotDisturbTheStation();
+    void connectingTheStationDoesNotDisturbEthernet();
+    void theStationDoesNotJoinAWiredService();
 
 private:
     QString connectOne(const QString &interface);
@@ -36,7 +36,7 @@ const struct {
     const char *mode;
 } interfaces[] = {{"Ethernet", "0"}, {"WIFI", "1"}, {"WIFIAP", "2"}};
 
-/** The announcements of an adaptor until it waits for ConnMan, or has completed. */
+/** The states that an adaptor announces until it waits for ConnMan, or is online without it. */
 QStringList statesOf(const QString &interface)
 {
     return interface == "WIFIAP" ? QStringList{"configuration", "ready", "online"}
@@ -106,7 +106,7 @@ QStringList TestConnections::announcedBy(const QString &interface,
     return changes;
 }
 
-void TestConnections::twoAreConnectedWhileTheScriptOfTheFirstRuns_data()
+void TestConnections::twoInterfacesConnectWhileTheFirstOnesScriptRuns_data()
 {
     QTest::addColumn<QString>("first");
     QTest::addColumn<QString>("second");
@@ -119,7 +119,7 @@ void TestConnections::twoAreConnectedWhileTheScriptOfTheFirstRuns_data()
     }
 }
 
-void TestConnections::twoAreConnectedWhileTheScriptOfTheFirstRuns()
+void TestConnections::twoInterfacesConnectWhileTheFirstOnesScriptRuns()
 {
     QFETCH(QString, first);
     QFETCH(QString, second);
@@ -142,7 +142,7 @@ void TestConnections::twoAreConnectedWhileTheScriptOfTheFirstRuns()
                                         "end " + modeOf(second), "end " + modeOf(first)}));
 }
 
-void TestConnections::allThreeAreConnectedAndDisconnected()
+void TestConnections::allThreeInterfacesConnectAndDisconnect()
 {
     connman.storeProperty(ConnmanStandIn::wifiTechnology, "Powered", true);
     begin();
@@ -183,7 +183,7 @@ void TestConnections::allThreeAreConnectedAndDisconnected()
     QCOMPARE(announcements.size(), 2);
 }
 
-void TestConnections::aCableThatComesDoesNotDisturbTheStation()
+void TestConnections::connectingEthernetDoesNotDisturbTheStation()
 {
     begin();
     connectOne("WIFI");
@@ -204,7 +204,7 @@ void TestConnections::aCableThatComesDoesNotDisturbTheStation()
     QCOMPARE(announcedBy("WIFI", announced()), QStringList("configuration"));
 }
 
-void TestConnections::theStationDoesNotDisturbTheCable()
+void TestConnections::connectingTheStationDoesNotDisturbEthernet()
 {
     begin();
     connectOne("Ethernet");
@@ -226,7 +226,7 @@ void TestConnections::theStationDoesNotDisturbTheCable()
         QVERIFY2(!order.contains("ethernet"), qPrintable(order));
 }
 
-void TestConnections::theStationDoesNotJoinTheCable()
+void TestConnections::theStationDoesNotJoinAWiredService()
 {
     begin();
     wifi.call("connect", {QVariantMap{{"Service", "Wired"}}});

@@ -34,12 +34,12 @@ private Q_SLOTS:
     void everyTypeHasItsSignature_data();
     void everyTypeHasItsSignature();
     void registeringAgainChangesNothing();
-    void objectsComeThroughUnchanged();
-    void anObjectWithoutPropertiesComesThroughUnchanged();
-    void anEmptyListComesThroughUnchanged();
-    void managedObjectsComeThroughUnchanged();
+    void objectsArriveUnchanged();
+    void anObjectWithoutPropertiesArrivesUnchanged();
+    void anEmptyListArrivesUnchanged();
+    void managedObjectsArriveUnchanged();
     void theFirstObjectWithThePropertyIsFound();
-    void unsendableValuesAreTakenOutAtEveryDepth();
+    void unsendableValuesAreRemovedAtEveryDepth();
 
 private:
     QDBusMessage send(const QString &method, const QVariant &value);
@@ -116,7 +116,7 @@ void TestConnmanObject::registeringAgainChangesNothing()
     QCOMPARE(QMetaType::type("ConnmanObject"), type);
 }
 
-void TestConnmanObject::objectsComeThroughUnchanged()
+void TestConnmanObject::objectsArriveUnchanged()
 {
     const QVariantMap ipv4 = {{"Method", "dhcp"}, {"Address", "10.77.0.50"}};
     const QList<ConnmanObject> received =
@@ -130,7 +130,7 @@ void TestConnmanObject::objectsComeThroughUnchanged()
     QCOMPARE(received.at(1).properties, (QVariantMap{{"Type", "ethernet"}}));
 }
 
-void TestConnmanObject::anObjectWithoutPropertiesComesThroughUnchanged()
+void TestConnmanObject::anObjectWithoutPropertiesArrivesUnchanged()
 {
     const QList<ConnmanObject> received = sendObjects({{QDBusObjectPath("/a"), {}}});
     QCOMPARE(received.size(), 1);
@@ -138,12 +138,12 @@ void TestConnmanObject::anObjectWithoutPropertiesComesThroughUnchanged()
     QCOMPARE(received.at(0).properties, QVariantMap());
 }
 
-void TestConnmanObject::anEmptyListComesThroughUnchanged()
+void TestConnmanObject::anEmptyListArrivesUnchanged()
 {
     QCOMPARE(sendObjects({}).size(), 0);
 }
 
-void TestConnmanObject::managedObjectsComeThroughUnchanged()
+void TestConnmanObject::managedObjectsArriveUnchanged()
 {
     const ManagedObjectList managed = {
         {QDBusObjectPath("/a"), {{"one.Interface", {{"Name", "A"}}}, {"other.Interface", {}}}},
@@ -169,7 +169,7 @@ void TestConnmanObject::theFirstObjectWithThePropertyIsFound()
     QVERIFY(!connman::findObject({}, "Type", "wifi"));
 }
 
-void TestConnmanObject::unsendableValuesAreTakenOutAtEveryDepth()
+void TestConnmanObject::unsendableValuesAreRemovedAtEveryDepth()
 {
     const QVariant emptySignature = QVariant::fromValue(QDBusSignature());
     const QVariantMap map = {

@@ -13,21 +13,21 @@ class TestEthernet : public EthernetTest
     Q_OBJECT
 
 private Q_SLOTS:
-    void clientsSeeItsMembersAndNoOthers();
+    void clientsSeeOnlyTheMembersOfEthernet();
     void theTechnologyIsPoweredOffAtStart();
     void aRefusalToPowerOffAtStartIsIgnored();
     void theDaemonServesWithoutConnMan();
     void connectRunsTheScriptInModeZeroAndNothingElse();
-    void theOutputOfTheScriptIsDiscarded();
-    void connectGoesOnWhenTheScriptHasEnded();
+    void theScriptStartsWithItsOutputDiscarded();
+    void connectContinuesWhenTheScriptHasEnded();
     void associationIsAnnouncedBeforeTheTechnologyIsPoweredOn();
     void statesAreLoggedWithTheirService();
-    void anyEndOfTheScriptIsAccepted_data();
-    void anyEndOfTheScriptIsAccepted();
-    void theScriptsOutputIsDiscarded();
+    void theScriptMayEndInAnyWay_data();
+    void theScriptMayEndInAnyWay();
+    void theScriptsOutputDoesNotReachTheDaemonsOutput();
     void connectFailsWithoutConnMan();
-    void connectFailsWithoutAnAnswerOfPidof_data();
-    void connectFailsWithoutAnAnswerOfPidof();
+    void connectFailsIfPidofDoesNotAnswer_data();
+    void connectFailsIfPidofDoesNotAnswer();
     void aRefusalToPowerOnIsIgnored();
     void aTechnologyThatIsOnAlreadyIsUsedAtOnce();
     void aTechnologyThatIsOnAlreadyWaitsForItsService();
@@ -35,21 +35,21 @@ private Q_SLOTS:
     void connectIsIgnoredUnlessIdleOrFailed();
     void aScriptThatCannotBeStartedFailsTheConnect_data();
     void aScriptThatCannotBeStartedFailsTheConnect();
-    void aFailureIsAnsweredThenAnnouncedThenReturned();
+    void aFailedConnectSendsErrorThenSignalThenReturn();
     void connectWorksAgainOnceTheScriptCanBeStarted();
     void aSecondConnectWhileTheScriptRunsFails();
     void theEndOfTheScriptIsHandledOnceAfterSeveralConnects();
-    void severalConnectsOneAfterTheOther();
+    void connectSucceedsAfterEachDisconnect();
     void associationWaitsForTheServiceAfterPoweredIsTrue();
     void associationIgnoresEveryOtherSignal_data();
     void associationIgnoresEveryOtherSignal();
-    void anyArgumentsOfServicesChangedTrigger_data();
-    void anyArgumentsOfServicesChangedTrigger();
+    void servicesChangedTriggersWithAnyArguments_data();
+    void servicesChangedTriggersWithAnyArguments();
     void theFirstWiredServiceIsUsed();
     void malformedServiceListsCountAsEmpty_data();
     void malformedServiceListsCountAsEmpty();
-    void readyHandsTheSettingsToTheService();
-    void readyIsAnnouncedBeforeTheSettingsAreHandedOver();
+    void readySendsTheSettingsToTheService();
+    void readyIsAnnouncedBeforeTheSettingsAreSent();
     void onlineWhenTheTechnologyIsConnected();
     void readyStaysWithoutAValidAddressAndNetmask_data();
     void readyStaysWithoutAValidAddressAndNetmask();
@@ -61,27 +61,27 @@ private Q_SLOTS:
     void aMalformedIPv4ChangeIsAnnouncedAlone();
     void descriptorsInAnIPv4ChangeAreNotKeptOpen();
     void otherPropertiesOfTheServiceAreNotAnnounced();
-    void anIPv4ChangeCountsWhileReadyOnly();
+    void anIPv4ChangeCountsOnlyWhileReady();
     void signalsOfAnEarlierServiceAreIgnored();
-    void aServiceThatHasItsAddressAlreadyIsOnlineAtOnce();
-    void settingsThatAreStillToComeIntoForceAreWaitedFor();
-    void settingsThatAreInForceAlreadyAreNotWaitedFor();
-    void refusedSettingsAreNotWaitedFor();
+    void aServiceWithAnAddressIsOnlineAtOnce();
+    void theDaemonWaitsForSettingsThatAreNotYetInForce();
+    void theDaemonDoesNotWaitForSettingsInForce();
+    void theDaemonDoesNotWaitForRefusedSettings();
     void disconnectPowersTheTechnologyOff();
     void disconnectIsAnnouncedBeforeTheTechnologyIsPoweredOff();
     void disconnectEndsIdleWhenConnManRefuses();
     void disconnectEndsIdleWithoutConnMan();
-    void disconnectWhileIdleIsTheSame();
+    void disconnectWhileIdlePowersTheTechnologyOffToo();
     void disconnectDoesNotStopTheScript();
     void surplusArgumentsAreRefused();
-    void connManMayEndAtEveryState_data();
-    void connManMayEndAtEveryState();
+    void connManMayEndInEveryState_data();
+    void connManMayEndInEveryState();
 
 private:
     const QString scriptFile = QStringLiteral("/usr/share/redpine/switch_coex_mode.sh");
 };
 
-void TestEthernet::clientsSeeItsMembersAndNoOthers()
+void TestEthernet::clientsSeeOnlyTheMembersOfEthernet()
 {
     startDaemon();
     const QString document =
@@ -143,7 +143,7 @@ void TestEthernet::connectRunsTheScriptInModeZeroAndNothingElse()
     QCOMPARE(script.log(), QStringList{"start 0"});
 }
 
-void TestEthernet::theOutputOfTheScriptIsDiscarded()
+void TestEthernet::theScriptStartsWithItsOutputDiscarded()
 {
     startDaemon();
     script.hold();
@@ -158,7 +158,7 @@ void TestEthernet::theOutputOfTheScriptIsDiscarded()
                  QString("/dev/null"));
 }
 
-void TestEthernet::connectGoesOnWhenTheScriptHasEnded()
+void TestEthernet::connectContinuesWhenTheScriptHasEnded()
 {
     startDaemon();
     QCOMPARE(ethernet.call("connect"), QString("()"));
@@ -190,7 +190,7 @@ void TestEthernet::statesAreLoggedWithTheirService()
                                .arg(cable));
 }
 
-void TestEthernet::anyEndOfTheScriptIsAccepted_data()
+void TestEthernet::theScriptMayEndInAnyWay_data()
 {
     QTest::addColumn<QByteArray>("content");
     QTest::newRow("failing") << QByteArray("#!/bin/sh\nexit 3\n");
@@ -198,7 +198,7 @@ void TestEthernet::anyEndOfTheScriptIsAccepted_data()
     QTest::newRow("leaving a program behind") << QByteArray("#!/bin/sh\nsleep 60 &\n");
 }
 
-void TestEthernet::anyEndOfTheScriptIsAccepted()
+void TestEthernet::theScriptMayEndInAnyWay()
 {
     QFETCH(QByteArray, content);
     writeFile(scriptFile, content);
@@ -206,7 +206,7 @@ void TestEthernet::anyEndOfTheScriptIsAccepted()
     connectUntil("association");
 }
 
-void TestEthernet::theScriptsOutputIsDiscarded()
+void TestEthernet::theScriptsOutputDoesNotReachTheDaemonsOutput()
 {
     writeFile(scriptFile, "#!/bin/sh\nreadlink /proc/$$/fd/1 /proc/$$/fd/2 | cat >/tmp/outputs\n"
                           "echo one; echo two >&2\n");
@@ -229,14 +229,14 @@ void TestEthernet::connectFailsWithoutConnMan()
     QCOMPARE(calls(), QStringList());
 }
 
-void TestEthernet::connectFailsWithoutAnAnswerOfPidof_data()
+void TestEthernet::connectFailsIfPidofDoesNotAnswer_data()
 {
     QTest::addColumn<QByteArray>("pidof");
     QTest::newRow("pidof crashes") << QByteArray("kill -SEGV $$");
     QTest::newRow("pidof hangs") << QByteArray("exec sleep 60");
 }
 
-void TestEthernet::connectFailsWithoutAnAnswerOfPidof()
+void TestEthernet::connectFailsIfPidofDoesNotAnswer()
 {
     QFETCH(QByteArray, pidof);
     writeFile("/tmp/programs/pidof", "#!/bin/sh\n" + pidof + '\n');
@@ -332,7 +332,7 @@ void TestEthernet::aScriptThatCannotBeStartedFailsTheConnect()
     QCOMPARE(calls(), QStringList());
 }
 
-void TestEthernet::aFailureIsAnsweredThenAnnouncedThenReturned()
+void TestEthernet::aFailedConnectSendsErrorThenSignalThenReturn()
 {
     script.remove();
     startDaemon();
@@ -390,7 +390,7 @@ void TestEthernet::theEndOfTheScriptIsHandledOnceAfterSeveralConnects()
     connman.start();
 }
 
-void TestEthernet::severalConnectsOneAfterTheOther()
+void TestEthernet::connectSucceedsAfterEachDisconnect()
 {
     startDaemon();
     QStringList expected;
@@ -473,7 +473,7 @@ void TestEthernet::associationIgnoresEveryOtherSignal()
     QCOMPARE(calls(), QStringList());
 }
 
-void TestEthernet::anyArgumentsOfServicesChangedTrigger_data()
+void TestEthernet::servicesChangedTriggersWithAnyArguments_data()
 {
     QTest::addColumn<QVariantList>("values");
     const QVariant noPaths = QVariant::fromValue(QList<QDBusObjectPath>());
@@ -484,7 +484,7 @@ void TestEthernet::anyArgumentsOfServicesChangedTrigger_data()
     QTest::newRow("texts") << QVariantList{"a", "b", "c"};
 }
 
-void TestEthernet::anyArgumentsOfServicesChangedTrigger()
+void TestEthernet::servicesChangedTriggersWithAnyArguments()
 {
     QFETCH(QVariantList, values);
     startDaemon();
@@ -538,7 +538,7 @@ void TestEthernet::malformedServiceListsCountAsEmpty()
     QCOMPARE(recorder.take(), QStringList{state("ready")});
 }
 
-void TestEthernet::readyHandsTheSettingsToTheService()
+void TestEthernet::readySendsTheSettingsToTheService()
 {
     startDaemon();
     QCOMPARE(ethernet.call("setIPv4", {QVariantMap{{"Method", "manual"},
@@ -562,7 +562,7 @@ void TestEthernet::readyHandsTheSettingsToTheService()
                           getServices}));
 }
 
-void TestEthernet::readyIsAnnouncedBeforeTheSettingsAreHandedOver()
+void TestEthernet::readyIsAnnouncedBeforeTheSettingsAreSent()
 {
     startDaemon();
     connectUntil("association");
@@ -721,7 +721,7 @@ void TestEthernet::otherPropertiesOfTheServiceAreNotAnnounced()
     QCOMPARE(recorder.take(), QStringList());
 }
 
-void TestEthernet::anIPv4ChangeCountsWhileReadyOnly()
+void TestEthernet::anIPv4ChangeCountsOnlyWhileReady()
 {
     startDaemon();
     connectUntil("online");
@@ -755,7 +755,7 @@ void TestEthernet::signalsOfAnEarlierServiceAreIgnored()
     QCOMPARE(recorder.take().value(0), state("online", otherCable));
 }
 
-void TestEthernet::aServiceThatHasItsAddressAlreadyIsOnlineAtOnce()
+void TestEthernet::aServiceWithAnAddressIsOnlineAtOnce()
 {
     startDaemon();
     connman.setServices({wired(cable, lease)});
@@ -764,7 +764,7 @@ void TestEthernet::aServiceThatHasItsAddressAlreadyIsOnlineAtOnce()
     QCOMPARE(recorder.take(), (QStringList{state("ready"), state("online", cable)}));
 }
 
-void TestEthernet::settingsThatAreStillToComeIntoForceAreWaitedFor()
+void TestEthernet::theDaemonWaitsForSettingsThatAreNotYetInForce()
 {
     startDaemon();
     connman.setServices({wired(cable, lease)});
@@ -780,7 +780,7 @@ void TestEthernet::settingsThatAreStillToComeIntoForceAreWaitedFor()
     QCOMPARE(recorder.take(), QStringList{state("online", cable)});
 }
 
-void TestEthernet::settingsThatAreInForceAlreadyAreNotWaitedFor()
+void TestEthernet::theDaemonDoesNotWaitForSettingsInForce()
 {
     startDaemon();
     connman.setServices({wired(cable, lease)});
@@ -790,7 +790,7 @@ void TestEthernet::settingsThatAreInForceAlreadyAreNotWaitedFor()
     QCOMPARE(recorder.take(), (QStringList{state("ready"), state("online", cable)}));
 }
 
-void TestEthernet::refusedSettingsAreNotWaitedFor()
+void TestEthernet::theDaemonDoesNotWaitForRefusedSettings()
 {
     startDaemon();
     connman.setServices({wired(cable, lease)});
@@ -848,7 +848,7 @@ void TestEthernet::disconnectEndsIdleWithoutConnMan()
     connman.start();
 }
 
-void TestEthernet::disconnectWhileIdleIsTheSame()
+void TestEthernet::disconnectWhileIdlePowersTheTechnologyOffToo()
 {
     startDaemon();
     QCOMPARE(ethernet.call("disconnect"), failed("Cannot set property Powered: Already disabled"));
@@ -881,14 +881,14 @@ void TestEthernet::surplusArgumentsAreRefused()
     QCOMPARE(calls(), QStringList());
 }
 
-void TestEthernet::connManMayEndAtEveryState_data()
+void TestEthernet::connManMayEndInEveryState_data()
 {
     QTest::addColumn<QString>("name");
     for (const char *name : {"association", "ready", "online"})
         QTest::newRow(name) << name;
 }
 
-void TestEthernet::connManMayEndAtEveryState()
+void TestEthernet::connManMayEndInEveryState()
 {
     QFETCH(QString, name);
     startDaemon();

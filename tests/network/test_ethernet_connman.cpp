@@ -28,10 +28,10 @@ private Q_SLOTS:
     void cleanup();
 
     void startPowersTheWiredTechnologyOff();
-    void connectLeadsOnlineWithAnAddressOfTheDhcpServer();
-    void aLeaseThatIsFasterThanTheDaemonLeadsOnlineToo();
+    void connectLeadsToOnlineWithAnAddressFromTheDhcpServer();
+    void anEarlyLeaseLeadsToOnlineToo();
     void connectTwiceInARowChangesNothing();
-    void manualSettingsEndOnTheInterfaceAndInConnMan();
+    void manualSettingsReachTheInterfaceAndConnMan();
     void manualSettingsTakeEffectOnlyWithTheNextConnection();
     void dhcpAfterManualSettingsGetsALeaseAgain();
     void connectingWithoutACableFailsAfterAMinute();
@@ -41,7 +41,7 @@ private Q_SLOTS:
     void hardwareInfosMatchTheKernel_data();
     void hardwareInfosMatchTheKernel();
 
-    void aConnManThatCameUpAfterTheDaemonIsOnAlready();
+    void connectWorksIfConnManStartsAfterTheDaemon();
     void connManMayVanishAtAnyTime_data();
     void connManMayVanishAtAnyTime();
     void connManMayRestartAtAnyTime_data();
@@ -174,7 +174,7 @@ void TestEthernetConnman::startPowersTheWiredTechnologyOff()
     QCOMPARE(kernelAddress(), QString());
 }
 
-void TestEthernetConnman::connectLeadsOnlineWithAnAddressOfTheDhcpServer()
+void TestEthernetConnman::connectLeadsToOnlineWithAnAddressFromTheDhcpServer()
 {
     begin();
 
@@ -187,7 +187,7 @@ void TestEthernetConnman::connectLeadsOnlineWithAnAddressOfTheDhcpServer()
     QVERIFY(kernelAddress().startsWith("10.77.0."));
 }
 
-void TestEthernetConnman::aLeaseThatIsFasterThanTheDaemonLeadsOnlineToo()
+void TestEthernetConnman::anEarlyLeaseLeadsToOnlineToo()
 {
     begin();
     QVERIFY(reach("association"));
@@ -212,7 +212,7 @@ void TestEthernetConnman::connectTwiceInARowChangesNothing()
     QCOMPARE(script.log(), (QStringList{"start 0", "end 0"}));
 }
 
-void TestEthernetConnman::manualSettingsEndOnTheInterfaceAndInConnMan()
+void TestEthernetConnman::manualSettingsReachTheInterfaceAndConnMan()
 {
     begin();
     QCOMPARE(ethernet.call("setIPv4", {QVariantMap{{"Method", "manual"},
@@ -351,7 +351,7 @@ void TestEthernetConnman::hardwareInfosMatchTheKernel()
     QVERIFY(infos.endsWith(QString("\"Method\": <\"%1\">})").arg(method)));
 }
 
-void TestEthernetConnman::aConnManThatCameUpAfterTheDaemonIsOnAlready()
+void TestEthernetConnman::connectWorksIfConnManStartsAfterTheDaemon()
 {
     connman.kill();
     begin();

@@ -19,16 +19,16 @@ private Q_SLOTS:
     void anAttemptWithoutAnAddressFails();
     void theFailureIsAnnouncedBeforeTheTechnologyIsPoweredOff();
     void aScriptThatHangsFailsTheAttempt();
-    void aFailedStartOfTheScriptFailsOnceMore();
-    void aServiceThatTellsItsAddressDoesNotEndTheAttempt();
+    void aFailedStartOfTheScriptIsAnnouncedAgainAtTheTimeout();
+    void anAddressSignalDoesNotEndTheAttempt();
     void disconnectDoesNotEndTheAttempt();
     void anotherConnectRestartsTheTimeout();
     void aConnectedTechnologyEndsTheAttempt();
-    void anAddressThatIsThereAlreadyEndsTheAttempt();
+    void anExistingAddressEndsTheAttempt();
 
-    void startWaitsOnceForAConnManThatDoesNotAnswer();
-    void connManMayStandStillAtEveryState_data();
-    void connManMayStandStillAtEveryState();
+    void startWaitsForOneTimeoutIfConnManDoesNotAnswer();
+    void connManMayBeSuspendedInEveryState_data();
+    void connManMayBeSuspendedInEveryState();
 
 private:
     QString callWithoutAnswer(const QString &method, const QVariantList &values = {});
@@ -40,7 +40,7 @@ void TestEthernetTimeout::init()
     daemon.controlClock();
 }
 
-/** The reply to a call during which ConnMan lets the daemon's own call time out. */
+/** Calls @p method, which calls ConnMan in turn; returns the reply after that call's timeout. */
 QString TestEthernetTimeout::callWithoutAnswer(const QString &method, const QVariantList &values)
 {
     const QDBusPendingCall pending = ethernet.start(method, values);
@@ -105,7 +105,7 @@ void TestEthernetTimeout::aScriptThatHangsFailsTheAttempt()
     QCOMPARE(recorder.waitFor(1), QStringList{state("association")});
 }
 
-void TestEthernetTimeout::aFailedStartOfTheScriptFailsOnceMore()
+void TestEthernetTimeout::aFailedStartOfTheScriptIsAnnouncedAgainAtTheTimeout()
 {
     startDaemon();
     script.remove();
@@ -117,7 +117,7 @@ void TestEthernetTimeout::aFailedStartOfTheScriptFailsOnceMore()
     QCOMPARE(calls(), QStringList{poweredOff});
 }
 
-void TestEthernetTimeout::aServiceThatTellsItsAddressDoesNotEndTheAttempt()
+void TestEthernetTimeout::anAddressSignalDoesNotEndTheAttempt()
 {
     startDaemon();
     connectUntil("ready");
@@ -168,7 +168,7 @@ void TestEthernetTimeout::aConnectedTechnologyEndsTheAttempt()
     QCOMPARE(calls(), QStringList());
 }
 
-void TestEthernetTimeout::anAddressThatIsThereAlreadyEndsTheAttempt()
+void TestEthernetTimeout::anExistingAddressEndsTheAttempt()
 {
     startDaemon();
     connman.setServices({wired(cable, lease)});
@@ -183,9 +183,10 @@ void TestEthernetTimeout::anAddressThatIsThereAlreadyEndsTheAttempt()
     QCOMPARE(calls(), QStringList());
 }
 
-void TestEthernetTimeout::startWaitsOnceForAConnManThatDoesNotAnswer()
+void TestEthernetTimeout::startWaitsForOneTimeoutIfConnManDoesNotAnswer()
 {
-    // Faster instead of advanced: a daemon without its name cannot be woken to read the clock.
+    // letTimePass() wakes the daemon through its bus name, which it does not own yet: run its clock
+    // faster instead.
     daemon.speedUp(20);
     connman.holdMethod("Technology.SetProperty");
     QVERIFY(daemon.start());
@@ -193,7 +194,7 @@ void TestEthernetTimeout::startWaitsOnceForAConnManThatDoesNotAnswer()
     QCOMPARE(calls(), QStringList{poweredOff});
 }
 
-void TestEthernetTimeout::connManMayStandStillAtEveryState_data()
+void TestEthernetTimeout::connManMayBeSuspendedInEveryState_data()
 {
     QTest::addColumn<QString>("name");
     QTest::addColumn<QString>("service");
@@ -202,7 +203,7 @@ void TestEthernetTimeout::connManMayStandStillAtEveryState_data()
     QTest::newRow("online") << "online" << cable;
 }
 
-void TestEthernetTimeout::connManMayStandStillAtEveryState()
+void TestEthernetTimeout::connManMayBeSuspendedInEveryState()
 {
     QFETCH(QString, name);
     QFETCH(QString, service);

@@ -10,14 +10,14 @@ class TestIPv4Repair : public QObject
 private Q_SLOTS:
     void anAddressIsValidInItsCanonicalFormOnly_data();
     void anAddressIsValidInItsCanonicalFormOnly();
-    void missingAddressesAreMadeUp_data();
-    void missingAddressesAreMadeUp();
+    void missingAddressesGetDefaults_data();
+    void missingAddressesGetDefaults();
     void invalidAddressesAreReplaced_data();
     void invalidAddressesAreReplaced();
-    void validAddressesStay();
-    void otherSettingsStay();
-    void settingsAreInForceWhereTheServiceHasThem_data();
-    void settingsAreInForceWhereTheServiceHasThem();
+    void validAddressesAreKept();
+    void otherSettingsAreKept();
+    void settingsAreInForceIfTheServiceHasThem_data();
+    void settingsAreInForceIfTheServiceHasThem();
 };
 
 namespace
@@ -69,7 +69,7 @@ void TestIPv4Repair::anAddressIsValidInItsCanonicalFormOnly()
     QCOMPARE(isValidIPv4(text), valid);
 }
 
-void TestIPv4Repair::missingAddressesAreMadeUp_data()
+void TestIPv4Repair::missingAddressesGetDefaults_data()
 {
     QTest::addColumn<QString>("address");
     QTest::addColumn<QString>("netmask");
@@ -98,7 +98,7 @@ void TestIPv4Repair::missingAddressesAreMadeUp_data()
         QTest::newRow(row.address) << row.address << row.netmask << row.gateway;
 }
 
-void TestIPv4Repair::missingAddressesAreMadeUp()
+void TestIPv4Repair::missingAddressesGetDefaults()
 {
     QFETCH(QString, address);
     QFETCH(QString, netmask);
@@ -135,13 +135,13 @@ void TestIPv4Repair::invalidAddressesAreReplaced()
              ipv4("192.168.2.3", "255.255.255.0", "192.168.2.1"));
 }
 
-void TestIPv4Repair::validAddressesStay()
+void TestIPv4Repair::validAddressesAreKept()
 {
     const QVariantMap settings = ipv4("10.1.2.3", "255.255.255.128", "10.1.2.126");
     QCOMPARE(repairedIPv4(settings), settings);
 }
 
-void TestIPv4Repair::otherSettingsStay()
+void TestIPv4Repair::otherSettingsAreKept()
 {
     QVariantMap settings = ipv4("10.1.2.3", "255.0.0.0", "10.0.0.1");
     settings["Method"] = "manual";
@@ -149,7 +149,7 @@ void TestIPv4Repair::otherSettingsStay()
     QCOMPARE(repairedIPv4(settings), settings);
 }
 
-void TestIPv4Repair::settingsAreInForceWhereTheServiceHasThem_data()
+void TestIPv4Repair::settingsAreInForceIfTheServiceHasThem_data()
 {
     QTest::addColumn<QVariantMap>("settings");
     QTest::addColumn<QVariantMap>("present");
@@ -183,7 +183,7 @@ void TestIPv4Repair::settingsAreInForceWhereTheServiceHasThem_data()
     QTest::newRow("not all present") << manual << withoutGateway << false;
 }
 
-void TestIPv4Repair::settingsAreInForceWhereTheServiceHasThem()
+void TestIPv4Repair::settingsAreInForceIfTheServiceHasThem()
 {
     QFETCH(QVariantMap, settings);
     QFETCH(QVariantMap, present);

@@ -3,7 +3,7 @@
 #include <QFile>
 #include <QTest>
 
-/** The state machines in the documents are the daemon's tables. */
+/** The documents show the tables of the daemon's state machines. */
 class TestLinkDocument : public QObject
 {
     Q_OBJECT

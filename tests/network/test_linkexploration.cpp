@@ -42,7 +42,7 @@ const LinkTable &tableOf(LinkKind kind)
         if (machine.kind == kind)
             return machine.table;
     }
-    qFatal("there is no such machine");
+    qFatal("unknown machine");
 }
 
 QStringList linesOf(const LinkStory &story)
@@ -53,7 +53,7 @@ QStringList linesOf(const LinkStory &story)
     return lines;
 }
 
-/** A link and an event to which two rows of @p table apply; empty if there are none. */
+/** A link and an event to which two rows of @p table apply; empty if every event is unambiguous. */
 QString ambiguity(const LinkTable &table)
 {
     for (unsigned bits = 0; bits < 7U * 3 * 32; ++bits) {
@@ -91,7 +91,7 @@ bool keepsTheRules(const LinkTable &table, LinkKind kind)
     return explorer.violations().isEmpty();
 }
 
-/** Equivalent mutants, and why they are equivalent. */
+/** Mutants that behave like the original table, each with the reason. */
 const struct {
     const char *machine;
     const char *mutant;

@@ -12,20 +12,20 @@ class TestModeScript : public QObject
 private Q_SLOTS:
     void init();
 
-    void itSaysWhenItStartsAndEnds();
-    void itWaitsWhereItIsHeld();
-    void releasedItDoesNotWaitAgain();
-    void itCanBeSlow();
-    void itCanFail();
-    void itCanBeMissing();
-    void aScriptThatWaitsIsEndedWithTheRest();
+    void theScriptLogsItsStartAndItsEnd();
+    void aHeldScriptWaitsAfterItsStart();
+    void aReleasedScriptDoesNotWaitAgain();
+    void theScriptCanBeSlow();
+    void theScriptCanFail();
+    void theScriptCanBeMissing();
+    void clearKillsAWaitingScript();
 
-    void theAccessPointHasItsInterfaceAndItsPrograms();
-    void theOpenAccessPointToo();
-    void anyOtherModeTakesTheAccessPointDown();
+    void modeTwoStartsTheAccessPointsInterfaceAndPrograms();
+    void modeTwoStartsTheProgramsOfAnOpenAccessPoint();
+    void anyOtherModeStopsTheAccessPoint();
     void partsOfTheAccessPointCanBeLeftOut_data();
     void partsOfTheAccessPointCanBeLeftOut();
-    void theCarrierCanComeAndGo();
+    void theCarrierCanBeRemovedAndRestored();
 
 private:
     int switchMode(const QString &mode);
@@ -61,7 +61,7 @@ bool TestModeScript::isInterfaceRunning()
     return QNetworkInterface::interfaceFromName("wifi_ap").flags() & QNetworkInterface::IsRunning;
 }
 
-void TestModeScript::itSaysWhenItStartsAndEnds()
+void TestModeScript::theScriptLogsItsStartAndItsEnd()
 {
     QCOMPARE(script.log(), QStringList());
     QCOMPARE(switchMode("0"), 0);
@@ -69,7 +69,7 @@ void TestModeScript::itSaysWhenItStartsAndEnds()
     QCOMPARE(script.log(), (QStringList{"start 0", "end 0", "start 1", "end 1"}));
 }
 
-void TestModeScript::itWaitsWhereItIsHeld()
+void TestModeScript::aHeldScriptWaitsAfterItsStart()
 {
     script.hold();
     QProcess process;
@@ -82,7 +82,7 @@ void TestModeScript::itWaitsWhereItIsHeld()
     QCOMPARE(script.log(), (QStringList{"start 1", "end 1"}));
 }
 
-void TestModeScript::releasedItDoesNotWaitAgain()
+void TestModeScript::aReleasedScriptDoesNotWaitAgain()
 {
     script.hold();
     QProcess process;
@@ -92,7 +92,7 @@ void TestModeScript::releasedItDoesNotWaitAgain()
     QCOMPARE(switchMode("0"), 0);
 }
 
-void TestModeScript::itCanBeSlow()
+void TestModeScript::theScriptCanBeSlow()
 {
     script.setDelay(0.1);
     QElapsedTimer timer;
@@ -101,7 +101,7 @@ void TestModeScript::itCanBeSlow()
     QVERIFY(timer.elapsed() >= 100);
 }
 
-void TestModeScript::itCanFail()
+void TestModeScript::theScriptCanFail()
 {
     script.setFailure(3);
     QCOMPARE(switchMode("2"), 3);
@@ -109,14 +109,14 @@ void TestModeScript::itCanFail()
     QVERIFY(!QFile::exists("/sys/class/net/wifi_ap"));
 }
 
-void TestModeScript::itCanBeMissing()
+void TestModeScript::theScriptCanBeMissing()
 {
     script.remove();
     QCOMPARE(switchMode("0"), -2);
     QVERIFY(QFile::exists("/usr/share/redpine/hostapd_open.conf"));
 }
 
-void TestModeScript::aScriptThatWaitsIsEndedWithTheRest()
+void TestModeScript::clearKillsAWaitingScript()
 {
     script.hold();
     QProcess process;
@@ -127,7 +127,7 @@ void TestModeScript::aScriptThatWaitsIsEndedWithTheRest()
     QCOMPARE(process.exitStatus(), QProcess::CrashExit);
 }
 
-void TestModeScript::theAccessPointHasItsInterfaceAndItsPrograms()
+void TestModeScript::modeTwoStartsTheAccessPointsInterfaceAndPrograms()
 {
     QCOMPARE(switchMode("2"), 0);
     QVERIFY(runs("hostapd"));
@@ -137,7 +137,7 @@ void TestModeScript::theAccessPointHasItsInterfaceAndItsPrograms()
              QHostAddress("192.168.2.1"));
 }
 
-void TestModeScript::theOpenAccessPointToo()
+void TestModeScript::modeTwoStartsTheProgramsOfAnOpenAccessPoint()
 {
     QFile::remove("/tmp/User_part/hostapd.conf");
     QFile::copy("/usr/share/redpine/hostapd_open.conf", "/tmp/User_part/hostapd.conf");
@@ -146,7 +146,7 @@ void TestModeScript::theOpenAccessPointToo()
     QVERIFY(runs("dhcpd"));
 }
 
-void TestModeScript::anyOtherModeTakesTheAccessPointDown()
+void TestModeScript::anyOtherModeStopsTheAccessPoint()
 {
     for (const char *mode : {"0", "1"}) {
         QCOMPARE(switchMode("2"), 0);
@@ -182,7 +182,7 @@ void TestModeScript::partsOfTheAccessPointCanBeLeftOut()
     QCOMPARE(runs("dhcpd"), dhcpd);
 }
 
-void TestModeScript::theCarrierCanComeAndGo()
+void TestModeScript::theCarrierCanBeRemovedAndRestored()
 {
     QCOMPARE(switchMode("2"), 0);
     QTRY_VERIFY_WITH_TIMEOUT(isInterfaceRunning(), deadlineMs);

@@ -29,7 +29,7 @@ private Q_SLOTS:
 
 namespace
 {
-// The maximum length of a name; differs from the other name only in the last character.
+// A name of the maximum length; the peer's name differs only in the last character.
 const QString name = QStringLiteral("interface000001");
 const QString peer = QStringLiteral("interface000002");
 
@@ -126,7 +126,7 @@ void TestNetworkInterface::aMissingInterfaceIsNeitherUpNorRunning()
     QVERIFY(!maximumTransmissionUnit(none));
 }
 
-/** The socket that queries an interface may get any free descriptor, including 0. */
+/** With stdin closed, the socket that queries an interface gets descriptor 0. */
 void TestNetworkInterface::aFreeStandardInputDoesNotHideTheFlags()
 {
     QVERIFY(setLink(name, {"up"}));

@@ -9,12 +9,12 @@ class TestNetworkTimers : public WifiTest
 private Q_SLOTS:
     void init();
 
-    void aWiredAttemptTakesSixtySeconds();
-    void theStationsModuleTakesTwoSeconds();
-    void aScanTakesFifteenSeconds();
-    void anAttemptToJoinTakesSixtySeconds();
-    void aDisconnectTakesFifteenSeconds();
-    void theAccessPointTakesTwoSecondsAndThenThree();
+    void aWiredAttemptTimesOutEverySixtySeconds();
+    void theStationWaitsTwoSecondsForTheModule();
+    void aScanTimesOutAfterFifteenSeconds();
+    void anAttemptToJoinTimesOutAfterSixtySeconds();
+    void aDisconnectTimesOutAfterFifteenSeconds();
+    void theAccessPointIsCheckedAfterTwoSecondsAndThreeMore();
     void theAccessPointIsCheckedAgainAfterThreeSeconds();
 
 private:
@@ -32,7 +32,10 @@ void TestNetworkTimers::init()
     daemon.stopClock();
 }
 
-/** Lets this time pass. Verifies that @p expected is announced at its end and nothing before. */
+/**
+ * Lets @p milliseconds pass. Verifies that @p expected is announced in the last millisecond, and
+ * nothing before.
+ */
 void TestNetworkTimers::passTo(int milliseconds, const QStringList &expected)
 {
     daemon.letMillisecondsPass(milliseconds - 1);
@@ -42,7 +45,7 @@ void TestNetworkTimers::passTo(int milliseconds, const QStringList &expected)
     QCOMPARE(recorder->waitFor(expected.size()), expected);
 }
 
-void TestNetworkTimers::aWiredAttemptTakesSixtySeconds()
+void TestNetworkTimers::aWiredAttemptTimesOutEverySixtySeconds()
 {
     begin();
     ethernet.call("connect");
@@ -52,7 +55,7 @@ void TestNetworkTimers::aWiredAttemptTakesSixtySeconds()
         passTo(60000, {state("Ethernet", "", "failure")});
 }
 
-void TestNetworkTimers::theStationsModuleTakesTwoSeconds()
+void TestNetworkTimers::theStationWaitsTwoSecondsForTheModule()
 {
     connman.setServices({network("Lab", "idle")});
     begin();
@@ -62,7 +65,7 @@ void TestNetworkTimers::theStationsModuleTakesTwoSeconds()
     passTo(2000, {association});
 }
 
-void TestNetworkTimers::aScanTakesFifteenSeconds()
+void TestNetworkTimers::aScanTimesOutAfterFifteenSeconds()
 {
     begin();
     wifi.call("scan");
@@ -72,14 +75,14 @@ void TestNetworkTimers::aScanTakesFifteenSeconds()
     passTo(13000, {"WIFI.servicesListChanged({})"});
 }
 
-void TestNetworkTimers::anAttemptToJoinTakesSixtySeconds()
+void TestNetworkTimers::anAttemptToJoinTimesOutAfterSixtySeconds()
 {
     reach("association");
 
     passTo(58000, {failure});
 }
 
-void TestNetworkTimers::aDisconnectTakesFifteenSeconds()
+void TestNetworkTimers::aDisconnectTimesOutAfterFifteenSeconds()
 {
     begin();
     connman.storeProperty(ConnmanStandIn::wifiTechnology, "Powered", true);
@@ -89,7 +92,7 @@ void TestNetworkTimers::aDisconnectTakesFifteenSeconds()
     passTo(15000, {state("WIFI", "", "idle")});
 }
 
-void TestNetworkTimers::theAccessPointTakesTwoSecondsAndThenThree()
+void TestNetworkTimers::theAccessPointIsCheckedAfterTwoSecondsAndThreeMore()
 {
     begin();
     QCOMPARE(wifiAp.call("connect", {accessPointSettings}), QString("()"));

@@ -21,13 +21,13 @@ private Q_SLOTS:
     void cleanup();
 
     void aProgramRunsIfPidofFindsIt();
-    void aProgramDoesNotRunWherePidofFails();
-    void aProgramDoesNotRunWherePidofCrashes();
-    void aProgramDoesNotRunWithoutPidof();
+    void aProgramCountsAsAbsentIfPidofFails();
+    void aProgramCountsAsAbsentIfPidofCrashes();
+    void aProgramCountsAsAbsentWithoutPidof();
     void pidofGetsOnlyTheName();
-    void aPidofThatHangsIsEndedAfterASecond();
+    void aPidofThatHangsIsKilledAfterASecond();
     void aMissingPidofLeavesNothingBehind();
-    void theRealPidofKnowsThisTest();
+    void theRealPidofFindsThisTest();
 
 private:
     void makePidof(const QByteArray &script);
@@ -61,19 +61,19 @@ void TestPrograms::aProgramRunsIfPidofFindsIt()
     QVERIFY(isProgramRunning("connmand"));
 }
 
-void TestPrograms::aProgramDoesNotRunWherePidofFails()
+void TestPrograms::aProgramCountsAsAbsentIfPidofFails()
 {
     makePidof("exit 1");
     QVERIFY(!isProgramRunning("connmand"));
 }
 
-void TestPrograms::aProgramDoesNotRunWherePidofCrashes()
+void TestPrograms::aProgramCountsAsAbsentIfPidofCrashes()
 {
     makePidof("kill -SEGV $$");
     QVERIFY(!isProgramRunning("connmand"));
 }
 
-void TestPrograms::aProgramDoesNotRunWithoutPidof()
+void TestPrograms::aProgramCountsAsAbsentWithoutPidof()
 {
     qputenv("PATH", m_directory->path().toLocal8Bit());
     QVERIFY(!isProgramRunning("connmand"));
@@ -86,7 +86,7 @@ void TestPrograms::pidofGetsOnlyTheName()
     QCOMPARE(readFile(path("arguments")), QByteArray("<two words>"));
 }
 
-void TestPrograms::aPidofThatHangsIsEndedAfterASecond()
+void TestPrograms::aPidofThatHangsIsKilledAfterASecond()
 {
     makePidof("echo $$ >" + path("pid").toLocal8Bit() + "\nexec sleep 60");
     pid_t pid = 0;
@@ -116,12 +116,12 @@ void TestPrograms::aMissingPidofLeavesNothingBehind()
         return mallinfo2().uordblks;
     };
     const size_t before = memoryAfterAsking(10);
-    // An object that is not deleted takes 1500 bytes each time; Qt itself leaks 100.
+    // A leaked process object takes 1500 bytes for each query; Qt itself leaks 100.
     const size_t grown = memoryAfterAsking(200) - before;
     QVERIFY2(grown < size_t(200) * 500, qPrintable(QString::number(grown)));
 }
 
-void TestPrograms::theRealPidofKnowsThisTest()
+void TestPrograms::theRealPidofFindsThisTest()
 {
     QVERIFY(isProgramRunning("test_programs"));
     QVERIFY(!isProgramRunning("no_such_program"));

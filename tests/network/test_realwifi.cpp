@@ -55,15 +55,15 @@ private Q_SLOTS:
     void theTechnologyAppears();
     void poweringOnAndOffSwitchesTheInterface();
     void theScanListsNetworksWithStrengthAndSecurity();
-    void theStrongerOfTwoAccessPointsOfOneNameCounts();
+    void ofTwoAccessPointsOfOneNameTheStrongerIsListed();
     void theNextScanShowsChangedAccessPoints();
     void anOpenNetworkIsJoinedWithoutAKey();
     void aProtectedNetworkIsJoinedWithItsKey();
     void aWrongKeyIsRefusedAndTheRightOneAccepted();
-    void anAccessPointThatRefusesEveryKeyRefusesItsOwn();
+    void anAccessPointMayRefuseEvenTheRightKey();
     void aHiddenNetworkIsJoinedByItsName();
     void outOfRangeTheConnectionIsLost();
-    void theOtherAccessPointOfTheSameNameTakesOver();
+    void theStationRoamsToTheOtherAccessPointOfTheNetwork();
     void aVanishedAccessPointCannotBeJoined();
 
 private:
@@ -189,7 +189,7 @@ void TestRealWifi::theScanListsNetworksWithStrengthAndSecurity()
                               deadlineMs);
 }
 
-void TestRealWifi::theStrongerOfTwoAccessPointsOfOneNameCounts()
+void TestRealWifi::ofTwoAccessPointsOfOneNameTheStrongerIsListed()
 {
     supplicant.set("hall_near/signal", "-90");
     powerOn();
@@ -245,7 +245,7 @@ void TestRealWifi::aWrongKeyIsRefusedAndTheRightOneAccepted()
     QTRY_COMPARE_WITH_TIMEOUT(state(workshop), QStringLiteral("ready"), deadlineMs);
 }
 
-void TestRealWifi::anAccessPointThatRefusesEveryKeyRefusesItsOwn()
+void TestRealWifi::anAccessPointMayRefuseEvenTheRightKey()
 {
     powerOn();
     agent.answer = {{"Passphrase", "never ever"}};
@@ -274,7 +274,7 @@ void TestRealWifi::outOfRangeTheConnectionIsLost()
     QTRY_COMPARE_WITH_TIMEOUT(state(cafe), QStringLiteral("ready"), deadlineMs);
 }
 
-void TestRealWifi::theOtherAccessPointOfTheSameNameTakesOver()
+void TestRealWifi::theStationRoamsToTheOtherAccessPointOfTheNetwork()
 {
     const QString hall = pathOf("Hall", "psk");
     powerOn();

@@ -2,7 +2,7 @@
 
 #include <QTest>
 
-/** The station's next step for the state of the network that it joins. */
+/** The station's next state, for each state of the network that it joins. */
 class TestStationTable : public QObject
 {
     Q_OBJECT
@@ -45,7 +45,7 @@ void TestStationTable::aStateFollowsFromBothStates_data()
     QTest::addColumn<QString>("serviceState");
     QTest::addColumn<int>("expected");
 
-    // A column for each state of the service, in their order.
+    // One column for each state of the service, in the order of serviceStates.
     const struct {
         int state;
         int next[8];

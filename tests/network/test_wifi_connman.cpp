@@ -23,20 +23,20 @@ private Q_SLOTS:
 
     void aScanListsTheNetworks();
     void everyScanListsTheCurrentNetworks();
-    void anOpenNetworkLeadsOnline();
-    void aProtectedNetworkLeadsOnlineWithItsKey();
-    void aWrongKeyFailsAndTheRightOneThenLeadsOnline_data();
-    void aWrongKeyFailsAndTheRightOneThenLeadsOnline();
-    void aNetworkThatRefusesEveryKeyFails();
-    void aNetworkThatIsNotThereFails();
-    void aNetworkThatCouldNotBeJoinedIsJoinedWhenItIsBack();
-    void aRadioThatIsOnAlreadyIsSearchedAtOnce();
+    void joiningAnOpenNetworkLeadsToOnline();
+    void joiningAProtectedNetworkLeadsToOnline();
+    void theRightKeyLeadsToOnlineAfterAWrongOne_data();
+    void theRightKeyLeadsToOnlineAfterAWrongOne();
+    void aNetworkThatRefusesEveryKeyCannotBeJoined();
+    void anAbsentNetworkCannotBeJoined();
+    void anAbsentNetworkIsJoinedOnceItIsBack();
+    void aConnectWithTheRadioOnScansAtOnce();
     void disconnectForgetsTheNetwork();
-    void fromOneNetworkToAnother();
+    void theStationChangesFromOneNetworkToAnother();
     void theNetworkJoinedLastIsConfiguredAgain();
-    void manualSettingsEndOnTheInterface();
-    void outOfRangeTheAddressIsGone();
-    void toTheAccessPointAndBackToTheStation();
+    void manualSettingsReachTheInterface();
+    void outOfRangeTheStationLosesItsAddress();
+    void theModuleSwitchesToTheAccessPointAndBack();
 
 private:
     static QString path(const char *ssid, const char *security);
@@ -169,7 +169,7 @@ void TestWifiConnman::everyScanListsTheCurrentNetworks()
     QVERIFY2(second.contains("\"Kitchen\"") && !second.contains("\"Cafe\""), qPrintable(second));
 }
 
-void TestWifiConnman::anOpenNetworkLeadsOnline()
+void TestWifiConnman::joiningAnOpenNetworkLeadsToOnline()
 {
     QCOMPARE(join("Cafe"), done);
     QVERIFY(waitForState("association"));
@@ -179,21 +179,21 @@ void TestWifiConnman::anOpenNetworkLeadsOnline()
     QCOMPARE(wifi.call("getStrength"), QStringLiteral("({\"Strength\": <y:65>})"));
 }
 
-void TestWifiConnman::aProtectedNetworkLeadsOnlineWithItsKey()
+void TestWifiConnman::joiningAProtectedNetworkLeadsToOnline()
 {
     QCOMPARE(join("Workshop", "seven seas"), done);
     QVERIFY(waitForState("online"));
     QVERIFY2(kernelAddress().startsWith("10.78.0."), qPrintable(kernelAddress()));
 }
 
-void TestWifiConnman::aWrongKeyFailsAndTheRightOneThenLeadsOnline_data()
+void TestWifiConnman::theRightKeyLeadsToOnlineAfterAWrongOne_data()
 {
     QTest::addColumn<bool>("isJoinedBefore");
     QTest::newRow("a network never joined") << false;
     QTest::newRow("the network joined last") << true;
 }
 
-void TestWifiConnman::aWrongKeyFailsAndTheRightOneThenLeadsOnline()
+void TestWifiConnman::theRightKeyLeadsToOnlineAfterAWrongOne()
 {
     QFETCH(bool, isJoinedBefore);
     if (isJoinedBefore) {
@@ -209,20 +209,20 @@ void TestWifiConnman::aWrongKeyFailsAndTheRightOneThenLeadsOnline()
     QVERIFY(waitForState("online"));
 }
 
-void TestWifiConnman::aNetworkThatRefusesEveryKeyFails()
+void TestWifiConnman::aNetworkThatRefusesEveryKeyCannotBeJoined()
 {
     QCOMPARE(join("Grumpy", "never ever"), done);
     QVERIFY(waitForState("failure"));
     QCOMPARE(kernelAddress(), QString());
 }
 
-void TestWifiConnman::aNetworkThatIsNotThereFails()
+void TestWifiConnman::anAbsentNetworkCannotBeJoined()
 {
     QCOMPARE(join("Nowhere"), done);
     QVERIFY(waitForState("failure"));
 }
 
-void TestWifiConnman::aNetworkThatCouldNotBeJoinedIsJoinedWhenItIsBack()
+void TestWifiConnman::anAbsentNetworkIsJoinedOnceItIsBack()
 {
     const QString cafe = path("Cafe", "none");
     const Remote radio("net.connman", "/net/connman/technology/wifi", "net.connman.Technology");
@@ -232,7 +232,7 @@ void TestWifiConnman::aNetworkThatCouldNotBeJoinedIsJoinedWhenItIsBack()
     supplicant.set("cafe/in_range", "0");
     QCOMPARE(join("Cafe"), done);
     QVERIFY(waitForState("association", "WIFI", ""));
-    // Without waiting 60 s: the error of ConnMan's reply ends the attempt, and the radio stays on.
+    // ConnMan's error reply ends the attempt before its 60 s are over, and the radio stays on.
     QVERIFY(waitForState("failure", "WIFI", ""));
     QVERIFY(!RealConnman::properties(cafe).isEmpty());
 
@@ -242,7 +242,7 @@ void TestWifiConnman::aNetworkThatCouldNotBeJoinedIsJoinedWhenItIsBack()
     QVERIFY(waitForState("online", "WIFI", cafe));
 }
 
-void TestWifiConnman::aRadioThatIsOnAlreadyIsSearchedAtOnce()
+void TestWifiConnman::aConnectWithTheRadioOnScansAtOnce()
 {
     const QString technology = "/net/connman/technology/wifi";
     const Remote radio("net.connman", technology, "net.connman.Technology");
@@ -256,7 +256,7 @@ void TestWifiConnman::aRadioThatIsOnAlreadyIsSearchedAtOnce()
 
     QCOMPARE(join("Cafe"), done);
 
-    // Debian's ConnMan has no such method.
+    // Debian's ConnMan does not have AsyncScan: wait for the call, not for its effect.
     QVERIFY(QTest::qWaitFor(
         [&] {
             calls += monitor.takeFromDaemon("net.connman");
@@ -280,7 +280,7 @@ void TestWifiConnman::disconnectForgetsTheNetwork()
     QVERIFY(waitForState("failure"));
 }
 
-void TestWifiConnman::fromOneNetworkToAnother()
+void TestWifiConnman::theStationChangesFromOneNetworkToAnother()
 {
     join("Cafe");
     QVERIFY(waitForState("online"));
@@ -307,7 +307,7 @@ void TestWifiConnman::theNetworkJoinedLastIsConfiguredAgain()
     QTRY_COMPARE_WITH_TIMEOUT(kernelAddress(), QStringLiteral("10.78.0.7/24"), deadlineMs);
 }
 
-void TestWifiConnman::manualSettingsEndOnTheInterface()
+void TestWifiConnman::manualSettingsReachTheInterface()
 {
     QCOMPARE(wifi.call("setIPv4", {manual}), done);
     join("Cafe");
@@ -315,7 +315,7 @@ void TestWifiConnman::manualSettingsEndOnTheInterface()
     QTRY_COMPARE_WITH_TIMEOUT(kernelAddress(), QStringLiteral("10.78.0.7/24"), deadlineMs);
 }
 
-void TestWifiConnman::outOfRangeTheAddressIsGone()
+void TestWifiConnman::outOfRangeTheStationLosesItsAddress()
 {
     join("Cafe");
     QVERIFY(waitForState("online"));
@@ -324,7 +324,7 @@ void TestWifiConnman::outOfRangeTheAddressIsGone()
     QTRY_COMPARE_WITH_TIMEOUT(wifi.call("getIPv4").contains("\"Address\""), false, deadlineMs);
 }
 
-void TestWifiConnman::toTheAccessPointAndBackToTheStation()
+void TestWifiConnman::theModuleSwitchesToTheAccessPointAndBack()
 {
     join("Workshop", "seven seas");
     QVERIFY(waitForState("online"));

@@ -14,38 +14,38 @@ class TestWifiAp : public NetworkTest
 private Q_SLOTS:
     void theAccessPointComesOnLine();
     void theAccessPointGoesDown();
-    void connManIsNotAsked();
+    void theAccessPointDoesNotCallConnMan();
 
-    void aScriptThatRunsFails();
-    void aScriptThatIsMissingFails();
-    void aFailureIsAnsweredThenAnnouncedThenReturned();
-    void anyEndOfTheScriptIsAccepted();
-    void nothingIsCheckedBeforeTheModuleHadTwoSeconds();
+    void connectFailsWhileTheScriptRuns();
+    void connectFailsWithoutTheScript();
+    void aFailedConnectSendsErrorThenSignalThenReturn();
+    void theScriptMayEndInAnyWay();
+    void theAccessPointIsNotCheckedInTheFirstTwoSeconds();
     void anyMissingPartFailsTheAttempt_data();
     void anyMissingPartFailsTheAttempt();
-    void theProgramsAreAskedForInOrder_data();
-    void theProgramsAreAskedForInOrder();
-    void anInterfaceThatIsMissingFails();
-    void anInterfaceThatIsDownFails();
+    void pidofIsAskedForTheProgramsInOrder_data();
+    void pidofIsAskedForTheProgramsInOrder();
+    void aMissingInterfaceFailsTheAttempt();
+    void anInterfaceThatIsDownFailsTheAttempt();
 
-    void itIsOnLineThreeSecondsLater();
-    void withoutCarrierItIsReadyAndCheckedWithoutEnd();
-    void anInterfaceThatGoesAwayFails();
+    void theAccessPointIsOnlineThreeSecondsLater();
+    void withoutCarrierTheAccessPointStaysReadyAndIsCheckedAgain();
+    void anInterfaceThatVanishesFailsTheAttempt();
     void aPendingCheckSurvivesADisconnect();
     void aPendingCheckAfterADisconnectMayFail();
     void aDisconnectBeforeTheCheckEndsTheAttempt();
 
-    void connectIsBusy_data();
-    void connectIsBusy();
-    void connectMayFollowAFailure();
+    void connectFailsAsBusyDuringAnAttempt_data();
+    void connectFailsAsBusyDuringAnAttempt();
+    void connectIsAcceptedAfterAFailure();
     void disconnectIsRefusedWhileIdle();
     void disconnectLeadsToIdle_data();
     void disconnectLeadsToIdle();
     void disconnectDoesNotWaitForTheScript();
     void disconnectTakesNoArguments();
     void wpsIsAcceptedAndDoesNothing();
-    void theInheritedMethodsAnswer();
-    void askingAnInterfaceForItsFlagsLeavesNothingOpen();
+    void theMethodsOfTheBaseClassReply();
+    void readingTheInterfacesFlagsLeavesNoDescriptorOpen();
 
 private:
     QString start(const QVariantMap &parameters = QVariantMap());
@@ -137,7 +137,7 @@ void TestWifiAp::theAccessPointGoesDown()
     QVERIFY(!QFile::exists("/sys/class/net/wifi_ap"));
 }
 
-void TestWifiAp::connManIsNotAsked()
+void TestWifiAp::theAccessPointDoesNotCallConnMan()
 {
     reach("online");
     wifiAp.call("disconnect");
@@ -147,7 +147,7 @@ void TestWifiAp::connManIsNotAsked()
     QVERIFY(!QFile::exists("/tmp/logkywifi"));
 }
 
-void TestWifiAp::aScriptThatRunsFails()
+void TestWifiAp::connectFailsWhileTheScriptRuns()
 {
     reach("online");
     script.hold();
@@ -163,7 +163,7 @@ void TestWifiAp::aScriptThatRunsFails()
     QCOMPARE(script.log(), (QStringList{"start 2", "end 2", "start 0", "end 0"}));
 }
 
-void TestWifiAp::aScriptThatIsMissingFails()
+void TestWifiAp::connectFailsWithoutTheScript()
 {
     script.remove();
     begin();
@@ -174,7 +174,7 @@ void TestWifiAp::aScriptThatIsMissingFails()
     QVERIFY(written().contains("\nssid=Lab\n"));
 }
 
-void TestWifiAp::aFailureIsAnsweredThenAnnouncedThenReturned()
+void TestWifiAp::aFailedConnectSendsErrorThenSignalThenReturn()
 {
     script.remove();
     begin();
@@ -189,7 +189,7 @@ void TestWifiAp::aFailureIsAnsweredThenAnnouncedThenReturned()
     QCOMPARE(kinds, (QStringList{"signal", "error", "signal", "return"}));
 }
 
-void TestWifiAp::anyEndOfTheScriptIsAccepted()
+void TestWifiAp::theScriptMayEndInAnyWay()
 {
     const QString file = "/usr/share/redpine/switch_coex_mode.sh";
     QVERIFY(QFile::rename(file, "/usr/share/redpine/switch.sh"));
@@ -204,7 +204,7 @@ void TestWifiAp::anyEndOfTheScriptIsAccepted()
     QCOMPARE(script.log(), (QStringList{"start 2", "end 2"}));
 }
 
-void TestWifiAp::nothingIsCheckedBeforeTheModuleHadTwoSeconds()
+void TestWifiAp::theAccessPointIsNotCheckedInTheFirstTwoSeconds()
 {
     begin();
     script.hold();
@@ -240,7 +240,7 @@ void TestWifiAp::anyMissingPartFailsTheAttempt()
     QCOMPARE(recorder->waitFor(2), failing);
 }
 
-void TestWifiAp::theProgramsAreAskedForInOrder_data()
+void TestWifiAp::pidofIsAskedForTheProgramsInOrder_data()
 {
     QTest::addColumn<QByteArray>("pidof");
     QTest::addColumn<QByteArray>("asked");
@@ -256,7 +256,7 @@ void TestWifiAp::theProgramsAreAskedForInOrder_data()
     row("pidof hangs on the second", "[ $1 = hostapd ] || exec sleep 60", both, false);
 }
 
-void TestWifiAp::theProgramsAreAskedForInOrder()
+void TestWifiAp::pidofIsAskedForTheProgramsInOrder()
 {
     QFETCH(QByteArray, pidof);
     QFETCH(QByteArray, asked);
@@ -275,7 +275,7 @@ void TestWifiAp::theProgramsAreAskedForInOrder()
     QCOMPARE(readFile("/tmp/programs/asked"), asked);
 }
 
-void TestWifiAp::anInterfaceThatIsMissingFails()
+void TestWifiAp::aMissingInterfaceFailsTheAttempt()
 {
     begin();
     start(lab);
@@ -289,7 +289,7 @@ void TestWifiAp::anInterfaceThatIsMissingFails()
     QCOMPARE(recorder->waitFor(2), failing);
 }
 
-void TestWifiAp::anInterfaceThatIsDownFails()
+void TestWifiAp::anInterfaceThatIsDownFailsTheAttempt()
 {
     begin();
     start(lab);
@@ -301,7 +301,7 @@ void TestWifiAp::anInterfaceThatIsDownFails()
     QCOMPARE(recorder->waitFor(2), failing);
 }
 
-void TestWifiAp::itIsOnLineThreeSecondsLater()
+void TestWifiAp::theAccessPointIsOnlineThreeSecondsLater()
 {
     reach("ready");
 
@@ -312,7 +312,7 @@ void TestWifiAp::itIsOnLineThreeSecondsLater()
     QCOMPARE(recorder->waitFor(1), aps({"online"}));
 }
 
-void TestWifiAp::withoutCarrierItIsReadyAndCheckedWithoutEnd()
+void TestWifiAp::withoutCarrierTheAccessPointStaysReadyAndIsCheckedAgain()
 {
     script.leaveOut("carrier");
     reach("ready");
@@ -327,7 +327,7 @@ void TestWifiAp::withoutCarrierItIsReadyAndCheckedWithoutEnd()
     QCOMPARE(recorder->waitFor(1), aps({"online"}));
 }
 
-void TestWifiAp::anInterfaceThatGoesAwayFails()
+void TestWifiAp::anInterfaceThatVanishesFailsTheAttempt()
 {
     script.leaveOut("carrier");
     reach("ready");
@@ -381,14 +381,14 @@ void TestWifiAp::aDisconnectBeforeTheCheckEndsTheAttempt()
     QCOMPARE(script.log(), (QStringList{"start 2", "end 2", "start 0", "end 0"}));
 }
 
-void TestWifiAp::connectIsBusy_data()
+void TestWifiAp::connectFailsAsBusyDuringAnAttempt_data()
 {
     QTest::addColumn<QString>("name");
     for (const char *name : {"configuration", "ready", "online"})
         QTest::newRow(name) << name;
 }
 
-void TestWifiAp::connectIsBusy()
+void TestWifiAp::connectFailsAsBusyDuringAnAttempt()
 {
     QFETCH(QString, name);
     reach(name);
@@ -401,7 +401,7 @@ void TestWifiAp::connectIsBusy()
     QCOMPARE(script.log().count("start 2"), 1);
 }
 
-void TestWifiAp::connectMayFollowAFailure()
+void TestWifiAp::connectIsAcceptedAfterAFailure()
 {
     reach("failure");
     script.install();
@@ -419,7 +419,7 @@ void TestWifiAp::disconnectIsRefusedWhileIdle()
     QCOMPARE(announced(), QStringList());
     QCOMPARE(script.log(), QStringList());
 
-    // Programs that a script starts at the end of a test may outlive it.
+    // Hold the script: programs that it starts at the end of this test could outlive the test.
     script.hold();
     start(lab);
     QVERIFY(script.waitFor("start 2"));
@@ -478,7 +478,7 @@ void TestWifiAp::wpsIsAcceptedAndDoesNothing()
     QCOMPARE(announced(), QStringList());
 }
 
-void TestWifiAp::theInheritedMethodsAnswer()
+void TestWifiAp::theMethodsOfTheBaseClassReply()
 {
     reach("online");
     QCOMPARE(wifiAp.call("getIPv4"), QString("({})"));
@@ -488,7 +488,7 @@ void TestWifiAp::theInheritedMethodsAnswer()
     QCOMPARE(wifiAp.call("setIPv4", {QVariantMap{{"Method", "dhcp"}}}), QString("()"));
 }
 
-void TestWifiAp::askingAnInterfaceForItsFlagsLeavesNothingOpen()
+void TestWifiAp::readingTheInterfacesFlagsLeavesNoDescriptorOpen()
 {
     const QNetworkInterface loopback = findNetworkInterface("lo");
     const auto descriptors = [] { return descriptorsOf(getpid()).size(); };

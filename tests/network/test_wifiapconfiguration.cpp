@@ -27,9 +27,9 @@ private Q_SLOTS:
     void anEarlierConfigurationIsReplaced();
     void aTemplateThatCannotBeReadKeepsTheEarlierConfiguration_data();
     void aTemplateThatCannotBeReadKeepsTheEarlierConfiguration();
-    void aConfigurationThatCannotBeWrittenFails_data();
-    void aConfigurationThatCannotBeWrittenFails();
-    void aDiskThatIsFullFails();
+    void aConfigurationThatCannotBeWrittenFailsTheConnect_data();
+    void aConfigurationThatCannotBeWrittenFailsTheConnect();
+    void aFullDiskFailsTheConnect();
     void aControlCharacterIsRefused_data();
     void aControlCharacterIsRefused();
 
@@ -193,7 +193,7 @@ void TestWifiApConfiguration::aTemplateThatCannotBeReadKeepsTheEarlierConfigurat
     removePath("/usr/share/redpine/hostapd_open.conf");
 }
 
-void TestWifiApConfiguration::aConfigurationThatCannotBeWrittenFails_data()
+void TestWifiApConfiguration::aConfigurationThatCannotBeWrittenFailsTheConnect_data()
 {
     QTest::addColumn<QString>("kind");
     for (const char *kind :
@@ -201,7 +201,7 @@ void TestWifiApConfiguration::aConfigurationThatCannotBeWrittenFails_data()
         QTest::newRow(kind) << kind;
 }
 
-void TestWifiApConfiguration::aConfigurationThatCannotBeWrittenFails()
+void TestWifiApConfiguration::aConfigurationThatCannotBeWrittenFailsTheConnect()
 {
     QFETCH(QString, kind);
     const QString path = "/tmp/User_part/hostapd.conf";
@@ -238,7 +238,7 @@ void TestWifiApConfiguration::plantElsewhere()
     QCOMPARE(lchown(profiles, stranger, stranger), 0);
 }
 
-void TestWifiApConfiguration::aDiskThatIsFullFails()
+void TestWifiApConfiguration::aFullDiskFailsTheConnect()
 {
     begin();
     removePath("/tmp/User_part");

@@ -8,53 +8,53 @@ class TestWifiAttempt : public WifiTest
     Q_OBJECT
 
 private Q_SLOTS:
-    void afterAMinuteWithoutAnythingItFails();
-    void afterAMinuteOfAssociatingItFails();
-    void afterAMinuteAReadyServiceIsTaken();
-    void afterAMinuteAnOnlineServiceIsTaken();
+    void anAttemptFailsAfterAMinuteWithoutEvents();
+    void anAttemptFailsAfterAMinuteInAssociation();
+    void afterAMinuteAReadyServiceIsUsed();
+    void afterAMinuteAnOnlineServiceIsUsed();
     void afterAMinuteOfConfiguringAReadyServiceNothingIsDecided();
-    void afterAMinuteAServiceThatIsReadyNoMoreFails_data();
-    void afterAMinuteAServiceThatIsReadyNoMoreFails();
+    void afterAMinuteAServiceThatIsNoLongerReadyFails_data();
+    void afterAMinuteAServiceThatIsNoLongerReadyFails();
     void afterAMinuteAReadyServiceMayGetItsAddress();
     void afterAMinuteOfConfiguringAnotherServiceFails_data();
     void afterAMinuteOfConfiguringAnotherServiceFails();
     void onlineByTheServiceEndsTheMinute_data();
     void onlineByTheServiceEndsTheMinute();
     void aServiceThatIsOnlineAtOnceEndsTheMinute();
-    void anAddressThatIsThereAlreadyEndsTheMinute();
+    void anExistingAddressEndsTheMinute();
     void aDisconnectLeavesOnlyATraceOfTheMinute();
-    void afterAMinuteAScriptThatRunsFails();
-    void withinAMinuteNothingIsDecided();
+    void anAttemptFailsAfterAMinuteWhileItsScriptRuns();
+    void beforeAMinuteHasPassedNothingHappens();
 
     void otherCallsAreAnsweredWhileConnectIsOutstanding();
     void theAgentAnswersWhileConnectIsOutstanding();
-    void anErrorOfConnMansOwnEndsTheAttempt_data();
-    void anErrorOfConnMansOwnEndsTheAttempt();
-    void anyOtherErrorDecidesNothing_data();
-    void anyOtherErrorDecidesNothing();
-    void anErrorOfALaterStateDecidesNothing();
-    void aConnectThatTimesOutDecidesNothing();
+    void anErrorNameOfConnManEndsTheAttempt_data();
+    void anErrorNameOfConnManEndsTheAttempt();
+    void anyOtherErrorDoesNotEndTheAttempt_data();
+    void anyOtherErrorDoesNotEndTheAttempt();
+    void anErrorInALaterStateDoesNotEndTheAttempt();
+    void aConnectWithoutAReplyDoesNotEndTheAttempt();
     void anEarlierConnectsReplyDoesNotDisturbALaterOne();
 
     void aConnectInProgressIsNotDisturbed_data();
     void aConnectInProgressIsNotDisturbed();
     void aScanDoesNotDisturbAConnectThatIsStillIdle_data();
     void aScanDoesNotDisturbAConnectThatIsStillIdle();
-    void aScanMayFollowAConnectThatFailed();
+    void scanIsAcceptedAfterAFailedConnect();
     void aConnectWhileTheScriptRunsFails();
     void aConnectWithoutAScriptFails();
-    void aConnectWithoutConnmandFailsAndAsksNothing();
+    void aConnectWithoutConnmandFailsAndCallsNothing();
     void aConnectDuringTheTwoSecondsIsEvaluatedThen();
     void changesWhileTheScriptRunsLeaveOnlyATrace_data();
     void changesWhileTheScriptRunsLeaveOnlyATrace();
-    void aConnectMayFollowAFailure();
+    void connectIsAcceptedAfterAFailure();
 
 private:
-    void thenNothingIsDecided();
+    void verifyThatNothingElseHappens();
 };
 
-/** Further time has no effect, not even a trace record. */
-void TestWifiAttempt::thenNothingIsDecided()
+/** Verifies that more time has no effect, not even a trace record. */
+void TestWifiAttempt::verifyThatNothingElseHappens()
 {
     orders();
     const QStringList records = trace();
@@ -66,7 +66,7 @@ void TestWifiAttempt::thenNothingIsDecided()
     QCOMPARE(trace(), records);
 }
 
-void TestWifiAttempt::afterAMinuteWithoutAnythingItFails()
+void TestWifiAttempt::anAttemptFailsAfterAMinuteWithoutEvents()
 {
     begin();
     join();
@@ -80,7 +80,7 @@ void TestWifiAttempt::afterAMinuteWithoutAnythingItFails()
                                           "timeoutMonitoring OP:none failure Lab"}));
 }
 
-void TestWifiAttempt::afterAMinuteOfAssociatingItFails()
+void TestWifiAttempt::anAttemptFailsAfterAMinuteInAssociation()
 {
     reach("association");
 
@@ -94,7 +94,7 @@ void TestWifiAttempt::afterAMinuteOfAssociatingItFails()
     QCOMPARE(orders(), QStringList());
 }
 
-void TestWifiAttempt::afterAMinuteAReadyServiceIsTaken()
+void TestWifiAttempt::afterAMinuteAReadyServiceIsUsed()
 {
     reach("association");
     connman.storeProperty(lab, "State", "ready");
@@ -104,7 +104,7 @@ void TestWifiAttempt::afterAMinuteAReadyServiceIsTaken()
     QCOMPARE(recorder->waitFor(1), QStringList{configuration});
 }
 
-void TestWifiAttempt::afterAMinuteAnOnlineServiceIsTaken()
+void TestWifiAttempt::afterAMinuteAnOnlineServiceIsUsed()
 {
     reach("configuration");
     connman.storeProperty(lab, "State", "online");
@@ -149,21 +149,21 @@ void TestWifiAttempt::afterAMinuteOfConfiguringAReadyServiceNothingIsDecided()
     QCOMPARE(announced(), QStringList());
     QCOMPARE(trace().last(), QString("timeoutMonitoring OP:connect configuration Lab"));
 
-    // It happens once.
+    // The timeout expires only once.
     const QStringList records = trace();
     daemon.letTimePass(120);
     QCOMPARE(announced(), QStringList());
     QCOMPARE(trace(), records);
 }
 
-void TestWifiAttempt::afterAMinuteAServiceThatIsReadyNoMoreFails_data()
+void TestWifiAttempt::afterAMinuteAServiceThatIsNoLongerReadyFails_data()
 {
     QTest::addColumn<QString>("serviceState");
     for (const char *name : {"idle", "failure", "association", "configuration", "disconnect", ""})
         QTest::newRow(*name ? name : "none") << name;
 }
 
-void TestWifiAttempt::afterAMinuteAServiceThatIsReadyNoMoreFails()
+void TestWifiAttempt::afterAMinuteAServiceThatIsNoLongerReadyFails()
 {
     QFETCH(QString, serviceState);
     reach("configuration");
@@ -213,7 +213,7 @@ void TestWifiAttempt::onlineByTheServiceEndsTheMinute()
     announceService("online");
     QCOMPARE(announced().size(), 1);
 
-    thenNothingIsDecided();
+    verifyThatNothingElseHappens();
 }
 
 void TestWifiAttempt::aServiceThatIsOnlineAtOnceEndsTheMinute()
@@ -224,17 +224,17 @@ void TestWifiAttempt::aServiceThatIsOnlineAtOnceEndsTheMinute()
     letModuleSwitch();
     QCOMPARE(announced(), QStringList{state("WIFI", "", "online")});
 
-    thenNothingIsDecided();
+    verifyThatNothingElseHappens();
 }
 
-void TestWifiAttempt::anAddressThatIsThereAlreadyEndsTheMinute()
+void TestWifiAttempt::anExistingAddressEndsTheMinute()
 {
     reach("association");
     connman.storeProperty(lab, "IPv4", address);
     announceService("ready");
     QCOMPARE(announced(), (QStringList{configuration, online}));
 
-    thenNothingIsDecided();
+    verifyThatNothingElseHappens();
 }
 
 void TestWifiAttempt::aDisconnectLeavesOnlyATraceOfTheMinute()
@@ -254,7 +254,7 @@ void TestWifiAttempt::aDisconnectLeavesOnlyATraceOfTheMinute()
                                                 "timeoutMonitoring OP:none idle Lab"}));
 }
 
-void TestWifiAttempt::afterAMinuteAScriptThatRunsFails()
+void TestWifiAttempt::anAttemptFailsAfterAMinuteWhileItsScriptRuns()
 {
     connman.setServices({network("Lab", "idle")});
     begin();
@@ -270,7 +270,7 @@ void TestWifiAttempt::afterAMinuteAScriptThatRunsFails()
     QCOMPARE(orders(), QStringList());
 }
 
-void TestWifiAttempt::withinAMinuteNothingIsDecided()
+void TestWifiAttempt::beforeAMinuteHasPassedNothingHappens()
 {
     reach("association");
     const int records = trace().size();
@@ -311,20 +311,20 @@ void TestWifiAttempt::theAgentAnswersWhileConnectIsOutstanding()
     QCOMPARE(connman.requestInput(lab, {{"Identity", ConnmanStandIn::field("mandatory")}}),
              QString("({\"Identity\": <\"me\">})"));
 
-    // The agent has given both replies of one connect; the stand-in's own request got the first.
+    // The agent answers two requests for each connect; the first was the stand-in's own request.
     QCOMPARE(connman.requestInput(lab, {{"Identity", ConnmanStandIn::field("mandatory")}}),
              QString("net.connman.Agent.Error.Canceled: "));
     QCOMPARE(announced(), QStringList{association});
 }
 
-void TestWifiAttempt::anErrorOfConnMansOwnEndsTheAttempt_data()
+void TestWifiAttempt::anErrorNameOfConnManEndsTheAttempt_data()
 {
     QTest::addColumn<QString>("errorName");
     for (const char *name : {"Failed", "OperationAborted", "InvalidArguments"})
         QTest::newRow(name) << name;
 }
 
-void TestWifiAttempt::anErrorOfConnMansOwnEndsTheAttempt()
+void TestWifiAttempt::anErrorNameOfConnManEndsTheAttempt()
 {
     QFETCH(QString, errorName);
     connman.holdMethod(connectLab);
@@ -342,7 +342,7 @@ void TestWifiAttempt::anErrorOfConnMansOwnEndsTheAttempt()
     QCOMPARE(orders(), QStringList());
 }
 
-void TestWifiAttempt::anyOtherErrorDecidesNothing_data()
+void TestWifiAttempt::anyOtherErrorDoesNotEndTheAttempt_data()
 {
     QTest::addColumn<QString>("errorName");
     for (const char *name :
@@ -351,7 +351,7 @@ void TestWifiAttempt::anyOtherErrorDecidesNothing_data()
         QTest::newRow(name) << name;
 }
 
-void TestWifiAttempt::anyOtherErrorDecidesNothing()
+void TestWifiAttempt::anyOtherErrorDoesNotEndTheAttempt()
 {
     QFETCH(QString, errorName);
     connman.holdMethod(connectLab);
@@ -365,7 +365,7 @@ void TestWifiAttempt::anyOtherErrorDecidesNothing()
     QCOMPARE(announced(), QStringList{configuration});
 }
 
-void TestWifiAttempt::anErrorOfALaterStateDecidesNothing()
+void TestWifiAttempt::anErrorInALaterStateDoesNotEndTheAttempt()
 {
     connman.holdMethod(connectLab);
     reach("configuration");
@@ -378,7 +378,7 @@ void TestWifiAttempt::anErrorOfALaterStateDecidesNothing()
     QCOMPARE(announced(), QStringList{online});
 }
 
-void TestWifiAttempt::aConnectThatTimesOutDecidesNothing()
+void TestWifiAttempt::aConnectWithoutAReplyDoesNotEndTheAttempt()
 {
     connman.holdMethod(connectLab);
     reach("association");
@@ -477,7 +477,7 @@ void TestWifiAttempt::aScanDoesNotDisturbAConnectThatIsStillIdle()
     QCOMPARE(orders(), (QStringList{powerOn, registerAgent, connectLab}));
 }
 
-void TestWifiAttempt::aScanMayFollowAConnectThatFailed()
+void TestWifiAttempt::scanIsAcceptedAfterAFailedConnect()
 {
     connman.setServices({network("Lab", "idle")});
     script.remove();
@@ -519,9 +519,9 @@ void TestWifiAttempt::aConnectWithoutAScriptFails()
     QCOMPARE(trace(), QStringList{"connect OP:connect failure Lab"});
 }
 
-void TestWifiAttempt::aConnectWithoutConnmandFailsAndAsksNothing()
+void TestWifiAttempt::aConnectWithoutConnmandFailsAndCallsNothing()
 {
-    // Still on the bus, under a name that pidof does not look for.
+    // The stand-in is still on the bus, but its program has a name that pidof does not look for.
     connman.kill();
     connman.start("networkd");
     connman.setServices({network("Lab", "idle")});
@@ -593,7 +593,7 @@ void TestWifiAttempt::changesWhileTheScriptRunsLeaveOnlyATrace()
     QCOMPARE(trace().mid(records), expected);
 }
 
-void TestWifiAttempt::aConnectMayFollowAFailure()
+void TestWifiAttempt::connectIsAcceptedAfterAFailure()
 {
     reach("association");
     announceService("failure");

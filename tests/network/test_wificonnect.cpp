@@ -16,24 +16,24 @@ private Q_SLOTS:
     void initTestCase();
 
     void aNetworkIsJoined();
-    void joiningAsksConnManForNoMore();
+    void joiningMakesNoOtherCallsToConnMan();
     void theTraceRecordsEachStep();
     void theTraceRecordsEveryChangeOfTheTechnology();
-    void aNetworkThatTheScanBringsIsJoined();
-    void aTechnologyThatIsOnAlreadyIsSearchedAtOnce();
+    void aNetworkThatTheScanFindsIsJoined();
+    void aTechnologyThatIsOnStartsItsScanAtOnce();
     void aNetworkOfATechnologyThatIsOnAlreadyIsJoinedAtOnce();
     void aRefusalToPowerOnIsIgnored();
     void aTechnologyThatIsConnectedIsNotAskedToConnect();
-    void aTechnologyThatConnectsByItselfIsTaken();
-    void aTechnologyThatConnectsToAnUnlistedNetworkIsNotTaken();
-    void aTechnologyThatConnectsWithoutARequestIsNotTaken();
+    void aConnectionThatConnManMakesByItselfIsUsed();
+    void aConnectionToAnUnlistedNetworkIsNotUsed();
+    void aConnectionWithoutAConnectIsNotUsed();
     void connectAnnouncesNothingByItself();
     void missingKeysAreEmptyTexts();
     void valuesOfOtherTypesAreEmptyTexts();
 
-    void aNetworkThatIsNotListedFails_data();
-    void aNetworkThatIsNotListedFails();
-    void aNetworkThatVanishesFails();
+    void anUnlistedNetworkCannotBeJoined_data();
+    void anUnlistedNetworkCannotBeJoined();
+    void aNetworkThatVanishesCannotBeJoined();
     void theServiceDecidesWhileIdle_data();
     void theServiceDecidesWhileIdle();
     void theServiceDecidesWhileAssociating_data();
@@ -43,22 +43,22 @@ private Q_SLOTS:
     void afterOnlineByTheServiceAnEmptyListIsIgnored();
     void anOnlineServiceIsOnlineAgain();
 
-    void anAddressMakesItOnline_data();
-    void anAddressMakesItOnline();
-    void anAddressThatIsThereMakesItOnlineAtOnce();
-    void settingsThatWereJustHandedOverAreWaitedFor();
-    void settingsThatWereRefusedAreNotWaitedFor();
-    void settingsAreHandedOverOnceConnected();
+    void anAddressMakesTheStationOnline_data();
+    void anAddressMakesTheStationOnline();
+    void anExistingAddressMakesTheStationOnlineAtOnce();
+    void theDaemonWaitsForSettingsThatItHasJustSent();
+    void theDaemonDoesNotWaitForRefusedSettings();
+    void settingsAreSentOnceConnected();
 
-    void configurationIsAnnouncedBeforeTheSettingsAreHandedOver();
-    void anErrorOfTheServiceFails();
+    void configurationIsAnnouncedBeforeTheSettingsAreSent();
+    void anErrorOfTheServiceFailsTheConnection();
     void aFailureIsAnnouncedBeforeTheTechnologyIsPoweredOff();
     void aClearedErrorIsIgnored();
-    void theStrengthIsPassedOn();
+    void aChangedStrengthIsAnnounced();
     void aStrengthInAnotherVariantIsPassedOnAsANumber();
     void theStrengthNamesTheServiceThatIsNotListedAnyMore();
-    void aStrengthThatIsNoneIsNotPassedOn_data();
-    void aStrengthThatIsNoneIsNotPassedOn();
+    void aMalformedStrengthIsNotAnnounced_data();
+    void aMalformedStrengthIsNotAnnounced();
     void signalsOfThePreviousServiceAreIgnored();
     void theNetworkJoinedLastIsConfiguredAgain();
     void aFailedConnectForgetsThePreviousService();
@@ -97,7 +97,7 @@ void TestWifiConnect::aNetworkIsJoined()
     QCOMPARE(orders(), QStringList());
 }
 
-void TestWifiConnect::joiningAsksConnManForNoMore()
+void TestWifiConnect::joiningMakesNoOtherCallsToConnMan()
 {
     connman.setServices({network("Lab", "idle")});
     begin();
@@ -146,7 +146,7 @@ void TestWifiConnect::theTraceRecordsEveryChangeOfTheTechnology()
     QCOMPARE(announced(), QStringList());
 }
 
-void TestWifiConnect::aNetworkThatTheScanBringsIsJoined()
+void TestWifiConnect::aNetworkThatTheScanFindsIsJoined()
 {
     begin();
     join();
@@ -161,7 +161,7 @@ void TestWifiConnect::aNetworkThatTheScanBringsIsJoined()
     QCOMPARE(orders(), (QStringList{powerOn, registerAgent, connectLab}));
 }
 
-void TestWifiConnect::aTechnologyThatIsOnAlreadyIsSearchedAtOnce()
+void TestWifiConnect::aTechnologyThatIsOnStartsItsScanAtOnce()
 {
     connman.setAsyncScan(true);
     begin();
@@ -217,7 +217,7 @@ void TestWifiConnect::aTechnologyThatIsConnectedIsNotAskedToConnect()
     QCOMPARE(orders(), (QStringList{nameservers, settings}));
 }
 
-void TestWifiConnect::aTechnologyThatConnectsByItselfIsTaken()
+void TestWifiConnect::aConnectionThatConnManMakesByItselfIsUsed()
 {
     connman.setServices({network("Lab", "association")});
     begin();
@@ -231,7 +231,7 @@ void TestWifiConnect::aTechnologyThatConnectsByItselfIsTaken()
     QCOMPARE(orders(), (QStringList{nameservers, settings}));
 }
 
-void TestWifiConnect::aTechnologyThatConnectsToAnUnlistedNetworkIsNotTaken()
+void TestWifiConnect::aConnectionToAnUnlistedNetworkIsNotUsed()
 {
     begin();
     join();
@@ -245,7 +245,7 @@ void TestWifiConnect::aTechnologyThatConnectsToAnUnlistedNetworkIsNotTaken()
     QCOMPARE(connman.journal(), QStringList{getServices});
 }
 
-void TestWifiConnect::aTechnologyThatConnectsWithoutARequestIsNotTaken()
+void TestWifiConnect::aConnectionWithoutAConnectIsNotUsed()
 {
     connman.setServices({network("Lab", "idle")});
     begin();
@@ -306,7 +306,7 @@ void TestWifiConnect::valuesOfOtherTypesAreEmptyTexts()
              QString("({\"Passphrase\": <\"\">, \"Username\": <\"\">})"));
 }
 
-void TestWifiConnect::aNetworkThatIsNotListedFails_data()
+void TestWifiConnect::anUnlistedNetworkCannotBeJoined_data()
 {
     QTest::addColumn<QString>("name");
     QTest::newRow("other") << "Office";
@@ -316,7 +316,7 @@ void TestWifiConnect::aNetworkThatIsNotListedFails_data()
     QTest::newRow("100,000 characters") << QString(100000, QLatin1Char('a'));
 }
 
-void TestWifiConnect::aNetworkThatIsNotListedFails()
+void TestWifiConnect::anUnlistedNetworkCannotBeJoined()
 {
     QFETCH(QString, name);
     connman.setServices({{QDBusObjectPath("/net/connman/service/ethernet_02_cable"),
@@ -334,7 +334,7 @@ void TestWifiConnect::aNetworkThatIsNotListedFails()
     QCOMPARE(trace().last(), "slotLoadFirmwareFinishedDelayed OP:none failure " + name.left(255));
 }
 
-void TestWifiConnect::aNetworkThatVanishesFails()
+void TestWifiConnect::aNetworkThatVanishesCannotBeJoined()
 {
     reach("association");
 
@@ -442,7 +442,7 @@ void TestWifiConnect::anOnlineServiceIsOnlineAgain()
     QCOMPARE(announced(), QStringList{online});
 }
 
-void TestWifiConnect::anAddressMakesItOnline_data()
+void TestWifiConnect::anAddressMakesTheStationOnline_data()
 {
     QTest::addColumn<QVariant>("ipv4");
     QTest::addColumn<bool>("isAddress");
@@ -455,7 +455,7 @@ void TestWifiConnect::anAddressMakesItOnline_data()
     QTest::newRow("map of texts") << QVariant::fromValue(Texts{{"Address", "10.0.0.7"}}) << false;
 }
 
-void TestWifiConnect::anAddressMakesItOnline()
+void TestWifiConnect::anAddressMakesTheStationOnline()
 {
     QFETCH(QVariant, ipv4);
     QFETCH(bool, isAddress);
@@ -466,7 +466,7 @@ void TestWifiConnect::anAddressMakesItOnline()
     QCOMPARE(announced(), isAddress ? QStringList{online} : QStringList());
 }
 
-void TestWifiConnect::anAddressThatIsThereMakesItOnlineAtOnce()
+void TestWifiConnect::anExistingAddressMakesTheStationOnlineAtOnce()
 {
     reach("association");
     connman.storeProperty(lab, "IPv4", address);
@@ -477,7 +477,7 @@ void TestWifiConnect::anAddressThatIsThereMakesItOnlineAtOnce()
     QCOMPARE(orders(), (QStringList{nameservers, settings}));
 }
 
-void TestWifiConnect::settingsThatWereJustHandedOverAreWaitedFor()
+void TestWifiConnect::theDaemonWaitsForSettingsThatItHasJustSent()
 {
     reach("association");
     wifi.call("setIPv4", {QVariantMap{{"Method", "manual"}, {"Address", "10.0.0.8"}}});
@@ -490,7 +490,7 @@ void TestWifiConnect::settingsThatWereJustHandedOverAreWaitedFor()
     QCOMPARE(announced(), QStringList{online});
 }
 
-void TestWifiConnect::settingsThatWereRefusedAreNotWaitedFor()
+void TestWifiConnect::theDaemonDoesNotWaitForRefusedSettings()
 {
     reach("association");
     wifi.call("setIPv4", {QVariantMap{{"Method", "manual"}, {"Address", "10.0.0.8"}}});
@@ -502,7 +502,7 @@ void TestWifiConnect::settingsThatWereRefusedAreNotWaitedFor()
     QCOMPARE(announced(), (QStringList{configuration, online}));
 }
 
-void TestWifiConnect::settingsAreHandedOverOnceConnected()
+void TestWifiConnect::settingsAreSentOnceConnected()
 {
     reach("association");
     QCOMPARE(wifi.call("setIPv4", {QVariantMap{{"Method", "manual"},
@@ -524,7 +524,7 @@ void TestWifiConnect::settingsAreHandedOverOnceConnected()
                               "\"Netmask\": <\"255.0.0.0\">}>)"}));
 }
 
-void TestWifiConnect::configurationIsAnnouncedBeforeTheSettingsAreHandedOver()
+void TestWifiConnect::configurationIsAnnouncedBeforeTheSettingsAreSent()
 {
     reach("association");
     connman.holdMethod("Service.SetProperty");
@@ -536,7 +536,7 @@ void TestWifiConnect::configurationIsAnnouncedBeforeTheSettingsAreHandedOver()
     connman.releaseMethod("Service.SetProperty");
 }
 
-void TestWifiConnect::anErrorOfTheServiceFails()
+void TestWifiConnect::anErrorOfTheServiceFailsTheConnection()
 {
     reach("configuration");
 
@@ -569,7 +569,7 @@ void TestWifiConnect::aClearedErrorIsIgnored()
     QCOMPARE(orders(), QStringList());
 }
 
-void TestWifiConnect::theStrengthIsPassedOn()
+void TestWifiConnect::aChangedStrengthIsAnnounced()
 {
     reach("online");
 
@@ -608,7 +608,7 @@ void TestWifiConnect::theStrengthNamesTheServiceThatIsNotListedAnyMore()
              QStringList{"WIFI.propertyChanged(\"" + lab + "\", \"Strength\", <y:41>)"});
 }
 
-void TestWifiConnect::aStrengthThatIsNoneIsNotPassedOn_data()
+void TestWifiConnect::aMalformedStrengthIsNotAnnounced_data()
 {
     QTest::addColumn<QVariant>("strength");
     QTest::newRow("map") << QVariant(QVariantMap{{"Strength", 1}});
@@ -616,7 +616,7 @@ void TestWifiConnect::aStrengthThatIsNoneIsNotPassedOn_data()
     QTest::newRow("list") << QVariant(QStringList("1"));
 }
 
-void TestWifiConnect::aStrengthThatIsNoneIsNotPassedOn()
+void TestWifiConnect::aMalformedStrengthIsNotAnnounced()
 {
     QFETCH(QVariant, strength);
     reach("online");

@@ -11,22 +11,22 @@ class TestWifiDisconnect : public WifiTest
 
 private Q_SLOTS:
     void theNetworkIsForgottenAndTheTechnologyPoweredOff();
-    void disconnectIsAnnouncedBeforeAnythingIsAsked();
+    void disconnectIsAnnouncedBeforeAnyCallToConnMan();
     void idleFollowsWhenTheTechnologyIsOff();
     void theTraceRecordsEachStep();
-    void anAttemptIsEnded();
+    void disconnectEndsAnAttempt();
     void withoutAServiceNothingIsForgotten();
     void aNetworkCanBeJoinedAfterwards();
     void anAttemptForgetsNoOtherNetwork();
     void argumentsAreRefused();
 
-    void aServiceThatIsNotForgottenIsReported();
-    void aTechnologyThatStaysOnIsReportedAndEndsIdle();
+    void aRefusalToForgetTheServiceIsReported();
+    void aRefusedPowerOffIsReportedAndDisconnectEndsIdle();
     void theCallerSeesTheFirstOfTwoErrors();
-    void aTechnologyThatIsOffAlreadyEndsIdle();
-    void aTechnologyThatIsOffWithoutSayingSoEndsIdle();
-    void withoutConnManItEndsIdle();
-    void aConnManThatDiesMeanwhileEndsIdle();
+    void disconnectEndsIdleIfTheTechnologyIsAlreadyOff();
+    void disconnectEndsIdleWithoutASignalOfThePowerOff();
+    void disconnectEndsIdleWithoutConnMan();
+    void disconnectEndsIdleIfConnManDiesMeanwhile();
     void disconnectEndsDespiteASuspendedConnMan_data();
     void disconnectEndsDespiteASuspendedConnMan();
     void aSuspendedConnManDoesNotStopThePings();
@@ -34,7 +34,7 @@ private Q_SLOTS:
     void theModuleOfAnEndedAttemptStaysOff_data();
     void theModuleOfAnEndedAttemptStaysOff();
     void signalsOfTheServiceThatIsLeftAreIgnored();
-    void nothingElseIsStartedMeanwhile();
+    void connectAndScanAreIgnoredDuringADisconnect();
 
     void withoutAServiceThereIsNoStrength();
     void theStrengthComesFromConnMan();
@@ -69,7 +69,7 @@ void TestWifiDisconnect::theNetworkIsForgottenAndTheTechnologyPoweredOff()
     QCOMPARE(script.log(), (QStringList{"start 1", "end 1"}));
 }
 
-void TestWifiDisconnect::disconnectIsAnnouncedBeforeAnythingIsAsked()
+void TestWifiDisconnect::disconnectIsAnnouncedBeforeAnyCallToConnMan()
 {
     reachPowered("online");
     connman.holdMethod(removeLab);
@@ -109,7 +109,7 @@ void TestWifiDisconnect::theTraceRecordsEachStep()
                                                 "technologyPropertyChangedSlot OP:none idle Lab"}));
 }
 
-void TestWifiDisconnect::anAttemptIsEnded()
+void TestWifiDisconnect::disconnectEndsAnAttempt()
 {
     reachPowered("association");
     QCOMPARE(disconnect(), QString("()"));
@@ -179,7 +179,7 @@ void TestWifiDisconnect::argumentsAreRefused()
     QCOMPARE(orders(), QStringList());
 }
 
-void TestWifiDisconnect::aServiceThatIsNotForgottenIsReported()
+void TestWifiDisconnect::aRefusalToForgetTheServiceIsReported()
 {
     reachPowered("online");
     connman.failMethod(removeLab, "net.connman.Error.NotSupported", "Not supported");
@@ -191,7 +191,7 @@ void TestWifiDisconnect::aServiceThatIsNotForgottenIsReported()
     QCOMPARE(announced(), (QStringList{disconnecting, idle}));
 }
 
-void TestWifiDisconnect::aTechnologyThatStaysOnIsReportedAndEndsIdle()
+void TestWifiDisconnect::aRefusedPowerOffIsReportedAndDisconnectEndsIdle()
 {
     reachPowered("online");
     connman.failMethod(powerOff, "net.connman.Error.PermissionDenied", "Permission denied");
@@ -219,7 +219,7 @@ void TestWifiDisconnect::theCallerSeesTheFirstOfTwoErrors()
     QCOMPARE(orders(), (QStringList{removeLab, powerOff, unregisterAgent}));
 }
 
-void TestWifiDisconnect::aTechnologyThatIsOffAlreadyEndsIdle()
+void TestWifiDisconnect::disconnectEndsIdleIfTheTechnologyIsAlreadyOff()
 {
     reach("online");
 
@@ -228,7 +228,7 @@ void TestWifiDisconnect::aTechnologyThatIsOffAlreadyEndsIdle()
     QCOMPARE(announced(), (QStringList{disconnecting, idle}));
 }
 
-void TestWifiDisconnect::aTechnologyThatIsOffWithoutSayingSoEndsIdle()
+void TestWifiDisconnect::disconnectEndsIdleWithoutASignalOfThePowerOff()
 {
     reach("online");
     connman.replyToMethod("Technology.SetProperty", {});
@@ -240,7 +240,7 @@ void TestWifiDisconnect::aTechnologyThatIsOffWithoutSayingSoEndsIdle()
     QCOMPARE(recorder->waitFor(1), QStringList{idle});
 }
 
-void TestWifiDisconnect::withoutConnManItEndsIdle()
+void TestWifiDisconnect::disconnectEndsIdleWithoutConnMan()
 {
     reachPowered("online");
     connman.kill();
@@ -256,7 +256,7 @@ void TestWifiDisconnect::withoutConnManItEndsIdle()
              (QStringList{state("WIFI", "", "disconnect"), state("WIFI", "", "idle")}));
 }
 
-void TestWifiDisconnect::aConnManThatDiesMeanwhileEndsIdle()
+void TestWifiDisconnect::disconnectEndsIdleIfConnManDiesMeanwhile()
 {
     reachPowered("online");
     QCOMPARE(disconnect(), QString("()"));
@@ -310,7 +310,7 @@ void TestWifiDisconnect::disconnectEndsDespiteASuspendedConnMan()
 
 void TestWifiDisconnect::aSuspendedConnManDoesNotStopThePings()
 {
-    // A watchdog whose timer does not expire meanwhile.
+    // The systemd watchdog's ping timer does not expire during the test.
     daemon.setEnvironment("WATCHDOG_USEC", "3000000000000");
     reachPowered("online");
     BusMonitor monitor;
@@ -341,7 +341,7 @@ void TestWifiDisconnect::disconnectEndsWhileTheScriptRuns()
 
     QCOMPARE(announced(),
              (QStringList{state("WIFI", "", "disconnect"), state("WIFI", "", "idle")}));
-    // The module's readiness has no effect.
+    // The module becomes ready, which has no effect.
     orders();
     script.release();
     letModuleSwitch();
@@ -384,7 +384,7 @@ void TestWifiDisconnect::theModuleOfAnEndedAttemptStaysOff()
     QCOMPARE(connman.journal(), QStringList());
     QCOMPARE(trace().last().section(' ', 0, 2),
              QString("slotLoadFirmwareFinishedDelayed OP:none idle"));
-    // But the module counts as switched: the daemon handles ConnMan's signals again.
+    // The daemon now considers the module switched: it handles ConnMan's signals again.
     power(true);
     QCOMPARE(announced(), QStringList());
     QCOMPARE(connman.journal(), (QStringList{getServices, asyncScan}));
@@ -406,7 +406,7 @@ void TestWifiDisconnect::signalsOfTheServiceThatIsLeftAreIgnored()
     QCOMPARE(orders(), (QStringList{removeLab, powerOff, unregisterAgent}));
 }
 
-void TestWifiDisconnect::nothingElseIsStartedMeanwhile()
+void TestWifiDisconnect::connectAndScanAreIgnoredDuringADisconnect()
 {
     reachPowered("online");
     disconnect();

@@ -23,36 +23,36 @@ private Q_SLOTS:
     void startPowersTheCableOffThenTheWirelessAndNothingElse();
     void startSucceedsWithoutConnMan();
 
-    void aScanSwitchesTheModulePowersItAndListsWhatComes();
-    void theWholeScanAsksConnManForNoMore();
-    void networksThatAreKnownAreListedWithoutPowering();
-    void networksThatComeWithThePowerAreListedWithoutAsking();
-    void aTechnologyThatCannotBeAskedMayBringNetworks();
+    void aScanSwitchesAndPowersTheModuleAndListsTheNetworks();
+    void aScanMakesNoOtherCallsToConnMan();
+    void knownNetworksAreListedWithoutPoweringOn();
+    void networksFoundAtPowerOnAreListedWithoutAScanCall();
+    void aTechnologyThatRefusesTheScanMayFindNetworks();
     void aCableDoesNotDisturbAScan();
     void theListLeavesHiddenNetworksOutAndNamesEachOnce();
-    void theListIsGivenBeforeTheTechnologyIsPoweredOff();
-    void aScanGivesItsListOnce();
+    void theListIsSentBeforeTheTechnologyIsPoweredOff();
+    void aScanSendsItsListOnce();
     void aScanMayFollowAScan();
     void aScanAfterAFailureAnnouncesIdle();
 
-    void nothingIsAskedBeforeTheModuleHadTwoSeconds();
+    void connManIsNotCalledInTheModulesFirstTwoSeconds();
     void changesWhileTheScriptRunsLeaveOnlyATrace();
-    void afterFifteenSecondsTheListIsGivenAsItIs();
+    void afterFifteenSecondsTheCurrentListIsSent();
     void aScriptThatTakesLongerThanTheScanDoesNotEndIt();
     void onlyTheEndOfTheScriptCounts();
 
     void aScanWhileTheScriptRunsFails();
     void aScanWithoutAScriptFails();
-    void aScanWithoutConnmandFailsAndAsksNothing();
+    void aScanWithoutConnmandFailsAndCallsNothing();
 
-    void anyServicesChangedTriggers_data();
-    void anyServicesChangedTriggers();
-    void aReplyThatIsNoListIsAnEmptyOne_data();
-    void aReplyThatIsNoListIsAnEmptyOne();
-    void signalsOfOthersAreIgnored();
+    void servicesChangedTriggersWithAnyArguments_data();
+    void servicesChangedTriggersWithAnyArguments();
+    void aReplyThatIsNoListCountsAsAnEmptyList_data();
+    void aReplyThatIsNoListCountsAsAnEmptyList();
+    void signalsOfOtherSendersAreIgnored();
 
     void theTraceRecordsEachStep();
-    void theTraceIsMadeForEveryone();
+    void theTracesModeAllowsEverythingTheUmaskAllows();
     void theTraceIsAppendedTo();
     void aStandardStreamThatWasClosedDoesNotBecomeTheTrace();
     void aTraceOfFourMebibytesGrowsNoMore_data();
@@ -109,7 +109,7 @@ void TestWifiScan::startSucceedsWithoutConnMan()
     QCOMPARE(wifi.call("getStrength"), QString("({})"));
 }
 
-void TestWifiScan::aScanSwitchesTheModulePowersItAndListsWhatComes()
+void TestWifiScan::aScanSwitchesAndPowersTheModuleAndListsTheNetworks()
 {
     connman.setAsyncScan(true);
     begin();
@@ -132,7 +132,7 @@ void TestWifiScan::aScanSwitchesTheModulePowersItAndListsWhatComes()
     QCOMPARE(orders(), QStringList{powerOff});
 }
 
-void TestWifiScan::theWholeScanAsksConnManForNoMore()
+void TestWifiScan::aScanMakesNoOtherCallsToConnMan()
 {
     connman.setAsyncScan(true);
     begin();
@@ -147,7 +147,7 @@ void TestWifiScan::theWholeScanAsksConnManForNoMore()
              (QStringList{getServices, powerOn, getServices, asyncScan, getServices, powerOff}));
 }
 
-void TestWifiScan::networksThatAreKnownAreListedWithoutPowering()
+void TestWifiScan::knownNetworksAreListedWithoutPoweringOn()
 {
     connman.setServices({network("Lab", "idle")});
     begin();
@@ -159,7 +159,7 @@ void TestWifiScan::networksThatAreKnownAreListedWithoutPowering()
     QCOMPARE(orders(), QStringList{powerOff});
 }
 
-void TestWifiScan::networksThatComeWithThePowerAreListedWithoutAsking()
+void TestWifiScan::networksFoundAtPowerOnAreListedWithoutAScanCall()
 {
     begin();
     startScan();
@@ -170,7 +170,7 @@ void TestWifiScan::networksThatComeWithThePowerAreListedWithoutAsking()
     QCOMPARE(orders(), (QStringList{powerOn, powerOff}));
 }
 
-void TestWifiScan::aTechnologyThatCannotBeAskedMayBringNetworks()
+void TestWifiScan::aTechnologyThatRefusesTheScanMayFindNetworks()
 {
     begin();
     startScan();
@@ -224,7 +224,7 @@ void TestWifiScan::theListLeavesHiddenNetworksOutAndNamesEachOnce()
     QCOMPARE(announced(), (QStringList{idle, list(expected)}));
 }
 
-void TestWifiScan::theListIsGivenBeforeTheTechnologyIsPoweredOff()
+void TestWifiScan::theListIsSentBeforeTheTechnologyIsPoweredOff()
 {
     begin();
     startScan();
@@ -238,7 +238,7 @@ void TestWifiScan::theListIsGivenBeforeTheTechnologyIsPoweredOff()
     connman.releaseMethod(powerOff);
 }
 
-void TestWifiScan::aScanGivesItsListOnce()
+void TestWifiScan::aScanSendsItsListOnce()
 {
     connman.setServices({network("Lab", "idle")});
     begin();
@@ -281,7 +281,7 @@ void TestWifiScan::aScanAfterAFailureAnnouncesIdle()
     QCOMPARE(announced(), (QStringList{idle, list(labEntry)}));
 }
 
-void TestWifiScan::nothingIsAskedBeforeTheModuleHadTwoSeconds()
+void TestWifiScan::connManIsNotCalledInTheModulesFirstTwoSeconds()
 {
     begin();
     script.hold();
@@ -316,7 +316,7 @@ void TestWifiScan::changesWhileTheScriptRunsLeaveOnlyATrace()
                                    "technologyPropertyChangedSlot OP:scan idle "}));
 }
 
-void TestWifiScan::afterFifteenSecondsTheListIsGivenAsItIs()
+void TestWifiScan::afterFifteenSecondsTheCurrentListIsSent()
 {
     begin();
     startScan();
@@ -393,9 +393,9 @@ void TestWifiScan::aScanWithoutAScriptFails()
     QCOMPARE(trace(), QStringList{"scan OP:scan failure "});
 }
 
-void TestWifiScan::aScanWithoutConnmandFailsAndAsksNothing()
+void TestWifiScan::aScanWithoutConnmandFailsAndCallsNothing()
 {
-    // Still on the bus, under a name that pidof does not look for.
+    // The stand-in is still on the bus, but its program has a name that pidof does not look for.
     connman.kill();
     connman.start("networkd");
     connman.setServices({network("Lab", "idle")});
@@ -407,7 +407,7 @@ void TestWifiScan::aScanWithoutConnmandFailsAndAsksNothing()
     QCOMPARE(connman.journal(), QStringList());
 }
 
-void TestWifiScan::anyServicesChangedTriggers_data()
+void TestWifiScan::servicesChangedTriggersWithAnyArguments_data()
 {
     QTest::addColumn<QVariantList>("values");
     QTest::newRow("none") << QVariantList();
@@ -417,7 +417,7 @@ void TestWifiScan::anyServicesChangedTriggers_data()
                                                QVariant::fromValue(QList<QDBusObjectPath>())};
 }
 
-void TestWifiScan::anyServicesChangedTriggers()
+void TestWifiScan::servicesChangedTriggersWithAnyArguments()
 {
     QFETCH(QVariantList, values);
     begin();
@@ -429,7 +429,7 @@ void TestWifiScan::anyServicesChangedTriggers()
     QCOMPARE(announced(), (QStringList{idle, list(labEntry)}));
 }
 
-void TestWifiScan::aReplyThatIsNoListIsAnEmptyOne_data()
+void TestWifiScan::aReplyThatIsNoListCountsAsAnEmptyList_data()
 {
     QTest::addColumn<QVariantList>("values");
     QTest::newRow("nothing") << QVariantList();
@@ -439,7 +439,7 @@ void TestWifiScan::aReplyThatIsNoListIsAnEmptyOne_data()
         << QVariantList{QVariant::fromValue(ListedObjects{network("Lab", "idle")}), 1};
 }
 
-void TestWifiScan::aReplyThatIsNoListIsAnEmptyOne()
+void TestWifiScan::aReplyThatIsNoListCountsAsAnEmptyList()
 {
     QFETCH(QVariantList, values);
     connman.replyToMethod("Manager.GetServices", values);
@@ -451,7 +451,7 @@ void TestWifiScan::aReplyThatIsNoListIsAnEmptyOne()
     QCOMPARE(announced(), (QStringList{idle, list("")}));
 }
 
-void TestWifiScan::signalsOfOthersAreIgnored()
+void TestWifiScan::signalsOfOtherSendersAreIgnored()
 {
     begin();
     startScan();
@@ -485,7 +485,7 @@ void TestWifiScan::theTraceRecordsEachStep()
     QCOMPARE(readFile("/tmp/logkywifi"), expected);
 }
 
-void TestWifiScan::theTraceIsMadeForEveryone()
+void TestWifiScan::theTracesModeAllowsEverythingTheUmaskAllows()
 {
     begin();
     wifi.call("scan");

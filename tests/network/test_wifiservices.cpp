@@ -40,7 +40,7 @@ QStringList paths(const QList<ConnmanObject> &services)
     return list;
 }
 
-/** The entry in the scan list of a network with this property. */
+/** The entry in the scan list for a network that has @p property with @p value. */
 QStringList scanned(const QString &property, const QVariant &value)
 {
     return wifiScanList({service("wifi_a", {{"Name", "Lab"}, {property, value}})})

@@ -13,7 +13,7 @@ class TestDocuments : public QObject
     Q_OBJECT
 
 private Q_SLOTS:
-    void everythingThatTheDocumentsNameIsThere();
+    void everythingThatTheDocumentsNameExists();
     void missingNamesAreReported_data();
     void missingNamesAreReported();
     void existingNamesAreNotReported();
@@ -52,7 +52,7 @@ QString TestDocuments::complaintsOf(const QByteArray &text)
     return complaints({directory.filePath("document.md")});
 }
 
-void TestDocuments::everythingThatTheDocumentsNameIsThere()
+void TestDocuments::everythingThatTheDocumentsNameExists()
 {
     QCOMPARE(complaints({}), QString("none"));
 }

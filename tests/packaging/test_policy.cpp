@@ -22,7 +22,7 @@ private Q_SLOTS:
     void rootMayCall();
     void aMemberOfTheGroupMayCall();
     void onlyRootMayAskTheAgent();
-    void aStrangerMaySendNothing();
+    void aStrangersCallsAreRefused();
     void unicastSignalsToTheDaemonAreRefused_data();
     void unicastSignalsToTheDaemonAreRefused();
     void messagesWithFileDescriptorsAreRefused_data();
@@ -98,7 +98,7 @@ void TestPolicy::onlyRootMayAskTheAgent()
     }
 }
 
-void TestPolicy::aStrangerMaySendNothing()
+void TestPolicy::aStrangersCallsAreRefused()
 {
     QVERIFY(daemon.start());
     for (const QStringList &refused :

@@ -21,7 +21,7 @@ private slots:
     void everyListedNameIsFound();
     void commentsAndLongerNamesAreNotFound();
     void functionsOfTheLibrariesAreFoundInAProgram();
-    void aProgramWithoutQtIsNoProof();
+    void aProgramWithoutQtIsReported();
     void programsLinkOnlyKnownLibraries_data();
     void programsLinkOnlyKnownLibraries();
     void theDaemonsPackageNeedsNothingOfThePanel();
@@ -110,7 +110,7 @@ void TestQtNewer::functionsOfTheLibrariesAreFoundInAProgram()
                                                  source + ":14: chopped is of Qt 5.10"}));
 }
 
-void TestQtNewer::aProgramWithoutQtIsNoProof()
+void TestQtNewer::aProgramWithoutQtIsReported()
 {
     const QTemporaryDir directory;
     const Finding finding = check({directory.path(), "--", "/bin/true"});

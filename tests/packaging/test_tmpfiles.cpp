@@ -15,7 +15,7 @@ class TestTmpfiles : public QObject
 private Q_SLOTS:
     void init();
 
-    void theDirectoryOfTheProfilesIsMade();
+    void theDirectoryOfTheProfilesIsCreated();
     void rootOwnsTheDirectoryOfTheProfiles();
     void aStrangersLinkInItsPlaceIsNotFollowed();
 
@@ -50,7 +50,7 @@ void TestTmpfiles::verify(const QString &directory, uid_t owner, mode_t mode)
     QCOMPARE(status.st_mode, mode);
 }
 
-void TestTmpfiles::theDirectoryOfTheProfilesIsMade()
+void TestTmpfiles::theDirectoryOfTheProfilesIsCreated()
 {
     create();
     verify(profiles, 0, S_IFDIR | 0755);

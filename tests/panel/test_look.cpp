@@ -30,8 +30,8 @@ private Q_SLOTS:
     void everyLedBearsItsNameAndColour();
     void everyFileOfTheBoardIsSeen_data();
     void everyFileOfTheBoardIsSeen();
-    void everyHandFindsItsElement();
-    void everythingThatIsShownIsDrawn();
+    void everyElementThatCanBePressedIsDrawn();
+    void everyElementOfALookIsInTheDrawing();
     void ledsBlink_data();
     void ledsBlink();
     void nonsenseInTheFilesIsShownAsUnknown();
@@ -47,9 +47,9 @@ private Q_SLOTS:
     void aKnobIsWhereTheValueEnds();
     void aBlinkIsDrawnOnce();
     void theJoinedNetworkIsMarked();
-    void handsRunCommands_data();
-    void handsRunCommands();
-    void handsUndoWhatTheyDid();
+    void aPressRunsItsCommand_data();
+    void aPressRunsItsCommand();
+    void aSecondPressUndoesTheFirst();
     void aProfileThatChangesIsSeen();
     void accessPointsAreDescribed();
     void placesOnAScaleAndValuesCorrespond_data();
@@ -172,14 +172,14 @@ void TestLook::everyFileOfTheBoardIsSeen()
     QVERIFY(lookOf(instrument, 0) != before);
 }
 
-void TestLook::everyHandFindsItsElement()
+void TestLook::everyElementThatCanBePressedIsDrawn()
 {
     const Drawing drawing{DRAWING};
     for (const QString &element : handElements())
         QVERIFY2(drawing.has(element) && !drawing.bounds(element).isEmpty(), qPrintable(element));
 }
 
-void TestLook::everythingThatIsShownIsDrawn()
+void TestLook::everyElementOfALookIsInTheDrawing()
 {
     const Look look = lookOf(newInstrument(), 0);
     QCOMPARE(Drawing{DRAWING}.missing(look), QStringList());
@@ -422,7 +422,7 @@ void TestLook::theJoinedNetworkIsMarked()
     QCOMPARE(look.opacities.value("air-2-joined"), 1.0);
 }
 
-void TestLook::handsRunCommands_data()
+void TestLook::aPressRunsItsCommand_data()
 {
     QTest::addColumn<QString>("element");
     QTest::addColumn<double>("place");
@@ -458,7 +458,7 @@ void TestLook::handsRunCommands_data()
     row("nothing", "screen", 0, "", "", "");
 }
 
-void TestLook::handsRunCommands()
+void TestLook::aPressRunsItsCommand()
 {
     QFETCH(QString, element);
     QFETCH(double, place);
@@ -470,7 +470,7 @@ void TestLook::handsRunCommands()
     QTEST(commandFor(element, place, instrument), "command");
 }
 
-void TestLook::handsUndoWhatTheyDid()
+void TestLook::aSecondPressUndoesTheFirst()
 {
     Instrument instrument = newInstrument();
     for (bool isIn : {true, false}) {

@@ -19,7 +19,7 @@ class TestPanelWindow : public QObject
 private Q_SLOTS:
     void clicksInAWindowReachTheInstrument();
     void aFaultIsChosenFromTheMenu();
-    void aViewerReachesItOverTheNetwork();
+    void aViewerReachesThePanelOverTheNetwork();
     void picturesNeedNoDisplay();
     void wrongOptionsAndFailedCommandsAreReported();
     void thePicturesInTheDocumentsAreUpToDate_data();
@@ -225,7 +225,7 @@ void TestPanelWindow::aFaultIsChosenFromTheMenu()
     QVERIFY(panel.end());
 }
 
-void TestPanelWindow::aViewerReachesItOverTheNetwork()
+void TestPanelWindow::aViewerReachesThePanelOverTheNetwork()
 {
     // A VNC server sends first.
     QCOMPARE(output("QT_QPA_PLATFORM=vnc panel >/dev/null 2>&1 & "

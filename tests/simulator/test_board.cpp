@@ -281,18 +281,18 @@ private Q_SLOTS:
 
     void aNewBoardHasSensibleValues_data();
     void aNewBoardHasSensibleValues();
-    void aMissingBoardIsMade();
-    void aMissingValueIsMade();
+    void aMissingBoardIsCreated();
+    void aMissingValueIsCreated();
     void aMissingRegisterStaysMissing();
-    void aBoardThatCannotBeMadeFailsEveryCall();
+    void aBoardThatCannotBeCreatedFailsEveryCall();
     void aReadOnlyBoardIsRead();
 
     void everyOperationIsInTheJournal_data();
     void everyOperationIsInTheJournal();
     void everyOperationCanFail_data();
     void everyOperationCanFail();
-    void everyOperationCanGiveGarbage_data();
-    void everyOperationCanGiveGarbage();
+    void everyOperationCanReturnGarbage_data();
+    void everyOperationCanReturnGarbage();
     void garbageChangesNothingOnTheBoard();
     void nullPointersAreFailures();
 
@@ -306,7 +306,7 @@ private Q_SLOTS:
     void nonsenseInAFileIsAFailure();
     void anythingButARegularFileIsAFailure_data();
     void anythingButARegularFileIsAFailure();
-    void aCountThatIsNonsenseIsNotRaised();
+    void aCountThatIsNonsenseIsNotIncremented();
     void numbersDoNotDependOnTheLocale();
 
     void theChargerShowsInTheStatusRegister();
@@ -323,16 +323,16 @@ private Q_SLOTS:
     void aFaultMayComeLater();
     void aHeldCallWaitsForItsRelease();
 
-    void withoutAJournalNoneIsMade();
+    void aMissingJournalIsNotCreated();
     void theJournalIsInOrderOverLibrariesAndProcesses();
 
     void concurrentWritersCountCorrectly();
     void concurrentCallersCountFaultsCorrectly();
-    void noValueIsEverSeenHalfWritten();
+    void noReaderSeesAPartialValue();
 
     void theKernelAnnouncesAnInsertionOnce_data();
     void theKernelAnnouncesAnInsertionOnce();
-    void onlyWhatIsInsertedIsMountedOrRemoved();
+    void onlyInsertedDevicesCanBeMountedOrRemoved();
     void aKernelEventCanHaveAnyContent();
 
 private:
@@ -412,7 +412,7 @@ void TestBoard::aNewBoardHasSensibleValues()
     QCOMPARE(Board::get(path), value);
 }
 
-void TestBoard::aMissingBoardIsMade()
+void TestBoard::aMissingBoardIsCreated()
 {
     const QStringList before = snapshot(Board::pathOf(QString()));
     QVERIFY(QDir(Board::pathOf(QString())).removeRecursively());
@@ -423,7 +423,7 @@ void TestBoard::aMissingBoardIsMade()
     QCOMPARE(snapshot(Board::pathOf(QString())), before);
 }
 
-void TestBoard::aMissingValueIsMade()
+void TestBoard::aMissingValueIsCreated()
 {
     Board::remove("temperature/SOM");
     Board::set("temperature/ANALOG_CHAIN", "50");
@@ -446,7 +446,7 @@ void TestBoard::aMissingRegisterStaysMissing()
     QVERIFY(!QFile::exists(Board::pathOf("soc/0x68")));
 }
 
-void TestBoard::aBoardThatCannotBeMadeFailsEveryCall()
+void TestBoard::aBoardThatCannotBeCreatedFailsEveryCall()
 {
     QProcess process;
     QProcessEnvironment environment = QProcessEnvironment::systemEnvironment();
@@ -531,12 +531,12 @@ void TestBoard::everyOperationCanFail()
         QCOMPARE(result, success);
 }
 
-void TestBoard::everyOperationCanGiveGarbage_data()
+void TestBoard::everyOperationCanReturnGarbage_data()
 {
     addOperations();
 }
 
-void TestBoard::everyOperationCanGiveGarbage()
+void TestBoard::everyOperationCanReturnGarbage()
 {
     QFETCH(QString, operation);
     QFETCH(QString, arguments);
@@ -828,7 +828,7 @@ void TestBoard::anOversizedEepromImageIsAFailure()
     QCOMPARE(readEeprom(EEPROM_MESURE, 0, 2), QStringLiteral("1"));
 }
 
-void TestBoard::aCountThatIsNonsenseIsNotRaised()
+void TestBoard::aCountThatIsNonsenseIsNotIncremented()
 {
     Board::set("powerman/wifi_hard_resets", "many");
 
@@ -1001,7 +1001,7 @@ void TestBoard::aHeldCallWaitsForItsRelease()
     QCOMPARE(Board::get("held"), QString());
 }
 
-void TestBoard::withoutAJournalNoneIsMade()
+void TestBoard::aMissingJournalIsNotCreated()
 {
     Board::remove("journal");
 
@@ -1069,7 +1069,7 @@ void TestBoard::concurrentCallersCountFaultsCorrectly()
     QVERIFY(!QFile::exists(Board::pathOf("faults/KyTemperature.getTemperature")));
 }
 
-void TestBoard::noValueIsEverSeenHalfWritten()
+void TestBoard::noReaderSeesAPartialValue()
 {
     const QByteArray zeros(1196, '\0');
     const QByteArray ones(1196, '\x01');
@@ -1131,7 +1131,7 @@ void TestBoard::theKernelAnnouncesAnInsertionOnce()
     QCOMPARE(Board::get(directory + "mounted"), QStringLiteral("0"));
 }
 
-void TestBoard::onlyWhatIsInsertedIsMountedOrRemoved()
+void TestBoard::onlyInsertedDevicesCanBeMountedOrRemoved()
 {
     const KernelEvents events;
     QVERIFY(!Board::storage("mount", "SD"));

@@ -16,10 +16,10 @@ class TestConnmanAgreement : public QObject
 private Q_SLOTS:
     void initTestCase();
 
-    void bothAnswerAlike_data();
-    void bothAnswerAlike();
-    void bothAnnounceAlike_data();
-    void bothAnnounceAlike();
+    void bothReplyTheSame_data();
+    void bothReplyTheSame();
+    void bothAnnounceTheSame_data();
+    void bothAnnounceTheSame();
 
 private:
     /** Plugs or unplugs the cable, which differs between the two. */
@@ -249,27 +249,27 @@ QStringList TestConnmanAgreement::withoutService(const QStringList &heard)
     return kept;
 }
 
-void TestConnmanAgreement::bothAnswerAlike_data()
+void TestConnmanAgreement::bothReplyTheSame_data()
 {
     QTest::addColumn<QString>("name");
     for (const QString &name : realAnswers.keys())
         QTest::newRow(qPrintable(name)) << name;
 }
 
-void TestConnmanAgreement::bothAnswerAlike()
+void TestConnmanAgreement::bothReplyTheSame()
 {
     QFETCH(QString, name);
     QCOMPARE(standInAnswers.value(name), realAnswers.value(name));
 }
 
-void TestConnmanAgreement::bothAnnounceAlike_data()
+void TestConnmanAgreement::bothAnnounceTheSame_data()
 {
     QTest::addColumn<QString>("name");
     for (const QString &name : realAnnouncements.keys())
         QTest::newRow(qPrintable(name)) << name;
 }
 
-void TestConnmanAgreement::bothAnnounceAlike()
+void TestConnmanAgreement::bothAnnounceTheSame()
 {
     QFETCH(QString, name);
     QVERIFY(!realAnnouncements.value(name).isEmpty());

@@ -59,12 +59,12 @@ private Q_SLOTS:
     void init();
     void cleanup();
 
-    void itIsSeenAsConnmandAndOwnsItsName();
-    void itLeavesNothingWhenKilled();
-    void suspendedItAnswersNothingUntilResumed();
+    void pidofFindsTheStandInAndItOwnsConnMansName();
+    void aKilledStandInLeavesTheBus();
+    void aSuspendedStandInAnswersWhenResumed();
 
     void theListsHaveConnMansTypes();
-    void aServiceWithoutPropertiesStaysOne();
+    void aServiceMayHaveNoProperties();
     void poweringIsAnsweredAsConnManDoes();
     void callsAreRefusedAsConnManDoes_data();
     void callsAreRefusedAsConnManDoes();
@@ -74,7 +74,7 @@ private Q_SLOTS:
 
     void nothingIsAnnouncedUnprompted();
     void aChangedPropertyIsAnnounced();
-    void changedServicesComeWithWhatIsNewAndWhatIsGone();
+    void servicesChangedContainsTheNewAndTheRemovedServices();
     void anySignalCanBeSent();
 
     void theJournalShowsEveryCallWithItsTypes();
@@ -134,7 +134,7 @@ QDBusPendingCall TestConnmanStandIn::callLater(const QString &path, const char *
         QDBusMessage::createMethodCall("net.connman", path, interface, method));
 }
 
-void TestConnmanStandIn::itIsSeenAsConnmandAndOwnsItsName()
+void TestConnmanStandIn::pidofFindsTheStandInAndItOwnsConnMansName()
 {
     QCOMPARE(QProcess::execute("pidof", {"connmand"}), 0);
     standIn.stop();
@@ -143,14 +143,14 @@ void TestConnmanStandIn::itIsSeenAsConnmandAndOwnsItsName()
     QCOMPARE(manager.call("GetServices"), QString("([])"));
 }
 
-void TestConnmanStandIn::itLeavesNothingWhenKilled()
+void TestConnmanStandIn::aKilledStandInLeavesTheBus()
 {
     standIn.kill();
     QVERIFY(manager.call("GetServices").startsWith("org.freedesktop.DBus.Error.ServiceUnknown: "));
     standIn.start();
 }
 
-void TestConnmanStandIn::suspendedItAnswersNothingUntilResumed()
+void TestConnmanStandIn::aSuspendedStandInAnswersWhenResumed()
 {
     standIn.freeze();
     const QDBusPendingCall call = callLater("/", "net.connman.Manager", "GetServices");
@@ -181,7 +181,7 @@ void TestConnmanStandIn::theListsHaveConnMansTypes()
                             "\"Name\": <\"Wired\">, \"Powered\": <false>, "));
 }
 
-void TestConnmanStandIn::aServiceWithoutPropertiesStaysOne()
+void TestConnmanStandIn::aServiceMayHaveNoProperties()
 {
     standIn.setServices({{QDBusObjectPath(cable), {}}});
     QCOMPARE(manager.call("GetServices"), QString("([(o:\"%1\", {})])").arg(cable));
@@ -304,7 +304,7 @@ void TestConnmanStandIn::aChangedPropertyIsAnnounced()
     QVERIFY(manager.call("GetTechnologies").contains("\"Powered\": <true>"));
 }
 
-void TestConnmanStandIn::changedServicesComeWithWhatIsNewAndWhatIsGone()
+void TestConnmanStandIn::servicesChangedContainsTheNewAndTheRemovedServices()
 {
     const QString other = "/net/connman/service/wifi_02aabbccdd03_61_managed_psk";
     ConnmanSignals heard;

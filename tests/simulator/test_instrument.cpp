@@ -13,16 +13,16 @@ class TestInstrument : public QObject
 
 private Q_SLOTS:
     void aCommandRunsInsideAndItsStatusIsKept();
-    void theInstrumentHasItsSurroundings();
+    void theInstrumentHasItsFilesAndPrograms();
     void ethernetComesUpWithARealConnMan();
     void wifiComesUpWithoutARadio();
     void theDaemonGoesAwayAndComesBack();
     void aCrashedDaemonIsStartedAgain();
-    void timePassesFaster();
-    void theNetworkKeepsStepWhenTimePassesFaster();
-    void otherwiseTimeIsThatOfTheMachine();
-    void itsShellCompletesTheClient();
-    void inTheForegroundItShowsWhatIsUpAndEndsWhenAsked();
+    void withSpeedTimePassesFaster();
+    void theNetworkWorksWhenTimePassesFaster();
+    void withoutSpeedTheClockIsThatOfTheMachine();
+    void theShellInTheInstrumentCompletesKyboardctl();
+    void inTheForegroundTheInstrumentShowsItsScreenUntilItIsEnded();
 
 private:
     static QStringList arguments(const QStringList &command);
@@ -59,7 +59,7 @@ void TestInstrument::aCommandRunsInsideAndItsStatusIsKept()
     QCOMPARE(status, 42);
 }
 
-void TestInstrument::theInstrumentHasItsSurroundings()
+void TestInstrument::theInstrumentHasItsFilesAndPrograms()
 {
     QCOMPARE(output({"sh", "-c",
                      "ls /tmp/User_part; readlink /tmp/User_part/system;"
@@ -124,7 +124,7 @@ void TestInstrument::aCrashedDaemonIsStartedAgain()
 }
 
 /** The daemon checks the charge every 10 s eleven times, and then every 300 s. */
-void TestInstrument::timePassesFaster()
+void TestInstrument::withSpeedTimePassesFaster()
 {
     QElapsedTimer timer;
     timer.start();
@@ -140,7 +140,7 @@ void TestInstrument::timePassesFaster()
 
 /** Not at 60: a scan ends after 15 s of the daemon's time, in which ConnMan has 0.25 s to answer.
  */
-void TestInstrument::theNetworkKeepsStepWhenTimePassesFaster()
+void TestInstrument::theNetworkWorksWhenTimePassesFaster()
 {
     QCOMPARE(
         output({"--speed", "4", "sh", "-c", "kyboardctl ethernet connect && kyboardctl wifi scan"}),
@@ -148,7 +148,7 @@ void TestInstrument::theNetworkKeepsStepWhenTimePassesFaster()
                        "Hall       62 %  psk\nWorkshop   72 %  psk\n"));
 }
 
-void TestInstrument::otherwiseTimeIsThatOfTheMachine()
+void TestInstrument::withoutSpeedTheClockIsThatOfTheMachine()
 {
     QCOMPARE(
         output({"sh", "-c",
@@ -157,7 +157,7 @@ void TestInstrument::otherwiseTimeIsThatOfTheMachine()
         QStringLiteral("1\n"));
 }
 
-void TestInstrument::itsShellCompletesTheClient()
+void TestInstrument::theShellInTheInstrumentCompletesKyboardctl()
 {
     qputenv("TERM", "dumb");
     TerminalProgram bash(WORLD, arguments({"bash", "-i"}));
@@ -171,7 +171,7 @@ void TestInstrument::itsShellCompletesTheClient()
     QCOMPARE(bash.waitForEnd(), 3);
 }
 
-void TestInstrument::inTheForegroundItShowsWhatIsUpAndEndsWhenAsked()
+void TestInstrument::inTheForegroundTheInstrumentShowsItsScreenUntilItIsEnded()
 {
     QProcess world;
     world.setProcessChannelMode(QProcess::MergedChannels);

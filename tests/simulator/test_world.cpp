@@ -23,11 +23,11 @@ private Q_SLOTS:
     void inputAndOutputAreThoseOfTheCommand();
     void nothingWrittenThereReachesTheMachine();
     void theMachinesDevicesCannotBeReplaced();
-    void itHasItsOwnProcessesAndNetwork();
-    void itHasItsOwnBus();
-    void aDirectoryThatIsKeptIsSeenAndSafe();
+    void theWorldHasItsOwnProcessesAndNetwork();
+    void theWorldHasItsOwnBus();
+    void aKeptDirectoryIsVisibleAndReadOnly();
     void everythingEndsWithTheCommand();
-    void everythingEndsWhenTheWorldIsAskedTo();
+    void everythingEndsWhenTheWorldGetsSigterm();
     void everythingEndsWhenTheWorldIsKilled();
     void aCommandThatJoinsEarlyWaitsForTheWorld();
     void aCommandJoinsARunningWorld();
@@ -132,7 +132,7 @@ void TestWorld::theMachinesDevicesCannotBeReplaced()
     QVERIFY(!QFile::exists("/dev/file"));
 }
 
-void TestWorld::itHasItsOwnProcessesAndNetwork()
+void TestWorld::theWorldHasItsOwnProcessesAndNetwork()
 {
     QCOMPARE(run({"sh", "-c", "ls /sys/class/net; ip -brief link | wc -l"}).output,
              QStringLiteral("lo\n1\n"));
@@ -141,14 +141,14 @@ void TestWorld::itHasItsOwnProcessesAndNetwork()
              QStringLiteral("bash " WORLD));
 }
 
-void TestWorld::itHasItsOwnBus()
+void TestWorld::theWorldHasItsOwnBus()
 {
     const Result result = run({"busctl", "--system", "--no-legend", "--acquired", "list"});
     QCOMPARE(result.output.simplified().section(' ', 0, 0), QStringLiteral("org.freedesktop.DBus"));
     QCOMPARE(result.output.count('\n'), 1);
 }
 
-void TestWorld::aDirectoryThatIsKeptIsSeenAndSafe()
+void TestWorld::aKeptDirectoryIsVisibleAndReadOnly()
 {
     QTemporaryDir directory;
     writeFile(directory.path() + "/file", "seen");
@@ -183,7 +183,7 @@ void TestWorld::verifyEndAfter(const std::function<void(QProcess &)> &ending)
     QTRY_VERIFY_WITH_TIMEOUT(!isAlive(marker), deadlineMs);
 }
 
-void TestWorld::everythingEndsWhenTheWorldIsAskedTo()
+void TestWorld::everythingEndsWhenTheWorldGetsSigterm()
 {
     verifyEndAfter([](QProcess &world) { world.terminate(); });
 }

@@ -1,4 +1,7 @@
-/** Linked with the whole of one library. Links only if the library needs none of our others. */
+/**
+ * The main function of a program that links one whole library of ours. The link fails if the
+ * library needs another library of ours.
+ */
 int main()
 {
     return 0;

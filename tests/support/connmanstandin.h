@@ -41,7 +41,7 @@ public:
     void freeze();
     void thaw();
 
-    /** Replaces the list; sends no signal. */
+    /** Replaces the list of services, or of technologies; sends no signal. */
     void setServices(const ListedObjects &services);
     void setTechnologies(const ListedObjects &technologies);
 

@@ -12,8 +12,8 @@ void NetworkTest::init()
     DaemonTest::init();
     script.install();
     connman.start();
-    // If a delay ended by itself, the next jump of the clock could cut the daemon's wait for pidof
-    // short: ConnMan would then be absent.
+    // Stop the clock: if it ran, a delay could end between two jumps, and the next jump would then
+    // end the daemon's wait for pidof at once. ConnMan would count as absent.
     daemon.stopClock();
 }
 
@@ -36,7 +36,8 @@ void NetworkTest::begin()
 
 void NetworkTest::settle()
 {
-    // Runs on the thread that handles ConnMan's signals, after them, and calls no peer.
+    // The daemon runs getUser on the thread that handles ConnMan's signals, after these signals,
+    // and without calling a peer.
     Remote(QStringLiteral("/KyConfigMgr"), QStringLiteral("Users")).call(QStringLiteral("getUser"));
 }
 
@@ -61,7 +62,7 @@ void NetworkTest::passModuleDelay()
 
 QStringList NetworkTest::announced()
 {
-    // Expired timers are handled after earlier calls.
+    // The daemon handles expired timers after calls that arrived earlier.
     settle();
     return recorder->take();
 }

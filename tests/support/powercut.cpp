@@ -96,7 +96,8 @@ const FileCall *findCall(unsigned long long number)
     std::_Exit(126);
 }
 
-/** From now on the kernel stops us for our tracer before each file-system call. */
+/** Installs a filter with which the kernel reports each file-system call to our tracer beforehand.
+ */
 void askBeforeFileCalls()
 {
     std::vector<sock_filter> filter = {

@@ -1,6 +1,6 @@
 # Functions that add tests and campaigns.
 
-# The options of the world in which a test runs, up to the test program.
+# Sets the arguments of simulator/world for a test, up to the name of the test program.
 if(CMAKE_CROSSCOMPILING)
     # This machine's test programs test the other machine's daemon, which an emulator runs.
     set(NATIVE_BUILD "" CACHE PATH "Where this tree is built for the machine itself")

@@ -47,7 +47,7 @@ void WifiTest::reach(const QString &name)
     QVERIFY(connman.waitForCall(connectLab));
     if (name == QLatin1String("configuration") || name == QLatin1String("online")) {
         announceService(QStringLiteral("ready"));
-        // The address must come after this.
+        // The daemon must handle the state before the address comes.
         settle();
     }
     if (name == QLatin1String("online"))

@@ -13,11 +13,11 @@ class TestLinkTarget : public QObject
     Q_OBJECT
 
 private Q_SLOTS:
-    void linksPointToAbsoluteCleanPaths_data();
-    void linksPointToAbsoluteCleanPaths();
+    void theTargetOfALinkIsAnAbsoluteCleanPath_data();
+    void theTargetOfALinkIsAnAbsoluteCleanPath();
     void anythingButALinkHasNoTarget_data();
     void anythingButALinkHasNoTarget();
-    void aMissingLinkDoesNotGetThePreviousTarget();
+    void aMissingLinkHasNoTargetAfterAnExistingOne();
 
 private:
     QString pathOf(const QString &name) const { return m_directory.filePath(name); }
@@ -25,7 +25,7 @@ private:
     QTemporaryDir m_directory;
 };
 
-void TestLinkTarget::linksPointToAbsoluteCleanPaths_data()
+void TestLinkTarget::theTargetOfALinkIsAnAbsoluteCleanPath_data()
 {
     QTest::addColumn<QByteArray>("held");
     QTest::addColumn<QString>("target");
@@ -46,7 +46,7 @@ void TestLinkTarget::linksPointToAbsoluteCleanPaths_data()
     QTest::newRow("relative, upwards") << QByteArray("directory/../user1") << pathOf("user1");
 }
 
-void TestLinkTarget::linksPointToAbsoluteCleanPaths()
+void TestLinkTarget::theTargetOfALinkIsAnAbsoluteCleanPath()
 {
     QFETCH(QByteArray, held);
     QFETCH(QString, target);
@@ -77,7 +77,7 @@ void TestLinkTarget::anythingButALinkHasNoTarget()
     QVERIFY(!linkTarget(pathOf(name)));
 }
 
-void TestLinkTarget::aMissingLinkDoesNotGetThePreviousTarget()
+void TestLinkTarget::aMissingLinkHasNoTargetAfterAnExistingOne()
 {
     const QByteArray link = QFile::encodeName(pathOf(QStringLiteral("absolute")));
     QCOMPARE(symlink("/nowhere/user1_profile", link.constData()), 0);

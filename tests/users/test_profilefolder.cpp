@@ -25,35 +25,35 @@ private Q_SLOTS:
     void aMissingHiddenFileInASubdirectoryIsDetected();
     void aMissingHiddenFileIsDetected();
     void aFileInPlaceOfADirectoryIsDetected();
-    void everythingIsCompleteAgainstAMissingReference();
-    void aReferenceThatContainsItselfEndsTheComparison();
+    void aMissingReferenceMakesEveryDirectoryComplete();
+    void comparingWithAReferenceThatContainsItselfEnds();
 
-    void erasingLeavesTheDirectoryItself();
+    void erasingKeepsTheDirectoryItself();
     void erasingRemovesLinksNotTheirTargets();
-    void aMissingDirectoryIsErased();
+    void erasingAMissingDirectorySucceeds();
     void aFailedEraseIsReported_data();
     void aFailedEraseIsReported();
 
-    void copyingMakesTheDestinationWithItsParents();
-    void copyingTakesHiddenFilesAndDirectories();
+    void copyingCreatesTheDestinationWithItsParents();
+    void copyingIncludesHiddenFilesAndDirectories();
     void copyingFollowsLinks();
     void copyingKeepsModes();
     void copyingOntoAnExistingFileFails();
     void aCopyLeavesNothingElseBehind();
     void aCopyThatFailsLeavesNothingBehind();
-    void aNameThatTheSourceHasIsNotUsedForCopying();
-    void copyingFromAMissingSourceMakesAnEmptyDirectory();
+    void thePartialCopyGetsANameThatTheSourceLacks();
+    void copyingAMissingSourceCreatesAnEmptyDirectory();
     void aSourceThatContainsItselfIsRefused();
     void aDestinationThatIsAFileIsRefusedAndKept();
 
-    void aPathLongerThanTheKernelTakesIsCopiedAndErased();
+    void aPathThatExceedsTheKernelsLimitIsCopiedAndErased();
     void aDirectoryThatIsTooDeepIsRefused();
     void aDirectoryIsIncompleteBeforeItIsErased_data();
     void aDirectoryIsIncompleteBeforeItIsErased();
-    void onlyWhatSurvivesAReplacementIsCopied();
+    void sourceAndDestinationMustNotContainEachOther();
     void aDirectoryWithALoopCannotBeASource();
     void aMissingDirectoryIsAnEmptySource();
-    void nothingIsLeftOpen();
+    void noDescriptorIsLeftOpen();
 
 private:
     QString path(const char *name) const { return m_root->path() + QLatin1Char('/') + name; }
@@ -117,12 +117,12 @@ void TestProfileFolder::aFileInPlaceOfADirectoryIsDetected()
     QVERIFY(!isFolderComplete(at("default"), at("user")));
 }
 
-void TestProfileFolder::everythingIsCompleteAgainstAMissingReference()
+void TestProfileFolder::aMissingReferenceMakesEveryDirectoryComplete()
 {
     QVERIFY(isFolderComplete(at("missing"), at("default")));
 }
 
-void TestProfileFolder::aReferenceThatContainsItselfEndsTheComparison()
+void TestProfileFolder::comparingWithAReferenceThatContainsItselfEnds()
 {
     copyFolder(at("default"), made("user"));
     QVERIFY(QFile::link(path("default"), path("default/sub/loop")));
@@ -130,7 +130,7 @@ void TestProfileFolder::aReferenceThatContainsItselfEndsTheComparison()
     QVERIFY(!isFolderComplete(at("default"), at("user")));
 }
 
-void TestProfileFolder::erasingLeavesTheDirectoryItself()
+void TestProfileFolder::erasingKeepsTheDirectoryItself()
 {
     QVERIFY(eraseFolder(at("default")));
     QCOMPARE(snapshot(m_root->path()), QStringList{QStringLiteral("default")});
@@ -149,7 +149,7 @@ void TestProfileFolder::erasingRemovesLinksNotTheirTargets()
     QCOMPARE(snapshot(path("precious")), QStringList{QStringLiteral("file=P")});
 }
 
-void TestProfileFolder::aMissingDirectoryIsErased()
+void TestProfileFolder::erasingAMissingDirectorySucceeds()
 {
     QVERIFY(eraseFolder(at("missing")));
     QVERIFY(!QFile::exists(path("missing")));
@@ -158,7 +158,7 @@ void TestProfileFolder::aMissingDirectoryIsErased()
 void TestProfileFolder::aFailedEraseIsReported_data()
 {
     QTest::addColumn<QString>("directory");
-    // The kernel allows no removal there.
+    // Files and directories in /proc cannot be removed.
     QTest::newRow("files") << "/proc/self/fdinfo";
     QTest::newRow("directories") << "/proc/self/task";
     QTest::newRow("a link to itself") << "circle";
@@ -171,13 +171,13 @@ void TestProfileFolder::aFailedEraseIsReported()
     QVERIFY(!eraseFolder(openDirectory(QDir(m_root->path()).absoluteFilePath(directory))));
 }
 
-void TestProfileFolder::copyingMakesTheDestinationWithItsParents()
+void TestProfileFolder::copyingCreatesTheDestinationWithItsParents()
 {
     QVERIFY(copyFolder(at("default"), made("new/parents/user")));
     QCOMPARE(snapshot(path("new/parents/user")), snapshot(path("default")));
 }
 
-void TestProfileFolder::copyingTakesHiddenFilesAndDirectories()
+void TestProfileFolder::copyingIncludesHiddenFilesAndDirectories()
 {
     copyFolder(at("default"), made("user"));
     QCOMPARE(snapshot(path("user")), (QStringList{".cache", ".cache/deep", ".cache/deep/c=C",
@@ -215,12 +215,12 @@ void TestProfileFolder::copyingKeepsModes()
 
     QVERIFY(copyFolder(at("default"), made("user")));
 
-    // Set-user-ID files are no part of a profile.
+    // A copy does not keep the set-user-ID bit.
     QCOMPARE(modeOf("user/a"), mode_t(0640));
     QCOMPARE(modeOf("user/sub"), mode_t(0700));
     QCOMPARE(modeOf("user/.cache/deep"), mode_t(0555));
     QCOMPARE(modeOf("user/.cache"), mode_t(0510));
-    // Not even its owner may write to it; erasing works nevertheless.
+    // Its mode forbids writing even to its owner, but it can be erased.
     QVERIFY(eraseFolder(at("user")));
     QVERIFY(eraseFolder(at("default")));
 }
@@ -246,7 +246,7 @@ void TestProfileFolder::aCopyThatFailsLeavesNothingBehind()
     QCOMPARE(snapshot(path("user")), QStringList());
 }
 
-void TestProfileFolder::aNameThatTheSourceHasIsNotUsedForCopying()
+void TestProfileFolder::thePartialCopyGetsANameThatTheSourceLacks()
 {
     writeFile(path("default/.rebuild"), "a file of that name");
     writeFile(path("default/.rebuild+/inside"), "a directory of that name");
@@ -258,7 +258,7 @@ void TestProfileFolder::aNameThatTheSourceHasIsNotUsedForCopying()
     QCOMPARE(snapshot(path("user")), snapshot(path("default")));
 }
 
-void TestProfileFolder::copyingFromAMissingSourceMakesAnEmptyDirectory()
+void TestProfileFolder::copyingAMissingSourceCreatesAnEmptyDirectory()
 {
     QVERIFY(copyFolder(at("missing"), made("user")));
     QVERIFY(QFileInfo(path("user")).isDir());
@@ -291,7 +291,7 @@ static void nest(const QString &start, const QByteArray &name, int depth)
     close(openat(directory.get(), "file", O_WRONLY | O_CREAT | O_CLOEXEC, 0600));
 }
 
-void TestProfileFolder::aPathLongerThanTheKernelTakesIsCopiedAndErased()
+void TestProfileFolder::aPathThatExceedsTheKernelsLimitIsCopiedAndErased()
 {
     nest(path("default"), QByteArray(200, 'd'), 25);
     QVERIFY(canReplace(made("user"), at("default")));
@@ -299,7 +299,7 @@ void TestProfileFolder::aPathLongerThanTheKernelTakesIsCopiedAndErased()
     QVERIFY(isFolderComplete(at("default"), at("user")));
     QVERIFY(eraseFolder(at("user")));
     QCOMPARE(snapshot(path("user")), QStringList());
-    // Deeper than QTemporaryDir can erase.
+    // Erase it here: QTemporaryDir cannot erase such a path.
     QVERIFY(eraseFolder(at("default")));
 }
 
@@ -349,7 +349,7 @@ void TestProfileFolder::aDirectoryIsIncompleteBeforeItIsErased()
     QCOMPARE(snapshot(path("user")).size(), entries);
 }
 
-void TestProfileFolder::onlyWhatSurvivesAReplacementIsCopied()
+void TestProfileFolder::sourceAndDestinationMustNotContainEachOther()
 {
     writeFile(path("defaults/a"), "A");
     QVERIFY(QFile::link(path("default"), path("link")));
@@ -363,7 +363,7 @@ void TestProfileFolder::onlyWhatSurvivesAReplacementIsCopied()
     QVERIFY(canReplace(at("default"), at("missing")));
     QVERIFY(canReplace(at("missing"), at("default")));
 
-    // Also through a link inside.
+    // A link inside the source can also lead into the destination.
     QVERIFY(QFile::link(path("default"), path("defaults/link")));
     QVERIFY(!canReplace(at("default"), at("defaults")));
 }
@@ -387,7 +387,7 @@ static int openDescriptors()
     return descriptorsOf(getpid()).size();
 }
 
-void TestProfileFolder::nothingIsLeftOpen()
+void TestProfileFolder::noDescriptorIsLeftOpen()
 {
     const int before = openDescriptors();
     canReplace(made("user"), at("default"));

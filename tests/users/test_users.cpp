@@ -7,7 +7,7 @@
 #include <sys/stat.h>
 #include <unistd.h>
 
-/** A small file system at a path, for as long as the object lives. */
+/** Mounts a small file system at a path during its lifetime. */
 class SmallDisk
 {
 public:
@@ -41,7 +41,7 @@ private Q_SLOTS:
     void startMakesEveryUserValidAgain();
     void startWithoutAnyDirectorySucceeds();
 
-    void setUserSwitchesToACompleteProfileAsItIs();
+    void setUserSwitchesToACompleteProfileWithoutChangingIt();
     void setUserToTheActiveUserDoesNothing();
     void setUserRefusesEveryOtherName_data();
     void setUserRefusesEveryOtherName();
@@ -49,13 +49,13 @@ private Q_SLOTS:
     void setUserRebuildsAnIncompleteProfile();
     void setUserBuildsAMissingProfile();
     void setUserKeepsExtraFilesOfACompleteProfile();
-    void setUserWithoutADefaultProfileTakesAnyDirectory();
-    void setUserMakesAMissingLink();
-    void setUserReplacesAFileInTheLinksPlace();
-    void aLinkThatCannotBeMadeInvalidatesTheUser();
-    void aLinkThatCannotBeMadeLeavesNoActiveProfile();
+    void setUserWithoutADefaultProfileAcceptsAnyDirectory();
+    void setUserCreatesAMissingLink();
+    void setUserReplacesAFileAtThePathOfTheLink();
+    void aLinkThatCannotBeCreatedInvalidatesTheUser();
+    void aLinkThatCannotBeCreatedLeavesNoActiveProfile();
     void filesAreSyncedBeforeTheyAreRenamed();
-    void aProfileIsIncompleteBeforeAnythingOfItIsErased();
+    void aProfileIsMadeIncompleteBeforeAnyFileIsErased();
     void aStartChangesNoProfile();
     void aFileBesideACompleteProfileDoesNotCauseARebuild();
     void theNextRebuildRemovesLeftoversOfAPowerCut();
@@ -65,20 +65,20 @@ private Q_SLOTS:
     void theDefaultProfileIsNeverErased();
     void aDanglingProfileLinkIsRefused();
     void anotherAccountsProfileIsReset();
-    void rootsLinkInAProfilesPlaceIsFollowed();
-    void aStrangersLinkInAProfilesPlaceIsNotFollowed();
-    void aStrangersLinkOnTheWayToAProfileIsNotFollowed();
-    void aStrangersLinkInPlaceOfTheProfilesDirectoryIsNotFollowed();
+    void aLinkOfRootAtThePathOfAProfileIsFollowed();
+    void aStrangersLinkAtThePathOfAProfileIsNotFollowed();
+    void aStrangersLinkInThePathOfAProfileIsNotFollowed();
+    void aStrangersLinkAtThePathOfAllProfilesIsNotFollowed();
     void aStrangersLinkInTheDefaultProfileIsNotRead_data();
     void aStrangersLinkInTheDefaultProfileIsNotRead();
-    void aStrangersLinkInThePlaceOfAFileIsLeftAsItIs();
-    void aStrangersLinkInThePlaceOfASubdirectoryIsReplaced();
-    void noUserCanBeActivated();
-    void aProfileFolderThatIsAFileInvalidatesTheUserAndIsKept();
-    void aDiskThatIsFullInMidCopyInvalidatesTheUserAndKeepsTheLink();
-    void anUnreadableDefaultProfileErasesNoUsersFiles();
-    void anUnreadableDefaultProfileDoesNotHinderACompleteProfile();
-    void theStoredFlagDecides();
+    void aStrangersLinkAtThePathOfAFileIsNotChanged();
+    void aStrangersLinkAtThePathOfASubdirectoryIsReplaced();
+    void startContinuesWhenNoUserCanBeActivated();
+    void aFileAtThePathOfAProfileInvalidatesTheUserAndIsKept();
+    void aDiskThatFillsUpDuringTheCopyInvalidatesTheUserAndKeepsTheLink();
+    void withAnUnreadableDefaultProfileNoFilesAreErased();
+    void withAnUnreadableDefaultProfileACompleteProfileIsActivated();
+    void theStoredFlagDecidesWhetherAUserIsValid();
     void usersWhoseFlagsVanishAreInvalidUntilTheNextStart();
     void anInvalidUserStaysInvalidWhenTheSettingsVanish();
     void anInvalidUserCanBeUsedAfterARestart();
@@ -277,7 +277,7 @@ void TestUsers::startWithoutAnyDirectorySucceeds()
              (QStringList{"system->/tmp/User_part/user1_profile", "user1_profile"}));
 }
 
-void TestUsers::setUserSwitchesToACompleteProfileAsItIs()
+void TestUsers::setUserSwitchesToACompleteProfileWithoutChangingIt()
 {
     QVERIFY(daemon.start());
     QTRY_VERIFY_WITH_TIMEOUT(QFile::exists("/opt/settings.ini"), deadlineMs);
@@ -374,7 +374,7 @@ void TestUsers::setUserKeepsExtraFilesOfACompleteProfile()
     QCOMPARE(readFile(profile("user2") + "/measure.conf"), QByteArray("user2"));
 }
 
-void TestUsers::setUserWithoutADefaultProfileTakesAnyDirectory()
+void TestUsers::setUserWithoutADefaultProfileAcceptsAnyDirectory()
 {
     removePath(profile("default_user"));
     removePath(profile("user4"));
@@ -390,7 +390,7 @@ void TestUsers::setUserWithoutADefaultProfileTakesAnyDirectory()
     QVERIFY(!QFile::exists(profile("default_user")));
 }
 
-void TestUsers::setUserMakesAMissingLink()
+void TestUsers::setUserCreatesAMissingLink()
 {
     QVERIFY(daemon.start());
     QFile::remove(system);
@@ -398,7 +398,7 @@ void TestUsers::setUserMakesAMissingLink()
     QCOMPARE(QFile::symLinkTarget(system), profile("user2"));
 }
 
-void TestUsers::setUserReplacesAFileInTheLinksPlace()
+void TestUsers::setUserReplacesAFileAtThePathOfTheLink()
 {
     QVERIFY(daemon.start());
     QFile::remove(system);
@@ -407,7 +407,7 @@ void TestUsers::setUserReplacesAFileInTheLinksPlace()
     QCOMPARE(QFile::symLinkTarget(system), profile("user2"));
 }
 
-void TestUsers::aLinkThatCannotBeMadeInvalidatesTheUser()
+void TestUsers::aLinkThatCannotBeCreatedInvalidatesTheUser()
 {
     QVERIFY(daemon.start());
     QFile::remove(system);
@@ -427,7 +427,7 @@ void TestUsers::aLinkThatCannotBeMadeInvalidatesTheUser()
     QCOMPARE(settings.value("Users/stateuser3"), QVariant("true"));
 }
 
-void TestUsers::aLinkThatCannotBeMadeLeavesNoActiveProfile()
+void TestUsers::aLinkThatCannotBeCreatedLeavesNoActiveProfile()
 {
     // The daemon removes the old link before it fails to create the new one.
     daemon.setWrapper(traced("symlink,symlinkat", "symlink,symlinkat:error=ENOSPC"));
@@ -463,7 +463,7 @@ void TestUsers::filesAreSyncedBeforeTheyAreRenamed()
         QCOMPARE(renames.filter(name).size(), 1);
 }
 
-void TestUsers::aProfileIsIncompleteBeforeAnythingOfItIsErased()
+void TestUsers::aProfileIsMadeIncompleteBeforeAnyFileIsErased()
 {
     writeFile(profile("user2") + "/added", "user2");
     daemon.setWrapper(
@@ -536,7 +536,7 @@ void TestUsers::aFailedRebuildLeavesNothingBehind()
         QCOMPARE(snapshot(profile("user2")), QStringList());
     }
     daemon.stop();
-    // After the error, the client provides a profile.
+    // After the error, the client itself supplies a complete profile.
     writeFile(profile("user2") + "/measure.conf", "own");
     writeFile(profile("user2") + "/display/theme.conf", "own");
 
@@ -594,7 +594,7 @@ void TestUsers::anotherAccountsProfileIsReset()
     QCOMPARE(QFileInfo(profile("user2")).owner(), QStringLiteral("member"));
 }
 
-void TestUsers::rootsLinkInAProfilesPlaceIsFollowed()
+void TestUsers::aLinkOfRootAtThePathOfAProfileIsFollowed()
 {
     writeFile("/opt/elsewhere/mine", "lost by design");
     removePath(profile("user2"));
@@ -606,7 +606,7 @@ void TestUsers::rootsLinkInAProfilesPlaceIsFollowed()
     removePath("/opt/elsewhere");
 }
 
-void TestUsers::aStrangersLinkInAProfilesPlaceIsNotFollowed()
+void TestUsers::aStrangersLinkAtThePathOfAProfileIsNotFollowed()
 {
     writeFile("/opt/victim/file", "keep");
     plantLink("/opt/victim", profile("user2"));
@@ -620,7 +620,7 @@ void TestUsers::aStrangersLinkInAProfilesPlaceIsNotFollowed()
     removePath("/opt/victim");
 }
 
-void TestUsers::aStrangersLinkOnTheWayToAProfileIsNotFollowed()
+void TestUsers::aStrangersLinkInThePathOfAProfileIsNotFollowed()
 {
     writeFile("/opt/victim/profile/file", "keep");
     plantLink("/opt/victim", "/opt/way");
@@ -634,7 +634,7 @@ void TestUsers::aStrangersLinkOnTheWayToAProfileIsNotFollowed()
     removePath("/opt/way");
 }
 
-void TestUsers::aStrangersLinkInPlaceOfTheProfilesDirectoryIsNotFollowed()
+void TestUsers::aStrangersLinkAtThePathOfAllProfilesIsNotFollowed()
 {
     writeFile("/opt/victim/user2_profile/file", "keep");
     QVERIFY(QFile::link("/opt/victim/user2_profile", "/opt/victim/system"));
@@ -671,7 +671,7 @@ void TestUsers::aStrangersLinkInTheDefaultProfileIsNotRead()
     removePath("/opt/secret");
 }
 
-void TestUsers::aStrangersLinkInThePlaceOfAFileIsLeftAsItIs()
+void TestUsers::aStrangersLinkAtThePathOfAFileIsNotChanged()
 {
     plantLink("/opt/nowhere", profile("user2") + "/measure.conf");
     const QStringList before = snapshot(profile("user2"));
@@ -680,7 +680,7 @@ void TestUsers::aStrangersLinkInThePlaceOfAFileIsLeftAsItIs()
     QCOMPARE(snapshot(profile("user2")), before);
 }
 
-void TestUsers::aStrangersLinkInThePlaceOfASubdirectoryIsReplaced()
+void TestUsers::aStrangersLinkAtThePathOfASubdirectoryIsReplaced()
 {
     writeFile("/opt/victim/theme.conf", "keep");
     plantLink("/opt/victim", profile("user2") + "/display");
@@ -691,7 +691,7 @@ void TestUsers::aStrangersLinkInThePlaceOfASubdirectoryIsReplaced()
     removePath("/opt/victim");
 }
 
-void TestUsers::noUserCanBeActivated()
+void TestUsers::startContinuesWhenNoUserCanBeActivated()
 {
     QFile::remove(system);
     for (const char *user : {"user1", "user2", "user3", "user4"}) {
@@ -704,7 +704,7 @@ void TestUsers::noUserCanBeActivated()
         QCOMPARE(users.call("setUser", {user}), invalid);
 }
 
-void TestUsers::aProfileFolderThatIsAFileInvalidatesTheUserAndIsKept()
+void TestUsers::aFileAtThePathOfAProfileInvalidatesTheUserAndIsKept()
 {
     removePath(profile("user2"));
     writeFile(profile("user2"), "no directory");
@@ -718,7 +718,7 @@ void TestUsers::aProfileFolderThatIsAFileInvalidatesTheUserAndIsKept()
     QCOMPARE(QFile::symLinkTarget(system), profile("user1"));
 }
 
-void TestUsers::aDiskThatIsFullInMidCopyInvalidatesTheUserAndKeepsTheLink()
+void TestUsers::aDiskThatFillsUpDuringTheCopyInvalidatesTheUserAndKeepsTheLink()
 {
     writeFile(profile("default_user") + "/large", QByteArray(300000, 'x'));
     const SmallDisk disk(profile("user2"), "size=128k");
@@ -734,7 +734,7 @@ void TestUsers::aDiskThatIsFullInMidCopyInvalidatesTheUserAndKeepsTheLink()
     QCOMPARE(users.call("setUser", {"user3"}), QStringLiteral("()"));
 }
 
-void TestUsers::anUnreadableDefaultProfileErasesNoUsersFiles()
+void TestUsers::withAnUnreadableDefaultProfileNoFilesAreErased()
 {
     writeFile(profile("default_user") + "/new/secret", "unreadable");
     QVERIFY(QFile::setPermissions(profile("default_user") + "/new/secret", {}));
@@ -750,7 +750,7 @@ void TestUsers::anUnreadableDefaultProfileErasesNoUsersFiles()
     QCOMPARE(users.call("setUser", {"user2"}), invalid);
 }
 
-void TestUsers::anUnreadableDefaultProfileDoesNotHinderACompleteProfile()
+void TestUsers::withAnUnreadableDefaultProfileACompleteProfileIsActivated()
 {
     QVERIFY(QFile::setPermissions(profile("default_user"), {}));
     removeDefaultFileAccess();
@@ -759,7 +759,7 @@ void TestUsers::anUnreadableDefaultProfileDoesNotHinderACompleteProfile()
     QCOMPARE(readFile(profile("user2") + "/measure.conf"), QByteArray("user2"));
 }
 
-void TestUsers::theStoredFlagDecides()
+void TestUsers::theStoredFlagDecidesWhetherAUserIsValid()
 {
     const QString settings = "/opt/settings.ini";
     removePath(profile("user2"));
@@ -953,7 +953,7 @@ void TestUsers::subdirectoriesThatTheirOwnerMayNotWriteToAreCopied()
     QVERIFY(daemon.start());
 
     QCOMPARE(users.call("setUser", {"user2"}), QStringLiteral("()"));
-    // The second reset must also erase the copy that the first one made.
+    // Reset twice: the second reset also erases the copy that the first reset made.
     for (int count = 0; count < 2; ++count) {
         QCOMPARE(users.call("factoryReset", {"user2"}), QStringLiteral("()"));
         QCOMPARE(snapshot(profile("user2")), snapshot(profile("default_user")));

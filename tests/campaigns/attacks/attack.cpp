@@ -7,8 +7,8 @@
 //   texts        calls of 30 MB each with millions of texts
 //   many-texts   calls of just under 1 MiB each with 130,000 texts, over 32 connections at once
 //   many-calls   calls without a break over 250 connections at once, whose replies are never read
-//   calls        calls without a break, whose replies are never read
-//   pending      calls without a break, whose replies are read
+//   calls        calls without a break on one connection, whose replies are never read
+//   pending      calls without a break on one connection, whose replies are read
 //   deaf         250 connections that subscribe to all signals and never read
 // The service under attack may end, and the bus may end connections: neither is a failure of this
 // program. It prints the number of sent messages, and of connections that the bus ended.

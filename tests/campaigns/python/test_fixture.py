@@ -8,7 +8,7 @@ import pytest
 from kyboard_instrument import CallError, Instrument
 
 
-def test_instruments_know_nothing_of_each_other(session_instrument):
+def test_instruments_are_independent(session_instrument):
     with Instrument() as other:
         other["LED"].call("setLEDStatus", "BT", "ON")
         assert other.board["leds/BT"] == "ON"
@@ -24,7 +24,7 @@ def test_an_instrument_ends_with_the_process_that_made_it():
                "os.kill(os.getpid(), signal.SIGKILL)\n")
     done = subprocess.run([sys.executable, "-c", program], stdout=subprocess.PIPE, text=True)
     assert done.stdout.startswith("/proc/")
-    # How to wait for the end of a process by its PID.
+    # "tail --pid" waits for the end of a process that is not our child.
     number = done.stdout.split("/")[2]
     subprocess.run(["tail", f"--pid={number}", "-s", "0.05", "-f", "/dev/null"], timeout=30)
 
@@ -38,7 +38,7 @@ def test_other_programs_reach_the_bus_by_its_address(session_instrument):
     assert done.stdout == 's "user1"\n'
 
 
-def test_a_deadline_tells_what_came_instead(session_instrument):
+def test_a_timeout_reports_the_signals_that_came(session_instrument):
     with session_instrument["Users"].signals("userChanged") as changed:
         session_instrument["Users"].call("factoryReset", "user4")
         with pytest.raises(TimeoutError) as caught:
@@ -46,7 +46,7 @@ def test_a_deadline_tells_what_came_instead(session_instrument):
         assert str(caught.value) == "not within 0.2 s: userChanged; came: [('user4',)]"
 
 
-def test_records_go_there_and_back(session_instrument):
+def test_a_record_can_be_written_and_read_back(session_instrument):
     version = session_instrument["Version"]
     before = version.call("getEepromMesure")
     assert before["CRC"] is True and len(before["AdjustementCoefficients"]) == 296
@@ -60,7 +60,7 @@ def test_records_go_there_and_back(session_instrument):
     assert isinstance(instrument_record["SerialNumber"], bytes)
 
 
-def test_what_there_is_not_is_no_call(session_instrument):
+def test_unknown_names_are_errors(session_instrument):
     with pytest.raises(KeyError):
         session_instrument["Users2"]
     with pytest.raises(AttributeError):

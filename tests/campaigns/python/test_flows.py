@@ -44,13 +44,13 @@ def test_in_cpp(instrument, tmp_path):
     source.write_text("\n".join(["#include <QtDBus>", *includes, common, program]))
     flags = subprocess.run(["pkg-config", "--cflags", "--libs", "Qt5DBus"], stdout=subprocess.PIPE,
                            text=True, check=True).stdout.split()
-    # Where the instrument has it, too.
+    # The program must be visible inside the instrument.
     binary = instrument.root / "opt/flows"
     done = subprocess.run(["g++", "-std=c++17", "-fPIC", "-Wall", "-Wextra", "-Werror", f"-I{headers}",
                            source, "-o", binary, os.environ["CLIENT_LIBRARY"], *flags],
                           stderr=subprocess.PIPE, text=True)
     assert done.stderr == "" and done.returncode == 0
-    # What they complain of they write there.
+    # The snippets print errors to stderr.
     done = instrument.run("/opt/flows", check=False, timeout=200)
     assert (done.returncode, done.stdout, done.stderr) == (0, "", "")
     assert instrument["Version"].call("getEepromMesure")["AdjustementSite"] == 7

@@ -19,7 +19,7 @@ def shell(instrument, tmp_path):
     command.chmod(0o755)
 
     def run(line):
-        # A terminal shows both.
+        # The documents show what a terminal shows: stdout and stderr.
         return subprocess.run(line, shell=True, cwd=tmp_path, stdout=subprocess.PIPE,
                               stderr=subprocess.STDOUT, stdin=subprocess.DEVNULL, text=True,
                               timeout=120).stdout
