@@ -23,6 +23,8 @@ private Q_SLOTS:
     void buildDependenciesAreInstalled();
     void installedBuildDependenciesAreNotInstalledAgain();
     void newPackagesReplaceTheOldOnes();
+    void theFilesInGitArePackaged();
+    void theSourceArchiveHasUncommittedChanges();
     void aFailedBuildLeavesTheOldPackages();
 
 private:
@@ -40,8 +42,10 @@ void TestPreparation::init()
     m_directory.reset(new QTemporaryDir);
     m_tree = m_directory->path() + "/tree";
     QVERIFY(QDir().mkpath(m_tree + "/tools"));
+    QVERIFY(QDir().mkpath(m_tree + "/tests/packaging"));
     QVERIFY(QDir().mkpath(m_directory->path() + "/bin"));
-    for (const char *name : {"debian", "tools/package", "tools/prepare"})
+    for (const char *name : {"debian", "test", "tests/packaging/check_source", "tools/package",
+                             "tools/prepare", "tools/sources"})
         QCOMPARE(QProcess::execute("cp", {"-a", QString(SOURCES "/") + name,
                                           m_tree + '/' + QString(name).section('/', 0, -2)}),
                  0);
@@ -203,9 +207,49 @@ void TestPreparation::newPackagesReplaceTheOldOnes()
     const auto [status, lines] = run("package", {});
     QCOMPARE(status, 0);
     // dpkg-buildpackage works on a copy of the source without build/.
-    QCOMPARE(lines, QStringList({"debian", "tools"}));
+    QCOMPARE(lines, QStringList({"debian", "test", "tests", "tools"}));
     QCOMPARE(entries("build/package"), QStringList{"new.deb"});
     QCOMPARE(entries("build"), QStringList{"package"});
+}
+
+/** Without those that git ignores, also in a clone of another user, as a forge's container has it.
+ */
+void TestPreparation::theFilesInGitArePackaged()
+{
+    writeFile(m_tree + "/.gitignore", "/build/\n/ignored\n");
+    writeFile(m_tree + "/ignored", "");
+    QCOMPARE(QProcess::execute("git", {"-C", m_tree, "init", "--quiet"}), 0);
+    stub("git", "GIT_TEST_ASSUME_DIFFERENT_OWNER=1 exec /usr/bin/git \"$@\"");
+    stub("dpkg-buildpackage", "ls -A; touch ../new.deb");
+    const auto [status, lines] = run("package", {});
+    QCOMPARE(status, 0);
+    QCOMPARE(lines, QStringList({".gitignore", "debian", "test", "tests", "tools"}));
+}
+
+/** tools/release runs the checks before it commits the new version. */
+void TestPreparation::theSourceArchiveHasUncommittedChanges()
+{
+    const QString build = m_tree + "/build";
+    QVERIFY(QDir().mkpath(build + "/package"));
+    writeFile(build + "/package/kyboardmanager_90.12_all.deb", "");
+    writeFile(m_tree + "/.gitignore", "/build/\n");
+    const QStringList inTree{"-C", m_tree, "-c", "user.name=A", "-c", "user.email=a@example.org"};
+    QCOMPARE(QProcess::execute("git", inTree + QStringList{"init", "--quiet"}), 0);
+    QCOMPARE(QProcess::execute("git", inTree + QStringList{"add", "--all"}), 0);
+    QCOMPARE(QProcess::execute("git", inTree + QStringList{"commit", "--quiet", "-m", "all"}), 0);
+    writeFile(m_tree + "/debian/changelog", "kyboardmanager (90.12) unstable; urgency=medium\n");
+    writeFile(m_tree + "/tools/repositories", "#!/bin/sh\n");
+    QFile(m_tree + "/tools/repositories").setPermissions(QFile::ReadOwner | QFile::ExeOwner);
+    // Builds an empty package.
+    stub("mmdebstrap",
+         "cd " + build.toUtf8() +
+             "/sourcepackage; tar xf source.tar; mkdir built;\n"
+             "version=$(sed -n 's/.*(\\(.*\\)).*/\\1/p;q' kyboardmanager/debian/changelog)\n"
+             "touch built/kyboardmanager_${version}_all.deb");
+    stub("dpkg-deb", "exit 0");
+    const auto [status, lines] = run("../tests/packaging/check_source", {m_tree, build});
+    QCOMPARE(lines, QStringList());
+    QCOMPARE(status, 0);
 }
 
 void TestPreparation::aFailedBuildLeavesTheOldPackages()
