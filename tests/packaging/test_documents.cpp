@@ -22,6 +22,8 @@ private Q_SLOTS:
     void installingNamesTheBuildDependencies();
     void installingNamesTheLeastVersions();
     void readmeNamesWhatIsInstalled();
+    void thePackagesHaveTheTermsOfTheTree();
+    void theForgeRunsWhatContributorsRun();
 
 private:
     /** The program's complaints; "none" if there are none. */
@@ -78,6 +80,8 @@ void TestDocuments::missingNamesAreReported_data()
     row("script", "Do `./runs`.", "./runs: no such file");
     row("test", "Run `test_user`.", "test_user: no such test");
     row("function of a test", "See `test_users`: `setUserSwitches`, `getUserNamesTheActiveProfile`",
+        "test_users: no function setUserSwitches");
+    row("function of a command", "Do:\n\n    tools/one test_users setUserSwitches\n",
         "test_users: no function setUserSwitches");
     row("command", "Call `kyboardctl wifi scam`.", "kyboardctl wifi scam: no such command");
     row("command of a block", "Call:\n\n    $ ./run -- kyboardctl users get\n",
@@ -205,6 +209,29 @@ void TestDocuments::readmeNamesWhatIsInstalled()
     const QString readme = text("README.md");
     for (const QString &package : qAsConst(installed))
         QVERIFY2(readme.contains('`' + package + '`'), qPrintable(package));
+}
+
+void TestDocuments::thePackagesHaveTheTermsOfTheTree()
+{
+    const QString copyright = text("debian/copyright").section("\nFiles: *\n", 1);
+    QString packaged =
+        "Copyright " + copyright.section("Copyright: ", 1).section('\n', 0, 0) + "\n\n";
+    packaged += copyright.section("License: proprietary\n ", 1);
+    QCOMPARE(packaged, text("LICENSE"));
+    QCOMPARE(matches(text("debian/control"), "^(Homepage|Vcs-[A-Z][a-z]+): https://\\S+$"),
+             QStringList({"Homepage", "Vcs-Browser", "Vcs-Git"}));
+}
+
+void TestDocuments::theForgeRunsWhatContributorsRun()
+{
+    QVERIFY(matches(text(".github/workflows/checks.yml"), "^ +run: (.*)$").contains(".ci/run"));
+    QVERIFY(text(".ci/run").endsWith("\nexec ./test --checks\n"));
+    const QString limit =
+        matches(text(".github/workflows/checks.yml"), "timeout-minutes: ([0-9]+)$").value(0);
+    QVERIFY(!limit.isEmpty());
+    const QString promised = text("CONTRIBUTING.md").section("## What CI demands", 1).simplified();
+    QVERIFY(promised.contains(".ci/run`, which is `./test --checks`"));
+    QVERIFY(promised.contains("within " + limit + " minutes"));
 }
 
 QTEST_GUILESS_MAIN(TestDocuments)
