@@ -22,6 +22,7 @@ private Q_SLOTS:
     void installingNamesTheBuildDependencies();
     void installingNamesTheLeastVersions();
     void readmeNamesWhatIsInstalled();
+    void installingNamesTheCampaignsOfThePackages();
     void thePackagesHaveTheTermsOfTheTree();
     void theForgeRunsWhatContributorsRun();
 
@@ -209,6 +210,21 @@ void TestDocuments::readmeNamesWhatIsInstalled()
     const QString readme = text("README.md");
     for (const QString &package : qAsConst(installed))
         QVERIFY2(readme.contains('`' + package + '`'), qPrintable(package));
+}
+
+void TestDocuments::installingNamesTheCampaignsOfThePackages()
+{
+    const QString document = text("docs/installing.md").section("## How it is tested", 1);
+    const QString definitions = text("tests/packaging/CMakeLists.txt");
+    const QStringList checks = matches(document, "^\\| `(campaign_[a-z]+)` \\| `--checks` \\|");
+    QCOMPARE(checks, QStringList({"campaign_autopkgtest", "campaign_package",
+                                  "campaign_simulatorpackage", "campaign_sourcepackage"}));
+    for (const QString &campaign : checks)
+        QVERIFY2(definitions.contains("add_campaign(" + campaign + " TIMEOUT"),
+                 qPrintable(campaign));
+    for (const QString &campaign : matches(document, "^\\| `(campaign_[a-z]+)` \\| `--long` \\|"))
+        QVERIFY2(definitions.contains("add_campaign(" + campaign + " LONG TIMEOUT"),
+                 qPrintable(campaign));
 }
 
 void TestDocuments::thePackagesHaveTheTermsOfTheTree()

@@ -6,7 +6,7 @@
 #include <QTemporaryDir>
 #include <QTest>
 
-/** tools/prepare and tools/package; stand-ins for other programs print their arguments. */
+/** ./test, tools/prepare and tools/package; stand-ins for other programs print their arguments. */
 class TestPreparation : public QObject
 {
     Q_OBJECT
@@ -20,6 +20,8 @@ private Q_SLOTS:
     void aSecondTerminalWaits();
     void aCopiedBuildDirectoryIsCreatedAgain_data();
     void aCopiedBuildDirectoryIsCreatedAgain();
+    void eachFormSelectsItsTests_data();
+    void eachFormSelectsItsTests();
     void buildDependenciesAreInstalled();
     void installedBuildDependenciesAreNotInstalledAgain();
     void newPackagesReplaceTheOldOnes();
@@ -178,6 +180,38 @@ void TestPreparation::aCopiedBuildDirectoryIsCreatedAgain()
                               "cmake --preset release"}));
         QVERIFY(!QFile::exists(m_tree + "/build"));
     }
+}
+
+void TestPreparation::eachFormSelectsItsTests_data()
+{
+    QTest::addColumn<QString>("form");
+    QTest::addColumn<QByteArray>("user");
+    QTest::addColumn<QString>("selection");
+    const QString tests = " --label-exclude campaign|long";
+    QTest::newRow("tests") << "" << QByteArray("0") << tests;
+    QTest::newRow("tests of an ordinary user") << "" << QByteArray("1000") << tests;
+    QTest::newRow("checks") << "--checks" << QByteArray("0") << " --label-exclude long";
+    // They cannot make the systems in which the packages are installed.
+    QTest::newRow("checks of an ordinary user")
+        << "--checks" << QByteArray("1000") << " --label-exclude long|root";
+    QTest::newRow("long") << "--long" << QByteArray("0") << "";
+    // A release needs everything: what needs root fails.
+    QTest::newRow("long of an ordinary user") << "--long" << QByteArray("1000") << "";
+}
+
+void TestPreparation::eachFormSelectsItsTests()
+{
+    QFETCH(QString, form);
+    QFETCH(QByteArray, user);
+    QFETCH(QString, selection);
+    stub("dpkg-query", "for package; do echo \"$package installed\"; done");
+    stub("id", "echo " + user);
+    stub("ctest", "shift 2; echo ctest \"$@\"");
+    QVERIFY(QDir().mkpath(m_tree + "/build"));
+    const auto [status, lines] = run("../test", form.isEmpty() ? QStringList() : QStringList{form});
+    QCOMPARE(status, 0);
+    QCOMPARE(lines.last(), "ctest --output-on-failure --no-tests=error" + selection);
+    QCOMPARE(lines.filter("left out").size(), selection.endsWith("|root") ? 1 : 0);
 }
 
 void TestPreparation::buildDependenciesAreInstalled()
