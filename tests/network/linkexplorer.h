@@ -9,7 +9,7 @@
 
 #include <vector>
 
-/** The surroundings of a machine: pending events, and outcomes that clients wait for. */
+/** A machine's link, the events that are pending, and the outcomes that clients wait for. */
 struct LinkWorld {
     Link link;
     bool isScriptRunning = false;
@@ -63,7 +63,7 @@ struct LinkUse {
 /** The use of each row that applied at least once. */
 using LinkUses = QHash<const LinkRow *, LinkUse>;
 
-/** The rules that a machine must follow. */
+/** The kind of a machine; most rules apply to one kind only. */
 enum class LinkKind { Ethernet, Station, AccessPoint };
 
 /**
