@@ -10,12 +10,18 @@
 #include "trafficlog.h"
 
 #include <QApplication>
+#include <QComboBox>
 #include <QDBusConnection>
 #include <QDBusVariant>
+#include <QFileDialog>
 #include <QMenu>
+#include <QMessageBox>
+#include <QPlainTextEdit>
 #include <QProcess>
+#include <QPushButton>
 #include <QSignalSpy>
 #include <QTemporaryDir>
+#include <QTextBlock>
 
 #include <csignal>
 #include <memory>
@@ -39,6 +45,8 @@ private Q_SLOTS:
     void theWatchdogIsWatched();
     void theSurroundingsAreShown();
     void onlyTheEndOfADragCounts();
+    void theMousePointerTellsWhatCanBePressed();
+    void blinkingLedsAreLitInAPicture();
     void aValueIsSetAgain();
     void aHangingCommandDoesNotBlockOthers();
     void theProfileComesFromTheDaemon();
@@ -46,17 +54,21 @@ private Q_SLOTS:
     void theStrengthEndsWithTheNetwork();
     void accessPointsAreMoved();
     void aFaultOfTheMenuFails();
+    void oneOfTwoFaultsIsHealed();
     void aCommandThatFailsSaysWhy();
     void theDaemonGoesAndComes();
     void theBusGoesAndComes();
     void theBoardGoesAndComes();
     void theLogShowsTheBusMessages();
+    void theLogIsClearedAndSaved();
+    void theLogKeepsTheNewestLines();
 
 private:
     void click(const QString &element, double place = 0.5);
     QColor colourOf(const QString &element);
     QString text(const QString &element) const;
     bool shows(const QString &element, const QString &wanted);
+    void chooseInFaultMenu(const QString &ofClass, const QString &operation, const QString &entry);
 
     const QByteArray m_usualBus = qgetenv("DBUS_SYSTEM_BUS_ADDRESS");
     std::unique_ptr<PanelWidget> panel;
@@ -246,12 +258,55 @@ void TestPanel::onlyTheEndOfADragCounts()
     QVERIFY(shows("battery-charge", "20 %"));
     QCOMPARE(text("command"), QStringLiteral("./run -- battery 20"));
     QCOMPARE(commands.size(), 2);
+    QTRY_VERIFY_WITH_TIMEOUT(!panel->isBusy(), deadlineMs);
+    // A scale ends where it is drawn, and only the left button drags.
+    QTest::mousePress(panel.get(), Qt::RightButton, {}, panel->placeOf("battery-track", 0.7));
+    QVERIFY(!panel->isBusy());
+    const QPoint middle = panel->placeOf("battery-track", 0.5);
+    QTest::mousePress(panel.get(), Qt::LeftButton, {}, middle);
+    QTRY_VERIFY_WITH_TIMEOUT(!panel->isBusy(), deadlineMs);
+    QMouseEvent same(QEvent::MouseMove, middle, Qt::NoButton, Qt::LeftButton, Qt::NoModifier);
+    QApplication::sendEvent(panel.get(), &same);
+    QVERIFY(!panel->isBusy());
+    QMouseEvent beyond(QEvent::MouseMove, QPoint(0, panel->placeOf("battery-track").y()),
+                       Qt::NoButton, Qt::LeftButton, Qt::NoModifier);
+    QApplication::sendEvent(panel.get(), &beyond);
+    QTest::mouseRelease(panel.get(), Qt::LeftButton, {}, QPoint());
+    QVERIFY(shows("battery-charge", "0 %"));
+    QCOMPARE(text("command"), QStringLiteral("./run -- battery 0"));
+    QCOMPARE(commands.size(), 4);
     // Moving on without pressing has no effect.
     QMouseEvent move(QEvent::MouseMove, panel->placeOf("battery-track", 0.9), Qt::NoButton,
                      Qt::NoButton, Qt::NoModifier);
     QApplication::sendEvent(panel.get(), &move);
     QCOMPARE(panel->toolTip(), QStringLiteral("./run -- battery 90"));
-    QCOMPARE(Board::get("battery/charge"), QStringLiteral("20"));
+    QCOMPARE(Board::get("battery/charge"), QStringLiteral("0"));
+}
+
+void TestPanel::theMousePointerTellsWhatCanBePressed()
+{
+    const auto shapeAt = [&](const QPoint &place) {
+        QMouseEvent move(QEvent::MouseMove, place, Qt::NoButton, Qt::NoButton, Qt::NoModifier);
+        QApplication::sendEvent(panel.get(), &move);
+        return panel->cursor().shape();
+    };
+    QCOMPARE(shapeAt(panel->placeOf("charger")), Qt::PointingHandCursor);
+    QCOMPARE(panel->toolTip(), QStringLiteral("./run -- charger plug"));
+    QCOMPARE(shapeAt(panel->placeOf("light-track")), Qt::SizeHorCursor);
+    QCOMPARE(shapeAt(panel->placeOf("faults")), Qt::PointingHandCursor);
+    QCOMPARE(shapeAt(QPoint(2, 2)), Qt::ArrowCursor);
+    QCOMPARE(panel->toolTip(), QString());
+    // There is nothing to mount.
+    QCOMPARE(shapeAt(panel->placeOf("SD-mount")), Qt::ArrowCursor);
+}
+
+void TestPanel::blinkingLedsAreLitInAPicture()
+{
+    Board::set("leds/WPS", "BLINK_1HZ");
+    Board::set("leds/RECORDING", "BLINK_3HZ");
+    const QImage picture = panel->picture(panel->size());
+    for (const char *led : {"WPS", "RECORDING"})
+        QVERIFY(picture.pixelColor(panel->placeOf(led)).red() > 200);
 }
 
 void TestPanel::aValueIsSetAgain()
@@ -364,19 +419,36 @@ void TestPanel::accessPointsAreMoved()
     QTRY_VERIFY_WITH_TIMEOUT(panel->instrument().air.isEmpty(), deadlineMs);
 }
 
+/** Opens the menu of the faults, and chooses an entry of an operation. */
+void TestPanel::chooseInFaultMenu(const QString &ofClass, const QString &operation,
+                                  const QString &entry)
+{
+    const auto named = [](const QMenu *menu, const QString &name) -> QAction * {
+        for (QAction *action : menu->actions()) {
+            if (action->text() == name)
+                return action;
+        }
+        return nullptr;
+    };
+    panel->faultMenu()->close();
+    click("faults");
+    QTRY_VERIFY_WITH_TIMEOUT(panel->faultMenu()->isVisible(), deadlineMs);
+    const QAction *operations = named(panel->faultMenu(), ofClass);
+    QVERIFY(operations);
+    const QAction *entries = named(operations->menu(), operation);
+    QVERIFY(entries);
+    QAction *action = named(entries->menu(), entry);
+    QVERIFY(action);
+    // It can be healed only while it is there.
+    const bool isThere = panel->instrument().board.contains("faults/" + ofClass + '.' + operation);
+    QCOMPARE(named(entries->menu(), "heal")->isEnabled(), isThere);
+    action->trigger();
+}
+
 void TestPanel::aFaultOfTheMenuFails()
 {
-    click("faults");
+    chooseInFaultMenu("KyLeds", "setLedState", "fails");
     QMenu *menu = panel->faultMenu();
-    QTRY_VERIFY_WITH_TIMEOUT(menu->isVisible(), deadlineMs);
-    for (QAction *ofClass : menu->actions()) {
-        if (ofClass->text() != "KyLeds")
-            continue;
-        for (QAction *operation : ofClass->menu()->actions()) {
-            if (operation->text() == "setLedState")
-                operation->menu()->actions().first()->trigger();
-        }
-    }
     QVERIFY(shows("fault-text", "fault: KyLeds.setLedState"));
     QVERIFY(leds.call("setLEDStatus", {"WIFI", "ON"}).contains("Error.Write"));
     menu->actions().first()->trigger();
@@ -385,8 +457,29 @@ void TestPanel::aFaultOfTheMenuFails()
     menu->close();
 }
 
+void TestPanel::oneOfTwoFaultsIsHealed()
+{
+    chooseInFaultMenu("KyLeds", "setLedState", "fails");
+    QVERIFY(shows("fault-text", "fault: KyLeds.setLedState"));
+    QCOMPARE(Board::get("faults/KyLeds.setLedState"), QStringLiteral("always"));
+    chooseInFaultMenu("KyTemperature", "getTemperature", "lies");
+    QVERIFY(shows("fault-text", "2 faults"));
+    QCOMPARE(Board::get("faults/KyTemperature.getTemperature"), QStringLiteral("garbage"));
+    chooseInFaultMenu("KyLeds", "setLedState", "heal");
+    QVERIFY(shows("fault-text", "fault: KyTemperature.getTemperature"));
+    chooseInFaultMenu("KyTemperature", "getTemperature", "heal");
+    QVERIFY(shows("fault-text", "no faults"));
+    panel->faultMenu()->close();
+}
+
 void TestPanel::aCommandThatFailsSaysWhy()
 {
+    panel->run("echo one >&2; echo two >&2; exit 3");
+    QVERIFY(shows("command-result", "one"));
+    panel->run("exit 3");
+    QVERIFY(shows("command-result", "ended with status 3"));
+    panel->run("echo harmless >&2");
+    QVERIFY(shows("command-result", ""));
     // A change that the panel has not seen yet.
     QVERIFY(Board::storage("insert", "SD"));
     Board::set("storage/SD/inserted", "0");
@@ -438,6 +531,7 @@ void TestPanel::theBusGoesAndComes()
     startDaemon();
     QVERIFY(shows("daemon-text", "on the bus"));
     const TrafficLog log;
+    const QSignalSpy came(panel.get(), &PanelWidget::busCame);
 
     bus.kill();
     QVERIFY(shows("daemon-text", "the bus is away"));
@@ -451,6 +545,7 @@ void TestPanel::theBusGoesAndComes()
     startDaemon();
     QVERIFY(shows("daemon-text", "on the bus"));
     QVERIFY(shows("daemon-profile", "profile user1"));
+    QCOMPARE(came.size(), 1);
     // The log monitors the new bus.
     const auto isLogged = [&] {
         panel->askAgain();
@@ -473,6 +568,7 @@ void TestPanel::theBoardGoesAndComes()
     QVERIFY(QDir().rename(board, board + ".moved"));
     QVERIFY(shows("battery-charge", "?"));
     QVERIFY(shows("light-text", "?"));
+    QVERIFY(!panel->isComplete());
     QTRY_VERIFY_WITH_TIMEOUT(colourOf("BT").blue() < 200, deadlineMs);
     QVERIFY(!QFile::exists(board));
     // A click creates its own file only.
@@ -510,6 +606,27 @@ void TestPanel::theLogShowsTheBusMessages()
     QVERIFY(shows("daemon-profile", "profile user2"));
     QVERIFY(!log.text().contains("getUser"));
 
+    // Each interface can be chosen once.
+    const auto *interfaces = log.findChild<QComboBox *>();
+    QStringList names;
+    for (int index = 0; index < interfaces->count(); ++index)
+        names << interfaces->itemText(index);
+    QCOMPARE(names.removeDuplicates(), 0);
+    QCOMPARE(names.first(), QStringLiteral("All interfaces"));
+    QVERIFY(names.contains("LED"));
+    // Replies, errors and signals have colours of their own.
+    QSet<QRgb> colours;
+    const auto *lines = log.findChild<QPlainTextEdit *>();
+    QVERIFY(lines->isReadOnly());
+    for (const char *kind : {"  call  ", "  error  ", "  reply  ", "  signal  "}) {
+        QTextBlock line = lines->document()->begin();
+        while (line.isValid() && !line.text().replace(QChar::Nbsp, QLatin1Char(' ')).contains(kind))
+            line = line.next();
+        QVERIFY2(line.isValid(), kind);
+        colours << line.begin().fragment().charFormat().foreground().color().rgb();
+    }
+    QCOMPARE(colours.size(), 4);
+
     log.showInterface("Users");
     QVERIFY(!log.text().contains("LED."));
     QVERIFY(log.text().contains("userChanged"));
@@ -518,8 +635,74 @@ void TestPanel::theLogShowsTheBusMessages()
     QVERIFY(log.save(directory.path() + "/log"));
     QCOMPARE(readFile(directory.path() + "/log"), log.text().toUtf8() + '\n');
     QVERIFY(!log.save(directory.path() + "/none/log"));
+    log.showInterface("no such interface");
+    QVERIFY(log.text().contains("LED."));
     log.showInterface(QString());
     QVERIFY(log.text().contains("LED."));
+}
+
+void TestPanel::theLogIsClearedAndSaved()
+{
+    TrafficLog log;
+    log.note("echo <b>one</b>  &amp; two");
+    QCOMPARE(log.text(), QStringLiteral("$ echo <b>one</b>  &amp; two"));
+    const auto press = [&](const QString &title) {
+        for (auto *button : log.findChildren<QPushButton *>()) {
+            if (button->text().startsWith(title))
+                button->click();
+        }
+    };
+    const QTemporaryDir directory;
+    QString complaint;
+    // A dialogue returns only after it was answered.
+    const auto saveAs = [&](const QString &file) {
+        QTimer answering;
+        connect(&answering, &QTimer::timeout, this, [&] {
+            QWidget *shown = QApplication::activeModalWidget();
+            if (auto *dialogue = qobject_cast<QFileDialog *>(shown)) {
+                dialogue->selectFile(file);
+                static_cast<QDialog *>(dialogue)->accept();
+            } else if (auto *box = qobject_cast<QMessageBox *>(shown)) {
+                complaint = box->text();
+                box->accept();
+            }
+        });
+        answering.start(10);
+        press("Save");
+    };
+    saveAs(directory.path() + "/log");
+    QCOMPARE(readFile(directory.path() + "/log"), log.text().toUtf8() + '\n');
+    QCOMPARE(complaint, QString());
+    saveAs("/proc/log");
+    QCOMPARE(complaint, QStringLiteral("/proc/log cannot be written."));
+    press("Clear");
+    QCOMPARE(log.text(), QString());
+    log.note("exit");
+    QCOMPARE(log.text(), QStringLiteral("$ exit"));
+}
+
+void TestPanel::theLogKeepsTheNewestLines()
+{
+    TrafficLog log;
+    QVERIFY(QTest::qWaitFor(
+        [&] {
+            leds.call("setLEDStatus", {"WPS", "OFF"});
+            return QTest::qWaitFor([&] { return log.text().contains("WPS"); }, 200);
+        },
+        deadlineMs));
+    // Its limit.
+    for (int number = 0; number < 5000; ++number)
+        log.note(QString::number(number));
+    const auto isComplete = [&] {
+        const QStringList lines = log.text().split('\n');
+        return lines.size() == 5000 && lines.first() == "$ 0" && lines.last() == "$ 4999";
+    };
+    log.showInterface("LED");
+    QVERIFY(isComplete());
+    log.note("5000");
+    QCOMPARE(log.text().section('\n', 0, 0), QStringLiteral("$ 1"));
+    log.showInterface(QString());
+    QCOMPARE(log.text().section('\n', 0, 0), QStringLiteral("$ 1"));
 }
 
 int main(int argc, char *argv[])

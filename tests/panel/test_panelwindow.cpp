@@ -9,6 +9,8 @@
 #include <QTemporaryDir>
 #include <QTest>
 
+#include <unistd.h>
+
 #include <utility>
 
 /** The panel as a program, in the instrument that ./run starts. */
@@ -19,6 +21,7 @@ class TestPanelWindow : public QObject
 private Q_SLOTS:
     void clicksInAWindowReachTheInstrument();
     void aFaultIsChosenFromTheMenu();
+    void anOrdinaryUserOpensAWindow();
     void aViewerReachesThePanelOverTheNetwork();
     void picturesNeedNoDisplay();
     void wrongOptionsAndFailedCommandsAreReported();
@@ -225,6 +228,51 @@ void TestPanelWindow::aFaultIsChosenFromTheMenu()
     QVERIFY(panel.end());
 }
 
+void TestPanelWindow::anOrdinaryUserOpensAWindow()
+{
+    const QTemporaryDir directory;
+    const QString key = directory.path() + "/key";
+    writeFile(key, VirtualScreen::newKey());
+    VirtualScreen screen;
+    QVERIFY(screen.start(key));
+    qputenv("DISPLAY", screen.name().toLatin1());
+    // Ours, to ask the screen for its windows.
+    qputenv("XAUTHORITY", key.toLocal8Bit());
+    QStringList options = command({"--handle", directory.path() + "/handle", "--panel"});
+    QStringList program{RUN};
+    if (::geteuid() == 0) {
+        // The user can read neither our key nor, perhaps, the directories above this tree.
+        options.replaceInStrings(TREE "/", "/srv/");
+        program =
+            QStringList{"unshare",
+                        "--mount",
+                        "sh",
+                        "-c",
+                        "mount --bind " TREE " /srv && cd /srv && exec setpriv --reuid=nobody "
+                        "--regid=nogroup --clear-groups \"$@\"",
+                        "sh",
+                        QStringLiteral(RUN).replace(TREE "/", "/srv/")};
+        QCOMPARE(QProcess::execute("chown", {"-R", "nobody", directory.path()}), 0);
+    }
+    const QByteArray platform = qgetenv("QT_QPA_PLATFORM");
+    qunsetenv("QT_QPA_PLATFORM");
+    QProcess panel;
+    panel.start(program.takeFirst(), program + options);
+    qputenv("QT_QPA_PLATFORM", platform);
+    const QString window = nextWindow({});
+    QVERIFY2(!window.isEmpty(), panel.readAllStandardError());
+    QCOMPARE(xdotool({"getwindowname", window}), QByteArray("Strandel, virtual instrument\n"));
+    // The handle holds the PID of the process that started the world.
+    const QByteArray world = readFile(directory.path() + "/handle").trimmed();
+    const QByteArray status = readFile("/proc/" + world + "/status");
+    QVERIFY(status.contains("\nUid:\t"));
+    QVERIFY(!status.contains("\nUid:\t0\t"));
+    qunsetenv("DISPLAY");
+    qunsetenv("XAUTHORITY");
+    panel.terminate();
+    QVERIFY(panel.waitForFinished(deadlineMs));
+}
+
 void TestPanelWindow::aViewerReachesThePanelOverTheNetwork()
 {
     // A VNC server sends first.
@@ -260,14 +308,16 @@ void TestPanelWindow::picturesNeedNoDisplay()
 
 void TestPanelWindow::wrongOptionsAndFailedCommandsAreReported()
 {
-    QCOMPARE(output("panel --picture - --size 10x10 2>&1; echo $?; "
+    QCOMPARE(output("for size in 10x10 640x10 10x640 640x10001 10001x640 640 640x400x1 wide; do "
+                    "panel --picture - --size $size 2>&1; echo $?; done; "
                     "panel --picture - -- sh -c 'echo no >&2; exit 3' 2>&1; echo $?; "
                     "panel --picture /none/file 2>&1; echo $?; "
-                    "env -u QT_QPA_PLATFORM -u DISPLAY panel 2>&1 | head -c 26;"),
-             QByteArray("panel: --size is as in 1280x800\n1\n"
-                        "panel: no\n1\n"
-                        "panel: cannot write /none/file\n1\n"
-                        "panel: there is no display"));
+                    "env -u QT_QPA_PLATFORM -u DISPLAY panel 2>&1"),
+             QByteArray("panel: --size is as in 1280x800\n1\n").repeated(8) +
+                 "panel: no\n1\n"
+                 "panel: cannot write /none/file\n1\n"
+                 "panel: there is no display; --picture FILE needs none, nor does "
+                 "QT_QPA_PLATFORM=vnc (docs/your-application.md)\n");
 }
 
 /** Compares small squares, which tolerate slightly different text rendering. */

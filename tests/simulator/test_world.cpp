@@ -54,7 +54,6 @@ private:
     static QStringList worldArguments(const QStringList &command, const QStringList &options = {});
     static Result run(const QStringList &command, const QStringList &options = {},
                       const QByteArray &input = {});
-    static QByteArray keyOfScreen();
     static bool isAlive(const QString &marker);
     void verifyEndAfter(const std::function<void(QProcess &)> &ending);
 };
@@ -274,22 +273,11 @@ void TestWorld::aJoinedCommandEndsWithItsCaller()
     QVERIFY(world.waitForFinished(deadlineMs));
 }
 
-/** A key file that opens every X server with the same key. */
-QByteArray TestWorld::keyOfScreen()
-{
-    const auto counted = [](const QByteArray &text) {
-        return char(text.size() / 256) + QByteArray(1, char(text.size() % 256)) + text;
-    };
-    const QByteArray anyHost("\xff\xff", 2);
-    return anyHost + counted({}) + counted({}) + counted("MIT-MAGIC-COOKIE-1") +
-           counted("0123456789abcdef");
-}
-
 void TestWorld::windowsOpenOnTheScreenOutside()
 {
     QTemporaryDir directory;
     const QString key = directory.path() + "/key";
-    writeFile(key, keyOfScreen());
+    writeFile(key, VirtualScreen::newKey());
     VirtualScreen screen;
     QVERIFY(screen.start(key));
     qputenv("DISPLAY", screen.name().toLatin1());
@@ -312,7 +300,7 @@ void TestWorld::windowsOpenFromAJoinedCommand()
     QTemporaryDir directory;
     const QString handle = directory.path() + "/handle";
     const QString key = directory.path() + "/key";
-    writeFile(key, keyOfScreen());
+    writeFile(key, VirtualScreen::newKey());
     VirtualScreen screen;
     QVERIFY(screen.start(key));
     QProcess world;

@@ -24,3 +24,13 @@ bool VirtualScreen::start(const QString &keyFile)
     m_name = ':' + QString::fromLatin1(m_server.readLine().trimmed());
     return true;
 }
+
+QByteArray VirtualScreen::newKey()
+{
+    const auto counted = [](const QByteArray &text) {
+        return char(text.size() / 256) + QByteArray(1, char(text.size() % 256)) + text;
+    };
+    const QByteArray anyHost("\xff\xff", 2);
+    return anyHost + counted({}) + counted({}) + counted("MIT-MAGIC-COOKIE-1") +
+           counted("0123456789abcdef");
+}

@@ -20,6 +20,9 @@ public:
     /** The value for DISPLAY, for example ":3". */
     QString name() const { return m_name; }
 
+    /** Returns the content of a key file that opens every X server with the same key. */
+    static QByteArray newKey();
+
 private:
     QProcess m_server;
     QString m_name;
