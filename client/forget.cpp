@@ -8,8 +8,8 @@
 namespace
 {
 /**
- * The number of scans to try. The daemon switches the radio off as soon as it has the list of
- * networks, so a removal can come too late.
+ * The number of scans to try. A scan can miss a network. The daemon switches the radio off as soon
+ * as it has the list of networks, so a removal can come too late.
  */
 constexpr int mostScans = 3;
 
@@ -46,7 +46,7 @@ ExitStatus removeInScan(const Command &command, const QString &network, Answer &
         return fail(command, OutcomeFailed,
                     QStringLiteral("not in reach, or the station is busy with something else"));
     const ExitStatus status = follower.wait(scan.outcome.seconds);
-    isListed = watch.isListed();
+    isListed = isListed || watch.isListed();
     return status == Success ? Success
                              : fail(command, status, QStringLiteral("the scan did not succeed"));
 }
@@ -76,13 +76,14 @@ ExitStatus forgetNetwork(const Command &command, const Invocation &invocation,
         removed = ConnmanWatch::remove(path);
     for (int scans = 0; !removed.isGood() && scans < mostScans; ++scans) {
         const ExitStatus status = removeInScan(command, network, removed, isListed);
-        if (status != Success || !isListed)
-            return status == Success
-                       ? fail(command, OutcomeFailed,
-                              QStringLiteral("not in reach: ConnMan forgets only what it sees"))
-                       : status;
+        if (status != Success)
+            return status;
     }
-    return removed.isGood() ? Success
-                            : fail(command, OutcomeFailed,
-                                   QStringLiteral("ConnMan refuses: %1").arg(removed.errorText));
+    if (removed.isGood())
+        return Success;
+    if (!isListed)
+        return fail(command, OutcomeFailed,
+                    QStringLiteral("not in reach: ConnMan forgets only what it sees"));
+    return fail(command, OutcomeFailed,
+                QStringLiteral("ConnMan refuses: %1").arg(removed.errorText));
 }
