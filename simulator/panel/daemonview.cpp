@@ -213,6 +213,8 @@ void DaemonView::ask()
     });
     for (const QString &interface : {ethernetName, wifiName, accessPointName})
         askAddress(interface);
+    if (m_known.links.value(wifiName).state == QLatin1String("online"))
+        askStrength();
 }
 
 void DaemonView::takeProperty(const QString &interface, const QString &path, const QString &name,
