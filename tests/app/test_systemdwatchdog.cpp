@@ -100,7 +100,7 @@ bool TestSystemdWatchdog::isPinged(int deadline)
 /** Returns true if no ping arrives for several intervals. */
 bool TestSystemdWatchdog::isSilent()
 {
-    return QTest::qWaitFor([this] { return !isPinged(500); }, 20000) && !isPinged(500);
+    return QTest::qWaitFor([this] { return !isPinged(500); }, deadlineMs) && !isPinged(500);
 }
 
 /** Fills the socket's buffer with messages that systemd does not read. */

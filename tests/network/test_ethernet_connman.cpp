@@ -116,7 +116,7 @@ bool TestEthernetConnman::waitForState(const QString &state)
             seen = found < 0 ? seen : found + 1;
             return found >= 0;
         },
-        20000);
+        deadlineMs);
 }
 
 /** Brings the daemon into @p state, as far as ConnMan allows. */
@@ -434,7 +434,7 @@ void TestEthernetConnman::connManMayHangAtAnyTime()
             daemon.letTimePass(callTimeoutSeconds);
             return QTest::qWaitFor([&] { return answer.isFinished(); }, 100);
         },
-        20000));
+        deadlineMs));
     QCOMPARE(renderReply(answer.reply()), failed("Cannot get property Connected"));
 
     connman.thaw();

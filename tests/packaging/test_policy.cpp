@@ -141,14 +141,14 @@ void TestPolicy::everyUserReceivesSignals()
             heard += listener.readAllStandardOutput();
             return heard.contains("is owned by");
         },
-        20000));
+        deadlineMs));
     Remote("/KyConfigMgr", "Users").call("setUser", {"user2"});
     QVERIFY(QTest::qWaitFor(
         [&] {
             heard += listener.readAllStandardOutput();
             return heard.contains("userChanged ('user2',)");
         },
-        20000));
+        deadlineMs));
     listener.kill();
     listener.waitForFinished();
 }
@@ -172,7 +172,7 @@ QString fate(const char *user, const QDBusMessage &call)
 {
     QDBusConnection bus(user);
     const QDBusMessage reply =
-        (bus.isConnected() ? bus : connectAs(user)).call(call, QDBus::Block, 20000);
+        (bus.isConnected() ? bus : connectAs(user)).call(call, QDBus::Block, deadlineMs);
     if (reply.type() != QDBusMessage::ErrorMessage)
         return QStringLiteral("through");
     if (reply.errorName() == QLatin1String("org.freedesktop.DBus.Error.AccessDenied"))
@@ -266,7 +266,7 @@ void TestPolicy::aLargeMessageEndsItsSender()
     QDBusMessage call = QDBusMessage::createMethodCall(service, "/KyConfigMgr", users, "getUser");
     call << QByteArray(size, 'x');
 
-    const QDBusMessage reply = bus.call(call, QDBus::Block, 20000);
+    const QDBusMessage reply = bus.call(call, QDBus::Block, deadlineMs);
 
     // Without a reply, the error depends on who notices the end of the connection first.
     QCOMPARE(reply.errorName() == QLatin1String("org.freedesktop.DBus.Error.UnknownMethod"),

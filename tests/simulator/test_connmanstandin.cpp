@@ -500,8 +500,9 @@ void TestConnmanStandIn::startLively()
 QString TestConnmanStandIn::joinHome()
 {
     const QDBusPendingReply<> call = callLater(home, "net.connman.Service", "Connect");
-    return QTest::qWaitFor([&] { return call.isFinished(); }, 10000) ? renderReply(call.reply())
-                                                                     : "no answer";
+    return QTest::qWaitFor([&] { return call.isFinished(); }, deadlineMs)
+               ? renderReply(call.reply())
+               : "no answer";
 }
 
 /** The properties of @p service in the received signals. */

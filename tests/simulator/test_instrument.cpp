@@ -182,7 +182,7 @@ void TestInstrument::inTheForegroundTheInstrumentShowsItsScreenUntilItIsEnded()
             screen += world.readAll();
             return screen.contains("Ctrl-C ends it. The daemon's log:\n");
         },
-        60000));
+        deadlineMs));
     QVERIFY(screen.contains("KyBoardManager, process"));
     QVERIFY(screen.contains("active: user1\n"));
     QCOMPARE(screen.count("  ./run -- "), 3);

@@ -91,7 +91,7 @@ void TestScreens::theInstrumentShowsItsScreen()
         screen += QString::fromUtf8(world.readAll());
         return screen.contains("\n\n");
     };
-    QVERIFY2(QTest::qWaitFor(isComplete, 60000), qPrintable(screen));
+    QVERIFY2(QTest::qWaitFor(isComplete, deadlineMs), qPrintable(screen));
     world.terminate();
     QVERIFY(world.waitForFinished(deadlineMs));
     QCOMPARE(masked(screen.section("\n\n", 0, 0) + '\n'), masked(shown.first()));
@@ -120,8 +120,8 @@ void TestScreens::commandsPrintWhatTheDocumentsShow()
     QProcess world;
     start(world, {"bash", "-c", script});
     QVERIFY(world.waitForFinished(deadlineMs));
-    const QStringList actual = masked(QString::fromUtf8(world.readAll())).split('\n');
-    QCOMPARE(actual, masked(expected).split('\n'));
+    const QString actual = masked(QString::fromUtf8(world.readAll()));
+    QVERIFY2(actual == masked(expected), qPrintable("the commands print:\n" + actual));
 }
 
 QTEST_GUILESS_MAIN(TestScreens)

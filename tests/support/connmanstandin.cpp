@@ -238,7 +238,7 @@ bool ConnmanStandIn::waitForCall(const QString &call, int count)
                 found += line.startsWith(call) ? 1 : 0;
             return found >= count;
         },
-        10000);
+        deadlineMs);
 }
 
 QDBusMessage ConnmanStandIn::drive(const QString &method, const QList<QVariant> &arguments)
