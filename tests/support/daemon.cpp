@@ -34,22 +34,6 @@ void wakeDaemon()
                                            method.section('.', 0, -2), method.section('.', -1)));
     }
 }
-
-/**
- * Returns true if the daemon's objects are on the bus. The daemon owns its name before it exports
- * them; on a busy machine a call can come in between. Qt D-Bus rejects such a call even while the
- * daemon is busy, so any other outcome tells that the object is there.
- */
-bool isExported()
-{
-    // The daemon exports this one last.
-    const QDBusMessage call = QDBusMessage::createMethodCall(
-        daemonName, QStringLiteral("/KyDeviceMgr"),
-        QStringLiteral("org.freedesktop.DBus.Introspectable"), QStringLiteral("Introspect"));
-    const int busyMs = 1000;
-    return QDBusConnection::systemBus().call(call, QDBus::Block, busyMs).errorName() !=
-           QDBusError::errorString(QDBusError::UnknownObject);
-}
 } // namespace
 
 Daemon::Daemon()
@@ -161,8 +145,7 @@ bool Daemon::start(const QStringList &arguments)
     if (!waitUntil([] { return !isOnTheBus(daemonName); }))
         return false;
     launch(arguments);
-    return waitUntil([this] { return !isRunning() || (isOnTheBus(daemonName) && isExported()); }) &&
-           isRunning();
+    return waitUntil([this] { return !isRunning() || isOnTheBus(daemonName); }) && isRunning();
 }
 
 void Daemon::launch(const QStringList &arguments)
