@@ -77,15 +77,25 @@ int roundedLight(double lux)
 QStringList handElements()
 {
     QStringList elements{
-        QStringLiteral("charger"),      QStringLiteral("battery-track"),
-        QStringLiteral("light-track"),  QStringLiteral("temperature-SOM-track"),
-        QStringLiteral("SD-hand"),      QStringLiteral("temperature-ANALOG_CHAIN-track"),
-        QStringLiteral("SD-mount"),     QStringLiteral("USB-hand"),
-        QStringLiteral("USB-mount"),    QStringLiteral("SD"),
-        QStringLiteral("USB"),          QStringLiteral("cable"),
-        QStringLiteral("dhcp"),         QStringLiteral("wifi-dhcp"),
-        QStringLiteral("daemon-start"), QStringLiteral("daemon-stop"),
-        QStringLiteral("daemon-kill"),  QStringLiteral("faults"),
+        QStringLiteral("charger"),
+        QStringLiteral("battery-track"),
+        QStringLiteral("light-track"),
+        QStringLiteral("temperature-SOM-track"),
+        QStringLiteral("SD-hand"),
+        QStringLiteral("temperature-ANALOG_CHAIN-track"),
+        QStringLiteral("SD-mount"),
+        QStringLiteral("USB-hand"),
+        QStringLiteral("USB-mount"),
+        QStringLiteral("SD"),
+        QStringLiteral("USB"),
+        QStringLiteral("cable"),
+        QStringLiteral("dhcp"),
+        QStringLiteral("wifi-dhcp"),
+        QStringLiteral("daemon-start"),
+        QStringLiteral("daemon-stop"),
+        QStringLiteral("daemon-restart"),
+        QStringLiteral("daemon-kill"),
+        QStringLiteral("faults"),
     };
     for (int row = 1; row <= airRows; ++row)
         elements << QStringLiteral("air-%1-switch").arg(row)

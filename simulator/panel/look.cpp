@@ -338,8 +338,8 @@ private:
                              : m_instrument.isBusThere  ? QStringLiteral("away")
                                                         : QStringLiteral("the bus is away"));
         m_look.opacities[QStringLiteral("daemon-start")] = m_instrument.isDaemonThere ? 0.4 : 1;
-        m_look.opacities[QStringLiteral("daemon-stop")] = m_instrument.isDaemonThere ? 1 : 0.4;
-        m_look.opacities[QStringLiteral("daemon-kill")] = m_instrument.isDaemonThere ? 1 : 0.4;
+        for (const char *command : {"daemon-stop", "daemon-restart", "daemon-kill"})
+            m_look.opacities[QLatin1String(command)] = m_instrument.isDaemonThere ? 1 : 0.4;
         write("speed-text",
               m_instrument.speed == 1
                   ? QString()

@@ -451,6 +451,7 @@ void TestLook::aPressRunsItsCommand_data()
     row("server of the air", "wifi-dhcp", 0, "", "", "wifi mute");
     row("start", "daemon-start", 0, "", "", "daemon start");
     row("stop", "daemon-stop", 0, "", "", "daemon stop");
+    row("restart", "daemon-restart", 0, "", "", "daemon restart");
     row("kill", "daemon-kill", 0, "", "", "daemon kill");
     row("far", "air-2-track", 0, "", "", "echo -100 >/run/strandel-air/point1/signal");
     row("off the air", "air-2-switch", 0, "", "", "echo 0 >/run/strandel-air/point1/in_range");

@@ -157,8 +157,10 @@ void TestPanelWindow::clicksInAWindowReachTheInstrument()
                               "until [ \"$(cat /run/strandel-board/storage/SD/inserted)\" = 1 ]; "
                               "do sleep 0.02; done; echo inserted; "
                               "while pidof KyBoardManager >/dev/null; do sleep 0.02; done; "
-                              "echo killed; until pidof KyBoardManager >/dev/null; "
-                              "do sleep 0.02; done; echo started"}));
+                              "echo killed; until started=$(cat /run/KyBoardManager.pid); "
+                              "do sleep 0.02; done; echo started; "
+                              "until now=$(cat /run/KyBoardManager.pid) && [ $now != $started ]; "
+                              "do sleep 0.02; done; echo restarted"}));
     QVERIFY(press("SD-hand"));
     QTRY_VERIFY_WITH_TIMEOUT(world.canReadLine(), deadlineMs);
     QCOMPARE(world.readLine(), QByteArray("inserted\n"));
@@ -168,6 +170,9 @@ void TestPanelWindow::clicksInAWindowReachTheInstrument()
     QVERIFY(press("daemon-start"));
     QTRY_VERIFY_WITH_TIMEOUT(world.canReadLine(), deadlineMs);
     QCOMPARE(world.readLine(), QByteArray("started\n"));
+    QVERIFY(press("daemon-restart"));
+    QTRY_VERIFY_WITH_TIMEOUT(world.canReadLine(), deadlineMs);
+    QCOMPARE(world.readLine(), QByteArray("restarted\n"));
     QVERIFY(world.state() == QProcess::NotRunning || world.waitForFinished(deadlineMs));
     QVERIFY(panel.end());
 }
