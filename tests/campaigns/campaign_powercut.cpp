@@ -28,7 +28,7 @@ private Q_SLOTS:
 private:
     struct Scenario {
         QString name;
-        /** The user who is active before, and the client's call. */
+        /** The user who is active before the call; the method; its argument. */
         QString active;
         QString method;
         QString user;
@@ -99,7 +99,7 @@ void TestPowerCut::init()
     QFile::remove(control + ".log");
 }
 
-/** Everything in a profile except the partial copy. */
+/** Returns the entries of the profile of @p user, without the partial copy. */
 QStringList TestPowerCut::contents(const QString &user)
 {
     QStringList lines = snapshot(profile(user));
@@ -109,7 +109,10 @@ QStringList TestPowerCut::contents(const QString &user)
     return lines;
 }
 
-/** Returns true if every name of the default profile exists. */
+/**
+ * Returns true if @p lines contain every file and directory of the default profile, with any
+ * content.
+ */
 bool TestPowerCut::isComplete(const QStringList &lines)
 {
     QStringList names;
@@ -121,13 +124,13 @@ bool TestPowerCut::isComplete(const QStringList &lines)
     });
 }
 
-/** The content of every file of a profile. */
+/** Returns the content that all files of the profile of @p user have. */
 QByteArray TestPowerCut::contentOf(const QString &user) const
 {
     return QByteArray(m_isLong ? 5000 : 50, user.right(1).at(0).toLatin1());
 }
 
-/** Creates profiles whose files name their owner: the user or the default profile. */
+/** Creates the profiles. The content of each file tells whose it is (see contentOf()). */
 void TestPowerCut::layOut(const Scenario &scenario)
 {
     QStringList files = {"/measure.conf", "/display/theme.conf", "/display/.hidden",
@@ -147,7 +150,7 @@ void TestPowerCut::layOut(const Scenario &scenario)
     QFile::link(profile(scenario.active), systemLink);
 }
 
-/** QSettings writes the settings some time after a change. */
+/** Waits until QSettings, which writes some time after a change, has written the settings. */
 void TestPowerCut::settleSettings()
 {
     QTRY_VERIFY_WITH_TIMEOUT(QFile::exists(settingsFile), deadlineMs);
@@ -155,8 +158,8 @@ void TestPowerCut::settleSettings()
 }
 
 /**
- * Starts the daemon. The power is cut before file-system call number @p call, counted from now; 0
- * only counts.
+ * Starts the daemon and waits until it has written its settings. From then on, cuts the power
+ * before file-system call number @p call; with 0, records the calls and cuts nothing.
  */
 void TestPowerCut::startWithCut(int call)
 {
@@ -166,7 +169,10 @@ void TestPowerCut::startWithCut(int call)
     arm(call);
 }
 
-/** The file-system calls that the daemon makes for the scenario's call without a cut, in order. */
+/**
+ * Carries out the scenario without a cut. Returns the daemon's file-system calls in order; an empty
+ * list on failure.
+ */
 QStringList TestPowerCut::callsOf(const Scenario &scenario)
 {
     layOut(scenario);
@@ -254,7 +260,10 @@ QString TestPowerCut::whatIsLeft(const Scenario &scenario) const
     return left.join(", ");
 }
 
-/** Only the profile that was being replaced may differ, and then it is incomplete. */
+/**
+ * Every other profile is unchanged. The profile that was being replaced is the old one, the new
+ * one, or incomplete without truncated files.
+ */
 void TestPowerCut::verifyProfiles(const Scenario &scenario)
 {
     for (const QString &user : m_before.keys()) {

@@ -21,7 +21,7 @@ private Q_SLOTS:
     void theTraceRecordsEveryChangeOfTheTechnology();
     void aNetworkThatTheScanFindsIsJoined();
     void aTechnologyThatIsOnStartsItsScanAtOnce();
-    void aNetworkOfATechnologyThatIsOnAlreadyIsJoinedAtOnce();
+    void withTheTechnologyOnANetworkIsJoinedAtOnce();
     void aRefusalToPowerOnIsIgnored();
     void aTechnologyThatIsConnectedIsNotAskedToConnect();
     void aConnectionThatConnManMakesByItselfIsUsed();
@@ -34,29 +34,29 @@ private Q_SLOTS:
     void anUnlistedNetworkCannotBeJoined_data();
     void anUnlistedNetworkCannotBeJoined();
     void aNetworkThatVanishesCannotBeJoined();
-    void theServiceDecidesWhileIdle_data();
-    void theServiceDecidesWhileIdle();
-    void theServiceDecidesWhileAssociating_data();
-    void theServiceDecidesWhileAssociating();
-    void theServiceDecidesWhileConfiguring_data();
-    void theServiceDecidesWhileConfiguring();
-    void afterOnlineByTheServiceAnEmptyListIsIgnored();
-    void anOnlineServiceIsOnlineAgain();
+    void theServicesStateDecidesWhileTheStationIsIdle_data();
+    void theServicesStateDecidesWhileTheStationIsIdle();
+    void theServicesStateDecidesWhileTheStationIsAssociating_data();
+    void theServicesStateDecidesWhileTheStationIsAssociating();
+    void theServicesStateDecidesWhileTheStationIsConfiguring_data();
+    void theServicesStateDecidesWhileTheStationIsConfiguring();
+    void anEmptyListIsIgnoredOnceTheServiceIsOnline();
+    void onlineIsAnnouncedOnceMoreWhenTheServiceIsOnline();
 
     void anAddressMakesTheStationOnline_data();
     void anAddressMakesTheStationOnline();
     void anExistingAddressMakesTheStationOnlineAtOnce();
     void theDaemonWaitsForSettingsThatItHasJustSent();
     void theDaemonDoesNotWaitForRefusedSettings();
-    void settingsAreSentOnceConnected();
+    void settingsAreSentWhenTheNetworkIsConnected();
 
     void configurationIsAnnouncedBeforeTheSettingsAreSent();
     void anErrorOfTheServiceFailsTheConnection();
     void aFailureIsAnnouncedBeforeTheTechnologyIsPoweredOff();
     void aClearedErrorIsIgnored();
     void aChangedStrengthIsAnnounced();
-    void aStrengthInAnotherVariantIsPassedOnAsANumber();
-    void theStrengthNamesTheServiceThatIsNotListedAnyMore();
+    void aStrengthInANestedVariantIsPassedOnAsANumber();
+    void aStrengthIsAnnouncedForTheCurrentServiceEvenIfUnlisted();
     void aMalformedStrengthIsNotAnnounced_data();
     void aMalformedStrengthIsNotAnnounced();
     void signalsOfThePreviousServiceAreIgnored();
@@ -174,7 +174,7 @@ void TestWifiConnect::aTechnologyThatIsOnStartsItsScanAtOnce()
     QCOMPARE(announced(), QStringList());
 }
 
-void TestWifiConnect::aNetworkOfATechnologyThatIsOnAlreadyIsJoinedAtOnce()
+void TestWifiConnect::withTheTechnologyOnANetworkIsJoinedAtOnce()
 {
     begin();
     connman.storeProperty(ConnmanStandIn::wifiTechnology, "Powered", true);
@@ -348,7 +348,7 @@ void TestWifiConnect::aNetworkThatVanishesCannotBeJoined()
     QCOMPARE(orders(), QStringList());
 }
 
-void TestWifiConnect::theServiceDecidesWhileIdle_data()
+void TestWifiConnect::theServicesStateDecidesWhileTheStationIsIdle_data()
 {
     QTest::addColumn<QString>("serviceState");
     QTest::addColumn<QStringList>("expected");
@@ -358,7 +358,7 @@ void TestWifiConnect::theServiceDecidesWhileIdle_data()
     QTest::newRow("online") << "online" << QStringList{state("WIFI", "", "online")};
 }
 
-void TestWifiConnect::theServiceDecidesWhileIdle()
+void TestWifiConnect::theServicesStateDecidesWhileTheStationIsIdle()
 {
     QFETCH(QString, serviceState);
     QFETCH(QStringList, expected);
@@ -373,7 +373,7 @@ void TestWifiConnect::theServiceDecidesWhileIdle()
              serviceState == "idle" ? (QStringList{registerAgent, connectLab}) : QStringList());
 }
 
-void TestWifiConnect::theServiceDecidesWhileAssociating_data()
+void TestWifiConnect::theServicesStateDecidesWhileTheStationIsAssociating_data()
 {
     QTest::addColumn<QString>("serviceState");
     QTest::addColumn<QStringList>("expected");
@@ -384,7 +384,7 @@ void TestWifiConnect::theServiceDecidesWhileAssociating_data()
     QTest::newRow("online") << "online" << QStringList{state("WIFI", "", "online")};
 }
 
-void TestWifiConnect::theServiceDecidesWhileAssociating()
+void TestWifiConnect::theServicesStateDecidesWhileTheStationIsAssociating()
 {
     QFETCH(QString, serviceState);
     QFETCH(QStringList, expected);
@@ -397,7 +397,7 @@ void TestWifiConnect::theServiceDecidesWhileAssociating()
              serviceState == "ready" ? (QStringList{nameservers, settings}) : QStringList());
 }
 
-void TestWifiConnect::theServiceDecidesWhileConfiguring_data()
+void TestWifiConnect::theServicesStateDecidesWhileTheStationIsConfiguring_data()
 {
     QTest::addColumn<QString>("serviceState");
     QTest::addColumn<QStringList>("expected");
@@ -407,7 +407,7 @@ void TestWifiConnect::theServiceDecidesWhileConfiguring_data()
     QTest::newRow("online") << "online" << QStringList{online};
 }
 
-void TestWifiConnect::theServiceDecidesWhileConfiguring()
+void TestWifiConnect::theServicesStateDecidesWhileTheStationIsConfiguring()
 {
     QFETCH(QString, serviceState);
     QFETCH(QStringList, expected);
@@ -419,7 +419,7 @@ void TestWifiConnect::theServiceDecidesWhileConfiguring()
     QCOMPARE(orders(), QStringList());
 }
 
-void TestWifiConnect::afterOnlineByTheServiceAnEmptyListIsIgnored()
+void TestWifiConnect::anEmptyListIsIgnoredOnceTheServiceIsOnline()
 {
     reach("configuration");
     announceService("online");
@@ -432,7 +432,7 @@ void TestWifiConnect::afterOnlineByTheServiceAnEmptyListIsIgnored()
     QCOMPARE(trace().last(), QString("servicesChangedSlot OP:none online Lab"));
 }
 
-void TestWifiConnect::anOnlineServiceIsOnlineAgain()
+void TestWifiConnect::onlineIsAnnouncedOnceMoreWhenTheServiceIsOnline()
 {
     reach("online");
 
@@ -502,7 +502,7 @@ void TestWifiConnect::theDaemonDoesNotWaitForRefusedSettings()
     QCOMPARE(announced(), (QStringList{configuration, online}));
 }
 
-void TestWifiConnect::settingsAreSentOnceConnected()
+void TestWifiConnect::settingsAreSentWhenTheNetworkIsConnected()
 {
     reach("association");
     QCOMPARE(wifi.call("setIPv4", {QVariantMap{{"Method", "manual"},
@@ -580,7 +580,7 @@ void TestWifiConnect::aChangedStrengthIsAnnounced()
     QCOMPARE(wifi.call("getStrength"), QString("({\"Strength\": <y:41>})"));
 }
 
-void TestWifiConnect::aStrengthInAnotherVariantIsPassedOnAsANumber()
+void TestWifiConnect::aStrengthInANestedVariantIsPassedOnAsANumber()
 {
     reach("online");
     const QVariant inner = QVariant::fromValue(QDBusVariant(QVariant::fromValue(uchar(41))));
@@ -592,8 +592,11 @@ void TestWifiConnect::aStrengthInAnotherVariantIsPassedOnAsANumber()
              QStringList{"WIFI.propertyChanged(\"" + lab + "\", \"Strength\", <y:41>)"});
 }
 
-/** The service of the announcement is the current one, not the one that was looked for last. */
-void TestWifiConnect::theStrengthNamesTheServiceThatIsNotListedAnyMore()
+/**
+ * The announcement names the service whose signals the daemon follows, although the last search of
+ * the list did not find it.
+ */
+void TestWifiConnect::aStrengthIsAnnouncedForTheCurrentServiceEvenIfUnlisted()
 {
     reach("configuration");
     connman.setServices({network("Office", "idle")});

@@ -80,7 +80,8 @@ void TestDocuments::missingNamesAreReported_data()
     row("file in a fenced block", "```\ntools/prepared\n```\n", "tools/prepared: no such file");
     row("script", "Do `./runs`.", "./runs: no such file");
     row("test", "Run `test_user`.", "test_user: no such test");
-    row("function of a test", "See `test_users`: `setUserSwitches`, `getUserNamesTheActiveProfile`",
+    row("function of a test",
+        "See `test_users`: `setUserSwitches`, `getUserReturnsTheActiveProfile`",
         "test_users: no function setUserSwitches");
     row("function of a command", "Do:\n\n    tools/one test_users setUserSwitches\n",
         "test_users: no function setUserSwitches");
@@ -100,7 +101,7 @@ void TestDocuments::existingNamesAreNotReported()
 {
     QCOMPARE(complaintsOf("# Here\n\n[a](other.md#one-thing-and-another) [b](other.md#twice-1) "
                           "[c](#here) [d](https://example.org/x.md) `src/app/error.*` `src/` "
-                          "`/usr/src/none` `test_users`: `getUserNamesTheActiveProfile` "
+                          "`/usr/src/none` `test_users`: `getUserReturnsTheActiveProfile` "
                           "`kyboardctl --json user set user2`\n\n    # kyboardctl monitor  # what\n"
                           "\n<!-- made up: src/none.h -->\n\n`src/none.h`\n"),
              QString("none"));

@@ -28,7 +28,7 @@ class TestUsers : public DaemonTest
     Q_OBJECT
 
 private Q_SLOTS:
-    void getUserNamesTheActiveProfile();
+    void getUserReturnsTheActiveProfile();
     void getUserReturnsAnyNameInTheLink_data();
     void getUserReturnsAnyNameInTheLink();
     void getUserWithoutALinkIsAReadError();
@@ -92,14 +92,14 @@ private Q_SLOTS:
     void factoryResetReportsAFailedCopy();
     void factoryResetReportsAnUnreadableDefaultProfileAndErasesNothing();
     void factoryResetDoesNotFollowALinkOutOfTheProfile();
-    void subdirectoriesThatTheirOwnerMayNotWriteToAreCopied();
+    void readOnlySubdirectoriesAreCopied();
     void aFailedSystemCallFailsTheReset_data();
     void aFailedSystemCallFailsTheReset();
 
 private:
     static QStringList traced(const char *calls, const char *injection);
     bool isUserValid(const QString &user) const;
-    void removeDefaultFileAccess();
+    void dropDacCapabilities();
     static void plantLink(const QString &target, const QString &path);
 
     const Remote users{QStringLiteral("/KyConfigMgr"), QStringLiteral("Users")};
@@ -107,7 +107,10 @@ private:
     const QString system = QStringLiteral("/tmp/User_part/system");
 };
 
-/** Returns true if the daemon accepts @p user; uses a reset, which never changes the flag. */
+/**
+ * Returns true if @p user is valid. Asks with a reset, because a reset never changes whether a user
+ * is valid.
+ */
 bool TestUsers::isUserValid(const QString &user) const
 {
     return users.call(QStringLiteral("factoryReset"), {user}) != invalid;
@@ -123,7 +126,7 @@ void TestUsers::plantLink(const QString &target, const QString &path)
 }
 
 /** Makes mode bits apply to the daemon, although it runs as root. */
-void TestUsers::removeDefaultFileAccess()
+void TestUsers::dropDacCapabilities()
 {
     daemon.setWrapper({QStringLiteral("setpriv"), QStringLiteral("--bounding-set"),
                        QStringLiteral("-dac_override,-dac_read_search")});
@@ -146,7 +149,7 @@ QStringList TestUsers::traced(const char *calls, const char *injection)
             QStringLiteral("inject=") + injection};
 }
 
-void TestUsers::getUserNamesTheActiveProfile()
+void TestUsers::getUserReturnsTheActiveProfile()
 {
     QVERIFY(daemon.start());
     QCOMPARE(users.call("getUser"), QStringLiteral("(\"user1\")"));
@@ -282,7 +285,8 @@ void TestUsers::setUserSwitchesToACompleteProfileWithoutChangingIt()
     QVERIFY(daemon.start());
     QTRY_VERIFY_WITH_TIMEOUT(QFile::exists("/opt/settings.ini"), deadlineMs);
     QCOMPARE(users.call("getUser"), QStringLiteral("(\"user1\")"));
-    // Wait until the start has stored its settings; then the switch stores its own.
+    // The settings of the start are stored now. Remove them, so that the file later shows what the
+    // switch stores.
     QFile::remove("/opt/settings.ini");
     const QStringList before = snapshot(profile("user2"));
     SignalRecorder recorder("/KyConfigMgr");
@@ -475,7 +479,8 @@ void TestUsers::aProfileIsMadeIncompleteBeforeAnyFileIsErased()
 
     QCOMPARE(users.call("factoryReset", {"user2"}), QStringLiteral("()"));
 
-    // After a power cut between this rename and the end, the next switch replaces the profile.
+    // The rename of measure.conf comes first: from then until the copy is in place the profile is
+    // incomplete, so after a power cut the next switch replaces it.
     const QByteArray trace = readFile("/tmp/trace");
     const int renamed = trace.indexOf("\"measure.conf\"");
     QVERIFY2(renamed >= 0 && renamed < trace.indexOf("\".rebuild\""), trace.constData());
@@ -550,9 +555,11 @@ void TestUsers::theDefaultProfileIsNeverErased_data()
 {
     QTest::addColumn<QString>("link");
     QTest::addColumn<QString>("target");
-    QTest::newRow("user's directory leads to it") << profile("user2") << profile("default_user");
-    QTest::newRow("it leads to the user's") << profile("default_user") << profile("user2");
-    QTest::newRow("user's directory leads into it")
+    QTest::newRow("user's directory leads to default profile")
+        << profile("user2") << profile("default_user");
+    QTest::newRow("default profile leads to user's directory")
+        << profile("default_user") << profile("user2");
+    QTest::newRow("user's directory leads into default profile")
         << profile("user2") << profile("default_user") + "/display";
 }
 
@@ -739,7 +746,7 @@ void TestUsers::withAnUnreadableDefaultProfileNoFilesAreErased()
     writeFile(profile("default_user") + "/new/secret", "unreadable");
     QVERIFY(QFile::setPermissions(profile("default_user") + "/new/secret", {}));
     const QStringList before = snapshot(profile("user2"));
-    removeDefaultFileAccess();
+    dropDacCapabilities();
     QVERIFY(daemon.start());
 
     QCOMPARE(users.call("setUser", {"user2"}),
@@ -753,7 +760,7 @@ void TestUsers::withAnUnreadableDefaultProfileNoFilesAreErased()
 void TestUsers::withAnUnreadableDefaultProfileACompleteProfileIsActivated()
 {
     QVERIFY(QFile::setPermissions(profile("default_user"), {}));
-    removeDefaultFileAccess();
+    dropDacCapabilities();
     QVERIFY(daemon.start());
     QCOMPARE(users.call("setUser", {"user2"}), QStringLiteral("()"));
     QCOMPARE(readFile(profile("user2") + "/measure.conf"), QByteArray("user2"));
@@ -921,7 +928,7 @@ void TestUsers::factoryResetReportsAFailedCopy()
 void TestUsers::factoryResetReportsAnUnreadableDefaultProfileAndErasesNothing()
 {
     QVERIFY(QFile::setPermissions(profile("default_user") + "/measure.conf", {}));
-    removeDefaultFileAccess();
+    dropDacCapabilities();
     QVERIFY(daemon.start());
     const QStringList before = snapshot(profile("user2"));
     SignalRecorder recorder("/KyConfigMgr");
@@ -943,13 +950,13 @@ void TestUsers::factoryResetDoesNotFollowALinkOutOfTheProfile()
     QCOMPARE(snapshot(profile("user2")), snapshot(profile("default_user")));
 }
 
-void TestUsers::subdirectoriesThatTheirOwnerMayNotWriteToAreCopied()
+void TestUsers::readOnlySubdirectoriesAreCopied()
 {
     const QStringList directories = {"/fixed", "/fixed/deeper"};
     writeFile(profile("default_user") + "/fixed/deeper/file", "default");
     for (const QString &directory : directories)
         QCOMPARE(QProcess::execute("chmod", {"555", profile("default_user") + directory}), 0);
-    removeDefaultFileAccess();
+    dropDacCapabilities();
     QVERIFY(daemon.start());
 
     QCOMPARE(users.call("setUser", {"user2"}), QStringLiteral("()"));
