@@ -12,7 +12,10 @@
 
 namespace profiles
 {
-/** Directory of all profile directories and of the link; expected to exist. */
+/**
+ * The directory that contains the profile directories and the link to the active one; expected to
+ * exist.
+ */
 extern const QString directoryPath;
 /** Suffix of a profile directory's name. */
 extern const QString directorySuffix;
@@ -37,7 +40,7 @@ enum class Outcome {
 };
 
 /**
- * Returns the user that the link to the active profile names; the user may be invalid. Returns
+ * Returns the user that the target of the link (linkPath) names; the user may be invalid. Returns
  * nothing if there is no link.
  */
 std::optional<QString> activeUser();
@@ -58,8 +61,9 @@ void validateUsers();
 Outcome activate(const QString &user);
 
 /**
- * Replaces the content of the profile directory of @p user by a copy of the default profile. Erases
- * nothing if the default profile is unreadable or would be erased, too.
+ * Replaces the content of the profile directory of @p user with a copy of the default profile.
+ * Erases nothing if the default profile is unreadable, or if erasing the user's profile would also
+ * erase it (a link leads from one into the other).
  */
 Outcome rebuild(const QString &user);
 } // namespace profiles
