@@ -28,7 +28,7 @@ parse_command_line() {
             shift 2
             ;;
         --handle)
-            [[ ${2:-} == /* ]] || refuse "--handle: '${2:-}' is not a path from / on"
+            [[ ${2:-} == /* ]] || refuse "--handle: '${2:-}' is not an absolute path"
             own_handle=$2
             shift 2
             ;;

@@ -37,7 +37,7 @@ private Q_SLOTS:
     void theSdLedShowsTheStateFromTheStart();
     void theSdLedFollowsTheCard();
 
-    void theListenerJoinsTheKernelsAndOneMoreGroup();
+    void theListenerJoinsTheGroupOfTheKernelAndOneMore();
     void theListenersThreadBlocksAllSignals();
     void eventsOfTheFirstPartitionsAreAnnounced_data();
     void eventsOfTheFirstPartitionsAreAnnounced();
@@ -52,8 +52,8 @@ private Q_SLOTS:
     void theListenerHasItsReceiveBuffer();
     void aListenerReceivesEventsAfterALoss();
 
-    void withoutEventsTheDaemonServesAndLogsNothing_data();
-    void withoutEventsTheDaemonServesAndLogsNothing();
+    void aFailedListenerEndsSilentlyAndTheDaemonStillReplies_data();
+    void aFailedListenerEndsSilentlyAndTheDaemonStillReplies();
     void aStoppedListenerEndsWithTheNextEvent();
     void theStoragesDestructorWaitsForItsListener();
 
@@ -367,7 +367,7 @@ void TestStorage::theSdLedFollowsTheCard()
              (QStringList{"KyLeds.setLedState(26, 3) = 0", "KyLeds.setLedState(26, 0) = 0"}));
 }
 
-void TestStorage::theListenerJoinsTheKernelsAndOneMoreGroup()
+void TestStorage::theListenerJoinsTheGroupOfTheKernelAndOneMore()
 {
     QVERIFY(startListening());
     QCOMPARE(KernelEvents::groups(), 0x11U);
@@ -502,7 +502,8 @@ void TestStorage::theKernelsOwnEventsAreAnnounced()
     QVERIFY(startListening());
     SignalRecorder recorder("/KyDeviceMgr");
 
-    // One event for the device, and one for each of its two queues.
+    // The kernel sends the same kind of event for a network interface with this name: one for the
+    // interface, and one for each of its two queues.
     QVERIFY(run("ip", {"link", "add", name, "numtxqueues", "1", "numrxqueues", "1", "type", "veth",
                        "peer", "name", "other"}));
     QCOMPARE(recorder.waitFor(3 * added.size()), added + added + added);
@@ -562,7 +563,7 @@ void TestStorage::aListenerReceivesEventsAfterALoss()
     QCOMPARE(recorder.waitFor(1), QStringList(keyIn));
 }
 
-void TestStorage::withoutEventsTheDaemonServesAndLogsNothing_data()
+void TestStorage::aFailedListenerEndsSilentlyAndTheDaemonStillReplies_data()
 {
     QTest::addColumn<QString>("refused");
     QTest::newRow("socket refused") << "socket";
@@ -570,7 +571,7 @@ void TestStorage::withoutEventsTheDaemonServesAndLogsNothing_data()
     QTest::newRow("receive fails") << "receive";
 }
 
-void TestStorage::withoutEventsTheDaemonServesAndLogsNothing()
+void TestStorage::aFailedListenerEndsSilentlyAndTheDaemonStillReplies()
 {
     QFETCH(QString, refused);
     QVERIFY(startListening());
@@ -624,7 +625,8 @@ void TestStorage::theStoragesDestructorWaitsForItsListener()
     delete adaptor;
     isDestroyed = true;
 
-    // Each sender is a child process that shares the listener's socket until exec(): wait for it.
+    // send() forks, and the child holds a copy of the listener's socket until exec(). Wait until
+    // the last send() has ended, so that no copy is counted.
     QVERIFY(sender->wait(10000));
     delete sender;
     QCOMPARE(KernelEvents::listeners(), 0);

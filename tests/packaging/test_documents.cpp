@@ -19,11 +19,11 @@ private Q_SLOTS:
     void existingNamesAreNotReported();
     void theManualPageHasTheOptionsOfTheInstrument();
     void theManualPageHasTheCommandsInTheInstrument();
-    void installingNamesTheBuildDependencies();
-    void installingNamesTheLeastVersions();
-    void readmeNamesWhatIsInstalled();
-    void installingNamesTheCampaignsOfThePackages();
-    void thePackagesHaveTheTermsOfTheTree();
+    void theInstallingPageListsTheBuildDependencies();
+    void theInstallingPageListsTheMinimumVersions();
+    void theReadmeListsThePackagesThatPrepareInstalls();
+    void theInstallingPageListsTheCampaignsOfThePackages();
+    void thePackagesRepeatTheLicenceAndHaveHttpsAddresses();
     void theForgeRunsWhatContributorsRun();
 
 private:
@@ -161,10 +161,10 @@ void TestDocuments::theManualPageHasTheCommandsInTheInstrument()
              commands);
 }
 
-void TestDocuments::installingNamesTheBuildDependencies()
+void TestDocuments::theInstallingPageListsTheBuildDependencies()
 {
-    // Without the packages that only the virtual instrument needs, and those that every Debian
-    // package is built with.
+    // Leaves out debhelper, and the packages from libqt5svg5-dev on, which only the virtual
+    // instrument needs. Adds g++, which Build-Depends need not name.
     QStringList declared =
         matches(text("debian/control").section("Build-Depends:", 1).section("libqt5svg5-dev", 0, 0),
                 "([a-z][a-z0-9+-]+)(?: \\([^)]*\\))?,");
@@ -179,7 +179,7 @@ void TestDocuments::installingNamesTheBuildDependencies()
     QCOMPARE(told, declared);
 }
 
-void TestDocuments::installingNamesTheLeastVersions()
+void TestDocuments::theInstallingPageListsTheMinimumVersions()
 {
     const QString document = text("docs/installing.md");
     const auto version = [&](const char *file, const char *expression) {
@@ -198,7 +198,7 @@ void TestDocuments::installingNamesTheLeastVersions()
     QVERIFY(document.contains(QStringLiteral("| Qt | %1 |").arg(qt)));
 }
 
-void TestDocuments::readmeNamesWhatIsInstalled()
+void TestDocuments::theReadmeListsThePackagesThatPrepareInstalls()
 {
     const QString prepare = text("tools/prepare");
     QStringList installed;
@@ -213,7 +213,7 @@ void TestDocuments::readmeNamesWhatIsInstalled()
         QVERIFY2(readme.contains('`' + package + '`'), qPrintable(package));
 }
 
-void TestDocuments::installingNamesTheCampaignsOfThePackages()
+void TestDocuments::theInstallingPageListsTheCampaignsOfThePackages()
 {
     const QString document = text("docs/installing.md").section("## How it is tested", 1);
     const QString definitions = text("tests/packaging/CMakeLists.txt");
@@ -228,7 +228,7 @@ void TestDocuments::installingNamesTheCampaignsOfThePackages()
                  qPrintable(campaign));
 }
 
-void TestDocuments::thePackagesHaveTheTermsOfTheTree()
+void TestDocuments::thePackagesRepeatTheLicenceAndHaveHttpsAddresses()
 {
     const QString copyright = text("debian/copyright").section("\nFiles: *\n", 1);
     QString packaged =

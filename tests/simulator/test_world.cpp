@@ -40,8 +40,8 @@ private Q_SLOTS:
     void withoutTheOptionNoScreenIsReached();
     void withoutARunningWorldNothingIsJoined();
     void anUnknownOptionIsRefused();
-    void bothCommandsNameThemselves_data();
-    void bothCommandsNameThemselves();
+    void helpOfRunAndTestShowsTheirUsage_data();
+    void helpOfRunAndTestShowsTheirUsage();
     void runRejectsUnknownOptions_data();
     void runRejectsUnknownOptions();
 
@@ -235,10 +235,10 @@ void TestWorld::aJoinedCommandEndsWithItsCaller_data()
 {
     QTest::addColumn<int>("signal");
     QTest::addColumn<QString>("trap");
-    QTest::newRow("asked to") << SIGTERM << "";
-    QTest::newRow("hung up") << SIGHUP << "";
-    QTest::newRow("killed") << SIGKILL << "";
-    QTest::newRow("against its will") << SIGTERM << "trap : TERM; ";
+    QTest::newRow("SIGTERM") << SIGTERM << "";
+    QTest::newRow("SIGHUP") << SIGHUP << "";
+    QTest::newRow("SIGKILL") << SIGKILL << "";
+    QTest::newRow("SIGTERM, ignored by the command") << SIGTERM << "trap : TERM; ";
 }
 
 void TestWorld::aJoinedCommandEndsWithItsCaller()
@@ -386,14 +386,14 @@ void TestWorld::anUnknownOptionIsRefused()
     QVERIFY(result.complaint.startsWith("usage: world"));
 }
 
-void TestWorld::bothCommandsNameThemselves_data()
+void TestWorld::helpOfRunAndTestShowsTheirUsage_data()
 {
     QTest::addColumn<QString>("shown");
     QTest::newRow("run") << "./run -- COMMAND...";
     QTest::newRow("test") << "./test --long";
 }
 
-void TestWorld::bothCommandsNameThemselves()
+void TestWorld::helpOfRunAndTestShowsTheirUsage()
 {
     QFETCH(QString, shown);
     for (const char *option : {"--help", "-h"}) {
@@ -420,7 +420,7 @@ void TestWorld::runRejectsUnknownOptions_data()
     row("--speed 0", "--speed: '0' is not a whole number from 1 to 60");
     row("--speed 61", "--speed: '61' is not a whole number from 1 to 60");
     row("--speed fast", "--speed: 'fast' is not a whole number from 1 to 60");
-    row("--handle here", "--handle: 'here' is not a path from / on");
+    row("--handle here", "--handle: 'here' is not an absolute path");
     row("--speed 2 --bogus", "there is no option '--bogus'");
 }
 
