@@ -20,7 +20,8 @@ public:
     /**
      * Stores @p value under @p key; QSettings writes the file soon afterwards. If the path of the
      * settings file now leads to a FIFO, a device or a directory, drops @p value and keeps the
-     * earlier value. If it already did when the daemon started, values are only kept in memory.
+     * earlier value. If the path already led to one of these when the daemon started, values are
+     * kept in memory only.
      */
     void store(const QString &key, const QVariant &value);
 
@@ -33,8 +34,8 @@ private:
 
 extern const QString USER;
 /**
- * The start of a key, which ends with a user name. True if this user's profile may be used. bool,
- * default false.
+ * The prefix of one key for each user; the user's name follows. The value (bool, default false)
+ * says whether this user's profile may be used.
  */
 extern const QString USER_STATE;
 
@@ -67,8 +68,8 @@ extern const QString SCREEN_BACKLIGHT_STEP_14;
 extern const QString SCREEN_BACKLIGHT_STEP_15;
 
 /**
- * Light sensor: persistence time outside the band (unsigned int), and the lux bounds of the
- * brightness levels (int).
+ * Light sensor: how long the light must stay outside the band around its level before the sensor
+ * interrupts (unsigned int, in s), and the bounds of the brightness levels in lux (int).
  */
 extern const QString BRIGHTNESS;
 extern const QString BRIGHTNESS_TIMER;

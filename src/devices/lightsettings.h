@@ -12,7 +12,7 @@ BacklightSteps readBacklightSteps();
 /** Reads the lux bounds of the brightness levels. */
 BrightnessBounds readBrightnessBounds();
 
-/** Reads how long the light must stay outside its band, as thresholdTimerByte() expects it. */
+/** Reads how long the light must stay outside its band, in s, for thresholdTimerByte(). */
 unsigned int readThresholdTimer();
 
 #endif

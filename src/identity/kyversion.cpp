@@ -82,7 +82,8 @@ void KyVersion::setRecord(e_eeprom eeprom, const std::optional<NewRecord> &recor
         return;
     }
     cache = record->kept;
-    // "CRC" is true after a failed write, too: clients see the values that they have set.
+    // Only if the protection could not be lifted is "CRC" absent. A failed write still sets it,
+    // because clients expect to read the record that they have set.
     if (write({{eeprom, record->bytes}}, message))
         cache.insert(crc, true);
 }

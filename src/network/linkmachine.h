@@ -58,9 +58,12 @@ enum class LinkEvent {
     ServicesChanged,
     ServiceStrength,
     ServiceError,
-    /** The service's "IPv4" changed and contains an address; each interface has its own rule. */
+    /**
+     * The service's "IPv4" changed and contains an address. For Ethernet it must also contain a
+     * netmask.
+     */
     ServiceAddress,
-    /** The service's "IPv4" changed and contains no address. */
+    /** The service's "IPv4" changed otherwise; only Ethernet has this event. */
     ServiceIPv4,
     ServiceOther,
     /** ConnMan's reply to Connect is an error that fails the attempt; see failsConnect(). */
@@ -139,7 +142,10 @@ enum class LinkAction {
     AskListed,
     /** Does ConnMan list a network after power on? NetworksFound, NoNetworkFound. */
     AskFound,
-    /** Switches the technology on: AlreadyOn, or PowerOnAccepted (also after any other error). */
+    /**
+     * Switches the technology on: AlreadyOn if ConnMan replies AlreadyEnabled, otherwise
+     * PowerOnAccepted, even after another error.
+     */
     PowerOn,
     /** Switches the technology off: PowerOffAccepted, PowerOffRefused. */
     PowerOff,
@@ -269,8 +275,8 @@ LinkStep next(const LinkTable &table, Link link, LinkEvent event);
 /**
  * Runs the state machine that a LinkTable describes.
  *
- * The link enters its next state before the row's actions are carried out, in order. The result of
- * an action is handled completely before the next action.
+ * The link first enters its next state. Then the row's actions are carried out in order. The result
+ * of an action is handled completely before the next action.
  */
 class LinkMachine
 {
