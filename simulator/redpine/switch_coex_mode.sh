@@ -34,7 +34,8 @@ end_program() {
 take_access_point_down() {
     end_program hostapd
     end_program dhcpd
-    ip link delete wifi_ap 2>/dev/null
+    # Without need, "ip" would wait for the kernel's lock on all network interfaces of the machine.
+    [ ! -e /sys/class/net/wifi_ap ] || ip link delete wifi_ap 2>/dev/null
 }
 
 await() {
