@@ -1,14 +1,14 @@
 #include "hands.h"
 #include "panelwidget.h"
-#include "trafficlog.h"
+#include "panelwindow.h"
 
 #include <QApplication>
 #include <QCommandLineParser>
 #include <QElapsedTimer>
 #include <QFile>
-#include <QSplitter>
 
 #include <iostream>
+#include <memory>
 
 namespace
 {
@@ -98,34 +98,19 @@ int main(int argc, char *argv[])
                                   QStringLiteral("[-- COMMAND...]"));
     options.process(application);
 
-    PanelWidget panel(QStringLiteral(":/panel.svg"));
-    if (!panel.isGood())
+    auto panel = std::make_unique<PanelWidget>(QStringLiteral(":/panel.svg"));
+    if (!panel->isGood())
         return fail(QStringLiteral("panel.svg is no drawing"));
-    QSize wanted = panel.sizeHint();
+    QSize wanted = panel->sizeHint();
     if (options.isSet(size)) {
         wanted = sizeOf(options.value(size));
         if (wanted.isEmpty())
             return fail(QStringLiteral("--size is as in 1280x800"));
     }
     if (options.isSet(picture))
-        return takePicture(panel, options.positionalArguments(), options.value(picture), wanted);
+        return takePicture(*panel, options.positionalArguments(), options.value(picture), wanted);
 
-    TrafficLog log;
-    log.setIgnored(panel.daemonView().ownName());
-    QObject::connect(&panel, &PanelWidget::busCame, &log,
-                     [&] { log.setIgnored(panel.daemonView().ownName()); });
-    QObject::connect(&panel, &PanelWidget::commandRan, &log, &TrafficLog::note);
-    QSplitter window;
-    window.setWindowTitle(QStringLiteral("Strandel, virtual instrument"));
-    window.addWidget(&panel);
-    window.addWidget(&log);
-    window.setStretchFactor(0, 1);
-    window.setSizes({wanted.width(), 420});
-    window.resize(wanted.width() + 420, wanted.height());
+    PanelWindow window(panel.release(), wanted);
     window.show();
-    const int status = QApplication::exec();
-    // The objects are ours: the splitter must not delete them.
-    panel.setParent(nullptr);
-    log.setParent(nullptr);
-    return status;
+    return QApplication::exec();
 }

@@ -7,11 +7,13 @@
 #include "hands.h"
 #include "look.h"
 #include "panelwidget.h"
+#include "panelwindow.h"
 #include "trafficlog.h"
 
 #include <QApplication>
 #include <QComboBox>
 #include <QDBusConnection>
+#include <QDBusConnectionInterface>
 #include <QDBusVariant>
 #include <QDBusVirtualObject>
 #include <QFileDialog>
@@ -63,6 +65,7 @@ private Q_SLOTS:
     void theBusGoesAndComes();
     void theBoardGoesAndComes();
     void theLogShowsTheBusMessages();
+    void theWindowLogsItsCommandsButNotItsCalls();
     void theLogIsClearedAndSaved();
     void theLogKeepsTheNewestLines();
 
@@ -483,6 +486,12 @@ void TestPanel::repliesAndAnnouncementsOfTheDaemonAreShown()
     QCOMPARE(text("WIFIAP-trail"), QStringLiteral("association \u2192 configuration \u2192 ready"));
     // It has no address any more; the state of the others is not its own.
     QCOMPARE(text("WIFIAP-address"), QStringLiteral("no address"));
+    // The panel shows the last four states.
+    QVERIFY(announceLink("WIFIAP", "State", "disconnect"));
+    QVERIFY(
+        shows("WIFIAP-trail", "association \u2192 configuration \u2192 ready \u2192 disconnect"));
+    QVERIFY(announceLink("WIFIAP", "State", "idle"));
+    QVERIFY(shows("WIFIAP-trail", "configuration \u2192 ready \u2192 disconnect \u2192 idle"));
     QCOMPARE(text("WIFI-state"), QStringLiteral("online"));
     QVERIFY(shows("strength-text", "61 %"));
 
@@ -499,6 +508,23 @@ void TestPanel::repliesAndAnnouncementsOfTheDaemonAreShown()
     QVERIFY(announceLink("WIFI", "State", "disconnect"));
     QVERIFY(shows("WIFI-state", "disconnect"));
     QCOMPARE(panel->instrument().joinedService, QString());
+
+    // Another error is an answer: the panel does not ask again.
+    scripted.error = QDBusError::AccessDenied;
+    scripted.replies.clear();
+    panel->askAgain();
+    QTRY_VERIFY_WITH_TIMEOUT(panel->isComplete(), deadlineMs);
+    // A second daemon takes over without a moment between them: nothing of the first is kept.
+    QCOMPARE(text("daemon-profile"), QStringLiteral("profile user4"));
+    QDBusConnection second = QDBusConnection::connectToBus(QDBusConnection::SystemBus, "second");
+    QVERIFY(second.interface()->registerService(BoardManager::service(),
+                                                QDBusConnectionInterface::QueueService));
+    QVERIFY(bus.unregisterService(BoardManager::service()));
+    QVERIFY(shows("WIFI-state", "idle"));
+    QCOMPARE(text("daemon-text"), QStringLiteral("on the bus"));
+    QCOMPARE(text("daemon-profile"), QString());
+    QCOMPARE(text("battery-status"), QStringLiteral("nothing"));
+    QDBusConnection::disconnectFromBus("second");
     bus.unregisterObject("/", QDBusConnection::UnregisterTree);
 }
 
@@ -633,7 +659,9 @@ void TestPanel::theBusGoesAndComes()
     QVERIFY(shows("daemon-text", "away"));
     startDaemon();
     QVERIFY(shows("daemon-text", "on the bus"));
-    const TrafficLog log;
+    auto *shown = new PanelWidget(DRAWING);
+    const PanelWindow window(shown, {640, 400});
+    const auto *log = window.findChild<TrafficLog *>();
     const QSignalSpy came(panel.get(), &PanelWidget::busCame);
 
     bus.kill();
@@ -652,9 +680,26 @@ void TestPanel::theBusGoesAndComes()
     // The log monitors the new bus.
     const auto isLogged = [&] {
         panel->askAgain();
-        return QTest::qWaitFor([&] { return log.text().contains("getUser"); }, 500);
+        return QTest::qWaitFor([&] { return log->text().contains("getUser"); }, 500);
     };
     QVERIFY(QTest::qWaitFor(isLogged, deadlineMs));
+    // It still leaves out the calls of its panel, which has another name there.
+    const QDBusConnection client = QDBusConnection::connectToBus(address, "client");
+    const auto callsBefore = [&](const char *led) {
+        QDBusMessage call =
+            QDBusMessage::createMethodCall(BoardManager::service(), "/KyDeviceMgr",
+                                           BoardManager::service() + ".LED", "setLEDStatus");
+        client.send(call << led << "OFF");
+        const bool isThere = QTest::qWaitFor([&] { return log->text().contains(led); }, deadlineMs);
+        return isThere ? log->text().count("call    Users.getUser") : -1;
+    };
+    QTRY_VERIFY_WITH_TIMEOUT(panel->isComplete() && shown->isComplete(), deadlineMs);
+    const int calls = callsBefore("WPS");
+    QVERIFY(calls > 0);
+    shown->askAgain();
+    QTRY_VERIFY_WITH_TIMEOUT(shown->isComplete(), deadlineMs);
+    QCOMPARE(callsBefore("RECORDING"), calls);
+    QDBusConnection::disconnectFromBus("client");
     panel.reset();
     other.kill();
     other.waitForFinished();
@@ -742,6 +787,35 @@ void TestPanel::theLogShowsTheBusMessages()
     QVERIFY(log.text().contains("LED."));
     log.showInterface(QString());
     QVERIFY(log.text().contains("LED."));
+}
+
+void TestPanel::theWindowLogsItsCommandsButNotItsCalls()
+{
+    auto *shown = new PanelWidget(DRAWING);
+    const PanelWindow window(shown, {640, 400});
+    const auto *log = window.findChild<TrafficLog *>();
+    const auto has = [&](const QString &part, int milliseconds = deadlineMs) {
+        return QTest::qWaitFor([&] { return log->text().contains(part); }, milliseconds);
+    };
+    // The log is subscribed once it has shown a message.
+    QVERIFY(QTest::qWaitFor(
+        [&] {
+            leds.call("setLEDStatus", {"WPS", "OFF"});
+            return has("WPS", 200);
+        },
+        deadlineMs));
+    shown->run("true >/run/log-test");
+    QCOMPARE(log->text().count("$ ./run -- sh -c 'true >/run/log-test'"), 1);
+    QTRY_VERIFY_WITH_TIMEOUT(!shown->isBusy() && shown->isComplete(), deadlineMs);
+    shown->askAgain();
+    QTRY_VERIFY_WITH_TIMEOUT(shown->isComplete(), deadlineMs);
+    leds.call("setLEDStatus", {"WIFI", "ON"});
+    QVERIFY(has("\"WIFI\", \"ON\""));
+    QVERIFY(!log->text().contains("getUser"));
+    // The same calls of another panel are shown.
+    panel->askAgain();
+    QVERIFY(has("call    Users.getUser()"));
+    removePath("/run/log-test");
 }
 
 void TestPanel::theLogIsClearedAndSaved()
