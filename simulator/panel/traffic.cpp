@@ -107,11 +107,10 @@ bool Traffic::take(const QJsonObject &message, const QString &ignored, TrafficLi
         const Call call = takeCall(receiver, field("reply_cookie").toInt());
         line.interface = call.interface;
         line.member = call.member;
-        if (type == QLatin1String("method_error") || type == QLatin1String("error")) {
+        if (type == QLatin1String("error")) {
             line.kind = TrafficLine::Error;
-            line.values = (field("error").toString() + field("error_name").toString() +
-                           QLatin1Char(' ') + line.values)
-                              .trimmed();
+            line.values =
+                (field("error_name").toString() + QLatin1Char(' ') + line.values).trimmed();
         }
     }
     if (line.interface.startsWith(ownPrefix))
