@@ -57,7 +57,9 @@ private Q_SLOTS:
     void commandsAreShownAsTheyAreTyped();
     void commandsQuoteAnyName();
     void everyOperationOfTheLibrariesCanFail();
+    void everyChoiceOfTheMenuHasItsCommand();
     void everyCommandOfTheMenuFitsIntoItsLine();
+    void theLastCommandAndItsResultAreShown();
     void messagesAreLines_data();
     void messagesAreLines();
     void repliesBearTheNameOfTheirCall();
@@ -436,11 +438,13 @@ void TestLook::aPressRunsItsCommand_data()
     row("plug", "charger", 0.5, "charger/present", "0\n", "charger plug");
     row("unplug", "charger", 0.5, "charger/present", "1\n", "charger unplug");
     row("battery", "battery-track", 0.354, "", "", "battery 35");
+    row("battery, rounded up", "battery-track", 0.356, "", "", "battery 36");
     row("dark", "light-track", 0, "", "", "light 1");
     row("light", "light-track", 0.5, "", "", "light 320");
     row("bright", "light-track", 1, "", "", "light 100000");
     row("cold", "temperature-SOM-track", 0, "", "", "temperature SOM -40");
     row("warm", "temperature-ANALOG_CHAIN-track", 1, "", "", "temperature ANALOG_CHAIN 120");
+    row("warmer, rounded up", "temperature-SOM-track", 0.5042, "", "", "temperature SOM 41");
     row("insert", "SD-hand", 0, "storage/SD/inserted", "0", "storage insert SD");
     row("the card itself", "SD", 0, "storage/SD/inserted", "0", "storage insert SD");
     row("pull", "USB-hand", 0, "storage/USB/inserted", "1", "storage remove USB");
@@ -454,6 +458,8 @@ void TestLook::aPressRunsItsCommand_data()
     row("restart", "daemon-restart", 0, "", "", "daemon restart");
     row("kill", "daemon-kill", 0, "", "", "daemon kill");
     row("far", "air-2-track", 0, "", "", "echo -100 >/run/strandel-air/point1/signal");
+    row("nearer, rounded", "air-1-track", 0.5057, "", "",
+        "echo -65 >/run/strandel-air/point0/signal");
     row("off the air", "air-2-switch", 0, "", "", "echo 0 >/run/strandel-air/point1/in_range");
     row("the menu", "faults", 0, "", "", "");
     row("nothing", "screen", 0, "", "", "");
@@ -478,6 +484,8 @@ void TestLook::aSecondPressUndoesTheFirst()
         instrument.isCableIn = isIn ? 1 : 0;
         instrument.isDhcpMute = instrument.isWifiDhcpMute = isIn ? 0 : 1;
         instrument.air[0].isInRange = isIn;
+        instrument.board["storage/SD/inserted"] = "1";
+        instrument.board["storage/SD/mounted"] = isIn ? "1" : "0";
         const Look look = lookOf(instrument, 0);
         QCOMPARE(look.opacities.value("cable-in") > 0, isIn);
         QCOMPARE(look.opacities.value("cable-out") > 0, !isIn);
@@ -492,6 +500,7 @@ void TestLook::aSecondPressUndoesTheFirst()
         QVERIFY(command("cable").endsWith(isIn ? "ethernet unplug" : "ethernet plug"));
         QVERIFY(command("dhcp").endsWith(isIn ? "ethernet mute" : "ethernet unmute"));
         QVERIFY(command("wifi-dhcp").endsWith(isIn ? "wifi mute" : "wifi unmute"));
+        QCOMPARE(command("SD-mount"), isIn ? "storage unmount SD" : "storage mount SD");
         QVERIFY(command("air-1-switch").startsWith(isIn ? "echo 0 " : "echo 1 "));
     }
 }
@@ -583,6 +592,19 @@ void TestLook::everyOperationOfTheLibrariesCanFail()
     QCOMPARE(faultOperations(), operations);
 }
 
+void TestLook::everyChoiceOfTheMenuHasItsCommand()
+{
+    QStringList choices;
+    for (const FaultChoice &choice : faultChoices)
+        choices << QString(choice.title) + ": " + faultCommand("KyAls.init", choice.words);
+    const QString file = " >/run/strandel-board/faults/KyAls.init";
+    QCOMPARE(choices, QStringList({"fails: echo always" + file, "fails once: echo 1" + file,
+                                   "hangs until it is healed: echo hold" + file,
+                                   "takes two seconds: echo delay 2000" + file,
+                                   "lies: echo garbage" + file}));
+    QCOMPARE(healCommand("KyAls.init"), QStringLiteral("rm /run/strandel-board/faults/KyAls.init"));
+}
+
 void TestLook::everyCommandOfTheMenuFitsIntoItsLine()
 {
     for (const QString &operation : faultOperations()) {
@@ -592,9 +614,25 @@ void TestLook::everyCommandOfTheMenuFitsIntoItsLine()
             QCOMPARE(lookOf(instrument, 0).texts.value("command"), instrument.command);
         }
     }
+}
+
+void TestLook::theLastCommandAndItsResultAreShown()
+{
     Instrument instrument;
-    instrument.command = QString(200, 'x');
-    QVERIFY(lookOf(instrument, 0).texts.value("command").endsWith(QChar(0x2026)));
+    const auto text = [&](const char *element) {
+        return lookOf(instrument, 0).texts.value(element);
+    };
+    QCOMPARE(text("command"),
+             QStringLiteral("press or drag something: here is the command for it"));
+    QCOMPARE(text("command-result"), QString());
+    instrument.command = QString(100, 'x');
+    instrument.complaint = QString(60, 'y');
+    QCOMPARE(text("command"), instrument.command);
+    QCOMPARE(text("command-result"), instrument.complaint);
+    instrument.command += 'x';
+    instrument.complaint += 'y';
+    QCOMPARE(text("command"), QString(QString(99, 'x') + QChar(0x2026)));
+    QCOMPARE(text("command-result"), QString(QString(59, 'y') + QChar(0x2026)));
 }
 
 void TestLook::messagesAreLines_data()
