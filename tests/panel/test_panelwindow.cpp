@@ -25,6 +25,9 @@ private Q_SLOTS:
     void aViewerReachesThePanelOverTheNetwork();
     void picturesNeedNoDisplay();
     void wrongOptionsAndFailedCommandsAreReported();
+    void theCommandLineIsChecked_data();
+    void theCommandLineIsChecked();
+    void aFailedCommandLeavesThePictureAsItWas();
     void thePicturesInTheDocumentsAreUpToDate_data();
     void thePicturesInTheDocumentsAreUpToDate();
 
@@ -323,6 +326,43 @@ void TestPanelWindow::wrongOptionsAndFailedCommandsAreReported()
                  "panel: cannot write /none/file\n1\n"
                  "panel: there is no display; --picture FILE needs none, nor does "
                  "QT_QPA_PLATFORM=vnc (docs/your-application.md)\n");
+}
+
+void TestPanelWindow::theCommandLineIsChecked_data()
+{
+    QTest::addColumn<QString>("complaint");
+    QTest::newRow("--picture") << "instrument: --picture needs a value";
+    QTest::newRow("--panel --size") << "instrument: --size needs a value";
+    QTest::newRow("--panel -- true") << "instrument: the panel is a command of its own";
+    QTest::newRow("--size 640x400 true") << "instrument: the panel is a command of its own";
+    QTest::newRow("--picture /none/none/file") << "realpath: ";
+}
+
+void TestPanelWindow::theCommandLineIsChecked()
+{
+    QFETCH(QString, complaint);
+    QProcess run;
+    run.start(RUN, command(QString(QTest::currentDataTag()).split(' ')));
+    QVERIFY(run.waitForFinished(deadlineMs));
+    QCOMPARE(run.exitCode(), 2);
+    const QString said = QString::fromUtf8(run.readAllStandardError());
+    QVERIFY2(said.startsWith(complaint), qPrintable(said));
+    QCOMPARE(run.readAllStandardOutput(), QByteArray());
+}
+
+void TestPanelWindow::aFailedCommandLeavesThePictureAsItWas()
+{
+    const QTemporaryDir directory;
+    const QString file = directory.path() + "/panel.png";
+    writeFile(file, "before");
+    QProcess run;
+    run.start(RUN, command({"--handle", directory.path() + "/handle", "--size", "640x400",
+                            "--picture", file, "--", "sh", "-c", "exit 3"}));
+    QVERIFY(run.waitForFinished(deadlineMs));
+    QCOMPARE(run.exitCode(), 1);
+    QVERIFY(run.readAllStandardError().contains("panel: ended with status 3\n"));
+    QCOMPARE(readFile(file), QByteArray("before"));
+    QVERIFY(!QFile::exists(file + ".part"));
 }
 
 /** Compares small squares, which tolerate slightly different text rendering. */
