@@ -484,7 +484,7 @@ void TestPanel::repliesAndAnnouncementsOfTheDaemonAreShown()
         QVERIFY(announceLink("WIFIAP", "State", state));
     QVERIFY(shows("WIFIAP-state", "ready"));
     QCOMPARE(text("WIFIAP-trail"), QStringLiteral("association \u2192 configuration \u2192 ready"));
-    // It has no address any more; the state of the others is not its own.
+    // Its address is gone; the states of the other links stay.
     QCOMPARE(text("WIFIAP-address"), QStringLiteral("no address"));
     // The panel shows the last four states.
     QVERIFY(announceLink("WIFIAP", "State", "disconnect"));
