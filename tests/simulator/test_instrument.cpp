@@ -115,11 +115,13 @@ void TestInstrument::theDaemonGoesAwayAndComesBack()
 void TestInstrument::aCrashedDaemonIsStartedAgain()
 {
     QCOMPARE(
-        output({"sh", "-c",
-                "cd " TREE "/simulator; for crash in 1 2 3; do crashed=$(pidof KyBoardManager); "
-                "kill -KILL $crashed; while [ -e /proc/$crashed ]; do :; done; ./daemon start; "
-                "[ $(cat /run/KyBoardManager.pid) = $(pidof KyBoardManager) ] "
-                "&& echo $crash; done; grep -c 'status 137' /run/KyBoardManager.log"}),
+        output(
+            {"sh", "-c",
+             "cd " TREE
+             "/simulator; for crash in 1 2 3; do crashed=$(cat /run/KyBoardManager.pid) || exit; "
+             "kill -KILL $crashed; while [ -e /proc/$crashed ]; do :; done; ./daemon start; "
+             "[ $(cat /run/KyBoardManager.pid) = $(pidof KyBoardManager) ] "
+             "&& echo $crash; done; grep -c 'status 137' /run/KyBoardManager.log"}),
         QStringLiteral("1\n2\n3\n3\n"));
 }
 
