@@ -19,7 +19,7 @@ const QString daemonService = QStringLiteral("com.orvendis.Strandel.BoardManager
 
 namespace
 {
-/** The longest time that a method of the daemon can take. */
+/** The timeout of a call, see setCallTimeout(). */
 int replyTimeoutMs = 60000;
 
 /** The address of the selected bus; empty for the system bus of this machine. */
@@ -58,8 +58,8 @@ QString userName()
 }
 
 /**
- * Returns true if this user is root or in the group strandel, which the bus policy lets call the
- * daemon.
+ * Returns true if this user is root or in the group strandel. The bus policy lets nobody else call
+ * the daemon.
  */
 bool isMember()
 {
@@ -154,8 +154,9 @@ Answer send(const QDBusMessage &message, QDBusMessage *whole)
     if (whole)
         *whole = reply;
     if (reply.type() == QDBusMessage::ErrorMessage) {
-        // The bus sends the same error immediately when the daemon ends. Only the time
-        // distinguishes a timeout; Qt's timer is coarse, so 90 % of it is enough.
+        // A timeout is the error NoReply. If the daemon ends during the call, the bus sends the
+        // same error at once: only the elapsed time tells the two apart. Qt's timers are coarse, so
+        // 90 % of the timeout is enough.
         if (timer.hasExpired(qint64(replyTimeoutMs) / 10 * 9))
             return {OutcomeMissing,
                     {},

@@ -17,12 +17,12 @@ constexpr char devicePath[] = "/KyDeviceMgr";
 enum ExitStatus {
     Success = 0,
     DaemonError = 1,     ///< the daemon or the bus replied with an error
-    BadUsage = 2,        ///< wrong command line; nothing was sent
+    BadUsage = 2,        ///< wrong command line, or a wrong file in it; nothing was sent
     DaemonAway = 3,      ///< no bus, or the daemon is not on it
     InterfaceAbsent = 4, ///< this model has no such interface
-    OutcomeFailed = 5,   ///< the operation ended in "failure"
+    OutcomeFailed = 5,   ///< the operation failed
     OutcomeMissing = 6,  ///< no reply, or no outcome of the operation, in time
-    OutputLost = 7,      ///< the call succeeded, but standard output is not writable
+    OutputLost = 7,      ///< the call succeeded, but stdout or the file cannot be written
     NothingThere = 8,    ///< no value: not connected, no such hardware
     NotConfirmed = 9,    ///< a destructive command was not confirmed; nothing was sent
     RecordInvalid = 10,  ///< a record in the EEPROM is invalid
@@ -54,7 +54,7 @@ void selectBus(const QString &address);
  */
 void selectHost(const QString &host);
 
-/** Returns the selected bus, to which the first call connects. */
+/** Returns the selected bus. The first call of this function connects to it. */
 QDBusConnection bus();
 
 /** Sets the timeout of all further calls; a minute by default. */

@@ -5,7 +5,8 @@
 namespace
 {
 /**
- * Escapes a value of a D-Bus address: writes most bytes except letters and digits in hexadecimal.
+ * Escapes a value of a D-Bus address. Letters, digits and "-_/." stay; every other byte becomes a
+ * percent sign with two hexadecimal digits.
  */
 QString escaped(const QString &text)
 {

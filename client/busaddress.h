@@ -4,10 +4,10 @@
 #include <QString>
 
 /**
- * Returns the D-Bus address of the system bus of @p host. ssh runs systemd-stdio-bridge on that
- * machine and connects the program's stdin and stdout, like systemd's own tools.
+ * Returns the D-Bus address of the system bus of @p host. As in systemd's own tools, ssh runs
+ * systemd-stdio-bridge on that machine, whose stdin and stdout carry the messages.
  *
- * @param host HOST or USER@HOST, as for ssh, which never parses it as an option
+ * @param host HOST or USER@HOST, as for ssh; ssh never parses @p host as an option
  */
 QString addressOfHost(const QString &host);
 

@@ -9,7 +9,7 @@ struct BusFault {
     QString bus;
     /** The bus's address; empty for another machine's bus, which is reached through ssh. */
     QString address;
-    /** True if the connection succeeded. */
+    /** True if the connection to the bus succeeded. */
     bool isJoined;
     /** The user of the program; empty for another machine's bus. */
     QString user;

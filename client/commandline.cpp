@@ -9,7 +9,7 @@
 
 namespace
 {
-/** More than any file of numbers needs: limits the read if the name is that of another file. */
+/** Longer than any file of numbers. Limits the read if the user names a wrong file. */
 constexpr qint64 longestFileBytes = 65536;
 
 bool isSecret(const Argument &argument)

@@ -16,7 +16,7 @@ enum class Kind {
     Switch,      ///< "on" or "off"; a boolean on the bus
     Hex16,       ///< up to four hexadecimal digits; sent as text
     Bytes,       ///< at most Argument::maximum printable ASCII characters; sent as bytes
-    Numbers,     ///< Argument::maximum whole numbers separated by commas, or @FILE; an array of u
+    Numbers,     ///< Argument::maximum whole numbers separated by commas, or @FILE; sent as au
     SecretBytes, ///< like Bytes, but read from a prompt or stdin, never from the command line
     Settings,    ///< KEY=VALUE arguments, see Argument::keys
     Choices,     ///< any number of Argument::choices; a list of texts
@@ -34,7 +34,7 @@ struct Argument {
     /** Key of Settings: true if the key is mandatory. */
     bool required;
     /**
-     * Text: returns true if @p word is valid; null if any word is valid. @ref wanted describes
+     * Text: returns true if @p word is valid; null if every word is. @ref wanted describes the
      * valid words.
      */
     bool (*accepts)(const QString &word);
@@ -103,11 +103,11 @@ struct Command {
     QString method;
     QString property;
     QVector<Argument> arguments;
-    /** Without states for a scan, which ends with a list of networks. */
+    /** A scan ends with a list of networks, so its states are empty. */
     Outcome outcome;
     /** The question to confirm before the call is sent; empty if the command destroys nothing. */
     QString question = {};
-    /** The text for an empty answer; empty if an answer is never empty. */
+    /** The text to print for an empty answer; empty if no answer is empty. */
     QString nothing = {};
     /** True if the answer is a map. --field selects one entry. */
     bool hasFields = false;
@@ -122,7 +122,7 @@ struct Command {
     /** The keys of the answer whose values are shown only on request. */
     QStringList secrets = {};
 
-    /** Returns true if the command only starts an operation, whose outcome signals announce. */
+    /** Returns true if the command only starts an operation; signals announce its outcome. */
     bool isOperation() const { return outcome.seconds > 0; }
 };
 

@@ -112,8 +112,8 @@ QStringList candidatesAfter(const QStringList &before, const Command &command)
 }
 
 /**
- * Returns true if completing @p begun may propose @p candidate: first a key with its equals sign,
- * then the key's values.
+ * Returns true if @p candidate is a completion of @p begun. Proposes a key with its equals sign
+ * first, and the values of the key only after that sign.
  */
 bool isNext(const QString &candidate, const QString &begun)
 {

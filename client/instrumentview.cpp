@@ -55,7 +55,7 @@ QString interfaceText(const QVariant &value, const QString &)
              inlineText(interface.value(QStringLiteral("MTU"))));
 }
 
-/** The access point's network interface exists only while the Wi-Fi module is in this mode. */
+/** The access point's interface exists only while the Wi-Fi module is in access-point mode. */
 QString accessPointText(const QVariant &value, const QString &unit)
 {
     return value.toMap().isEmpty() ? QStringLiteral("off") : interfaceText(value, unit);

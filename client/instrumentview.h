@@ -27,7 +27,7 @@ public:
 private:
     Answer askAgain(int index);
 
-    /** In the order of the queries. */
+    /** The answers, in the order of the queries. */
     QVector<Answer> m_answers;
 };
 

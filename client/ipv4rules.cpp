@@ -76,7 +76,7 @@ QString ipv4Disagreement(const QVariantMap &settings)
         return isManual ? QStringLiteral("Address= is missing, which Method=manual needs")
                         : QString();
     const bool hasGateway = settings.contains(QStringLiteral("Gateway"));
-    // Without "Method" = "manual", values that the daemon has stored can replace missing ones.
+    // Without "Method" = "manual", the daemon may have stored the values that are missing here.
     if (!isManual && !settings.contains(QStringLiteral("Netmask")))
         return QString();
     const QVariantMap filled = repairedIPv4(settings);

@@ -8,7 +8,7 @@
 
 /**
  * Returns true if @p text is a host address: IPv4 in its canonical form (no blanks, no leading
- * zeros, four parts), not in the networks 0 and 127, and below 224.
+ * zeros, four parts), whose first part is from 1 to 223, but not 127.
  */
 bool isHostAddress(const QString &text);
 

@@ -9,7 +9,8 @@ _kyboardctl() {
     compadd -S '' -a begun
     [[ -z $candidates ]] || compadd -a candidates
 }
-# Zsh has autoloaded this file as the completion function; otherwise it is sourced.
+# If zsh has autoloaded this file, the file is the completion function: complete now. If the file is
+# sourced, register the function.
 if [[ ${funcstack[1]-} == _kyboardctl ]]; then
     _kyboardctl "$@"
 else

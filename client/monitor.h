@@ -7,7 +7,7 @@
 #include <QObject>
 #include <QStringList>
 
-/** Prints every signal of the daemon as a line with its time, until the program ends. */
+/** Prints the signals of the daemon as they arrive, each as a line with its time. */
 class Monitor : public QObject
 {
     Q_OBJECT

@@ -12,7 +12,7 @@ namespace
 const QString deviceObject = QString::fromLatin1(devicePath);
 const QString version = QStringLiteral("Version");
 
-/** Many times the size of a copy: limits the read if the name is that of another file. */
+/** Many times the size of a copy. Limits the read if the user names a wrong file. */
 constexpr qint64 longestFileBytes = 1 << 20;
 
 ExitStatus read(const char *method, QVariantMap &fields, Answer &answer)

@@ -47,7 +47,7 @@ void clearProgress();
 enum class Consent {
     Given,
     Refused,
-    NobodyThere, ///< standard input is no terminal, or the question could not be seen
+    NobodyThere, ///< standard input is no terminal, or the question cannot be shown
 };
 
 /** Asks @p question on the terminal; only "y" and "yes" count as consent. */

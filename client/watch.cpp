@@ -21,8 +21,8 @@ constexpr int drawingDelayMs = 100;
 constexpr int refreshIntervalMs = 10000;
 
 /**
- * Query the temperatures only as often as the daemon reads them, and not in reply to the signal of
- * Temperature: a query makes the daemon send the signal again to all clients.
+ * Query the temperatures only as often as the daemon checks them by default, and not in reply to
+ * the signal temperatureReached: a query makes the daemon send the signal again to all clients.
  */
 constexpr int refreshesPerTemperatureQuery = 30;
 constexpr char temperature[] = "Temperature";
