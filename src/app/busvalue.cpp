@@ -166,7 +166,7 @@ bool isCompoundStorable(const QDBusArgument &argument)
     const QString signature = argument.currentSignature();
     if (signature.contains(QLatin1Char('h')))
         return false;
-    // For most compounds the signature is enough.
+    // Most compounds need not be read: the signature already shows that they are storable.
     if (!mayBeUnstorable(signature))
         return true;
     bool areStorable = true;

@@ -7,10 +7,10 @@
 /*
  * Safe reading of values from the bus.
  *
- * No other file reads compound values of messages: Qt D-Bus aborts the process when a compound is
- * read as the wrong type, or read twice. Pass every variant, and every map of variants, of a
- * message to one of these functions first. These functions read a copy, so the original can still
- * be read and sent. If a map has several entries with the same key, the last one counts.
+ * Qt D-Bus aborts the process when a compound is read as the wrong type, or read twice. Therefore
+ * pass every variant, and every map of variants, of a message to one of these functions first. They
+ * check the type and read a copy, so the original can still be read and sent. If a map has several
+ * entries with the same key, the last one counts.
  */
 
 /**
@@ -46,11 +46,11 @@ QVariantMap toMap(const QVariant &value);
 QVariantMap sendableMap(const QVariantMap &map);
 
 /**
- * Returns the elements of @p value, an array of numbers of any type, of texts (as) or of variants
- * (av). Returns an empty vector for any other value.
+ * Returns the elements of @p value: an array of texts (as), of variants (av), or of numbers of one
+ * type. Returns an empty vector for any other value.
  *
- * Every element is truncated to its low 32 bits; a floating-point one is rounded. An element that
- * is not a number and not the text of a number becomes 0.
+ * Every element is truncated to its low 32 bits; a floating-point number is rounded. An element
+ * that is neither a number nor the text of a number becomes 0.
  */
 QVector<quint32> toNumbers(const QVariant &value);
 
@@ -64,8 +64,8 @@ QVector<quint32> toNumbers(const QVariant &value);
 QVariantMap storableMap(const QVariantMap &map);
 
 /**
- * Returns a copy of @p value with the same D-Bus type that holds no reference to the message in
- * which it came. Compounds are marshalled again: the copy can be sent, but not read.
+ * Returns a copy of @p value with the same D-Bus type. The copy holds no reference to the message
+ * in which @p value came. Compounds are marshalled again: their copy can be sent, but not read.
  */
 QVariant detachedValue(const QVariant &value);
 

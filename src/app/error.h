@@ -19,8 +19,9 @@ void sendErrorReply(int code, const QString &text, const QDBusMessage &message);
 void sendErrorReply(const QString &name, const QString &text, const QDBusMessage &message);
 
 /**
- * Replies to @p message with the error of @p code and its text from a method's table of failures,
- * unless the code is None. A code that is not in the table gets the text unhandledError.
+ * Replies to @p message with the error of @p code, and with the text of @p code in @p table, a
+ * method's table of failures. A code that is not in the table gets the text unhandledError. Sends
+ * nothing if @p code is None.
  */
 template <size_t Rows>
 void reportFailure(int code, const ErrorText (&table)[Rows], const QDBusMessage &message)

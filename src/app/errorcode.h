@@ -47,7 +47,7 @@ struct ErrorText {
     const char *text;
 };
 
-/** The last sentence of the error text for a code that is not in a method's table. */
+/** The error text for a code that is not in a method's table. */
 constexpr char unhandledError[] = "The error is not handled correctly, please fill a bug report";
 
 /**

@@ -18,19 +18,22 @@ constexpr int mostValuesOfMap = 16 * mostValuesOfEntry;
  * Reads @p argument, an a{sv}, up to the limits above. If a key occurs more than once, its last
  * entry counts.
  *
- * Returns an invalid QVariant for an entry with more than mostValuesOfEntry values, and an empty
- * map for a map with more than mostValuesOfMap values. The function counts such values but does not
- * build them: building 30 MB of small values takes seconds.
+ * An entry with more than mostValuesOfEntry values gets an invalid QVariant. If the whole map has
+ * more than mostValuesOfMap values, the function returns an empty map. It does not build the values
+ * beyond these limits: building 30 MB of small values takes seconds.
  */
 QVariantMap limitedMap(const QDBusArgument &argument);
 
-/** Returns true if @p argument is an a{sv} that limitedMap() reads completely. */
+/**
+ * Returns true if @p argument, an a{sv}, is within mostValuesOfMap. Single entries may exceed
+ * mostValuesOfEntry.
+ */
 bool isWithinLimits(const QDBusArgument &argument);
 
 /**
  * Registers limitedMap() as Qt D-Bus's reader for every a{sv} parameter of a slot.
  *
- * Qt D-Bus reads the parameters before it calls the slot, too early for the slot to check the size.
+ * The slot itself cannot check the size: Qt D-Bus has read the parameters before it calls the slot.
  */
 void limitMaps();
 

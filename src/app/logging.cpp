@@ -11,9 +11,9 @@
 
 void writeWithoutWaiting(int descriptor, const char *text, size_t size)
 {
-    // A pipe that poll() reports as writable accepts PIPE_BUF bytes. Write only half of that: a
-    // signal handler may write its own short line before this write. The file descriptor must stay
-    // blocking, because other processes share it.
+    // A pipe that poll() reports as writable accepts PIPE_BUF bytes. Write only half as many: a
+    // signal handler may write its own short line between poll() and write(). The file descriptor
+    // must stay blocking, because other processes share it.
     const size_t most = PIPE_BUF / 2;
     while (size > 0) {
         pollfd ready = {descriptor, POLLOUT, 0};

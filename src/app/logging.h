@@ -10,9 +10,9 @@
 void writeWithoutWaiting(int descriptor, const char *text, size_t size);
 
 /**
- * Logs messages to stderr in Qt's format without ever blocking on a full pipe, and prevents SIGPIPE
- * from ending the process when the pipe has no reader. Child processes have SIGPIPE's default
- * disposition.
+ * Makes Qt log to stderr, in its usual format, without ever blocking on a full pipe. Also prevents
+ * SIGPIPE from ending the process when the pipe has no reader. Child processes have SIGPIPE's
+ * default disposition.
  */
 void logWithoutWaiting();
 

@@ -53,7 +53,8 @@ int main(int argc, char *argv[])
 
     if (!bus.registerService(QStringLiteral("com.orvendis.Strandel.BoardManager"))) {
         qDebug() << bus.lastError().message();
-        // Do not return: the destructors of the roots would wait for the next kernel event.
+        // Do not return: the destructors of the root objects would wait for the thread
+        // KySdcardThread, which ends only after the next kernel event.
         std::exit(EXIT_FAILURE);
     }
     bus.registerObject(QStringLiteral("/KyConfigMgr"), &configRoot,

@@ -8,9 +8,9 @@ class QDBusConnection;
  * in them, for @p bus.
  *
  * libdbus stops reading while more than 63 MB of messages are still referenced. Qt D-Bus cannot
- * resume reading: it enables the socket notifier in the thread that released the last message. That
- * is not the notifier's own thread, so the connection never reads again. MemoryMax in the systemd
- * unit limits the memory instead.
+ * resume reading: it enables the socket notifier in the thread that released the last message, but
+ * the notifier belongs to another thread. So the connection never reads again. Without libdbus's
+ * limits, MemoryMax in the systemd unit limits the memory.
  *
  * Does nothing if @p bus is not connected, or if libdbus is not loaded as a shared library.
  */

@@ -13,9 +13,9 @@ class QString;
 /**
  * Opens the regular file @p path for writing; creates it if it is missing.
  *
- * Safe in directories that other accounts can write to: fails for a symbolic link in the last
- * component, for an untrusted one before it (see trustedpath.h), for a file with several hard
- * links, and for a FIFO or device, without blocking.
+ * Safe in directories that other accounts can write to. Fails if the last component is a symbolic
+ * link, if an earlier component is an untrusted symbolic link (see trustedpath.h), or if the file
+ * has several hard links. Fails without blocking for a FIFO or device.
  *
  * @param flags open flags besides those for writing and creating; O_TRUNC takes effect only if the
  *         file is a regular one
@@ -25,8 +25,10 @@ class QString;
 Descriptor openRegularFile(const char *path, int flags, mode_t mode);
 
 /**
- * Opens the regular file @p path for reading, and follows symbolic links. Returns false for any
- * other kind of file: a FIFO could block the reader, and a device may have no end.
+ * Opens the regular file @p path for reading, and follows symbolic links.
+ *
+ * @return false on failure, and for any other kind of file: a FIFO could block the reader, and a
+ *         device may have no end
  */
 bool openForReading(QFile &file, const QString &path, QIODevice::OpenMode mode);
 

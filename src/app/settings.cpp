@@ -35,8 +35,8 @@ bool isRegularFilePossible()
 }
 
 /**
- * Returns the settings file if it is usable, otherwise a path that can never exist: QSettings
- * creates missing directories.
+ * Returns the path of the settings file if the file is usable, otherwise a path at which no file
+ * can be created. QSettings would create the missing directories of an ordinary path.
  */
 QString usableSettingsFile()
 {

@@ -8,8 +8,8 @@
  * The daemon's settings file, "/opt/settings.ini".
  *
  * A missing, unreadable or malformed file counts as an empty one: every reader passes the default
- * of its key. Each adaptor reads its settings in its constructor, so a change takes effect at the
- * next start of the daemon.
+ * of its key. The backlight and the light sensor read their settings in their constructors, so a
+ * change of the file takes effect at the next start of the daemon.
  */
 class Settings : public QSettings
 {

@@ -26,7 +26,7 @@ namespace
 /** The interval of calls to the bus until it answers. */
 constexpr int retryMs = 250;
 
-/** Writes @p text to systemd's notification socket: a path, or "@" and an abstract name. */
+/** Writes @p text to systemd's socket; NOTIFY_SOCKET is its path, or "@" and an abstract name. */
 void notifySystemd(const QByteArray &text)
 {
     const QByteArray name = qgetenv("NOTIFY_SOCKET");

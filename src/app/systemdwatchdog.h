@@ -8,8 +8,8 @@
  * Returns the interval of pings to systemd's watchdog in milliseconds, 0 for none.
  *
  * The interval is an eighth of the timeout, which is 30 s in the service unit. A call that ConnMan
- * does not answer blocks the main loop for 25 s: even with one interval before it, this is less
- * than the timeout.
+ * does not answer blocks the main loop for 25 s. These 25 s and one interval before them are
+ * together shorter than the timeout.
  *
  * @param allowed the value of WATCHDOG_USEC, microseconds
  * @param process the value of WATCHDOG_PID; if set, the watchdog belongs to that process only
@@ -40,7 +40,7 @@ private:
 /**
  * Pings systemd's watchdog once, if the bus answers within 5 s.
  *
- * Use it after a long blocking call: another one may follow before the main loop can run
+ * Use it after a long blocking call: another blocking call may follow before the main loop can run
  * SystemdWatchdog's timer.
  */
 void pingSystemdMeanwhile();

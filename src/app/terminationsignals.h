@@ -4,12 +4,12 @@
 #include <csignal>
 
 /**
- * Makes the calling thread, the main one, receive every termination signal and end the process, as
- * the default disposition would. Ignored signals stay ignored. Child processes get the default
- * dispositions, because exec() resets handlers.
+ * Makes the calling thread, which must be the main thread, receive every termination signal. The
+ * signal then ends the process, as the default disposition would. Ignored signals stay ignored.
+ * Child processes get the default dispositions, because exec() resets handlers.
  *
- * Without these handlers, the kernel could deliver a signal to another thread while the main thread
- * blocks it (see HeldTermination).
+ * Without these handlers, the kernel could deliver a signal to another thread, and end the process
+ * although the main thread blocks the signal (see HeldTermination).
  */
 void catchTerminationSignals();
 

@@ -11,15 +11,15 @@ class QString;
  * Opening paths through directories that other accounts may own.
  *
  * A symbolic link anywhere in the path is followed only if root or the daemon's user owns it, so no
- * other account can redirect us. Each component is looked up in an open directory, so a concurrent
- * swap of a directory for a link has no effect.
+ * other account can redirect us. Each component is looked up in the open directory before it, so
+ * another account gains nothing by replacing a directory with a link meanwhile.
  */
 
 /**
  * Opens @p path relative to the directory @p from, with open flags @p flags.
  *
- * @return on failure no descriptor, with error() EPERM for a link that must not be followed, ELOOP
- *         for a loop of links, otherwise the errno of the call that failed
+ * @return on failure no descriptor; error() is then EPERM for a link that must not be followed,
+ *         ELOOP for a loop of links, otherwise the errno of the call that failed
  */
 Descriptor openTrusted(int from, QByteArray path, int flags);
 
