@@ -4,7 +4,7 @@
 # are, and in what they prepare.
 
 # Sets "command" to the command to run in the instrument, "instrument_options" to the options of a new
-# instrument, "own_handle" to the handle of --handle, "panel" if the command is the front panel, and
+# instrument, "own_handle" to the FILE of --handle, "panel" if the command is the front panel, and
 # "picture" to the file for a picture of it. Exits after --help and on an error.
 # usage: parse_command_line NAME DOCUMENTS [ARGUMENT...]
 parse_command_line() {
@@ -41,7 +41,7 @@ parse_command_line() {
             panel=yes
             case $1 in
             --size) size=$2 ;;
-            # Relative to the caller's directory, which we may have left.
+            # FILE is relative to the caller's directory, which we may have left.
             --picture) picture=$(cd "${from:-.}" && realpath "$2") || exit 2 ;;
             esac
             shift 2
@@ -86,9 +86,10 @@ $INSTRUMENT_DOCUMENTS/virtual-instrument.md describes the instrument.
 EOT
 }
 
-# Replaces this process by the instrument, or by the command in it. Joins a running instrument that
-# has the handle of --handle, otherwise HANDLE. An instrument that runs only for a command has no
-# handle. usage: start_instrument HANDLE WORLD_OPTION...
+# Replaces this process by the instrument, or by the command in it. Joins the running instrument whose
+# handle is the FILE of --handle, or HANDLE without that option. If none runs, starts an instrument,
+# which writes its handle unless it runs only for a command, without --handle and --panel.
+# usage: start_instrument HANDLE WORLD_OPTION...
 start_instrument() {
     local handle=${own_handle:-$1} here
     here=$(dirname "${BASH_SOURCE[0]}")
@@ -102,14 +103,14 @@ start_instrument() {
         fi
         set -- "$@" --display --join "$handle" -- "${command[@]}"
     else
-        # An instrument that runs until it is stopped can be joined.
+        # Without a command, the instrument runs until it is stopped: let other commands join it.
         if [ ${#command[@]} -eq 0 ] || [ -n "$own_handle$panel" ]; then
             set -- "$@" --handle "$handle"
         fi
         set -- "$@" --display -- "$here/instrument" "${instrument_options[@]}" "${command[@]}"
     fi
     [ -n "$picture" ] || exec "$here/world" "$@"
-    # The world hides many of the machine's directories.
+    # Write the file outside of the world, which hides many of the machine's directories.
     "$here/world" "$@" >"$picture.part" || { rm -f "$picture.part" && exit 1; }
     mv "$picture.part" "$picture"
 }

@@ -14,12 +14,13 @@ count_servers() {
 }
 
 # start_server PIDFILE INTERFACE NETWORK: gives the interface, which must be up, the first address of the
-# network (such as 10.77.0), and starts a server that leases 50 to 99.
+# network (such as 10.77.0), and starts a server that
+# leases the addresses .50 to .99.
 # In the foreground the server keeps its user and groups, which an ordinary user's world cannot change.
 start_server() {
     ip -n peer address add "$3.1/24" dev "$2"
-    # A veth leaves checksums to hardware that does not exist; ConnMan drops DHCP offers without
-    # one.
+    # By default a veth leaves checksums to hardware, which it does not have. ConnMan drops DHCP
+    # offers without a checksum.
     ip netns exec peer ethtool --offload "$2" tx off >/dev/null
     servers=$(count_servers)
     ip netns exec peer dnsmasq --no-daemon --conf-file=/dev/null --user=root --port=0 \
@@ -28,7 +29,7 @@ start_server() {
         --dhcp-option=option:router,"$3.1" --dhcp-option=option:dns-server,"$3.1" \
         --dhcp-leasefile="$1.leases" >"$1.log" 2>&1 &
     echo $! >"$1"
-    # Wait until the server listens: ConnMan's first request would be lost.
+    # Wait until the server listens: otherwise ConnMan's first request would be lost.
     attempt=0
     until [ "$(count_servers)" -gt "$servers" ]; do
         attempt=$((attempt + 1))

@@ -2,8 +2,8 @@
 # Switches the simulated Wi-Fi module: 0 nothing, 1 station, 2 access point. The access point is an
 # interface "wifi_ap" with hostapd and dhcpd on it; every other mode removes it.
 #
-# It logs "start MODE" and "end MODE" in /run/strandel-redpine/log. Files beside the log change its
-# behaviour:
+# It logs "start MODE" and "end MODE" in /run/strandel-redpine/log. Files beside the log change the
+# script's behaviour:
 #   hold          a FIFO: waits until a line is written to it
 #   delay         takes this many seconds longer
 #   fail          exits with this status and switches nothing
@@ -34,7 +34,7 @@ end_program() {
 take_access_point_down() {
     end_program hostapd
     end_program dhcpd
-    # Without need, "ip" would wait for the kernel's lock on all network interfaces of the machine.
+    # Call "ip" only if needed: it waits for the kernel's lock on all network interfaces of the machine.
     [ ! -e /sys/class/net/wifi_ap ] || ip link delete wifi_ap 2>/dev/null
 }
 
@@ -51,8 +51,8 @@ has_carrier() {
     ip link show dev wifi_ap | grep -q 'state UP'
 }
 
-# The interface needs the other end of the pair (the "air") for its carrier. The kernel reports the
-# carrier after "ip" has returned.
+# wifi_ap has a carrier only while the other end of the pair, wifi_air, is up. The kernel reports the
+# carrier after "ip" has returned, so wait for it.
 bring_interface_up() {
     ip link add wifi_ap address 02:aa:bb:cc:dd:03 type veth peer name wifi_air
     ip address add "$address/24" dev wifi_ap
