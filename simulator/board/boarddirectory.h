@@ -8,8 +8,9 @@
 /**
  * The directory that is the simulated board: small text files, one for each value.
  *
- * STRANDEL_BOARD names it, /run/strandel-board is the default. Files have relative paths, for
- * example "als/lux". Any number of processes and threads may use the directory at the same time.
+ * The environment variable STRANDEL_BOARD names the directory; the default is /run/strandel-board.
+ * Files have relative paths, for example "als/lux". Any number of processes and threads may use the
+ * directory at the same time.
  */
 namespace board
 {

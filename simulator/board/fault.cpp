@@ -84,7 +84,7 @@ Fault takeFault(const std::string &operation)
         return {};
     const Lock lock;
     const std::optional<std::string> words = readText(file);
-    // Another call may have removed the file when it used the last fault.
+    // Meanwhile another call may have taken the last fault and removed the file.
     if (!words && access(path.c_str(), F_OK) != 0)
         return {};
     FaultWords asked = parseFault(words.value_or(std::string()));

@@ -15,7 +15,7 @@ struct Fault {
     };
 
     Kind kind = None;
-    /** The duration of the call in milliseconds. */
+    /** How long the call waits before it works or fails, in milliseconds. */
     long long delay = 0;
     /** True if the call blocks until the fault's file is removed. */
     bool isHeld = false;

@@ -6,9 +6,8 @@
 namespace board
 {
 /**
- * Appends @p line, which describes one library call, for example "KyLeds.setLedState(18, 3) = 0",
- * to the board's journal, preceded by the current time. Does nothing unless the file "journal"
- * exists.
+ * Appends the monotonic time and @p line to the board's journal. @p line describes one library
+ * call, for example "KyLeds.setLedState(18, 3) = 0". Does nothing unless the file "journal" exists.
  */
 void writeJournal(const std::string &line);
 } // namespace board

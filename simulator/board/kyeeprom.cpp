@@ -62,7 +62,7 @@ bool writeBytes(e_eeprom number, const std::string &bytes, unsigned int offset)
     return writeFile(eeprom->file, *image);
 }
 
-/** Returns the bytes to write; at most as many as the largest EEPROM holds. */
+/** Returns the bytes to write; none if they are more than the largest EEPROM holds. */
 Bytes given(const char *bytes, unsigned int size)
 {
     return {bytes && size <= measureEepromSize ? std::string(bytes, size) : std::string()};

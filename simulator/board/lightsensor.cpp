@@ -101,7 +101,8 @@ std::optional<float> LightSensor::read()
 {
     const std::lock_guard<std::mutex> guard(m_mutex);
     const std::optional<float> lux = readLux();
-    // While an enabled interrupt is not raised, a read must not make the change count as seen.
+    // While interrupts are enabled and none is raised, a change must still raise one, although the
+    // program has read the new value.
     if (lux && (m_isRaised || !m_isEnabled))
         m_settled = lux;
     return lux;
@@ -218,7 +219,8 @@ void LightSensor::evaluate()
         m_isRaised = false;
     if (!registers->isEnabled || registers->isRaised) {
         m_repetition.reset();
-        // Another process has raised the interrupt on the shared line.
+        // Another process has raised the interrupt in the file als/interrupt: raise it on this
+        // process's line, too.
         if (registers->isEnabled && !m_isRaised)
             raise(registers->lux);
         return;

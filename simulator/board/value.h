@@ -18,7 +18,7 @@ std::optional<std::string> readText(const std::string &file);
  */
 std::optional<long long> readNumber(const std::string &file, long long lowest, long long highest);
 
-/** Returns the same as readNumber(), in a smaller type that can hold @p lowest to @p highest. */
+/** Like readNumber(), with a result of the type @p Number, which must hold the whole range. */
 template <typename Number>
 std::optional<Number> readNumber(const std::string &file, long long lowest, long long highest)
 {

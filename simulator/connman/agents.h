@@ -19,14 +19,10 @@ public:
 
     explicit Agents(QObject *parent);
 
-    /**
-     * @return false if that connection has an agent already
-     */
+    /** Registers an agent. Returns false if that connection has one already. */
     bool add(const QString &connection, const QString &path);
 
-    /**
-     * @return false if that connection has no agent at that path
-     */
+    /** Removes an agent. Returns false if that connection has none at that path. */
     bool remove(const QString &connection, const QString &path);
 
     bool has(const QString &connection) const;

@@ -5,7 +5,7 @@
 #include <QString>
 #include <QVariant>
 
-/** Carries out the calls that ConnMan accepts, and replies to them. */
+/** Carries out the calls that ConnMan accepts, and replies to them: see Still and Lively. */
 class Behaviour
 {
 public:

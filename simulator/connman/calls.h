@@ -10,8 +10,8 @@
 class Connman;
 
 /**
- * The calls to ConnMan. Writes each call to the journal when it arrives. The rules decide when to
- * reply, and whether ConnMan replies or a rule's error or reply is sent.
+ * Receives the calls to ConnMan, and writes each to the journal when it arrives. Rules can delay or
+ * hold a call, and can send a reply or an error in place of ConnMan's reply.
  */
 class Calls : public QObject
 {

@@ -13,8 +13,8 @@
  * ConnMan's state and behaviour: its technologies, services and agents, and the methods of the
  * manager, of a technology and of a service.
  *
- * Calls change the state and reply as ConnMan does. Signals, and all other events, are sent only on
- * request through the control object, or by Lively.
+ * Calls change the state and reply as ConnMan does. Only requests through the control object, and
+ * Lively, send signals and cause other events.
  */
 class Connman : public QObject
 {
@@ -56,13 +56,14 @@ public:
     bool announceProperty(const QString &path, const QString &name);
 
     /**
-     * Sends ServicesChanged with all services and the paths of removed services. Only services that
-     * no earlier list contained have their properties in it.
+     * Sends ServicesChanged with all services and the paths of removed services. The list has the
+     * properties only of services that the previous list did not contain.
      */
     void announceServices();
 
     /**
-     * Returns true if clients know the object. They know a service once a list has been announced.
+     * Returns true if clients know the object: a technology always, a service if the last announced
+     * list contained it.
      */
     bool isAnnounced(const QString &path) const;
 

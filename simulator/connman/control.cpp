@@ -38,8 +38,8 @@ const Control::Method Control::methods[] = {
     {"AskOnConnect", "oa{sv}", false, &Control::askOnConnect},
     // A method of the agent registered last, and its arguments; replies as the agent does.
     {"CallAgent", "s", true, &Control::callAgent},
-    // From now on the stand-in acts by itself when cables and networks are added and removed (their
-    // technology must exist), with their known passphrases.
+    // SetLively makes the stand-in act by itself, see Lively. Surroundings are cables and networks,
+    // whose technology must exist; SetPassphrase sets the passphrase of a network.
     {"SetLively", "b", false, &Control::setLively},
     {"AddSurrounding", "oa{sv}", false, &Control::addSurrounding},
     {"RemoveSurrounding", "o", false, &Control::removeSurrounding},

@@ -174,7 +174,7 @@ QVariantMap Lively::address(const QString &service) const
             {QStringLiteral("Gateway"), QStringLiteral("10.77.0.1")}};
 }
 
-/** Stores the change, and announces it if an announced list has contained the service. */
+/** Stores the change, and announces it if clients know the object. */
 void Lively::change(const QString &path, const QString &name, const QVariant &value)
 {
     if (m_connman.storeProperty(path, name, value) && m_connman.isAnnounced(path))
@@ -267,7 +267,10 @@ void Lively::join(const QDBusMessage &call, const QString &passphrase)
     change(service, ipv4Key, ipv4);
 }
 
-/** Asks the agent again, like ConnMan, which does not use a malformed passphrase. */
+/**
+ * Reports a malformed passphrase to the agent, and asks again if the agent wants to retry. Like
+ * ConnMan, never joins with such a passphrase.
+ */
 void Lively::refuseMalformed(const QDBusMessage &call)
 {
     change(call.path(), errorKey, invalidKey);

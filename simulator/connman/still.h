@@ -13,7 +13,7 @@ class Still : public Behaviour
 public:
     explicit Still(Connman &connman) : m_connman(connman) {}
 
-    /** Connect of this service asks the caller's agent for @p fields before it replies. */
+    /** Makes Connect of this service ask the caller's agent for @p fields before it replies. */
     void askOnConnect(const QString &service, const QVariantMap &fields);
 
     void setPowered(const QDBusMessage &call, bool powered) override;

@@ -14,9 +14,8 @@ count_servers() {
 }
 
 # start_server PIDFILE INTERFACE NETWORK: gives the interface, which must be up, the first address of the
-# network (such as 10.77.0), and starts a server that
-# leases the addresses .50 to .99.
-# In the foreground the server keeps its user and groups, which an ordinary user's world cannot change.
+# network (such as 10.77.0), and starts a server that leases the addresses .50 to .99. In the foreground
+# the server keeps its user and groups, which an ordinary user's world cannot change.
 start_server() {
     ip -n peer address add "$3.1/24" dev "$2"
     # By default a veth leaves checksums to hardware, which it does not have. ConnMan drops DHCP

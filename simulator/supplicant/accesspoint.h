@@ -14,7 +14,7 @@ struct AccessPoint {
     /** WPA2 with a passphrase; otherwise open. */
     bool isProtected = false;
     QByteArray passphrase;
-    /** Does not send its name unless asked by that name. */
+    /** Does not send its name unless a station asks for that name. */
     bool isHidden = false;
     bool isInRange = true;
     /** Rejects every passphrase, even its own. */
@@ -27,7 +27,8 @@ struct AccessPoint {
 using AccessPoints = QMap<QString, AccessPoint>;
 
 /**
- * Returns the access point that the files of a directory describe, by file name.
+ * Returns the access point that the files in its directory describe. @p files maps the names of the
+ * files to their content.
  *
  * If a file is missing, invalid, or empty (as during a write), the property keeps its value in @p
  * before.

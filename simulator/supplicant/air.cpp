@@ -9,7 +9,7 @@
 
 namespace
 {
-/** No file of an access point is longer. */
+/** Limits the read of a line. No valid value of an access point is as long. */
 constexpr qint64 longestText = 1000;
 
 struct Default {

@@ -8,9 +8,10 @@
 
 /**
  * The access points around the instrument: one directory for each, with a small text file for each
- * property, which can be changed at any time.
+ * property. The files can be changed at any time.
  *
- * STRANDEL_AIR names the directory, /run/strandel-air is the default.
+ * The environment variable STRANDEL_AIR names the directory that contains those of the access
+ * points; the default is /run/strandel-air.
  */
 class Air : public QObject
 {

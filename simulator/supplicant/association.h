@@ -11,7 +11,10 @@
  */
 QString chooseAccessPoint(const AccessPoints &air, const QVariantMap &network);
 
-/** Returns the supplicant's states of an association, up to "completed" or "disconnected". */
+/**
+ * Returns the supplicant's states of an association: up to "completed" or "disconnected", or only
+ * "associating" if the access point is mute.
+ */
 QStringList associationSteps(const AccessPoints &air, const QString &chosen,
                              const QVariantMap &network);
 

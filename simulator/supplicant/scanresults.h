@@ -13,15 +13,15 @@ public:
     struct Result {
         QString directory;
         /**
-         * A hidden access point that a client has asked for by name has a second result, with its
-         * name.
+         * True if the result has the name of the access point. A hidden access point has a result
+         * without its name. It has a second one, with its name, if a client has asked for the name.
          */
         bool isNamed;
         QDBusObjectPath path;
         QVariantMap properties;
     };
 
-    /** The differences after a scan. */
+    /** The differences from the previous scan. */
     struct Difference {
         QList<Result> added;
         /** Results whose signal strength has changed. */
@@ -39,10 +39,7 @@ public:
 
     QList<QDBusObjectPath> paths() const;
 
-    /**
-     * Returns the object of that access point, preferably the one with a name; "/" if there is
-     * none.
-     */
+    /** Returns the object of that access point's result with a name; "/" if there is none. */
     QDBusObjectPath pathOf(const QString &directory) const;
 
     /** Returns the properties of the result at @p path; empty if there is none. */

@@ -13,14 +13,15 @@ ANSWER_SECONDS = 25
 
 
 class CallError(Exception):
-    """The error that a call was answered with: name and message as docs/dbus-api.md has them.
+    """The D-Bus error that a call returned: name and message are those of docs/dbus-api.md.
 
-    The daemon's own names can be written without "com.orvendis.Strandel.BoardManager.Error.".
+    short_name is the name; one of the daemon's own lacks the prefix
+    "com.orvendis.Strandel.BoardManager.Error.".
     """
 
     def __init__(self, error):
         self.name = Gio.DBusError.get_remote_error(error) or ""
-        # Gio's own function changes only a copy of the error.
+        # From Python, Gio.DBusError.strip_remote_error() would change only a copy of the error.
         self.message = error.message.removeprefix(f"GDBus.Error:{self.name}: ")
         self.short_name = self.name.removeprefix(f"{SERVICE}.Error.")
         super().__init__(f"{self.name}: {self.message}")
@@ -75,7 +76,7 @@ def variant(value):
 
 
 def argument(signature, value):
-    """Converts to a value as Gio packs it."""
+    """Converts an argument to the value that GLib.Variant packs by the signature."""
     if signature == "a{sv}":
         return {key: variant(one) for key, one in value.items()}
     return value
@@ -98,7 +99,7 @@ def plain(value):
 
 
 class Signals:
-    """The signals of one name, from its construction until close() or the end of "with".
+    """Collects the signals of one name, from construction until close() or the end of "with".
 
     After the reply to a call, received holds every signal that the daemon sent before the
     reply.
@@ -158,8 +159,8 @@ class Interface:
     def call(self, name, *values, timeout=ANSWER_SECONDS):
         """Calls a method. Returns None, a value, or a tuple of several values.
 
-        Maps are dicts whose values are packed by their types, or GLib.Variants. Raises
-        CallError.
+        Pass a map as a dict; its values are packed by their types, unless they are
+        GLib.Variants. Raises CallError if the call returns an error.
         """
         method = self._info.lookup_method(name)
         if method is None:

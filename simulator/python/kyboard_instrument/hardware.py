@@ -61,7 +61,7 @@ class Board(Files):
 
 
 class Card:
-    """The SD card or the USB key in the test's hand."""
+    """The SD card or the USB key, which the test inserts, mounts, unmounts and removes."""
 
     def __init__(self, run, device):
         self._run = run

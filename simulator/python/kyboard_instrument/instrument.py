@@ -18,8 +18,8 @@ COMMAND_SECONDS = 60
 
 
 def find_command():
-    """Returns the command that starts an instrument: KYBOARD_INSTRUMENT, this tree's, or the one in
-    PATH."""
+    """Returns the command that starts an instrument: the words of KYBOARD_INSTRUMENT, this tree's
+    ./run, or kyboard-instrument in PATH."""
     if "KYBOARD_INSTRUMENT" in os.environ:
         return shlex.split(os.environ["KYBOARD_INSTRUMENT"])
     tree = pathlib.Path(__file__).resolve().parents[3]
@@ -33,11 +33,11 @@ def find_command():
 
 
 class Instrument:
-    """A virtual instrument of its own, independent of all others; use it in "with".
+    """A virtual instrument, independent of all others; use it in "with".
 
     It runs in a private world. Its files and its bus are accessible from outside through the
     root directory of one of its processes in /proc. It ends with the process that created it.
-    With a speed from 1 to 60, time passes that much faster in it.
+    speed, from 1 to 60, is how many times faster time passes in it.
     """
 
     def __init__(self, speed=1):
@@ -69,7 +69,7 @@ class Instrument:
 
     def _start(self, speed):
         complaints = os.path.join(self._directory, "complaints")
-        # The command ends when the last writer of its stdin has gone.
+        # cat ends when its stdin has no writer left: after close(), or when this process ends.
         with open(complaints, "wb") as file:
             self._process = subprocess.Popen(
                 [*self.command, "--speed", str(speed), "--", "sh", "-c", "echo up; exec cat"],
