@@ -18,7 +18,7 @@ const QString ethernetName = QStringLiteral("Ethernet");
 const QString wifiName = QStringLiteral("WIFI");
 const QString accessPointName = QStringLiteral("WIFIAP");
 
-/** Read the environment each time: libdbus would cache the first address. */
+/** Returns the bus address. Reads the environment each time: libdbus would cache the first one. */
 QString busAddress()
 {
     return qEnvironmentVariable("DBUS_SYSTEM_BUS_ADDRESS",
@@ -103,7 +103,7 @@ void DaemonView::joinBus()
         m_known.isBusThere = false;
         setDaemonThere(false);
     }
-    // Qt D-Bus returns the old connection for a name that was used before.
+    // Use a new name: for a used one, Qt D-Bus returns the old connection.
     static int connections = 0;
     const QString name = QStringLiteral("panel-%1").arg(++connections);
     const QDBusConnection bus = QDBusConnection::connectToBus(busAddress(), name);
@@ -125,8 +125,8 @@ void DaemonView::joinBus()
     QObject::connect(&m_proxies->users, &BoardManagerUsers::userChanged, this,
                      [this](const QString &) {
                          m_known.isChangingProfile = false;
-                         // A reset announces the profile that was reset, whether it is active or
-                         // not.
+                         // Query the active profile: after a factory reset, the signal names the
+                         // reset profile, which may not be the active one.
                          follow(m_proxies->users.getUser(), [this](const QDBusPendingCall &call) {
                              m_known.profile = QDBusPendingReply<QString>(call).value();
                          });
@@ -168,7 +168,7 @@ void DaemonView::setDaemonThere(bool isThere)
 
 /**
  * Sets all links to "idle", their state in a daemon that has just started. The links of a daemon
- * that started before us can have any state.
+ * that started before the panel can have any state.
  */
 void DaemonView::beginIdle()
 {
@@ -189,7 +189,8 @@ void DaemonView::follow(const QDBusPendingCall &call,
         watcher->deleteLater();
         if (!watcher->isError())
             take(*watcher);
-        // The daemon owns its name shortly before it exports its objects, and may hang in between.
+        // Ask again: the daemon owns its name shortly before it exports its objects, and may hang
+        // in between.
         else if (watcher->error().type() == QDBusError::UnknownObject ||
                  watcher->error().type() == QDBusError::NoReply)
             m_isToAsk = true;

@@ -6,7 +6,7 @@
 
 namespace
 {
-/** LEDs that blink at 1 Hz and LEDs that blink at 3 Hz have four combinations of on and off. */
+/** Keep four pictures: LEDs that blink at 1 Hz and at 3 Hz have four combinations of on and off. */
 const int mostPictures = 4;
 } // namespace
 

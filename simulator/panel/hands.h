@@ -24,7 +24,7 @@ QString commandFor(const QString &element, double place, const Instrument &instr
 QString shellCommand(const QStringList &words);
 
 /**
- * Returns @p command as a user types it outside of the world, with the name of the program that
+ * Returns @p command as a user types it outside of the world: after the name of the program that
  * started the instrument.
  */
 QString asTyped(const QString &command);
@@ -39,7 +39,7 @@ struct FaultChoice {
 };
 extern const QVector<FaultChoice> faultChoices;
 
-/** Returns the command that gives @p operation a fault, removes it, or removes all faults. */
+/** Return the commands that give @p operation a fault, remove its fault, and remove all faults. */
 QString faultCommand(const QString &operation, const QString &words);
 QString healCommand(const QString &operation);
 QString healAllCommand();

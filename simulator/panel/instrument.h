@@ -21,7 +21,7 @@ struct AirPoint {
 struct Link {
     /** The last state; empty until one was announced. */
     QString state;
-    /** The states of the current attempt, up to and including the last one. */
+    /** The last states, at most five, the latest one at the end. */
     QStringList trail;
     QString address;
 };
@@ -30,7 +30,7 @@ struct Link {
 struct Instrument {
     /** The board's files by their names, for example "als/lux"; missing files are not included. */
     QMap<QString, QByteArray> board;
-    /** Milliseconds since the watchdog was last fed; negative if this is unknown. */
+    /** Milliseconds since the watchdog was last fed; negative if it was never fed. */
     qint64 fedBefore = -1;
 
     /** How many times faster the instrument's time passes. */

@@ -407,7 +407,7 @@ private:
         write("air-more", more > 0 ? QStringLiteral("and %1 more").arg(more) : QString());
     }
 
-    /** ConnMan's services contain the network's name in hexadecimal. */
+    /** The path of a service of ConnMan contains the network's name in hexadecimal. */
     bool isJoined(const AirPoint &point) const
     {
         return m_instrument.joinedService.contains(

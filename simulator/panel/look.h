@@ -9,7 +9,7 @@
 struct Look {
     /** 0: invisible; 1: as drawn. */
     QMap<QString, double> opacities;
-    /** The start and end of a rectangle, as parts of its original width. */
+    /** The start and end of a rectangle, as fractions of its original width. */
     QMap<QString, QPair<double, double>> spans;
     QMap<QString, QString> texts;
 

@@ -20,7 +20,7 @@ int fail(const QString &complaint)
     return complain;
 }
 
-/** Parses "WIDTHxHEIGHT"; an empty size for anything else. */
+/** Parses "WIDTHxHEIGHT", each from 100 to 10000; returns an empty size for anything else. */
 QSize sizeOf(const QString &text)
 {
     const QStringList numbers = text.split(QLatin1Char('x'));

@@ -12,13 +12,13 @@
 
 namespace
 {
-/** An LED that blinks three times a second changes every sixth of a second. */
+/** The interval of polling. An LED that blinks at 3 Hz changes every sixth of a second. */
 constexpr int tickMs = 50;
 /** The bus and the surroundings of the daemon are polled less often than the board. */
 constexpr int slowTicks = 4;
 /**
- * The longest time that a command delays the next one: stopping the daemon does not end while a
- * debugger holds it.
+ * The longest time that a command delays the next one. For example, "daemon stop" does not end
+ * while a debugger holds the daemon.
  */
 constexpr int handTimeoutMs = 2000;
 } // namespace
@@ -204,9 +204,9 @@ void PanelWidget::startNext()
 
 void PanelWidget::takeEnd(QProcess *hand, const QString &typed, int status)
 {
-    // This also deletes the process's timeout.
+    // This also cancels the timeout of the process.
     hand->deleteLater();
-    // The line shows the result of the last command only.
+    // Ignore the result of an earlier command: the panel shows only that of the last one.
     if (typed == m_instrument.command) {
         const QByteArray complaint = hand->readAllStandardError().trimmed();
         m_instrument.complaint = status == 0 ? QString()

@@ -21,7 +21,7 @@ class PanelWidget : public QWidget
 
 public:
     /**
-     * Finds the commands in PATH.
+     * Loads the drawing. PATH must contain the commands that the panel runs.
      *
      * @param drawing path of the SVG file
      */
@@ -37,12 +37,12 @@ public:
     bool isBusy() const;
     /** Queries the daemon again; until it has answered, isComplete() returns false. */
     void askAgain() { m_daemonView.askAgain(); }
-    /** The current panel; blinking LEDs are lit. */
+    /** Returns a picture of the current panel; blinking LEDs are lit. */
     QImage picture(const QSize &size);
 
     /** The centre of an element on the widget. */
     QPoint placeOf(const QString &element) const;
-    /** A point of an element on the widget, @p place from its left to its right, 0 to 1. */
+    /** A point of an element on the widget: @p place 0 is its left end, 1 its right end. */
     QPoint placeOf(const QString &element, double place) const;
 
     const Instrument &instrument() const { return m_instrument; }
@@ -51,7 +51,7 @@ public:
     QSize sizeHint() const override;
 
 Q_SIGNALS:
-    /** A command was run; @p command is its form to type outside of the world. */
+    /** The panel has started a command; @p command is what a user types for it, see asTyped(). */
     void commandRan(const QString &command);
     void busCame();
 

@@ -13,7 +13,7 @@ PanelWindow::PanelWindow(PanelWidget *panel, const QSize &size)
     auto log = new TrafficLog;
     const auto ignorePanel = [panel, log] { log->setIgnored(panel->daemonView().ownName()); };
     ignorePanel();
-    // Another bus gives the panel another name.
+    // After a new connection, the panel has another bus name.
     QObject::connect(panel, &PanelWidget::busCame, log, ignorePanel);
     QObject::connect(panel, &PanelWidget::commandRan, log, &TrafficLog::note);
     setWindowTitle(QStringLiteral("Strandel, virtual instrument"));

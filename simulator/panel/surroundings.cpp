@@ -10,7 +10,7 @@
 
 namespace
 {
-/** The content of @p path, null if it is missing or larger than an EEPROM. */
+/** Returns at most 8192 bytes of @p path, more than an EEPROM has; null if it is no file. */
 QByteArray contentOf(const QString &path)
 {
     // A FIFO would block us.
@@ -38,7 +38,7 @@ int isStopped(const QString &pidFile)
 
 int cableState()
 {
-    // Read the carrier of the cable's near end, which is up whatever ConnMan does with eth0.
+    // Read the carrier of "socket", the cable's near end: unlike eth0, ConnMan never takes it down.
     QFile carrier(QStringLiteral("/sys/class/net/socket/carrier"));
     if (!carrier.open(QIODevice::ReadOnly))
         return -1;

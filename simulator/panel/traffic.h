@@ -14,7 +14,7 @@ struct TrafficLine {
     /** The machine's time as HH:mm:ss.zzz. */
     QString time;
     /**
-     * The interface, for the daemon's interfaces without their common prefix: "WIFI",
+     * The interface, without the prefix that the daemon's interfaces share: "WIFI", but
      * "net.connman.Service".
      */
     QString interface;

@@ -62,7 +62,7 @@ TrafficLog::TrafficLog() : m_interfaces(new QComboBox), m_lines(new QPlainTextEd
     QObject::connect(save, &QPushButton::clicked, this, &TrafficLog::askWhereToSave);
     QObject::connect(&m_monitor, &QProcess::readyReadStandardOutput, this, &TrafficLog::read);
     m_monitor.setStandardErrorFile(QProcess::nullDevice());
-    // The monitor ends with the bus.
+    // The monitor ends when the bus ends: start it again.
     m_retry.setInterval(retryMs);
     QObject::connect(&m_retry, &QTimer::timeout, this, &TrafficLog::start);
     m_retry.start();
