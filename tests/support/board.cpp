@@ -30,7 +30,7 @@ bool run(const QString &program, const QStringList &arguments, const QByteArray 
            process.exitCode() == 0;
 }
 
-/** A kernel object of a previous test would block the next one. */
+/** Removes a device that a previous test inserted: otherwise it could not be inserted again. */
 void removeStorage(const QString &device, const QString &partition)
 {
     if (QFile::exists(QStringLiteral("/sys/class/net/") + partition))

@@ -17,7 +17,7 @@ public:
     /** Resets the board, removes all faults and empties the journal. */
     static void reset();
 
-    /** Writes or reads a value as text, without the newline; null if there is no file. */
+    /** Writes or reads a value, without its newline. Reading a missing file returns null. */
     static void set(const QString &path, const QString &value);
     static QString get(const QString &path);
 
@@ -35,8 +35,8 @@ public:
     static void clearJournal();
 
     /**
-     * The times of the library calls that begin with @p call, in seconds of the calling process's
-     * clock.
+     * The times of the library calls that begin with @p call, in seconds on the clock of the
+     * process that made the call.
      */
     static QList<double> times(const QString &call);
 
@@ -62,7 +62,7 @@ public:
     /** Sends a kernel event with exactly this content to every listener in this world. */
     static bool sendKernelEvent(const QByteArray &message, int count = 1);
 
-    /** Returns the path of @p path in the file system. */
+    /** Returns the absolute path of @p path. */
     static QString pathOf(const QString &path);
 };
 

@@ -122,7 +122,7 @@ BusMonitor::~BusMonitor()
 
 QList<BusMessage> BusMonitor::take()
 {
-    // Introspection is answered after the running slot; a ping would overtake it.
+    // The daemon answers introspection only after the running slot, but a ping at once.
     const QString introspectable = QStringLiteral("org.freedesktop.DBus.Introspectable");
     const QString introspect = QStringLiteral("Introspect");
     Remote(daemonName, QStringLiteral("/KyDeviceMgr"), introspectable).reply(introspect);

@@ -10,8 +10,9 @@
 /**
  * The stand-in for ConnMan, a process named connmand that owns net.connman.
  *
- * It implements ConnMan's methods. It sends no signals unless told to, or unless it is lively.
- * Every function here returns when the stand-in has finished; a failure aborts the test program.
+ * It implements ConnMan's methods. By default, it sends only the signals that the test requests. A
+ * lively stand-in (setLively()) acts like the real ConnMan. Every function returns after the
+ * stand-in has carried out the request; a failure aborts the test program.
  *
  * A call is named by the beginning of its journal line: "Service.Connect" matches every such call,
  * "Service.Connect /net/connman/service/x" those of one service, and "Technology.SetProperty
@@ -26,7 +27,7 @@ public:
     ~ConnmanStandIn();
 
     /**
-     * Starts it, without services and with both technologies powered off; waits for its name.
+     * Starts it, without services and with both technologies powered off; waits for its bus name.
      *
      * @param program the name that pidof finds
      */
@@ -45,13 +46,13 @@ public:
     void setServices(const ListedObjects &services);
     void setTechnologies(const ListedObjects &technologies);
 
-    /** Sets whether technologies have the method AsyncScan; by default they have not. */
+    /** Sets whether technologies have the method AsyncScan. The default is false. */
     void setAsyncScan(bool exists);
 
     /** Changes a property of a service or a technology and sends its PropertyChanged. */
     void setProperty(const QString &path, const QString &name, const QVariant &value);
 
-    /** The same without the signal. */
+    /** Changes a property like setProperty(), but sends no signal. */
     void storeProperty(const QString &path, const QString &name, const QVariant &value);
 
     /** Sends ServicesChanged with the current list. */
@@ -74,7 +75,7 @@ public:
     void holdMethod(const QString &call);
     void releaseMethod(const QString &call);
 
-    /** Ends all failures, replies, delays and holds; calls that are held now are never answered. */
+    /** Ends all failures, replies, delays and holds. A call that is held now gets no answer. */
     void clearRules();
 
     /** From now on Connect of @p service asks the agent before it replies. */
@@ -89,14 +90,14 @@ public:
     static QVariantMap field(const QString &requirement, const QString &type = QString());
 
     /**
-     * From now on the stand-in acts like the real one with the cables and networks that are added
-     * here; each is listed while its technology is powered.
+     * Sets whether the stand-in acts like the real ConnMan: it then lists the cables and networks
+     * of addSurrounding() while their technology is powered, connects them and sends signals.
      */
     void setLively(bool lively);
     void addSurrounding(const ListedObject &service);
     void removeSurrounding(const QString &service);
 
-    /** Sets the passphrase of a lively network; without one, every passphrase is accepted. */
+    /** Sets the passphrase of a network. A network without one accepts every passphrase. */
     void setPassphrase(const QString &service, const QString &passphrase);
 
     /** The calls since the last clearJournal(), in order. */

@@ -19,11 +19,11 @@ namespace
 {
 const QString clockFile = QStringLiteral("/run/daemon-clock");
 
-// Not a full second, to which Qt aligns coarse timers. The fraction is exact as a floating-point
-// number, into which libfaketime converts it.
+// Not a full second, because Qt aligns coarse timers to full seconds. libfaketime converts the time
+// to a floating-point number, which holds this fraction exactly.
 const QDateTime stoppedClock(QDate(2030, 1, 1), QTime(12, 0, 0, 125));
 
-/** Makes both threads of the daemon read the clock as soon as possible. */
+/** Makes the daemon's main thread and the thread of Qt D-Bus read the clock soon. */
 void wakeDaemon()
 {
     for (const char *name :
@@ -62,8 +62,8 @@ void Daemon::setWrapper(const QStringList &wrapper)
 
 void Daemon::speedUp(int factor)
 {
-    // Preload the library: the program faketime stays between us and the daemon, and would leave
-    // the daemon running when it is killed.
+    // Preload the library. The program faketime would run the daemon as a child process, which
+    // would continue to run after faketime was killed.
     setWrapper({QStringLiteral("env"), QStringLiteral("FAKETIME=+0 x%1").arg(factor),
                 QStringLiteral("LD_PRELOAD=/usr/$LIB/faketime/libfaketimeMT.so.1")});
 }
@@ -116,7 +116,8 @@ bool Daemon::letTimePassUntil(const std::function<bool()> &condition)
     const int call = 25;
     // Longer than the timeout of the test's own calls.
     const QDeadlineTimer deadline(120000);
-    // The start of the daemon's wait is not observable; time that passes before it has no effect.
+    // The test cannot see when the daemon begins to wait, and time that passes earlier has no
+    // effect: advance the clock repeatedly.
     while (!condition()) {
         if (deadline.hasExpired() || !isRunning())
             return false;
@@ -140,8 +141,8 @@ void Daemon::resetEnvironment()
 
 bool Daemon::start(const QStringList &arguments)
 {
-    // Wait until the bus has noticed the end of the previous daemon, whose name would pass for
-    // ours.
+    // Wait until the bus has released the name of the previous daemon. Otherwise the second wait
+    // could find that daemon's name.
     if (!waitUntil([] { return !isOnTheBus(daemonName); }))
         return false;
     launch(arguments);

@@ -6,7 +6,7 @@
 #include <QString>
 #include <QStringList>
 
-/** An argument of a method, or a property, as the introspection documents have it. */
+/** An argument of a method, or a property, as the introspection documents describe it. */
 struct DocumentedArgument {
     QString path;
     /** The interface without the daemon's name, for example "Users". */

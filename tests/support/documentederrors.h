@@ -24,7 +24,7 @@ struct DocumentedError {
 /** All documented errors, as tools/apidocument prints them. */
 const QList<DocumentedError> &documentedErrors();
 
-/** Returns true if the documents list this error for @p member of @p interface. */
+/** Returns true if the documents list this error for @p member of @p interface as sent. */
 bool isDocumentedError(const QString &interface, const QString &member, const QString &errorName,
                        const QString &errorText);
 

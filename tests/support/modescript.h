@@ -17,7 +17,7 @@ public:
     ~ModeScript();
     Q_DISABLE_COPY(ModeScript)
 
-    /** Installs script and templates, without instructions and with an empty log. */
+    /** Calls clear(), then installs script and templates. */
     void install();
 
     /** Removes the script, keeps the templates. */
@@ -32,7 +32,7 @@ public:
     /** Waits until the log has @p line @p count times. */
     bool waitFor(const QString &line, int count = 1);
 
-    /** Scripts that start from now on take this much longer. */
+    /** Scripts that start from now on take @p seconds longer. */
     void setDelay(double seconds);
 
     /** Scripts that start from now on exit with this status and switch nothing. */
@@ -41,10 +41,10 @@ public:
     /** Scripts that start from now on wait after "start". */
     void hold();
 
-    /** Scripts that start from now on do not wait; waiting ones do until release(). */
+    /** Scripts that start from now on do not wait. Scripts that already wait are not released. */
     void letOthersPass();
 
-    /** Releases one waiting script and waits for its end; later scripts do not wait. */
+    /** Waits until a script waits, and releases it. Later scripts do not wait. */
     void release();
 
     /** Leaves "interface", "carrier", "hostapd" or "dhcpd" out of the next access point. */

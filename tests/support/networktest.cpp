@@ -12,8 +12,9 @@ void NetworkTest::init()
     DaemonTest::init();
     script.install();
     connman.start();
-    // Stop the clock: if it ran, a delay could end between two jumps, and the next jump would then
-    // end the daemon's wait for pidof at once. ConnMan would count as absent.
+    // Stop the clock. Otherwise a delay could end between two calls of letTimePass(): the daemon
+    // would start pidof, the second call would end its wait for pidof at once, and the daemon would
+    // consider ConnMan absent.
     daemon.stopClock();
 }
 
@@ -43,7 +44,7 @@ void NetworkTest::settle()
 
 void NetworkTest::waitForScripts(int running)
 {
-    // An operation that starts the first or the next script may be in progress.
+    // Count again after settle(): the daemon may be about to start its first or next script.
     const auto isQuiet = [&] {
         if (daemon.children() != running)
             return false;
@@ -62,7 +63,8 @@ void NetworkTest::passModuleDelay()
 
 QStringList NetworkTest::announced()
 {
-    // The daemon handles expired timers after calls that arrived earlier.
+    // The daemon may answer the first call before it handles an expired timer, but not the call
+    // that take() makes.
     settle();
     return recorder->take();
 }

@@ -1,8 +1,8 @@
 // Runs a program whose power is cut at one of its file-system calls:
 //   powercut CONTROL DIRECTORY... -- PROGRAM [ARGUMENT...]
-// While the file CONTROL exists and has a number, counts the calls on anything below the
-// directories. At the call of that number, kills every thread of the program before the call is
-// made; 0 only counts. CONTROL.log lists the counted calls.
+// While the file CONTROL contains a number N, counts the calls that name anything below the
+// directories, and kills all threads of the program just before call N is made. With 0, only
+// counts. CONTROL.log lists the counted calls.
 
 #include <cerrno>
 #include <cstddef>

@@ -20,7 +20,7 @@ public:
 
     /**
      * Creates the network with the cable plugged in, deletes ConnMan's state of earlier runs, and
-     * starts connmand. Returns when it has connected by itself, its default behaviour.
+     * starts connmand. Returns when ConnMan has connected by itself, as it does by default.
      */
     void start();
 

@@ -1,7 +1,7 @@
 // Runs a program for which the kernel refuses one kind of call:
-//   refuse socket|bind|receive PROGRAM [ARGUMENT...]   those of a listener to device events
-//   refuse pidfd PROGRAM [ARGUMENT...]                 to wait for a child by a pidfd, as an older
-//                                                      kernel does
+//   refuse socket|bind|receive PROGRAM [ARGUMENT...]   a call of a listener to device events
+//   refuse pidfd PROGRAM [ARGUMENT...]                 waiting for a child by a pidfd, which older
+//                                                      kernels refuse, too
 
 #include <cerrno>
 #include <cstddef>
@@ -30,14 +30,14 @@ struct Refusal {
 const Refusal refusals[] = {
     {"socket", SYS_socket, 2, NETLINK_KOBJECT_UEVENT, EIO},
     {"bind", SYS_bind, 2, sizeof(sockaddr_nl), EIO},
-    // The bus connection receives with flags.
+    // Without flags: the bus connection calls recvmsg() with flags.
     {"receive", SYS_recvmsg, 2, 0, EIO},
     {"pidfd", SYS_waitid, 0, P_PIDFD, EINVAL},
 };
 
 bool refuse(const Refusal &refusal)
 {
-    // The lower half of the argument, on a little-endian machine.
+    // On a little-endian machine, the lower half of the argument comes first.
     const auto argument =
         static_cast<unsigned int>(offsetof(seccomp_data, args) + refusal.index * sizeof(__u64));
     sock_filter filter[] = {

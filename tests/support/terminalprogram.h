@@ -30,7 +30,12 @@ public:
 
     qint64 processId() const { return m_process.processId(); }
 
-    /** Waits for the end. Returns the exit status, minus the signal that ended it, or -1000. */
+    /**
+     * Waits for the end.
+     *
+     * @return the exit status; the negated number of the signal that ended the program; -1000 if it
+     *         still runs at the deadline
+     */
     int waitForEnd();
 
 private:

@@ -20,11 +20,11 @@ if(CMAKE_CROSSCOMPILING)
         -- ${PROJECT_SOURCE_DIR}/simulator/emulated
         ${CMAKE_SYSROOT} ${PROJECT_BINARY_DIR} ${NATIVE_BUILD})
     set(supplicant ${NATIVE_BUILD}/simulator/supplicant)
-    # Without it Qt cannot start programs there (simulator/emulated).
+    # Qt cannot start programs under the emulator unless pidfds are refused (simulator/emulated).
     set(CMAKE_CROSSCOMPILING_EMULATOR ${NATIVE_BUILD}/tests/support/refuse pidfd
         ${CMAKE_CROSSCOMPILING_EMULATOR})
     set(timeout_factor 5)
-    # The tests that are meaningless under an emulator.
+    # The test functions that are meaningless under an emulator.
     set_property(DIRECTORY APPEND PROPERTY CMAKE_CONFIGURE_DEPENDS support/arm-exceptions.txt)
     file(STRINGS support/arm-exceptions.txt exceptions REGEX "^[^#]")
     foreach(exception IN LISTS exceptions)
@@ -50,8 +50,8 @@ else()
     endif()
 endif()
 
-# A test program, with one of the libraries of tests/support. Its first source includes its moc
-# output; no other source needs moc. Without the headers moc takes a tenth of the time.
+# A test program that links SUPPORT, one of the libraries of tests/support. Only SOURCE needs moc, and
+# includes its output. Moc gets no include paths: without headers it takes a tenth of the time.
 function(add_test_program name support source)
     add_executable(${name} ${source} ${ARGN})
     set_target_properties(${name} PROPERTIES AUTOMOC OFF)
@@ -66,7 +66,7 @@ function(add_test_program name support source)
     use_precompiled_headers(${name})
 endfunction()
 
-# A program that tests pure logic. It runs without the hardware libraries, whatever it links.
+# A program that tests pure logic. The linker drops unused libraries: it runs without the hardware ones.
 function(add_pure_program name)
     add_test_program(${name} puresupport ${ARGN})
     target_link_libraries(${name} PRIVATE boardlogic)
@@ -147,8 +147,8 @@ function(add_tool_test name)
     limit_test(${name})
 endfunction()
 
-# A campaign measures: it writes the lines to print to the file that FIGURES names. One with LONG
-# runs only with ./test --long. Figures from an emulator would be meaningless.
+# A campaign. It appends its figures to the file that the variable FIGURES names; ./test prints them.
+# With LONG, it runs only in ./test --long. Under an emulator, the figures would be meaningless.
 function(add_campaign name)
     if(CMAKE_CROSSCOMPILING)
         return()
@@ -161,7 +161,7 @@ function(add_campaign name)
         TIMEOUT ${CAMPAIGN_TIMEOUT})
 endfunction()
 
-# A campaign in a private world. The world may hide the build directory, but not an open file.
+# A campaign in a private world. The world may hide the build directory, but it inherits an open file.
 function(add_world_campaign name)
     cmake_parse_arguments(CAMPAIGN "LONG" "TIMEOUT" "COMMAND" ${ARGN})
     set(long "")

@@ -6,8 +6,8 @@
 /**
  * Fails the test if @p time is too early for a timer that was set at @p start for @p seconds.
  *
- * On a busy machine the test may see the start up to a twentieth of the time late. A late timer is
- * no failure: the machine may be busy.
+ * On a busy machine, the test may notice the start too late: a twentieth of the time is tolerated.
+ * For the same reason, a late timer is no failure.
  */
 #define VERIFY_NOT_EARLY(time, start, seconds)                                                     \
     QVERIFY2((time) - (start) >= 0.95 * (seconds),                                                 \

@@ -12,7 +12,7 @@ protected:
     /** Joins a network as a client does, as the user "me" with the pass phrase "secret". */
     QString join(const QString &name = QStringLiteral("Lab"));
 
-    /** Waits until the station has handled the end of its script and the module's delay. */
+    /** Lets the script end and the module's delay pass, and the station handle both. */
     void letModuleSwitch();
 
     /** Starts a scan and waits until the module is switched. */

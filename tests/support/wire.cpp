@@ -133,7 +133,7 @@ private:
             value.u64 = token.toULongLong();
             break;
         default:
-            // On a little-endian machine the low end of this is every shorter integer.
+            // On a little-endian machine, every shorter integer consists of the first bytes.
             value.i64 = token.toLongLong();
             break;
         }
@@ -198,7 +198,7 @@ void Wire::signal(const QString &path, const QString &interface, const QString &
 
 namespace
 {
-/** Has the world's bus read @p rules in addition to its own. */
+/** Makes the world's bus read @p rules in addition to its own. */
 bool configureBus(const QByteArray &rules)
 {
     if (!QFile::exists("/run/private-world"))

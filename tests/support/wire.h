@@ -11,7 +11,8 @@ struct DBusMessage;
  *
  * The values of a message have busctl's format, separated by blanks: the signature, then the
  * values; an array begins with the number of its elements, a variant with its signature. The empty
- * text is "". A file descriptor is h and any number, and refers to /dev/null.
+ * text is "". A file descriptor has the signature h and any number as its value; it refers to
+ * /dev/null.
  */
 class Wire
 {
