@@ -135,7 +135,7 @@ protected:
     void handled(LinkEvent, bool isDecided) override { m_outcome.isDecided = isDecided; }
 
 private:
-    /** Updates the surroundings for @p event. */
+    /** Notes that @p event is no longer pending. */
     void happen(LinkEvent event)
     {
         LinkWorld &world = m_outcome.after;
@@ -153,7 +153,7 @@ private:
 
     void takeOne(int &pending)
     {
-        // The counter saturates: at its maximum, one event less may leave it unchanged.
+        // The counter saturates: at its maximum, one pending event less may leave it unchanged.
         if (pending < mostPending || m_choices.choose(2) == 0)
             --pending;
     }
@@ -244,7 +244,7 @@ quint32 keyOf(const LinkWorld &world)
     return key;
 }
 
-/** Updates the list or the outcome that clients still wait for after @p outcome. */
+/** Notes whether, after @p outcome, clients wait for the list of a scan or the end of a connect. */
 void owe(LinkOutcome &outcome)
 {
     LinkWorld &world = outcome.after;

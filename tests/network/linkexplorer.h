@@ -13,7 +13,7 @@
 struct LinkWorld {
     Link link;
     bool isScriptRunning = false;
-    /** The number of script ends less than 2 s ago; more than two make no difference. */
+    /** The number of scripts that ended less than 2 s ago; more than two make no difference. */
     int moduleDelays = 0;
     /** The number of pending checks of the access point; more than two make no difference. */
     int checks = 0;
@@ -29,13 +29,13 @@ struct LinkWorld {
     bool isLeft = false;
 };
 
-/** One action of a machine, and the link at that time. */
+/** One action of a machine, and the link when the machine carries it out. */
 struct LinkAct {
     LinkAction action;
     Link link;
 };
 
-/** The effects of an event, with one result for each action that asks. */
+/** The effects of an event, for one result of each action that has results. */
 struct LinkOutcome {
     LinkWorld before;
     LinkEvent event;
@@ -48,7 +48,7 @@ struct LinkOutcome {
 
     bool has(LinkAction action) const;
     bool has(LinkEvent answer) const;
-    /** The index of the first such action; -1 if there is none. */
+    /** The index of the first @p action; -1 if there is none. */
     int indexOf(LinkAction action) const;
     /** Returns true if @p state is announced to clients. */
     bool announces(KyTcpIpState::State state) const;

@@ -77,7 +77,7 @@ QString targetName(std::optional<Value> target)
     return target ? nameOf(*target) : QString("what it was");
 }
 
-/** Lets the row apply to one state or one operation less, of those in which it is used. */
+/** Removes from the row one of the states or operations in which it is used. */
 void narrow(RowMutants &mutants, const LinkUse &use)
 {
     for (int state = KyTcpIpState::Idle; state <= KyTcpIpState::Online; ++state) {

@@ -15,9 +15,9 @@ struct LinkMutant {
 };
 
 /**
- * Returns every mutant of @p table: each row removed, with each other next state and operation,
- * without each of its actions, with two neighbouring actions exchanged, without its firmware flag
- * and its condition, and without each of the states and operations of @p uses.
+ * Returns every mutant of @p table. Each mutant has one change in one row: the row removed, another
+ * next state or operation, an action removed, two neighbouring actions exchanged, the firmware flag
+ * or the condition removed, or one of the states or operations of @p uses removed.
  */
 std::vector<LinkMutant> mutantsOf(const LinkTable &table, const LinkUses &uses);
 

@@ -401,7 +401,7 @@ const std::vector<LinkRule> linkRules = {
          return o.has(Do::RequestConnect) == o.has(Event::TechnologyIsDown);
      }},
 
-    // Answers that the machine must react to in every state.
+    // Events and results to which the machine reacts in every state.
     {"the end of the Wi-Fi module's script starts its delay",
      [](Outcome o, LinkKind kind) {
          return kind == LinkKind::Ethernet || o.event != Event::ScriptEnded ||

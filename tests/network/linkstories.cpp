@@ -48,7 +48,7 @@ QStringList tell(const LinkStory &story, const LinkTable &table)
             std::find_if(outcomes.begin(), outcomes.end(),
                          [&answers](const LinkOutcome &each) { return each.answers == answers; });
         told << (outcome == outcomes.end() ? question + " | not asked" : lineOf(*outcome));
-        // The following lines belong to another story.
+        // After a difference, the following lines do not apply.
         if (told.last() != line)
             return told;
         world = outcome->after;

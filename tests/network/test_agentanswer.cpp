@@ -99,7 +99,7 @@ void TestAgentAnswer::thousandsOfOtherFieldsChangeNothing()
 
 void TestAgentAnswer::onlyTwoOfThousandsOfRequestsAreAnswered()
 {
-    // The requests come from no caller, so the refusals are not sent to a bus.
+    // The requests have no sender: without a bus, the agent sends its refusals nowhere.
     qputenv("DBUS_SYSTEM_BUS_ADDRESS", "unix:path=/nonexistent");
     QObject host;
     KyConnmanAgent agent(&host);

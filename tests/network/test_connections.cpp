@@ -36,7 +36,7 @@ const struct {
     const char *mode;
 } interfaces[] = {{"Ethernet", "0"}, {"WIFI", "1"}, {"WIFIAP", "2"}};
 
-/** The states that an adaptor announces until it waits for ConnMan, or is online without it. */
+/** The states that an adaptor announces without ConnMan; only the access point gets online. */
 QStringList statesOf(const QString &interface)
 {
     return interface == "WIFIAP" ? QStringList{"configuration", "ready", "online"}

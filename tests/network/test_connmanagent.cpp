@@ -254,7 +254,7 @@ void TestConnmanAgent::connManIsAnsweredInTheMiddleOfConnect()
     letModuleSwitch();
     QVERIFY(connman.waitForCall(connectLab));
 
-    // ConnMan received one of the two replies, and Connect has not failed.
+    // ConnMan has used one of the agent's two replies, and Connect has not failed.
     QVERIFY(!daemon.log().contains("Connect:"));
     QCOMPARE(ask(passphrase(mandatory)), secret);
     QCOMPARE(ask(passphrase(mandatory)), cancelled);

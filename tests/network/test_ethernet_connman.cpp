@@ -138,7 +138,10 @@ bool TestEthernetConnman::reach(const QString &state)
     return waitForState(state);
 }
 
-/** With network and ConnMan working again, a new connection succeeds in any state. */
+/**
+ * Restores the cable and the DHCP server, disconnects and connects again. Returns true if the
+ * daemon gets online with a lease.
+ */
 bool TestEthernetConnman::connectAnew()
 {
     connman.plugCable();
@@ -428,7 +431,8 @@ void TestEthernetConnman::connManMayHangAtAnyTime()
         QDBusMessage::createMethodCall("com.orvendis.Strandel.BoardManager", "/KyComMgr",
                                        "com.orvendis.Strandel.BoardManager.Ethernet", "setIPv4")
         << QVariantMap{{"Method", "dhcp"}});
-    // The start of the daemon's wait is not observable; time that passes before it has no effect.
+    // The test cannot see when the daemon begins to wait, and time that passes earlier has no
+    // effect: advance the clock repeatedly.
     QVERIFY(QTest::qWaitFor(
         [&] {
             daemon.letTimePass(callTimeoutSeconds);

@@ -40,7 +40,7 @@ void TestEthernetTimeout::init()
     daemon.controlClock();
 }
 
-/** Calls @p method, which calls ConnMan in turn; returns the reply after that call's timeout. */
+/** Calls @p method, which calls ConnMan. Returns the reply after the call to ConnMan timed out. */
 QString TestEthernetTimeout::callWithoutAnswer(const QString &method, const QVariantList &values)
 {
     const QDBusPendingCall pending = ethernet.start(method, values);
@@ -185,8 +185,8 @@ void TestEthernetTimeout::anExistingAddressEndsTheAttempt()
 
 void TestEthernetTimeout::startWaitsForOneTimeoutIfConnManDoesNotAnswer()
 {
-    // letTimePass() wakes the daemon through its bus name, which it does not own yet: run its clock
-    // faster instead.
+    // letTimePass() wakes the daemon through its bus name, which the daemon does not own yet: run
+    // the daemon's clock faster instead.
     daemon.speedUp(20);
     connman.holdMethod("Technology.SetProperty");
     QVERIFY(daemon.start());

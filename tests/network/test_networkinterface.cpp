@@ -8,7 +8,7 @@
 #include <fcntl.h>
 #include <unistd.h>
 
-/** The kernel's information about network interfaces, real ones of the private world. */
+/** The kernel's information about network interfaces, which the test creates in a private world. */
 class TestNetworkInterface : public QObject
 {
     Q_OBJECT

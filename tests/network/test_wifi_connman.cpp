@@ -228,7 +228,7 @@ void TestWifiConnman::anAbsentNetworkIsJoinedOnceItIsBack()
     const Remote radio("net.connman", "/net/connman/technology/wifi", "net.connman.Technology");
     QCOMPARE(radio.call("SetProperty", {"Powered", QVariant::fromValue(QDBusVariant(true))}), done);
     QTRY_VERIFY_WITH_TIMEOUT(!RealConnman::properties(cafe).isEmpty(), deadlineMs);
-    // ConnMan lists it until the next scan.
+    // ConnMan lists the network until the next scan, although it is out of range.
     supplicant.set("cafe/in_range", "0");
     QCOMPARE(join("Cafe"), done);
     QVERIFY(waitForState("association", "WIFI", ""));

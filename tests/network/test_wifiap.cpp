@@ -80,7 +80,8 @@ QString TestWifiAp::start(const QVariantMap &parameters)
 }
 
 /**
- * Starts the daemon and the access point until that state; discards the calls and signals so far.
+ * Starts the daemon, and the access point until it is in state @p name; discards the calls and
+ * signals so far.
  */
 void TestWifiAp::reach(const QString &name)
 {
@@ -185,7 +186,7 @@ void TestWifiAp::aFailedConnectSendsErrorThenSignalThenReturn()
     QStringList kinds;
     for (const QString &line : monitor.takeFromDaemon())
         kinds << line.section(' ', 0, 0);
-    // The first signal announces the configuration.
+    // The first signal announces the state "configuration".
     QCOMPARE(kinds, (QStringList{"signal", "error", "signal", "return"}));
 }
 

@@ -293,7 +293,7 @@ void TestWifiAttempt::otherCallsAreAnsweredWhileConnectIsOutstanding()
         QCOMPARE(wifi.call("getStrength"), QString("({})"));
         fastest = qMin(fastest, timer.elapsed());
     }
-    // A busy machine delays some of them, but not all.
+    // A busy machine delays some of the replies, but not all.
     QVERIFY2(fastest < 50, qPrintable(QString::number(fastest)));
     QCOMPARE(wifi.call("scan"), QString("()"));
     QCOMPARE(announced(), QStringList());
@@ -311,7 +311,7 @@ void TestWifiAttempt::theAgentAnswersWhileConnectIsOutstanding()
     QCOMPARE(connman.requestInput(lab, {{"Identity", ConnmanStandIn::field("mandatory")}}),
              QString("({\"Identity\": <\"me\">})"));
 
-    // The agent answers two requests for each connect; the first was the stand-in's own request.
+    // The agent answers two requests for each connect: that of Connect itself, and the one above.
     QCOMPARE(connman.requestInput(lab, {{"Identity", ConnmanStandIn::field("mandatory")}}),
              QString("net.connman.Agent.Error.Canceled: "));
     QCOMPARE(announced(), QStringList{association});
@@ -461,7 +461,7 @@ void TestWifiAttempt::aScanDoesNotDisturbAConnectThatIsStillIdle()
 
     QCOMPARE(trace().mid(records), QStringList{"scan OP:connect idle Lab"});
     QCOMPARE(announced(), QStringList());
-    // The 15 s of a scan do not end the connect either.
+    // The 15 s timeout of a scan does not end the connect either.
     daemon.letTimePass(20);
     QCOMPARE(announced(), QStringList());
     if (phase == "script") {
