@@ -1,4 +1,5 @@
-"""The compile, link and test commands of the build directory, for scripts that build variants of it."""
+"""The compile, link and test commands of the build directory, for scripts that build its programs with
+changes."""
 
 import json
 import os
@@ -36,12 +37,12 @@ class Build:
                               stderr=subprocess.DEVNULL).returncode
 
     def object_of(self, file):
-        """Returns the object file of a source of the daemon, with its name in the library."""
+        """Returns the object file of a source of the daemon, relative to the build directory."""
         command = shlex.split(self.compile_commands[os.path.join(TREE, file)])
         return command[command.index('-o') + 1]
 
     def library_of(self, file):
-        """Returns the library of a source of the daemon; None for the program's own source."""
+        """Returns the library of a source of the daemon; None for a source of no library."""
         target = re.search(r'/CMakeFiles/(\w+)\.dir/', self.object_of(file)).group(1)
         library = f'src/lib{target}.a'
         return library if library in LIBRARIES else None
@@ -68,8 +69,8 @@ class Build:
             raise RuntimeError('cannot link ' + target)
 
     def holds_library(self, program, objects=None):
-        """Returns whether a program contains code of the daemon's libraries, or of some of their
-        objects."""
+        """Returns whether a program contains code of the daemon's libraries, or of these objects of
+        them."""
         if not os.path.exists(self.path(program)):
             return False
         wanted = set()
@@ -87,8 +88,8 @@ class Build:
         return os.path.relpath(self.tests[name]['command'][-1], self.directory)
 
     def test_command(self, name, programs, program=None):
-        """Returns the command that runs a test with the daemon in the given directory and,
-        optionally, another program."""
+        """Returns the command that runs a test with the daemon in the directory programs and,
+        optionally, with program instead of its own test program."""
         command = list(self.tests[name]['command'])
         if '--' in command:
             command[command.index('--'):command.index('--')] = ['--programs', programs]
@@ -97,7 +98,8 @@ class Build:
         return command
 
     def run_test(self, name, command, deadline):
-        """Runs a test until its first failure. Returns whether it passed, and its output."""
+        """Runs a test until its first failure, at most for deadline seconds. Returns whether it passed,
+        and its output."""
         properties = {entry['name']: entry['value']
                       for entry in self.tests[name].get('properties', [])}
         environment = dict(os.environ)

@@ -32,7 +32,7 @@ SCOPED_NAME = re.compile(r'\b(Error|KyTcpIpState|JoinStep|StorageEvent|KyLED)::(
 
 
 def masked(text):
-    """Returns the text with comments, directives, texts and characters blanked, at equal length."""
+    """Returns the text with blank comments and directives and masked literals, at equal length."""
     def blot(match):
         lexeme = match.group()
         if lexeme[0] in '"\'':
@@ -42,7 +42,7 @@ def masked(text):
 
 
 def texts(text):
-    """Yields the positions of the file's texts, without their quotation marks."""
+    """Yields start and end of each string literal, without its quotation marks."""
     for match in LEXEMES.finditer(text):
         if match.group()[0] == '"':
             yield match.start() + 1, match.end() - 1
@@ -62,7 +62,8 @@ def closing(code, opening):
 
 
 def call_statements(code):
-    """Yields the statements that end in a call or an assignment and are no declarations."""
+    """Yields start and end of each statement that is a call, an assignment, a break or a continue,
+    and not a declaration."""
     for match in CALL_STATEMENT.finditer(code):
         call = match.group('call')
         if code[:match.start()].count('(') - code[:match.start()].count(')') != 0:
@@ -74,7 +75,7 @@ def call_statements(code):
 
 
 def other_numbers(digits):
-    """Returns the neighbours of a number; for a large one, a time or a size, half and double."""
+    """Returns the neighbours of a number; of a large one, such as a time or a size, half and double."""
     value = int(digits, 8 if re.fullmatch('0[0-7]+', digits) else 0)
     if value >= 1000 and digits.isdecimal():
         return [value // 2, value * 2]
@@ -97,7 +98,8 @@ def edits(text, names):
     for match in re.finditer(r'\b(?:if|while) \(', code):
         end = closing(code, match.end() - 1)
         condition = text[match.end():end]
-        # Without the exclamation mark it would be the same mutant again.
+        # Leave out the negation of a single negated term: the removal of its exclamation mark above is
+        # the same mutant.
         if not condition.startswith('!') or '&&' in condition or '||' in condition:
             yield 'condition', match.end(), end, '!(' + condition + ')'
     for match in NUMBER.finditer(code):
@@ -121,7 +123,8 @@ def edits(text, names):
 
 
 def scoped_names(contents):
-    """Returns the names used from each scope whose names can replace one another."""
+    """Returns the names that the files use from each scope of SCOPED_NAME: they can replace each
+    other."""
     names = collections.defaultdict(set)
     for text in contents:
         for scope, name in SCOPED_NAME.findall(masked(text)):
