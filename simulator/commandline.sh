@@ -103,7 +103,7 @@ start_instrument() {
         fi
         set -- "$@" --display --join "$handle" -- "${command[@]}"
     else
-        # Without a command, the instrument runs until it is stopped: let other commands join it.
+        # Let other commands join an instrument without a command, with a handle of its own or with a panel.
         if [ ${#command[@]} -eq 0 ] || [ -n "$own_handle$panel" ]; then
             set -- "$@" --handle "$handle"
         fi

@@ -24,19 +24,20 @@ const Control::Method Control::methods[] = {
     // Sets one property of a service or a technology, and sends its PropertyChanged.
     {"ChangeProperty", "osv", false, &Control::changeProperty},
     {"AnnounceServices", "", false, &Control::announceServices},
-    // Path, interface and name of any signal, and its values.
+    // Arguments: path, interface and name of any signal, and its values.
     {"SendSignal", "oss", true, &Control::sendSignal},
-    // A call, with the name and text of its error or with the values of its reply.
+    // Arguments: a call, and the name and text of its error or the values of its reply.
     {"Fail", "sss", false, &Control::fail},
     {"Reply", "s", true, &Control::reply},
-    // A call and its delay in milliseconds; or a call that gets no reply until it is released.
+    // Arguments of Delay: a call and its delay in milliseconds. Hold delays until Release.
     {"Delay", "su", false, &Control::delay},
     {"Hold", "s", false, &Control::hold},
     {"Release", "s", false, &Control::release},
     {"ClearRules", "", false, &Control::clearRules},
-    // The fields that Connect of a service asks the agent for before it replies.
+    // Arguments: a service, and the fields that Connect requests from the agent before it replies.
     {"AskOnConnect", "oa{sv}", false, &Control::askOnConnect},
-    // A method of the agent registered last, and its arguments; replies as the agent does.
+    // Calls the agent registered last, and replies as the agent does. Arguments: the method and
+    // its arguments.
     {"CallAgent", "s", true, &Control::callAgent},
     // SetLively makes the stand-in act by itself, see Lively. Surroundings are cables and networks,
     // whose technology must exist; SetPassphrase sets the passphrase of a network.

@@ -12,8 +12,8 @@
  * is powered, makes connections, and announces these changes. Sends signals in the same order as
  * the real ConnMan.
  *
- * A cable in a powered socket is connected at once, to a DHCP server that leases 10.77.0.72. A
- * network is joined on Connect, with the passphrase of the caller's agent.
+ * A cable is connected as soon as its technology is powered, to a DHCP server that leases
+ * 10.77.0.72. A network is joined on Connect, with the passphrase of the caller's agent.
  */
 class Lively : public QObject, public Behaviour
 {

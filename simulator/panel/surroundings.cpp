@@ -38,7 +38,8 @@ int isStopped(const QString &pidFile)
 
 int cableState()
 {
-    // Read the carrier of "socket", the cable's near end: unlike eth0, ConnMan never takes it down.
+    // Read the carrier of "socket", the cable's near end: ConnMan takes eth0 down, but never
+    // "socket".
     QFile carrier(QStringLiteral("/sys/class/net/socket/carrier"));
     if (!carrier.open(QIODevice::ReadOnly))
         return -1;
