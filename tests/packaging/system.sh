@@ -24,7 +24,7 @@ unpack_system() {
 }
 
 # Boots the unpacked system without a network, until it powers off or the time is over. The
-# container makes nothing read-only: the restrictions of the services are tested.
+# container makes nothing read-only, so that only the services' own restrictions apply.
 # usage: boot_system DIRECTORY SECONDS
 boot_system() {
     SYSTEMD_NSPAWN_API_VFS_WRITABLE=yes timeout --kill-after=10 "$2" \

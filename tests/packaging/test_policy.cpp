@@ -167,7 +167,7 @@ QDBusConnection connectAs(const char *user)
     return bus;
 }
 
-/** Returns whether the bus lets @p call of @p user through to the daemon, whatever the reply. */
+/** Returns "refused" if the bus refuses @p call of @p user, "no reply", or "through". */
 QString fate(const char *user, const QDBusMessage &call)
 {
     QDBusConnection bus(user);
@@ -204,7 +204,7 @@ void TestPolicy::unicastSignalsToTheDaemonAreRefused_data()
     QTest::newRow("stranger") << "stranger";
 }
 
-/** The stock rules let unicast signals through, and the receiver would have to read them. */
+/** The stock rules let unicast signals through, and the daemon would have to read them. */
 void TestPolicy::unicastSignalsToTheDaemonAreRefused()
 {
     QFETCH(QString, user);
@@ -277,7 +277,7 @@ void TestPolicy::aLargeMessageEndsItsSender()
     QVERIFY(daemon.isRunning());
 }
 
-/** While the daemon reads nothing, a few calls wait in the bus, and it refuses the others. */
+/** While the daemon reads nothing, the bus queues a few calls and refuses the others. */
 void TestPolicy::aFloodIsRefusedInsteadOfQueued()
 {
     QVERIFY(daemon.start());
@@ -301,7 +301,7 @@ void TestPolicy::aFloodIsRefusedInsteadOfQueued()
                 reply.error().name() == QLatin1String("org.freedesktop.DBus.Error.LimitsExceeded");
         return count;
     };
-    // 1 MiB and the message that exceeds it are queued; the sockets hold part of another one.
+    // The bus queues 1 MiB and the message that exceeds it; the sockets hold a part of another one.
     QTRY_VERIFY2_WITH_TIMEOUT(refused() >= 13, qPrintable(QString::number(refused())), deadlineMs);
     QCOMPARE(kill(pid_t(daemon.processId()), SIGCONT), 0);
 
@@ -312,8 +312,8 @@ void TestPolicy::aFloodIsRefusedInsteadOfQueued()
 }
 
 /**
- * A rule without a destination would apply to every service of the bus. The daemon's own user has a
- * rule for its calls; all others are about the daemon.
+ * A rule without a destination would apply to every service of the bus. The rule for the daemon's
+ * own user names ConnMan; all others name the daemon.
  */
 void TestPolicy::everyRuleNamesItsDestination()
 {

@@ -107,7 +107,7 @@ void TestPreparation::packagesAreNamedBeforeTheyAreInstalled()
     QVERIFY(lines.at(0).contains("README.md"));
     QVERIFY(lines.at(1).startsWith("apt-get installs: g++ cmake "));
     QCOMPARE(lines.at(2), QString("apt-get update"));
-    // Without a question: it would block a script.
+    // apt-get asks no question, which would block a script.
     QCOMPARE(lines.at(3), "apt-get noninteractive install --yes --no-install-recommends " +
                               lines.at(1).section(": ", 1));
 }
@@ -191,11 +191,11 @@ void TestPreparation::eachFormSelectsItsTests_data()
     QTest::newRow("tests") << "" << QByteArray("0") << tests;
     QTest::newRow("tests of an ordinary user") << "" << QByteArray("1000") << tests;
     QTest::newRow("checks") << "--checks" << QByteArray("0") << " --label-exclude long";
-    // They cannot make the systems in which the packages are installed.
+    // Ordinary users cannot make the systems in which the packages are installed.
     QTest::newRow("checks of an ordinary user")
         << "--checks" << QByteArray("1000") << " --label-exclude long|root";
     QTest::newRow("long") << "--long" << QByteArray("0") << "";
-    // A release needs everything: what needs root fails.
+    // A release needs every check: those that need root fail.
     QTest::newRow("long of an ordinary user") << "--long" << QByteArray("1000") << "";
 }
 
@@ -233,7 +233,7 @@ void TestPreparation::installedBuildDependenciesAreNotInstalledAgain()
     QCOMPARE(lines.filter("apt-get"), QStringList());
 }
 
-/** In a tree without git, as an archive has it. */
+/** The tree has no git repository, like an unpacked source archive. */
 void TestPreparation::newPackagesReplaceTheOldOnes()
 {
     QVERIFY(QDir().mkpath(m_tree + "/build/package"));
@@ -246,7 +246,9 @@ void TestPreparation::newPackagesReplaceTheOldOnes()
     QCOMPARE(entries("build"), QStringList{"package"});
 }
 
-/** Without those that git ignores, also in a clone of another user, as a forge's container has it.
+/**
+ * Files that git ignores are not packaged. The clone may belong to another user, as in a forge's
+ * container.
  */
 void TestPreparation::theFilesInGitArePackaged()
 {

@@ -147,7 +147,7 @@ void TestQtNewer::programsLinkOnlyKnownLibraries()
         QVERIFY2(library.contains(known), qPrintable(library));
 }
 
-/** Everything else that debian/control names belongs to the virtual instrument. */
+/** All other build dependencies are marked as those of the virtual instrument. */
 void TestQtNewer::theDaemonsPackageNeedsNothingOfThePanel()
 {
     QFile control(SOURCES "/debian/control");

@@ -8,7 +8,8 @@
 #include <QTest>
 
 /**
- * tools/release, on a copy of the files that it changes with a fake ./test, and debian/changelog.
+ * debian/changelog, and tools/release: it changes a copy of the tree's files and calls a fake
+ * ./test.
  */
 class TestRelease : public QObject
 {
@@ -150,7 +151,7 @@ void TestRelease::aReleaseChangesTheVersionEverywhere()
         QVERIFY(text(file).contains("KyBoardManager=90.12\n"));
         QVERIFY(!text(file).contains("KyBoardManager=" VERSION));
     }
-    // Other figures there can look like the version.
+    // Figures in this document can look like the version.
     QCOMPARE(text("docs/measurements.md"), measurements);
     QCOMPARE(git({"status", "--porcelain"}), QString());
 }

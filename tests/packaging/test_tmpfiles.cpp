@@ -36,7 +36,7 @@ void TestTmpfiles::init()
     removePath(profiles);
 }
 
-/** Its exit status also covers other entries. */
+/** Ignores the exit status of systemd-tmpfiles, which covers the entry of the trace, too. */
 void TestTmpfiles::create()
 {
     QProcess::execute(QStringLiteral("systemd-tmpfiles"), {"--create", QStringLiteral(TMPFILES)});
