@@ -143,8 +143,8 @@ const Option *findOption(const QString &name);
 const QVector<StatusMeaning> &exitStatuses();
 
 /**
- * Returns the command whose words @p words begins with; nullptr if there is none. Sets @p used to
- * the number of these words.
+ * Returns the command that @p words begins with; nullptr if there is none. Sets @p used to the
+ * number of the words that name the command.
  */
 const Command *findCommand(const QStringList &words, int *used);
 

@@ -8,13 +8,13 @@
 
 #include <memory>
 
-/** The supplicant's main object. It has at most one interface, like the instrument. */
+/** The supplicant's main object. Like the instrument, it has at most one network interface. */
 class Supplicant
 {
 public:
     static const QString path;
 
-    /** The interface; null until a client has created one. */
+    /** The network interface; null until a client has created one. */
     Station *station() const { return m_station.get(); }
 
     /** Carries out and answers a call of the main object. */
