@@ -174,8 +174,8 @@ QByteArray writeRecords(const Records &records, QString &complaint)
         complaint = QStringLiteral("the measure record ") + flaw;
         return QByteArray();
     }
-    // The daemon may return bytes as a client set them, shorter than their fields. Encode and decode
-    // the values: then the bytes fill their fields.
+    // The daemon may return bytes as a client set them, shorter than their fields. Encode and
+    // decode the values: then the bytes fill their fields.
     const QByteArray instrument = encodedInstrument(records.instrument);
     const QByteArray measure = encodedMeasure(records.measure);
     QJsonObject file;
