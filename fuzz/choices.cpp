@@ -95,7 +95,7 @@ const char *const words[] = {
     "a\nwpa_passphrase=b",
 };
 
-/** Characters of each UTF-8 length, and of each kind with special treatment. */
+/** Characters of each UTF-8 length, and characters that programs often treat specially. */
 const char *const characters[] = {
     "a", "Z", "0",    " ",    "=", "/",      ".",  ",",      "\n",     "\t",     "\\", "\"",
     "'", "%", "\x01", "\x7f", "é", "\u0300", "中", "\u202e", "\ufeff", "\uffff", "😀",  "\U0010ffff",
@@ -141,7 +141,7 @@ Choices::Choices(std::uint64_t seed) : m_state(seed), m_isSeeded(true) {}
 std::uint8_t Choices::byte()
 {
     if (m_isSeeded) {
-        // SplitMix64: every seed, including 0 and neighbouring ones, gives a different sequence.
+        // SplitMix64: every seed, even 0 or a neighbour of another seed, gives its own sequence.
         m_state += 0x9e3779b97f4a7c15;
         std::uint64_t mixed = m_state;
         mixed = (mixed ^ (mixed >> 30)) * 0xbf58476d1ce4e5b9;

@@ -9,8 +9,8 @@
 /**
  * The source of a generator's decisions: the bytes of a fuzzer's input, or a seed.
  *
- * The same bytes, or the same seed, give the same decisions. After the last byte every decision is
- * the first alternative. A generator must therefore end if all decisions are the first alternative.
+ * The same bytes, or the same seed, give the same decisions. After the last byte, every decision is
+ * the first alternative. A generator must therefore terminate if it gets only first alternatives.
  */
 class Choices
 {
@@ -42,11 +42,12 @@ public:
     std::string bytes(std::size_t most);
 
     /**
-     * Returns valid UTF-8 without NUL: a word from the table, or up to @p most random characters.
+     * Returns valid UTF-8 without NUL: a word from the table in choices.cpp, or up to @p most
+     * random characters.
      */
     std::string text(std::size_t most = 24);
 
-    /** Returns all remaining bytes. */
+    /** Returns all remaining bytes of the fuzzer's input. */
     std::string rest();
 
 private:

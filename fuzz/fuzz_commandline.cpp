@@ -27,7 +27,7 @@ QString word(Choices &choices, const Command &command)
         if (choices.oneIn(3) && !argument.choices.isEmpty())
             made = argument.choices[int(choices.below(quint32(argument.choices.size())))];
     }
-    // Drop words with "@": they could name any file of the machine.
+    // Drop words with "@": kyboardctl would read the file whose name follows.
     return made.contains(QLatin1Char('@')) ? QString() : made;
 }
 

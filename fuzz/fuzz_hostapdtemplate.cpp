@@ -19,7 +19,7 @@ QString text(Choices &choices)
 }
 } // namespace
 
-/** Templates with any content and any parameters of a client. */
+/** Templates with any content, and any parameters from a client. */
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t *data, std::size_t size)
 {
     Choices choices(data, size);

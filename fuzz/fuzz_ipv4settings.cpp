@@ -4,7 +4,7 @@
 #include "require.h"
 #include "settingtext.h"
 
-/** Clients' maps for setIPv4, one after another. */
+/** The maps of several successive setIPv4 calls. */
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t *data, std::size_t size)
 {
     Choices choices(data, size);

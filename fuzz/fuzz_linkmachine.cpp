@@ -19,7 +19,7 @@ LinkEvent anyEvent(Choices &choices)
 }
 } // namespace
 
-/** Events in any order, including impossible ones. */
+/** Events in any order, including events that the state makes impossible. */
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t *data, std::size_t size)
 {
     Choices choices(data, size);

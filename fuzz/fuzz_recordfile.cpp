@@ -5,7 +5,7 @@
 
 namespace
 {
-/** Qt 5.15's parser leaks memory for an invalid document. */
+/** Ignores leaks: Qt 5.15's JSON parser leaks memory if the document is invalid. */
 bool readWithoutLeakCheck(const QByteArray &content, Records &records, QString &complaint)
 {
     __lsan_disable();
@@ -15,7 +15,7 @@ bool readWithoutLeakCheck(const QByteArray &content, Records &records, QString &
 }
 } // namespace
 
-/** A file from which both identification records are restored. */
+/** The file from which kyboardctl restores both identification records. */
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t *data, std::size_t size)
 {
     const QByteArray content(reinterpret_cast<const char *>(data), int(size));

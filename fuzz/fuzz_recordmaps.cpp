@@ -12,10 +12,10 @@
 
 namespace
 {
-/** The levels around a value in a map: array, entry and variant. */
+/** The container levels around a value in a map: array, entry and variant. */
 const int levelsOfMap = 3;
 
-/** A map with a value of any type for each of @p keys, sometimes without one. */
+/** Returns a map with a value of any type for each of @p keys; sometimes a key is missing. */
 template <std::size_t count>
 QVariantMap mapOf(const char *const (&keys)[count], Choices &choices)
 {

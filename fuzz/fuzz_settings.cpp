@@ -12,7 +12,7 @@
 
 namespace
 {
-/** A file with a new name each time: QSettings caches by name. */
+/** A file with a new name each time, because QSettings caches the content by name. */
 class TemporaryFile
 {
 public:

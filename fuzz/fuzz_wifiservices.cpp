@@ -19,7 +19,7 @@ QList<ConnmanObject> readObjects(Choices &choices)
         qdbus_cast<QList<ConnmanObject>>(Peer::instance().receive("a(oa{sv})", choices).value(0));
     for (ConnmanObject &object : objects) {
         object.properties = plainMap(object.properties);
-        // A random word is rarely a network's name.
+        // Random properties rarely include the type and the name of a network.
         if (choices.oneIn(2))
             object.properties[QStringLiteral("Type")] = QStringLiteral("wifi");
         if (choices.oneIn(2))

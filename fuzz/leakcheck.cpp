@@ -7,13 +7,16 @@
 #include <unistd.h>
 
 /*
- * Preloaded into a program with sanitizers, which then handles these signals:
+ * A library to preload into a program that is built with sanitizers. The program then handles these
+ * signals:
  *   SIGUSR1  writes the number of allocated bytes to /run/allocated
- *   SIGUSR2  checks for leaks, reports them, and ends; the daemon ends by a signal, after which
- *            LeakSanitizer does not run
+ *   SIGUSR2  checks for leaks, reports them, and exits
+ *
+ * The daemon needs SIGUSR2 because it ends by a signal, and LeakSanitizer does not run after a
+ * signal.
  */
 
-// GCC's library exports it without a header.
+// GCC's sanitizer library exports this function, but no header declares it.
 extern "C" std::size_t allocatedBytes() asm("__sanitizer_get_current_allocated_bytes");
 
 namespace
@@ -30,14 +33,14 @@ void tellAllocated(int)
 
 void lookForLeaks(int)
 {
-    // Exits with a status of its own if it finds leaks.
+    // Does not return if it finds leaks: exits with LeakSanitizer's error status.
     __lsan_do_leak_check();
     _exit(0);
 }
 
 [[gnu::constructor]] void listen()
 {
-    // Its child processes are not checked.
+    // Do not preload this library into child processes.
     unsetenv("LD_PRELOAD");
     if (signal(SIGUSR1, tellAllocated) == SIG_ERR || signal(SIGUSR2, lookForLeaks) == SIG_ERR)
         std::abort();

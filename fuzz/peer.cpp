@@ -79,7 +79,10 @@ bool Peer::canSend(const QVariantList &values)
     return m_receiver.send(message) && isReceived();
 }
 
-/** Waits until our message has arrived, or the connection was closed because of it. */
+/**
+ * Returns true when the message of canSend() has arrived, false if the connection was closed
+ * because of this message.
+ */
 bool Peer::isReceived()
 {
     bool isReceived = false;
@@ -97,7 +100,10 @@ DBusMessage *Peer::newMessage()
     return dbus_message_new_signal(qPrintable(path), qPrintable(interface), qPrintable(member));
 }
 
-/** A message that no bus would deliver is not received: returns no values. */
+/**
+ * Sends @p message and returns its values as they were received; no values if @p isSendable is
+ * false, because no bus would deliver the message.
+ */
 QVariantList Peer::deliver(DBusMessage *message, bool isSendable)
 {
     m_isDelivered = !isSendable;
@@ -115,7 +121,7 @@ QVariantList Peer::deliver(DBusMessage *message, bool isSendable)
     return values;
 }
 
-/** Receives everything that was sent back. */
+/** Discards everything that Qt D-Bus has sent back. */
 void Peer::drain()
 {
     dbus_connection_read_write(m_sender, 0);

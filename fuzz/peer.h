@@ -25,9 +25,10 @@ public:
     static Peer &instance();
 
     /**
-     * Returns values of the types @p signature, made from @p choices, as a slot receives them.
+     * Returns values with the types of @p signature, generated from @p choices, in the form in
+     * which a slot receives them.
      *
-     * @param around the number of container levels that will be around the values later
+     * @param around the number of container levels that the caller will put around the values
      */
     QVariantList receive(const std::string &signature, Choices &choices, int around = 0);
 
@@ -55,10 +56,10 @@ private:
     QVariantList m_values;
 };
 
-/** Returns a text of the choices as a QString. */
+/** Returns Choices::text() of @p choices as a QString. */
 QString anyText(Choices &choices);
 
-/** Returns the first of @p values as the map that a slot with such a parameter gets. */
+/** Returns the first of @p values as a map, in the form in which a slot gets a map parameter. */
 QVariantMap firstMap(const QVariantList &values);
 
 #endif

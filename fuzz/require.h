@@ -4,7 +4,7 @@
 #include <cstdio>
 #include <cstdlib>
 
-/** Aborts the fuzzer, which then keeps its input, unless @p holds. */
+/** Aborts the fuzzer unless @p holds is true. libFuzzer then stores the failing input. */
 inline void require(bool holds, const char *what)
 {
     if (holds)

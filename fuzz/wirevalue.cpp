@@ -9,7 +9,10 @@ namespace
 {
 const char basicTypes[] = {'y', 's', 'b', 'n', 'q', 'i', 'u', 'x', 't', 'd', 'o', 'g', 'h'};
 
-/** The bus's limit for one message: it closes the connection of a sender that exceeds it. */
+/**
+ * The bus's limit for the file descriptors in a message. The bus closes the connection of a sender
+ * that exceeds this limit.
+ */
 const int mostDescriptors = 16;
 
 /** The maximum length of a message's signature. */
@@ -30,7 +33,7 @@ bool isBasic(const std::string &signature)
 std::string anyBasicType(Choices &choices)
 {
     const char type = choices.among(basicTypes);
-    // A higher share would leave few messages without descriptors.
+    // Replace most file descriptors by texts: otherwise few messages would have no descriptors.
     return std::string(1, type == 'h' && !choices.oneIn(4) ? 's' : type);
 }
 

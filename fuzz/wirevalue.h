@@ -50,7 +50,7 @@ private:
 
     Choices &m_choices;
     DBusMessageIter m_end;
-    /** The remaining number of list elements: nested containers add up. */
+    /** How many list elements may still be appended, in all containers of the message together. */
     int m_elementsLeft = 4000;
     int m_descriptors = 0;
     std::size_t m_signatureSize = 0;
@@ -59,7 +59,7 @@ private:
 /** Splits @p signature into its types. */
 std::vector<std::string> typesOf(const std::string &signature);
 
-/** Returns an object path; one of the daemon or ConnMan more often than others. */
+/** Returns an object path: usually one of the daemon or of ConnMan, sometimes an unknown path. */
 std::string anyPath(Choices &choices);
 
 #endif

@@ -7,7 +7,8 @@
 namespace
 {
 /**
- * The frequency (one in 20) of calls that copy profiles or start scripts that the daemon waits for.
+ * One in this number of choices of a heavy method is kept; the others are repeated. Heavy methods
+ * copy profiles or start scripts, and the daemon waits for them.
  */
 const std::uint32_t rarity = 20;
 
@@ -29,7 +30,10 @@ Message newCall(const std::string &path, const std::string &interface, const std
         daemonName, path.c_str(), interface.empty() ? nullptr : interface.c_str(), name.c_str()));
 }
 
-/** Leaves the message empty if it would have more file descriptors than the bus allows. */
+/**
+ * Appends values of the types @p signature and, if @p isAnything is true, values of any types.
+ * Appends nothing if the message would have more file descriptors than the bus allows.
+ */
 void fill(Message &message, const std::string &signature, bool isAnything, Choices &choices)
 {
     Message bare(dbus_message_copy(message.get()));
@@ -42,7 +46,7 @@ void fill(Message &message, const std::string &signature, bool isAnything, Choic
         message = std::move(bare);
 }
 
-/** Returns @p signature with types removed, added or replaced. */
+/** Returns @p signature with a type added, the last type removed, or all types replaced. */
 std::string changed(const std::string &signature, Choices &choices)
 {
     std::vector<std::string> types = typesOf(signature);

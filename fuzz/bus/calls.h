@@ -5,7 +5,7 @@
 #include "connection.h"
 #include "introspection.h"
 
-/** A call of the daemon, and its expected result. */
+/** A method call to the daemon, and its expected reply. */
 struct Call {
     Message message;
     /** The signature of a successful reply; "*" for any. */
@@ -13,18 +13,18 @@ struct Call {
 };
 
 /**
- * Returns the call with the number @p number in the sequence of @p seed; deterministic for the same
- * arguments.
+ * Returns the call with the number @p number in the sequence of @p seed. The same arguments always
+ * give the same call.
  */
 Call makeCall(std::uint64_t seed, std::uint64_t number, const Interfaces &interfaces);
 
 /**
- * Returns an invalid message: a signal or reply that pretends to come from another peer, or out of
- * turn.
+ * Returns a forged message: a signal that pretends to come from ConnMan or the bus, or a reply that
+ * belongs to no call.
  */
 Message makeForgery(Choices &choices, const Interfaces &interfaces);
 
-/** Returns the choices for the number @p number of one of the sequences of @p seed. */
+/** Returns the choices for the event @p number in one of the independent sequences of @p seed. */
 Choices choicesOf(std::uint64_t seed, std::uint64_t sequence, std::uint64_t number);
 
 #endif

@@ -22,7 +22,7 @@ Connection::Connection() : m_connection(dbus_bus_get_private(DBUS_BUS_SYSTEM, nu
     if (m_connection == nullptr)
         giveUp("there is no system bus");
     dbus_connection_set_exit_on_disconnect(m_connection, false);
-    // Allow more than one unread message, whatever its size and descriptors.
+    // Allow several unread messages of the maximum size and with the maximum of file descriptors.
     dbus_connection_set_max_received_size(m_connection, 1 << 28);
     dbus_connection_set_max_received_unix_fds(m_connection, 1 << 10);
 }

@@ -11,7 +11,7 @@ struct MessageDeleter {
     void operator()(DBusMessage *message) const { dbus_message_unref(message); }
 };
 
-/** A message that is unreferenced with its owner. */
+/** An owned reference to a message. */
 using Message = std::unique_ptr<DBusMessage, MessageDeleter>;
 
 /** A private, non-blocking connection to the system bus. */
@@ -24,7 +24,7 @@ public:
     Connection &operator=(const Connection &) = delete;
 
     /**
-     * Sends @p message as soon as the bus accepts it. @return its serial number
+     * Queues @p message for sending. @return its serial number
      */
     std::uint32_t send(const Message &message);
 
@@ -34,7 +34,9 @@ public:
     /** Sends a call and waits for its reply; discards earlier messages. */
     Message callAndWait(const Message &message);
 
-    /** Flushes all sent messages; returns false if the bus has closed the connection. */
+    /**
+     * Writes queued messages without waiting. Returns false if the bus has closed the connection.
+     */
     bool flush();
 
     int descriptor() const;
@@ -47,7 +49,7 @@ private:
 /** Waits until one of @p connections can be read or written, or for the timeout. */
 void waitForAny(const std::vector<const Connection *> &connections, int milliseconds);
 
-/** Exits with a message if a requirement is missing. */
+/** Prints @p why and exits with an error status. */
 [[noreturn]] void giveUp(const std::string &why);
 
 extern const char daemonName[];

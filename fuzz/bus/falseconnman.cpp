@@ -18,7 +18,7 @@ void appendVariant(DBusMessageIter &end, int type, const void *value)
     dbus_message_iter_close_container(&end, &inside);
 }
 
-/** One property in ConnMan's form. */
+/** An entry of a property map, open for its value from the constructor to the destructor. */
 class Entry
 {
 public:
@@ -116,7 +116,10 @@ void appendObjects(const Message &message, bool isOfServices, Choices &choices)
     dbus_message_iter_close_container(&writer.end(), &list);
 }
 
-/** Makes "PropertyChanged" of a technology or a service in ConnMan's form. */
+/**
+ * Returns the signal "PropertyChanged" of a technology or a service, usually in ConnMan's form.
+ * Null if the signal cannot be sent.
+ */
 Message propertyChanged(Choices &choices)
 {
     static const char *const names[] = {"Powered", "Connected", "State",
@@ -209,7 +212,7 @@ void FalseConnman::act(Choices &choices, const Interfaces &interfaces)
         m_connection->send(signal);
 }
 
-/** The reply to each call of the daemon depends on the call's number. */
+/** Replies to @p call. The reply depends only on the seed and on the number of the call. */
 void FalseConnman::answer(const Message &call)
 {
     Choices choices = choicesOf(m_seed, 2, ++m_count);

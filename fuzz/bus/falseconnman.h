@@ -10,24 +10,25 @@
 #include <memory>
 
 /**
- * Owns ConnMan's name and misbehaves in every way: it replies with errors, with values of any type,
- * late, twice or never, and often enough correctly that the daemon makes progress.
+ * Owns ConnMan's name and misbehaves: it replies with errors, with values of any type, late, twice
+ * or never. It replies correctly often enough for the daemon to make progress.
  */
 class FalseConnman
 {
 public:
     /**
-     * @param isOftenSilent true if the timeout of a missing reply passes quickly
+     * @param isOftenSilent true to omit one reply in 1,000 instead of one in 100,000: for a daemon
+     *        whose timeouts expire quickly
      */
     FalseConnman(std::uint64_t seed, bool isOftenSilent);
 
-    /** Answers the daemon's pending calls, and sends what is due. */
+    /** Answers the daemon's pending calls, and sends the late replies that are due. */
     void work();
 
     /** Sends a correct or random signal; or leaves the bus and returns. */
     void act(Choices &choices, const Interfaces &interfaces);
 
-    /** Makes all further replies immediate and never missing. */
+    /** From now on, sends a correct reply to each call immediately. */
     void behave();
 
     const Connection &connection() const { return *m_connection; }

@@ -22,13 +22,16 @@ namespace
 {
 using Clock = std::chrono::steady_clock;
 
-/** The bus allows a client 128 pending calls. */
+/** The maximum number of pending calls. The bus allows a client 128. */
 const std::size_t mostAwaited = 24;
-/** The longest time that a call can take: longer than two calls that ConnMan does not answer. */
+/** The timeout of a call: longer than two timeouts of calls from the daemon to ConnMan. */
 const std::chrono::seconds longestWait(120);
-/** The daemon's footprint is taken after each of this number of equal parts of the calls. */
+/** The calls have this number of equal parts; the daemon's footprint is measured after each. */
 const unsigned int parts = 8;
-/** ConnMan, or a peer that pretends to be it, acts unprompted once in this number of calls. */
+/**
+ * ConnMan acts unprompted once in this number of calls on average. The client sends a forged
+ * message equally often.
+ */
 const std::uint32_t actionRarity = 8;
 
 struct Options {
@@ -36,7 +39,7 @@ struct Options {
     std::uint64_t from = 0;
     std::uint64_t calls = 0;
     int process = 0;
-    /** True if the daemon's time passes so fast that a reply can be missing. */
+    /** True if the daemon's time passes faster, so that its timeouts for missing replies expire. */
     bool isTimelapse = false;
     /** True if the daemon reports its allocated memory; see leakcheck.cpp. */
     bool isChecked = false;
@@ -98,7 +101,7 @@ bool isAlive(int process)
     return kill(process, 0) == 0;
 }
 
-/** Sends the calls, receives the replies, and matches them. */
+/** Sends the calls, receives the replies, and matches each reply with its call. */
 class HostileBus
 {
 public:
