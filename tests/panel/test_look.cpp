@@ -340,7 +340,7 @@ void TestLook::aBatteryThatIsLowIsRed()
     };
     QVERIFY(isRed("0"));
     QVERIFY(isRed("20"));
-    // Negative while it is being charged.
+    // The charge is negative while the battery is being charged.
     QVERIFY(isRed("-20"));
     QVERIFY(!isRed("21"));
     QVERIFY(!isRed("nonsense"));
@@ -406,7 +406,7 @@ void TestLook::aBlinkIsDrawnOnce()
         QVERIFY(images.contains(drawn(time).cacheKey()));
     }
     QVERIFY(drawn(0) != drawn(250));
-    // Only these four images are cached.
+    // Four other images replace the cached ones.
     instrument.board["battery/charge"] = "7\n";
     for (int time : {0, 250, 550, 700})
         QVERIFY(!images.contains(drawn(time).cacheKey()));
@@ -706,9 +706,9 @@ void TestLook::repliesBearTheNameOfTheirCall()
     QVERIFY(take("{\"type\":\"error\",\"reply_cookie\":5,\"destination\":\":1.7\","
                  "\"error_name\":\"a.b\",\"payload\":{\"data\":[\"why\"]}}"));
     QCOMPARE(line.text().mid(12), QStringLiteral("  error   Users.getUser: a.b \"why\""));
-    // The call has its reply: another one belongs to no call.
+    // The call already has its reply: a second reply belongs to no call.
     QVERIFY(!take("{\"type\":\"method_return\",\"reply_cookie\":5,\"destination\":\":1.7\"}"));
-    // A reply to our own call.
+    // The sender ":1.9" is the panel itself, whose calls and their replies are not shown.
     QVERIFY(!take(QByteArray(call).replace(":1.7", ":1.9")));
     QVERIFY(!take("{\"type\":\"method_return\",\"reply_cookie\":5,\"destination\":\":1.9\"}"));
 }
@@ -724,7 +724,7 @@ void TestLook::longValuesAreCut()
                      QString(), line);
         return line.values;
     };
-    // With its quotation marks.
+    // The quotation marks count towards the limit of 400 characters.
     QCOMPARE(valuesOf(398), QString(QString(398, 'x').prepend('"') + '"'));
     QCOMPARE(valuesOf(399), QString(QString(399, 'x').prepend('"') + QChar(0x2026)));
 }

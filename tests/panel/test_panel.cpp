@@ -130,7 +130,7 @@ void TestPanel::anLedLightsUpWhereItIsDrawn()
     QVERIFY(colourOf("BT") == dark);
     QCOMPARE(leds.call("setLEDStatus", {"WIFI", "OFF"}), QStringLiteral("()"));
     QTRY_VERIFY_WITH_TIMEOUT(colourOf("WIFI") == dark, deadlineMs);
-    // The files decide, whatever the daemon reports.
+    // The panel shows the board's file, even if the daemon did not write it.
     Board::set("leds/RECORDING", "ON");
     QTRY_VERIFY_WITH_TIMEOUT(colourOf("RECORDING").red() > 200, deadlineMs);
 }
@@ -182,7 +182,7 @@ void TestPanel::theChargerAndTheBatteryReachTheDaemon()
     QCOMPARE(alimentation.property("batteryStatus"),
              QStringLiteral("(<\"CHARGER_ON_BAT_INF_40\">)"));
     click("battery-track", 1);
-    // Written last.
+    // The command writes the voltage last: the charge is set by then.
     QVERIFY(shows("battery-voltage", "8000 mV"));
     QCOMPARE(alimentation.property("batteryStatus"), QStringLiteral("(<\"CHARGER_ON_BAT_FULL\">)"));
     click("charger");
@@ -224,7 +224,7 @@ void TestPanel::theSurroundingsAreShown()
 {
     writeFile("/run/strandel-speed", "60\n");
     QVERIFY(shows("speed-text", "time passes 60 times faster"));
-    // A picture reads them itself, whenever they were last polled.
+    // picture() reads the surroundings itself, without waiting for the next poll.
     for (const char *speed : {"2", "3"}) {
         writeFile("/run/strandel-speed", speed);
         panel->picture({640, 400});
@@ -281,7 +281,7 @@ void TestPanel::onlyTheEndOfADragCounts()
     QVERIFY(shows("battery-charge", "0 %"));
     QCOMPARE(text("command"), QStringLiteral("./run -- battery 0"));
     QCOMPARE(commands.size(), 4);
-    // Moving on without pressing has no effect.
+    // Moving the mouse without a pressed button changes only the tooltip.
     QMouseEvent move(QEvent::MouseMove, panel->placeOf("battery-track", 0.9), Qt::NoButton,
                      Qt::NoButton, Qt::NoModifier);
     QApplication::sendEvent(panel.get(), &move);
@@ -328,11 +328,11 @@ void TestPanel::aValueIsSetAgain()
 
 void TestPanel::aHangingCommandDoesNotBlockOthers()
 {
-    // Like in a debugger: SIGTERM stays pending.
+    // Suspend the daemon, as a debugger does: SIGTERM stays pending.
     writeFile("/run/KyBoardManager.pid", QByteArray::number(daemon.processId()));
     QCOMPARE(::kill(pid_t(daemon.processId()), SIGSTOP), 0);
     click("daemon-stop");
-    // Queued; it starts without another click.
+    // The panel queues this command and starts it without another click.
     click("charger");
     QVERIFY(panel->isBusy());
     QCOMPARE(text("command"), QStringLiteral("./run -- daemon stop"));
@@ -434,10 +434,10 @@ void TestPanel::repliesAndAnnouncementsOfTheDaemonAreShown()
     QVERIFY(bus.registerVirtualObject("/", &scripted, QDBusConnection::SubPath));
     QVERIFY(bus.registerService(BoardManager::service()));
     QVERIFY(shows("daemon-text", "on the bus"));
-    // This one has not seen the daemon start.
+    // This panel has not seen the daemon start.
     panel = std::make_unique<PanelWidget>(DRAWING);
     QVERIFY(!panel->isComplete());
-    // Until it has an answer, the panel asks again.
+    // The panel asks again until the daemon answers. These two errors are no answers.
     const auto addressOf = [](const char *address) { return QVariantMap{{"Address", address}}; };
     for (const auto &error : {QDBusError::UnknownObject, QDBusError::NoReply}) {
         scripted.error = error;
@@ -474,7 +474,7 @@ void TestPanel::repliesAndAnnouncementsOfTheDaemonAreShown()
     };
     QVERIFY(announce("/KyConfigMgr", "Users.changingUser", {}));
     QVERIFY(shows("daemon-profile", "profile user4 \u2192 \u2026"));
-    // A reset of another profile.
+    // This signal announces the reset of another profile.
     QVERIFY(announce("/KyConfigMgr", "Users.userChanged", {"user2"}));
     QVERIFY(shows("daemon-profile", "profile user4"));
     scripted.replies["Ethernet.getIPv4"] = addressOf("10.77.0.52");
@@ -484,7 +484,7 @@ void TestPanel::repliesAndAnnouncementsOfTheDaemonAreShown()
         QVERIFY(announceLink("WIFIAP", "State", state));
     QVERIFY(shows("WIFIAP-state", "ready"));
     QCOMPARE(text("WIFIAP-trail"), QStringLiteral("association \u2192 configuration \u2192 ready"));
-    // Its address is gone; the states of the other links stay.
+    // The access point has no address now; the states of the other links stay.
     QCOMPARE(text("WIFIAP-address"), QStringLiteral("no address"));
     // The panel shows the last four states.
     QVERIFY(announceLink("WIFIAP", "State", "disconnect"));
@@ -509,12 +509,12 @@ void TestPanel::repliesAndAnnouncementsOfTheDaemonAreShown()
     QVERIFY(shows("WIFI-state", "disconnect"));
     QCOMPARE(panel->instrument().joinedService, QString());
 
-    // Another error is an answer: the panel does not ask again.
+    // Any other error is an answer: the panel does not ask again.
     scripted.error = QDBusError::AccessDenied;
     scripted.replies.clear();
     panel->askAgain();
     QTRY_VERIFY_WITH_TIMEOUT(panel->isComplete(), deadlineMs);
-    // A second daemon takes over without a moment between them: nothing of the first is kept.
+    // A second daemon takes the bus name over at once: the panel keeps no state of the first one.
     QCOMPARE(text("daemon-profile"), QStringLiteral("profile user4"));
     QDBusConnection second = QDBusConnection::connectToBus(QDBusConnection::SystemBus, "second");
     QVERIFY(second.interface()->registerService(BoardManager::service(),
@@ -568,7 +568,7 @@ void TestPanel::chooseInFaultMenu(const QString &ofClass, const QString &operati
     QVERIFY(entries);
     QAction *action = named(entries->menu(), entry);
     QVERIFY(action);
-    // It can be healed only while it is there.
+    // The entry "heal" is enabled only while the operation has a fault.
     const bool isThere = panel->instrument().board.contains("faults/" + ofClass + '.' + operation);
     QCOMPARE(named(entries->menu(), "heal")->isEnabled(), isThere);
     action->trigger();
@@ -609,7 +609,7 @@ void TestPanel::aCommandThatFailsSaysWhy()
     QVERIFY(shows("command-result", "ended with status 3"));
     panel->run("echo harmless >&2");
     QVERIFY(shows("command-result", ""));
-    // A change that the panel has not seen yet.
+    // A card is inserted, but the board's file says that the slot is empty, and so does the panel.
     QVERIFY(Board::storage("insert", "SD"));
     Board::set("storage/SD/inserted", "0");
     QVERIFY(shows("SD-text", "empty"));
@@ -668,7 +668,7 @@ void TestPanel::theBusGoesAndComes()
     QVERIFY(shows("daemon-text", "the bus is away"));
     Board::set("temperature/SOM", "55");
     QVERIFY(shows("temperature-SOM-text", "55 \u00b0C"));
-    // The daemon stays without a bus; its supervisor would restart it.
+    // The daemon does not end without a bus. On an instrument, systemd would restart it.
     other.kill();
     QVERIFY(other.waitForFinished(deadlineMs));
     QVERIFY(startBus());
@@ -683,7 +683,7 @@ void TestPanel::theBusGoesAndComes()
         return QTest::qWaitFor([&] { return log->text().contains("getUser"); }, 500);
     };
     QVERIFY(QTest::qWaitFor(isLogged, deadlineMs));
-    // It still leaves out the calls of its panel, which has another name there.
+    // The log still leaves out the calls of its panel, which has another name on the new bus.
     const QDBusConnection client = QDBusConnection::connectToBus(address, "client");
     const auto callsBefore = [&](const char *led) {
         QDBusMessage call =
@@ -719,7 +719,7 @@ void TestPanel::theBoardGoesAndComes()
     QVERIFY(!panel->isComplete());
     QTRY_VERIFY_WITH_TIMEOUT(colourOf("BT").blue() < 200, deadlineMs);
     QVERIFY(!QFile::exists(board));
-    // A click creates its own file only.
+    // A click creates only the file that it changes.
     click("light-track", 0.75);
     QVERIFY(shows("light-text", "5600 lux"));
     QCOMPARE(text("battery-charge"), QStringLiteral("?"));
@@ -737,7 +737,7 @@ void TestPanel::theLogShowsTheBusMessages()
     const auto has = [&](const QString &part) {
         return QTest::qWaitFor([&] { return log.text().contains(part); }, deadlineMs);
     };
-    // It is subscribed once it has shown a message.
+    // The log is subscribed once it has shown a message.
     QVERIFY(QTest::qWaitFor(
         [&] {
             leds.call("setLEDStatus", {"WPS", "OFF"});
@@ -831,13 +831,13 @@ void TestPanel::theLogIsClearedAndSaved()
     };
     const QTemporaryDir directory;
     QString complaint;
-    // A dialogue returns only after it was answered.
+    // "Save" returns only after its dialogue is answered: a timer answers it.
     const auto saveAs = [&](const QString &file) {
         QTimer answering;
         connect(&answering, &QTimer::timeout, this, [&] {
             QWidget *shown = QApplication::activeModalWidget();
             if (auto *dialogue = qobject_cast<QFileDialog *>(shown)) {
-                // selectFile() loses to the proposed name if the directory is not loaded yet.
+                // Until the directory is loaded, the proposed name overrides selectFile().
                 dialogue->findChild<QLineEdit *>()->setText(file);
                 static_cast<QDialog *>(dialogue)->accept();
             } else if (auto *box = qobject_cast<QMessageBox *>(shown)) {
@@ -868,7 +868,7 @@ void TestPanel::theLogKeepsTheNewestLines()
             return QTest::qWaitFor([&] { return log.text().contains("WPS"); }, 200);
         },
         deadlineMs));
-    // Its limit.
+    // The log keeps 5000 lines.
     for (int number = 0; number < 5000; ++number)
         log.note(QString::number(number));
     const auto isComplete = [&] {

@@ -110,7 +110,7 @@ bool TestPanelWindow::click(const QString &window, const QPoint &place)
                               QString::number(place.y()), "click", "1"}) == 0;
 }
 
-/** A panel of 1280x800 in a window of a screen of its own. */
+/** A panel of 1280x800 in a window on its own X server. */
 class TestPanelWindow::ShownPanel
 {
 public:
@@ -127,7 +127,7 @@ public:
         return nextWindow({});
     }
 
-    /** Other commands join the panel's instrument by it. */
+    /** Returns the path of the handle, by which other commands join the panel's instrument. */
     QString handle() const { return m_directory.path() + "/handle"; }
 
     /** Returns false if the panel does not end when asked. */
@@ -225,7 +225,7 @@ void TestPanelWindow::aFaultIsChosenFromTheMenu()
 
     // Away from everything that has a tooltip, which is a window, too.
     xdotool({"mousemove", "--window", window, "5", "5"});
-    // The first entry heals everything.
+    // The first entry removes all faults.
     QTRY_COMPARE_WITH_TIMEOUT(visibleWindows(), QStringList{window}, deadlineMs);
     known = visibleWindows();
     const QString again = openMenu(window, button);
@@ -244,7 +244,7 @@ void TestPanelWindow::anOrdinaryUserOpensAWindow()
     VirtualScreen screen;
     QVERIFY(screen.start(key));
     qputenv("DISPLAY", screen.name().toLatin1());
-    // Ours, to ask the screen for its windows.
+    // The test, too, needs the key: it asks the X server for its windows.
     qputenv("XAUTHORITY", key.toLocal8Bit());
     QStringList options = command({"--handle", directory.path() + "/handle", "--panel"});
     QStringList program{RUN};
@@ -283,7 +283,7 @@ void TestPanelWindow::anOrdinaryUserOpensAWindow()
 
 void TestPanelWindow::aViewerReachesThePanelOverTheNetwork()
 {
-    // A VNC server sends first.
+    // A VNC server sends its greeting before the client sends anything.
     QCOMPARE(output("QT_QPA_PLATFORM=vnc panel >/dev/null 2>&1 & "
                     "until grep -q :170C /proc/net/tcp /proc/net/tcp6; do sleep 0.02; done; "
                     "touch /tmp/said; until [ -s /tmp/said ]; do sleep 0.02; done | "
@@ -296,7 +296,7 @@ void TestPanelWindow::picturesNeedNoDisplay()
     QTemporaryDir directory;
     QProcess run;
     run.setWorkingDirectory(directory.path());
-    // The kernel reports a carrier up to a second late.
+    // The kernel may report the lost carrier up to a second late: wait for the report.
     const QString script = "daemon kill; ethernet unplug; wifi mute; until [ $(cat "
                            "/sys/class/net/socket/carrier) = 0 ]; do sleep 0.02; done";
     run.start(RUN, command({"--handle", directory.path() + "/handle", "--picture", "panel.png",
@@ -428,7 +428,7 @@ void TestPanelWindow::theStatesOfARealConnectAreRead(const QImage &picture)
     QVERIFY(reads(picture, "WIFI-trail", "association \u2192 configuration \u2192 online"));
     QVERIFY(!reads(picture, "WIFI-trail", "association \u2192 online"));
     QVERIFY(reads(picture, "strength-text", "72 %"));
-    // Connected before the panel started.
+    // Ethernet was connected before the panel started: the panel knows no earlier states.
     QVERIFY(reads(picture, "Ethernet-state", "online"));
     QVERIFY(reads(picture, "Ethernet-trail", ""));
 }
