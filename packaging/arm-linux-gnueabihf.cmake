@@ -1,6 +1,6 @@
-# 32-bit ARM with hard floating point, for CMAKE_TOOLCHAIN_FILE. Libraries and headers come from
-# CMAKE_SYSROOT, by default one made from Debian's packages. The compiler, and programs that run during
-# the build, are this machine's.
+# The toolchain file for 32-bit ARM with hard floating point. Libraries and headers come from
+# CMAKE_SYSROOT; if this directory does not exist, tools/arm-sysroot fills it from Debian's packages. The
+# compiler, and programs that run during the build, are this machine's.
 set(CMAKE_SYSTEM_NAME Linux)
 set(CMAKE_SYSTEM_PROCESSOR armv7l)
 set(CMAKE_LIBRARY_ARCHITECTURE arm-linux-gnueabihf)
