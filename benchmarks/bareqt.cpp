@@ -1,7 +1,7 @@
 /*
- * A Qt service without a function. It has as many adaptors and objects as the daemon, the same
- * libraries, and methods that return values of the same types. The difference between the two is
- * the cost of the daemon's own code.
+ * The bare Qt service: a service for comparison, which does nothing. It has as many adaptors and
+ * objects as the daemon, links the same libraries, and its methods return values of the same types.
+ * The difference between its cost and the daemon's is the cost of the daemon's own code.
  */
 
 #include "bareqt.h"

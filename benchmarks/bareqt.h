@@ -14,8 +14,8 @@ public:
 };
 
 /*
- * The adaptors of the bare service that have a method. Adaptors without methods are generated from
- * the introspection documents (barerest.h).
+ * The adaptors of the bare service that have a method or a property. The build generates the other
+ * adaptors, which have neither, from the introspection documents (barerest.h).
  */
 
 class BareUsers : public Bare

@@ -1,5 +1,5 @@
-# Generates barerest.h: an adaptor without methods for each of the daemon's interfaces that bareqt.h
-# does not have, and addRest(), which adds these adaptors to the objects.
+# Generates barerest.h. It has an empty adaptor for each of the daemon's interfaces that bareqt.h
+# lacks, and addRest(), which adds these adaptors to the objects.
 function(write_bare_rest header)
     file(READ ${CMAKE_CURRENT_SOURCE_DIR}/bareqt.h written)
     file(GLOB documents CONFIGURE_DEPENDS ${PROJECT_SOURCE_DIR}/dbus/com.orvendis.*.xml)

@@ -4,9 +4,9 @@
  * usage: call [OPTION...] SERVICE PATH INTERFACE.METHOD [TEXT...]
  *   --calls N     number of calls of all clients together (1000)
  *   --clients N   number of connections that call concurrently (1)
- *   --window N    number of pending calls of each (1)
- *   --every US    starts a call every US microseconds, even while others are pending (at most a
- *                 hundred), until standard input ends
+ *   --window N    number of pending calls of each connection (1)
+ *   --every US    starts a call every US microseconds, even while other calls are pending (at most
+ *                 a hundred), until standard input ends
  */
 
 // For ppoll().

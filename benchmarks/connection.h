@@ -8,7 +8,7 @@
  * error: a partial measurement is useless.
  */
 
-/** Returns a private connection to the system bus that never blocks by itself. */
+/** Returns a new, private connection to the system bus; exits on failure. */
 DBusConnection *connectToBus(void);
 
 /**
@@ -20,10 +20,10 @@ DBusMessage *callFromWords(char **words, int count);
 /** Returns a copy of @p call; a message can be sent only once. */
 DBusMessage *nextCall(DBusMessage *call);
 
-/** Exits unless @p reply is an ordinary reply. */
+/** Exits if @p reply is an error. */
 void expectReply(DBusMessage *reply);
 
-/** Exits with a message. */
+/** Prints @p what and @p why, and exits with an error status. */
 void fail(const char *what, const char *why);
 
 /** Microseconds of a monotonic clock. */

@@ -3,9 +3,9 @@
  *
  * usage: listen CLIENTS SIGNALS RULE
  *
- * Prints "ready" when every client has subscribed, and ends when each of them has received SIGNALS
- * signals, or when standard input ends. Then prints, as JSON, the smallest number of signals that a
- * client received, and the seconds from "ready" until the last signal.
+ * Prints "ready" when every client has subscribed. Waits until each client has received SIGNALS
+ * signals, or until standard input ends. Then prints, as JSON, the smallest number of signals that
+ * a client has received, and the seconds from "ready" until the last signal.
  */
 
 #include "connection.h"

@@ -10,7 +10,7 @@ def summary(values):
 
 
 def ratio(values, references):
-    """Returns the summary of a figure's ratio to another one measured in the same rounds."""
+    """Returns the summary of a figure's ratio to another figure of the same rounds."""
     return summary(value / reference for value, reference in zip(values, references))
 
 

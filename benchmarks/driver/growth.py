@@ -18,7 +18,7 @@ ANNOUNCE = [services.CONNMAN, "/standin", "com.orvendis.Strandel.ConnManStandIn.
 
 
 def measure_signals():
-    """One signal for each call, with an increasing number of subscribers."""
+    """Measures calls that each cause a signal, with an increasing number of subscribers."""
     result = {}
     with services.daemon() as daemon:
         services.operate("Temperature.setTemperatureThreshold", "SOM", "0")
@@ -35,12 +35,13 @@ def measure_signals():
 
 
 def measure_services():
-    """ConnMan's announcements, each of which makes the daemon fetch the whole list."""
+    """Measures announcements of ConnMan, each of which makes the daemon fetch the whole list."""
     result = {}
     with services.ConnmanStandIn() as standin, services.daemon() as daemon:
         for networks in NETWORKS:
             standin.set_services(map(services.wifi_service, range(networks)))
-            # Without a wired service the daemon would wait a minute for one.
+            # No wired service is listed: for a minute, the daemon searches the whole list for one
+            # at each announcement.
             services.connect_ethernet(standin)
             cpu, elapsed = [], []
             for _ in range(ROUNDS):
@@ -59,7 +60,7 @@ def measure_services():
 
 
 def storm(standin):
-    """The longest wait of other clients during a storm of announcements."""
+    """Returns the waits of another client during a storm of announcements."""
     standin.drive("ClearJournal")
     with services.Probe(2000) as probe:
         services.call(ANNOUNCE, STORM, window=STORM)
@@ -74,7 +75,7 @@ def send_events(text, count):
 
 
 def measure_events():
-    """Bursts of kernel events: of an inserted card, and of other devices."""
+    """Measures bursts of kernel events, of an inserted card and of other devices."""
     card, other = [], []
     with services.daemon() as daemon:
         before = daemon.memory()
@@ -97,7 +98,7 @@ def measure_events():
 
 
 def measure_clients():
-    """Many concurrent clients."""
+    """Measures calls of many concurrent clients."""
     rounds = {DAEMON: [], BARE: []}
     with services.daemon(), services.bare():
         for _ in range(ROUNDS):

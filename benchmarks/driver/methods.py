@@ -1,4 +1,4 @@
-"""The cost of calls, method by method, compared with the same call of the bare service."""
+"""The cost of a call of each method, compared with the same call of the bare service."""
 
 import statistics
 from contextlib import ExitStack
@@ -8,7 +8,7 @@ from figures import ratio, summary
 from services import BARE, DAEMON
 
 ROUNDS = 7
-# Each round is split into turns of the compared services, so that disturbances affect all equally.
+# In each round the compared services take turns, so that disturbances affect all services equally.
 TURNS = 5
 CALLS = 500
 PIPELINED = 500
@@ -72,7 +72,7 @@ class Row:
 
 
 def take_rounds(groups):
-    """Measures rounds of the rows of each group, alternating."""
+    """Measures several rounds of each group. The rows of a group take turns."""
     for rows in groups:
         for row in rows:
             services.call(row.words, WARMING // row.share)
@@ -89,7 +89,7 @@ def take_rounds(groups):
 
 
 def measure_methods():
-    """The daemon's methods and the bare service's."""
+    """Measures the same methods of the daemon and of the bare service."""
     with ExitStack() as stack:
         standin = stack.enter_context(services.ConnmanStandIn())
         daemon = stack.enter_context(services.daemon())
@@ -104,7 +104,7 @@ def measure_methods():
 
 
 def measure_peers():
-    """The daemon's getUser and other services' replies."""
+    """Measures calls of the daemon and of other services."""
     with ExitStack() as stack:
         rows = {}
         for service, words in (

@@ -33,7 +33,7 @@ def fill(directory, files, size):
 
 @contextlib.contextmanager
 def default_profile(files, size):
-    """Replaces the default profile temporarily."""
+    """Temporarily replaces the default profile by one with random files."""
     aside = DIRECTORY / f"aside-{files}-{size}"
     DEFAULT.rename(aside)
     DEFAULT.mkdir()
@@ -72,12 +72,12 @@ def reset():
 
 
 def settle():
-    """Writes pending data to the disk, so that no measurement includes writes of an earlier one."""
+    """Writes pending data to the disk, so that no measurement includes earlier writes."""
     services.run("sync", "--file-system", DIRECTORY)
 
 
 def round_of(rounds):
-    """Copies and erases the default profile with the daemon and with cp and rm."""
+    """Measures a copy of the default profile and its removal, by the daemon and by cp and rm."""
     remove(TARGET)
     settle()
     rounds["copy"].append(reset())

@@ -64,7 +64,7 @@ class Service:
         return self.process.pid
 
     def cpu_time(self):
-        """The CPU time of its threads so far, in microseconds."""
+        """The CPU time of all threads of the service so far, in microseconds."""
         return time.clock_gettime_ns((~self.pid << 3) | 2) / 1000
 
     def memory(self):
@@ -76,7 +76,7 @@ class Service:
                             "descriptors": len(os.listdir(f"/proc/{self.pid}/fd"))}
 
     def sleeps(self):
-        """How often each of its threads has gone to sleep so far."""
+        """How often each thread of the service has gone to sleep so far."""
         counts = {}
         for task in pathlib.Path(f"/proc/{self.pid}/task").iterdir():
             status = (task / "status").read_text()
@@ -149,7 +149,7 @@ def call(words, calls=1, **options):
 
 
 def own_method(service, path, method, *arguments):
-    """Returns the words that call a method of both the daemon and the bare service."""
+    """Returns the arguments of benchmarks/call for a method of the daemon or the bare service."""
     return [service, path, f"{service}.{method}", *arguments]
 
 
@@ -176,7 +176,7 @@ class Probe:
         self.process = subprocess.Popen(
             [str(PROGRAMS / "call"), "--every", str(self.interval), *PROBE], text=True,
             stdin=subprocess.PIPE, stdout=subprocess.PIPE)
-        # Wait until the bus has one more connection: the first call of the new client.
+        # When this call has started a process and got its reply, the new client usually calls, too.
         call(PROBE)
         return self
 
@@ -200,7 +200,7 @@ class Listener:
             raise RuntimeError("no listener")
 
     def received_all(self):
-        """Returns the seconds until all of them had received all signals."""
+        """Waits until all clients have received all signals; returns the seconds this took."""
         output = self.process.stdout.readline()
         self.process.stdin.close()
         self.process.wait()
@@ -228,8 +228,8 @@ def system_calls(service, words, calls):
 
 
 def lay_out_world():
-    """Creates the files of an instrument, and a bus on which every user may own and call
-    everything."""
+    """Creates the files of an instrument, and lets every user own every bus name and call every
+    service."""
     profiles = pathlib.Path("/tmp/User_part")
     profiles.mkdir()
     for user in ("default_user", "user1", "user2", "user3", "user4"):
@@ -248,7 +248,7 @@ def lay_out_world():
 
 
 def wifi_service(index):
-    """Returns a Wi-Fi network; five hundred of them fit into one argument of a program."""
+    """Returns a Wi-Fi service as text; 500 such texts fit into one argument of a program."""
     return (f"('/net/connman/service/wifi_02aabbccdd01_{index:08x}_managed_psk', {{'Type': <'wifi'>,"
             f" 'Name': <'Network {index}'>, 'State': <'idle'>, 'Strength': <byte {index % 100}>,"
             " 'Security': <['psk']>, 'Favorite': <false>, 'IPv4': <@a{sv} {}>})")
@@ -271,7 +271,7 @@ def connect_ethernet(standin):
 
 
 def use_wired_service(standin):
-    """Makes the daemon use a service, one of ten."""
+    """Makes the daemon use the wired service, one of ten services of the stand-in."""
     standin.set_services([wired_service(), *map(wifi_service, range(9))])
     connect_ethernet(standin)
     standin.drive("AnnounceServices")

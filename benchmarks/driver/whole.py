@@ -24,7 +24,7 @@ def time_of_start(service):
 
 
 def take_starts(daemons):
-    """Measures rounds of several daemons and of the bare service, alternating."""
+    """Measures starts of several daemons and of the bare service, which take turns."""
     candidates = {**daemons, "bare": services.bare()}
     rounds = {label: [] for label in candidates}
     for label in candidates:
@@ -59,7 +59,7 @@ def measure_start():
 
 
 def memory_over_calls(service, name):
-    """Measures memory at the start and after numbers of calls of all methods."""
+    """Measures memory at the start, and after each checkpoint of calls of all methods."""
     words = [words(name) for method, words in methods.METHODS.items() if method != "getIPv4"]
     checkpoints = {0: service.memory()}
     for before, after in zip(CHECKPOINTS, CHECKPOINTS[1:]):
@@ -90,7 +90,7 @@ def measure_idleness():
             time.sleep(1 / SAMPLES_PER_SECOND)
             counts = daemon.sleeps()
             is_awake = counts != before
-            # A wake-up on the border of two samples counts as one.
+            # A wake-up that two successive samples see counts once.
             moments += is_awake and not was_awake
             was_awake = is_awake
             before = counts
@@ -103,7 +103,7 @@ def measure_idleness():
 
 
 def hold(label, operation, result):
-    """Returns the longest wait of another client during an operation in the daemon."""
+    """Measures the longest wait of another client during an operation; stores it in the result."""
     longest = []
     for _ in range(5):
         with services.Probe(1000) as probe:
@@ -139,7 +139,7 @@ def measure_holds():
         hold("Ethernet.connect, until the state association", connect, result)
     longest = []
     for _ in range(5):
-        # The versions are determined once in a daemon's life.
+        # Start a new daemon each time: a daemon determines the versions only once.
         with services.daemon(), services.Probe(1000) as probe:
             operate("Version.getSoftwareVersions")
         longest.append(probe.result["longest"] / 1000)
