@@ -108,7 +108,7 @@ void Instrument::followDevices()
 {
     // The signal also announces a reset, even of a profile that is not active.
     connect(&m_usersFace, &BoardManagerUsers::userChanged, this, &Instrument::askForProfile);
-    // The signal's class also has a property of this name.
+    // The cast selects the signal: the property's getter has the same name.
     connect(&m_supplyFace,
             static_cast<void (BoardManagerAlimentation::*)(const QString &)>(
                 &BoardManagerAlimentation::batteryStatus),
@@ -133,7 +133,7 @@ void Instrument::begin()
     askForProfile();
     askForAddress(m_ethernet);
     askForAddress(m_wifi);
-    // The access point's network interface exists only while the Wi-Fi module is in this mode.
+    // The access point's network interface exists only while the module is in access-point mode.
     whenAnswered<QVariantMap>(
         m_accessPointFace.getHardwareInfos(),
         [this](const QVariantMap &infos) { m_accessPoint.takeEvidence(!infos.isEmpty()); });

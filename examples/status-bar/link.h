@@ -43,8 +43,8 @@ public:
     void takeProperty(const QString &name, const QVariant &value);
 
     /**
-     * Handles a reply. @p isUp: the reply shows that the link is up; otherwise the reply has no
-     * information.
+     * Handles a reply about the link. If @p isUp is true, the reply shows that the link is up.
+     * Otherwise the reply says nothing about the state.
      */
     void takeEvidence(bool isUp);
 

@@ -1,3 +1,3 @@
-"""Fixtures with virtual instruments for the tests beside it."""
+"""Provides the fixtures with virtual instruments to the tests in this directory."""
 
 pytest_plugins = ["kyboard_instrument.plugin"]

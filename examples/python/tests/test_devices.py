@@ -1,4 +1,4 @@
-"""The board's devices. All tests share an instrument: each restores its state."""
+"""The board's devices. All tests share an instrument, so each test restores the instrument's state."""
 
 import pytest
 
