@@ -67,7 +67,7 @@ QByteArray scriptOf(const QString &fault)
                                     : note + "exit 1\n";
 }
 
-/** Kills everything that our programs have started and left. */
+/** Kills the faulty programs that still run, and their children. */
 void endRunning()
 {
     for (const QByteArray &id : readFile(fakes + "/running").split('\n')) {
@@ -77,7 +77,7 @@ void endRunning()
     QFile::remove(fakes + "/running");
 }
 
-/** The zombies among the children of @p process. */
+/** The number of zombies among the children of @p process. */
 int uncollected(qint64 process)
 {
     const QList<int> children = childrenOf(process);
@@ -101,7 +101,7 @@ void TestChildFaults::cleanup()
     removePath(application);
 }
 
-/** Replaces @p child by a program with this fault. */
+/** Replaces the program @p child by a program with @p fault. */
 void TestChildFaults::install(const QString &child, const QString &fault)
 {
     const QString path = pathOf(child);
@@ -117,7 +117,7 @@ void TestChildFaults::install(const QString &child, const QString &fault)
         QVERIFY(QFile::setPermissions(path, QFile::ReadOwner | QFile::ExeOwner));
 }
 
-/** Restores the program. */
+/** Restores the working program. */
 void TestChildFaults::restore(const QString &child)
 {
     removePath(pathOf(child));
@@ -160,7 +160,7 @@ void TestChildFaults::endAttempt(const QString &adaptor)
 void TestChildFaults::verifyWorks(const QString &adaptor)
 {
     if (adaptor == "Version") {
-        // The daemon caches a missing program until the next start.
+        // The daemon calls the program only once, even if the call fails: start the daemon again.
         daemon.stop();
         QVERIFY(daemon.start());
         QVERIFY(use(adaptor).contains("\"KyApp\": <ay:\"342e35\">"));
@@ -204,7 +204,8 @@ void TestChildFaults::theNextOneWorks()
     install(child, fault);
 
     const QString reply = use(adaptor);
-    // A program that cannot be started gives an error; a later failure shows in the state.
+    // If the script cannot be started, the caller gets an error. A later failure of the script
+    // shows only in the link state.
     const bool canStart = child != "script" || !fault.startsWith("is ");
     const QString cannotSwitchTo =
         adaptor == "WIFIAP" ? "2' (WLAN ACCESS POINT)" : "1' (WLAN STATION)";

@@ -12,11 +12,11 @@
 #include <QRegularExpression>
 
 /**
- * All faults of ConnMan, in every state of the three network adaptors: every method replies as
- * specified, and once ConnMan works again the adaptor gets online.
+ * All faults of ConnMan, in every state of the three network adaptors: each called method sends the
+ * expected reply, and once ConnMan works again the adaptor gets online.
  *
- * FAULTS=all in the environment tests every fault in every state; otherwise each state has some of
- * them.
+ * FAULTS=all in the environment tests every fault in every state; otherwise each state is tested
+ * with some of the faults.
  */
 class TestConnmanFaults : public WifiTest
 {
@@ -103,7 +103,7 @@ void TestConnmanFaults::reachAccessPoint(const QString &name)
         daemon.letTimePass(3);
 }
 
-/** Brings @p adaptor into the state @p name, and verifies the state where ConnMan determines it. */
+/** Brings @p adaptor into the state @p name; verifies that the daemon has announced the state. */
 void TestConnmanFaults::reachState(const QString &adaptor, const QString &name)
 {
     if (adaptor == "WIFI" && name != "idle" && name != "failure") {
@@ -180,7 +180,7 @@ void TestConnmanFaults::endFault(const QString &fault)
     connman.clearJournal();
 }
 
-/** Calls the adaptor, and lets time pass if ConnMan delays the reply. Returns the reply. */
+/** Calls a method, and lets time pass if ConnMan delays the reply. Returns the reply. */
 QString TestConnmanFaults::call(const QString &fault, const QString &method,
                                 const QVariantList &arguments)
 {
@@ -214,7 +214,7 @@ void TestConnmanFaults::verifyAnswer(const QString &adaptor, const QString &meth
     if (method == "getIPv4" || method == "getHardwareInfos" || method == "getStrength") {
         expected = "^\\(\\{.*\\}\\)$";
     } else if (method == "setIPv4") {
-        // The access point's interface is no technology of ConnMan's.
+        // setIPv4 succeeds only if ConnMan reports a property of the technology, even if late.
         expected = isHeard ? expected : failed("Cannot get property Connected");
     } else if (method == "disconnect" && adaptor == "WIFIAP") {
         expected = expected + '|' + failed("Cannot disconnect WAP, already disconnected");
@@ -322,7 +322,7 @@ void TestConnmanFaults::theAdaptorGetsOnlineAfterwards_data()
     for (auto adaptor = states.begin(); adaptor != states.end(); ++adaptor) {
         for (const QString &name : adaptor.value()) {
             for (int index = 0; index < faults.size(); ++index) {
-                // The access point calls ConnMan only for its settings.
+                // Fewer faults for the access point: it calls ConnMan only for its IPv4 settings.
                 if (isLong || (index + turn) % (adaptor.key() == "WIFIAP" ? 8 : 3) == 0)
                     QTest::newRow(qPrintable(adaptor.key() + ' ' + name + ", " + faults.at(index)))
                         << adaptor.key() << name << faults.at(index);
@@ -357,7 +357,7 @@ void TestConnmanFaults::theAdaptorGetsOnlineAfterwards()
     ++m_survived;
 }
 
-/** The daemon does not reconnect to a bus that ended; it stays idle until systemd restarts it. */
+/** The daemon does not reconnect after the bus has ended: it stays idle until it is restarted. */
 void TestConnmanFaults::theDaemonStaysIdleWithoutItsBus()
 {
     const QString place = "unix:path=/run/second-bus";

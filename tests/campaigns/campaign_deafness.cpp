@@ -16,8 +16,8 @@
 
 /**
  * Pending messages beyond the limit of libdbus: large calls that pile up while the main thread is
- * busy, records that keep their values, and a ConnMan with ten thousand services. The daemon must
- * not restart, and must answer its other clients.
+ * busy, large records, and a ConnMan with ten thousand services. The daemon must not restart, and
+ * must answer its other clients.
  */
 class Deafness : public NetworkTest
 {
@@ -58,7 +58,7 @@ constexpr int longestWaitMs = 120000;
 /** The processor time that @p process has used, in ms. */
 qint64 processorTime(qint64 process)
 {
-    // After the name, which may contain blanks, come the state and ten other fields.
+    // Skip the name, which may contain blanks. The state, ten other fields and the times follow.
     const QByteArray stat = readFile(QStringLiteral("/proc/%1/stat").arg(process));
     const QList<QByteArray> fields = stat.mid(stat.lastIndexOf(')') + 2).split(' ');
     return (fields.value(11).toLongLong() + fields.value(12).toLongLong()) * 1000 /
@@ -85,7 +85,7 @@ class OtherClient : public QThread
 public:
     ~OtherClient() override { finish(); }
 
-    /** Ends it. Returns the longest wait for a reply in ms, -1 if one was missing. */
+    /** Ends the client. Returns its longest wait for a reply in ms, -1 if a reply was missing. */
     qint64 finish()
     {
         m_isOver = true;
@@ -176,7 +176,7 @@ void Deafness::endAttack(qint64 longestMeanwhile)
                       .arg(qMax(longestMeanwhile, afterwards)));
 }
 
-/** Enlarges @p map to nearly the bus's limit: under @p key, or with many keys. */
+/** Enlarges @p map to nearly the bus's limit: with a large value of @p key, or with many keys. */
 QVariantMap Deafness::enlarged(QVariantMap map, const QString &kind, const QString &key) const
 {
     map.insert(key, 7);

@@ -100,7 +100,7 @@ void give(uid_t owner, const QString &path)
  * installation, and plants links that lead out of it: before the start, and in a race with the
  * daemon. The daemon must not read, write or erase anything outside.
  *
- * FAULTS=all in the environment races longer.
+ * FAULTS=all in the environment makes each race longer.
  */
 class TestDirectories : public DaemonTest
 {
@@ -145,7 +145,7 @@ void TestDirectories::layOutVictim()
         writeFile(victim + '/' + user + "_profile/file", "keep");
 }
 
-/** The files in the profiles whose content only root may read. */
+/** The files in the profiles that contain a copy of the secret, which only root may read. */
 QStringList TestDirectories::secretsOut()
 {
     QStringList files;
@@ -154,7 +154,10 @@ QStringList TestDirectories::secretsOut()
     return files;
 }
 
-/** Returns true if nothing outside has changed since @p before; otherwise restores it. */
+/**
+ * Returns true if the target of the links has not changed since @p before, and no secret was
+ * copied. Otherwise restores the target and removes the copies.
+ */
 bool TestDirectories::isUntouched(const QStringList &before)
 {
     const QStringList secrets = secretsOut();

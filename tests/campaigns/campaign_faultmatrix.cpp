@@ -50,7 +50,7 @@ private:
         std::function<void()> prepare;
         /** Starts the stimulus without waiting. */
         std::function<void()> trigger;
-        /** Waits until the daemon has handled it; returns the reply. */
+        /** Waits until the daemon has handled the stimulus; returns the reply. */
         std::function<QString()> finish;
         /** The fault-free cycle that must repair the fault's effects; the stimulus itself if empty.
          */
@@ -95,7 +95,7 @@ private:
 
 namespace
 {
-/** Contents of a fault's file. */
+/** Names of two faults in the tables below. The board's word for "nonsense" is "garbage". */
 const QString always = QStringLiteral("always");
 const QString nonsense = QStringLiteral("nonsense");
 
@@ -276,12 +276,12 @@ const QList<Lasting> lasting = {
     // The instrument record is read once; without it there is no screen.
     {"start", "KyEeprom.readEeprom", ""},
     {"start", "KyEeprom.readEeprom", "nonsense"},
-    // The daemon passes the brand to the library each time it reads the record.
+    // The daemon passes brand and model to the library only when it reads the record.
     {"start", "KyBoardRev.setBrand", ""},
     {"start", "KyBoardRev.setBrand", "nonsense"},
     {"start", "KyBoardRev.setModel", ""},
     {"start", "KyBoardRev.setModel", "nonsense"},
-    // The card's LED is set again when the card comes or goes.
+    // The daemon sets the card's LED again only when the card comes or goes.
     {"start", "KyLeds.setLedState", "last call"},
     {"start", "KyLeds.setLedState", "always"},
     {"start", "KyLeds.setLedState", "nonsense"},
@@ -339,7 +339,7 @@ QString expectedAnswer(const QString &stimulus, const QString &operation, const 
     return stimulus == QLatin1String("LED.getLEDStatus") ? ledAnswer(fault, usual) : usual;
 }
 
-/** Returns true for counters and times, which every attempt changes. */
+/** Returns true if @p line shows a file that every attempt changes, such as a counter. */
 bool isCount(const QString &line)
 {
     static const QRegularExpression counts(
@@ -409,7 +409,7 @@ void TestFaultMatrix::init()
 {
     DaemonTest::init();
     daemon.controlClock();
-    // A card is inserted and its LED is on, and the sensor repeats its interrupts immediately.
+    // A card is inserted and its LED is on. The sensor repeats its interrupts as often as possible.
     Board::set("storage/SD/inserted", "1");
     Board::set("storage/SD/mounted", "1");
     writeFile("/opt/settings.ini", "[Brightness]\ntimer=0\n");
@@ -780,8 +780,8 @@ void TestFaultMatrix::everyFaultIsSurvived()
     }
     QCOMPARE(Remote("/KyConfigMgr", "Users").call("getUser"), QStringLiteral("(\"user1\")"));
 
-    // And: without the fault, it agrees with the board after the next successful cycle, or after
-    // the next start if clients expect that.
+    // And: without the fault, the daemon agrees with the board after the next successful cycle, or
+    // after its next start if clients expect that.
     Board::clearFaults();
     heal(stimulus);
     bool isLasting = false;

@@ -15,10 +15,11 @@
 #include <unistd.h>
 
 /**
- * Every file and directory that the daemon reads or writes, with every possible replacement: only
- * calls that need it fail, with their specified errors.
+ * Puts every file and directory that the daemon reads or writes into each of the conditions below:
+ * only calls that need the file may fail, with the expected errors.
  *
- * FAULTS=all in the environment also replaces everything while the daemon runs.
+ * FAULTS=all in the environment tests each condition both at the start and while the daemon runs;
+ * otherwise only in one of the two cases.
  */
 class TestFileFaults : public NetworkTest
 {
@@ -95,7 +96,7 @@ const QStringList conditions = {"missing",
                                 "on a read-only disk",
                                 "on a full disk"};
 
-/** Regular expressions for the formatted replies of a call: without a fault, and with one. */
+/** Regular expressions for the formatted replies of a call: without a fault, and with a fault. */
 struct Expectation {
     const char *call;
     QString usual;
@@ -207,7 +208,7 @@ void TestFileFaults::have(const QString &condition, const QString &path)
         return;
     }
     if (condition.startsWith("on a ")) {
-        // Files that only the daemon creates already exist, empty.
+        // A mount needs an existing file, and some files are created only by the daemon.
         if (!QFile::exists(path))
             writeFile(path, QByteArray());
         if (condition == "on a full disk")

@@ -26,14 +26,14 @@ const int warmUpRounds = 3;
 /** How much the allocator may still grow afterwards, in kB. */
 const long allowedGrowth = 512;
 
-/** How often the client retries a scan or a connect. */
+/** How often the client tries a scan or a connect. */
 const int attempts = 4;
 
 /** The simulated hours, and the number of clients that listen to all signals. */
 int hours = 1;
 int clients = 3;
 
-/** The battery gauge and the power button: BAT_RS1, BAT_GS1 to 5, POWER_Y, POWER_G. */
+/** A battery status, and its LEDs in the order of batteryLeds: '*' on, '.' off, '1' at 1 Hz. */
 struct Pattern {
     const char *status;
     const char *leds;
@@ -49,7 +49,7 @@ const Pattern patterns[] = {
 const char *const batteryLeds[] = {"BAT_RS1", "BAT_GS1", "BAT_GS2", "BAT_GS3",
                                    "BAT_GS4", "BAT_GS5", "POWER_Y", "POWER_G"};
 
-/** Writes figures to descriptor 3 if it is open. */
+/** Writes figures to file descriptor 3 or, if that fails, to stdout. */
 void tell(const QString &line)
 {
     const QByteArray bytes = line.toUtf8() + '\n';
@@ -99,9 +99,9 @@ private:
 } // namespace
 
 /**
- * Hours of an instrument's life in minutes: the battery drains and is charged, the light changes,
- * card, key and networks come and go, profiles switch. The clock advances in steps that skip no
- * timer of the daemon; ConnMan runs in real time.
+ * Simulates hours of an instrument's life within minutes: the battery drains and is charged, the
+ * light changes, card, key and networks come and go, profiles switch. The clock advances in steps
+ * that skip no timer of the daemon; ConnMan runs in real time.
  */
 class InstrumentLife : public DaemonTest
 {
@@ -331,7 +331,7 @@ void InstrumentLife::useWifi(int round)
     DO(leave());
 }
 
-/** Scans until the list matches the air: ConnMan may announce it in two parts. */
+/** Scans until the list has all networks in the air: ConnMan may announce them in two parts. */
 void InstrumentLife::scan(bool isKitchenThere)
 {
     for (int attempt = 0; attempt < attempts; ++attempt) {
@@ -347,7 +347,7 @@ void InstrumentLife::scan(bool isKitchenThere)
     QFAIL("the scans do not list the access points in the air");
 }
 
-/** Joins a network; tries again if ConnMan does not know it yet. */
+/** Joins a network; retries if ConnMan does not know the network yet. */
 void InstrumentLife::join(const char *network, const char *key)
 {
     for (int attempt = 0; attempt < attempts; ++attempt) {
@@ -419,7 +419,7 @@ void InstrumentLife::leave()
     QTRY_COMPARE_WITH_TIMEOUT(address("wifi_sta"), QString(), deadlineMs);
 }
 
-/** Gives ConnMan real time while the module switches again. */
+/** Waits until ConnMan, which runs in real time, has powered the radio off. */
 void InstrumentLife::waitForRadioOff()
 {
     const QString technology = "/net/connman/technology/wifi";
@@ -464,7 +464,7 @@ void InstrumentLife::pass(int seconds)
 {
     const int longestStep = 10;
     for (int left = seconds; left > 0; left -= longestStep) {
-        // A pending call to ConnMan would see the time pass, too.
+        // Wait for pending calls to ConnMan: the step would count towards their timeouts.
         settle();
         daemon.letTimePass(std::min(left, longestStep));
         settle();
@@ -497,7 +497,7 @@ void InstrumentLife::passModuleDelay()
     pass(2);
 }
 
-/** Waits until every listener has printed a matching line, after those of earlier waits. */
+/** Waits until every listener has printed a matching line, after the lines of earlier waits. */
 bool InstrumentLife::announces(const QString &pattern)
 {
     const QRegularExpression line(pattern + ".*");
@@ -598,7 +598,7 @@ void InstrumentLife::compareNetworks()
              QFile::exists("/sys/class/net/wifi_ap"));
 }
 
-/** The kernel's address of @p interface; empty without one. */
+/** The address of @p interface in the kernel; empty if there is none. */
 QString InstrumentLife::address(const char *interface)
 {
     QProcess ip;

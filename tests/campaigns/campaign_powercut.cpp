@@ -99,7 +99,7 @@ void TestPowerCut::init()
     QFile::remove(control + ".log");
 }
 
-/** Returns the entries of the profile of @p user, without the partial copy. */
+/** Returns the entries of the profile of @p user, without the partial copy in ".rebuild". */
 QStringList TestPowerCut::contents(const QString &user)
 {
     QStringList lines = snapshot(profile(user));
@@ -130,7 +130,7 @@ QByteArray TestPowerCut::contentOf(const QString &user) const
     return QByteArray(m_isLong ? 5000 : 50, user.right(1).at(0).toLatin1());
 }
 
-/** Creates the profiles. The content of each file tells whose it is (see contentOf()). */
+/** Creates the profiles. The content of each file shows its user (see contentOf()). */
 void TestPowerCut::layOut(const Scenario &scenario)
 {
     QStringList files = {"/measure.conf", "/display/theme.conf", "/display/.hidden",
@@ -234,7 +234,7 @@ void TestPowerCut::everyProfileIsWholeOrReplacedByTheNextSwitch_data()
     }
 }
 
-/** Describes the state after the cut, in the words of the documentation. */
+/** Describes the state after the cut. */
 QString TestPowerCut::whatIsLeft(const Scenario &scenario) const
 {
     QStringList left;
@@ -261,8 +261,8 @@ QString TestPowerCut::whatIsLeft(const Scenario &scenario) const
 }
 
 /**
- * Every other profile is unchanged. The profile that was being replaced is the old one, the new
- * one, or incomplete without truncated files.
+ * Verifies that every other profile is unchanged. The profile that was being replaced must be the
+ * old profile, the new profile, or incomplete without truncated files.
  */
 void TestPowerCut::verifyProfiles(const Scenario &scenario)
 {
@@ -282,7 +282,7 @@ void TestPowerCut::verifyProfiles(const Scenario &scenario)
     ++m_incomplete;
 }
 
-/** A switch leaves a complete profile unchanged and replaces any other. */
+/** Verifies that a switch leaves a complete profile unchanged, and replaces an incomplete one. */
 void TestPowerCut::verifySwitch(const QString &user)
 {
     const QStringList before = contents(user);

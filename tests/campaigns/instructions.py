@@ -1,7 +1,8 @@
-"""Compares the instructions of the daemon's calls with recorded ones.
+"""Compares the number of instructions of the daemon's calls with recorded figures.
 
-A figure is the ratio to the bare Qt service, which runs the same library code on the same processor:
-it does not depend on the machine. Runs in a private world.
+A figure is the ratio to the bare Qt service (benchmarks/bareqt.cpp). Both services run the same
+library code on the same processor, so the ratio does not depend on the machine. Runs in a private
+world.
 
 usage: instructions.py      compares with the figures in instructions.txt
        instructions.py -w   records new figures
@@ -52,8 +53,7 @@ def instructions_per_call(service, words):
 
 
 def least_of_batches(pair, words):
-    """Returns the minimum of several batches: another interleaving of threads only adds
-    instructions."""
+    """Returns the minimum of several batches: thread scheduling can only add instructions."""
     for service in pair:
         services.call(words(service.name), WARMING)
     batches = [[instructions_per_call(service, words(service.name)) for service in pair]

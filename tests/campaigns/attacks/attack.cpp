@@ -6,9 +6,9 @@
 //   large        calls of 30 MB each
 //   texts        calls of 30 MB each with millions of texts
 //   many-texts   calls of just under 1 MiB each with 130,000 texts, over 32 connections at once
-//   many-calls   calls without a break over 250 connections at once, whose replies are never read
-//   calls        calls without a break on one connection, whose replies are never read
-//   pending      calls without a break on one connection, whose replies are read
+//   many-calls   calls without a break over 250 connections at once; never reads a reply
+//   calls        calls without a break on one connection; never reads a reply
+//   pending      calls without a break on one connection; reads the replies
 //   deaf         250 connections that subscribe to all signals and never read
 // The service under attack may end, and the bus may end connections: neither is a failure of this
 // program. It prints the number of sent messages, and of connections that the bus ended.
@@ -137,7 +137,10 @@ void sendTexts(Attack &attack)
     });
 }
 
-/** Sends copies of @p message over @p count connections at once, and reads replies if told to. */
+/**
+ * Sends copies of @p message over @p count connections at once. Reads the replies if @p isReading
+ * is true.
+ */
 void sendOnMany(Attack &attack, size_t count, const Message &message, bool isReading)
 {
     std::vector<std::unique_ptr<Bus>> buses(count);
@@ -153,7 +156,7 @@ void sendOnMany(Attack &attack, size_t count, const Message &message, bool isRea
             bus->send(Message(dbus_message_copy(message.get())));
             ++attack.sent;
         }
-        // Writes, too.
+        // next() also writes queued messages.
         while (bus->next(0)) {
         }
     }

@@ -33,7 +33,7 @@ public:
     /** Queues @p message. @return its serial number */
     dbus_uint32_t send(const Message &message);
 
-    /** Writes until at most @p bytes are pending, the bus ends the connection or @p end. */
+    /** Writes until at most @p bytes are pending, the connection ends, or now() reaches @p end. */
     void drain(long bytes, double end);
 
     /** How many bytes are queued for writing. */
@@ -59,7 +59,7 @@ double now();
 /** Parses seconds from @p text; exits on failure. */
 double readSeconds(const char *text);
 
-/** Exits with a message. */
+/** Prints @p why and exits with an error status. */
 [[noreturn]] void fail(const std::string &why);
 
 #endif

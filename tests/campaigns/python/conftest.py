@@ -1,3 +1,3 @@
-"""Fixtures with virtual instruments for the tests beside it."""
+"""Fixtures with virtual instruments for the tests in this directory."""
 
 pytest_plugins = ["kyboard_instrument.plugin"]
