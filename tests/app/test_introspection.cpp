@@ -105,7 +105,7 @@ QStringList membersOf(const QMetaObject &adaptor)
         const QMetaMethod method = adaptor.method(i);
         const bool isSlot =
             method.methodType() == QMetaMethod::Slot && method.access() == QMetaMethod::Public;
-        // A slot with an optional message also exists without it.
+        // A slot with an optional message appears twice, with the message and without it.
         if ((isSlot || method.methodType() == QMetaMethod::Signal) &&
             !members.contains(memberOf(method)))
             members << memberOf(method);

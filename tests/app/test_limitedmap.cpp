@@ -75,7 +75,7 @@ void TestLimitedMap::initTestCase()
                                                  SLOT(keep(QDBusMessage))));
 }
 
-/** The single value of a message, as Qt D-Bus reads it first. */
+/** The single value of a message, which Qt D-Bus has not decoded yet. */
 QDBusArgument TestLimitedMap::receive(const QString &values)
 {
     received.clear();

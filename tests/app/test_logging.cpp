@@ -210,7 +210,7 @@ void TestLogging::childrenHaveDefaultSignals_data()
 {
     QTest::addColumn<QStringList>("wrapper");
     QTest::newRow("started by hand") << QStringList();
-    // As systemd does.
+    // systemd starts a service with SIGPIPE ignored.
     QTest::newRow("SIGPIPE ignored") << QStringList{"env", "--ignore-signal=PIPE"};
 }
 

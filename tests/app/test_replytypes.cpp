@@ -41,7 +41,7 @@ QString types(const QString &rendered)
             result += 'i';
     }
     result += rendered.midRef(end);
-    // Reduce equal elements to one.
+    // Reduce a list of equal types to its first element.
     static const QRegularExpression repeated(QStringLiteral("\\[([\\w<>]+)(, \\1)+\\]"));
     return result.replace(repeated, QStringLiteral("[\\1...]"));
 }
@@ -67,7 +67,7 @@ QStringList keysOf(const QString &interface, const QString &key)
 /** The type of @p reply as types() shows it. */
 QString expectedTypes(const DocumentedArgument &reply)
 {
-    // Only numbers come as variants in lists.
+    // All documented lists of variants contain unsigned numbers.
     const auto shown = [](const QString &type) { return type == "av" ? "[<u>...]" : type; };
     if (reply.type != "a{sv}")
         return shown(reply.type);

@@ -99,7 +99,7 @@ void TestSettings::thereIsOneInstance()
 void TestSettings::theFourUsersAreUsableAfterAStart()
 {
     QVERIFY(daemon.start());
-    // The event loop's first round writes them: the daemon does not have to end.
+    // The event loop's first round writes the settings: the daemon does not have to end.
     QTRY_COMPARE_WITH_TIMEOUT(readFile("/opt/settings.ini"), fourUsers, deadlineMs);
 }
 
@@ -185,8 +185,8 @@ void TestSettings::onlyARegularFileIsReadOrWrittenWhileTheDaemonRuns()
 {
     QFETCH(QStringList, command);
     const QString file = "/opt/settings.ini";
-    // If the daemon read the device, it must not take all of the machine's memory. A daemon under
-    // AddressSanitizer reserves as much from the start.
+    // Limit the memory of a daemon that wrongly reads the endless device. AddressSanitizer reserves
+    // more than this limit from the start.
     if (!qEnvironmentVariableIsSet("ASAN_OPTIONS"))
         daemon.setWrapper({"prlimit", "--data=1000000000"});
     QVERIFY(daemon.start());
@@ -220,7 +220,8 @@ void TestSettings::aLockLeftByAPowerCutIsNotWaitedFor()
     QFETCH(QString, content);
     const QString file = "/opt/settings.ini";
     const QString lock = file + ".lock";
-    // The shell's PID is the daemon's. A lock file from the future becomes stale only later.
+    // The shell becomes the daemon and keeps its PID. The lock file's time is in the future: its age
+    // does not make it stale during the test.
     writeFile("/run/lock-content", content.toUtf8());
     daemon.setWrapper({"sh", "-c",
                        "sed \"s/%1/$$/\" /run/lock-content >$0 && touch -d '25 seconds' $0 && "

@@ -19,7 +19,7 @@ private:
     void callUnknownMethods(const QString &path, int first, int count);
 };
 
-/** Calls this number of methods with different names, many at a time, and waits for all replies. */
+/** Calls @p count methods with different names, many at a time, and waits for all replies. */
 void TestSlotCache::callUnknownMethods(const QString &path, int first, int count)
 {
     for (int done = 0; done < count;) {
@@ -51,7 +51,7 @@ void TestSlotCache::callsOfUnknownMethodsDoNotGrowTheDaemonsMemory()
     const int before = daemon.privateMemory();
     callUnknownMethods(path, 500, 2500);
     QVERIFY(before > 0);
-    // Cached, each method would take 700 bytes for each adaptor of the object.
+    // If methods were cached, each would take 700 bytes for each adaptor of the object.
     const int grown = daemon.privateMemory() - before;
     QVERIFY2(grown < 600, qPrintable(QString::number(grown)));
 }

@@ -75,7 +75,7 @@ void TestStartup::theRootObjectsShowNoMembersOfTheirOwn()
         const QString document = root.call("Introspect");
         QVERIFY(document.contains("org.freedesktop.DBus.Properties"));
         QVERIFY2(!document.contains("local."), qPrintable(document));
-        // Exporting a root's own members would add these.
+        // If a root's own members were exported, its property "objectName" could be read.
         QCOMPARE(
             Remote("com.orvendis.Strandel.BoardManager", path, "org.freedesktop.DBus.Properties")
                 .call("Get", {"local.QObject", "objectName"})
@@ -222,7 +222,7 @@ void TestStartup::theEndOfAChildIsPrinted()
 
 void TestStartup::theEndOfARealChildIsPrintedAndTheChildNotReaped()
 {
-    // The daemon inherits a child of the shell, which it has not started.
+    // The shell becomes the daemon, which then has a child that it has not started.
     daemon.setWrapper({"sh", "-c", "(read -r _ < /tmp/User_part/go) & exec \"$@\"", "sh"});
     QCOMPARE(mkfifo("/tmp/User_part/go", 0600), 0);
     QVERIFY(daemon.start());

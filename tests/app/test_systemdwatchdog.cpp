@@ -243,7 +243,7 @@ void TestSystemdWatchdog::aSuspendedBusStopsThePings()
     QVERIFY(isPinged());
 }
 
-/** Each reply of the bus causes a ping, so several replies cause several pings in one interval. */
+/** Each reply of the bus causes a ping. A resumed bus sends several replies in one interval. */
 void TestSystemdWatchdog::aBusThatDoesNotAnswerIsAskedAgain()
 {
     supervise(socketPath);

@@ -60,7 +60,7 @@ QString at(const QString &path)
     return root + '/' + path;
 }
 
-/** Fills the stack of the next call with zeros: a buffer that it does not write is empty. */
+/** Fills the stack of the next call with zeros: a buffer that the call does not write is empty. */
 [[gnu::noinline]] void clearStack()
 {
     volatile char zeros[4 * PATH_MAX];

@@ -15,8 +15,8 @@
 
 /**
  * The wall around the decisions: the headers that a source of boardlogic or busvalues cannot
- * include, and the functions that it cannot call. The test compiles its lines with the options of a
- * library source in the same directory.
+ * include, and the functions that it cannot call. The test compiles single lines with the options
+ * of a library source.
  */
 class TestWall : public QObject
 {
@@ -59,7 +59,7 @@ QString contentOf(const QString &path)
     return QString::fromUtf8(readFile(path));
 }
 
-/** Returns the sources that the unit at @p path compiles together; only @p path for most. */
+/** Returns the sources that a unity source at @p path includes; for any other source, @p path. */
 QStringList sourcesOf(const QString &path)
 {
     if (!path.contains("/Unity/"))
@@ -107,7 +107,7 @@ TestWall::Outcome TestWall::compile(const QString &source, const QByteArray &lin
         command.erase(command.begin(),
                       std::find_if(command.begin(), command.end(),
                                    [](const QString &word) { return word.endsWith("++"); }));
-        // The rest names the object and the source.
+        // The arguments from "-o" on name the object and the source.
         command.erase(command.begin() + command.indexOf("-o"), command.end());
         command << "-fsyntax-only"
                 << "-Wfatal-errors"
@@ -249,7 +249,7 @@ void TestWall::aCallAcrossTheWallDoesNotLink_data()
         << "sendErrorReply";
 }
 
-/** The program links the whole of its library, and none of our others. */
+/** The program links the whole of its library, and only the libraries that this one may use. */
 void TestWall::aCallAcrossTheWallDoesNotLink()
 {
     QFETCH(QString, program);
@@ -281,7 +281,7 @@ void TestWall::everySourceIsCompiledByItsOwnPart()
     for (const QJsonValue &entry : m_commands) {
         const QString object = output.match(entry["command"].toString()).captured(1);
         for (const QString &path : sourcesOf(entry["file"].toString())) {
-            // Generated sources are in the build directory.
+            // Ignore generated sources, which are in the build directory.
             if (!QDir(BUILD).relativeFilePath(path).startsWith(".."))
                 continue;
             ++count;

@@ -441,7 +441,7 @@ void TestAlimentation::theCheckIsDueToTheMillisecond()
 
     for (int number = 1; number <= 13; ++number) {
         daemon.letMillisecondsPass((number <= 11 ? 10000 : 300000) - 1);
-        // take() makes a call, and expired timers are handled only after it: call take() twice.
+        // The daemon may answer take() before it handles an expired timer: call take() twice.
         QCOMPARE(recorder.take() + recorder.take(), QStringList());
         daemon.letMillisecondsPass(1);
         QCOMPARE(recorder.waitFor(1), QStringList{announced("CHARGER_OFF_BAT_INF_60")});

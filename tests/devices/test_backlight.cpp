@@ -652,8 +652,8 @@ void TestBacklight::automaticModeFollowsTheLightUpAndDown()
         {"105", "60", 5, 35, 4},      {"52", "30", 4, 30, 3},      {"26", "12", 2, 20, 1},
         {"11", "4", 1, 15, 0},
     };
-    // The sensor repeats the interrupt for light above every band, with this setting only after the
-    // end of the test.
+    // For light above every band, the sensor repeats the interrupt after its persistence time. With
+    // this setting, that time is longer than the test.
     writeFile("/opt/settings.ini", "[Brightness]\ntimer=25\n");
     setLux("0");
     QVERIFY(daemon.start());

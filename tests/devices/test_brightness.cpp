@@ -158,8 +158,8 @@ void TestBrightness::theBandGoesToTheSensorAsItsCodes_data()
     QTest::addColumn<QString>("lux");
     QTest::addColumn<QString>("thresholds");
 
-    // Columns: light, and the codes of its band (15 and 0 lux, 25 and 10, 500 and 400, 10000 and
-    // 500).
+    // The thresholds are the codes of these bands: 15 and 0 lux, 25 and 10, 500 and 400, 10000 and
+    // 500.
     QTest::newRow("dark") << "0"
                           << "46, 0";
     QTest::newRow("level 2") << "12"
@@ -210,7 +210,7 @@ void TestBrightness::levelsComeFromTheSettings()
     configure("level3=30\n");
     setLux("12");
     QVERIFY(daemon.start());
-    // 30 and 10 lux.
+    // The codes of 30 and 10 lux.
     QVERIFY(Board::journal().contains("KyAls.setThresholds(62, 36) = 0"));
 }
 
@@ -390,7 +390,7 @@ void TestBrightness::lightThatLeavesItsBandIsAnnounced()
     setLux("30");
 
     QCOMPARE(onlyBrightness(recorder.waitFor(1)), QStringList{announced("d:30, 4")});
-    // 75 and 25 lux.
+    // The new band is 25 to 75 lux.
     QCOMPARE(Board::journal().filter("KyAls."),
              (QStringList{"KyAls.readLux() = 0 30", "KyAls.interruptRead() = 0 true",
                           "KyAls.convLuxInExponentMantissaByte(75) = 82",
@@ -509,7 +509,7 @@ void TestBrightness::aBurstOfInterruptsEndsAtTheLastLight()
     }
     setLux("320");
 
-    // 400 and 300 lux.
+    // The last band is 300 to 400 lux, and 121 is the code of 400 lux.
     QVERIFY(Board::waitFor("als/threshold_high", "121"));
     QVERIFY(Board::waitFor("als/interrupt", "0"));
     const QStringList signalsSent = onlyBrightness(recorder.waitFor(1));

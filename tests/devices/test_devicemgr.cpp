@@ -172,7 +172,7 @@ void TestDeviceMgr::startWithModelText(const QString &model)
 void TestDeviceMgr::aModelTextThatIsNoNumberHasNoScreen_data()
 {
     QTest::addColumn<QString>("model");
-    // The record stores each of them as model 0.
+    // The record stores each of these texts as model 0.
     QTest::newRow("empty") << "";
     QTest::newRow("not hexadecimal") << "Strandel";
     QTest::newRow("a number and more") << "8345 plus";

@@ -110,7 +110,7 @@ bool TestStorage::startListening()
 void TestStorage::verifyBurstIsAnnounced(SignalRecorder &recorder)
 {
     const int undelivered = KernelEvents::undelivered();
-    // Without CAP_NET_ADMIN the listener has the ordinary buffer size.
+    // Without CAP_NET_ADMIN, the listener has a buffer of ordinary size, which may overflow.
     if (KernelEvents::isRoomUnlimited())
         QCOMPARE(undelivered, 0);
     const int delivered = burstSize - undelivered;
@@ -325,7 +325,7 @@ void TestStorage::aCardInsertedBeforeTheStartIsNotAnnounced()
     QVERIFY(startListening());
 
     QCOMPARE(recorder.take().filter("Storage."), QStringList());
-    // The daemon also asks whether it is inserted, but the LED shows whether it is mounted.
+    // The daemon also asks whether the card is inserted, but the LED shows whether it is mounted.
     QCOMPARE(
         Board::journal().filter("KyFaccess."),
         (QStringList{"KyFaccess.isDeviceInserted(0) = true", "KyFaccess.isMounted(0) = false"}));
@@ -438,7 +438,7 @@ void TestStorage::otherEventsAreIgnored()
         QByteArray(4096, '\xff'),
         QByteArray("add@"),
     });
-    // Events arrive in order: when this one is announced, all have been handled.
+    // Events arrive in order: when this event is announced, the others have been handled.
     send({kernelEvent("remove", keyPartition)});
 
     QCOMPARE(recorder.waitFor(1), QStringList(keyOut));
@@ -542,7 +542,7 @@ void TestStorage::theListenerHasItsReceiveBuffer()
     QProcess sockets;
     sockets.start("ss", {"--no-header", "--family=netlink", "--memory"});
     QVERIFY(sockets.waitForFinished());
-    // The listener has a receive buffer of 64 MB, and no other socket has.
+    // Only the listener has a receive buffer of 64 MB, and only if the kernel permits that size.
     const QByteArray printed = sockets.readAllStandardOutput();
     QVERIFY2(printed.contains("skmem:"), printed.constData());
     QCOMPARE(printed.contains("rb67108864,"), KernelEvents::isRoomUnlimited());

@@ -48,7 +48,7 @@ private:
         "InvalidArguments", QStringLiteral("Intervall is too short, should be > 1s (1000)"));
 };
 
-/** The time of the daemon's first call to the hardware, just before it set the timer. */
+/** The time of the daemon's first call to the hardware, just before the daemon set the timer. */
 double TestTemperature::startTime()
 {
     return Board::times(QString()).value(0);
@@ -165,7 +165,7 @@ void TestTemperature::everyCheckAnnouncesAHighTemperature()
         QCOMPARE(temperature.call("periodicTemperatureCheck"), QStringLiteral("()"));
     QCOMPARE(recorder.take(), (QStringList{reached, reached, reached}));
 
-    // There is no hysteresis below the threshold either.
+    // There is no hysteresis below the threshold.
     Board::set("temperature/SOM", "79");
     temperature.call("periodicTemperatureCheck");
     QCOMPARE(recorder.take(), QStringList());
@@ -366,7 +366,7 @@ void TestTemperature::theIntervalIsKeptToTheMillisecond()
         for (int check = 1; check <= 2; ++check) {
             Board::clearJournal();
             daemon.letMillisecondsPass(interval - 1);
-            // take() makes a call, and expired timers are handled only after it: call it twice.
+            // The daemon may answer take() before it handles an expired timer: call take() twice.
             recorder.take();
             recorder.take();
             QCOMPARE(readingTimes().size(), 0);
