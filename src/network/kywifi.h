@@ -24,7 +24,7 @@ public:
 
 public Q_SLOTS:
     /**
-     * Joins the network "Service" of @p settings, with the user name "User" and the pass phrase
+     * Joins the network "Service" of @p settings, with the user name "User" and the passphrase
      * "Password"; ignored unless the state is "idle" or "failure". There is no current service
      * until ConnMan has joined the network.
      *

@@ -9,7 +9,7 @@ class WifiTest : public NetworkTest
     Q_OBJECT
 
 protected:
-    /** Joins a network as a client does, as the user "me" with the pass phrase "secret". */
+    /** Joins a network as a client does, as the user "me" with the passphrase "secret". */
     QString join(const QString &name = QStringLiteral("Lab"));
 
     /** Lets the script end and the module's delay pass, and the station handle both. */
