@@ -220,8 +220,8 @@ void TestSettings::aLockLeftByAPowerCutIsNotWaitedFor()
     QFETCH(QString, content);
     const QString file = "/opt/settings.ini";
     const QString lock = file + ".lock";
-    // The shell becomes the daemon and keeps its PID. The lock file's time is in the future: its age
-    // does not make it stale during the test.
+    // The shell becomes the daemon and keeps its PID. The lock file's time is in the future, so
+    // that its age does not make it stale during the test.
     writeFile("/run/lock-content", content.toUtf8());
     daemon.setWrapper({"sh", "-c",
                        "sed \"s/%1/$$/\" /run/lock-content >$0 && touch -d '25 seconds' $0 && "

@@ -67,7 +67,7 @@ void TestBusFault::eachFaultHasItsSentence()
     fault.errorName = "org.freedesktop.DBus.Error." + error;
     fault.errorText = "TEXT";
     QTEST(sentence(fault), "expected");
-    // Another service's error, with any last word.
+    // An error of another service may end in the same word.
     fault.errorName = "com.example.Error." + error;
     if (isJoined)
         QCOMPARE(sentence(fault), "TEXT (com.example.Error." + error + ')');

@@ -99,7 +99,7 @@ void TestIpv4Rules::settingsHaveToAgree_data()
     row("Method=manual Address=10.0.0.2 Netmask=255.255.255.0 Gateway=10.0.0.255",
         "Gateway: '10.0.0.255' is the broadcast address of the network 10.0.0.0/24, not of a "
         "host");
-    // The daemon always sets a gateway: its own address means none.
+    // The daemon always sets a gateway: the instrument's own address as the gateway means none.
     row("Method=manual Address=10.0.0.1 Netmask=255.255.255.0 Gateway=10.0.0.1", "");
     row("Method=manual Address=10.0.0.2 Gateway=11.0.0.1",
         "Gateway: '11.0.0.1' is not in the network 10.0.0.0/8 of the address");
@@ -119,7 +119,7 @@ void TestIpv4Rules::settingsHaveToAgree_data()
         "host");
     row("Method=manual Address=10.0.0.2 Netmask=255.255.255.255 Gateway=10.0.0.1",
         "Gateway: '10.0.0.1' is not in the network 10.0.0.2/32 of the address");
-    // Without the method, or with another one, missing values may already be stored.
+    // Without "Method=manual", the missing values may already be stored.
     row("Address=10.0.3.2 Gateway=11.0.0.1", "");
     row("Address=10.0.3.2 Netmask=255.255.255.0", "");
     row("Address=10.0.3.2 Netmask=255.255.255.0 Gateway=10.0.0.1",

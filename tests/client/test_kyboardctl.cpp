@@ -242,7 +242,7 @@ void TestKyboardctl::aWrongCommandLineSendsNothing()
     QCOMPARE(result.status, 2);
     QCOMPARE(result.complaint, "kyboardctl: " + complaint + '\n');
     QCOMPARE(result.output, QString());
-    // It does not even connect to the bus.
+    // kyboardctl does not even connect to the bus.
     QStringList messages;
     for (const BusMessage &message : monitor.take())
         messages << message.line();
@@ -349,7 +349,7 @@ void TestKyboardctl::statusForMachinesIsOneObject()
     QCOMPARE(status.value("profile").toString(), QStringLiteral("user1"));
     QCOMPARE(status.value("backlight").toInt(), 55);
     QCOMPARE(status.value("temperatures").toObject().value("SOM").toInt(), 42);
-    // Nothing is connected, and no interface exists.
+    // Nothing is connected, and no network interface exists.
     for (const char *key : {"ethernet", "ethernetHardware", "wifi", "wifiHardware", "wifiStrength",
                             "accessPointHardware"})
         QVERIFY2(status.contains(key) && status.value(key).isNull(), key);

@@ -113,7 +113,7 @@ void TestKyboardctlCompletion::aKeyPressCompletesInZsh()
     TerminalProgram zsh("zsh", {"-f", "-i"});
     zsh.type("PROMPT='%%rea''dy '; autoload -Uz compinit; compinit -u -D; . " ZSH_COMPLETION "\n");
     QVERIFY2(zsh.shows("ready "), zsh.shown().constData());
-    // Each key press is shown before the next one.
+    // Wait until each completion is shown before the next keys.
     zsh.type("kyboardctl wi\t");
     QVERIFY2(zsh.shows("kyboardctl wifi"), zsh.shown().constData());
     zsh.type("set-i\t");
@@ -124,13 +124,13 @@ void TestKyboardctlCompletion::aKeyPressCompletesInZsh()
     QVERIFY2(zsh.shows("manual"), zsh.shown().constData());
     zsh.type("Addr\t");
     QVERIFY2(zsh.shows("Address="), zsh.shown().constData());
-    // The current line, as a command would get it.
+    // Ctrl-A and "print -r --" make the shell print the line as a command would get it.
     zsh.type("10.0.0.2\x01print -r -- \n");
     QVERIFY2(zsh.shows("\nkyboardctl wifi set-ipv4 Method=manual Address=10.0.0.2\r\n"),
              zsh.shown().constData());
 }
 
-/** As installed: a file of its own in the function path. */
+/** The completion is a file of its own in zsh's function path, as the package installs it. */
 void TestKyboardctlCompletion::zshFindsItByItsName()
 {
     qputenv("TERM", "xterm");

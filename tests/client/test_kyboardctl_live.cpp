@@ -279,7 +279,7 @@ void TestKyboardctlLive::watchSurvivesTheDaemon()
     QTRY_VERIFY_WITH_TIMEOUT(client.shown().count("Revisions") > drawn, deadlineMs);
 }
 
-/** A call for temperatures makes the daemon announce those that are too high. */
+/** When watch reads the temperatures, the daemon announces those that are too high. */
 void TestKyboardctlLive::hotSensorsDoNotKeepWatchBusy()
 {
     QCOMPARE(runClient({"temperature", "threshold", "SOM", "1"}).status, 0);

@@ -35,7 +35,7 @@ private:
     static QStringList calls(BusMonitor &monitor);
 };
 
-/** The calls of the daemon's own interfaces since the last take(). */
+/** The calls to the daemon's own interfaces since the last take(). */
 QStringList TestKyboardctlSafety::calls(BusMonitor &monitor)
 {
     QStringList lines;
@@ -121,7 +121,7 @@ void TestKyboardctlSafety::atATerminalTheUserIsAsked()
     client.type(answer);
     QCOMPARE(client.waitForEnd(), status);
     QCOMPARE(QFile::exists(profile("user3") + "/notes"), status != 0);
-    // The program's name before it is coloured.
+    // The program's name comes before this text, but is coloured.
     QCOMPARE(client.shown().contains(" user reset: not confirmed"), status != 0);
 }
 
@@ -144,7 +144,7 @@ void TestKyboardctlSafety::aQuestionIsSeenWithoutStandardError()
     QCOMPARE(secret.waitForEnd(), 2);
 }
 
-/** A program without a controlling terminal whose standard input happens to be one. */
+/** kyboardctl has no controlling terminal, although its standard input is a terminal. */
 void TestKyboardctlSafety::withoutAControllingTerminalNoQuestionIsAsked()
 {
     startDaemon();

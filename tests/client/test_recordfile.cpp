@@ -236,7 +236,7 @@ void TestRecordFile::everyTruncatedFileIsRefused()
     }
 }
 
-/** Changes every single number. */
+/** Changes each number in turn. */
 void TestRecordFile::everyChangedValueIsRefused()
 {
     const QJsonObject file = QJsonDocument::fromJson(copy()).object();

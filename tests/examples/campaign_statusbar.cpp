@@ -148,7 +148,7 @@ void TestStatusBar::theDaemonIsShownWhenItComes()
     QTRY_COMPARE_WITH_TIMEOUT(instrument->backlight(), 55, deadlineMs);
     QTRY_COMPARE_WITH_TIMEOUT(instrument->sdCard(), QString("none"), deadlineMs);
     QCOMPARE(instrument->problem(), QString());
-    // It has seen the daemon start: all links are down.
+    // The bar has seen the daemon start: all links are down.
     for (const Link *link : {instrument->ethernet(), instrument->wifi(), instrument->accessPoint()})
         QCOMPARE(link->state(), QString("idle"));
     QCOMPARE(sign("problem")->property("visible").toBool(), false);
@@ -195,7 +195,7 @@ void TestStatusBar::theStationIsShownAsItConnects()
     // The last of the four bars is no longer lit, the first one is.
     QTRY_COMPARE_WITH_TIMEOUT(pixelAt("strength", 0.95, 0.5), grey, deadlineMs);
     QCOMPARE(pixelAt("strength", 0.1, 0.75), green);
-    // ConnMan reports that it is already off, which is an error and leads to idle nevertheless.
+    // ConnMan replies with the error that Wi-Fi is already off. The link goes to idle nevertheless.
     wifi.call("disconnect");
     QTRY_COMPARE_WITH_TIMEOUT(state(instrument->wifi()), QString("idle"), deadlineMs);
     QCOMPARE(colourOf("wifi"), grey);
@@ -263,7 +263,7 @@ void TestStatusBar::theDaemonMayDieAndComeBack()
     QTRY_COMPARE_WITH_TIMEOUT(instrument->profile(), QString("user2"), deadlineMs);
     QTRY_COMPARE_WITH_TIMEOUT(instrument->batteryLevel(), 80, deadlineMs);
     QCOMPARE(state(instrument->wifi()), QString("idle"));
-    // It receives the new daemon's signals, too.
+    // The bar receives the new daemon's signals, too.
     QCOMPARE(Remote("/KyConfigMgr", "Users").call("setUser", {"user3"}), QString("()"));
     QTRY_COMPARE_WITH_TIMEOUT(instrument->profile(), QString("user3"), deadlineMs);
     connectEthernet(ethernet, connman, "association");
@@ -278,7 +278,7 @@ void TestStatusBar::theBatteryFollowsTheBoard()
     QTRY_COMPARE_WITH_TIMEOUT(pixelAt("fill", 0.98, 0.5), green, deadlineMs);
     const double full = sign("fill")->property("width").toDouble();
     Board::set("battery/charge", "15");
-    // No signal before the daemon's next check: the bar asks.
+    // The daemon sends no signal before its next check: the bar asks for the battery status.
     QTRY_COMPARE_WITH_TIMEOUT(instrument->batteryLevel(), 20, deadlineMs);
     QCOMPARE(sign("fill")->property("width").toDouble(), full / 4);
     QTRY_COMPARE_WITH_TIMEOUT(pixelAt("fill", 0.5, 0.5), red, deadlineMs);
@@ -365,7 +365,7 @@ void TestStatusBar::theProgramShowsTheBar()
 void TestStatusBar::aUserOutsideTheGroupSeesTheReason()
 {
     begin();
-    // Ourselves, where every user may run it.
+    // A copy of this program in a directory that every user can enter.
     const QString program = "/tmp/statusbar";
     QVERIFY(QFile::copy(QCoreApplication::applicationFilePath(), program));
     const auto problemOf = [&](const QString &user, const QString &group) {
@@ -392,7 +392,7 @@ void TestStatusBar::thePictureShowsTheBar()
     QVERIFY(Board::storage("insert", "USB"));
     QTRY_COMPARE_WITH_TIMEOUT(colourOf("usbKey"), amber, deadlineMs);
     const QImage shown = picture();
-    // For a developer who has changed the bar.
+    // Save the picture for a developer who has changed the bar.
     static_cast<void>(shown.save(DRAWN));
     const QImage kept = QImage(PICTURE).convertToFormat(QImage::Format_RGB32);
     QCOMPARE(kept.size(), shown.size());

@@ -177,7 +177,7 @@ QString errorLine(const QString &failure)
     return QStringLiteral("error ") + failure;
 }
 
-/** A complete instrument record in wire format, with the value of @p key. */
+/** A complete instrument record in wire format, in which @p key has @p value. */
 QString instrumentValues(const QString &key, const QString &value)
 {
     QStringList entries;
@@ -186,7 +186,7 @@ QString instrumentValues(const QString &key, const QString &value)
     return QStringLiteral("a{sv} 12 ") + entries.join(QLatin1Char(' '));
 }
 
-/** The same for a measure record, with its coefficients. */
+/** A complete measure record in wire format, with @p coefficientValue as its coefficients. */
 QString measureValues(const QString &coefficientValue)
 {
     return QStringLiteral("a{sv} 4 AdjustementSite i 500 AdjustementDate u 4000000000 "
@@ -218,7 +218,7 @@ QVariantMap TestEeprom::recordOf(const QString &method)
     return qdbus_cast<QVariantMap>(version.reply(method).arguments().value(0));
 }
 
-/** Calls a method whose write protection can be lifted but not restored. */
+/** Calls @p method, which can lift the write protection, but not restore it. */
 QString TestEeprom::callWithoutRestore(const QString &method, const QList<QVariant> &arguments)
 {
     QDBusMessage message = QDBusMessage::createMethodCall(
@@ -562,7 +562,7 @@ void TestEeprom::surplusEntriesAreKeptUpTo64KiB()
         QVERIFY(!recordOf(row.get).contains("!"));
         QCOMPARE(recordOf(row.get).size(), row.record.size() + 1);
 
-        // In the order of their keys: an entry that does not fit leaves room for smaller ones.
+        // The daemon keeps entries in the order of their keys; it leaves out those that do not fit.
         record["!1"] = QByteArray(40000, 'x');
         record["!2"] = QVariant::fromValue(QList<int>::fromVector(QVector<int>(4000, 7)));
         record["!3"] = QStringList(QString(20000, 'x'));
@@ -612,7 +612,7 @@ void TestEeprom::aSetRefusesFieldsOfMoreThan64KiB()
     for (const QString &field : instrumentRecord().keys())
         instrument[field] = 1;
     instrument["IrdSessionPassword"] = value;
-    // It has 8 fields fewer.
+    // A measure record has 8 fields fewer: the text of the first field takes up their bytes.
     QVariantMap measure{{"AdjustementSite", QByteArray(8 * 8, 'x')},
                         {"AdjustementDate", 1},
                         {"NextAdjustementDate", 1},
@@ -623,7 +623,7 @@ void TestEeprom::aSetRefusesFieldsOfMoreThan64KiB()
     QCOMPARE(version.call(setMeasure, {measure}), notValid);
 
     QCOMPARE(calls(), before);
-    // As after every rejected set.
+    // After a rejected set, the daemon reads the records again.
     version.call(getInstrument);
     version.call(getMeasure);
     QCOMPARE(calls().filter("readEeprom").size(), before.filter("readEeprom").size() + 2);
@@ -631,7 +631,7 @@ void TestEeprom::aSetRefusesFieldsOfMoreThan64KiB()
 
 void TestEeprom::aStoredRecordDoesNotKeepItsMessageInMemory()
 {
-    // malloc() returns freed memory to the kernel immediately.
+    // Make malloc() return freed memory to the kernel immediately.
     daemon.setEnvironment("MALLOC_MMAP_THRESHOLD_", "65536");
     QVERIFY(daemon.start());
     version.call(getInstrument);
@@ -931,7 +931,7 @@ void TestEeprom::setRefusesAMeasureMapWithAMissingKey()
     Board::clearJournal();
     QVariantMap map = measureRecord();
     map.remove(key);
-    // The usual spelling is not the key's.
+    // The correct spelling does not replace the key "AdjustementSite".
     map.insert("AdjustmentSite", 1);
 
     QCOMPARE(version.call(setMeasure, {map}), notValid);
@@ -1099,7 +1099,7 @@ void TestEeprom::noSignalEndsTheDaemonWhileTheProtectionIsLifted()
     QVERIFY(thread != 0);
     QCOMPARE(syscall(SYS_tgkill, process, thread, signal), 0);
 
-    // Pending for the main thread, which is inside the hardware library.
+    // The signal stays pending: the main thread is inside the hardware library.
     const auto isPending = [=] {
         const quint64 pending = statusOf(process, "SigPnd").toULongLong(nullptr, 16);
         return ((pending >> (signal - 1)) & 1) == 1;

@@ -283,7 +283,7 @@ void TestSweepIdentity::everyKeyAcceptsValuesOfAnyType()
     QFETCH(QStringList, keys);
     startAndReadRecords();
     const QStringList before = eeproms();
-    // Stop the set here: otherwise it would write such a record.
+    // Let the set fail here: otherwise it would write a record with such a value.
     Board::fault("KyEeprom.setWriteEnable", "always");
 
     for (const QString &value : values()) {

@@ -385,7 +385,7 @@ void TestVersion::anApplicationThatHangsIsKilledAfterThreeSeconds()
 
     QVERIFY(timer.elapsed() >= 3000);
     const int process = readFile("/tmp/application.pid").trimmed().toInt();
-    // Not even as a zombie.
+    // The process does not even exist as a zombie.
     QTRY_VERIFY_WITH_TIMEOUT(stateOf(process).isEmpty(), deadlineMs);
     QCOMPARE(version.call(getVersions), ownVersionAlone);
     QCOMPARE(readFile("/tmp/runs"), QByteArray("run\n"));

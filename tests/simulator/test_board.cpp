@@ -36,7 +36,7 @@
 
 namespace
 {
-/** Calls one operation and returns the caller's result in the journal's format. */
+/** Calls one operation; returns the result that the caller sees, in the journal's format. */
 using Operation = std::function<QString()>;
 
 QString seen(int status, const QString &out)
@@ -839,7 +839,7 @@ void TestBoard::aCountThatIsNonsenseIsNotIncremented()
 
 void TestBoard::numbersDoNotDependOnTheLocale()
 {
-    // Any locale with a decimal comma; the test world may have none.
+    // Set a locale with a decimal comma, if the test's world has one.
     for (const char *locale : {"de_DE.UTF-8", "fr_FR.UTF-8", "C.UTF-8"})
         if (std::setlocale(LC_ALL, locale))
             break;
@@ -1023,7 +1023,7 @@ void TestBoard::theJournalIsInOrderOverLibrariesAndProcesses()
                                    "KyFaccess.isMounted(0) = false",
                                    "KyLeds.setLedState(18, 0) = 0",
                                }));
-    // That register is the watchdog's.
+    // Reading register 104 feeds the watchdog.
     QCOMPARE(Board::get("watchdog/feeds"), QStringLiteral("1"));
     QList<QByteArray> lines = Board::bytes("journal").split('\n');
     QCOMPARE(lines.takeLast(), QByteArray());

@@ -64,7 +64,7 @@ void TestBoardCode::lightHasItsCode()
 void TestBoardCode::moreLightNeverHasALowerCode()
 {
     int last = 0;
-    // Hundredths of a lux up to 1000, then whole ones.
+    // Steps of 0.01 lux up to 1000 lux, then of 1 lux.
     for (int step = 0; step <= 239000; ++step) {
         const float lux = step < 100000 ? float(step) / 100 : float(step - 99000);
         const int code = board::thresholdCode(lux);

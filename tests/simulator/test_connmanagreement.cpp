@@ -22,7 +22,7 @@ private Q_SLOTS:
     void bothAnnounceTheSame();
 
 private:
-    /** Plugs or unplugs the cable, which differs between the two. */
+    /** Plugs or unplugs the cable, of the real ConnMan or of the stand-in. */
     using MoveCable = std::function<void(bool in)>;
 
     using Answers = QMap<QString, QString>;
@@ -158,7 +158,7 @@ void TestConnmanAgreement::initTestCase()
     QVERIFY(heard.waitFor("/ ServicesChanged") && QTest::qWaitFor(isConnected, deadlineMs));
     realAnnouncements = observe([&](bool in) { in ? real.plugCable() : real.unplugCable(); });
     real.kill();
-    // Some of the calls disturb the connection, although they are rejected.
+    // Start ConnMan again for the calls: some disturb the connection, although they are rejected.
     real.start();
     realAnswers = ask();
     real.kill();
@@ -217,8 +217,8 @@ TestConnmanAgreement::Announcements TestConnmanAgreement::observe(const MoveCabl
 }
 
 /**
- * The reproducible part: the signals of the link, the last of several signals that complete an
- * address step by step, and whether a list has its services with their properties.
+ * Returns the reproducible part of @p heard: the signals of the link, only the last of successive
+ * signals that complete an address, and the lists of services with "..." for the properties.
  */
 QStringList TestConnmanAgreement::essence(const QStringList &heard)
 {
@@ -238,7 +238,7 @@ QStringList TestConnmanAgreement::essence(const QStringList &heard)
     return kept;
 }
 
-/** How much of a new service is in the first list depends on the speed of its lease. */
+/** Leaves out the service and the lists, which depend on how soon the service gets its lease. */
 QStringList TestConnmanAgreement::withoutService(const QStringList &heard)
 {
     QStringList kept;

@@ -26,7 +26,7 @@ public:
 
     /** The requests, in order. */
     QStringList asked;
-    /** The next replies; without any left it cancels. */
+    /** The next replies. When none is left, the agent cancels the request. */
     QStringList passphrases;
 
 public Q_SLOTS:
@@ -154,7 +154,7 @@ void TestConnmanStandIn::aSuspendedStandInAnswersWhenResumed()
 {
     standIn.freeze();
     const QDBusPendingCall call = callLater("/", "net.connman.Manager", "GetServices");
-    // Another peer's round trip gives it more time than a reply would need.
+    // During this call to the bus, a stand-in that is not suspended has time to reply.
     QDBusConnection::systemBus().interface()->isServiceRegistered("net.connman");
     QVERIFY(!call.isFinished());
     standIn.thaw();
@@ -496,7 +496,7 @@ void TestConnmanStandIn::startLively()
     manager.call("RegisterAgent", {QVariant::fromValue(QDBusObjectPath("/agent"))});
 }
 
-/** The answer to Connect; the agent lives in this very thread and must not be blocked. */
+/** Returns the answer to Connect. Does not block the thread, on which the agent runs, too. */
 QString TestConnmanStandIn::joinHome()
 {
     const QDBusPendingReply<> call = callLater(home, "net.connman.Service", "Connect");

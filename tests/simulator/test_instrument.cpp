@@ -111,7 +111,7 @@ void TestInstrument::theDaemonGoesAwayAndComesBack()
     QVERIFY(printed.contains("usage: daemon COMMAND"));
 }
 
-/** The launcher of a daemon that crashed ends after it, perhaps after the next start. */
+/** The launcher of a crashed daemon ends later than the daemon, perhaps after the next start. */
 void TestInstrument::aCrashedDaemonIsStartedAgain()
 {
     QCOMPARE(
@@ -140,8 +140,7 @@ void TestInstrument::withSpeedTimePassesFaster()
     QVERIFY2(timer.elapsed() < 60000, qPrintable(QString::number(timer.elapsed())));
 }
 
-/** Not at 60: a scan ends after 15 s of the daemon's time, in which ConnMan has 0.25 s to answer.
- */
+/** A scan ends after 15 s of the daemon's time. At speed 60, ConnMan would have 0.25 s for it. */
 void TestInstrument::theNetworkWorksWhenTimePassesFaster()
 {
     QCOMPARE(

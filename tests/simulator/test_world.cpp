@@ -75,7 +75,7 @@ TestWorld::Result TestWorld::run(const QStringList &command, const QStringList &
     return {world.exitCode(), world.readAllStandardOutput(), world.readAllStandardError()};
 }
 
-/** Returns true if a process of ours with @p marker in its arguments runs, in any world. */
+/** Returns true if a "sleep" with @p marker in its arguments runs, in any world. */
 bool TestWorld::isAlive(const QString &marker)
 {
     for (const QString &process : QDir("/proc").entryList({"[0-9]*"})) {
@@ -325,7 +325,7 @@ void TestWorld::theSocketOfWaylandIsReached()
     QTemporaryDir directory;
     QLocalServer compositor;
     QVERIFY(compositor.listen(directory.path() + "/wayland-7"));
-    // Closes every connection.
+    // Close every connection, so that the client ends.
     connect(&compositor, &QLocalServer::newConnection,
             [&] { delete compositor.nextPendingConnection(); });
     QSignalSpy connections(&compositor, &QLocalServer::newConnection);

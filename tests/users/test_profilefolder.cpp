@@ -220,7 +220,7 @@ void TestProfileFolder::copyingKeepsModes()
     QCOMPARE(modeOf("user/sub"), mode_t(0700));
     QCOMPARE(modeOf("user/.cache/deep"), mode_t(0555));
     QCOMPARE(modeOf("user/.cache"), mode_t(0510));
-    // Its mode forbids writing even to its owner, but it can be erased.
+    // Directories whose modes forbid writing even to their owner can be erased nevertheless.
     QVERIFY(eraseFolder(at("user")));
     QVERIFY(eraseFolder(at("default")));
 }
@@ -279,7 +279,7 @@ void TestProfileFolder::aDestinationThatIsAFileIsRefusedAndKept()
     QCOMPARE(readFile(path("user")), QByteArray("no directory"));
 }
 
-/** Creates @p depth nested directories, all with this name. */
+/** Creates @p depth nested directories, all named @p name. */
 static void nest(const QString &start, const QByteArray &name, int depth)
 {
     Descriptor directory = openDirectory(start);

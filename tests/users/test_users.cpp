@@ -479,8 +479,8 @@ void TestUsers::aProfileIsMadeIncompleteBeforeAnyFileIsErased()
 
     QCOMPARE(users.call("factoryReset", {"user2"}), QStringLiteral("()"));
 
-    // The rename of measure.conf comes first: from then until the copy is in place the profile is
-    // incomplete, so after a power cut the next switch replaces it.
+    // The rename of measure.conf comes first. It makes the profile incomplete until the copy is in
+    // place: after a power cut, the next switch replaces the profile.
     const QByteArray trace = readFile("/tmp/trace");
     const int renamed = trace.indexOf("\"measure.conf\"");
     QVERIFY2(renamed >= 0 && renamed < trace.indexOf("\".rebuild\""), trace.constData());
