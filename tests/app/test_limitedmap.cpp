@@ -12,7 +12,7 @@
 #include <QDBusMessage>
 #include <QTimer>
 
-/** Limits of callers' maps. */
+/** The limits of the maps that callers send. */
 class TestLimitedMap : public DaemonTest
 {
     Q_OBJECT

@@ -20,7 +20,7 @@ private:
     QString connectOne(const QString &interface);
     QStringList finish(const QString &interface, int otherScripts = 0);
     bool waitForState(const char *interface, const QString &path, const char *name);
-    /** The states that an adaptor announced, and the names of the other properties. */
+    /** The states that an adaptor announced, and the names of the other announced properties. */
     QStringList announcedBy(const QString &interface, const QStringList &announcements) const;
 
     const QString cable = "/net/connman/service/ethernet_02aabbccdd02_cable";

@@ -11,7 +11,7 @@
 #include <QProcess>
 #include <QTest>
 
-/** Returns its argument: every value is read once and written twice. */
+/** Returns its argument: both ends of the connection write and read every value. */
 class Echo : public QObject
 {
     Q_OBJECT

@@ -11,7 +11,7 @@
 #include <csignal>
 #include <malloc.h>
 
-/** Asking pidof for a program; pidof is a script of the test. */
+/** Asking pidof for a program. Only the last function uses the real pidof. */
 class TestPrograms : public QObject
 {
     Q_OBJECT

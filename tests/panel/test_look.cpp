@@ -398,7 +398,7 @@ void TestLook::aBlinkIsDrawnOnce()
     for (int time = 0; time < 2000; time += 50)
         images.insert(drawn(time).cacheKey());
     QCOMPARE(images.size(), 4);
-    // A cached image is the image of its own state of the panel.
+    // Each cached image equals a new drawing of the same state.
     Drawing other{DRAWING};
     for (int time : {0, 250, 550, 700}) {
         other.apply(lookOf(instrument, time));

@@ -405,7 +405,7 @@ void TestPanel::theStrengthEndsWithTheNetwork()
     QCOMPARE(text("strength-text"), QString());
 }
 
-/** A daemon that gives the replies of a test. */
+/** A stand-in for the daemon, which gives the replies that the test sets. */
 class ScriptedDaemon : public QDBusVirtualObject
 {
 public:

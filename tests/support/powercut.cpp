@@ -243,7 +243,7 @@ int main(int argc, char *argv[])
             fail("powercut: ready");
         close(ready[0]);
         close(ready[1]);
-        // Readers of the program's output must not wait for us.
+        // Close the tracer's copies: a reader of the program's output must not wait for the tracer.
         for (int descriptor = 0; descriptor < 3; ++descriptor)
             close(descriptor);
         Tracer(traced, argv[1], directories).run();
