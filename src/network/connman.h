@@ -56,7 +56,7 @@ extern const QString technologyInterface;
 QString technologyPath(const QString &technology);
 
 /**
- * Registers the types above with Qt D-Bus. Call this function before all others of this namespace.
+ * Registers the types above with Qt D-Bus. Reading ConnMan's replies does not require this.
  */
 void registerTypes();
 
@@ -82,7 +82,10 @@ void watchProperties(const QString &path, const QString &interface, QObject *rec
 void unwatchProperties(const QString &path, const QString &interface, QObject *receiver,
                        const char *slot);
 
-/** Returns the first of @p objects whose property @p name is @p value; nothing if there is none. */
+/**
+ * Returns the first of @p objects whose property @p name has the value @p value; nothing if there
+ * is none.
+ */
 std::optional<ConnmanObject> findObject(const QList<ConnmanObject> &objects, const QString &name,
                                         const QString &value);
 

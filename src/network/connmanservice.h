@@ -12,12 +12,12 @@ class ConnmanService : public QObject
 
 public:
     /**
-     * @param path what path() always returns if the interface never has a ConnMan service; pass an
-     *         empty path for an interface that can have one
+     * @param path the result of path() for an interface that never has a ConnMan service; empty for
+     *         an interface that can have a service
      */
     explicit ConnmanService(const QString &path) : m_path(path) {}
 
-    /** The object path; empty until there is a service, unless the constructor was given a path. */
+    /** The object path; empty without a service, unless the constructor has set another path. */
     const QString &path() const { return m_path; }
 
     /** Makes the service at @p path the current one and subscribes to its changes. */

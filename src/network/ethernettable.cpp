@@ -25,11 +25,11 @@ const LinkRow rows[] = {
 
     row({ready}, Event::TechnologyConnected, {}, Do::AskAddress),
     row({ready}, Event::AddressThere, {toOnline}, Do::StopTime, Do::Announce),
-    // Do not stop the timer: clients rely on it.
+    // Do not stop the timer: clients rely on the timeout.
     row({ready}, Event::ServiceAddress, {toOnline}, Do::Announce, Do::PassOn),
     row({ready}, Event::ServiceIPv4, {}, Do::PassOn),
 
-    // This row applies in every state, after a disconnect, too, and again every minute: clients
+    // This row applies in every state, even after a disconnect, and again every minute: clients
     // rely on it.
     row({all}, Event::TimeIsOver, {toFailure}, Do::Announce, Do::PowerOff),
 

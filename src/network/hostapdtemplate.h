@@ -14,8 +14,8 @@ struct AccessPointParameters {
 };
 
 /**
- * Returns the name of the template for @p security: the encrypted one for exactly "WPA2", otherwise
- * the open one.
+ * Returns the file name of the template for @p security: the template of an encrypted network for
+ * exactly "WPA2", otherwise the template of an open network.
  */
 QString hostapdTemplateName(const QString &security);
 

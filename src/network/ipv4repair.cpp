@@ -9,7 +9,7 @@ namespace
 /** The default netmask and gateway by the class of the address. */
 const struct AddressClass {
     int highestFirstByte;
-    /** The gateway: the first bytes of the address, and the text that follows them. */
+    /** The gateway: this number of bytes of the address, followed by gatewayEnd. */
     int addressBytes;
     const char *gatewayEnd;
     const char *netmask;

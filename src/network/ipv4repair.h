@@ -15,16 +15,17 @@ bool isValidIPv4(const QString &text);
  *
  * Valid values stay. An invalid address becomes "192.168.2.3". An invalid netmask becomes the
  * netmask of the address's class, which depends on the first byte: A up to 127, B up to 191, C up
- * to 223, and 255.255.255.255 above. An invalid gateway becomes the first host of the network with
- * that netmask; above 223 it becomes the address itself.
+ * to 223, and 255.255.255.255 above. An invalid gateway becomes the first host of the network that
+ * has the netmask of this class, even if @p settings has another valid netmask. If the first byte
+ * is above 223, the gateway becomes the address itself.
  */
 QVariantMap repairedIPv4(QVariantMap settings);
 
 /**
  * Returns true if @p present, the "IPv4" property of a service, already matches @p settings.
  *
- * Compares only the keys in the settings, and addresses only if the method is "manual" or missing:
- * any other method determines the addresses itself.
+ * Compares only the keys in @p settings. Compares "Address", "Netmask" and "Gateway" only if the
+ * method is "manual" or missing: with any other method, ConnMan determines them.
  */
 bool isInForce(const QVariantMap &settings, const QVariantMap &present);
 

@@ -33,14 +33,14 @@ public Q_SLOTS:
      * Returns the stored value for each credential that @p fields marks as mandatory; no value for
      * other fields.
      *
-     * net.connman.Agent.Error.Canceled, with an empty text, for the third and every later request
-     * after setCredentials(), and before the first setCredentials().
+     * Fails with net.connman.Agent.Error.Canceled and an empty text before the first
+     * setCredentials(), and from the third request after each setCredentials() on.
      */
     QVariantMap RequestInput(const QDBusObjectPath &service, const QVariantMap &fields,
                              const QDBusMessage &message);
 
     /**
-     * Always replies net.connman.Agent.Error.Retry, with an empty text, whatever the error was.
+     * Always replies with net.connman.Agent.Error.Retry and an empty text, whatever @p error is.
      */
     void ReportError(const QDBusObjectPath &service, const QString &error,
                      const QDBusMessage &message);

@@ -8,9 +8,9 @@
 /**
  * Connects and disconnects the wired interface through ConnMan.
  *
- * The technology "ethernet" is powered only while a connection is wanted. An attempt starts the
- * mode script of the Wi-Fi module first and then follows ConnMan's signals; every step is announced
- * as a change of the link state.
+ * The technology "ethernet" is powered only while a client wants a connection. An attempt first
+ * starts the mode script of the Wi-Fi module (see ModeScript), and then follows ConnMan's signals.
+ * Every change of the link state is announced.
  */
 class KyEthernet : public KyTcpIp
 {
@@ -24,10 +24,11 @@ public:
 
 public Q_SLOTS:
     /**
-     * Starts a connection; ignored unless the state is "idle" or "failure".
+     * Starts a connection. The call is ignored unless the state is "idle" or "failure".
      *
-     * Fails with "Cannot switch in mode '1' (WLAN STATION)", and the state "failure", if the mode
-     * script still runs or cannot be started. Later failures show in the state only.
+     * If the mode script still runs or cannot be started, the method fails with "Cannot switch in
+     * mode '1' (WLAN STATION)", and the state becomes "failure". Later failures show in the state
+     * only.
      */
     void connect(const QDBusMessage &message);
 

@@ -38,7 +38,7 @@ public Q_SLOTS:
      */
     void setIPv4(const QVariantMap &settings, const QDBusMessage &message);
 
-    /** Returns the "IPv4" property of the current ConnMan service; empty without one. */
+    /** Returns the "IPv4" property of the current ConnMan service; empty without a service. */
     QVariantMap getIPv4();
 
     /**

@@ -8,9 +8,9 @@
 /**
  * The Wi-Fi station: scans for networks and joins one through ConnMan.
  *
- * A scan or a connect starts the module's mode script first and then follows ConnMan's signals.
- * Every step is announced as a change of the link state or, for a scan, by servicesListChanged(),
- * and is appended to the trace file.
+ * A scan or a connect first starts the module's mode script (see ModeScript), and then follows
+ * ConnMan's signals. Changes of the link state and the result of a scan are announced. Every step
+ * is appended to the trace file (see appendWifiTrace()).
  */
 class KyWifi : public KyTcpIp
 {
@@ -24,12 +24,15 @@ public:
 
 public Q_SLOTS:
     /**
-     * Joins the network "Service" of @p settings, with the user name "User" and the passphrase
-     * "Password"; ignored unless the state is "idle" or "failure". There is no current service
-     * until ConnMan has joined the network.
+     * Joins a network. The call is ignored unless the state is "idle" or "failure". There is no
+     * current service until ConnMan has joined the network.
      *
-     * Fails with "Cannot switch in mode '1' (WLAN STATION)", and the state "failure", if the mode
-     * script still runs or cannot be started. Later failures show in the state only.
+     * If the mode script still runs or cannot be started, the method fails with "Cannot switch in
+     * mode '1' (WLAN STATION)", and the state becomes "failure". Later failures show in the state
+     * only.
+     *
+     * @param settings "Service" (the name of the network), "User" (the user name) and "Password"
+     *         (the passphrase)
      */
     void connect(const QVariantMap &settings, const QDBusMessage &message);
 
@@ -48,8 +51,8 @@ public Q_SLOTS:
      * Scans for networks. Ignored unless the state is "idle" or "failure". Also ignored while a
      * connect is in progress, even if the state is still "idle".
      *
-     * servicesListChanged() reports the result, at the latest 15 s after the module has been
-     * switched.
+     * servicesListChanged() reports the result, at the latest 15 s after the module is in the
+     * station mode.
      *
      * Fails in the same cases as connect().
      */

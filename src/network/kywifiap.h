@@ -6,8 +6,8 @@
 #include "kytcpip.h"
 
 /**
- * The Wi-Fi access point: writes hostapd's configuration, runs the module's mode script and watches
- * the network interface until it is up.
+ * The Wi-Fi access point: writes hostapd's configuration, runs the module's mode script (see
+ * ModeScript) and checks the network interface until it has carrier.
  *
  * The script starts hostapd and dhcpd. connect() and disconnect() do not use ConnMan.
  */
@@ -28,11 +28,15 @@ public Q_SLOTS:
      *         anything else for an open network) and "IP"; a missing value is 0 or empty. Values
      *         are only checked for control characters.
      *
-     * Fails with "Cannot connect, wap busy" unless the state is "idle" or "failure"; with "Cannot
-     * create hostapd conf file", and the state "failure", if a text has a control character, the
-     * template cannot be read or the configuration cannot be written; with "Cannot switch in mode
-     * '2' (WLAN ACCESS POINT)", and the state "failure", if the mode script still runs or cannot be
-     * started. Later failures show in the state only.
+     * Fails with
+     * - "Cannot connect, wap busy" unless the state is "idle" or "failure";
+     * - "Cannot create hostapd conf file" if a text has a control character, the template cannot be
+     *   read or the configuration cannot be written;
+     * - "Cannot switch in mode '2' (WLAN ACCESS POINT)" if the mode script still runs or cannot be
+     *   started.
+     *
+     * After the second and the third error the state is "failure". Later failures show in the state
+     * only.
      */
     void connect(const QVariantMap &parameters, const QDBusMessage &message);
 

@@ -158,7 +158,7 @@ LinkEvent LinkDriver::handOver()
         connman::setServiceProperty(path, QStringLiteral("IPv4.Configuration"), settings);
     // After a fast lease, ConnMan has already sent its signals: read the address now. The address
     // is not final if ConnMan has accepted other settings than those in force; ConnMan then sends
-    // signals when they take effect.
+    // signals when the new settings take effect.
     const QVariantMap present = m_parts.service.ipv4();
     const bool isSettled = refusal.isValid() || isInForce(settings, present);
     return isSettled && hasAddress(present) ? LinkEvent::AddressThere : LinkEvent::AddressMissing;

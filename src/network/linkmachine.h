@@ -63,7 +63,9 @@ enum class LinkEvent {
      * netmask.
      */
     ServiceAddress,
-    /** The service's "IPv4" changed otherwise; only Ethernet has this event. */
+    /**
+     * The service's "IPv4" changed, and has no address or no netmask. Only Ethernet has this event.
+     */
     ServiceIPv4,
     ServiceOther,
     /** ConnMan's reply to Connect is an error that fails the attempt; see failsConnect(). */
@@ -119,7 +121,7 @@ enum class LinkAction {
     PassOn,
     /** Sends clients the list of networks. */
     GiveList,
-    /** Stores the name and the credentials of a connect. */
+    /** Stores the name of the network and the credentials of a connect. */
     TakeRequest,
 
     StartScanTime,
@@ -163,7 +165,10 @@ enum class LinkAction {
     /** Makes the service that was found the current one. */
     WatchService,
     ForgetService,
-    /** Sends the IPv4 settings: AddressThere if the address is final, otherwise AddressMissing. */
+    /**
+     * Sends the name servers and the IPv4 settings to the service: AddressThere if the service
+     * already has its final address, otherwise AddressMissing.
+     */
     HandOver,
     /** Does the service have an address? AddressThere, AddressMissing. */
     AskAddress,
@@ -244,7 +249,7 @@ struct LinkRow {
     LinkCase from;
     LinkEvent event;
     LinkTarget to;
-    /** Carried out in this order up to the first None. */
+    /** Carried out in this order; the unused elements are None. */
     LinkAction actions[mostLinkActions];
 };
 

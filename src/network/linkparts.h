@@ -5,7 +5,7 @@
 #include "ipv4settings.h"
 #include "modescript.h"
 
-/** The parts that an adaptor of a network interface shares with its driver. */
+/** The parts that an adaptor of a network interface (KyTcpIp) shares with its LinkDriver. */
 struct LinkParts {
     LinkParts(const QString &technologyName, const QString &interface, const QString &servicePath)
         : technology(technologyName), interfaceName(interface), service(servicePath)

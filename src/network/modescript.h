@@ -4,7 +4,7 @@
 #include <QObject>
 #include <QProcess>
 
-/** The script that switches the mode of the Wi-Fi module. */
+/** The mode script: the platform's program that switches the mode of the Wi-Fi module. */
 class ModeScript : public QObject
 {
     Q_OBJECT

@@ -10,8 +10,8 @@ constexpr int pidofTimeMs = 1000;
 
 bool isProgramRunning(const QString &name)
 {
-    // The QProcess deletes itself when pidof ends: its destructor would wait for pidof, and could
-    // block even after kill().
+    // The QProcess deletes itself when pidof ends. An earlier deletion would wait for pidof: the
+    // destructor of a running QProcess can block even after kill().
     auto *pidof = new QProcess;
     QObject::connect(
         pidof, static_cast<void (QProcess::*)(int, QProcess::ExitStatus)>(&QProcess::finished),

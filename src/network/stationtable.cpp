@@ -8,7 +8,7 @@ using namespace linksets;
 
 // From: state, operation, firmware flag, condition. Event. To: state, operation. Actions.
 const LinkRow rows[] = {
-    // The radio is off while it is not used.
+    // The radio is off until a scan or a connect needs it.
     row({idle, none}, Event::Started, {}, Do::PowerOff),
 
     // A scan or a connect starts the mode script first. A connect does not announce the state
@@ -23,8 +23,8 @@ const LinkRow rows[] = {
         Do::Announce),
     row({all}, Event::ScriptEnded, {}, Do::StartModuleDelay),
 
-    // If the module becomes ready after a disconnect, nothing happens. If a scan times out before
-    // the module is ready, the scan's timer starts again, so that the scan ends.
+    // If the module becomes ready after a disconnect, the station only records it. If a scan times
+    // out before the module is ready, the scan's timer starts again, so that the scan ends.
     row({idle, scan, either, When::TimeRuns}, Event::ModuleReady, {}, Do::NoteModule,
         Do::AskConnman),
     row({idle, scan, either, When::TimeIsOver}, Event::ModuleReady, {}, Do::NoteModule,

@@ -5,15 +5,24 @@
 namespace KyTcpIpState
 {
 enum State {
-    /** Not connected, nothing in progress. Only Idle and Failure accept a connect. */
+    /**
+     * Not connected. An attempt, or a scan, begins in this state. Only Idle and Failure accept a
+     * connect.
+     */
     Idle = 0,
     Failure = 1,
     Association = 2,
     Configuration = 3,
-    /** ConnMan reports the service as ready; it has received the IPv4 settings. */
+    /**
+     * Ethernet: ConnMan lists the service. Access point: hostapd and dhcpd run. The Wi-Fi station
+     * does not enter this state.
+     */
     Ready = 4,
     Disconnect = 5,
-    /** The service has an address and a netmask. */
+    /**
+     * Ethernet and Wi-Fi station: the service has an address, or ConnMan reports the station's
+     * service as online. Access point: the network interface has carrier.
+     */
     Online = 6,
 };
 

@@ -17,8 +17,9 @@ std::optional<ConnmanObject> wifiServiceNamed(const QList<ConnmanObject> &servic
                                               const QString &name);
 
 /**
- * Returns the result of a scan, for clients: for each network's name a string list of its object
- * path, its strength in decimal (0 to 100) and its kinds of security, joined by commas.
+ * Returns the result of a scan, for clients. Each key is the name of a network, and its value is a
+ * list of three texts: the object path, the strength in decimal (0 to 100), and all kinds of
+ * security in one text, joined by commas.
  *
  * Hidden networks are left out. Of several networks with the same name the list contains only the
  * first one, which a connect would join.
@@ -26,8 +27,8 @@ std::optional<ConnmanObject> wifiServiceNamed(const QList<ConnmanObject> &servic
 QVariantMap wifiScanList(const QList<ConnmanObject> &services);
 
 /**
- * Returns ConnMan's strength of a service in a form that can be sent; nothing for anything but a
- * number.
+ * Returns ConnMan's strength of a service in a form that can be sent. Returns nothing for a value
+ * of a type that Qt cannot convert to a number.
  */
 std::optional<QVariant> strengthOf(const QVariant &value);
 

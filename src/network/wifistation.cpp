@@ -148,7 +148,8 @@ void WifiStation::requestConnect()
     registerAgent();
     // ConnMan replies only after the agent has answered, and the agent runs on this thread: a
     // blocking call would time out, join no network and block all clients.
-    // The new watcher replaces that of an earlier Connect, whose late reply is ignored.
+    // The new watcher replaces the watcher of an earlier Connect: a late reply to the earlier
+    // Connect is ignored.
     m_connectReply =
         std::make_unique<QDBusPendingCallWatcher>(connman::connectService(m_foundPath));
     connect(m_connectReply.get(), &QDBusPendingCallWatcher::finished, this,

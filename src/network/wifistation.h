@@ -49,7 +49,7 @@ private:
     QString m_requestedService;
     /** Waits for the reply to the last Connect. */
     std::unique_ptr<QDBusPendingCallWatcher> m_connectReply;
-    /** The timer that limits how long a disconnect waits for the technology to be off. */
+    /** Limits how long a disconnect waits until the technology is off. */
     QTimer m_leavingTime;
 };
 
