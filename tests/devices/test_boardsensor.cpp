@@ -30,7 +30,7 @@ bool isUrgent(int descriptor, int milliseconds)
     return poll(&waited, 1, milliseconds) > 0 && (waited.revents & POLLPRI);
 }
 
-/** Reads the interrupt from the descriptor, as every reader does. */
+/** Reads the interrupt from the descriptor, as the daemon does. */
 void drain(int descriptor)
 {
     char bytes[8];
