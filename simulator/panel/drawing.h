@@ -55,8 +55,7 @@ private:
     QDomDocument m_document;
     QHash<QString, QDomElement> m_elements;
     QHash<QString, QRectF> m_bounds;
-    /** Left edges and widths of the elements as originally drawn; the spans of a Look refer to
-     * them. */
+    /** Left edges and widths of the elements as drawn; the spans of a Look refer to them. */
     QHash<QString, double> m_lefts;
     QHash<QString, double> m_widths;
     QSizeF m_size;

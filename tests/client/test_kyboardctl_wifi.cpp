@@ -39,6 +39,7 @@ private Q_SLOTS:
     void aSilentAccessPointIsATimeout();
     void withoutConnmanNothingIsJoined();
     void aNetworkIsForgotten();
+    void aNetworkThatTheFirstScanMissesIsForgotten();
     void forgettingTheJoinedNetworkDisconnectsItFirst();
     void aNetworkOutOfReachIsNotForgotten();
     void disconnectLeadsToIdle();
@@ -329,6 +330,29 @@ void TestKyboardctlWifi::aNetworkIsForgotten()
     QTRY_VERIFY_WITH_TIMEOUT(!readFile(settings).contains("Passphrase="), deadlineMs);
     QVERIFY(!readFile(settings).contains("Favorite=true"));
     QCOMPARE(run({"wifi", "connect", "Workshop"}, "seven seas\n").complaint, QString());
+}
+
+void TestKyboardctlWifi::aNetworkThatTheFirstScanMissesIsForgotten()
+{
+    const QString settings = "/var/lib/connman/"
+                             "wifi_02aabbccdd03_576f726b73686f70_managed_psk/settings";
+    QCOMPARE(run({"wifi", "connect", "Workshop"}, "seven seas\n").complaint, QString());
+    daemon.stop();
+    QVERIFY(daemon.start());
+    QTRY_VERIFY_WITH_TIMEOUT(readFile(settings).contains("Passphrase=seven seas"), deadlineMs);
+    supplicant.set("workshop/in_range", "0");
+
+    SignalRecorder recorder("/KyComMgr");
+    QProcess client;
+    start(client, {"wifi", "forget", "Workshop"}, {});
+    QTRY_VERIFY_WITH_TIMEOUT(!recorder.recorded().filter("servicesListChanged").isEmpty(),
+                             deadlineMs);
+    QVERIFY(!recorder.recorded().filter("servicesListChanged").first().contains("Workshop"));
+    supplicant.set("workshop/in_range", "1");
+    const Result result = resultOf(client);
+    QCOMPARE(result.complaint, QString());
+    QCOMPARE(result.status, 0);
+    QTRY_VERIFY_WITH_TIMEOUT(!readFile(settings).contains("Passphrase="), deadlineMs);
 }
 
 void TestKyboardctlWifi::forgettingTheJoinedNetworkDisconnectsItFirst()

@@ -7,10 +7,6 @@
 #include <QDBusConnection>
 #include <QTest>
 
-namespace
-{
-}
-
 SignalRecorder::SignalRecorder(const QString &path) : m_path(path)
 {
     // Qt D-Bus subscribes to interfaces, not to whole objects.
