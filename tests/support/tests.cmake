@@ -147,7 +147,7 @@ function(add_tool_test name)
     limit_test(${name})
 endfunction()
 
-# A campaign. It appends its figures to the file that the variable FIGURES names; ./test prints them.
+# A campaign. It writes its figures to the file that the variable FIGURES names; ./test prints them.
 # With LONG, it runs only in ./test --long. Under an emulator, the figures would be meaningless.
 function(add_campaign name)
     if(CMAKE_CROSSCOMPILING)
