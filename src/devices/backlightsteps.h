@@ -19,7 +19,7 @@ constexpr int stepAboveAll = 15;
  * Returns the first step from 1 to 12 whose percentage is at least @p percentage, or stepAboveAll
  * if there is none.
  *
- * Never returns step 0, not even for the percentage of step 0: clients rely on it.
+ * Never returns step 0, not even for the percentage of step 0: clients rely on this.
  */
 int backlightStep(int percentage, const BacklightSteps &steps);
 
@@ -28,8 +28,8 @@ struct LightStep {
     /** A step of the table. */
     int step;
     /**
-     * The level is above the table: the step is the last one, and the backlight must not change to
-     * it.
+     * The level is above the table: the step is the last one, and a change of the light to this
+     * level must not change the backlight.
      */
     bool isBeyondTable;
 };

@@ -31,8 +31,8 @@ const Bound charging[] = {
 };
 
 /**
- * Returns the status of the first row that covers @p charge. 64 bits, because the negation of the
- * lowest int is not an int.
+ * Returns the status of the first row that covers @p charge. @p charge has 64 bits, because the
+ * negation of the lowest int is not an int.
  */
 Battery::Status statusOf(qint64 charge, const Bound *bound)
 {

@@ -11,7 +11,8 @@
 class QTimer;
 
 /**
- * The power supply: reduces the charger and the battery's charge meter to one of fourteen statuses.
+ * The power supply: derives one of fourteen statuses from the charger and the battery's charge
+ * meter.
  *
  * The status is checked every 10 s for the first eleven times and every 5 minutes afterwards.
  * Hardware failures are not reported: a charger that cannot be read counts as absent, a battery
@@ -31,7 +32,7 @@ class KyAlimentation : public QDBusAbstractAdaptor
 public:
     using BatteryStatus = Battery::Status;
 
-    /** Reports the charger to the monitor and starts the periodic check. */
+    /** Tells the battery monitor whether the charger is connected; starts the periodic check. */
     explicit KyAlimentation(QObject *parent);
 
     /** Takes a measurement and returns the value of the property; may send the signal. */
@@ -58,7 +59,10 @@ private:
 
     QTimer *m_checkTimer;
     KyBatmonitor m_batmonitor;
-    /** Remaining checks at the initial interval; negative once the steady interval runs. */
+    /**
+     * The number of checks that follow the next one at the initial interval; negative once the
+     * steady interval runs.
+     */
     qint16 m_fastChecksLeft;
     bool m_chargerPresent;
     quint16 m_batteryVoltage;

@@ -43,7 +43,7 @@ public Q_SLOTS:
 Q_SIGNALS:
     /**
      * The light left the band around its level. Sent at every interrupt of the sensor, even if the
-     * level is the same as before.
+     * level is the same as before, but not if the new band cannot be set.
      *
      * @param brightness the illuminance in lux; -1 if it could not be read
      * @param brightnessLevel its level, 1 to 16

@@ -50,7 +50,7 @@ private:
     void wireLeds();
     void showPresentState();
 
-    // The devices are initialised in this order.
+    // The devices are initialised in this order, except the backlight: it comes last.
     KyAlimentation m_alimentation;
     KyLED m_led;
     KyNetwork m_network;

@@ -16,8 +16,8 @@ class QDBusMessage;
 /**
  * The front-panel LEDs: clients set and read them, battery status and storage devices drive them.
  *
- * LEDs and states have the names of the two enumerations, compared exactly. The class keeps no
- * state: it reads the LEDs back from the hardware.
+ * The names of LEDs and states are the names of the enumerators of Led and State, compared exactly.
+ * The class does not store the states of the LEDs: it reads them back from the hardware.
  */
 class KyLED : public QDBusAbstractAdaptor
 {

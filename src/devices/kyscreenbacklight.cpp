@@ -97,8 +97,8 @@ void KyScreenBacklight::handleBrightnessChange(double /*brightness*/, int bright
 }
 
 /**
- * Adapts the backlight to the current light and announces it. Returns Error::Read if the light
- * cannot be read; a failed write is only announced.
+ * Adapts the backlight to the current light and announces the result. Returns Error::Read if the
+ * light cannot be read. A failed write is only announced: the result is Error::None.
  */
 int KyScreenBacklight::followLight()
 {

@@ -62,10 +62,10 @@ public Q_SLOTS:
 
 Q_SIGNALS:
     /**
-     * The backlight followed the ambient light.
+     * Sent in automatic mode, after an attempt to adapt the backlight to the ambient light.
      *
-     * @param backlight the new percentage; -1 when the backlight could not be set
-     * @param getBacklightStep the new step, 0 to 12; -1 when the backlight could not be set
+     * @param backlight the new percentage; -1 if the backlight could not be read or set
+     * @param getBacklightStep the new step, 0 to 12; -1 if the backlight could not be read or set
      */
     void backlightChanged(int backlight, int getBacklightStep);
 

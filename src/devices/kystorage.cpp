@@ -54,7 +54,7 @@ void KyStorage::umount(QString device, const QDBusMessage &message)
     }
     if (m_faccess.unmountDevice(known->number) != 0)
         sendErrorReply(Error::Write, QStringLiteral("Umount failed"), message);
-    // Sent even if the call failed: clients rely on it.
+    // Sent even if the device could not be unmounted: clients rely on this.
     Q_EMIT deviceChangedMountState(device, false);
     Q_EMIT(this->*known->presence)(false);
 }

@@ -32,7 +32,8 @@ public:
 
 public Q_SLOTS:
     /**
-     * Unmounts @p device. Announces the device as unmounted and absent even if this fails.
+     * Unmounts @p device. Announces the device as unmounted and absent, even if it cannot be
+     * unmounted.
      *
      * Error::m_write if @p device cannot be unmounted. Error::m_write, without an announcement, if
      * @p device is unknown.
@@ -44,8 +45,8 @@ public Q_SLOTS:
 
 Q_SIGNALS:
     /**
-     * Sent when an SD card is inserted (counts as mounted) or removed, and after an attempt to
-     * unmount a device.
+     * Sent when an SD card is inserted (an inserted card counts as mounted) or removed, and after
+     * an attempt to unmount a device.
      */
     void deviceChangedMountState(QString device, bool isMounted);
 

@@ -52,7 +52,8 @@ public Q_SLOTS:
     void setTemperatureThreshold(QString device, int threshold, const QDBusMessage &message);
 
     /**
-     * Sets the interval of the periodic check to @p interval milliseconds and restarts it.
+     * Sets the interval of the periodic check to @p interval milliseconds. The next check is one
+     * whole interval away.
      *
      * Error::m_invalidArgument for less than 1000.
      */

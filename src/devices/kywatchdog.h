@@ -10,8 +10,9 @@
 class QDBusMessage;
 
 /**
- * Reports to two supervisors that the instrument's application is alive: once after the start to
- * the power-management microcontroller (MSP430), and periodically to the watchdog in the FPGA.
+ * Reports to two supervisors that the instrument's application is alive. The application calls
+ * keepAlive() periodically: every call feeds the watchdog in the FPGA, and the first one also
+ * reports to the power-management microcontroller (MSP430).
  */
 class KyWatchdog : public QDBusAbstractAdaptor
 {
@@ -25,8 +26,8 @@ public:
 
 public Q_SLOTS:
     /**
-     * Feeds the FPGA's watchdog; the first successful call reports to the MSP430 that the system is
-     * up.
+     * Feeds the FPGA's watchdog. Before that, reports to the MSP430 that the system is up, unless
+     * an earlier call has already done so.
      *
      * Error::m_initialisation if the HPS (the processor part of the system-on-chip) is not
      * initialised or does not answer, or if the MSP430 rejects the report; the next call retries.

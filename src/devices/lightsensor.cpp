@@ -28,8 +28,8 @@ std::optional<double> LightSensor::read()
 bool LightSensor::acknowledge(int descriptor)
 {
     char event[8];
-    // A sysfs value file signals its event until a read from its start. On a socket lseek() fails,
-    // without effect.
+    // If the descriptor is a sysfs value file, the event is pending until the file is read from its
+    // start. If it is a socket, lseek() fails and has no effect.
     lseek(descriptor, 0, SEEK_SET);
     // This read only clears the event: the value comes from the sensor.
     const ssize_t drained = ::read(descriptor, event, sizeof event);

@@ -4,23 +4,23 @@
 #include <QVariantMap>
 
 /**
- * The limits in bytes (see sizeOnBus()) of a kept record: for its fields, and for its other
- * entries.
+ * The daemon keeps a record that a caller has set, and repeats it in later replies. These are the
+ * limits of a kept record in bytes (see sizeOnBus()): for its fields, and for its other entries.
  */
 constexpr int mostFieldBytes = 65536;
 constexpr int mostSurplusBytes = 65536;
 
 /**
- * Returns true if @p fields can be kept: mostFieldBytes at most, and every value valid.
- * limitedMap() makes a value with too many elements invalid.
+ * Returns true if @p fields can be kept: they take mostFieldBytes at most, and every value is
+ * valid. limitedMap() makes an entry with too many values invalid.
  */
 bool canBeKept(const QVariantMap &fields);
 
 /**
- * Returns the part of @p map, a record that a caller has set, that later replies repeat: all @p
- * fields, and as many of the other entries as fit into mostSurplusBytes (key and value, see
- * sizeOnBus()). The other entries are added in the order of their keys; an entry that is invalid or
- * does not fit is left out. The values have their original types.
+ * Returns the part that the daemon keeps of @p map, a record that a caller has set: all @p fields,
+ * and as many of the other entries as fit into mostSurplusBytes (key and value, see sizeOnBus()).
+ * The other entries are added in the order of their keys; an entry that is invalid or does not fit
+ * is left out. The values have their original types.
  *
  * Also leaves out entries that cannot be stored (see storableMap()) and the caller's "CRC". The
  * result holds no reference to the caller's message.

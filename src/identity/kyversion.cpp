@@ -82,7 +82,7 @@ void KyVersion::setRecord(e_eeprom eeprom, const std::optional<NewRecord> &recor
         return;
     }
     cache = record->kept;
-    // Only if the protection could not be lifted is "CRC" absent. A failed write still sets it,
+    // "CRC" is absent only if the protection could not be lifted. After a failed write it is true,
     // because clients expect to read the record that they have set.
     if (write({{eeprom, record->bytes}}, message))
         cache.insert(crc, true);

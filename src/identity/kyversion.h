@@ -81,7 +81,8 @@ public Q_SLOTS:
      * Returns the versions of the software: "BSP" and "KyApp" (byte arrays) and "KyBoardManager"
      * (text), without those that cannot be determined.
      *
-     * The first call waits for the application, for at most 3000 ms.
+     * The first call runs the application to read its version, and waits at most 3000 ms for it
+     * (see askApplicationVersion()).
      */
     QVariantMap getSoftwareVersions();
 

@@ -17,7 +17,7 @@ constexpr int timeoutMs = 3000;
 
 using Finished = void (QProcess::*)(int, QProcess::ExitStatus);
 
-/** Waits until @p process ends, the timeout expires or the output is longer than any version. */
+/** Waits until @p process ends, the timeout expires or the output is too long for a version. */
 void waitForEnd(QProcess &process)
 {
     QElapsedTimer timer;

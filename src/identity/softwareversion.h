@@ -8,7 +8,7 @@
 
 /*
  * The versions of the software around the daemon. A version of more than 256 KiB is discarded: all
- * versions must fit into one message, also on a bus that limits messages to 1 MiB.
+ * versions must fit into one message, even on a bus that limits messages to 1 MiB.
  */
 
 /**

@@ -4,7 +4,7 @@
 /**
  * The ambient-light sensor as the board library offers it.
  *
- * Every operation that returns int returns 0 on success unless it says otherwise.
+ * Every operation that returns int returns 0 on success, unless its description says otherwise.
  */
 class IAls
 {

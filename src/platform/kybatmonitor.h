@@ -10,7 +10,7 @@ struct cmeter_data {
     unsigned char flag;
     /** Charge in percent; negative while the battery is being charged. */
     int charge;
-    /** Battery voltage. */
+    /** Battery voltage, in the charge meter's unit. */
     unsigned short voltage;
 };
 
@@ -26,7 +26,7 @@ public:
     /** Reports to the monitor whether the charger is connected; 0 on success. */
     int update(bool chargerPresent);
 
-    /** Returns the type of the charge meter; 1 and 2 report a signed percentage. */
+    /** Returns the type of the charge meter; types 1 and 2 report a signed percentage. */
     int getCmeterType();
 
     /** Fills @p data with the last measurement; 0 on success. */

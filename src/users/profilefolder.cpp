@@ -223,7 +223,7 @@ bool isRemoved(int result)
     return result == 0 || errno == ENOENT;
 }
 
-/** Grants the owner of a directory write permission so that its content can be removed. */
+/** Grants the owner of a directory all permissions, so that its content can be removed. */
 void permitOwner(const Descriptor &directory)
 {
     struct stat status = {};
@@ -332,8 +332,8 @@ bool copyContents(const Descriptor &source, const Descriptor &destination, const
     for (const QByteArray &name : listing.directories) {
         if (!copySubdirectory(source, destination, name, level))
             return false;
-        // The top level is restricted later, by moveContents(): moving a directory requires write
-        // permission for it.
+        // moveContents() restricts the subdirectories of the top level later, because moving a
+        // directory requires write permission for it.
         if (above && !restrictOwner(source, destination, name))
             return false;
     }

@@ -43,8 +43,8 @@ void makeIncomplete(const Descriptor &directory, const Descriptor &reference);
  * Copies the files and subdirectories of @p source into @p destination.
  *
  * The copy is made in a subdirectory of @p destination (".rebuild"), synchronised, and then moved
- * into place: no file gets its name before its content is on the disk. The subdirectory is removed
- * at the end. A power cut can leave it behind as an extra entry.
+ * into place: no file gets its final path before its content is on the disk. The subdirectory is
+ * removed at the end. A power cut can leave it behind as an extra entry.
  *
  * @return false at the first failure, such as a name that already exists, or a link in @p source
  *         that must not be followed

@@ -63,7 +63,7 @@ Outcome activate(const QString &user);
 /**
  * Replaces the content of the profile directory of @p user with a copy of the default profile.
  * Erases nothing if the default profile is unreadable, or if erasing the user's profile would also
- * erase it (a link leads from one into the other).
+ * erase the default profile (a link leads from one into the other).
  */
 Outcome rebuild(const QString &user);
 } // namespace profiles
