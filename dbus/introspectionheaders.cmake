@@ -1,6 +1,6 @@
-# Generates a header from each introspection document, introspection/LED.h from
-# ...BoardManager.LED.xml. Its macro INTROSPECTION_LED is the document's interface element as a
-# string literal: the introspection data of an adaptor.
+# Generates a header from each introspection document, for example introspection/LED.h from
+# ...BoardManager.LED.xml. The header's macro, here INTROSPECTION_LED, is the document's interface
+# element as a string literal: the introspection data of an adaptor.
 function(write_introspection_headers directory)
     file(GLOB documents CONFIGURE_DEPENDS ${PROJECT_SOURCE_DIR}/dbus/*.xml)
     foreach(document ${documents})

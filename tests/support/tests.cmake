@@ -5,7 +5,7 @@ if(CMAKE_CROSSCOMPILING)
     # This machine's test programs test the other machine's daemon, which an emulator runs.
     set(NATIVE_BUILD "" CACHE PATH "Where this tree is built for the machine itself")
     if(NOT EXISTS ${NATIVE_BUILD}/build.ninja)
-        # The toolchain file's settings for pkg-config are not this machine's.
+        # Unset the toolchain file's settings for pkg-config: they are for the other machine.
         execute_process(WORKING_DIRECTORY ${PROJECT_SOURCE_DIR} COMMAND_ERROR_IS_FATAL ANY
             COMMAND ${CMAKE_COMMAND} -E env
             --unset=PKG_CONFIG_SYSROOT_DIR --unset=PKG_CONFIG_LIBDIR
@@ -66,7 +66,8 @@ function(add_test_program name support source)
     use_precompiled_headers(${name})
 endfunction()
 
-# A program that tests pure logic. The linker drops unused libraries: it runs without the hardware ones.
+# A program that tests pure logic. The linker drops unused libraries, so that the program does not need
+# the hardware libraries.
 function(add_pure_program name)
     add_test_program(${name} puresupport ${ARGN})
     target_link_libraries(${name} PRIVATE boardlogic)
@@ -114,7 +115,7 @@ function(add_world_test name)
         set(program $<TARGET_FILE:${name}>)
     endif()
     set(world ${PROJECT_SOURCE_DIR}/simulator/world ${world_options})
-    # In a process group of its own: otherwise all parallel tests of ctest would share one.
+    # Run the test in a process group of its own: otherwise all parallel tests of ctest would share one.
     list(PREPEND program setsid)
     set(tests "")
     set(cost "")
@@ -161,7 +162,8 @@ function(add_campaign name)
         TIMEOUT ${CAMPAIGN_TIMEOUT})
 endfunction()
 
-# A campaign in a private world. The world may hide the build directory, but it inherits an open file.
+# A campaign in a private world. The world may hide the build directory, so the campaign inherits the
+# open file of its figures.
 function(add_world_campaign name)
     cmake_parse_arguments(CAMPAIGN "LONG" "TIMEOUT" "COMMAND" ${ARGN})
     set(long "")
