@@ -67,7 +67,7 @@ void KyTemperatureWatcher::periodicTemperatureCheck()
     getTemperatures();
 }
 
-/** Adds the temperature of @p device to @p temperatures, and announces it if it is too high. */
+/** Adds the temperature of @p device to @p temperatures; announces it from @p threshold on. */
 void KyTemperatureWatcher::readSensor(KyTemperature &sensors, Device device, int threshold,
                                       const char *failure, QVariantMap &temperatures)
 {

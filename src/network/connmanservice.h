@@ -26,12 +26,12 @@ public:
     /** Ends watch(): there is no current service. */
     void forget();
 
-    /** Returns the properties; empty if ConnMan does not list the service. */
+    /** Returns the properties of the current service; empty if ConnMan does not list it. */
     QVariantMap properties() const;
 
     /**
-     * Returns the property "IPv4", demarshalled so that it can be sent to clients on the bus; empty
-     * if there is no such property.
+     * Returns the property "IPv4" of the current service, in a form that can be sent to clients;
+     * empty if there is no such property.
      */
     QVariantMap ipv4() const;
 

@@ -47,7 +47,7 @@ public Q_SLOTS:
 
 private:
     Credentials m_credentials;
-    /** The number of requests that may still be answered, plus one. */
+    /** One more than the number of requests that may still be answered; 0 after a refusal. */
     qint16 m_remainingRequests = 0;
 };
 

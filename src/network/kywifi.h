@@ -6,7 +6,7 @@
 #include "wifistation.h"
 
 /**
- * The Wi-Fi station: scans for networks and joins one through ConnMan.
+ * The Wi-Fi station: scans for networks and joins a network through ConnMan.
  *
  * A scan or a connect first starts the module's mode script (see ModeScript), and then follows
  * ConnMan's signals. Changes of the link state and the result of a scan are announced. Every step

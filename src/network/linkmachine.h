@@ -20,7 +20,7 @@ struct Link {
     bool isTimed = false;
     /** There is a current ConnMan service. */
     bool hasService = false;
-    /** ConnMan refused to forget the network that is being left. */
+    /** The last disconnect left the network, but ConnMan refused to forget it. */
     bool isNetworkKept = false;
     /** The requested service was "ready" when its state was last read; see LinkAction::Judge. */
     bool isRequestedReady = false;
@@ -185,7 +185,7 @@ enum class LinkAction {
     WriteConfiguration,
     /** Is the interface up, and do hostapd and dhcpd run? AccessPointRuns, AccessPointMissing. */
     CheckAccessPoint,
-    /** Is the interface running? InterfaceRunning, InterfaceDown, InterfaceMissing. */
+    /** Does the interface have carrier? InterfaceRunning, InterfaceDown, InterfaceMissing. */
     CheckInterface,
 
     // Error replies to the current call.

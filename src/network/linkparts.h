@@ -12,7 +12,7 @@ struct LinkParts {
     {
     }
 
-    /** ConnMan's name of the technology, for example "ethernet". */
+    /** ConnMan's name of the technology, "ethernet" or "wifi". */
     const QString technology;
     /** The kernel's name of the network interface, for example "eth0". */
     const QString interfaceName;

@@ -6,8 +6,8 @@ namespace KyTcpIpState
 {
 enum State {
     /**
-     * Not connected. An attempt, or a scan, begins in this state. Only Idle and Failure accept a
-     * connect.
+     * Not connected. A scan, or the beginning of an attempt, may be in progress. Only Idle and
+     * Failure accept a connect.
      */
     Idle = 0,
     Failure = 1,
