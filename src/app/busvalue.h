@@ -14,12 +14,11 @@
  */
 
 /**
- * Converts @p value to ordinary Qt values at every depth.
- *
- * Variants are unwrapped at every depth. a{sv} becomes a QVariantMap, av a QVariantList, as a
- * QStringList, ay a QByteArray, an array of numbers a list of that number's type. Any other
- * compound (structure, other dictionary, array of arrays) becomes an invalid QVariant, inside a map
- * or list, too.
+ * Unwraps variants, and converts compounds to ordinary Qt values, at every depth:
+ * - "a{sv}" to a QVariantMap, "av" to a QVariantList;
+ * - "as" to a QStringList, "ay" to a QByteArray;
+ * - any other array of numbers to a QList of numbers of the same type;
+ * - any other compound (structure, other dictionary, array of arrays) to an invalid QVariant.
  */
 QVariant plainValue(const QVariant &value);
 
@@ -35,7 +34,7 @@ QVariant basicValue(const QVariant &value);
 /** Applies basicValue() to every value of @p map. */
 QVariantMap basicMap(const QVariantMap &map);
 
-/** Returns @p value if it is a map, otherwise an empty map. */
+/** Returns plainValue() of @p value if that is a map, otherwise an empty map. */
 QVariantMap toMap(const QVariant &value);
 
 /**

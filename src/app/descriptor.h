@@ -1,7 +1,7 @@
 #ifndef DESCRIPTOR_H
 #define DESCRIPTOR_H
 
-/** Owns a file descriptor, or the errno that explains why there is none. */
+/** Owns a file descriptor, or stores the errno that explains why there is none. */
 class Descriptor
 {
 public:

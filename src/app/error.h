@@ -15,7 +15,7 @@ class QDBusMessage;
  */
 void sendErrorReply(int code, const QString &text, const QDBusMessage &message);
 
-/** Replies to @p message with an error whose D-Bus name is not one of ours. */
+/** The same with any D-Bus error name, for example net.connman.Agent.Error.Retry. */
 void sendErrorReply(const QString &name, const QString &text, const QDBusMessage &message);
 
 /**

@@ -23,7 +23,7 @@ int watchdogInterval(const QByteArray &allowed, const QByteArray &process, qint6
 
 namespace
 {
-/** The interval of calls to the bus until it answers. */
+/** The interval of calls to dbus-daemon until it answers. */
 constexpr int retryMs = 250;
 
 /** Writes @p text to systemd's socket; NOTIFY_SOCKET is its path, or "@" and an abstract name. */
@@ -71,7 +71,7 @@ SystemdWatchdog::SystemdWatchdog()
     askBus();
 }
 
-/** Calls a method of the bus, and pings systemd when the bus answers. */
+/** Calls a method of dbus-daemon, and pings systemd when the answer arrives. */
 void SystemdWatchdog::askBus()
 {
     // dbus-daemon drops its answer while our queue of messages is full. A client that floods us

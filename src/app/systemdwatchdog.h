@@ -18,8 +18,8 @@
 int watchdogInterval(const QByteArray &allowed, const QByteArray &process, qint64 itself);
 
 /**
- * Pings systemd's watchdog as long as the main loop can call a method of the bus and receive the
- * answer.
+ * Pings systemd's watchdog as long as the main loop can call a method of dbus-daemon and receive
+ * the answer.
  *
  * Does nothing if systemd has set no watchdog.
  */

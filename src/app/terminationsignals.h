@@ -17,7 +17,8 @@ void catchTerminationSignals();
  * Blocks termination signals during its lifetime, so that an operation can finish. The destructor
  * delivers a signal that has arrived meanwhile, and the process ends.
  *
- * Use it on the main thread only, for as long as a hardware call takes. SIGKILL is not blocked.
+ * Use it on the main thread only, and only for as long as hardware calls take. SIGKILL cannot be
+ * blocked.
  */
 class HeldTermination
 {
