@@ -9,8 +9,8 @@
  * Connects and disconnects the wired interface through ConnMan.
  *
  * The technology "ethernet" is powered only while a client wants a connection. An attempt first
- * starts the mode script of the Wi-Fi module (see ModeScript), and then follows ConnMan's signals.
- * Every change of the link state is announced.
+ * starts the Wi-Fi module's mode script (see ModeScript), and then follows ConnMan's signals. Every
+ * change of the link state is announced.
  */
 class KyEthernet : public KyTcpIp
 {

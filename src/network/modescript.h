@@ -4,7 +4,7 @@
 #include <QObject>
 #include <QProcess>
 
-/** The mode script: the platform's program that switches the mode of the Wi-Fi module. */
+/** Runs the mode script: the image's script that switches the mode of the Wi-Fi module. */
 class ModeScript : public QObject
 {
     Q_OBJECT
