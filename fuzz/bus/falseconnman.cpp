@@ -186,16 +186,11 @@ void FalseConnman::work()
         if (dbus_message_get_type(message.get()) == DBUS_MESSAGE_TYPE_METHOD_CALL)
             answer(message);
     }
-    while (!m_late.empty() && (m_isGood || m_late.front().due <= Clock::now())) {
+    while (!m_late.empty() && m_late.front().due <= Clock::now()) {
         m_connection->send(m_late.front().message);
         m_late.pop_front();
     }
     m_connection->flush();
-}
-
-void FalseConnman::behave()
-{
-    m_isGood = true;
 }
 
 void FalseConnman::act(Choices &choices, const Interfaces &interfaces)
@@ -216,10 +211,6 @@ void FalseConnman::act(Choices &choices, const Interfaces &interfaces)
 void FalseConnman::answer(const Message &call)
 {
     Choices choices = choicesOf(m_seed, 2, ++m_count);
-    if (m_isGood) {
-        m_connection->send(goodReply(call, choices));
-        return;
-    }
     const bool isSilent = choices.below(m_silence) == 0;
     if (isSilent)
         return;

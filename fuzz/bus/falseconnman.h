@@ -28,9 +28,6 @@ public:
     /** Sends a correct or random signal; or leaves the bus and returns. */
     void act(Choices &choices, const Interfaces &interfaces);
 
-    /** From now on, sends a correct reply to each call immediately. */
-    void behave();
-
     const Connection &connection() const { return *m_connection; }
     /** The number of the daemon's calls so far. */
     std::uint64_t count() const { return m_count; }
@@ -50,7 +47,6 @@ private:
 
     const std::uint64_t m_seed;
     const std::uint32_t m_silence;
-    bool m_isGood = false;
     std::uint64_t m_count = 0;
     std::deque<Late> m_late;
     std::unique_ptr<Connection> m_connection;

@@ -1,8 +1,8 @@
-#include "deadline.h"
 #include "limitedmap.h"
 
 #include "busvalue.h"
 #include "daemontest.h"
+#include "deadline.h"
 #include "render.h"
 #include "samplerecords.h"
 #include "wire.h"
