@@ -6,6 +6,7 @@
 
 #include <QDBusMetaType>
 #include <QDir>
+#include <QXmlStreamReader>
 
 /** Compares the interfaces of the running daemon with the documents for client developers. */
 class TestIntrospection : public DaemonTest
@@ -15,6 +16,7 @@ class TestIntrospection : public DaemonTest
 private Q_SLOTS:
     void everyDocumentIsReadable_data();
     void everyDocumentIsReadable();
+    void documentsPromiseNoChangeSignalForProperties();
     void theDocumentsListExactlyTheShownMembers_data();
     void theDocumentsListExactlyTheShownMembers();
     void everyDocumentListsTheMembersOfItsAdaptor();
@@ -154,6 +156,30 @@ void TestIntrospection::everyDocumentIsReadable()
     QCOMPARE(content.interfaces.keys().join(' ') + ".xml", file);
     QVERIFY(content.path.startsWith('/'));
     QVERIFY(!content.interfaces.first().isEmpty());
+}
+
+/** The daemon never emits PropertiesChanged: each property must have the annotation. */
+void TestIntrospection::documentsPromiseNoChangeSignalForProperties()
+{
+    int properties = 0;
+    const QStringList files = documents();
+    for (const QString &file : files) {
+        QXmlStreamReader content(readFile(QStringLiteral(DOCUMENTS "/") + file));
+        QString promise;
+        while (!content.atEnd()) {
+            content.readNext();
+            const QXmlStreamAttributes attributes = content.attributes();
+            if (content.isStartElement() && content.name() == "annotation" &&
+                attributes.value("name") == "org.freedesktop.DBus.Property.EmitsChangedSignal")
+                promise = attributes.value("value").toString();
+            if (content.isEndElement() && content.name() == "property") {
+                QVERIFY2(promise == "false", qPrintable(file));
+                promise.clear();
+                ++properties;
+            }
+        }
+    }
+    QVERIFY(properties > 0);
 }
 
 void TestIntrospection::theDocumentsListExactlyTheShownMembers_data()
