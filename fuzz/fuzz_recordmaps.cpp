@@ -13,7 +13,7 @@
 namespace
 {
 /** The container levels around a value in a map: array, entry and variant. */
-const int levelsOfMap = 3;
+constexpr int levelsOfMap = 3;
 
 /** Returns a map with a value of any type for each of @p keys; sometimes a key is missing. */
 template <std::size_t count>

@@ -13,13 +13,13 @@ const char basicTypes[] = {'y', 's', 'b', 'n', 'q', 'i', 'u', 'x', 't', 'd', 'o'
  * The bus's limit for the file descriptors in a message. The bus closes the connection of a sender
  * that exceeds this limit.
  */
-const int mostDescriptors = 16;
+constexpr int mostDescriptors = 16;
 
 /** The maximum length of a message's signature. */
-const std::size_t longestSignature = 255;
+constexpr std::size_t longestSignature = 255;
 
 /** The maximum depth of a message's containers. */
-const int mostLevels = 64;
+constexpr int mostLevels = 64;
 
 /** The most common signatures of maps and lists, which most readers expect. */
 const char *const usualTypes[] = {"s",  "a{sv}", "as", "av",        "ay",        "au",

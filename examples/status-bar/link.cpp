@@ -4,7 +4,7 @@ namespace
 {
 const QString unknown = QStringLiteral("unknown");
 const QString online = QStringLiteral("online");
-const int noStrength = -1;
+constexpr int noStrength = -1;
 } // namespace
 
 Link::Link(QObject *parent) : QObject(parent), m_state(unknown), m_strength(noStrength) {}

@@ -23,11 +23,11 @@ namespace
 using Clock = std::chrono::steady_clock;
 
 /** The maximum number of pending calls. The bus allows a client 128. */
-const std::size_t mostAwaited = 24;
+constexpr std::size_t mostAwaited = 24;
 /** The timeout of a call: longer than two timeouts of calls from the daemon to ConnMan. */
 const std::chrono::seconds longestWait(120);
 /** The calls have this number of equal parts; the daemon's footprint is measured after each. */
-const unsigned int parts = 8;
+constexpr unsigned int parts = 8;
 /**
  * ConnMan acts unprompted once in this number of calls on average. The client sends a forged
  * message equally often.

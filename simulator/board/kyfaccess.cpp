@@ -8,7 +8,7 @@ using namespace board;
 
 namespace
 {
-const bool nonsense = true;
+constexpr bool nonsense = true;
 
 /** Returns the path of @p value for @p device; empty for an unknown device. */
 std::string fileOf(e_storagedevice device, const char *value)

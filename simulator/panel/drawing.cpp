@@ -7,7 +7,7 @@
 namespace
 {
 /** Keep four pictures: LEDs that blink at 1 Hz and at 3 Hz have four combinations of on and off. */
-const int mostPictures = 4;
+constexpr int mostPictures = 4;
 } // namespace
 
 Drawing::Drawing(const QString &file)

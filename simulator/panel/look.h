@@ -37,7 +37,7 @@ extern const Scale lightScale;
 extern const Scale signalScale;
 
 /** The longest command that the drawing has room for, in characters. */
-const int longestCommand = 100;
+constexpr int longestCommand = 100;
 
 /** The number of access points with a row in the drawing. */
 constexpr int airRows = 6;

@@ -50,7 +50,7 @@ const QString service = QStringLiteral("com.orvendis.Strandel.BoardManager");
 const bool areLimitsLifted = liftBusLimits();
 
 /** Below the bus's own limit of 32 MB. */
-const int largeSize = 30 * 1000 * 1000;
+constexpr int largeBytes = 30 * 1000 * 1000;
 
 /** The longest wait of another client in ms; beyond it the daemon counts as deaf. */
 constexpr int longestWaitMs = 120000;
@@ -181,17 +181,17 @@ QVariantMap Deafness::enlarged(QVariantMap map, const QString &kind, const QStri
 {
     map.insert(key, 7);
     if (kind == QLatin1String("text"))
-        map[key] = QString(largeSize, QLatin1Char('x'));
+        map[key] = QString(largeBytes, QLatin1Char('x'));
     else if (kind == QLatin1String("bytes"))
-        map[key] = QByteArray(largeSize, 'x');
+        map[key] = QByteArray(largeBytes, 'x');
     else if (kind == QLatin1String("numbers"))
-        map[key] = QVariant::fromValue(QVector<int>(largeSize / 4, 7).toList());
+        map[key] = QVariant::fromValue(QVector<int>(largeBytes / 4, 7).toList());
     else if (kind == QLatin1String("texts"))
-        map[key] = QStringList(QVector<QString>(largeSize / 8, "x").toList());
+        map[key] = QStringList(QVector<QString>(largeBytes / 8, "x").toList());
     else if (kind == QLatin1String("variants"))
-        map[key] = QVector<QVariant>(largeSize / 8, 7).toList();
+        map[key] = QVector<QVariant>(largeBytes / 8, 7).toList();
     else
-        for (int index = 0; index < largeSize / 24; ++index)
+        for (int index = 0; index < largeBytes / 24; ++index)
             map.insert(QString::number(index), 7);
     return map;
 }

@@ -19,15 +19,15 @@
 
 namespace
 {
-const int minute = 60;
-const qint64 minutesOfRound = 10;
+constexpr int minuteSeconds = 60;
+constexpr qint64 minutesOfRound = 10;
 /** After these rounds memory must not grow: every kind of round has occurred by then. */
-const int warmUpRounds = 3;
+constexpr int warmUpRounds = 3;
 /** How much the allocator may still grow afterwards, in kB. */
-const long allowedGrowth = 512;
+constexpr long allowedGrowthKb = 512;
 
 /** How often the client tries a scan or a connect. */
-const int attempts = 4;
+constexpr int attempts = 4;
 
 /** The simulated hours, and the number of clients that listen to all signals. */
 int hours = 1;
@@ -211,7 +211,7 @@ void InstrumentLife::cleanup()
 void InstrumentLife::hoursPass()
 {
     Holdings before = {};
-    for (int round = 0; secondsLived < qint64(hours) * 60 * minute; ++round) {
+    for (int round = 0; secondsLived < qint64(hours) * 60 * minuteSeconds; ++round) {
         if (round == warmUpRounds)
             before = holdings();
         DO(live(round));
@@ -239,7 +239,7 @@ void InstrumentLife::hoursPass()
     QCOMPARE(after.threads, before.threads);
     QCOMPARE(after.children, before.children);
     QCOMPARE(after.processes, before.processes);
-    QVERIFY(after.memory - before.memory <= allowedGrowth);
+    QVERIFY(after.memory - before.memory <= allowedGrowthKb);
 }
 
 /** Simulates ten minutes, or a little more. */
@@ -260,7 +260,7 @@ void InstrumentLife::live(int round)
     spendMinute();
     if (round % 3 == 1)
         DO(beAnAccessPoint());
-    while (secondsLived - start < minutesOfRound * minute)
+    while (secondsLived - start < minutesOfRound * minuteSeconds)
         spendMinute();
 }
 
@@ -482,7 +482,7 @@ void InstrumentLife::spendMinute()
     Board::set("battery/voltage", QString::number(6400 + 16 * percent));
     Board::set("charger/present", isCharging ? "1" : "0");
     QCOMPARE(watchdog.call("keepAlive"), done);
-    pass(minute);
+    pass(minuteSeconds);
 }
 
 /** Waits until the daemon has handled everything that has reached it. */
@@ -547,7 +547,7 @@ void InstrumentLife::compareBattery()
 {
     // The check comes every five minutes. No signal announces a new charge or charger in between:
     // wait until the LEDs are up to date.
-    pass(5 * minute);
+    pass(5 * minuteSeconds);
     const QString status = batteryStatus();
     QCOMPARE(alimentation.property("batteryStatus"), "(<\"" + status + "\">)");
     QCOMPARE(alimentation.call("getBatteryVoltage"), "(u:" + Board::get("battery/voltage") + ')');

@@ -26,7 +26,7 @@
 
 namespace
 {
-const int descriptorsPerMessage = 16;
+constexpr int descriptorsPerMessage = 16;
 /** The limit of unsent data in this process, in bytes. */
 const long backlog = 1 << 20;
 
