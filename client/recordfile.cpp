@@ -47,7 +47,7 @@ QVector<quint32> numbersOf(const QVariant &list)
     return numbers;
 }
 
-/** Returns the record's bytes in the EEPROM. */
+/** Encodes @p fields as the bytes that the EEPROM would hold. */
 QByteArray encodedInstrument(const QVariantMap &fields)
 {
     return encodeInstrumentRecord(fields);
@@ -193,7 +193,8 @@ bool readRecords(const QByteArray &content, Records &records, QString &complaint
     if (error.error != QJsonParseError::NoError)
         complaint = QStringLiteral("it is not whole: ") + error.errorString();
     else if (file.value(QStringLiteral("format")).toString() != format)
-        complaint = QStringLiteral("it is no copy of the records that this program knows");
+        complaint =
+            QStringLiteral("it is not a copy of the records in a format that this program knows");
     else
         complaint = readRecord(file, QStringLiteral("instrument"), instrumentLayout(),
                                encodedInstrument, records.instrument);

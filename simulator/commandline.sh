@@ -8,7 +8,7 @@
 # "picture" to the file for a picture of it. Exits after --help and on an error.
 # usage: parse_command_line NAME DOCUMENTS [ARGUMENT...]
 parse_command_line() {
-    # The scripts of the instrument print the command's name and documents, too.
+    # The scripts of the instrument also print the name of the command and the directory of the documents.
     export INSTRUMENT_COMMAND=$1 INSTRUMENT_DOCUMENTS=$2
     shift 2
     instrument_options=()
@@ -87,8 +87,8 @@ EOT
 }
 
 # Replaces this process by the instrument, or by the command in it. Joins the running instrument whose
-# handle is the FILE of --handle, or HANDLE without that option. If none runs, starts an instrument,
-# which writes its handle unless it runs only for a command, without --handle and --panel.
+# handle is the FILE of --handle, or HANDLE without that option. If none runs, starts an instrument. The
+# new instrument writes its handle if there is no command, or if --handle or --panel is given.
 # usage: start_instrument HANDLE WORLD_OPTION...
 start_instrument() {
     local handle=${own_handle:-$1} here
@@ -103,7 +103,7 @@ start_instrument() {
         fi
         set -- "$@" --display --join "$handle" -- "${command[@]}"
     else
-        # Let other commands join an instrument without a command, with a handle of its own or with a panel.
+        # Write the handle, so that other commands can join the instrument.
         if [ ${#command[@]} -eq 0 ] || [ -n "$own_handle$panel" ]; then
             set -- "$@" --handle "$handle"
         fi

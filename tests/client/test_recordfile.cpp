@@ -168,7 +168,7 @@ void TestRecordFile::anIncompleteFileIsRefused_data()
         QTest::newRow(name) << QByteArray(before) << QByteArray(after) << expected;
     };
     row("other version", "version 1", "version 2",
-        "it is no copy of the records that this program knows");
+        "it is not a copy of the records in a format that this program knows");
     row("missing field", "\"Brand\"", "\"brand\"", "Brand is missing in the instrument record");
     row("missing record", "\"measure\"", "\"Measure\"",
         "AdjustementSite is missing in the measure record");

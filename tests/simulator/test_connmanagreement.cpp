@@ -141,7 +141,7 @@ void order(const QString &object, const char *interface, const char *name, const
 void wait(bool done)
 {
     if (!done)
-        qFatal("ConnMan does not get on");
+        qFatal("ConnMan did not reach the expected state");
 }
 
 bool isConnected()
@@ -158,7 +158,7 @@ void TestConnmanAgreement::initTestCase()
     QVERIFY(heard.waitFor("/ ServicesChanged") && QTest::qWaitFor(isConnected, deadlineMs));
     realAnnouncements = observe([&](bool in) { in ? real.plugCable() : real.unplugCable(); });
     real.kill();
-    // Start ConnMan again for the calls: some disturb the connection, although they are rejected.
+    // Ask last: some of the calls disturb the connection, although ConnMan rejects them.
     real.start();
     realAnswers = ask();
     real.kill();
@@ -217,8 +217,9 @@ TestConnmanAgreement::Announcements TestConnmanAgreement::observe(const MoveCabl
 }
 
 /**
- * Returns the reproducible part of @p heard: the signals of the link, only the last of successive
- * signals that complete an address, and the lists of services with "..." for the properties.
+ * Returns the reproducible part of @p heard: the signals of the link, and the lists of services. An
+ * address becomes complete in several signals "IPv4": only the last of them is kept. "..." replaces
+ * the properties in the lists.
  */
 QStringList TestConnmanAgreement::essence(const QStringList &heard)
 {
