@@ -21,7 +21,7 @@ constexpr std::size_t longestSignature = 255;
 /** The maximum depth of a message's containers. */
 constexpr int mostLevels = 64;
 
-/** The most common signatures of maps and lists, which most readers expect. */
+/** The signatures that most methods and replies of D-Bus services have. */
 const char *const usualTypes[] = {"s",  "a{sv}", "as", "av",        "ay",        "au",
                                   "ai", "at",    "aq", "a{sa{sv}}", "a(oa{sv})", "(oa{sv})"};
 
@@ -33,7 +33,8 @@ bool isBasic(const std::string &signature)
 std::string anyBasicType(Choices &choices)
 {
     const char type = choices.among(basicTypes);
-    // Replace most file descriptors by texts: otherwise few messages would have no descriptors.
+    // Replace most file descriptors by texts: otherwise almost every message would contain
+    // descriptors.
     return std::string(1, type == 'h' && !choices.oneIn(4) ? 's' : type);
 }
 

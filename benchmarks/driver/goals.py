@@ -34,8 +34,8 @@ def of_peers(figures):
 
 def of_start(figures):
     value = figures["with ConnMan"]["ratio"]["median"]
-    yield goal("time from the start to the bus name, with ConnMan and the hardware answering at "
-               f"once: at most {START} times the bare Qt service's", f"{value:.2f}", value <= START)
+    yield goal("time from the start to the bus name, daemon with ConnMan (hardware that answers at "
+               f"once): at most {START} times the bare Qt service's", f"{value:.2f}", value <= START)
 
 
 def of_memory(figures):
@@ -61,10 +61,10 @@ def of_idleness(figures):
 
 
 def of_services(figures):
-    worst = max(row["storm"]["median"]["median"] for row in figures.values())
-    yield goal(f"calls during a storm of announcements answered within {STORM_MEDIAN} ms (median)",
-               f"{worst:.1f} ms", worst <= STORM_MEDIAN)
+    worst = figures[max(figures, key=int)]["storm"]["median"]["median"]
     counts = sorted(figures, key=int)
+    yield goal(f"calls during a storm of announcements of {counts[-1]} services answered within "
+               f"{STORM_MEDIAN} ms (median)", f"{worst:.1f} ms", worst <= STORM_MEDIAN)
     few, many = figures[counts[-3]], figures[counts[-1]]
     growth = (many["cpu"]["median"] / few["cpu"]["median"]) / (int(counts[-1]) / int(counts[-3]))
     yield goal(f"cost of an announcement grows no faster than the list ({counts[-3]} to "

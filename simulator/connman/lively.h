@@ -8,9 +8,9 @@
 #include <QTimer>
 
 /**
- * Unprompted behaviour of ConnMan: lists the cable and the networks in reach while their technology
- * is powered, makes connections, and announces these changes. Sends signals in the same order as
- * the real ConnMan.
+ * Behaves as the real ConnMan, without instructions from a test: lists the cable and the networks
+ * in reach while their technology is powered, carries out calls, makes connections, and announces
+ * all changes. Sends signals in the same order as the real ConnMan.
  *
  * A cable is connected as soon as its technology is powered, to a DHCP server that leases
  * 10.77.0.72. A network is joined on Connect, with the passphrase of the caller's agent.

@@ -40,7 +40,7 @@ private Q_SLOTS:
     void anInterruptWithoutAChangeIsAnnouncedToo();
     void aFailedReadingCountsAsMinusOneLux();
     void anInterruptThatCannotBeReadIsOnlyLogged();
-    void aBandThatCannotBeSetIsOnlyLoggedAndKept();
+    void aBandThatCannotBeSetIsSetAtTheNextInterrupt();
     void aBandOutOfOrderIsOnlyLogged();
     void aBurstOfInterruptsEndsAtTheLastLight();
     void aSlowSensorLosesNoInterrupt();
@@ -460,7 +460,7 @@ void TestBrightness::anInterruptThatCannotBeReadIsOnlyLogged()
     QCOMPARE(Board::get("als/interrupt"), QStringLiteral("1"));
 }
 
-void TestBrightness::aBandThatCannotBeSetIsOnlyLoggedAndKept()
+void TestBrightness::aBandThatCannotBeSetIsSetAtTheNextInterrupt()
 {
     configure("timer=0\n");
     setLux("12");
