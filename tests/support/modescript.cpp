@@ -57,6 +57,9 @@ void ModeScript::clear()
         killProgram(program);
     if (QFile::exists("/sys/class/net/wifi_ap"))
         removeInterface();
+    if (m_fifo >= 0)
+        close(m_fifo);
+    m_fifo = -1;
     emptyDirectory(control);
     emptyDirectory(installed);
 }
@@ -91,24 +94,26 @@ void ModeScript::hold()
 
 void ModeScript::letOthersPass()
 {
-    if (!QFile::rename(control + "hold", control + "held"))
-        qFatal("the scripts are not held");
-}
-
-void ModeScript::release()
-{
-    const QString path = control + (QFile::exists(control + "held") ? "held" : "hold");
-    int fifo = -1;
+    const QString path = control + "hold";
+    // The kernel opens a FIFO for writing without blocking only if a reader has it open. A script
+    // has not opened it yet when its "start" appears in the log.
     const auto somebodyWaits = [&] {
-        fifo = open(qPrintable(path), O_WRONLY | O_NONBLOCK | O_CLOEXEC);
-        return fifo >= 0;
+        m_fifo = open(qPrintable(path), O_WRONLY | O_NONBLOCK | O_CLOEXEC);
+        return m_fifo >= 0;
     };
     if (!QTest::qWaitFor(somebodyWaits, deadlineMs))
         qFatal("no script waits");
     QFile::remove(path);
-    if (write(fifo, "\n", 1) != 1)
+}
+
+void ModeScript::release()
+{
+    if (m_fifo < 0)
+        letOthersPass();
+    if (write(m_fifo, "\n", 1) != 1)
         qFatal("the waiting script is gone");
-    close(fifo);
+    close(m_fifo);
+    m_fifo = -1;
 }
 
 void ModeScript::leaveOut(const QString &part)

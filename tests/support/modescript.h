@@ -41,7 +41,7 @@ public:
     /** Scripts that start from now on wait after "start". */
     void hold();
 
-    /** Scripts that start from now on do not wait. Scripts that already wait are not released. */
+    /** Waits until a script waits. Scripts that start from then on do not wait. */
     void letOthersPass();
 
     /** Waits until a script waits, and releases it. Later scripts do not wait. */
@@ -55,6 +55,10 @@ public:
 
     /** Removes the access point's interface. */
     void removeInterface();
+
+private:
+    /** The writing end of the FIFO from which a script waits to read, or -1. */
+    int m_fifo = -1;
 };
 
 #endif
