@@ -3,7 +3,9 @@
 
 #include <unistd.h>
 
-/** Owns a file descriptor. */
+namespace board
+{
+/** Owns a file descriptor. In a namespace because the daemon, too, has a class Descriptor. */
 class Descriptor
 {
 public:
@@ -26,5 +28,6 @@ public:
 private:
     int m_descriptor;
 };
+} // namespace board
 
 #endif

@@ -7,6 +7,8 @@
 #include <poll.h>
 #include <sys/socket.h>
 
+namespace board
+{
 namespace
 {
 constexpr int connectTimeoutMs = 250;
@@ -76,3 +78,4 @@ void UrgentLine::clear()
     while (m_receiver.isOpen() && read(m_receiver.get(), rest, sizeof rest) > 0) {
     }
 }
+} // namespace board

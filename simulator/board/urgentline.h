@@ -3,6 +3,8 @@
 
 #include "descriptor.h"
 
+namespace board
+{
 /**
  * A line that signals urgent data, as a GPIO's value file does at an edge: a connection over the
  * loopback interface, because only TCP sockets have urgent data on every kernel.
@@ -29,5 +31,6 @@ private:
     Descriptor m_sender;
     Descriptor m_receiver;
 };
+} // namespace board
 
 #endif

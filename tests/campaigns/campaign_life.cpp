@@ -2,9 +2,9 @@
 #include "daemontest.h"
 #include "deadline.h"
 #include "leds.h"
-#include "modescript.h"
 #include "processes.h"
 #include "realconnman.h"
+#include "simulatedmodescript.h"
 #include "supplicantstandin.h"
 
 #include <QJsonArray>
@@ -169,7 +169,7 @@ private:
 
     RealConnman connman;
     SupplicantStandIn supplicant;
-    ModeScript script;
+    SimulatedModeScript script;
     std::vector<std::unique_ptr<Listener>> listeners;
     int heard = 0;
     qint64 secondsLived = 0;

@@ -2,8 +2,8 @@
 #include "connmansignals.h"
 #include "daemontest.h"
 #include "deadline.h"
-#include "modescript.h"
 #include "realconnman.h"
+#include "simulatedmodescript.h"
 #include "supplicantstandin.h"
 #include "terminalprogram.h"
 
@@ -67,7 +67,7 @@ private:
 
     RealConnman connman;
     SupplicantStandIn supplicant;
-    ModeScript script;
+    SimulatedModeScript script;
 };
 
 void TestKyboardctlWifi::init()

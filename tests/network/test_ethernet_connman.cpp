@@ -1,10 +1,10 @@
 #include "connmansignals.h"
 #include "daemontest.h"
 #include "deadline.h"
-#include "modescript.h"
 #include "processes.h"
 #include "realconnman.h"
 #include "render.h"
+#include "simulatedmodescript.h"
 
 #include <QDBusConnection>
 #include <QDBusPendingReply>
@@ -63,7 +63,7 @@ private:
     const Remote ethernet{"/KyComMgr", "Ethernet"};
     const QString done = "()";
     RealConnman connman;
-    ModeScript script;
+    SimulatedModeScript script;
     QScopedPointer<SignalRecorder> recorder;
     /** The states announced since the start of the daemon. */
     QStringList states;

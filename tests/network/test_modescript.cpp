@@ -1,6 +1,6 @@
 #include "daemontest.h"
 #include "deadline.h"
-#include "modescript.h"
+#include "simulatedmodescript.h"
 
 #include <QNetworkInterface>
 
@@ -32,7 +32,7 @@ private:
     static bool runs(const char *program);
     static bool isInterfaceRunning();
 
-    ModeScript script;
+    SimulatedModeScript script;
     const QString path = "/usr/share/redpine/switch_coex_mode.sh";
 };
 

@@ -1,8 +1,8 @@
 #include "busmonitor.h"
 #include "daemontest.h"
 #include "deadline.h"
-#include "modescript.h"
 #include "realconnman.h"
+#include "simulatedmodescript.h"
 #include "supplicantstandin.h"
 
 #include <QDBusVariant>
@@ -57,7 +57,7 @@ private:
                                 {"Gateway", "10.78.0.1"}};
     RealConnman connman;
     SupplicantStandIn supplicant;
-    ModeScript script;
+    SimulatedModeScript script;
     QScopedPointer<SignalRecorder> recorder;
     /** The announcements since the last call, and how many of them have been consumed. */
     QStringList signalsSeen;

@@ -356,7 +356,7 @@ void TestPanel::statesAreShownAsTheyPass()
 {
     QCOMPARE(text("Ethernet-state"), QStringLiteral("not known"));
     registerListedObjects();
-    ModeScript script;
+    SimulatedModeScript script;
     script.install();
     ConnmanStandIn connman;
     connman.start();

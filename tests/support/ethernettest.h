@@ -3,7 +3,7 @@
 
 #include "connmanstandin.h"
 #include "daemontest.h"
-#include "modescript.h"
+#include "simulatedmodescript.h"
 
 #include <QMap>
 
@@ -66,7 +66,7 @@ protected:
     QStringList calls();
 
     ConnmanStandIn connman;
-    ModeScript script;
+    SimulatedModeScript script;
     SignalRecorder recorder{QStringLiteral("/KyComMgr")};
     const Remote ethernet{QStringLiteral("/KyComMgr"), QStringLiteral("Ethernet")};
 

@@ -3,7 +3,7 @@
 
 #include "connmanstandin.h"
 #include "daemontest.h"
-#include "modescript.h"
+#include "simulatedmodescript.h"
 
 #include <QScopedPointer>
 
@@ -17,7 +17,7 @@ class NetworkTest : public DaemonTest
 
 protected:
     ConnmanStandIn connman;
-    ModeScript script;
+    SimulatedModeScript script;
     /** Records the signals of /KyComMgr after begin(). */
     QScopedPointer<SignalRecorder> recorder;
 

@@ -1,5 +1,5 @@
-#ifndef MODESCRIPT_H
-#define MODESCRIPT_H
+#ifndef SIMULATEDMODESCRIPT_H
+#define SIMULATEDMODESCRIPT_H
 
 #include <QStringList>
 
@@ -10,12 +10,12 @@
  * Mode "2" creates the interface "wifi_ap" and starts hostapd and dhcpd; every other mode removes
  * them.
  */
-class ModeScript
+class SimulatedModeScript
 {
 public:
-    ModeScript() = default;
-    ~ModeScript();
-    Q_DISABLE_COPY(ModeScript)
+    SimulatedModeScript() = default;
+    ~SimulatedModeScript();
+    Q_DISABLE_COPY(SimulatedModeScript)
 
     /** Calls clear(), then installs script and templates. */
     void install();

@@ -1,4 +1,4 @@
-#include "modescript.h"
+#include "simulatedmodescript.h"
 
 #include "deadline.h"
 #include "files.h"
@@ -27,12 +27,12 @@ void execute(const QString &program, const QStringList &arguments)
 }
 } // namespace
 
-ModeScript::~ModeScript()
+SimulatedModeScript::~SimulatedModeScript()
 {
     clear();
 }
 
-void ModeScript::install()
+void SimulatedModeScript::install()
 {
     clear();
     QDir().mkpath(installed);
@@ -44,12 +44,12 @@ void ModeScript::install()
     }
 }
 
-void ModeScript::remove()
+void SimulatedModeScript::remove()
 {
     QFile::remove(installed + QLatin1Char('/') + script);
 }
 
-void ModeScript::clear()
+void SimulatedModeScript::clear()
 {
     // Processes that a script has started would continue to change the interfaces.
     killCommand(script.toLatin1());
@@ -64,35 +64,35 @@ void ModeScript::clear()
     emptyDirectory(installed);
 }
 
-QStringList ModeScript::log()
+QStringList SimulatedModeScript::log()
 {
     QStringList lines = QString::fromLatin1(readFile(control + "log")).split('\n');
     lines.removeAll(QString());
     return lines;
 }
 
-bool ModeScript::waitFor(const QString &line, int count)
+bool SimulatedModeScript::waitFor(const QString &line, int count)
 {
     return QTest::qWaitFor([&] { return log().count(line) >= count; }, deadlineMs);
 }
 
-void ModeScript::setDelay(double seconds)
+void SimulatedModeScript::setDelay(double seconds)
 {
     writeFile(control + "delay", QByteArray::number(seconds));
 }
 
-void ModeScript::setFailure(int status)
+void SimulatedModeScript::setFailure(int status)
 {
     writeFile(control + "fail", QByteArray::number(status));
 }
 
-void ModeScript::hold()
+void SimulatedModeScript::hold()
 {
     if (mkfifo(qPrintable(control + "hold"), 0600) != 0)
         qFatal("the scripts are held already");
 }
 
-void ModeScript::letOthersPass()
+void SimulatedModeScript::letOthersPass()
 {
     const QString path = control + "hold";
     // The kernel opens a FIFO for writing without blocking only if a reader has it open. A script
@@ -106,7 +106,7 @@ void ModeScript::letOthersPass()
     QFile::remove(path);
 }
 
-void ModeScript::release()
+void SimulatedModeScript::release()
 {
     if (m_fifo < 0)
         letOthersPass();
@@ -116,12 +116,12 @@ void ModeScript::release()
     m_fifo = -1;
 }
 
-void ModeScript::leaveOut(const QString &part)
+void SimulatedModeScript::leaveOut(const QString &part)
 {
     writeFile(control + "no-" + part, QByteArray());
 }
 
-void ModeScript::setCarrier(bool present)
+void SimulatedModeScript::setCarrier(bool present)
 {
     execute("ip", {"link", "set", "wifi_air", present ? "up" : "down"});
     // wifi_ap gets the carrier of its peer wifi_air only some time after the command.
@@ -131,7 +131,7 @@ void ModeScript::setCarrier(bool present)
         qFatal("the access point's carrier does not change");
 }
 
-void ModeScript::removeInterface()
+void SimulatedModeScript::removeInterface()
 {
     execute("ip", {"link", "delete", "wifi_ap"});
 }
