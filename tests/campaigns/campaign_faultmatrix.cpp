@@ -639,7 +639,7 @@ bool TestFaultMatrix::waitForState(const QStringList &expected, QStringList &las
                                        last = state();
                                        return last == expected;
                                    },
-                                   4000);
+                                   deadlineMs);
 }
 
 /** Brings the daemon to the start of @p stimulus. */
