@@ -1,6 +1,55 @@
 """Formats the results as tables, as text or for docs/measurements.md."""
 
+import textwrap
+
 from figures import number, shown
+from growth import ANNOUNCEMENTS, EVENTS, SIGNALS, STORM
+from methods import WINDOW
+
+# What the document says below the title of a table.
+NOTES = {
+    "Methods":
+        "Round trip: the median time from a call to its reply, one call at a time. CPU: the service's "
+        "processor time for each of these calls. Calls/s: with up to "
+        f"{WINDOW} calls pending at a time. The columns that do not name bare Qt are the daemon's. A "
+        "ratio is the daemon's figure divided by that of bare Qt.",
+    "Other services":
+        "The calls are getUser for the libdbus echo and bare Qt, GetTechnologies for connmand, and Get "
+        "of the property OnBattery for upowerd. The libdbus echo replies to every call with a "
+        "constant. The ratio is a service's round trip divided by that of the libdbus echo.",
+    "Start":
+        "The time from the start of the process until it owns its bus name.",
+    "Memory":
+        "Calls: how many calls the service has replied to, spread evenly over all methods of the first "
+        "table except getIPv4. RSS: resident memory. PSS: resident memory in which each page is divided "
+        "by the number of processes that share it. Private dirty: pages of this process only, to which "
+        "it has written. Descriptors: open file descriptors.",
+    "Idle":
+        "A daemon that no client calls.",
+    "How long another client waits at most":
+        "The other client calls Alimentation.getBatteryVoltage every millisecond.",
+    "Signals":
+        f"The daemon sends {SIGNALS} signals temperatureReached, each in answer to a call of "
+        "getTemperatures. The figures include the calls.",
+    "ConnMan's announcements":
+        "An announcement is ConnMan's signal ServicesChanged, after which the daemon fetches the list of "
+        "services. Services: the length of this list. CPU: the daemon's processor time. Until handled: "
+        f"the time from the first of {ANNOUNCEMENTS} announcements until the daemon has handled all, for "
+        f"each announcement. A storm is {STORM} announcements at once; the other client calls "
+        "Alimentation.getBatteryVoltage every two milliseconds.",
+    "Profiles":
+        "Copy: the daemon's factory reset of a profile that does not exist. Erase: the reset of a full "
+        "profile when the default profile is empty. \"cp -a and sync\" also waits until the file system "
+        "is written to the disk.",
+    "Kernel events":
+        f"The daemon gets {EVENTS:,} kernel events without a pause. It sends a signal for each event of "
+        "a card. CPU: the daemon's processor time.",
+    "Many clients":
+        "Each client calls getTemperatures again as soon as it has its reply. Median, p99 and longest "
+        "are round trips of the daemon; the ratio divides its calls/s by those of bare Qt.",
+    "Goals":
+        "A figure without a unit is the ratio that the goal limits.",
+}
 
 
 def of_methods(figures):
@@ -20,7 +69,7 @@ def of_methods(figures):
 
 def of_peers(figures):
     head = ["service", "round trip µs", "p99 µs", "ratio to libdbus", "CPU µs", "calls/s",
-            "system calls"]
+            "system calls per call"]
     rows = [[label, number(row["latency"]["median"]), number(row["p99"]["median"]),
              shown(row["ratio"]["latency"], 2), number(row["cpu"]["median"]),
              number(row["per_second"]["median"]), f"{row['system_calls']:.1f}"]
@@ -29,7 +78,7 @@ def of_peers(figures):
 
 
 def of_start(figures):
-    head = ["service", "ms to its name", "ratio to bare Qt"]
+    head = ["service", "ms to the bus name", "ratio to bare Qt"]
     rows = [[label if "Qt" in label or "with" not in label else f"daemon {label}", shown(row),
              shown(row["ratio"], 2) if "ratio" in row else ""] for label, row in figures.items()]
     yield "Start", head, rows
@@ -54,19 +103,20 @@ def of_idleness(figures):
 
 
 def of_holds(figures):
-    yield ("How long another client waits at most", ["while the daemon handles", "ms"],
+    yield ("How long another client waits at most", ["while the daemon handles", "longest wait ms"],
            [[label, shown(figure)] for label, figure in figures.items()])
 
 
 def of_signals(figures):
-    head = ["subscribed clients", "CPU µs of the daemon per signal", "µs until all have received it"]
+    head = ["subscribed clients", "CPU µs of the daemon per signal", "µs per signal until all have it"]
     yield "Signals", head, [[str(clients), shown(row["cpu"]), shown(row["delivered"])]
                             for clients, row in figures.items()]
 
 
 def of_services(figures):
     head = ["services", "CPU µs per announcement", "µs until handled",
-            "another client's wait in a storm of 100: median ms", "p99 ms", "longest ms"]
+            "other client's wait in a storm: median ms", "p99 of this wait ms",
+            "longest of these waits ms"]
     yield "ConnMan's announcements", head, [
         [str(count), shown(row["cpu"]), shown(row["elapsed"]),
          *(shown(row["storm"][name]) for name in ("median", "p99", "longest"))]
@@ -74,8 +124,8 @@ def of_services(figures):
 
 
 def of_profiles(figures):
-    head = ["files", "bytes each", "on", "copy ms", "cp -a ms", "ratio", "cp -a and sync ms",
-            "ratio", "erase ms", "rm -r ms", "ratio"]
+    head = ["files", "bytes each", "on", "copy ms", "cp -a ms", "copy / cp -a", "cp -a and sync ms",
+            "copy / cp -a and sync", "erase ms", "rm -r ms", "erase / rm -r"]
     yield "Profiles", head, [
         [f"{row['files']:,}", f"{row['size']:,}", row["place"], number(row["copy"]["median"]),
          number(row["cp"]["median"]), shown(row["copy_ratio"], 2),
@@ -85,7 +135,7 @@ def of_profiles(figures):
 
 
 def of_events(figures):
-    head = ["burst", "CPU µs per event", "µs per event until a client has its signal"]
+    head = ["burst", "CPU µs per event", "µs per event until a client has all signals"]
     yield "Kernel events", head, [
         [f"{figures['events']:,} of a card", shown(figures["cpu"]), shown(figures["elapsed"])],
         [f"{figures['events']:,} of other devices", shown(figures["others_cpu"]), ""]]
@@ -93,14 +143,14 @@ def of_events(figures):
 
 def of_clients(figures):
     head = ["clients at once", "median ms", "p99 ms", "longest ms", "calls/s",
-            "ratio to bare Qt"]
+            "calls/s ratio"]
     yield "Many clients", head, [[str(figures["clients"]), *(shown(figures[name]) for name in (
         "median", "p99", "longest", "per_second")), shown(figures["ratio"], 2)]]
 
 
 def of_goals(goals):
     if goals:
-        yield "Goals", ["goal", "measured", ""], [
+        yield "Goals", ["goal", "measured", "result"], [
             [each["goal"], each["measured"], "met" if each["reached"] else "missed"]
             for each in goals]
 
@@ -121,7 +171,8 @@ def as_text(title, head, rows):
 
 def as_markdown(title, head, rows):
     lines = [f"| {' | '.join(line)} |" for line in [head, ["---"] * len(head), *rows]]
-    return "\n".join([f"### {title}", "", *lines, ""])
+    note = textwrap.fill(NOTES[title], 120, break_on_hyphens=False)
+    return "\n".join([f"### {title}", "", note, "", *lines, ""])
 
 
 def render(results, layout):
