@@ -1,23 +1,14 @@
-// Linked into instrumented programs: writes the coverage counters when a signal ends the program.
+// Linked into the instrumented daemon: writes the coverage counters before a signal ends it. The
+// daemon catches termination signals and then calls raise().
 
 #include <csignal>
+#include <pthread.h>
 
 extern "C" void dumpCounts() asm("__gcov_dump");
 
-namespace
-{
-void dumpAndEnd(int number)
+// Replaces the function of the C library.
+extern "C" int raise(int number) noexcept
 {
     dumpCounts();
-    // The handler is already reset, so this ends the program.
-    static_cast<void>(std::raise(number));
+    return pthread_kill(pthread_self(), number);
 }
-
-[[gnu::constructor]] void dumpAtEnd()
-{
-    struct sigaction action = {};
-    action.sa_handler = dumpAndEnd;
-    action.sa_flags = static_cast<int>(SA_RESETHAND);
-    sigaction(SIGTERM, &action, nullptr);
-}
-} // namespace
