@@ -27,7 +27,8 @@ NOTES = {
     "Idle":
         "A daemon that no client calls.",
     "How long another client waits at most":
-        "The other client calls Alimentation.getBatteryVoltage every millisecond.",
+        "The other client calls Alimentation.getBatteryVoltage every millisecond. The daemon uses the "
+        "simulated board, except in the last row.",
     "Signals":
         f"The daemon sends {SIGNALS} signals temperatureReached, each in answer to a call of "
         "getTemperatures. The figures include the calls.",
