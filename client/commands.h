@@ -126,7 +126,7 @@ struct Command {
     bool isOperation() const { return outcome.seconds > 0; }
 };
 
-/** Returns every command that is one call of the daemon. */
+/** Returns every command that calls one method or starts one operation of the daemon. */
 const QVector<Command> &commands();
 
 /** Returns the other commands, which make several calls or none. */
