@@ -44,14 +44,15 @@ void TestKyboardctlBus::cleanup()
 
 ClientResult TestKyboardctlBus::runAs(const char *user, const QStringList &words)
 {
-    // Other users may have no access to the tree.
+    // Other users may have no access to the tree. An instrumented program would complain that it
+    // cannot write its counters there.
     const QString copy = "/tmp/kyboardctl";
     QFile::remove(copy);
     QFile::copy(QStandardPaths::findExecutable("kyboardctl"), copy);
     QProcess client;
-    client.start("setpriv",
-                 QStringList{QString("--reuid=") + user, "--regid=61186", "--init-groups", copy} +
-                     words);
+    client.start("setpriv", QStringList{QString("--reuid=") + user, "--regid=61186",
+                                        "--init-groups", "env", "GCOV_PREFIX=/tmp", copy} +
+                                words);
     return resultOf(client);
 }
 

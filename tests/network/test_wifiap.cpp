@@ -283,7 +283,8 @@ void TestWifiAp::aMissingInterfaceFailsTheAttempt()
     waitForScripts();
     script.removeInterface();
     // Only the interface is missing.
-    QVERIFY(isProgramRunning("hostapd") && isProgramRunning("dhcpd"));
+    for (const char *program : {"hostapd", "dhcpd"})
+        QTRY_VERIFY_WITH_TIMEOUT(isProgramRunning(program), deadlineMs);
 
     daemon.letTimePass(2);
 
