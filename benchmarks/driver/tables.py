@@ -35,9 +35,9 @@ NOTES = {
     "ConnMan's announcements":
         "An announcement is ConnMan's signal ServicesChanged, after which the daemon fetches the list of "
         "services. Services: the length of this list. CPU: the daemon's processor time. Until handled: "
-        f"the time from the first of {ANNOUNCEMENTS} announcements until the daemon has handled all, for "
-        f"each announcement. A storm is {STORM} announcements at once; the other client calls "
-        "Alimentation.getBatteryVoltage every two milliseconds.",
+        f"the time from the first of {ANNOUNCEMENTS} announcements until the daemon has handled all of "
+        f"them, divided by {ANNOUNCEMENTS}. A storm is {STORM} announcements at once; the other client "
+        "calls Alimentation.getBatteryVoltage every two milliseconds.",
     "Profiles":
         "Copy: the daemon's factory reset of a profile that does not exist. Erase: the reset of a full "
         "profile when the default profile is empty. \"cp -a and sync\" also waits until the file system "
