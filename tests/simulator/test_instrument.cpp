@@ -141,8 +141,8 @@ void TestInstrument::withSpeedTimePassesFaster()
 }
 
 /**
- * A scan ends after 15 s of the daemon's time, and the daemon waits 1 s for pidof. At speed 4,
- * these are 3.75 s and 0.25 s, and a busy machine can take longer: repeat the commands.
+ * A scan ends after 15 s of the daemon's time, which are 3.75 s at speed 4. A busy machine can take
+ * longer: repeat the commands.
  */
 void TestInstrument::theNetworkWorksWhenTimePassesFaster()
 {
