@@ -12,7 +12,7 @@ using Event = LinkEvent;
 using Do = LinkAction;
 
 constexpr int mostPending = 2;
-/** An event that causes more actions than this is in a loop of the table. */
+/** More actions than this after one event mean that the table loops. */
 constexpr size_t mostActs = 40;
 
 const struct {
@@ -153,7 +153,8 @@ private:
 
     void takeOne(int &pending)
     {
-        // The counter saturates: at its maximum, one pending event less may leave it unchanged.
+        // The counter saturates: at its maximum, more events may be pending than it counts, and
+        // the end of one may leave it unchanged.
         if (pending < mostPending || m_choices.choose(2) == 0)
             --pending;
     }

@@ -100,7 +100,7 @@ void TestEthernetConnman::forgetStates()
     seen = 0;
 }
 
-/** Waits until @p state is announced, after the states of earlier waits. */
+/** Waits until @p state is announced; ignores the states that earlier waits consumed. */
 bool TestEthernetConnman::waitForState(const QString &state)
 {
     const QRegularExpression change("^Ethernet\\.propertyChanged\\(\".*\", \"State\", "

@@ -92,7 +92,7 @@ void TestPrograms::aPidofThatHangsIsKilledAfterASecond()
     makePidof("echo $$ >" + path("pid").toLocal8Bit() + "\nexec sleep 60");
     pid_t pid = 0;
     qint64 shortest = LLONG_MAX;
-    // On a busy machine, pidof may be killed before it has written its PID, or run longer.
+    // On a busy machine, pidof may be killed before it has written its PID, or killed late.
     for (int attempt = 0; attempt < 20 && (pid == 0 || shortest >= 1900); ++attempt) {
         QElapsedTimer timer;
         timer.start();

@@ -282,7 +282,7 @@ void TestWifiAp::aMissingInterfaceFailsTheAttempt()
     start(lab);
     waitForScripts();
     script.removeInterface();
-    // Only the interface is missing.
+    // Wait for the programs: only the interface may be missing.
     for (const char *program : {"hostapd", "dhcpd"})
         QTRY_VERIFY_WITH_TIMEOUT(isProgramRunning(program), deadlineMs);
 

@@ -265,7 +265,7 @@ void TestWifiApConfiguration::aControlCharacterIsRefused_data()
     }
 }
 
-/** hostapd, which runs as root, would obey a line of the caller. */
+/** A line feed in a parameter could add a line to the configuration of hostapd, a root process. */
 void TestWifiApConfiguration::aControlCharacterIsRefused()
 {
     QFETCH(QString, key);

@@ -311,7 +311,8 @@ void TestWifiAttempt::theAgentAnswersWhileConnectIsOutstanding()
     QCOMPARE(connman.requestInput(lab, {{"Identity", ConnmanStandIn::field("mandatory")}}),
              QString("({\"Identity\": <\"me\">})"));
 
-    // The agent answers two requests for each connect: that of Connect itself, and the one above.
+    // The agent answers two requests for each connect: it has answered the request that Connect
+    // caused, and the request above.
     QCOMPARE(connman.requestInput(lab, {{"Identity", ConnmanStandIn::field("mandatory")}}),
              QString("net.connman.Agent.Error.Canceled: "));
     QCOMPARE(announced(), QStringList{association});

@@ -248,7 +248,7 @@ void TestWifiDisconnect::disconnectEndsIdleWithoutConnMan()
     QCOMPARE(disconnect(), failed("Cannot remove service"));
     QCOMPARE(announced(), (QStringList{disconnecting, idle}));
 
-    // Without a service to forget, the power off fails.
+    // The restarted daemon has no service to remove, but fails to power the technology off.
     daemon.stop();
     begin();
     QVERIFY(disconnect().startsWith(failed("Cannot set property Powered: ")));
