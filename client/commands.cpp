@@ -39,7 +39,7 @@ Argument ruled(const char *name, bool (*accepts)(const QString &), const char *w
     return made;
 }
 
-/** Returns an argument of at most @p maximum bytes or numbers, depending on @p kind. */
+/** Returns an argument of at most @p maximum bytes, or of exactly @p maximum numbers. */
 Argument limited(const char *name, Kind kind, qlonglong maximum, const char *help)
 {
     Argument made = argument(name, kind, help);
@@ -147,7 +147,7 @@ QVector<Command> makeCommands()
     const QString accessPoint = text("WIFIAP");
     const Outcome online = {text("online"), text("failure"), 75};
     const Outcome idle = {text("idle"), QString(), 30};
-    const Outcome networks = {QString(), QString(), 30};
+    const Outcome networks = {QString(), text("failure"), 30};
 
     QVector<Command> made;
     const auto method = [&made, &none](const char *words, const QString &path,

@@ -16,7 +16,7 @@ enum class Kind {
     Switch,      ///< "on" or "off"; a boolean on the bus
     Hex16,       ///< up to four hexadecimal digits; sent as text
     Bytes,       ///< at most Argument::maximum printable ASCII characters; sent as bytes
-    Numbers,     ///< Argument::maximum whole numbers separated by commas, or @FILE; sent as au
+    Numbers,     ///< exactly Argument::maximum integers separated by commas, or @FILE; sent as au
     SecretBytes, ///< like Bytes, but read from a prompt or stdin, never from the command line
     Settings,    ///< KEY=VALUE arguments, see Argument::keys
     Choices,     ///< any number of Argument::choices; a list of texts
@@ -34,8 +34,8 @@ struct Argument {
     /** Key of Settings: true if the key is mandatory. */
     bool required;
     /**
-     * Text: returns true if @p word is valid; null if every word is. @ref wanted describes the
-     * valid words.
+     * Text: returns true if @p word is valid. If this pointer is null, every word is valid.
+     * @ref wanted describes the valid words.
      */
     bool (*accepts)(const QString &word);
     QString wanted;
@@ -84,7 +84,8 @@ struct StatusMeaning {
 
 /**
  * For a command that only starts an operation: the states that end the operation, and how long to
- * wait for them. Signals announce the states.
+ * wait for them. Signals announce the states. If @ref success is empty (a scan), the operation
+ * succeeds with a list of networks.
  */
 struct Outcome {
     QString success;
@@ -105,9 +106,9 @@ struct Command {
     QVector<Argument> arguments;
     /** A scan ends with a list of networks, so its states are empty. */
     Outcome outcome;
-    /** The question to confirm before the call is sent; empty if the command destroys nothing. */
+    /** The action to confirm before the call is sent; empty if the command destroys nothing. */
     QString question = {};
-    /** The text to print for an empty answer; empty if no answer is empty. */
+    /** The text to print for an empty answer; empty if the daemon sends no empty answers. */
     QString nothing = {};
     /** True if the answer is a map. --field selects one entry. */
     bool hasFields = false;
@@ -116,7 +117,8 @@ struct Command {
     /** True if the answer counts as empty while the interface has no address. */
     bool needsAddress = false;
     /**
-     * The error text of the daemon when the requested state already exists; empty if there is none.
+     * The text of the daemon's error reply if nothing is left to do, for example to a disconnect
+     * while disconnected. kyboardctl counts this reply as success. Empty if there is no such reply.
      */
     QString done = {};
     /** The keys of the answer whose values are shown only on request. */
@@ -126,7 +128,7 @@ struct Command {
     bool isOperation() const { return outcome.seconds > 0; }
 };
 
-/** Returns every command that calls one method or starts one operation of the daemon. */
+/** Returns the commands that call one method, read one property or start one operation. */
 const QVector<Command> &commands();
 
 /** Returns the other commands, which make several calls or none. */

@@ -4,7 +4,7 @@
 #include <QString>
 #include <QStringList>
 
-/** Observations during a connect. */
+/** Observations during a connect or a scan. */
 struct FailureFacts {
     /** The first word of the command: "ethernet", "wifi" or "ap". */
     QString group;
@@ -12,12 +12,15 @@ struct FailureFacts {
     QStringList states;
     /** The "Error" of the network's ConnMan service; empty if there was none. */
     QString error;
-    /** True if ConnMan listed the network. */
+    /** True if ConnMan listed the network. Always true for a scan, which names no network. */
     bool isListed;
     bool isConnmanThere;
 };
 
-/** Returns the reason of a failed connect in a few words; empty if the reason is unknown. Pure. */
+/**
+ * Returns the reason of a failed connect or scan in a few words; empty if the reason is unknown.
+ * Pure.
+ */
 QString failureReason(const FailureFacts &facts);
 
 /**

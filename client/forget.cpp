@@ -7,11 +7,14 @@
 
 namespace
 {
+/** A scan can miss a network. After this many such scans, the network counts as out of reach. */
+constexpr int mostMisses = 3;
+
 /**
- * The number of scans to try. A scan can miss a network. The daemon switches the radio off as soon
- * as it has the list of networks, so a removal can come too late.
+ * The number of scans to try. The daemon switches the radio off as soon as it has the list of
+ * networks, so the removal of a listed network can come too late.
  */
-constexpr int mostScans = 3;
+constexpr int mostScans = 10;
 
 const Command &commandOf(const char *words)
 {
@@ -27,7 +30,8 @@ bool isInUse(const QString &state)
 
 /**
  * Starts a scan and removes the network when ConnMan lists it. Returns Success if the scan
- * succeeds; @p removed is the answer to the removal.
+ * succeeds; @p removed is the answer to the removal. @p isListed tells whether ConnMan listed the
+ * network in this scan.
  */
 ExitStatus removeInScan(const Command &command, const QString &network, Answer &removed,
                         bool &isListed)
@@ -46,7 +50,7 @@ ExitStatus removeInScan(const Command &command, const QString &network, Answer &
         return fail(command, OutcomeFailed,
                     QStringLiteral("not in reach, or the station is busy with something else"));
     const ExitStatus status = follower.wait(scan.outcome.seconds);
-    isListed = isListed || watch.isListed();
+    isListed = watch.isListed();
     return status == Success ? Success
                              : fail(command, status, QStringLiteral("the scan did not succeed"));
 }
@@ -71,17 +75,20 @@ ExitStatus forgetNetwork(const Command &command, const Invocation &invocation,
         return runOperation(commandOf("wifi disconnect"), invocation, {});
 
     Answer removed = {OutcomeFailed, {}, {}, {}, {}};
-    bool isListed = !path.isEmpty();
-    if (isListed)
+    if (!path.isEmpty())
         removed = ConnmanWatch::remove(path);
-    for (int scans = 0; !removed.isGood() && scans < mostScans; ++scans) {
+    int misses = 0;
+    for (int scans = 0; !removed.isGood() && scans < mostScans && misses < mostMisses; ++scans) {
+        bool isListed = false;
         const ExitStatus status = removeInScan(command, network, removed, isListed);
         if (status != Success)
             return status;
+        if (!isListed)
+            ++misses;
     }
     if (removed.isGood())
         return Success;
-    if (!isListed)
+    if (misses == mostMisses)
         return fail(command, OutcomeFailed,
                     QStringLiteral("not in reach: ConnMan forgets only what it sees"));
     return fail(command, OutcomeFailed,

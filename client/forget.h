@@ -8,8 +8,9 @@
 /**
  * Makes ConnMan forget a Wi-Fi network, including its passphrase.
  *
- * Disconnects the connected network through the daemon. ConnMan forgets only networks that it
- * lists, and lists none while the radio is off: a scan by the daemon fills the list.
+ * If the network is in use, calls the daemon's disconnect, which also forgets the network.
+ * Otherwise calls ConnMan. ConnMan forgets only networks that it lists, and lists none while the
+ * radio is off: a scan by the daemon fills the list.
  */
 ExitStatus forgetNetwork(const Command &command, const Invocation &invocation,
                          const QVariantList &arguments);

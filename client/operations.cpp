@@ -74,7 +74,7 @@ QString failureText(const Command &command, const Follower &follower, const Conn
     facts.group = command.words.section(QLatin1Char(' '), 0, 0);
     facts.states = follower.states() + watch.states();
     facts.error = watch.error();
-    facts.isListed = watch.isListed();
+    facts.isListed = command.method == QLatin1String("scan") || watch.isListed();
     facts.isConnmanThere = ConnmanWatch::isConnmanThere();
     const QString reason = failureReason(facts);
     return reason.isEmpty() ? QStringLiteral("failed") : QStringLiteral("failed: ") + reason;
@@ -102,8 +102,8 @@ ExitStatus reportOutcome(const Command &command, const Invocation &invocation,
 }
 
 /**
- * Returns true if @p command is a connect and the interface is already connected: the daemon would
- * reply without an error and ignore the call. Sets @p status to the exit status.
+ * Returns true if @p command connects Ethernet or the Wi-Fi station, and the interface is already
+ * connected: the daemon would ignore the call without an error. Sets @p status to the exit status.
  */
 bool isDone(const Command &command, const Invocation &invocation, const QVariantList &arguments,
             ExitStatus &status)
@@ -136,7 +136,8 @@ ExitStatus runOperation(const Command &command, const Invocation &invocation,
     const bool isDoneAlready = !command.done.isEmpty() && answer.errorText == command.done;
     if (!answer.isGood() && !isDoneAlready)
         return fail(command, answer);
-    // Only a scan announces a state before its reply.
+    // A busy daemon ignores a scan without an error. When it starts a scan, it announces a state
+    // before it replies.
     if (command.method == QLatin1String("scan") && !follower.hasStarted())
         return fail(command, OutcomeFailed,
                     QStringLiteral("not while it is connected or busy with something else"));

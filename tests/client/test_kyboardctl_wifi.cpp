@@ -14,7 +14,10 @@
 
 #include <csignal>
 
-/** kyboardctl's networks, end to end: daemon, real ConnMan, no radio, DHCP. */
+/**
+ * kyboardctl's network commands with the running daemon, the real ConnMan and a DHCP server, but
+ * without a radio.
+ */
 class TestKyboardctlWifi : public DaemonTest
 {
     Q_OBJECT
@@ -40,6 +43,7 @@ private Q_SLOTS:
     void withoutConnmanNothingIsJoined();
     void aNetworkIsForgotten();
     void aNetworkThatTheFirstScanMissesIsForgotten();
+    void aRemovalThatComesTooLateIsTriedAgain();
     void forgettingTheJoinedNetworkDisconnectsItFirst();
     void aNetworkOutOfReachIsNotForgotten();
     void disconnectLeadsToIdle();
@@ -49,6 +53,7 @@ private Q_SLOTS:
     void aScanDoesNotEndAConnectThatHasJustBegun();
     void disconnectWhileTheModuleSwitchesLeavesTheRadioOff_data();
     void disconnectWhileTheModuleSwitchesLeavesTheRadioOff();
+    void aFailedScanEndsTheWait();
     void withoutAnAddressTheWaitTimesOut();
     void withNoWaitTheCommandEndsAtOnce();
     void withoutTheModulesScriptTheDaemonsErrorIsReported();
@@ -220,7 +225,7 @@ void TestKyboardctlWifi::theRightPassphraseLeadsToOnlineAfterAWrongOne()
         QCOMPARE(run({"wifi", "connect", "Workshop"}, "seven seas\n").complaint, QString());
         QCOMPARE(run({"wifi", "disconnect"}).status, 0);
     }
-    // Before 60 s: an attempt that needs them has no outcome by then.
+    // The attempt must fail within 30 s: it must not last until the daemon's timeout of 60 s.
     const Result result = run({"wifi", "connect", "Workshop", "--timeout", "30"}, "eight seas\n");
     QCOMPARE(result.status, 5);
     QCOMPARE(result.output, QStringLiteral("failure\n"));
@@ -258,7 +263,7 @@ void TestKyboardctlWifi::anAbsentNetworkFails()
 
 void TestKyboardctlWifi::connectLeadsToOnlineIfTheCableIsAlreadyConnected()
 {
-    // A ConnMan that started after the daemon has the wired technology powered.
+    // If ConnMan starts after the daemon, the wired technology stays powered.
     connman.kill();
     daemon.stop();
     QVERIFY(daemon.start());
@@ -309,13 +314,21 @@ void TestKyboardctlWifi::withoutConnmanNothingIsJoined()
     QCOMPARE(result.complaint,
              QStringLiteral("kyboardctl: wifi connect: failed: ConnMan does not run\n"));
     QCOMPARE(result.status, 5);
+    const Result scan = run({"wifi", "scan"});
+    QCOMPARE(scan.complaint,
+             QStringLiteral("kyboardctl: wifi scan: failed: ConnMan does not run\n"));
+    QCOMPARE(scan.output, QString());
+    QCOMPARE(scan.status, 5);
     const Result forgotten = run({"wifi", "forget", "Cafe"});
     QCOMPARE(forgotten.complaint,
              QStringLiteral("kyboardctl: wifi forget: ConnMan does not run\n"));
     QCOMPARE(forgotten.status, 5);
 }
 
-/** ConnMan knows the network Workshop afterwards, but does not list it. */
+/**
+ * Joins the network Workshop and restarts the daemon. Afterwards ConnMan knows the network, but
+ * does not list it.
+ */
 void TestKyboardctlWifi::joinWorkshopAndRestart()
 {
     QCOMPARE(run({"wifi", "connect", "Workshop"}, "seven seas\n").complaint, QString());
@@ -362,10 +375,44 @@ void TestKyboardctlWifi::aNetworkThatTheFirstScanMissesIsForgotten()
     QTRY_VERIFY_WITH_TIMEOUT(!readFile(workshopSettings).contains("Passphrase="), deadlineMs);
 }
 
+void TestKyboardctlWifi::aRemovalThatComesTooLateIsTriedAgain()
+{
+    joinWorkshopAndRestart();
+    if (QTest::currentTestFailed())
+        return;
+    const int scriptsBefore = script.log().filter("start 1").size();
+    SignalRecorder recorder("/KyComMgr");
+    script.hold();
+    QProcess client;
+    start(client, {"wifi", "forget", "Workshop"}, {});
+
+    for (int scan = 1; scan <= 3; ++scan) {
+        QVERIFY(script.waitFor("start 1", scriptsBefore + scan));
+        QCOMPARE(kill(pid_t(client.processId()), SIGSTOP), 0);
+        script.release();
+        const auto isOver = [&] {
+            return recorder.recorded().filter("servicesListChanged").size() == scan &&
+                   !RealConnman::properties("/net/connman/technology/wifi")
+                        .value("Powered")
+                        .toBool();
+        };
+        const bool isOverInTime = QTest::qWaitFor(isOver, deadlineMs);
+        if (scan < 3)
+            script.hold();
+        QCOMPARE(kill(pid_t(client.processId()), SIGCONT), 0);
+        QVERIFY(isOverInTime);
+    }
+
+    const Result result = resultOf(client);
+    QCOMPARE(result.complaint, QString());
+    QCOMPARE(result.status, 0);
+    QTRY_VERIFY_WITH_TIMEOUT(!readFile(workshopSettings).contains("Passphrase="), deadlineMs);
+}
+
 void TestKyboardctlWifi::forgettingTheJoinedNetworkDisconnectsItFirst()
 {
     QCOMPARE(run({"wifi", "connect", "Workshop"}, "seven seas\n").complaint, QString());
-    // Other networks stay.
+    // Forgetting an unknown network fails, and does not disconnect the joined one.
     QCOMPARE(run({"wifi", "forget", "Nowhere"}).status, 5);
     QCOMPARE(run({"wifi", "strength"}).status, 0);
     const Result result = run({"wifi", "forget", "Workshop"});
@@ -413,7 +460,7 @@ void TestKyboardctlWifi::disconnectingWhileIdleSucceeds()
         QCOMPARE(result.status, 0);
     }
     QCOMPARE(script.log(), QStringList());
-    // Every other error is reported.
+    // Without ConnMan, a disconnect fails, except that of the access point.
     connman.kill();
     const Result result = run(words);
     QCOMPARE(result.status, line.startsWith("ap") ? 0 : 1);
@@ -494,6 +541,21 @@ void TestKyboardctlWifi::disconnectWhileTheModuleSwitchesLeavesTheRadioOff()
     QCOMPARE(RealConnman::properties("/net/connman/technology/wifi").value("Powered").toBool(),
              false);
     QVERIFY(run({"wifi", "scan"}).output.contains("Workshop"));
+}
+
+void TestKyboardctlWifi::aFailedScanEndsTheWait()
+{
+    // The daemon does not find ConnMan, but kyboardctl does.
+    daemon.stop();
+    writeFile("/tmp/programs/pidof", "#!/bin/sh\nexit 1\n");
+    QVERIFY(QFile::setPermissions("/tmp/programs/pidof", QFile::ReadOwner | QFile::ExeOwner));
+    daemon.setEnvironment("PATH", "/tmp/programs:" + qEnvironmentVariable("PATH"));
+    QVERIFY(daemon.start());
+
+    const Result result = run({"wifi", "scan"});
+    QCOMPARE(result.complaint, QStringLiteral("kyboardctl: wifi scan: failed\n"));
+    QCOMPARE(result.output, QString());
+    QCOMPARE(result.status, 5);
 }
 
 void TestKyboardctlWifi::withoutAnAddressTheWaitTimesOut()
