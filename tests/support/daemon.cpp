@@ -114,7 +114,6 @@ void Daemon::letMillisecondsPass(int milliseconds)
 bool Daemon::letTimePassUntil(const std::function<bool()> &condition)
 {
     const int call = 25;
-    // Longer than the timeout of the test's own calls.
     const QDeadlineTimer deadline(120000);
     // The test cannot see when the daemon begins to wait, and time that passes earlier has no
     // effect: advance the clock repeatedly.

@@ -33,7 +33,9 @@ void DaemonTest::cleanup()
 {
     daemon.stop();
     if (QTest::currentTestFailed())
-        static_cast<void>(
-            std::fprintf(stderr, "---- the daemon's log ----\n%s---- its output ----\n%s----\n",
-                         qPrintable(daemon.log()), qPrintable(daemon.output())));
+        static_cast<void>(std::fprintf(stderr,
+                                       "---- the daemon's log ----\n%s---- its output ----\n%s"
+                                       "---- the Wi-Fi trace ----\n%s----\n",
+                                       qPrintable(daemon.log()), qPrintable(daemon.output()),
+                                       readFile(QStringLiteral("/tmp/logkywifi")).constData()));
 }

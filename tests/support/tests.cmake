@@ -84,7 +84,7 @@ function(add_world_program name)
 endfunction()
 
 function(limit_test name)
-    math(EXPR timeout "300 * ${timeout_factor}")
+    math(EXPR timeout "600 * ${timeout_factor}")
     set_tests_properties(${name} PROPERTIES TIMEOUT ${timeout} FAIL_REGULAR_EXPRESSION "SKIP   :")
 endfunction()
 
@@ -120,7 +120,7 @@ function(add_world_test name)
     set(tests "")
     set(cost "")
     if(TEST_PARTS)
-        # The longest tests first, while their durations are unknown.
+        # Start these long tests first, even when ctest has not yet measured any durations.
         set(cost COST 60)
         foreach(part RANGE 1 ${TEST_PARTS})
             list(APPEND tests ${name}_${part})
@@ -131,7 +131,7 @@ function(add_world_test name)
         set(tests ${name})
         add_test(NAME ${name} COMMAND ${world} ${program})
     endif()
-    math(EXPR timeout "300 * ${timeout_factor}")
+    math(EXPR timeout "600 * ${timeout_factor}")
     set_tests_properties(${tests} PROPERTIES TIMEOUT ${timeout} ${cost}
         FAIL_REGULAR_EXPRESSION "SKIP   :")
 endfunction()
