@@ -1,7 +1,8 @@
 /*
- * The bare Qt service: a service for comparison, which does nothing. It has as many adaptors and
- * objects as the daemon, links the same libraries, and its methods return values of the same types.
- * The difference between its cost and the daemon's is the cost of the daemon's own code.
+ * The bare Qt service: a service for comparison, without the daemon's logic. It has as many
+ * adaptors and objects as the daemon, links the same libraries, and its methods return values of
+ * the same types. The difference between its cost and the daemon's is the cost of the daemon's own
+ * code.
  */
 
 #include "bareqt.h"
@@ -93,8 +94,8 @@ QVariantMap BareVersion::getEepromInstrument()
 void BareWatchdog::keepAlive(const QDBusMessage &) {}
 
 /**
- * Returns the address of the wired service as the daemon does: with two calls, and a search in a
- * list.
+ * Returns the address of ConnMan's wired service as the daemon does: with a call to the bus, a call
+ * to ConnMan, and a search in ConnMan's list.
  */
 QVariantMap BareEthernet::getIPv4()
 {
@@ -119,7 +120,7 @@ int main(int argc, char *argv[])
     QCoreApplication application(argc, argv);
     qDBusRegisterMetaType<ListedService>();
     qDBusRegisterMetaType<QList<ListedService>>();
-    // The linker would drop an unused library.
+    // Use Qt Network, as the daemon does.
     static_cast<void>(QNetworkInterface().isValid());
 
     QObject configRoot;

@@ -40,8 +40,8 @@ def measure_services():
     with services.ConnmanStandIn() as standin, services.daemon() as daemon:
         for networks in NETWORKS:
             standin.set_services(map(services.wifi_service, range(networks)))
-            # No wired service is listed: for a minute, the daemon searches the whole list for one
-            # at each announcement.
+            # For a minute after this call, the daemon searches the list for a wired service at each
+            # announcement. The list has none, so the daemon searches the whole list.
             services.connect_ethernet(standin)
             cpu, elapsed = [], []
             for _ in range(ROUNDS):
@@ -75,7 +75,7 @@ def send_events(text, count):
 
 
 def measure_events():
-    """Measures bursts of kernel events, of an inserted card and of other devices."""
+    """Measures bursts of kernel events: first of an inserted card, then of other devices."""
     card, other = [], []
     with services.daemon() as daemon:
         before = daemon.memory()

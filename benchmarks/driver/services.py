@@ -176,7 +176,7 @@ class Probe:
         self.process = subprocess.Popen(
             [str(PROGRAMS / "call"), "--every", str(self.interval), *PROBE], text=True,
             stdin=subprocess.PIPE, stdout=subprocess.PIPE)
-        # When this call has started a process and got its reply, the new client usually calls, too.
+        # Give the client time to start: this call starts another program, and usually takes longer.
         call(PROBE)
         return self
 
