@@ -6,16 +6,16 @@ class QDBusMessage;
 /**
  * Returns true if @p message, a call of a method that takes no arguments, carries no arguments.
  *
- * Otherwise replies with org.freedesktop.DBus.Error.UnknownMethod, as Qt D-Bus itself does when
- * another method is called with a wrong signature. Qt D-Bus does not check the signature if the
- * method takes no arguments.
+ * Otherwise replies with org.freedesktop.DBus.Error.UnknownMethod. Qt D-Bus itself sends this error
+ * for a call with a wrong signature, but does not check the signature if the method takes no
+ * arguments.
  */
 bool hasNoArguments(const QDBusMessage &message);
 
 /**
  * Returns true if the map in @p message, a call of a method that takes a map, is within
- * mostValuesOfMap (see limitedMap()). Otherwise replies with
- * org.freedesktop.DBus.Error.LimitsExceeded; the slot has received an empty map.
+ * mostValuesOfMap. Otherwise replies with org.freedesktop.DBus.Error.LimitsExceeded. Qt D-Bus calls
+ * the slot even for a map beyond this limit, but with an empty map (see limitedMap()).
  */
 bool hasMapWithinLimits(const QDBusMessage &message);
 

@@ -26,8 +26,8 @@ QVariant plainValue(const QVariant &value);
 QVariantMap plainMap(QVariantMap map);
 
 /**
- * Unwraps @p value from the variants around it if it is a number, a text, a byte array (ay) or a
- * list of texts (as). Returns an invalid QVariant for any other compound, without reading it.
+ * Removes the variants around a number, a text, a byte array (ay) or a list of texts (as). Returns
+ * an invalid QVariant for any other compound, without reading it.
  */
 QVariant basicValue(const QVariant &value);
 

@@ -4,10 +4,9 @@
 #include <QString>
 
 /**
- * The names and codes of the daemon's error replies.
+ * The codes and the D-Bus names of the daemon's error replies.
  *
- * Internal operations return a code as int, 0 for success; the D-Bus name is looked up when the
- * reply is sent.
+ * Adaptors handle a failure as a code (int, 0 for success). sendErrorReply() looks up the name.
  */
 class Error
 {

@@ -62,7 +62,7 @@ int countVariant(const QDBusArgument &argument, int enough)
 }
 
 /**
- * Advances @p argument by one value and counts its content, without building a QVariant.
+ * Advances @p argument by one value, and counts that value and all values in it.
  *
  * @param enough counting may stop at this number; a result that reaches it is a lower bound
  */
@@ -138,7 +138,8 @@ bool isWithinLimits(const QDBusArgument &argument)
 
 void limitMaps()
 {
-    // The first look-up of a type makes Qt D-Bus register its own reader.
+    // Qt D-Bus registers its own readers at the first look-up of any type. Look a type up first:
+    // later, Qt D-Bus would replace our reader.
     QDBusMetaType::typeToSignature(QMetaType::QVariantMap);
     QDBusMetaType::registerMarshallOperators(
         QMetaType::QVariantMap,

@@ -11,8 +11,8 @@
 namespace
 {
 /**
- * Returns true for a regular file with one hard link. With a second hard link, another account
- * could make us write to a file that it must not change.
+ * Returns true for a regular file with one hard link. Through a second hard link, another account
+ * could make the daemon write to a file that the account itself must not change.
  */
 bool isRegular(int descriptor)
 {

@@ -34,9 +34,7 @@ public:
 
 /** A measurement of the charge meter. */
 struct BatteryMeasurement {
-    /**
-     * True until charging has ended; meaningful only with the charger present and @ref charge >= 0.
-     */
+    /** False when charging has ended. Ignored without the charger, and if @ref charge < 0. */
     bool isCharging;
     /** In percent, negative while the battery is being charged; can be any number. */
     int charge;

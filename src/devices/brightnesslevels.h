@@ -35,8 +35,8 @@ int brightnessLevel(double lux, const BrightnessBounds &bounds);
 std::optional<BrightnessBand> brightnessBand(int level, const BrightnessBounds &bounds);
 
 /**
- * Returns the sensor's persistence byte for the setting @p timer: ten times the setting, reduced to
- * 8 bits, with the lowest bit cleared.
+ * Converts the time that the light must stay outside its band: @p timer is in s, the result in the
+ * sensor's unit of 0.1 s. The result is reduced to 8 bits, with the lowest bit cleared.
  */
 unsigned char thresholdTimerByte(unsigned int timer);
 

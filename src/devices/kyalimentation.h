@@ -59,10 +59,7 @@ private:
 
     QTimer *m_checkTimer;
     KyBatmonitor m_batmonitor;
-    /**
-     * The number of checks that follow the next one at the initial interval; negative once the
-     * steady interval runs.
-     */
+    /** 10 before the first of the eleven checks at 10 s, 0 before the last one, then -1. */
     qint16 m_fastChecksLeft;
     bool m_chargerPresent;
     quint16 m_batteryVoltage;

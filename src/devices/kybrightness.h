@@ -13,8 +13,9 @@ class QDBusMessage;
 /**
  * The ambient light: reads its illuminance and announces changes of its level.
  *
- * Nothing is polled: the sensor interrupts when the light leaves the band around its level. A
- * sensor whose initialisation failed stays unusable until the next start.
+ * Nothing is polled: the sensor interrupts when the illuminance leaves the band around the current
+ * level (see brightnessBand()). A sensor whose initialisation failed stays unusable until the next
+ * start.
  */
 class KyBrightness : public QDBusAbstractAdaptor
 {

@@ -54,9 +54,11 @@ public Q_SLOTS:
      *
      * @param getBacklightStep 0 to 13; 13 means 12
      *
-     * Error::m_invalidArgument for any other step or for a step whose percentage is out of range,
-     * Error::m_write if the hardware refuses in manual mode, Error::m_read if the light cannot be
-     * read in automatic mode.
+     * Fails with
+     * - Error::m_invalidArgument for any other step; in manual mode also for a step whose
+     *   percentage is out of range;
+     * - Error::m_write in manual mode if the hardware refuses;
+     * - Error::m_read in automatic mode if the light cannot be read.
      */
     void setBacklightStep(bool autoBacklight, int getBacklightStep, const QDBusMessage &message);
 

@@ -67,7 +67,10 @@ void KyTemperatureWatcher::periodicTemperatureCheck()
     getTemperatures();
 }
 
-/** Adds the temperature of @p device to @p temperatures; announces it from @p threshold on. */
+/**
+ * Adds the temperature of @p device to @p temperatures, and announces it if it is at or above
+ * @p threshold. If the sensor cannot be read, only logs @p failure.
+ */
 void KyTemperatureWatcher::readSensor(KyTemperature &sensors, Device device, int threshold,
                                       const char *failure, QVariantMap &temperatures)
 {

@@ -16,8 +16,8 @@ class QTimer;
  * The board's temperatures: read on request, and compared periodically with a threshold for each
  * sensor.
  *
- * Temperatures and thresholds are in the board library's unit. Thresholds and interval are not
- * saved: every start sets the thresholds to 80 and the interval to 300000 ms.
+ * Temperatures and thresholds are in degrees Celsius. Thresholds and interval are not saved: every
+ * start sets the thresholds to 80 and the interval to 300000 ms.
  */
 class KyTemperatureWatcher : public QDBusAbstractAdaptor
 {

@@ -7,8 +7,8 @@
 namespace
 {
 /**
- * The result of getinterruptHandler() on failure. After any other negative result the sensor is
- * ready, but has no interrupt.
+ * getinterruptHandler() returns this number on failure: the sensor is not ready. After any other
+ * negative number the sensor is ready, but sends no interrupts.
  */
 constexpr int noInterrupt = -2;
 } // namespace

@@ -7,7 +7,8 @@
 #include <optional>
 
 /**
- * The ambient-light sensor. It interrupts only when the light leaves the band around its level.
+ * The ambient-light sensor. The sensor interrupts only when the illuminance leaves the band around
+ * the current level (see brightnessBand()).
  *
  * A sensor whose initialisation failed stays unusable.
  */

@@ -10,7 +10,7 @@ struct Row {
     int defaultValue;
 };
 
-// Row 0 is step 0 of the backlight. The group's first three keys, step0 to step2, are not used.
+// Row 0 is step 0 of the backlight, but its key is step3: the keys step0 to step2 are not used.
 const Row steps[] = {
     {SCREEN_BACKLIGHT_STEP_3, 15},   {SCREEN_BACKLIGHT_STEP_4, 20},  {SCREEN_BACKLIGHT_STEP_5, 25},
     {SCREEN_BACKLIGHT_STEP_6, 30},   {SCREEN_BACKLIGHT_STEP_7, 35},  {SCREEN_BACKLIGHT_STEP_8, 40},

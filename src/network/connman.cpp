@@ -47,7 +47,7 @@ namespace
 const QString propertyChanged = QStringLiteral("PropertyChanged");
 const QString propertyChangedSignature = QStringLiteral("sv");
 
-/** A call that takes longer counts as long. An ordinary reply takes a thousandth of this time. */
+/** After a longer call, the daemon pings systemd's watchdog. An ordinary call takes about 1 ms. */
 constexpr int longCallMs = 1000;
 
 template <typename Type>

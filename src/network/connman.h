@@ -89,10 +89,7 @@ void unwatchProperties(const QString &path, const QString &interface, QObject *r
 std::optional<ConnmanObject> findObject(const QList<ConnmanObject> &objects, const QString &name,
                                         const QString &value);
 
-/**
- * Returns true if @p value is the boolean @p flag; a value of another type is neither true nor
- * false.
- */
+/** Returns true if @p value is a boolean and equals @p flag. */
 bool isFlag(const QVariant &value, bool flag);
 
 /** Switches a technology on or off. @return ConnMan's error, an invalid one on success */

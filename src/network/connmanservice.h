@@ -12,12 +12,12 @@ class ConnmanService : public QObject
 
 public:
     /**
-     * @param path the result of path() for an interface that never has a ConnMan service; empty for
-     *         an interface that can have a service
+     * @param path a fixed path() for an interface that never has a ConnMan service; empty for an
+     *         interface that can have a service
      */
     explicit ConnmanService(const QString &path) : m_path(path) {}
 
-    /** The object path; empty without a service, unless the constructor has set another path. */
+    /** The current service's object path, or the constructor's fixed path; empty without either. */
     const QString &path() const { return m_path; }
 
     /** Makes the service at @p path the current one and subscribes to its changes. */

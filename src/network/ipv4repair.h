@@ -13,11 +13,11 @@ bool isValidIPv4(const QString &text);
 /**
  * Returns @p settings with a valid "Address", "Netmask" and "Gateway".
  *
- * Valid values stay. An invalid address becomes "192.168.2.3". An invalid netmask becomes the
- * netmask of the address's class, which depends on the first byte: A up to 127, B up to 191, C up
- * to 223, and 255.255.255.255 above. An invalid gateway becomes the first host of the network that
- * has the netmask of this class, even if @p settings has another valid netmask. If the first byte
- * is above 223, the gateway becomes the address itself.
+ * Valid values stay. An invalid address becomes "192.168.2.3". The first byte of the address
+ * determines its default netmask: 255.0.0.0 up to 127, 255.255.0.0 up to 191, 255.255.255.0 up to
+ * 223, and 255.255.255.255 above. An invalid netmask becomes this default netmask. An invalid
+ * gateway becomes the first host of the network with the default netmask, even if @p settings has
+ * another valid netmask. If the first byte is above 223, the gateway becomes the address itself.
  */
 QVariantMap repairedIPv4(QVariantMap settings);
 

@@ -25,7 +25,7 @@ class KyConnmanAgent : public QDBusAbstractAdaptor
 public:
     explicit KyConnmanAgent(QObject *parent);
 
-    /** Stores the credentials for the next requests, and allows two replies. */
+    /** Stores the credentials for the next two requests. */
     void setCredentials(const QString &identity, const QString &passphrase);
 
 public Q_SLOTS:
@@ -33,8 +33,8 @@ public Q_SLOTS:
      * Returns the stored value for each credential that @p fields marks as mandatory; no value for
      * other fields.
      *
-     * Fails with net.connman.Agent.Error.Canceled and an empty text before the first
-     * setCredentials(), and from the third request after each setCredentials() on.
+     * Each setCredentials() allows two requests. All further requests, and all requests before the
+     * first setCredentials(), fail with net.connman.Agent.Error.Canceled and an empty text.
      */
     QVariantMap RequestInput(const QDBusObjectPath &service, const QVariantMap &fields,
                              const QDBusMessage &message);
@@ -47,7 +47,7 @@ public Q_SLOTS:
 
 private:
     Credentials m_credentials;
-    /** One more than the number of requests that may still be answered; 0 after a refusal. */
+    /** setCredentials() sets 3. Each request subtracts 1, and fails if 0 is left. */
     qint16 m_remainingRequests = 0;
 };
 

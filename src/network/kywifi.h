@@ -39,11 +39,13 @@ public Q_SLOTS:
     /**
      * Leaves and forgets the network.
      *
-     * Fails with "Cannot remove service" if ConnMan does not forget the network, otherwise with
-     * "Cannot set property Powered: " and ConnMan's text if ConnMan refuses to power the technology
-     * off, for example because it is already off. The state always becomes "idle": immediately if
-     * ConnMan refuses to power the technology off, otherwise when the technology is off, or after
-     * 15 s.
+     * Fails with
+     * - "Cannot remove service" if ConnMan does not forget the network;
+     * - otherwise "Cannot set property Powered: " and ConnMan's text if ConnMan refuses to power
+     *   the technology off, for example because the technology is already off.
+     *
+     * The state always becomes "idle": immediately if ConnMan refuses to power the technology off,
+     * otherwise when the technology is off, at the latest after 15 s.
      */
     void disconnect(const QDBusMessage &message);
 

@@ -156,9 +156,9 @@ LinkEvent LinkDriver::handOver()
                                 m_parts.settings.nameservers());
     const QDBusError refusal =
         connman::setServiceProperty(path, QStringLiteral("IPv4.Configuration"), settings);
-    // After a fast lease, ConnMan has already sent its signals: read the address now. The address
-    // is not final if ConnMan has accepted other settings than those in force; ConnMan then sends
-    // signals when the new settings take effect.
+    // ConnMan may have signalled the address before this call: read the address now. If ConnMan has
+    // just accepted settings that are not yet in force, the address will change, and ConnMan will
+    // signal the change.
     const QVariantMap present = m_parts.service.ipv4();
     const bool isSettled = refusal.isValid() || isInForce(settings, present);
     return isSettled && hasAddress(present) ? LinkEvent::AddressThere : LinkEvent::AddressMissing;

@@ -14,9 +14,9 @@ enum class LinkOperation { None, Scan, Connect };
 struct Link {
     KyTcpIpState::State state = KyTcpIpState::Idle;
     LinkOperation operation = LinkOperation::None;
-    /** The module is in the requested mode. */
+    /** The Wi-Fi module is in the requested mode. */
     bool isFirmwareLoaded = false;
-    /** The timer of the attempt or scan runs. */
+    /** The timer of a connection attempt or of a scan runs. */
     bool isTimed = false;
     /** There is a current ConnMan service. */
     bool hasService = false;
@@ -26,7 +26,7 @@ struct Link {
     bool isRequestedReady = false;
 };
 
-/** The inputs of a machine. */
+/** The inputs of a state machine; see LinkMachine. */
 enum class LinkEvent {
     None,
     /** The daemon starts. */
@@ -111,7 +111,7 @@ enum class LinkEvent {
 };
 
 /**
- * The outputs of a machine. An action with a result raises one of the events in its comment.
+ * The outputs of a state machine. An action with a result raises one of the events in its comment.
  */
 enum class LinkAction {
     None,
@@ -172,7 +172,7 @@ enum class LinkAction {
     HandOver,
     /** Does the service have an address? AddressThere, AddressMissing. */
     AskAddress,
-    /** Ends an attempt that has no outcome at its timeout: TimeJudged. */
+    /** Raises TimeJudged: the state table then decides whether the timeout fails the attempt. */
     JudgeTime,
 
     /** Removes the network from ConnMan: NetworkForgotten, NetworkKept. */

@@ -23,8 +23,9 @@ const LinkRow rows[] = {
         Do::Announce),
     row({all}, Event::ScriptEnded, {}, Do::StartModuleDelay),
 
-    // If the module becomes ready after a disconnect, the station only records it. If a scan times
-    // out before the module is ready, the scan's timer starts again, so that the scan ends.
+    // If the module becomes ready after a disconnect, the station only records it. If a scan has
+    // timed out before the module is ready, its timer starts again now: otherwise a scan for which
+    // ConnMan sends no signal would never end.
     row({idle, scan, either, When::TimeRuns}, Event::ModuleReady, {}, Do::NoteModule,
         Do::AskConnman),
     row({idle, scan, either, When::TimeIsOver}, Event::ModuleReady, {}, Do::NoteModule,
@@ -74,9 +75,8 @@ const LinkRow rows[] = {
         Do::PowerOff),
     row({~leaving, all, loaded}, Event::ServiceAddress, {toOnline}, Do::Announce),
 
-    // An attempt without a result fails at its timeout, unless the service is "ready": the service
-    // may still get an address. The daemon then checks the service again at each change of the
-    // services.
+    // An attempt without a result fails at its timeout, unless the service is "ready": such a
+    // service may still get an address. The daemon checks it again at each change of the services.
     row({all}, Event::TimeIsOver, {}, Do::Evaluate, Do::JudgeTime),
     row({idle | association, connect}, Event::TimeJudged, {toFailure, toNone}, Do::Announce),
     row({configuration, connect, either, When::RequestedIsNotReady}, Event::TimeJudged,

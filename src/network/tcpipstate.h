@@ -6,8 +6,8 @@ namespace KyTcpIpState
 {
 enum State {
     /**
-     * Not connected. A scan, or the beginning of an attempt, may be in progress. Only Idle and
-     * Failure accept a connect.
+     * Not connected. A scan, or the beginning of a connection attempt, may be in progress. Only
+     * Idle and Failure accept a connect.
      */
     Idle = 0,
     Failure = 1,
@@ -20,8 +20,8 @@ enum State {
     Ready = 4,
     Disconnect = 5,
     /**
-     * Ethernet and Wi-Fi station: the service has an address, or ConnMan reports the station's
-     * service as online. Access point: the network interface has carrier.
+     * Ethernet: the service has an address. Wi-Fi station: the service has an address, or ConnMan
+     * reports the service as online. Access point: the network interface has carrier.
      */
     Online = 6,
 };

@@ -11,7 +11,7 @@ QList<ConnmanObject> wifiServices(const QList<ConnmanObject> &services);
 
 /**
  * Returns the first of @p services with the name @p name; nothing if there is none. A hidden
- * network has no name, not even an empty one.
+ * network has no property "Name" and is never returned.
  */
 std::optional<ConnmanObject> wifiServiceNamed(const QList<ConnmanObject> &services,
                                               const QString &name);
@@ -27,8 +27,8 @@ std::optional<ConnmanObject> wifiServiceNamed(const QList<ConnmanObject> &servic
 QVariantMap wifiScanList(const QList<ConnmanObject> &services);
 
 /**
- * Returns ConnMan's strength of a service in a form that can be sent. Returns nothing for a value
- * of a type that Qt cannot convert to a number.
+ * Converts @p value, the "Strength" of a ConnMan service, to a form that can be sent to clients.
+ * Returns nothing if Qt cannot convert the type of @p value to a number.
  */
 std::optional<QVariant> strengthOf(const QVariant &value);
 
@@ -36,7 +36,7 @@ std::optional<QVariant> strengthOf(const QVariant &value);
 struct WifiServiceChange {
     /** One of ServiceStrength, ServiceError, ServiceAddress and ServiceOther. */
     LinkEvent event;
-    /** The value in a form that can be sent, for a change that clients receive. */
+    /** For ServiceStrength: the new strength, in a form that can be sent to clients. */
     QVariant value;
 };
 

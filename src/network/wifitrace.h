@@ -19,7 +19,7 @@ struct WifiTraceRecord {
 
 /** The name that the trace gives to an event of the station. */
 struct WifiTraceMethod {
-    /** Null for an event without a record of its own. */
+    /** Null if the trace does not record the event. */
     const char *name;
     /** True if the event is also recorded when the table ignores it. */
     bool isTracedWhenIgnored;

@@ -23,7 +23,10 @@ public:
     /** Sets the interrupt band from two threshold codes: the upper bound, then the lower. */
     virtual int setThresholds(unsigned char high, unsigned char low) = 0;
 
-    /** Sets how long the light must stay outside the band before the sensor interrupts. */
+    /**
+     * Sets how long the light must stay outside the band before the sensor interrupts, in tenths of
+     * a second.
+     */
     virtual int setThresholdsTimer(unsigned char persistence) = 0;
 
     /** Enables or disables the sensor's interrupt. */

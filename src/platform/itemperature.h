@@ -13,7 +13,7 @@ class ITemperature
 public:
     virtual ~ITemperature() = default;
 
-    /** Reads the temperature of @p sensor into @p temperature; 0 on success. */
+    /** Reads the temperature of @p sensor, in degrees Celsius; returns 0 on success. */
     virtual int getTemperature(e_tempdev sensor, int *temperature) = 0;
 };
 

@@ -3,7 +3,7 @@
 
 #include "ials.h"
 
-/** Ambient-light sensor; libKyBoard.so.1. */
+/** Ambient-light sensor; implemented in libKyBoard.so.1. */
 class KyAls : public IAls
 {
 public:

@@ -1,7 +1,7 @@
 #ifndef KYBACKLIGHT_H
 #define KYBACKLIGHT_H
 
-/** Screen backlight; libKyBoard.so.1. */
+/** Screen backlight; implemented in libKyBoard.so.1. */
 class KyBacklight
 {
 public:

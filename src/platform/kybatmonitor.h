@@ -4,8 +4,8 @@
 /** The last measurement of the charge meter. */
 struct cmeter_data {
     /**
-     * Not 0 until charging has ended; meaningful only with the charger present and @ref charge >=
-     * 0.
+     * 0 when charging has ended. Meaningful only if the charger is present and @ref charge is not
+     * negative.
      */
     unsigned char flag;
     /** Charge in percent; negative while the battery is being charged. */
@@ -14,7 +14,7 @@ struct cmeter_data {
     unsigned short voltage;
 };
 
-/** Battery charge meter; libKyBoard.so.1. */
+/** Battery charge meter; implemented in libKyBoard.so.1. */
 class KyBatmonitor
 {
 public:

@@ -3,7 +3,7 @@
 
 #include "iboardrev.h"
 
-/** Board revisions; libKyBoard.so.1. */
+/** Board revisions; implemented in libKyBoard.so.1. */
 class KyBoardRev : public IBoardRev
 {
 public:

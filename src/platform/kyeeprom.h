@@ -3,7 +3,7 @@
 
 #include "ieeprom.h"
 
-/** Identification EEPROMs; libKyBoard.so.1. */
+/** Identification EEPROMs; implemented in libKyBoard.so.1. */
 class KyEeprom : public IEeprom
 {
 public:

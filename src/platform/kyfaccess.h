@@ -3,7 +3,7 @@
 
 #include "ikyfaccess.h"
 
-/** Removable storage; libKyFileaccess.so.1. */
+/** Removable storage; implemented in libKyFileaccess.so.1. */
 class KyFaccess : public IKyFaccess
 {
 public:

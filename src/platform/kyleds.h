@@ -3,7 +3,7 @@
 
 #include "ileds.h"
 
-/** Front-panel LEDs; libKyBoard.so.1. */
+/** Front-panel LEDs; implemented in libKyBoard.so.1. */
 class KyLeds : public ILeds
 {
 public:

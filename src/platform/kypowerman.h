@@ -3,7 +3,7 @@
 
 #include "ipowerman.h"
 
-/** Power-management microcontroller; libKyBoard.so.1. */
+/** Power-management microcontroller; implemented in libKyBoard.so.1. */
 class KyPowerman : public IPowerman
 {
 public:

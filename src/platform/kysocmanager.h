@@ -1,7 +1,7 @@
 #ifndef KYSOCMANAGER_H
 #define KYSOCMANAGER_H
 
-/** Registers of the FPGA side of the system-on-chip; libKySoC.so.1. */
+/** Registers of the FPGA side of the system-on-chip; implemented in libKySoC.so.1. */
 class KySocManager
 {
 public:

@@ -3,7 +3,7 @@
 
 #include "itemperature.h"
 
-/** Temperature sensors; libKyBoard.so.1. */
+/** Temperature sensors; implemented in libKyBoard.so.1. */
 class KyTemperature : public ITemperature
 {
 public:

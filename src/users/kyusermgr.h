@@ -13,8 +13,8 @@ class QDBusMessage;
  * resetting one to the factory default.
  *
  * The active profile is the target of a symbolic link, through which the rest of the instrument
- * reads its configuration. Users are named "user1" to "user4". A user whose switch failed stays
- * invalid until the next start.
+ * reads its configuration. Users are named "user1" to "user4". A failed switch to a user makes this
+ * user invalid until the next start.
  */
 class KyUserMgr : public QDBusAbstractAdaptor
 {
