@@ -1,7 +1,7 @@
 # shellcheck shell=bash
 # The command line of the virtual instrument, for the two commands that start it: ./run in this
-# tree, and kyboard-instrument of the package. They differ in their names, in where the programs
-# are, and in what they prepare.
+# tree, and kyboard-instrument of the package. The two commands differ in their names, in where the
+# programs are, and in what they prepare. A handle is a file that identifies a running instrument.
 
 # Sets "command" to the command to run in the instrument, "instrument_options" to the options of a new
 # instrument, "own_handle" to the FILE of --handle, "panel" if the command is the front panel, and
@@ -41,7 +41,7 @@ parse_command_line() {
             panel=yes
             case $1 in
             --size) size=$2 ;;
-            # FILE is relative to the caller's directory, which we may have left.
+            # FILE is relative to the caller's directory. ./run stores this directory in "from".
             --picture) picture=$(cd "${from:-.}" && realpath "$2") || exit 2 ;;
             esac
             shift 2

@@ -5,7 +5,7 @@
 
 namespace board
 {
-/** The fault of one call. */
+/** How one call of a library operation fails or misbehaves. */
 struct Fault {
     /** The effect of the fault. */
     enum Kind {
@@ -21,7 +21,7 @@ struct Fault {
     bool isHeld = false;
 };
 
-/** The content of a fault's file. */
+/** The content of a fault's file: the board's file "faults/OPERATION". */
 struct FaultWords {
     Fault fault;
     /** The number of faulty calls still to come; negative for all calls. */

@@ -101,8 +101,8 @@ std::optional<float> LightSensor::read()
 {
     const std::lock_guard<std::mutex> guard(m_mutex);
     const std::optional<float> lux = readLux();
-    // While interrupts are enabled and none is raised, a change must still raise one, although the
-    // program has read the new value.
+    // If interrupts are enabled and none is raised, a new value must still raise an interrupt: do
+    // not store it as known.
     if (lux && (m_isRaised || !m_isEnabled))
         m_settled = lux;
     return lux;
@@ -148,7 +148,7 @@ std::optional<bool> LightSensor::acknowledge()
     const std::lock_guard<std::mutex> guard(m_mutex);
     const Lock lock;
     const std::optional<bool> wasRaised = readFlag("als/interrupt");
-    // The watcher sees this change, too, and checks whether the light has changed meanwhile.
+    // The watcher thread sees this write, too, and checks whether the light has changed meanwhile.
     if (!wasRaised || !writeNumber("als/interrupt", 0))
         return {};
     m_isRaised = false;

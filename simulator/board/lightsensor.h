@@ -15,17 +15,18 @@ namespace board
 /**
  * The ambient-light sensor on the simulated board.
  *
+ * The band is the range between the two thresholds, which are codes of 8 bits. A value in lux is
+ * outside the band when its code (thresholdCode()) is above the upper threshold or below the lower
+ * one.
+ *
  * While interrupts are enabled, the sensor interrupts
  * - at once when the light changes and the old or the new value is outside the band;
  * - repeatedly while the light stays outside: each time when the persistence time has passed
  *   since the last interrupt was acknowledged. The unit of this time is 0.1 s, its minimum 0.1 s.
  *
- * It does not interrupt again before the acknowledgement. No change is lost: if the program has not
- * read such a change when it acknowledges, the sensor interrupts again right after the
- * acknowledgement.
- *
- * The thresholds are codes of 8 bits. A value in lux is outside the band when its code
- * (thresholdCode()) is above the upper threshold or below the lower one.
+ * The sensor does not interrupt again before the acknowledgement. No change is lost: if the light
+ * has changed since the interrupt, and the program has not read the new value before it
+ * acknowledges, the sensor interrupts again right after the acknowledgement.
  */
 class LightSensor
 {
@@ -72,9 +73,9 @@ private:
     Descriptor m_stop;
     std::thread m_watcher;
     const pid_t m_process;
-    /** The light that the program already knows: it causes no further interrupt. */
+    /** The light that the program already knows: this value causes no further interrupt. */
     std::optional<float> m_settled;
-    /** When light that stays outside the band interrupts again. */
+    /** The time of the next interrupt if the light stays outside the band. */
     std::optional<Clock::time_point> m_repetition;
     bool m_isEnabled = false;
     bool m_isRaised = false;

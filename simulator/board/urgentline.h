@@ -6,8 +6,9 @@
 namespace board
 {
 /**
- * A line that signals urgent data, as a GPIO's value file does at an edge: a connection over the
- * loopback interface, because only TCP sockets have urgent data on every kernel.
+ * A line whose file descriptor has urgent data (POLLPRI) after an interrupt, as the value file of a
+ * GPIO has after an edge. The descriptor is one end of a TCP connection over the loopback
+ * interface, because only TCP sockets have urgent data on every kernel.
  */
 class UrgentLine
 {

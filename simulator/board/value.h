@@ -31,7 +31,11 @@ std::optional<Number> readNumber(const std::string &file, long long lowest, long
 /** Returns the 0 or 1 in @p file; nothing for anything else. */
 std::optional<bool> readFlag(const std::string &file);
 
-/** Returns the number in @p file, with an optional fraction; nothing as for readNumber(). */
+/**
+ * Returns the decimal number in @p file, which may have a fraction.
+ *
+ * @return nothing in the same cases as readNumber()
+ */
 std::optional<float> readReal(const std::string &file, float lowest, float highest);
 
 /** Writes a value as one line; returns false if the file cannot be written. */

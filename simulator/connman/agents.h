@@ -9,7 +9,7 @@
 
 #include <functional>
 
-/** The registered agents: at most one for each connection to the bus. */
+/** The agents that are registered with ConnMan: at most one for each connection to the bus. */
 class Agents : public QObject
 {
     Q_OBJECT
@@ -19,15 +19,18 @@ public:
 
     explicit Agents(QObject *parent);
 
-    /** Registers an agent. Returns false if that connection has one already. */
+    /** Registers an agent. Returns false if @p connection already has an agent. */
     bool add(const QString &connection, const QString &path);
 
-    /** Removes an agent. Returns false if that connection has none at that path. */
+    /** Removes an agent. Returns false if @p connection has no agent at @p path. */
     bool remove(const QString &connection, const QString &path);
 
     bool has(const QString &connection) const;
 
-    /** The connection whose agent was registered last; empty without an agent. */
+    /**
+     * Returns the connection whose agent was registered last, or any connection with an agent if
+     * that agent is gone. Empty without an agent.
+     */
     QString latest() const;
 
     /** Calls a method of the agent of @p connection; passes the reply to @p answered. */

@@ -5,7 +5,10 @@
 #include <QString>
 #include <QVariant>
 
-/** Carries out the calls that ConnMan accepts, and replies to them: see Still and Lively. */
+/**
+ * Carries out the calls that ConnMan accepts, and replies to them. There are two behaviours: Still
+ * sends no signals, so that a test decides about each of them; Lively acts as the real ConnMan.
+ */
 class Behaviour
 {
 public:

@@ -18,7 +18,7 @@ struct CallRule {
     QString errorText;
     /** Reply: the values of the reply, of any type. */
     QList<QVariant> values;
-    /** Delay: the delay. */
+    /** Delay: how long the stand-in waits before it handles the call. */
     int milliseconds = 0;
 };
 
@@ -35,7 +35,7 @@ public:
     /** Returns the rule of @p kind for the call with this journal line; null if there is none. */
     const CallRule *find(CallRule::Kind kind, const QString &line) const;
 
-    /** Returns the rule that replaces ConnMan's own reply to the call, with an error or a reply. */
+    /** Returns the last Fail or Reply rule for the call with this journal line; null if none. */
     const CallRule *findAnswer(const QString &line) const;
 
 private:

@@ -24,7 +24,10 @@ public:
 
     CallRules &rules() { return m_rules; }
 
-    /** Ends the rule that holds the calls beginning with @p call, and continues the held calls. */
+    /**
+     * Removes the rule that was added to hold @p call, and carries out the held calls that no other
+     * rule holds.
+     */
     void release(const QString &call);
 
     const QStringList &journal() const { return m_journal; }

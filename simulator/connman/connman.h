@@ -10,11 +10,11 @@
 #include <QSet>
 
 /**
- * ConnMan's state and behaviour: its technologies, services and agents, and the methods of the
+ * The stand-in's model of ConnMan: its technologies, services and agents, and the methods of the
  * manager, of a technology and of a service.
  *
- * Calls change the state and reply as ConnMan does. Only requests through the control object, and
- * Lively, send signals and cause other events.
+ * Refuses invalid calls with ConnMan's errors. A Behaviour carries out the calls that change
+ * something.
  */
 class Connman : public QObject
 {

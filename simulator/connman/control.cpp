@@ -26,7 +26,8 @@ const Control::Method Control::methods[] = {
     {"AnnounceServices", "", false, &Control::announceServices},
     // Arguments: path, interface and name of any signal, and its values.
     {"SendSignal", "oss", true, &Control::sendSignal},
-    // Arguments: a call, and the name and text of its error or the values of its reply.
+    // Arguments of Fail: a call, and the name and text of its error.
+    // Arguments of Reply: a call, and the values of its reply.
     {"Fail", "sss", false, &Control::fail},
     {"Reply", "s", true, &Control::reply},
     // Arguments of Delay: a call and its delay in milliseconds. Hold delays until Release.

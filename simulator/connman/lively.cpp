@@ -7,7 +7,7 @@
 
 namespace
 {
-/** How long ConnMan collects changes of the list before it announces them. */
+/** How long ConnMan collects changes of the list of services before it announces them. */
 constexpr int announcementDelayMs = 100;
 
 const QString configurationKey = QStringLiteral("IPv4.Configuration");

@@ -12,8 +12,8 @@
  * in reach while their technology is powered, carries out calls, makes connections, and announces
  * all changes. Sends signals in the same order as the real ConnMan.
  *
- * A cable is connected as soon as its technology is powered, to a DHCP server that leases
- * 10.77.0.72. A network is joined on Connect, with the passphrase of the caller's agent.
+ * A cable is connected as soon as its technology is powered, and gets the address 10.77.0.72. A
+ * network is joined on Connect, with the passphrase that the caller's agent returns.
  */
 class Lively : public QObject, public Behaviour
 {

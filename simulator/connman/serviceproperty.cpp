@@ -20,7 +20,7 @@ const struct {
     {"mDNS.Configuration", "b"},
 };
 
-/** Parses addresses as the C library does: short forms such as 10.7 are valid, too. */
+/** Returns true for each address that the C library parses, also for short forms such as 10.7. */
 bool isAddress(const QVariant &value)
 {
     addrinfo hints = {};

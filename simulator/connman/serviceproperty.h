@@ -8,9 +8,9 @@
 enum class PropertyVerdict { Accepted, InvalidProperty, InvalidArguments };
 
 /**
- * Returns whether ConnMan accepts @p value for the service property @p name. Only settings can be
- * set, each with its own type; the IPv4 settings must name a method and, for "manual", valid
- * addresses.
+ * Returns whether ConnMan accepts @p value for the service property @p name. Most properties are
+ * read-only. A setting, for example "AutoConnect", needs a value of its type. The IPv4 settings
+ * must also name a method and, for "manual", valid addresses.
  */
 PropertyVerdict judgeServiceProperty(const QString &name, const QVariant &value);
 

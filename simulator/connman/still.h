@@ -7,7 +7,10 @@
 
 class Connman;
 
-/** Stores properties, calls the agent if a test has requested it, and does nothing else. */
+/**
+ * The behaviour for tests that send every signal themselves. Replies to all calls, and stores the
+ * properties that they set. Connect calls the agent only if askOnConnect() has requested this.
+ */
 class Still : public Behaviour
 {
 public:

@@ -9,13 +9,14 @@ make_peer() {
     ip -n peer link set lo up
 }
 
+# Counts the DHCP servers that listen, on UDP port 67.
 count_servers() {
     ip netns exec peer grep -c ':0043 ' /proc/net/udp || :
 }
 
 # start_server PIDFILE INTERFACE NETWORK: gives the interface, which must be up, the first address of the
-# network (such as 10.77.0), and starts a server that leases the addresses .50 to .99. In the foreground
-# the server keeps its user and groups, which an ordinary user's world cannot change.
+# network (such as 10.77.0), and starts a server that leases the addresses .50 to .99. With --no-daemon
+# the server keeps its user and groups; in an ordinary user's world, the server cannot change them.
 start_server() {
     ip -n peer address add "$3.1/24" dev "$2"
     # By default a veth leaves checksums to hardware, which it does not have. ConnMan drops DHCP

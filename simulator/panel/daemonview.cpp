@@ -167,8 +167,8 @@ void DaemonView::setDaemonThere(bool isThere)
 }
 
 /**
- * Sets all links to "idle", their state in a daemon that has just started. The links of a daemon
- * that started before the panel can have any state.
+ * Sets all links to "idle", their state in a daemon that has just started. Not called if the
+ * daemon started before the panel: then the links can have any state.
  */
 void DaemonView::beginIdle()
 {

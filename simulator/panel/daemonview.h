@@ -32,7 +32,10 @@ public:
      */
     bool isComplete() const;
 
-    /** Queries the daemon again at the next joinBus(); until then isComplete() returns false. */
+    /**
+     * Queries a running daemon again at the next joinBus(). isComplete() returns false until the
+     * daemon has answered.
+     */
     void askAgain() { m_isToAsk = m_known.isDaemonThere; }
 
     /** Our own unique name on the bus, for example ":1.7"; empty without a bus. */

@@ -13,7 +13,8 @@ QStringList handElements();
 bool isDragged(const QString &element);
 
 /**
- * Returns the shell command to run in the world when @p element is pressed, or dragged to @p place.
+ * Returns the shell command to run inside the virtual instrument when @p element is pressed, or
+ * dragged to @p place.
  *
  * @param place the position on the element from left to right, 0 to 1
  * @return empty if nothing happens
@@ -24,15 +25,15 @@ QString commandFor(const QString &element, double place, const Instrument &instr
 QString shellCommand(const QStringList &words);
 
 /**
- * Returns @p command as a user types it outside of the world: after the name of the program that
- * started the instrument.
+ * Returns what a user types in a terminal to run @p command inside the virtual instrument: the
+ * program that started the instrument, then "--" and the command.
  */
 QString asTyped(const QString &command);
 
 /** The operations of the hardware libraries that can have a fault. */
 QStringList faultOperations();
 
-/** A fault's text in the menu, and the words of its file. */
+/** A fault: its text in the menu, and the words to write to the fault's file on the board. */
 struct FaultChoice {
     const char *title;
     const char *words;

@@ -93,7 +93,7 @@ public:
 private:
     QByteArray raw(const QString &file) const { return m_instrument.board.value(file); }
 
-    /** Returns the value in @p file; a question mark if there is none. */
+    /** Returns the text in @p file; a question mark if the text is empty or too long to draw. */
     QString value(const char *file) const
     {
         const QString text = QString::fromUtf8(raw(QString::fromLatin1(file)).trimmed());

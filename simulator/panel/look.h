@@ -43,8 +43,8 @@ constexpr int longestCommand = 100;
 constexpr int airRows = 6;
 
 /**
- * Returns the opacity of an LED at the time @p milliseconds. @p state is a name in the board's
- * files.
+ * Returns the opacity of an LED at the time @p milliseconds. @p state is the content of the LED's
+ * file on the board, for example "BLINK_1HZ".
  */
 double ledOpacity(const QByteArray &state, qint64 milliseconds);
 

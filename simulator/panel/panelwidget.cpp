@@ -206,7 +206,7 @@ void PanelWidget::takeEnd(QProcess *hand, const QString &typed, int status)
 {
     // This also cancels the timeout of the process.
     hand->deleteLater();
-    // Ignore the result of an earlier command: the panel shows only that of the last one.
+    // Ignore the result of an earlier command: the panel shows only the last command's result.
     if (typed == m_instrument.command) {
         const QByteArray complaint = hand->readAllStandardError().trimmed();
         m_instrument.complaint = status == 0 ? QString()

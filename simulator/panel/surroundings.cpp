@@ -38,7 +38,7 @@ int isStopped(const QString &pidFile)
 
 int cableState()
 {
-    // Read the carrier of "socket", the cable's near end: ConnMan takes eth0 down, but never
+    // Read the carrier of "socket", the interface below eth0: ConnMan takes eth0 down, but never
     // "socket".
     QFile carrier(QStringLiteral("/sys/class/net/socket/carrier"));
     if (!carrier.open(QIODevice::ReadOnly))

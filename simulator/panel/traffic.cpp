@@ -67,9 +67,7 @@ QString TrafficLine::text() const
     return {};
 }
 
-/**
- * Removes and returns a call that has no reply yet; returns an empty one if there is no such call.
- */
+/** Removes and returns the pending call with this serial number; an empty call if there is none. */
 Traffic::Call Traffic::takeCall(const QString &caller, int serial)
 {
     const auto call = std::find_if(m_calls.begin(), m_calls.end(), [&](const Call &other) {
@@ -115,7 +113,7 @@ bool Traffic::take(const QJsonObject &message, const QString &ignored, TrafficLi
     }
     if (line.interface.startsWith(ownPrefix))
         line.interface = line.interface.mid(ownPrefix.size());
-    // Leave out calls to the bus itself: they do not concern the instrument.
+    // Leave out calls to the bus itself, introspection and pings.
     const bool isOfBus = line.interface.startsWith(QLatin1String("org.freedesktop.DBus")) &&
                          !line.interface.endsWith(QLatin1String(".Properties"));
     return !line.member.isEmpty() && !isOfBus &&

@@ -26,7 +26,7 @@ struct TrafficLine {
     QString text() const;
 };
 
-/** Formats the messages of a bus, as "busctl --json=short monitor" prints them. */
+/** Formats the messages that "busctl --json=short monitor" prints. */
 class Traffic
 {
 public:
@@ -37,10 +37,12 @@ public:
     static constexpr int mostCalls = 1000;
 
     /**
+     * Formats one message.
+     *
      * @param message the next message of the bus
      * @param ignored a bus name whose calls, and the replies to them, are left out
      * @param line the formatted message
-     * @return true if there is a line
+     * @return false if the message is left out
      */
     bool take(const QJsonObject &message, const QString &ignored, TrafficLine &line);
 

@@ -15,7 +15,7 @@
 namespace
 {
 constexpr int mostEntries = 5000;
-/** The pause before the monitor starts again. */
+/** How often the log checks whether the monitor still runs. */
 constexpr int retryMs = 200;
 
 QString colourOf(TrafficLine::Kind kind)

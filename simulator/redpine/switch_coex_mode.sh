@@ -1,14 +1,16 @@
 #!/bin/sh
-# Switches the simulated Wi-Fi module: 0 nothing, 1 station, 2 access point. The access point is an
-# interface "wifi_ap" with hostapd and dhcpd on it; every other mode removes it.
+# usage: switch_coex_mode.sh MODE
+# Switches the simulated Wi-Fi module to a mode: 0 Ethernet only, 1 station, 2 access point. Mode 2 creates
+# the interface "wifi_ap" and starts hostapd and dhcpd on it; every other mode removes the interface and
+# ends the two programs.
 #
-# It logs "start MODE" and "end MODE" in /run/strandel-redpine/log. Files beside the log change the
-# script's behaviour:
-#   hold          a FIFO: waits until a line is written to it
-#   delay         takes this many seconds longer
-#   fail          exits with this status and switches nothing
+# The script logs "start MODE" and "end MODE" in /run/strandel-redpine/log. Files beside the log change
+# the script's behaviour:
+#   hold          a FIFO: the script waits until a line is written to it
+#   delay         a number: the script waits this many seconds
+#   fail          a status: the script exits with this status and switches nothing
 #   no-interface  no-carrier  no-hostapd  no-dhcpd
-#                 leaves that part of the access point out
+#                 the script leaves that part of the access point out
 set -u
 mode=${1:-}
 directory=/run/strandel-redpine

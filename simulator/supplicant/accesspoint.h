@@ -6,7 +6,7 @@
 #include <QString>
 #include <QVariantMap>
 
-/** An access point in the air. */
+/** A simulated access point. */
 struct AccessPoint {
     QByteArray ssid;
     /** The signal strength in dBm. */
@@ -36,7 +36,8 @@ using AccessPoints = QMap<QString, AccessPoint>;
 AccessPoint accessPointFrom(const QMap<QString, QByteArray> &files, const AccessPoint &before);
 
 /**
- * Returns the supplicant's properties of @p accessPoint; without its name if @p isNamed is false.
+ * Returns the properties of @p accessPoint on wpa_supplicant's interface BSS. The SSID is empty if
+ * @p isNamed is false. The hardware address depends on @p directory only.
  */
 QVariantMap bssProperties(const QString &directory, const AccessPoint &accessPoint, bool isNamed);
 

@@ -10,15 +10,15 @@
  * The access points around the instrument: one directory for each, with a small text file for each
  * property. The files can be changed at any time.
  *
- * The environment variable STRANDEL_AIR names the directory that contains those of the access
- * points; the default is /run/strandel-air.
+ * The environment variable STRANDEL_AIR names the parent of these directories; the default is
+ * /run/strandel-air.
  */
 class Air : public QObject
 {
     Q_OBJECT
 
 public:
-    /** Creates the directory with several access points unless it exists. */
+    /** Creates the parent directory with several access points unless it exists. */
     Air();
 
     /** Returns the current access points. */

@@ -6,8 +6,9 @@
 #include <QStringList>
 
 /**
- * Returns the access point that a station with these network settings chooses: the strongest one in
- * range with this name and security. Empty if there is none.
+ * Returns the directory name of the access point that a station chooses for @p network, the
+ * settings of a wpa_supplicant network: the strongest access point in range with the network's SSID
+ * and security. Returns an empty name if there is none.
  */
 QString chooseAccessPoint(const AccessPoints &air, const QVariantMap &network);
 

@@ -5,7 +5,7 @@
 
 #include <QDBusVirtualObject>
 
-/** The supplicant's objects on the bus. */
+/** Serves the D-Bus objects of the stand-in for wpa_supplicant. */
 class BusFace : public QDBusVirtualObject
 {
     Q_OBJECT

@@ -41,7 +41,10 @@ ScanResults::Difference ScanResults::update(const AccessPoints &air,
     return difference;
 }
 
-/** Adds a result to @p results: the previous result of the same access point, or a new one. */
+/**
+ * Adds @p result to @p results. If the previous scan had the same result, except for its signal
+ * strength, the result keeps its path; otherwise it gets a new path.
+ */
 void ScanResults::find(const Result &result, QList<Result> &results, Difference &difference)
 {
     Result found = result;

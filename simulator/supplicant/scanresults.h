@@ -14,7 +14,7 @@ public:
         QString directory;
         /**
          * True if the result has the name of the access point. A hidden access point has a result
-         * without its name. It has a second one, with its name, if a client has asked for the name.
+         * without a name. If a client has asked for its name, it also has a result with the name.
          */
         bool isNamed;
         QDBusObjectPath path;
@@ -39,7 +39,10 @@ public:
 
     QList<QDBusObjectPath> paths() const;
 
-    /** Returns the object of that access point's result with a name; "/" if there is none. */
+    /**
+     * Returns the path of the result that has the name of the access point in @p directory; "/" if
+     * there is none.
+     */
     QDBusObjectPath pathOf(const QString &directory) const;
 
     /** Returns the properties of the result at @p path; empty if there is none. */

@@ -10,7 +10,7 @@
 
 class Air;
 
-/** A network interface of the supplicant: it scans and joins networks. */
+/** A Wi-Fi interface that the stand-in for wpa_supplicant controls: scans and joins networks. */
 class Station : public QObject
 {
     Q_OBJECT
@@ -26,7 +26,7 @@ public:
     /** Returns the properties of the scan result at @p path; empty if there is none. */
     QVariantMap resultProperties(const QString &path) const { return m_results.properties(path); }
 
-    /** Carries out and answers a call of the interface's object. */
+    /** Carries out and answers a call to the D-Bus object of this interface. */
     void receive(const QDBusMessage &call);
 
 private:

@@ -8,7 +8,10 @@
 
 #include <memory>
 
-/** The supplicant's main object. Like the instrument, it has at most one network interface. */
+/**
+ * The main object of the stand-in for wpa_supplicant. It controls at most one network interface,
+ * because the instrument has only one Wi-Fi interface.
+ */
 class Supplicant
 {
 public:

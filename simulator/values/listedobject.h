@@ -19,7 +19,8 @@ QDBusArgument &operator<<(QDBusArgument &argument, const ListedObject &object);
 const QDBusArgument &operator>>(const QDBusArgument &argument, ListedObject &object);
 
 /**
- * Registers lists of ListedObject with Qt D-Bus. Call this function before sending or reading one.
+ * Registers lists of ListedObject with Qt D-Bus. Call this function before sending or reading such
+ * a list.
  */
 void registerListedObjects();
 

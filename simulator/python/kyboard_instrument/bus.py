@@ -15,7 +15,7 @@ ANSWER_SECONDS = 25
 class CallError(Exception):
     """The D-Bus error that a call returned: name and message are those of docs/dbus-api.md.
 
-    short_name is the name; one of the daemon's own lacks the prefix
+    short_name is the name without the prefix of the daemon's own errors,
     "com.orvendis.Strandel.BoardManager.Error.".
     """
 
@@ -37,10 +37,10 @@ def named_errors():
 
 
 def connect(path):
-    """Connects to the bus at the socket, as the root of its world.
+    """Connects to the bus of an instrument, at the socket path, as the root user of its world.
 
-    An ordinary user is root only in the world. Gio would authenticate with the user's ID
-    outside, which the bus in the world rejects.
+    An ordinary user who runs the tests is root only in that world. Gio would authenticate with
+    the user's ID outside the world, and the bus would reject that ID.
     """
     with socket.socket(socket.AF_UNIX) as end:
         end.settimeout(ANSWER_SECONDS)
@@ -60,8 +60,8 @@ def connect(path):
 
 
 def variant(value):
-    """Converts to a value of an a{sv}: text s, boolean b, number i (u from 2147483648 on), bytes ay,
-    list av."""
+    """Packs a Python value for a map of type a{sv}: str as s, bool as b, int as i (from 2147483648 on
+    as u), bytes as ay, list as av."""
     if isinstance(value, GLib.Variant):
         return value
     if isinstance(value, bool):
@@ -76,7 +76,8 @@ def variant(value):
 
 
 def argument(signature, value):
-    """Converts an argument to the value that GLib.Variant packs by the signature."""
+    """Prepares an argument of a call for GLib.Variant: packs the values of an a{sv}, and returns any
+    other argument unchanged."""
     if signature == "a{sv}":
         return {key: variant(one) for key, one in value.items()}
     return value
@@ -124,9 +125,9 @@ class Signals:
         return list(self._values)
 
     def wait(self, matches=lambda *values: True, timeout=30):
-        """Waits for the next signal whose values match.
+        """Waits for the next signal for which matches(*values) is true.
 
-        Returns its values. Raises TimeoutError after timeout seconds, with the signals that
+        Returns these values. Raises TimeoutError after timeout seconds, with the signals that
         arrived.
         """
         def look():

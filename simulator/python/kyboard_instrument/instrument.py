@@ -11,7 +11,7 @@ import tempfile
 from . import bus
 from .hardware import Board, Cable, Card, Files
 
-# In a source tree the command builds before it starts.
+# In a source tree, the command builds the instrument before it starts the instrument.
 START_SECONDS = 600
 END_SECONDS = 30
 COMMAND_SECONDS = 60
