@@ -17,7 +17,7 @@ constexpr char devicePath[] = "/KyDeviceMgr";
 enum ExitStatus {
     Success = 0,
     DaemonError = 1,     ///< the daemon or the bus replied with an error
-    BadUsage = 2,        ///< wrong command line, or a wrong file in it; nothing was sent
+    BadUsage = 2,        ///< the command line, or a file that it names, is wrong; nothing was sent
     DaemonAway = 3,      ///< no bus, or the daemon is not on it
     InterfaceAbsent = 4, ///< this model has no such interface
     OutcomeFailed = 5,   ///< the operation failed

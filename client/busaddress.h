@@ -4,8 +4,8 @@
 #include <QString>
 
 /**
- * Returns the D-Bus address of the system bus of @p host. As in systemd's own tools, ssh runs
- * systemd-stdio-bridge on that machine, whose stdin and stdout carry the messages.
+ * Returns the D-Bus address of the system bus of @p host. Messages go through ssh, which runs
+ * systemd-stdio-bridge on that machine, as systemd's own tools do.
  *
  * @param host HOST or USER@HOST, as for ssh; ssh never parses @p host as an option
  */

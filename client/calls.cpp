@@ -18,7 +18,7 @@ bool isNothing(const Command &command, const Answer &answer)
                                           (command.needsAddress && !isConnected(command)));
 }
 
-/** Returns @p values with @p instead in place of each secret. */
+/** Returns @p values. Replaces each secret by @p instead. */
 QVariantList withoutSecrets(const Command &command, const QVariantList &values,
                             const QVariant &instead)
 {

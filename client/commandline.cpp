@@ -32,8 +32,8 @@ bool parseInteger(const Argument &argument, const QString &word, QVariant &value
 }
 
 /**
- * Returns in @p text the numbers in @p word, or, for @FILE, the content of the file. Returns false
- * if the file cannot be read.
+ * Sets @p text to @p word. If @p word is an at sign and the name of a file, sets @p text to the
+ * content of the file instead. Returns false if the file cannot be read.
  */
 bool readNumbers(const QString &word, QString &text)
 {

@@ -94,7 +94,10 @@ QStringList withoutOptions(const QStringList &words)
     return rest;
 }
 
-/** Returns the words and values of @p command that can follow the words @p before. */
+/**
+ * Returns the next word of the name of @p command after the words in @p before. After the whole
+ * name, returns the possible values of the next argument.
+ */
 QStringList candidatesAfter(const QStringList &before, const Command &command)
 {
     const QStringList name = wordsOf(command);

@@ -72,7 +72,7 @@ struct Question {
     const char *key;
     const char *path;
     const char *interface;
-    const char *method; ///< null: the property of the next column
+    const char *method; ///< null: the query reads a property instead
     const char *property;
     const char *argument; ///< null: none
     QString (*text)(const QVariant &value, const QString &unit);
@@ -192,7 +192,7 @@ QString InstrumentView::text() const
         // without a screen.
         if (answer.status == InterfaceAbsent)
             continue;
-        // The station may have left the network since the query.
+        // The daemon also returns the strength of a network that the station has left.
         if (question.text == strengthText && answer.isGood() && !isJoined)
             answer.values = {QVariantMap()};
         if (question.text == ipv4Text)

@@ -17,7 +17,7 @@ public:
     /** The error in the options; empty if there is none. */
     QString complaint() const { return m_complaint; }
 
-    /** The error in the options for @p command; empty if there is none. */
+    /** The error about an option that does not apply to @p command; empty if all apply. */
     QString misplaced(const Command &command) const;
 
     /** The command and its arguments. */

@@ -10,8 +10,9 @@
 /**
  * Breaks the lines of @p text at blanks so that they fit @p width.
  *
- * A continuation line starts below the text after the first gap of two blanks, or is indented by
- * four. If @p width is below 20, returns @p text unchanged.
+ * Indents the continuation of a line to the second column: the text after the line's first gap of
+ * at least two blanks. Indents by four if the line has no such gap, or has it in the right half of
+ * @p width. If @p width is below 20, returns @p text unchanged.
  */
 QString wrapped(const QString &text, int width);
 

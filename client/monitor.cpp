@@ -19,7 +19,7 @@
 
 namespace
 {
-/** The arguments of signals that have a unit. */
+/** The units of signal arguments. */
 const struct {
     const char *signal;
     int place;

@@ -10,8 +10,8 @@
  * records.
  *
  * Each record is an object with all fields of the record, named as on the bus, and with the CRC
- * that the EEPROM holds. Numbers are numbers; bytes are text with one character for each byte, in
- * the full width of the field.
+ * that the EEPROM holds. Numbers are JSON numbers; bytes are text with one character for each byte,
+ * in the full width of the field.
  */
 
 /** Both records; the values of their fields can be sent to the daemon unchanged. */

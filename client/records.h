@@ -11,7 +11,7 @@
  * Copies both identification records into a file that only its owner can read.
  *
  * Never replaces an existing file. Checks that the file can be written before it makes a call.
- * Creates the file only when it has both records.
+ * Creates the file only after both records have been read.
  */
 ExitStatus dumpRecords(const Command &command, const Invocation &invocation,
                        const QVariantList &arguments);

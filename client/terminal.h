@@ -28,7 +28,7 @@ void drawScreen(const QString &text);
 
 void giveScreenBack();
 
-/** Returns true if everything printed has been written. */
+/** Returns true if no write to stdout has failed. */
 bool isAllPrinted();
 
 /** Makes further calls of complain() print the details. */

@@ -18,7 +18,9 @@ bool isNetworkName(const QString &text);
 
 /**
  * Returns true if @p text can be the name of a network to join: 1 to 32 characters, no controls.
- * ConnMan shows each byte of an SSID that is not UTF-8 as one character of several bytes.
+ *
+ * An SSID has at most 32 bytes, its name in ConnMan may have more: ConnMan replaces each byte that
+ * is not valid UTF-8 by a character of three bytes.
  */
 bool isListedNetworkName(const QString &text);
 
