@@ -11,6 +11,7 @@ struct ClientResult {
     /** -1 if it did not end in time. */
     int status;
     QString output;
+    /** What kyboardctl wrote to stderr. */
     QString complaint;
 };
 
@@ -23,7 +24,7 @@ struct ClientResult {
 ClientResult runClient(const QStringList &arguments, const QByteArray &input = {},
                        const QStringList &environment = {});
 
-/** Starts kyboardctl in @p client with its complete standard input. */
+/** Starts kyboardctl in @p client; @p input is its complete standard input. */
 void startClient(QProcess &client, const QStringList &arguments, const QByteArray &input = {},
                  const QStringList &environment = {});
 

@@ -44,8 +44,8 @@ void TestKyboardctlBus::cleanup()
 
 ClientResult TestKyboardctlBus::runAs(const char *user, const QStringList &words)
 {
-    // Other users may have no access to the tree. An instrumented program would complain that it
-    // cannot write its counters there.
+    // Run a copy: other users may have no access to the source tree. GCOV_PREFIX makes a program
+    // that was built for coverage write its counters to /tmp, too.
     const QString copy = "/tmp/kyboardctl";
     QFile::remove(copy);
     QFile::copy(QStandardPaths::findExecutable("kyboardctl"), copy);

@@ -195,7 +195,7 @@ void TestKyboardctlLive::monitorEndsWhenTheBusEnds()
     QCOMPARE(result.status, 3);
 }
 
-/** Qt D-Bus's thread reads messages until it is stopped, after main() has returned. */
+/** Qt D-Bus's thread still reads messages after main() has returned. */
 void TestKyboardctlLive::messagesDuringTheExitAreIgnored()
 {
     QDBusConnection bus = QDBusConnection::systemBus();
@@ -279,7 +279,10 @@ void TestKyboardctlLive::watchSurvivesTheDaemon()
     QTRY_VERIFY_WITH_TIMEOUT(client.shown().count("Revisions") > drawn, deadlineMs);
 }
 
-/** When watch reads the temperatures, the daemon announces those that are too high. */
+/**
+ * When watch reads the temperatures, the daemon announces those that are too high. The
+ * announcement must not make watch read the temperatures again.
+ */
 void TestKyboardctlLive::hotSensorsDoNotKeepWatchBusy()
 {
     QCOMPARE(runClient({"temperature", "threshold", "SOM", "1"}).status, 0);

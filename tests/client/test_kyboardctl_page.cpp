@@ -27,7 +27,10 @@ private:
     static QString sentence(const QString &help);
     void read(const QString &line);
 
-    /** By section: "HEADING: text", followed by " | HEADING: text" of each argument. */
+    /**
+     * The entries of each section. An entry is "HEADING: text"; each argument of a command adds
+     * " | HEADING: text".
+     */
     QMap<QString, QStringList> entries;
     QStringList examples;
     QString section;

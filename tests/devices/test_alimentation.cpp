@@ -400,7 +400,7 @@ void TestAlimentation::aNewStatusIsAnnouncedBeforeItIsReturned()
 
 void TestAlimentation::theCheckRunsElevenTimesEveryTenSecondsAndThenEveryFiveMinutes()
 {
-    // Clients may find this key in the file, but the daemon does not read it.
+    // A settings file may contain this key, but the daemon does not read the key.
     writeFile("/opt/settings.ini", "[Alimentation]\nintervalBattery=1\n");
     setBattery(0, 1, 0, "50");
     daemon.controlClock();
@@ -458,7 +458,8 @@ void TestAlimentation::eachCheckAnnouncesTheStatusOnce()
     daemon.letTimePass(10);
     QCOMPARE(recorder.waitFor(1), QStringList(announced("CHARGER_OFF_BAT_INF_60")));
 
-    // The check itself reports to the monitor, so the measurement sees no change of the charger.
+    // The check stores the charger's new state before it reads the status. The daemon therefore
+    // announces the status for the check, but not once more for the changed charger.
     Board::set("charger/present", "1");
     Board::clearJournal();
     daemon.letTimePass(10);

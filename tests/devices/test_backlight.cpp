@@ -620,8 +620,8 @@ void TestBacklight::aFailedSecondReadingOfTheLightKeepsTheBacklight()
     QCOMPARE(set(true, 0), done);
     SignalRecorder recorder("/KyDeviceMgr");
     Board::clearJournal();
-    // Two reads fail: the one for the brightness, which then counts as level 1, and the one for the
-    // backlight.
+    // Two reads of the light fail. After the first, the daemon announces level 1; the second would
+    // determine the new backlight.
     Board::fault("KyAls.readLux", "2");
 
     Board::set("als/interrupt", "1");

@@ -355,7 +355,7 @@ void TestBoardSensor::lightThatIsBackInsideDoesNotInterruptAgain()
     QCOMPARE(lux(), 120.0F);
     QVERIFY(acknowledge());
 
-    // Twice the sensor's own persistence time.
+    // Twice the persistence time that the test set.
     QVERIFY(!isUrgent(m_line, 200));
 }
 
@@ -460,7 +460,8 @@ void TestBoardSensor::nonsenseDoesNotInterruptAndLaterValuesDo()
 
 void TestBoardSensor::aRecreatedDirectoryIsWatchedAgain()
 {
-    // The sensor's thread reads the files when one is removed, and a read creates a missing file.
+    // The sensor's thread reads the files when one is removed, and a read creates a missing file:
+    // repeat the removal until it succeeds.
     QTRY_VERIFY_WITH_TIMEOUT(QDir(Board::pathOf("als")).removeRecursively(), deadlineMs);
     QCOMPARE(lux(), 120.0F);
     Board::set("als/threshold_high", "101");

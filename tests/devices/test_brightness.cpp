@@ -70,7 +70,7 @@ void setLux(const QString &lux)
     Board::set(QStringLiteral("als/lux"), lux);
 }
 
-/** Returns true if the light's code is within the sensor's thresholds. */
+/** Returns true if the sensor's code of @p lux is within the sensor's thresholds. */
 bool isWithinBand(const QString &lux)
 {
     const int code = board::thresholdCode(lux.toFloat());

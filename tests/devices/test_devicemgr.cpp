@@ -243,7 +243,8 @@ void TestDeviceMgr::theHardwareIsInitialisedInOrder()
 
 void TestDeviceMgr::theNameIsClaimedAfterAllHardwareIsInitialised()
 {
-    // This is the last but one call of the start.
+    // Delay the last but one call of the start: if the daemon claimed its name too early, the
+    // journal of that moment would lack the last two calls.
     Board::fault("KyFaccess.isMounted", "delay 300");
     QStringList journal;
     QDBusServiceWatcher watcher("com.orvendis.Strandel.BoardManager", QDBusConnection::systemBus(),

@@ -502,8 +502,8 @@ void TestStorage::theKernelsOwnEventsAreAnnounced()
     QVERIFY(startListening());
     SignalRecorder recorder("/KyDeviceMgr");
 
-    // The kernel sends the same kind of event for a network interface with this name: one for the
-    // interface, and one for each of its two queues.
+    // For a network interface with this name, the kernel sends events like those of a storage
+    // device: one for the interface, and one for each of its two queues.
     QVERIFY(run("ip", {"link", "add", name, "numtxqueues", "1", "numrxqueues", "1", "type", "veth",
                        "peer", "name", "other"}));
     QCOMPARE(recorder.waitFor(3 * added.size()), added + added + added);

@@ -212,13 +212,13 @@ QString TestEeprom::set(const QString &method, const QString &values)
     return wire.call(service, "/KyDeviceMgr", service + ".Version", method, values);
 }
 
-/** The record that @p method returns, with compounds as Qt D-Bus delivers them. */
+/** The record that @p method returns. */
 QVariantMap TestEeprom::recordOf(const QString &method)
 {
     return qdbus_cast<QVariantMap>(version.reply(method).arguments().value(0));
 }
 
-/** Calls @p method, which can lift the write protection, but not restore it. */
+/** Calls @p method; the daemon lifts the write protection, but fails to restore it. */
 QString TestEeprom::callWithoutRestore(const QString &method, const QList<QVariant> &arguments)
 {
     QDBusMessage message = QDBusMessage::createMethodCall(
@@ -576,7 +576,7 @@ void TestEeprom::surplusEntriesAreKeptUpTo64KiB()
 void TestEeprom::fieldsAreKeptUpTo64KiB()
 {
     QVERIFY(daemon.start());
-    // 8 bytes for each of the other eleven fields, and for the length of this one.
+    // Subtract 8 bytes for each of the other eleven fields, and 8 for the length of SerialNumber.
     QVariantMap record;
     for (const QString &field : instrumentRecord().keys())
         record[field] = 1;
@@ -657,7 +657,7 @@ void TestEeprom::aStoredRecordDoesNotKeepItsMessageInMemory()
 void TestEeprom::fileDescriptorsAreNotKept()
 {
     QVERIFY(daemon.start());
-    // The start is over by now and has released its memory.
+    // Count the descriptors only when the start is over and the settings are stored.
     QVERIFY(version.call(getInstrument).startsWith('('));
     QTRY_VERIFY_WITH_TIMEOUT(!QFile::exists("/opt/settings.ini.lock"), deadlineMs);
     const int before = daemon.descriptors();
@@ -708,7 +708,7 @@ void TestEeprom::valuesOfTheGreatestDepthOnTheBusAreReturned_data()
     row("dictionaries", "a{y", "}", " 1 7", 30, 2);
 }
 
-/** The map, its entry and its variant use three of 64 levels. */
+/** D-Bus allows 64 levels of nesting; the map, its entry and its variant use three of them. */
 void TestEeprom::valuesOfTheGreatestDepthOnTheBusAreReturned()
 {
     QFETCH(QString, outer);

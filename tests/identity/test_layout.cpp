@@ -18,7 +18,7 @@
 
 /**
  * Everything that must be the same on every machine: the sizes of the hardware libraries' types,
- * the types on the bus, and the bytes of the records. Compared with the same file on every machine.
+ * the types on the bus, and the bytes of the records. Every machine compares them with layout.txt.
  */
 class TestLayout : public QObject
 {

@@ -90,7 +90,7 @@ int TestVersion::peakMemory() const
     return statusOf(daemon.processId(), "VmHWM").toInt();
 }
 
-/** The daemon never allocated memory for endless data. */
+/** Verifies that the daemon never allocated memory for endless data. */
 #define VERIFY_LITTLE_MEMORY()                                                                     \
     do {                                                                                           \
         const int memory = peakMemory();                                                           \

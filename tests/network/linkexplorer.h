@@ -9,14 +9,19 @@
 
 #include <vector>
 
-/** A machine's link, the events that are pending, and the outcomes that clients wait for. */
+/**
+ * A state of the exploration: the machine's link, the pending events, and the outcomes that clients
+ * wait for.
+ */
 struct LinkWorld {
     Link link;
+    /** The machine has started the mode script, and the script has not ended yet. */
     bool isScriptRunning = false;
-    /** The number of scripts that ended less than 2 s ago; more than two make no difference. */
+    /** The number of scripts that ended less than 2 s ago; the count stops at two. */
     int moduleDelays = 0;
-    /** The number of pending checks of the access point; more than two make no difference. */
+    /** The number of pending checks of the access point; the count stops at two. */
     int checks = 0;
+    /** The timer of a disconnect runs. */
     bool isLeavingTimed = false;
     /** ConnMan has not replied to the last Connect. */
     bool isConnectAsked = false;
@@ -35,20 +40,22 @@ struct LinkAct {
     Link link;
 };
 
-/** The effects of an event, for one result of each action that has results. */
+/** The effects of an event, for one combination of the results of the machine's actions. */
 struct LinkOutcome {
     LinkWorld before;
     LinkEvent event;
     /** True if a row of the table applied to the event. */
     bool isDecided = false;
     std::vector<LinkAct> acts;
+    /** The results of these actions, in order. */
     std::vector<LinkEvent> answers;
+    /** The states that the machine entered, but did not announce. */
     QStringList silentStates;
     LinkWorld after;
 
     bool has(LinkAction action) const;
     bool has(LinkEvent answer) const;
-    /** The index of the first @p action; -1 if there is none. */
+    /** The index of the first @p action in acts; -1 if there is none. */
     int indexOf(LinkAction action) const;
     /** Returns true if @p state is announced to clients. */
     bool announces(KyTcpIpState::State state) const;
@@ -63,7 +70,7 @@ struct LinkUse {
 /** The use of each row that applied at least once. */
 using LinkUses = QHash<const LinkRow *, LinkUse>;
 
-/** The kind of a machine; most rules apply to one kind only. */
+/** The kind of a machine; some rules apply to one kind only. */
 enum class LinkKind { Ethernet, Station, AccessPoint };
 
 /**

@@ -8,8 +8,8 @@
 /**
  * A sequence of events, and a machine's reactions.
  *
- * Each line is "event answers | actions | link": the event, the results of the machine's actions
- * in order, its actions, and the link afterwards.
+ * Each line is "event answers | actions | link": the event, the results of the machine's actions,
+ * the actions themselves, and the link afterwards.
  */
 struct LinkStory {
     const char *name;
@@ -19,7 +19,10 @@ struct LinkStory {
 
 extern const std::vector<LinkStory> linkStories;
 
-/** The lines of @p story as @p table produces them, up to the first difference. */
+/**
+ * Plays @p story on @p table. Returns the resulting lines; stops after the first that differs from
+ * the story.
+ */
 QStringList tell(const LinkStory &story, const LinkTable &table);
 
 #endif

@@ -99,7 +99,8 @@ void TestAgentAnswer::thousandsOfOtherFieldsChangeNothing()
 
 void TestAgentAnswer::onlyTwoOfThousandsOfRequestsAreAnswered()
 {
-    // The requests have no sender: without a bus, the agent sends its refusals nowhere.
+    // The agent sends refusals over the system bus. These requests do not come from a bus: give the
+    // agent an address to which it cannot connect.
     qputenv("DBUS_SYSTEM_BUS_ADDRESS", "unix:path=/nonexistent");
     QObject host;
     KyConnmanAgent agent(&host);

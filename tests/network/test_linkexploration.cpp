@@ -10,7 +10,7 @@
 
 #include <algorithm>
 
-/** Every order of events, with every result, of the network interfaces' machines. */
+/** Explores the network interfaces' machines: every order of events, with every result. */
 class TestLinkExploration : public QObject
 {
     Q_OBJECT

@@ -114,7 +114,8 @@ void TestNetworkTimers::theAccessPointIsCheckedAgainAfterThreeSeconds()
     QTRY_VERIFY_WITH_TIMEOUT(readFile(operationalState) != "up\n", deadlineMs);
 
     passTo(3000, {});
-    // The daemon may answer the first call before it handles an expired timer: check again.
+    // The daemon may answer the call that ends passTo() before it handles an expired timer: check
+    // again.
     QCOMPARE(announced(), QStringList());
     script.setCarrier(true);
     QTRY_COMPARE_WITH_TIMEOUT(readFile(operationalState), QByteArray("up\n"), deadlineMs);

@@ -42,7 +42,7 @@ public Q_SLOTS:
     void Release() {}
 };
 
-/** Wi-Fi without a radio: the real ConnMan treats the interface as wireless. */
+/** The real ConnMan with the stand-in for its Wi-Fi supplicant; without the daemon or a radio. */
 class TestRealWifi : public QObject
 {
     Q_OBJECT

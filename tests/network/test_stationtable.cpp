@@ -78,7 +78,7 @@ void TestStationTable::aStateFollowsFromBothStates()
     const LinkStep step = next(stationTable, connecting(state), requestedEvent(serviceState));
 
     QTEST(int(step.link.state), "expected");
-    // An attempt ends when its service is online; all other attempts are evaluated again.
+    // Only an "online" service ends the attempt.
     QCOMPARE(step.link.operation == LinkOperation::None, serviceState == "online");
 }
 
@@ -113,7 +113,7 @@ void TestStationTable::anUndecidedAttemptFailsAtTimeout()
     QFETCH(int, state);
     QFETCH(QString, serviceState);
     QFETCH(bool, fails);
-    // The evaluation of an "online" service has ended the attempt.
+    // Evaluate the service first: an "online" service ends the attempt before the timeout.
     Link link = next(stationTable, connecting(state), requestedEvent(serviceState)).link;
     link.state = State(state);
 

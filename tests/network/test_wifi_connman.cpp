@@ -59,7 +59,7 @@ private:
     SupplicantStandIn supplicant;
     SimulatedModeScript script;
     QScopedPointer<SignalRecorder> recorder;
-    /** The announcements since the last call, and how many of them have been consumed. */
+    /** The announcements that waitForState() has received, but not consumed yet. */
     QStringList signalsSeen;
 };
 

@@ -80,8 +80,7 @@ QString TestWifiAp::start(const QVariantMap &parameters)
 }
 
 /**
- * Starts the daemon, and the access point until it is in state @p name; discards the calls and
- * signals so far.
+ * Starts the daemon and brings the access point into state @p name. Discards the signals so far.
  */
 void TestWifiAp::reach(const QString &name)
 {

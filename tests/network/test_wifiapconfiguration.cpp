@@ -265,7 +265,9 @@ void TestWifiApConfiguration::aControlCharacterIsRefused_data()
     }
 }
 
-/** A line feed in a parameter could add a line to the configuration of hostapd, a root process. */
+/**
+ * A line feed in a parameter could add any line to hostapd's configuration; hostapd runs as root.
+ */
 void TestWifiApConfiguration::aControlCharacterIsRefused()
 {
     QFETCH(QString, key);

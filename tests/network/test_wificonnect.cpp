@@ -592,10 +592,7 @@ void TestWifiConnect::aStrengthInANestedVariantIsPassedOnAsANumber()
              QStringList{"WIFI.propertyChanged(\"" + lab + "\", \"Strength\", <y:41>)"});
 }
 
-/**
- * The announcement names the service whose signals the daemon follows, although the last search of
- * the list did not find it.
- */
+/** The daemon follows the signals of its service even when ConnMan no longer lists the service. */
 void TestWifiConnect::aStrengthIsAnnouncedForTheCurrentServiceEvenIfUnlisted()
 {
     reach("configuration");

@@ -167,7 +167,10 @@ QDBusConnection connectAs(const char *user)
     return bus;
 }
 
-/** Returns "refused" if the bus refuses @p call of @p user, "no reply", or "through". */
+/**
+ * Returns "refused" if the bus refuses @p call of @p user, "no reply" if nobody replies, and
+ * "through" after any other reply.
+ */
 QString fate(const char *user, const QDBusMessage &call)
 {
     QDBusConnection bus(user);
@@ -431,8 +434,8 @@ void TestPolicy::everyMemberAdmitsOnlyItsCallers_data()
 }
 
 /**
- * The rules ignore arguments: the calls have invalid ones, so that they have no effect when they
- * get through.
+ * The policy's rules do not look at arguments. All calls have invalid arguments: a call that the
+ * bus lets through then has no effect.
  */
 void TestPolicy::everyMemberAdmitsOnlyItsCallers()
 {

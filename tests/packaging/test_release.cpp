@@ -7,10 +7,7 @@
 #include <QTemporaryDir>
 #include <QTest>
 
-/**
- * debian/changelog, and tools/release: it changes a copy of the tree's files and calls a fake
- * ./test.
- */
+/** debian/changelog, and tools/release in a copy of the tree's files, with a fake ./test. */
 class TestRelease : public QObject
 {
     Q_OBJECT

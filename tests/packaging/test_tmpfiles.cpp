@@ -36,7 +36,7 @@ void TestTmpfiles::init()
     removePath(profiles);
 }
 
-/** Ignores the exit status of systemd-tmpfiles, which covers the entry of the trace, too. */
+/** Ignores the exit status: it also depends on the trace's entry, which is not tested here. */
 void TestTmpfiles::create()
 {
     QProcess::execute(QStringLiteral("systemd-tmpfiles"), {"--create", QStringLiteral(TMPFILES)});

@@ -223,7 +223,7 @@ void TestPanelWindow::aFaultIsChosenFromTheMenu()
     QVERIFY(click(choices, {20, 10}));
     QVERIFY2(says("always\nfailed\n"), said);
 
-    // Away from everything that has a tooltip, which is a window, too.
+    // Move the mouse away from everything that has a tooltip: a tooltip is a window, too.
     xdotool({"mousemove", "--window", window, "5", "5"});
     // The first entry removes all faults.
     QTRY_COMPARE_WITH_TIMEOUT(visibleWindows(), QStringList{window}, deadlineMs);
@@ -249,7 +249,8 @@ void TestPanelWindow::anOrdinaryUserOpensAWindow()
     QStringList options = command({"--handle", directory.path() + "/handle", "--panel"});
     QStringList program{RUN};
     if (::geteuid() == 0) {
-        // The user can read neither our key nor, perhaps, the directories above this tree.
+        // Start the panel as the user nobody. That user gets the key below, and finds the tree at
+        // /srv: the directories above the tree can be root's alone.
         options.replaceInStrings(TREE "/", "/srv/");
         program =
             QStringList{"unshare",
@@ -385,8 +386,8 @@ int TestPanelWindow::largestDifference(const QImage &one, const QImage &other)
 }
 
 /**
- * The rectangle of a text in the drawing. Its width is a guess, but wide enough to tell the texts
- * that this element can show apart.
+ * The rectangle of a text in the drawing. Its width is a guess, but wide enough to distinguish the
+ * texts that this element can show.
  */
 QRect TestPanelWindow::placeOfText(const QString &element)
 {

@@ -209,7 +209,7 @@ bool needsNoBoard(const Row &row)
         .contains(row.operation);
 }
 
-/** The role of another process, which this program takes on request. */
+/** Runs in a second process of this program, started with "--role ROLE"; uses the board. */
 int play(const QString &role)
 {
     if (role == QLatin1String("announce")) {
@@ -250,7 +250,7 @@ public:
         return messages;
     }
 
-    /** The headers since the last call that add or remove @p name. */
+    /** The message headers since the last call that announce that @p name was added or removed. */
     QStringList take(const QString &name) const
     {
         QStringList headers;

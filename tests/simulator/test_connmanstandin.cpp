@@ -496,7 +496,7 @@ void TestConnmanStandIn::startLively()
     manager.call("RegisterAgent", {QVariant::fromValue(QDBusObjectPath("/agent"))});
 }
 
-/** Returns the answer to Connect. Does not block the thread, on which the agent runs, too. */
+/** Calls Connect; returns the answer. Runs the event loop meanwhile: the agent needs it. */
 QString TestConnmanStandIn::joinHome()
 {
     const QDBusPendingReply<> call = callLater(home, "net.connman.Service", "Connect");

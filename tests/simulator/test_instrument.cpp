@@ -111,7 +111,10 @@ void TestInstrument::theDaemonGoesAwayAndComesBack()
     QVERIFY(printed.contains("usage: daemon COMMAND"));
 }
 
-/** The launcher of a crashed daemon ends later than the daemon, perhaps after the next start. */
+/**
+ * After a crash, the function launch() of simulator/daemon still runs for a moment, and then
+ * removes the PID file. It must not remove the PID file of the next daemon.
+ */
 void TestInstrument::aCrashedDaemonIsStartedAgain()
 {
     QCOMPARE(

@@ -13,7 +13,7 @@
 
 #include <csignal>
 
-/** The private world, from outside. */
+/** simulator/world runs a command isolated from the machine: in a private world. */
 class TestWorld : public QObject
 {
     Q_OBJECT

@@ -41,14 +41,15 @@ public:
     static QList<double> times(const QString &call);
 
     /**
-     * Waits until a file has @p value, or until the journal has @p line; returns false after 20 s.
+     * Waits until a file has @p value, or until the journal has @p line. Returns false at the
+     * deadline (deadline.h).
      */
     static bool waitFor(const QString &path, const QString &value);
     static bool waitForJournal(const QString &line);
 
     /**
-     * Gives @p operation, for example "KyAls.readLux", a fault, for example "always" or "2 delay
-     * 100".
+     * Makes the library call @p operation, for example "KyAls.readLux", faulty. With the words
+     * "always", every call fails; with "2 delay 100", the next two calls fail after 100 ms.
      */
     static void fault(const QString &operation, const QString &words);
     static void clearFaults();

@@ -46,8 +46,8 @@ public:
     BusMonitor &operator=(const BusMonitor &) = delete;
 
     /**
-     * Returns all messages since the last call, in order, including everything that the daemon did
-     * before it became ready for a further call.
+     * Returns all messages since the last take(), in order, but no introspection calls. First waits
+     * until the daemon has finished the slot that it is running.
      */
     QList<BusMessage> take();
 
@@ -57,7 +57,10 @@ public:
      */
     bool hasSeen(const char *member);
 
-    /** Returns the lines of take() that the daemon sent to @p destination, or broadcast. */
+    /**
+     * Calls take(); returns the lines of the messages that the daemon sent to @p destination. If
+     * @p destination is empty, returns the lines of all messages that the daemon sent.
+     */
     QStringList takeFromDaemon(const QString &destination = QString());
 
 private:

@@ -25,7 +25,7 @@ class DaemonTest : public QObject
 protected:
     Daemon daemon;
 
-    /** The files of one profile folder. */
+    /** The path of the profile folder of @p user. */
     static QString profile(const QString &user);
 
 protected Q_SLOTS:

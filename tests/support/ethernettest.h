@@ -36,10 +36,13 @@ QVariant variant(const QVariant &value);
 /** The announcement of a state. */
 QString state(const char *name, const QString &service = QString());
 
-/** Connects as a client does, and makes ConnMan lead to "association", "ready" or "online". */
+/**
+ * Connects as a client does, and makes the stand-in do what the daemon needs to reach the state
+ * @p name: "association", "ready" or "online".
+ */
 void connectEthernet(const Remote &ethernet, ConnmanStandIn &connman, const QString &name);
 
-/** Adds the column "value" with values of every type that is no map of properties. */
+/** Adds test rows with malformed values in the column "value": none is a map of properties. */
 void addMalformedValues();
 
 /**
@@ -55,8 +58,8 @@ protected:
     void startDaemon();
 
     /**
-     * Like connectEthernet(), until the daemon reaches the state; discards the calls and signals so
-     * far.
+     * Calls connectEthernet() and verifies that the daemon announced the state @p name last.
+     * Discards the calls and signals so far.
      */
     void connectUntil(const QString &name);
 

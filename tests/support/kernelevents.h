@@ -10,13 +10,13 @@ int listeners();
 /** The multicast groups that they listen to, one bit each. */
 unsigned int groups();
 
-/** Waits for this number of listening sockets; returns false after 20 s. */
+/** Waits for this number of listening sockets; returns false at the deadline (deadline.h). */
 bool waitForListeners(int count);
 
 /** The number of events that the kernel could not deliver to the current listeners. */
 int undelivered();
 
-/** Waits until the listeners have read all pending events; returns false after 20 s. */
+/** Waits until the listeners have read all pending events; returns false at the deadline. */
 bool waitForEmptyQueues();
 
 /** Returns true if our programs may set receive buffers of any size. */

@@ -12,9 +12,9 @@ void NetworkTest::init()
     DaemonTest::init();
     script.install();
     connman.start();
-    // Stop the clock. Otherwise a delay could end between two calls of letTimePass(): the daemon
-    // would start pidof, the second call would end its wait for pidof at once, and the daemon would
-    // consider ConnMan absent.
+    // Stop the clock. Otherwise a delay could end between two calls of letTimePass(), and the
+    // daemon would start pidof. The second letTimePass() would end the daemon's wait for pidof at
+    // once, and the daemon would consider ConnMan absent.
     daemon.stopClock();
 }
 
@@ -63,8 +63,8 @@ void NetworkTest::passModuleDelay()
 
 QStringList NetworkTest::announced()
 {
-    // The daemon may answer the first call before it handles an expired timer, but not the call
-    // that take() makes.
+    // The daemon may answer settle() before it handles an expired timer. It handles the timer
+    // before it answers the call that take() makes.
     settle();
     return recorder->take();
 }

@@ -32,18 +32,21 @@ protected:
     void settle();
 
     /**
-     * Waits until the daemon has seen the ends of all but @p running of its scripts, and of the
-     * scripts that it started as a result.
+     * Waits until the daemon has exactly @p running child processes, has handled the ends of all
+     * others, and is not about to start another one.
      */
     void waitForScripts(int running = 0);
 
-    /** Calls waitForScripts(), and lets the module's delay of two seconds pass. */
+    /**
+     * Calls waitForScripts(), and lets the two seconds pass that the daemon gives the Wi-Fi module
+     * after a script.
+     */
     void passModuleDelay();
 
-    /** All announcements since the last call, after settle(). */
+    /** Calls settle(); returns all signals since the last announced(). */
     QStringList announced();
 
-    /** The calls to ConnMan since the last call, without plain queries. */
+    /** ConnMan's journal since the last orders(), without the calls of "Manager.Get...". */
     QStringList orders();
 
     /** A change of the link state, as the recorder formats it. */

@@ -25,7 +25,10 @@
 
 namespace
 {
-/** A file-system call, and the index of the argument that names the file; -1 for none. */
+/**
+ * A file-system call, with the index of its path argument and of its descriptor argument; -1 if the
+ * call has no such argument.
+ */
 struct FileCall {
     long number;
     const char *name;

@@ -18,7 +18,7 @@
 
 namespace
 {
-/** A call; one of its arguments distinguishes it from calls of the same name by other code. */
+/** Lets the system call @ref call fail if its argument number @ref index is @ref argument. */
 struct Refusal {
     const char *name;
     unsigned int call;

@@ -21,7 +21,10 @@ public:
      */
     QStringList take();
 
-    /** The same without calling the daemon, for a daemon that cannot answer. */
+    /**
+     * The signals that have arrived since the last take(); keeps them. Does not call the daemon,
+     * which may be unable to answer.
+     */
     QStringList recorded() const { return m_signals; }
 
     /** Waits for @p count signals or the deadline; then like take(). */

@@ -12,7 +12,10 @@ protected:
     /** Joins a network as a client does, as the user "me" with the passphrase "secret". */
     QString join(const QString &name = QStringLiteral("Lab"));
 
-    /** Lets the script end and the module's delay pass, and the station handle both. */
+    /**
+     * Calls passModuleDelay(), and waits until the daemon has handled the end of this delay for
+     * every station script.
+     */
     void letModuleSwitch();
 
     /** Starts a scan and waits until the module is switched. */

@@ -49,9 +49,9 @@ private:
 bool letDescriptorsThrough();
 
 /**
- * From now on the bus takes messages as large as its own defaults allow, as it would without the
- * limits that come with the daemon. The limits apply to new connections only: call it before the
- * first one. Returns false if the bus rejects the limits.
+ * Lifts the message size limits that come with the daemon; the default limits of the bus then
+ * apply. The bus applies new limits to new connections only: call this function before the first
+ * connection. Returns false if the bus rejects the new limits.
  */
 bool liftBusLimits();
 
