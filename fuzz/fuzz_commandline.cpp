@@ -31,7 +31,7 @@ QString word(Choices &choices, const Command &command)
     return made.contains(QLatin1Char('@')) ? QString() : made;
 }
 
-/** Checks the arguments for hostapd, ConnMan and the records. */
+/** Checks arguments that would go to hostapd, ConnMan or the identification records. */
 void requireSound(const QVariantList &arguments)
 {
     const QVariantMap map = arguments.value(0).toMap();

@@ -12,8 +12,7 @@
  *   SIGUSR1  writes the number of allocated bytes to /run/allocated
  *   SIGUSR2  checks for leaks, reports them, and exits
  *
- * The daemon needs SIGUSR2 because it ends by a signal, and LeakSanitizer does not run after a
- * signal.
+ * LeakSanitizer runs when a program exits, but the daemon is ended by a signal: hence SIGUSR2.
  */
 
 // GCC's sanitizer library exports this function, but no header declares it.

@@ -13,8 +13,8 @@
 #include <string>
 
 /**
- * Sends values through Qt D-Bus within this process, so that readers get them in the same form as
- * the daemon, without a bus.
+ * Sends values through Qt D-Bus within this process, without a bus. A fuzzer thus gets the values
+ * in the form in which the daemon gets them.
  */
 class Peer : public QObject
 {
@@ -35,7 +35,7 @@ public:
     /** Returns up to five values of any types. */
     QVariantList receiveAnything(Choices &choices);
 
-    /** Returns true if Qt D-Bus can send a message with @p values, and its receiver accepts it. */
+    /** Returns true if Qt D-Bus sends a message with @p values, and the receiver accepts it. */
     bool canSend(const QVariantList &values);
 
 private Q_SLOTS:

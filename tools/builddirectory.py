@@ -1,5 +1,5 @@
-"""The compile, link and test commands of the build directory, for scripts that build its programs with
-changes."""
+"""The compile, link and test commands of a build directory, for scripts that test changed copies of its
+programs."""
 
 import json
 import os
@@ -15,7 +15,7 @@ TREE = os.path.dirname(os.path.dirname(os.path.abspath(__file__)))
 
 
 class Build:
-    """The build directory. Never changes it."""
+    """A build directory. This class never changes the directory."""
 
     def __init__(self, directory):
         self.directory = os.path.abspath(directory)
@@ -48,7 +48,8 @@ class Build:
         return library if library in LIBRARIES else None
 
     def compile(self, file, source, compiled, options):
-        """Compiles source with the command for the tree's file, and with additional options."""
+        """Compiles source, a changed copy of the tree's file, with the command for file and with
+        additional options. Returns whether it compiles."""
         command = shlex.split(self.compile_commands[os.path.join(TREE, file)])
         while os.path.basename(command[0]) in ('ccache', 'nice'):
             command.pop(0)
@@ -69,8 +70,8 @@ class Build:
             raise RuntimeError('cannot link ' + target)
 
     def holds_library(self, program, objects=None):
-        """Returns whether a program contains code of the daemon's libraries, or of these objects of
-        them."""
+        """Returns whether a program contains code of the daemon's libraries; with objects, only code
+        of these object files counts."""
         if not os.path.exists(self.path(program)):
             return False
         wanted = set()

@@ -1,6 +1,6 @@
 import QtQuick 2.0
 
-// Shows the charge as the filled part of a battery, and the charger as a frame around it.
+// Shows the charge as the filled part of a battery. A green frame means that a charger is connected.
 Item {
     id: gauge
 

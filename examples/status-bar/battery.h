@@ -5,7 +5,7 @@
 
 /** The meaning of a battery status of the daemon, for example "CHARGER_OFF_BAT_INF_80". */
 struct Battery {
-    /** The highest percentage of the status; -1 if the charge is unknown. */
+    /** The charge is at most this percentage, for example 80; -1 if the charge is unknown. */
     int level = -1;
     bool isChargerThere = false;
 };

@@ -177,7 +177,7 @@ void Instrument::askForProfile()
 void Instrument::askForAddress(Link &link)
 {
     const bool isWifi = &link == &m_wifi;
-    // A link without an address is down.
+    // An address shows that the link is up. Without an address, the link's state is unchanged.
     whenAnswered<QVariantMap>(isWifi ? m_wifiFace.getIPv4() : m_ethernetFace.getIPv4(),
                               [&link](const QVariantMap &ipv4) {
                                   link.takeEvidence(ipv4.contains(address));

@@ -18,8 +18,8 @@
 /**
  * The instrument for QML: the daemon's state as properties with change signals.
  *
- * It never blocks: every reply is handled asynchronously. It may start before or after the daemon,
- * and outlives it. While the daemon is away, all values are unknown, and "available" is false.
+ * Never blocks: every reply is handled asynchronously. The daemon may start later, end and restart.
+ * While the daemon does not run, all values are unknown, and "available" is false.
  */
 class Instrument : public QObject
 {
@@ -30,12 +30,12 @@ class Instrument : public QObject
     Q_PROPERTY(QString problem READ problem NOTIFY problemChanged)
     /** The active profile; empty if unknown. */
     Q_PROPERTY(QString profile READ profile NOTIFY profileChanged)
-    /** The highest percentage that the charge can have; -1 if unknown. */
+    /** The charge is at most this percentage, by the battery status; -1 if unknown. */
     Q_PROPERTY(int batteryLevel READ batteryLevel NOTIFY batteryChanged)
     Q_PROPERTY(bool chargerConnected READ isChargerConnected NOTIFY batteryChanged)
     /**
-     * "mounted", "inserted", "none" or "unknown"; "none" can be a device that was inserted before
-     * our start.
+     * "mounted", "inserted", "none" or "unknown". A device that was already inserted when this
+     * program or the daemon started, but is not mounted, counts as "none".
      */
     Q_PROPERTY(QString sdCard READ sdCard NOTIFY storageChanged)
     Q_PROPERTY(QString usbKey READ usbKey NOTIFY storageChanged)

@@ -7,8 +7,8 @@
 namespace
 {
 /**
- * One in this number of choices of a heavy method is kept; the others are repeated. Heavy methods
- * copy profiles or start scripts, and the daemon waits for them.
+ * A heavy method makes the daemon copy a profile or wait for a script. If a heavy method is chosen,
+ * it is called only once in this number of times; otherwise another method is chosen.
  */
 const std::uint32_t rarity = 20;
 

@@ -25,7 +25,7 @@ public:
     /** Answers the daemon's pending calls, and sends the late replies that are due. */
     void work();
 
-    /** Sends a correct or random signal; or leaves the bus and returns. */
+    /** Sends a correct or random signal, or leaves the bus and joins it again. */
     void act(Choices &choices, const Interfaces &interfaces);
 
     const Connection &connection() const { return *m_connection; }

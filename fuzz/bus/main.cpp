@@ -12,7 +12,7 @@
 #include <map>
 
 /*
- * Sends the daemon invalid calls, while a stand-in for ConnMan misbehaves.
+ * Sends the daemon valid and invalid calls, while a stand-in for ConnMan misbehaves.
  *
  * usage: hostilebus --process PID --calls N [--seed S] [--from N] [--timelapse] [--growth KB]
  *        [--checked]
@@ -26,7 +26,10 @@ using Clock = std::chrono::steady_clock;
 constexpr std::size_t mostAwaited = 24;
 /** The timeout of a call: longer than two timeouts of calls from the daemon to ConnMan. */
 const std::chrono::seconds longestWait(120);
-/** The calls have this number of equal parts; the daemon's footprint is measured after each. */
+/**
+ * The calls are sent in this number of equal parts. After each part, the daemon's memory and file
+ * descriptors are measured.
+ */
 constexpr unsigned int parts = 8;
 /**
  * ConnMan acts unprompted once in this number of calls on average. The client sends a forged
@@ -43,7 +46,7 @@ struct Options {
     bool isTimelapse = false;
     /** True if the daemon reports its allocated memory; see leakcheck.cpp. */
     bool isChecked = false;
-    /** The allowed growth of the daemon in the second half of the calls, in KB. */
+    /** How much the daemon's memory may grow in the second half of the calls, in KB. */
     long growth = 0;
 };
 

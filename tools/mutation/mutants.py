@@ -21,7 +21,7 @@ SWAPPED = {
 }
 OPERATOR = re.compile(r'(?<=[\w)\]\'"}])\s(?:==|!=|<=|>=|<<|>>|<|>|&&|\|\||\+=|-=|[-+*/%&|^])'
                       r'\s(?=[\w(!"\'&*~{-])')
-# Not the index in a sizeof expression.
+# Leaves out the index in "name[0]": in sizeof expressions, its mutants would be equivalent.
 NUMBER = re.compile(r'(?<![\w.])(?<!\w\[(?=0\]))(?:0[xX][0-9a-fA-F]+|\d+)(?![\w.])')
 # Beginnings of statements other than declarations and control flow.
 CALL_STATEMENT = re.compile(r'(?<=[;{}:\n])(?P<blank>\s*\n[ ]+)(?P<call>(?!(?:return|if|else|for|while|'
@@ -32,7 +32,8 @@ SCOPED_NAME = re.compile(r'\b(Error|KyTcpIpState|JoinStep|StorageEvent|KyLED)::(
 
 
 def masked(text):
-    """Returns the text with blank comments and directives and masked literals, at equal length."""
+    """Returns the text with blanks for comments and directives, and with question marks for the content
+    of literals. The length stays the same."""
     def blot(match):
         lexeme = match.group()
         if lexeme[0] in '"\'':
@@ -75,7 +76,8 @@ def call_statements(code):
 
 
 def other_numbers(digits):
-    """Returns the neighbours of a number; of a large one, such as a time or a size, half and double."""
+    """Returns the replacements of a number: its neighbours or, for a large number such as a time or a
+    size, half and double."""
     value = int(digits, 8 if re.fullmatch('0[0-7]+', digits) else 0)
     if value >= 1000 and digits.isdecimal():
         return [value // 2, value * 2]
