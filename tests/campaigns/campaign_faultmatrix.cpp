@@ -573,10 +573,6 @@ void TestFaultMatrix::addEvents()
     m_stimuli << light;
     light.name = "light interrupt in automatic mode";
     light.prepare = [=] { backlight.call("setBacklightStep", {true, 3}); };
-    light.trigger = [] {
-        Board::clearJournal();
-        Board::set("als/lux", "60");
-    };
     m_stimuli << light;
 
     const auto insert = [] { Board::storage("insert", "SD"); };
@@ -806,7 +802,7 @@ void TestFaultMatrix::everyFaultIsSurvived()
         daemon.stop();
         begin(stimulus);
         stimulus.trigger();
-        stimulus.finish();
+        QCOMPARE(stimulus.finish(), reference.reply);
         heal(stimulus);
         QVERIFY2(waitForState(reference.state, state),
                  qPrintable(difference(reference.state, state)));
