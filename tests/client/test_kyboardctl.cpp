@@ -37,7 +37,7 @@ public:
                 m_printed += m_process.readAllStandardOutput();
                 return m_printed.contains(text);
             },
-            20000);
+            deadlineMs);
     }
     QByteArray printed() const { return m_printed; }
 

@@ -108,7 +108,7 @@ void TestKyboardctlLive::numbersInSignalsHaveTheirUnits()
                 return QString::fromUtf8(client.peek(10000))
                     .contains(QRegularExpression(QString::fromUtf8(pattern)));
             },
-            20000);
+            deadlineMs);
     };
     QCOMPARE(runClient({"temperature", "threshold", "SOM", "1"}).status, 0);
     QCOMPARE(runClient({"temperature", "check"}).status, 0);

@@ -743,7 +743,7 @@ void TestPanel::theLogShowsTheBusMessages()
             leds.call("setLEDStatus", {"WPS", "OFF"});
             return QTest::qWaitFor([&] { return log.text().contains("WPS"); }, 200);
         },
-        20000));
+        deadlineMs));
     leds.call("setLEDStatus", {"WIFI", "BRIGHT"});
     QVERIFY(has("call    LED.setLEDStatus(\"WIFI\", \"BRIGHT\")"));
     QVERIFY(has("error   LED.setLEDStatus: com.orvendis.Strandel.BoardManager.Error."));

@@ -1,5 +1,6 @@
 #include "connmansignals.h"
 
+#include "deadline.h"
 #include "remote.h"
 #include "render.h"
 
@@ -35,7 +36,7 @@ bool ConnmanSignals::waitFor(const QString &beginning)
             return std::any_of(m_signals.begin(), m_signals.end(),
                                [&](const QString &signal) { return signal.startsWith(beginning); });
         },
-        20000);
+        deadlineMs);
 }
 
 bool ConnmanSignals::waitForQuiet()

@@ -114,7 +114,8 @@ void Daemon::letMillisecondsPass(int milliseconds)
 bool Daemon::letTimePassUntil(const std::function<bool()> &condition)
 {
     const int call = 25;
-    const QDeadlineTimer deadline(120000);
+    // Longer than the timeout of the calls in condition().
+    const QDeadlineTimer deadline(2 * deadlineMs);
     // The test cannot see when the daemon begins to wait, and time that passes earlier has no
     // effect: advance the clock repeatedly.
     while (!condition()) {

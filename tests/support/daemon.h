@@ -37,7 +37,7 @@ public:
     /**
      * Repeatedly advances the clock by the timeout of a call to a peer until @p condition is true.
      *
-     * @return false if the daemon has ended, or after two minutes
+     * @return false if the daemon has ended, or after twice the deadline (deadline.h)
      */
     [[nodiscard]] bool letTimePassUntil(const std::function<bool()> &condition);
     /** Sets a variable of the daemon's environment, in addition to the test's own. */

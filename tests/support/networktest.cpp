@@ -121,5 +121,5 @@ bool NetworkTest::waitForTrace(const QString &method, int count)
                 found += record.startsWith(method + QLatin1Char(' ')) ? 1 : 0;
             return found >= count;
         },
-        10000);
+        deadlineMs);
 }

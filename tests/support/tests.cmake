@@ -83,9 +83,11 @@ function(add_world_program name)
     endif()
 endfunction()
 
-function(limit_test name)
+# Ends tests that hang, and fails tests that skip a function. The timeout is no bound on speed: a busy
+# machine is slow.
+function(limit_tests)
     math(EXPR timeout "600 * ${timeout_factor}")
-    set_tests_properties(${name} PROPERTIES TIMEOUT ${timeout} FAIL_REGULAR_EXPRESSION "SKIP   :")
+    set_tests_properties(${ARGN} PROPERTIES TIMEOUT ${timeout} FAIL_REGULAR_EXPRESSION "SKIP   :")
 endfunction()
 
 # A test of pure logic: runs directly.
@@ -97,7 +99,7 @@ function(add_pure_test name)
     else()
         add_test(NAME ${name} COMMAND ${name})
     endif()
-    limit_test(${name})
+    limit_tests(${name})
 endfunction()
 
 # A test of behaviour: runs in a private world, where it starts the daemon itself. With PARTS N a
@@ -118,22 +120,19 @@ function(add_world_test name)
     # Run the test in a process group of its own: otherwise all parallel tests of ctest would share one.
     list(PREPEND program setsid)
     set(tests "")
-    set(cost "")
     if(TEST_PARTS)
-        # Start these long tests first, even when ctest has not yet measured any durations.
-        set(cost COST 60)
         foreach(part RANGE 1 ${TEST_PARTS})
             list(APPEND tests ${name}_${part})
             add_test(NAME ${name}_${part}
                 COMMAND ${world} env TEST_PART=${part}/${TEST_PARTS} ${program})
         endforeach()
+        # Start these long tests first, even when ctest has not yet measured any durations.
+        set_tests_properties(${tests} PROPERTIES COST 60)
     else()
         set(tests ${name})
         add_test(NAME ${name} COMMAND ${world} ${program})
     endif()
-    math(EXPR timeout "600 * ${timeout_factor}")
-    set_tests_properties(${tests} PROPERTIES TIMEOUT ${timeout} ${cost}
-        FAIL_REGULAR_EXPRESSION "SKIP   :")
+    limit_tests(${tests})
 endfunction()
 
 # A test of scripts and documents, which are the same on every machine.
@@ -145,32 +144,33 @@ function(add_tool_test name)
         return()
     endif()
     add_test(NAME ${name} COMMAND ${name})
-    limit_test(${name})
+    limit_tests(${name})
 endfunction()
 
 # A campaign. It writes its figures to the file that the variable FIGURES names; ./test prints them.
-# With LONG, it runs only in ./test --long. Under an emulator, the figures would be meaningless.
+# With LONG, it runs only in ./test --long. Under an emulator, the figures would be meaningless. The
+# timeouts only end campaigns that hang.
 function(add_campaign name)
     if(CMAKE_CROSSCOMPILING)
         return()
     endif()
-    cmake_parse_arguments(CAMPAIGN "LONG" "TIMEOUT" "COMMAND" ${ARGN})
+    cmake_parse_arguments(CAMPAIGN "LONG" "" "COMMAND" ${ARGN})
     add_test(NAME ${name} COMMAND ${CAMPAIGN_COMMAND})
     set_tests_properties(${name} PROPERTIES
         ENVIRONMENT FIGURES=${PROJECT_BINARY_DIR}/figures/${name}
         LABELS $<IF:$<BOOL:${CAMPAIGN_LONG}>,long,campaign>
-        TIMEOUT ${CAMPAIGN_TIMEOUT})
+        TIMEOUT $<IF:$<BOOL:${CAMPAIGN_LONG}>,21600,1800>)
 endfunction()
 
 # A campaign in a private world. The world may hide the build directory, so the campaign inherits the
 # open file of its figures.
 function(add_world_campaign name)
-    cmake_parse_arguments(CAMPAIGN "LONG" "TIMEOUT" "COMMAND" ${ARGN})
+    cmake_parse_arguments(CAMPAIGN "LONG" "" "COMMAND" ${ARGN})
     set(long "")
     if(CAMPAIGN_LONG)
         set(long LONG)
     endif()
-    add_campaign(${name} ${long} TIMEOUT ${CAMPAIGN_TIMEOUT}
+    add_campaign(${name} ${long}
         COMMAND sh -c "exec \"$@\" 3>>\"$FIGURES\"" sh ${PROJECT_SOURCE_DIR}/simulator/world
         ${world_options} env FIGURES=/proc/self/fd/3 ${CAMPAIGN_COMMAND})
     if(TEST ${name})
