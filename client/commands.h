@@ -40,7 +40,8 @@ struct Argument {
     bool (*accepts)(const QString &word);
     QString wanted;
     /**
-     * Settings: returns the error in a combination of valid values; null if there is no such check.
+     * Settings: checks a combination of valid values; returns the error, or an empty text if there
+     * is none. If this pointer is null, every combination is valid.
      */
     QString (*disagreement)(const QVariantMap &settings);
 };

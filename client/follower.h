@@ -20,8 +20,9 @@ public:
     explicit Follower(const Command &command);
 
     /**
-     * Returns true if the daemon has announced a state since the construction. Call this function
-     * after the reply to the call that starts the operation.
+     * Returns true if the daemon has announced a state since the construction, or if the operation
+     * has ended, for example because the daemon left the bus. Call this function after the reply to
+     * the call that starts the operation.
      */
     bool hasStarted();
 

@@ -40,7 +40,10 @@ private:
     /** The reply of the device object to a call under a fault. */
     Provocation faulty(const char *operation, const char *interface, const char *method,
                        const QList<QVariant> &arguments = {});
-    /** The reply to the second call, while the script of the first one runs. */
+    /**
+     * Calls the method twice, and returns the second reply. The mode script that the first call
+     * started is still running then.
+     */
     Provocation whileScriptRuns(const Remote &interface, const char *method,
                                 const QList<QVariant> &arguments = {});
     Provocation withoutConnman(const Remote &interface);

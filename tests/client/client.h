@@ -8,10 +8,10 @@
 
 /** The exit status and output of kyboardctl. */
 struct ClientResult {
-    /** -1 if it did not end in time. */
+    /** -1 if kyboardctl did not end in time, or if a signal ended it. */
     int status;
     QString output;
-    /** What kyboardctl wrote to stderr. */
+    /** What kyboardctl wrote to stderr; if the status is -1, the reason. */
     QString complaint;
 };
 

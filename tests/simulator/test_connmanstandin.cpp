@@ -87,12 +87,12 @@ private Q_SLOTS:
     void aConnectionHasOneAgent();
     void connectAnswersAfterTheAgent();
     void connectIsAbortedWhenTheAgentCancels();
-    void theAgentsAnswerIsShown();
-    void withoutAnAgentConnectIsRefused();
+    void callAgentReturnsTheAgentsAnswer();
+    void withoutAnAgentCallAgentIsRefused();
 
     void aLivelyTechnologyBringsItsNetworks();
-    void poweringIsAnsweredBeforeItIsAnnouncedForWifiOnly_data();
-    void poweringIsAnsweredBeforeItIsAnnouncedForWifiOnly();
+    void onlyWifiAnswersAPowerOnBeforeItAnnouncesIt_data();
+    void onlyWifiAnswersAPowerOnBeforeItAnnouncesIt();
     void aLivelyNetworkIsJoined_data();
     void aLivelyNetworkIsJoined();
     void theWrongPassphraseFails();
@@ -455,7 +455,7 @@ void TestConnmanStandIn::connectIsAbortedWhenTheAgentCancels()
     QCOMPARE(call.error().name(), QString("net.connman.Error.OperationAborted"));
 }
 
-void TestConnmanStandIn::theAgentsAnswerIsShown()
+void TestConnmanStandIn::callAgentReturnsTheAgentsAnswer()
 {
     TestAgent agent;
     agent.passphrases << "secret";
@@ -473,13 +473,16 @@ void TestConnmanStandIn::theAgentsAnswerIsShown()
     QCOMPARE(agent.asked, QStringList{QString("(o:\"%1\", {\"Identity\": <5>})").arg(cable)});
 }
 
-void TestConnmanStandIn::withoutAnAgentConnectIsRefused()
+void TestConnmanStandIn::withoutAnAgentCallAgentIsRefused()
 {
     QCOMPARE(standIn.requestInput(cable, {}),
              QString("com.orvendis.Strandel.ConnManStandIn.NoAgent: no agent is registered"));
 }
 
-/** Wi-Fi powered on, with an open network and a protected one. */
+/**
+ * Makes the stand-in lively: from then on it acts like the real ConnMan. Adds an open network and a
+ * protected one, powers Wi-Fi on, and registers the agent.
+ */
 void TestConnmanStandIn::startLively()
 {
     standIn.setLively(true);
@@ -534,7 +537,7 @@ void TestConnmanStandIn::aLivelyTechnologyBringsItsNetworks()
     QCOMPARE(manager.call("GetServices"), QString("([])"));
 }
 
-void TestConnmanStandIn::poweringIsAnsweredBeforeItIsAnnouncedForWifiOnly_data()
+void TestConnmanStandIn::onlyWifiAnswersAPowerOnBeforeItAnnouncesIt_data()
 {
     const QString answer = "return ()";
     const QString announcement = "signal net.connman.Technology.PropertyChanged(sv)";
@@ -545,7 +548,7 @@ void TestConnmanStandIn::poweringIsAnsweredBeforeItIsAnnouncedForWifiOnly_data()
                               << QStringList{announcement, answer};
 }
 
-void TestConnmanStandIn::poweringIsAnsweredBeforeItIsAnnouncedForWifiOnly()
+void TestConnmanStandIn::onlyWifiAnswersAPowerOnBeforeItAnnouncesIt()
 {
     QFETCH(QString, technology);
     QFETCH(QStringList, order);

@@ -1,4 +1,4 @@
-"""The surroundings of the daemon in a virtual instrument: board, cards, cable, access points."""
+"""The surroundings of the daemon in a virtual instrument: board, cards and cable."""
 
 import contextlib
 import os
@@ -56,7 +56,7 @@ class Board(Files):
         try:
             yield
         finally:
-            # A counted fault removes its file after its last failure.
+            # The file is gone if the words were a number of failures, and all of these have happened.
             (self.directory / name).unlink(missing_ok=True)
 
 
