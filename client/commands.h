@@ -16,10 +16,10 @@ enum class Kind {
     Switch,      ///< "on" or "off"; a boolean on the bus
     Hex16,       ///< up to four hexadecimal digits; sent as text
     Bytes,       ///< at most Argument::maximum printable ASCII characters; sent as bytes
-    Numbers,     ///< exactly Argument::maximum integers separated by commas, or @FILE; sent as au
+    Numbers,     ///< exactly Argument::maximum integers: N,N,... or @FILE; sent as an array (au)
     SecretBytes, ///< like Bytes, but read from a prompt or stdin, never from the command line
     Settings,    ///< KEY=VALUE arguments, see Argument::keys
-    Choices,     ///< any number of Argument::choices; a list of texts
+    Choices,     ///< any number of words from Argument::choices; sent as a list of texts
 };
 
 struct Argument {

@@ -26,7 +26,7 @@ public:
      */
     bool hasStarted();
 
-    /** Waits for the outcome, at most @p seconds. Returns the program's exit status. */
+    /** Waits for the outcome, at most @p seconds. Returns the exit status for kyboardctl. */
     ExitStatus wait(int seconds);
 
     /** The announced states, in order. */

@@ -21,7 +21,7 @@ private Q_SLOTS:
 private:
     using Provocation = std::function<QDBusMessage()>;
 
-    /** Keys: interface, member, name and text of the error, separated by blanks. */
+    /** Keys: the interface, the member, the error's name and its text, separated by blanks. */
     QMap<QString, Provocation> provocations();
     void addGeneral(QMap<QString, Provocation> &all);
     void addUsers(QMap<QString, Provocation> &all);
@@ -37,7 +37,7 @@ private:
                              const QList<QVariant> &arguments = {});
     static QDBusMessage property(const char *method, const QList<QVariant> &arguments);
 
-    /** The reply of the device object to a call under a fault. */
+    /** Makes @p operation of the board fail, calls the device object, and returns the reply. */
     Provocation faulty(const char *operation, const char *interface, const char *method,
                        const QList<QVariant> &arguments = {});
     /**

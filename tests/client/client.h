@@ -19,7 +19,7 @@ struct ClientResult {
  * Runs kyboardctl to its end.
  *
  * @param input the complete standard input, which is no terminal
- * @param environment for example "NO_COLOR=1"
+ * @param environment additional environment variables, for example "NO_COLOR=1"
  */
 ClientResult runClient(const QStringList &arguments, const QByteArray &input = {},
                        const QStringList &environment = {});
@@ -28,7 +28,7 @@ ClientResult runClient(const QStringList &arguments, const QByteArray &input = {
 void startClient(QProcess &client, const QStringList &arguments, const QByteArray &input = {},
                  const QStringList &environment = {});
 
-/** Waits for the end of @p client. */
+/** Waits until @p client ends, and returns its result. */
 ClientResult resultOf(QProcess &client);
 
 #endif

@@ -25,8 +25,8 @@ private Q_SLOTS:
     void umountUnmountsAndAnnouncesTheDevice();
     void umountAnnouncesTheDeviceEvenWhenItFails_data();
     void umountAnnouncesTheDeviceEvenWhenItFails();
-    void aFailedUmountSendsErrorThenSignalThenReturn_data();
-    void aFailedUmountSendsErrorThenSignalThenReturn();
+    void aFailedUmountSendsErrorThenSignalsThenReturn_data();
+    void aFailedUmountSendsErrorThenSignalsThenReturn();
     void umountRefusesAnUnknownName_data();
     void umountRefusesAnUnknownName();
     void failingHardwareMeansNotMounted();
@@ -37,7 +37,7 @@ private Q_SLOTS:
     void theSdLedShowsTheStateFromTheStart();
     void theSdLedFollowsTheCard();
 
-    void theListenerJoinsTheGroupOfTheKernelAndOneMore();
+    void theListenerJoinsNetlinkGroups1And5();
     void theListenersThreadBlocksAllSignals();
     void eventsOfTheFirstPartitionsAreAnnounced_data();
     void eventsOfTheFirstPartitionsAreAnnounced();
@@ -238,7 +238,7 @@ void TestStorage::umountAnnouncesTheDeviceEvenWhenItFails()
     QCOMPARE(storage.call("isMounted", {device}), QStringLiteral("(true)"));
 }
 
-void TestStorage::aFailedUmountSendsErrorThenSignalThenReturn_data()
+void TestStorage::aFailedUmountSendsErrorThenSignalsThenReturn_data()
 {
     QTest::addColumn<QString>("device");
     QTest::addColumn<QString>("presence");
@@ -248,7 +248,7 @@ void TestStorage::aFailedUmountSendsErrorThenSignalThenReturn_data()
                          << "usbKeyPresence";
 }
 
-void TestStorage::aFailedUmountSendsErrorThenSignalThenReturn()
+void TestStorage::aFailedUmountSendsErrorThenSignalsThenReturn()
 {
     QFETCH(QString, device);
     QFETCH(QString, presence);
@@ -367,9 +367,10 @@ void TestStorage::theSdLedFollowsTheCard()
              (QStringList{"KyLeds.setLedState(26, 3) = 0", "KyLeds.setLedState(26, 0) = 0"}));
 }
 
-void TestStorage::theListenerJoinsTheGroupOfTheKernelAndOneMore()
+void TestStorage::theListenerJoinsNetlinkGroups1And5()
 {
     QVERIFY(startListening());
+    // A bit for each group. The kernel sends its events to group 1.
     QCOMPARE(KernelEvents::groups(), 0x11U);
 }
 

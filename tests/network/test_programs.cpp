@@ -11,7 +11,7 @@
 #include <csignal>
 #include <malloc.h>
 
-/** Asking pidof for a program. Only the last function uses the real pidof. */
+/** Finding running programs with pidof. Only the last function uses the real pidof. */
 class TestPrograms : public QObject
 {
     Q_OBJECT
@@ -26,7 +26,7 @@ private Q_SLOTS:
     void aProgramCountsAsAbsentWithoutPidof();
     void pidofGetsOnlyTheName();
     void aPidofThatHangsIsKilledAfterASecond();
-    void aMissingPidofLeavesNothingBehind();
+    void aMissingPidofLeaksNoMemory();
     void theRealPidofFindsThisTest();
 
 private:
@@ -107,7 +107,7 @@ void TestPrograms::aPidofThatHangsIsKilledAfterASecond()
     QTRY_VERIFY_WITH_TIMEOUT(::kill(pid, 0) != 0, deadlineMs);
 }
 
-void TestPrograms::aMissingPidofLeavesNothingBehind()
+void TestPrograms::aMissingPidofLeaksNoMemory()
 {
     qputenv("PATH", m_directory->path().toLocal8Bit());
     const auto memoryAfterAsking = [](int times) {

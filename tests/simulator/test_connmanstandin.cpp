@@ -11,7 +11,7 @@
 #include <QDBusPendingCall>
 #include <QDBusPendingReply>
 
-/** An agent of ConnMan in the test itself. */
+/** An agent for ConnMan, in the process of the test. */
 class TestAgent : public QObject
 {
     Q_OBJECT
@@ -24,9 +24,9 @@ public:
                                                     QDBusConnection::ExportAllSlots);
     }
 
-    /** The requests, in order. */
+    /** The received calls, in order. */
     QStringList asked;
-    /** The next replies. When none is left, the agent cancels the request. */
+    /** The passphrases to reply with. If none is left, the reply is the error Canceled. */
     QStringList passphrases;
 
 public Q_SLOTS:
@@ -84,7 +84,7 @@ private Q_SLOTS:
     void aDelayedCallIsServedLater();
     void aHeldCallWaitsForItsRelease();
 
-    void aConnectionHasOneAgent();
+    void aCallerMayRegisterOnlyOneAgent();
     void connectAnswersAfterTheAgent();
     void connectIsAbortedWhenTheAgentCancels();
     void callAgentReturnsTheAgentsAnswer();
@@ -229,7 +229,7 @@ void TestConnmanStandIn::callsAreRefusedAsConnManDoes_data()
     QTest::newRow("no IPv4 settings")
         << cable << "Service"
         << "SetProperty" << QVariantList{"IPv4.Configuration", variant(QVariantMap())} << invalid;
-    QTest::newRow("unknown method")
+    QTest::newRow("unknown IPv4 method")
         << cable << "Service"
         << "SetProperty" << QVariantList{"IPv4.Configuration", variant(badMethod)} << invalid;
     QTest::newRow("bad address") << cable << "Service"
@@ -414,7 +414,7 @@ void TestConnmanStandIn::aHeldCallWaitsForItsRelease()
     QCOMPARE(wired.call("Connect"), QString("()"));
 }
 
-void TestConnmanStandIn::aConnectionHasOneAgent()
+void TestConnmanStandIn::aCallerMayRegisterOnlyOneAgent()
 {
     const QVariant path = QVariant::fromValue(QDBusObjectPath("/agent"));
     QCOMPARE(manager.call("UnregisterAgent", {path}),
@@ -461,7 +461,7 @@ void TestConnmanStandIn::callAgentReturnsTheAgentsAnswer()
     agent.passphrases << "secret";
     manager.call("RegisterAgent", {QVariant::fromValue(QDBusObjectPath("/agent"))});
 
-    // The agent is on this thread, which must not block.
+    // The agent runs in this thread: during a blocking call it could not answer.
     QDBusMessage message = QDBusMessage::createMethodCall(
         "net.connman", "/standin", "com.orvendis.Strandel.ConnManStandIn", "CallAgent");
     message.setArguments({"RequestInput", QVariant::fromValue(QDBusObjectPath(cable)),
@@ -499,7 +499,10 @@ void TestConnmanStandIn::startLively()
     manager.call("RegisterAgent", {QVariant::fromValue(QDBusObjectPath("/agent"))});
 }
 
-/** Calls Connect; returns the answer. Runs the event loop meanwhile: the agent needs it. */
+/**
+ * Calls Connect of the network "home" and returns the reply. Runs the event loop while it
+ * waits, so that the agent can answer.
+ */
 QString TestConnmanStandIn::joinHome()
 {
     const QDBusPendingReply<> call = callLater(home, "net.connman.Service", "Connect");
@@ -508,7 +511,7 @@ QString TestConnmanStandIn::joinHome()
                : "no answer";
 }
 
-/** The properties of @p service in the received signals. */
+/** Returns the arguments of each PropertyChanged signal of @p service, in order. */
 QStringList TestConnmanStandIn::stateOf(const QString &service, const QStringList &heard)
 {
     QStringList states;

@@ -50,18 +50,21 @@ class Board(Files):
 
     @contextlib.contextmanager
     def fault(self, operation, words="always"):
-        """Applies a fault to an operation, such as "KyLeds.setLedState", during "with"."""
+        """Makes an operation, such as "KyLeds.setLedState", fail or misbehave during "with".
+
+        The words are the text of the fault's file.
+        """
         name = f"faults/{operation}"
         self[name] = words
         try:
             yield
         finally:
-            # The file is gone if the words were a number of failures, and all of these have happened.
+            # The words may be the number of calls that fail: the last failure removes the file.
             (self.directory / name).unlink(missing_ok=True)
 
 
 class Card:
-    """The SD card or the USB key, which the test inserts, mounts, unmounts and removes."""
+    """Controls the SD card or the USB key: inserts, mounts, unmounts and removes it."""
 
     def __init__(self, run, device):
         self._run = run
