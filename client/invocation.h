@@ -7,17 +7,17 @@
 #include <QString>
 #include <QStringList>
 
-/** A command line, split into options and words. */
+/** A command line, split into the options and the other words. */
 class Invocation
 {
 public:
     /** @param words the command line without the program's name */
     explicit Invocation(const QStringList &words);
 
-    /** The error in the options; empty if there is none. */
+    /** The first error in the options; empty if there is none. */
     QString complaint() const { return m_complaint; }
 
-    /** The error about an option that does not apply to @p command; empty if all apply. */
+    /** The error if an option does not belong to @p command; empty if all belong to it. */
     QString misplaced(const Command &command) const;
 
     /** The command and its arguments. */
@@ -37,7 +37,7 @@ private:
 
     QString m_complaint;
     QStringList m_words;
-    /** By the option's name, with its dashes. */
+    /** The values of the options by name, such as "--host". */
     QMap<QString, QString> m_values;
 };
 

@@ -6,12 +6,12 @@
 #include <QVariantMap>
 
 /*
- * A copy of both identification records as a JSON file. Pure: records to content, and content to
- * records.
+ * A copy of both identification records as a JSON file. The functions convert the records to the
+ * content of the file, and back; they access neither files nor the bus.
  *
- * Each record is an object with all fields of the record, named as on the bus, and with the CRC
- * that the EEPROM holds. Numbers are JSON numbers; bytes are text with one character for each byte,
- * in the full width of the field.
+ * Each record is an object with all fields of the record, named as on the bus, and with the CRC of
+ * the record as hexadecimal text. A number is a JSON number. A field of bytes is a text with one
+ * character for each byte of the whole field.
  */
 
 /** Both records; the values of their fields can be sent to the daemon unchanged. */
@@ -30,8 +30,9 @@ QByteArray writeRecords(const Records &records, QString &complaint);
 /**
  * Reads the records from a file with that @p content.
  *
- * @return false, with @p complaint, if the file is incomplete or changed: a field is missing,
- *         unknown or has a wrong value, or the record has another CRC
+ * @return false, with the error in @p complaint, if the content is not JSON of this format, if a
+ *         field is missing, unknown or has an invalid value, or if a record's CRC does not match
+ *         its fields
  */
 bool readRecords(const QByteArray &content, Records &records, QString &complaint);
 

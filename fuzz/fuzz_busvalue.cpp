@@ -29,16 +29,16 @@ void checkNumbers(const QVariant &value)
     const int count = toNumbers(value).size();
     const QVariant plain = plainValue(value);
     if (plain.userType() == QMetaType::QByteArray)
-        require(count == plain.toByteArray().size(), "every byte is a number");
+        require(count == plain.toByteArray().size(), "every byte becomes a number");
     if (plain.userType() == QMetaType::QVariantList)
-        require(count == plain.toList().size(), "every element is a number");
+        require(count == plain.toList().size(), "every element becomes a number");
 }
 
 void checkValue(const QVariant &value)
 {
     const QVariant plain = plainValue(value);
     const QString text = render(plain);
-    require(isPlain(plain), "a plain value is plain at every depth");
+    require(isPlain(plain), "a plain value contains no QDBusArgument and no QDBusVariant");
     require(render(plainValue(plain)) == text, "converting a plain value again changes nothing");
     require(render(plainValue(value)) == text, "a value can be read twice");
 
@@ -53,7 +53,7 @@ void checkValue(const QVariant &value)
 }
 } // namespace
 
-/** Values of every type, as clients and ConnMan send them. */
+/** Fuzzes the reading of values of every type that clients and ConnMan can send. */
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t *data, std::size_t size)
 {
     Choices choices(data, size);
@@ -75,7 +75,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t *data, std::size_t size
     const QVariantMap plain = plainMap(sent);
     for (auto entry = plain.constBegin(); entry != plain.constEnd(); ++entry)
         require(render(entry.value()) == render(plainValue(sent.value(entry.key()))),
-                "of several entries of a key the last counts");
+                "if a key occurs several times, its last entry counts");
 
     const QVariantMap kept = storableMap(sent);
     require(

@@ -1,4 +1,4 @@
-"""The growth of the cost with clients, networks and kernel events."""
+"""How processor time and delays grow with the number of clients, networks and kernel events."""
 
 import services
 from figures import ratio, summary
@@ -35,7 +35,8 @@ def measure_signals():
 
 
 def measure_services():
-    """Measures announcements of ConnMan, each of which makes the daemon fetch the whole list."""
+    """Measures ConnMan's announcements, with an increasing number of networks: each announcement
+    makes the daemon fetch the whole list of services."""
     result = {}
     with services.ConnmanStandIn() as standin, services.daemon() as daemon:
         for networks in NETWORKS:
@@ -60,7 +61,7 @@ def measure_services():
 
 
 def storm(standin):
-    """Returns the waits of another client during a storm of announcements."""
+    """Returns how long another client waits for replies during many announcements at once."""
     standin.drive("ClearJournal")
     with services.Probe(2000) as probe:
         services.call(ANNOUNCE, STORM, window=STORM)
@@ -98,7 +99,7 @@ def measure_events():
 
 
 def measure_clients():
-    """Measures calls of many concurrent clients."""
+    """Measures how fast the daemon, and the bare service, reply to many concurrent clients."""
     rounds = {DAEMON: [], BARE: []}
     with services.daemon(), services.bare():
         for _ in range(ROUNDS):

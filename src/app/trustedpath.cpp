@@ -81,7 +81,7 @@ Descriptor openTrusted(int from, QByteArray path, int flags)
         const int how = (isLast ? flags : asDirectory) | O_NOFOLLOW | O_CLOEXEC;
         Descriptor next(openat(directory, name.constData(), how));
         struct stat status = {};
-        // Without O_DIRECTORY, O_PATH opens the link itself.
+        // With O_PATH and O_NOFOLLOW, but without O_DIRECTORY, openat() opens a link itself.
         const bool mayBeLink = (how & asDirectory) == O_PATH;
         const bool isFound = next.isOpen() && !(mayBeLink && isLink(next, status));
         if (isFound && isLast)
@@ -128,7 +128,7 @@ Descriptor makeDirectory(const QString &path)
     const QFileInfo info(path);
     const QByteArray name = QFile::encodeName(info.fileName());
     const Descriptor parent = makeDirectory(info.path());
-    // mkdirat() also fails if a dangling link has the name.
+    // mkdirat() does not follow a dangling link with this name: it fails.
     if (mkdirat(parent.get(), name.constData(), S_IRWXU | S_IRWXG | S_IRWXO) != 0)
         return Descriptor(-1);
     return Descriptor(openat(parent.get(), name.constData(), asDirectory | O_NOFOLLOW | O_CLOEXEC));

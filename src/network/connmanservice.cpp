@@ -10,7 +10,7 @@ const char *const receiveSlot = SLOT(receive(QString, QDBusVariant));
 
 void ConnmanService::watch(const QString &path)
 {
-    // Ignore the signals of a previous service.
+    // Unsubscribe from the changes of the previous service.
     if (path != m_path)
         forget();
     m_path = path;

@@ -4,7 +4,7 @@
 
 #include <climits>
 
-/** The battery status for a measurement. */
+/** Tests batteryStatus(), with and without the charger. */
 class TestBatteryStatus : public QObject
 {
     Q_OBJECT
@@ -12,11 +12,11 @@ class TestBatteryStatus : public QObject
 private Q_SLOTS:
     void withoutChargerTheChargeDecides_data();
     void withoutChargerTheChargeDecides();
-    void withoutChargerMeterTypeAndFlagDoNotMatter();
-    void aNegativeChargeWithChargerIsThePercentage_data();
-    void aNegativeChargeWithChargerIsThePercentage();
-    void withChargerTheFlagDecidesForAnyOtherCharge();
-    void withChargerOtherMetersMeanNoBattery();
+    void withoutChargerTheMeterTypeAndTheFlagDoNotMatter();
+    void withChargerTheAbsoluteValueOfANegativeChargeDecides_data();
+    void withChargerTheAbsoluteValueOfANegativeChargeDecides();
+    void withChargerTheFlagDecidesIfTheChargeIsNotNegative();
+    void withChargerAMeterTypeExceptOneAndTwoMeansNoBattery();
 };
 
 namespace
@@ -59,7 +59,7 @@ void TestBatteryStatus::withoutChargerTheChargeDecides()
         QCOMPARE(static_cast<int>(statusOf(false, 1, false, static_cast<int>(charge))), status);
 }
 
-void TestBatteryStatus::withoutChargerMeterTypeAndFlagDoNotMatter()
+void TestBatteryStatus::withoutChargerTheMeterTypeAndTheFlagDoNotMatter()
 {
     for (int charge = lowest; charge <= highest; ++charge) {
         for (int type = 0; type <= 4; ++type) {
@@ -70,7 +70,7 @@ void TestBatteryStatus::withoutChargerMeterTypeAndFlagDoNotMatter()
     }
 }
 
-void TestBatteryStatus::aNegativeChargeWithChargerIsThePercentage_data()
+void TestBatteryStatus::withChargerTheAbsoluteValueOfANegativeChargeDecides_data()
 {
     QTest::addColumn<int>("first");
     QTest::addColumn<int>("last");
@@ -84,7 +84,7 @@ void TestBatteryStatus::aNegativeChargeWithChargerIsThePercentage_data()
     addRange("to 20", -20, -1, Battery::CHARGER_ON_BAT_INF_20);
 }
 
-void TestBatteryStatus::aNegativeChargeWithChargerIsThePercentage()
+void TestBatteryStatus::withChargerTheAbsoluteValueOfANegativeChargeDecides()
 {
     QFETCH(int, first);
     QFETCH(int, last);
@@ -97,7 +97,7 @@ void TestBatteryStatus::aNegativeChargeWithChargerIsThePercentage()
     }
 }
 
-void TestBatteryStatus::withChargerTheFlagDecidesForAnyOtherCharge()
+void TestBatteryStatus::withChargerTheFlagDecidesIfTheChargeIsNotNegative()
 {
     QVector<int> charges = {INT_MAX};
     for (int charge = 0; charge <= highest; ++charge)
@@ -110,7 +110,7 @@ void TestBatteryStatus::withChargerTheFlagDecidesForAnyOtherCharge()
     }
 }
 
-void TestBatteryStatus::withChargerOtherMetersMeanNoBattery()
+void TestBatteryStatus::withChargerAMeterTypeExceptOneAndTwoMeansNoBattery()
 {
     QVector<int> charges = {INT_MIN, INT_MAX};
     for (int charge = lowest; charge <= highest; ++charge)

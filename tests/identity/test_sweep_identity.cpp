@@ -5,8 +5,8 @@
 #include <QRegularExpression>
 
 /**
- * Invalid calls: wrong signatures and hostile maps, to the interfaces of the identity, the watchdog
- * and the Wi-Fi module's power.
+ * Calls with wrong signatures, and maps with missing, unusual or large values, to the interfaces of
+ * the identity, the watchdog and the Wi-Fi module's power.
  */
 class TestSweepIdentity : public DaemonTest
 {
@@ -160,7 +160,7 @@ QString TestSweepIdentity::call(const QString &method, const QString &arguments)
     return wire.call(service, "/KyDeviceMgr", interface, method.section('.', 1), arguments);
 }
 
-/** The daemon's hardware calls on behalf of a client, without its periodic checks. */
+/** Returns the hardware calls that clients caused; leaves out the daemon's periodic checks. */
 QStringList TestSweepIdentity::calls() const
 {
     return Board::journal().filter(QRegularExpression(
@@ -283,7 +283,7 @@ void TestSweepIdentity::everyKeyAcceptsValuesOfAnyType()
     QFETCH(QStringList, keys);
     startAndReadRecords();
     const QStringList before = eeproms();
-    // Let the set fail here: otherwise it would write a record with such a value.
+    // The daemon accepts the map, but fails before it writes the record: it returns notEnabled.
     Board::fault("KyEeprom.setWriteEnable", "always");
 
     for (const QString &value : values()) {
@@ -319,6 +319,7 @@ void TestSweepIdentity::mapsUpTo64KiBAreAccepted()
     QFETCH(QVariant, value);
     startAndReadRecords();
     const QStringList before = eeproms();
+    // As above: notEnabled shows that the daemon has accepted the map.
     Board::fault("KyEeprom.setWriteEnable", "always");
 
     QVariantMap instrument;

@@ -33,7 +33,7 @@ def find_command():
 
 
 class Instrument:
-    """A virtual instrument, independent of all others; use it in "with".
+    """A virtual instrument, independent of all others; use it in a "with" statement.
 
     It runs in a private world. Its files and its bus are accessible from outside through the
     root directory of one of its processes in /proc. It ends with the process that created it.
@@ -80,7 +80,7 @@ class Instrument:
                 raise RuntimeError(f"the virtual instrument did not come up:\n{file.read()}")
 
     def __getitem__(self, name):
-        """An interface of the daemon: instrument["WIFI"]."""
+        """Returns an interface of the daemon, for example instrument["WIFI"]."""
         if name not in self._interfaces:
             found = bus.find_interface(self.bus, name)
             if found is None:
@@ -89,7 +89,7 @@ class Instrument:
         return self._interfaces[name]
 
     def card(self, device="SD"):
-        """The card "SD", or the key "USB"."""
+        """Returns the SD card ("SD") or the USB key ("USB")."""
         return Card(self.run, device)
 
     def run(self, *command, input=None, check=True, timeout=COMMAND_SECONDS):
@@ -107,11 +107,11 @@ class Instrument:
         return done
 
     def stop_daemon(self):
-        """Stops the daemon, as a shutdown does."""
+        """Stops the daemon, as a shutdown of the instrument does."""
         self.run("daemon", "stop")
 
     def kill_daemon(self):
-        """Kills the daemon, as a crash does."""
+        """Ends the daemon with SIGKILL, to simulate a crash."""
         self.run("daemon", "kill")
 
     def start_daemon(self):
@@ -120,7 +120,7 @@ class Instrument:
         self.run("daemon", "start")
 
     def restart_daemon(self):
-        """Restarts the daemon, which reads settings and records again."""
+        """Stops and starts the daemon; it reads settings and records again."""
         self.stop_daemon()
         self.start_daemon()
 
