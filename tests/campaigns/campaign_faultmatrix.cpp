@@ -573,6 +573,11 @@ void TestFaultMatrix::addEvents()
     m_stimuli << light;
     light.name = "light interrupt in automatic mode";
     light.prepare = [=] { backlight.call("setBacklightStep", {true, 3}); };
+    // This light needs another step of the backlight.
+    light.trigger = [] {
+        Board::clearJournal();
+        Board::set("als/lux", "60");
+    };
     m_stimuli << light;
 
     const auto insert = [] { Board::storage("insert", "SD"); };
@@ -800,6 +805,8 @@ void TestFaultMatrix::everyFaultIsSurvived()
              "descriptors are left open");
     if (isLasting) {
         daemon.stop();
+        // The light of the first start: otherwise the stimulus might not leave the sensor's band.
+        Board::set("als/lux", "120");
         begin(stimulus);
         stimulus.trigger();
         QCOMPARE(stimulus.finish(), reference.reply);
