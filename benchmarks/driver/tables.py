@@ -43,7 +43,7 @@ NOTES = {
         "profile when the default profile is empty. \"cp -a and sync\" also waits until the file system "
         "is written to the disk.",
     "Kernel events":
-        f"The daemon gets {EVENTS:,} kernel events without a pause. It sends a signal for each event of "
+        f"The daemon gets {EVENTS:,} kernel events without a pause. It sends signals for each event of "
         "a card. CPU: the daemon's processor time.",
     "Many clients":
         "Each client calls getTemperatures again as soon as it has its reply. Median, p99 and longest "

@@ -41,7 +41,7 @@ class Files:
             except FileNotFoundError:
                 return False
 
-        wait_until(holds, timeout, lambda: f"{name} is {value!r}; it is "
+        wait_until(holds, timeout, lambda: f"{name} should be {str(value)!r}, but is "
                    f"{self[name] if name in self else 'absent'!r}")
 
 
