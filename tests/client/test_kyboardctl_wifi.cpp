@@ -591,6 +591,8 @@ void TestKyboardctlWifi::aDaemonThatGoesAwayEndsTheWait()
     QProcess client;
     start(client, {"wifi", "connect", "Cafe", "--open"}, {});
     QVERIFY(script.waitFor("start 1"));
+    // The daemon answers this call after the client's.
+    QCOMPARE(Remote("/KyConfigMgr", "Users").call("getUser"), QStringLiteral("(\"user1\")"));
     daemon.stop();
     const Result result = resultOf(client);
     QCOMPARE(result.status, 3);
