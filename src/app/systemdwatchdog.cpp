@@ -48,6 +48,7 @@ void notifySystemd(const QByteArray &text)
     static_cast<void>(sent);
     close(socket);
 }
+
 int interval()
 {
     return watchdogInterval(qgetenv("WATCHDOG_USEC"), qgetenv("WATCHDOG_PID"),

@@ -10,7 +10,7 @@ namespace
  * getinterruptHandler() returns this number on failure: the sensor is not ready. After any other
  * negative number the sensor is ready, but sends no interrupts.
  */
-constexpr int noInterrupt = -2;
+constexpr int noHandler = -2;
 } // namespace
 
 LightSensor::LightSensor() : m_bounds(readBrightnessBounds()), m_isReady(start() && findInterrupt())
@@ -65,5 +65,5 @@ bool LightSensor::findInterrupt()
     const int descriptor = m_als.getinterruptHandler();
     if (descriptor >= 0)
         m_interrupt = descriptor;
-    return descriptor != noInterrupt;
+    return descriptor != noHandler;
 }

@@ -293,6 +293,10 @@ public:
 
     const Link &link() const { return m_link; }
 
+    /**
+     * Looks the event up in the table, changes the link, and performs the actions of the row. The
+     * event that answers an action is handled before the next action.
+     */
     void handle(LinkEvent event);
 
 protected:

@@ -25,6 +25,7 @@ struct WifiTraceMethod {
     bool isTracedWhenIgnored;
 };
 
+/** Returns how the trace names @p event; without a name, the trace does not record the event. */
 WifiTraceMethod wifiTraceMethod(LinkEvent event);
 
 /** Returns the trace's name of @p operation. */
