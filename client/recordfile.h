@@ -11,7 +11,8 @@
  *
  * Each record is an object with all fields of the record, named as on the bus, and with the CRC of
  * the record as hexadecimal text. A number is a JSON number. A field of bytes is a text with one
- * character for each byte of the whole field.
+ * character for each byte of the field, unused bytes included. The code of the character is the
+ * value of the byte.
  */
 
 /** Both records; the values of their fields can be sent to the daemon unchanged. */

@@ -36,8 +36,8 @@ private Q_SLOTS:
     void everyRuleNamesItsDestination();
     void everyRuleThatLetsThroughExcludesDescriptors();
     void thePolicyForAnOlderBusDiffersInDescriptorsOnly();
-    void everyMemberAdmitsOnlyItsCallers_data();
-    void everyMemberAdmitsOnlyItsCallers();
+    void everyMethodAdmitsOnlyItsCallers_data();
+    void everyMethodAdmitsOnlyItsCallers();
 
 private:
     /** The output of busctl as @p user; the first line of its error on failure. */
@@ -390,7 +390,7 @@ void TestPolicy::thePolicyForAnOlderBusDiffersInDescriptorsOnly()
     QVERIFY(!readFile(older).contains("max_fds"));
 }
 
-void TestPolicy::everyMemberAdmitsOnlyItsCallers_data()
+void TestPolicy::everyMethodAdmitsOnlyItsCallers_data()
 {
     QTest::addColumn<QString>("path");
     QTest::addColumn<QString>("interface");
@@ -437,7 +437,7 @@ void TestPolicy::everyMemberAdmitsOnlyItsCallers_data()
  * The policy's rules do not look at arguments. All calls have invalid arguments: a call that the
  * bus lets through then has no effect.
  */
-void TestPolicy::everyMemberAdmitsOnlyItsCallers()
+void TestPolicy::everyMethodAdmitsOnlyItsCallers()
 {
     QFETCH(QString, path);
     QFETCH(QString, interface);

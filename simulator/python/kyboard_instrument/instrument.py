@@ -43,7 +43,7 @@ class Instrument:
     def __init__(self, speed=1):
         self._directory = tempfile.mkdtemp(prefix="instrument-")
         self._handle = os.path.join(self._directory, "handle")
-        #: The start of a command line that runs a command in this instrument; "--" follows.
+        #: The start of a command line: append "--" and a command to run it in this instrument.
         self.command = [*find_command(), "--handle", self._handle]
         self._interfaces = {}
         self._process = None
