@@ -21,11 +21,13 @@ QVariantMap mapOf(const char *const (&keys)[count], Choices &choices)
 {
     QVariantMap map = firstMap(Peer::instance().receive("a{sv}", choices));
     for (const char *key : keys) {
-        if (!choices.oneIn(40))
-            map[QLatin1String(key)] =
-                Peer::instance()
-                    .receive(choices.oneIn(2) ? "av" : "v", choices, levelsOfMap)
-                    .value(0);
+        if (choices.oneIn(40))
+            continue;
+        const QVariant value =
+            Peer::instance().receive(choices.oneIn(2) ? "av" : "v", choices, levelsOfMap).value(0);
+        // No value comes from a message with more descriptors than a bus delivers.
+        if (value.isValid())
+            map[QLatin1String(key)] = value;
     }
     return map;
 }
