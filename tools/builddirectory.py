@@ -107,6 +107,8 @@ class Build:
         environment.update(entry.split('=', 1) for entry in properties.get('ENVIRONMENT', []))
         printed = []
         failed = False
+        # As with ctest, the test must not inherit ignored signals, for example SIGHUP from nohup.
+        command = ['env', '--default-signal', *command]
         with subprocess.Popen(command, cwd=properties.get('WORKING_DIRECTORY', self.directory),
                               env=environment, stdin=subprocess.DEVNULL, stdout=subprocess.PIPE,
                               stderr=subprocess.STDOUT, start_new_session=True) as process:
