@@ -6,7 +6,7 @@
 #include <QVariantMap>
 #include <QVector>
 
-/* The commands of kyboardctl as one table, which parsing, help, completion and the tests read. */
+/* The commands of kyboardctl as tables, which parsing, help, completion and the tests read. */
 
 /** The kind of an argument, or of the value in a KEY=VALUE argument. */
 enum class Kind {
@@ -105,7 +105,8 @@ struct Command {
     QString method;
     QString property;
     QVector<Argument> arguments;
-    /** A scan ends with a list of networks, so its states are empty. */
+    /** Empty if the command starts no operation. A scan ends with a list, not in a state of
+     * success. */
     Outcome outcome;
     /** The action to confirm before the call is sent; empty if the command destroys nothing. */
     QString question = {};

@@ -8,7 +8,7 @@
 #include <functional>
 #include <memory>
 
-/** Every error that the introspection documents list, provoked on the running daemon. */
+/** Every error that the introspection documents list as sent, provoked on the running daemon. */
 class TestErrors : public WifiTest
 {
     Q_OBJECT

@@ -88,7 +88,7 @@ private Q_SLOTS:
     void connectAnswersAfterTheAgent();
     void connectIsAbortedWhenTheAgentCancels();
     void callAgentReturnsTheAgentsAnswer();
-    void withoutAnAgentCallAgentIsRefused();
+    void callAgentIsRefusedWithoutAnAgent();
 
     void aLivelyTechnologyBringsItsNetworks();
     void onlyWifiAnswersAPowerOnBeforeItAnnouncesIt_data();
@@ -473,7 +473,7 @@ void TestConnmanStandIn::callAgentReturnsTheAgentsAnswer()
     QCOMPARE(agent.asked, QStringList{QString("(o:\"%1\", {\"Identity\": <5>})").arg(cable)});
 }
 
-void TestConnmanStandIn::withoutAnAgentCallAgentIsRefused()
+void TestConnmanStandIn::callAgentIsRefusedWithoutAnAgent()
 {
     QCOMPARE(standIn.requestInput(cable, {}),
              QString("com.orvendis.Strandel.ConnManStandIn.NoAgent: no agent is registered"));

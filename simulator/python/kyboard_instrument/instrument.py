@@ -52,10 +52,11 @@ class Instrument:
             #: The root directory of the instrument's world, a pathlib.Path.
             self.root = pathlib.Path(f"/proc/{pathlib.Path(self._handle).read_text().strip()}/root")
             socket = self.root / "run/dbus/system_bus_socket"
-            #: The address of the private bus, for other programs. They must run as root, or
-            #: authenticate without a user ID, as busctl does.
+            #: The address of the private bus, for other programs. The bus knows only the user IDs of
+            #: the world. A program of the machine must run as the machine's root, or authenticate
+            #: without a user ID, as busctl does.
             self.address = f"unix:path={socket}"
-            #: The private bus: a Gio.DBusConnection as root.
+            #: A Gio.DBusConnection to the private bus, authenticated as the root user of the world.
             self.bus = bus.connect(socket)
             #: The simulated board.
             self.board = Board(self.root / "run/strandel-board")
