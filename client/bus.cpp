@@ -22,9 +22,18 @@ namespace
 /** The timeout of a call, see setCallTimeout(). */
 int replyTimeoutMs = 60000;
 
-/** The address of the selected bus; empty for the system bus of this machine. */
-QString selectedAddress;
-QString selectedHost;
+struct SelectedBus {
+    /** Empty for the system bus of this machine. */
+    QString address;
+    /** Empty for a bus of this machine. */
+    QString host;
+};
+
+SelectedBus &selectedBus()
+{
+    static SelectedBus bus;
+    return bus;
+}
 
 QString fullName(const QString &interface)
 {
@@ -83,12 +92,13 @@ Answer faulty(ExitStatus status, bool isJoined, const QString &name, const QStri
 {
     BusFault fault;
     fault.bus = QStringLiteral("the system bus");
-    if (!selectedHost.isEmpty())
-        fault.bus += QStringLiteral(" of ") + selectedHost;
-    else if (!selectedAddress.isEmpty())
+    if (!selectedBus().host.isEmpty())
+        fault.bus += QStringLiteral(" of ") + selectedBus().host;
+    else if (!selectedBus().address.isEmpty())
         fault.bus = QStringLiteral("the bus");
-    if (selectedHost.isEmpty()) {
-        fault.address = selectedAddress.isEmpty() ? systemBusAddress() : selectedAddress;
+    if (selectedBus().host.isEmpty()) {
+        fault.address =
+            selectedBus().address.isEmpty() ? systemBusAddress() : selectedBus().address;
         fault.user = userName();
     }
     fault.isJoined = isJoined;
@@ -107,13 +117,13 @@ Answer refusal()
 
 void selectBus(const QString &address)
 {
-    selectedAddress = address;
+    selectedBus().address = address;
 }
 
 void selectHost(const QString &host)
 {
-    selectedHost = host;
-    selectedAddress = addressOfHost(host);
+    selectedBus().host = host;
+    selectedBus().address = addressOfHost(host);
 }
 
 QDBusConnection bus()
@@ -123,9 +133,9 @@ QDBusConnection bus()
     static const int registered = qRegisterMetaType<QDBusMessage>();
     Q_UNUSED(registered)
     static const QDBusConnection connection =
-        selectedAddress.isEmpty()
+        selectedBus().address.isEmpty()
             ? QDBusConnection::systemBus()
-            : QDBusConnection::connectToBus(selectedAddress, QStringLiteral("kyboardctl"));
+            : QDBusConnection::connectToBus(selectedBus().address, QStringLiteral("kyboardctl"));
     return connection;
 }
 

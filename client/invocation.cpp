@@ -47,7 +47,9 @@ QString complaintOf(const QCommandLineParser &parser)
     QString text = parser.errorText();
     if (text.endsWith(QLatin1Char('.')))
         text.chop(1);
-    return shown(text.left(1).toLower() + text.mid(1));
+    if (!text.isEmpty())
+        text.replace(0, 1, text.at(0).toLower());
+    return shown(text);
 }
 
 bool isPositiveNumber(const QString &text)

@@ -41,11 +41,12 @@ ExitStatus printField(const Command &command, const Invocation &invocation, cons
     if (!value.isValid()) {
         if (invocation.has("--json"))
             printJson(QJsonValue());
+        const QStringList fields = map.keys();
         return fail(command, NothingThere,
                     map.contains(field)
                         ? QStringLiteral("there is nothing to tell of '%1'").arg(field)
                         : QStringLiteral("there is no field '%1' among %2")
-                              .arg(shown(field), map.keys().join(QStringLiteral(", "))));
+                              .arg(shown(field), fields.join(QStringLiteral(", "))));
     }
     if (invocation.has("--json"))
         printJson(toJson(value));
@@ -65,14 +66,15 @@ ExitStatus confirm(const Command &command, const Invocation &invocation)
 {
     if (command.question.isEmpty() || invocation.has("--yes"))
         return Success;
-    const QString &question = command.question;
-    switch (askFor(question.left(1).toUpper() + question.mid(1))) {
+    QString question = command.question;
+    question.replace(0, 1, question.at(0).toUpper());
+    switch (askFor(question)) {
     case Consent::Given:
         return Success;
     case Consent::NobodyThere:
         return fail(command, NotConfirmed,
                     QStringLiteral("this would %1; without a terminal to ask at, --yes is needed")
-                        .arg(question));
+                        .arg(command.question));
     case Consent::Refused:
         break;
     }

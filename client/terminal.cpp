@@ -119,7 +119,7 @@ winsize terminalSize()
 bool hasColours(int stream)
 {
     const QByteArray terminal = qgetenv("TERM");
-    return isatty(stream) && qgetenv("NO_COLOR").isEmpty() && !terminal.isEmpty() &&
+    return isatty(stream) && qEnvironmentVariableIsEmpty("NO_COLOR") && !terminal.isEmpty() &&
            terminal != "dumb";
 }
 

@@ -102,7 +102,8 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t *data, std::size_t size
 
     const Invocation invocation(command.words.split(QLatin1Char(' ')) + words);
     require(isFreeOfControls(invocation.complaint()), "a complaint is one line");
-    for (const QString &rest : invocation.words())
+    const QStringList left = invocation.words();
+    for (const QString &rest : left)
         require(words.contains(rest) || command.words.contains(rest), "the words are unchanged");
     invocation.misplaced(command);
 

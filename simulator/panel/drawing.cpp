@@ -4,6 +4,8 @@
 #include <QPainter>
 #include <QSvgRenderer>
 
+#include <algorithm>
+
 namespace
 {
 /** Keep four pictures: LEDs that blink at 1 Hz and at 3 Hz have four combinations of on and off. */
@@ -38,11 +40,10 @@ void Drawing::collect(const QDomElement &element)
 
 QStringList Drawing::missing(const Look &look) const
 {
-    QStringList ids;
-    for (const QString &id : look.opacities.keys() + look.spans.keys() + look.texts.keys()) {
-        if (!has(id))
-            ids << id;
-    }
+    QStringList ids = look.opacities.keys();
+    ids << look.spans.keys() << look.texts.keys();
+    const auto isDrawn = [this](const QString &id) { return has(id); };
+    ids.erase(std::remove_if(ids.begin(), ids.end(), isDrawn), ids.end());
     return ids;
 }
 

@@ -38,6 +38,7 @@ struct FaultChoice {
     const char *title;
     const char *words;
 };
+Q_DECLARE_TYPEINFO(FaultChoice, Q_PRIMITIVE_TYPE);
 extern const QVector<FaultChoice> faultChoices;
 
 /** Return the commands that give @p operation a fault, remove its fault, and remove all faults. */

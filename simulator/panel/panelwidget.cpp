@@ -112,7 +112,8 @@ QPoint PanelWidget::placeOf(const QString &element, double place) const
 
 QString PanelWidget::elementAt(const QPoint &place) const
 {
-    for (const QString &element : handElements()) {
+    const QStringList elements = handElements();
+    for (const QString &element : elements) {
         if (boundsOnWidget(element).contains(place))
             return element;
     }
@@ -227,7 +228,8 @@ void PanelWidget::showFaultMenu(const QPoint &place)
                            [this] { run(healAllCommand()); });
     m_faultMenu->addSeparator();
     QMenu *ofClass = nullptr;
-    for (const QString &operation : faultOperations()) {
+    const QStringList operations = faultOperations();
+    for (const QString &operation : operations) {
         const QString name = operation.section(QLatin1Char('.'), 0, 0);
         if (!ofClass || ofClass->title() != name)
             ofClass = m_faultMenu->addMenu(name);

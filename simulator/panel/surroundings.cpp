@@ -8,6 +8,8 @@
 #include <QFile>
 #include <QFileInfo>
 
+#include <utility>
+
 namespace
 {
 /** Returns at most 8192 bytes of @p path, more than an EEPROM has; null if it is no file. */
@@ -51,7 +53,8 @@ QVector<AirPoint> pointsInTheAir()
 {
     const QString air = qEnvironmentVariable("STRANDEL_AIR", QStringLiteral("/run/strandel-air"));
     QVector<AirPoint> points;
-    for (const QString &directory : QDir(air).entryList(QDir::Dirs | QDir::NoDotAndDotDot)) {
+    const QStringList directories = QDir(air).entryList(QDir::Dirs | QDir::NoDotAndDotDot);
+    for (const QString &directory : directories) {
         const auto value = [&](const char *property) {
             return contentOf(air + QLatin1Char('/') + directory + QLatin1Char('/') +
                              QLatin1String(property))
@@ -82,11 +85,12 @@ void readBoard(Instrument &instrument)
     for (const board::DefaultFile &file : board::defaultFiles())
         names << QString::fromStdString(file.name);
     for (const char *directory : {"soc", "faults"}) {
-        for (const QString &name :
-             QDir(boardPath(QString::fromLatin1(directory))).entryList(QDir::Files))
+        const QStringList files =
+            QDir(boardPath(QString::fromLatin1(directory))).entryList(QDir::Files);
+        for (const QString &name : files)
             names << QString::fromLatin1(directory) + QLatin1Char('/') + name;
     }
-    for (const QString &name : names) {
+    for (const QString &name : std::as_const(names)) {
         const QByteArray content = contentOf(boardPath(name));
         if (!content.isNull())
             instrument.board.insert(name, content);

@@ -115,14 +115,16 @@ QString render(const QVariant &value)
     case QMetaType::QByteArray:
         return QStringLiteral("ay:") + quoted(QString::fromLatin1(value.toByteArray().toHex()));
     case QMetaType::QStringList: {
+        const QStringList texts = value.toStringList();
         QStringList elements;
-        for (const QString &element : value.toStringList())
+        for (const QString &element : texts)
             elements << quoted(element);
         return QLatin1Char('[') + elements.join(QStringLiteral(", ")) + QLatin1Char(']');
     }
     case QMetaType::QVariantList: {
+        const QVariantList list = value.toList();
         QStringList elements;
-        for (const QVariant &element : value.toList())
+        for (const QVariant &element : list)
             elements << QLatin1Char('<') + render(element) + QLatin1Char('>');
         return QLatin1Char('[') + elements.join(QStringLiteral(", ")) + QLatin1Char(']');
     }

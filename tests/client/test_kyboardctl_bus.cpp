@@ -213,7 +213,8 @@ void TestKyboardctlBus::aMissingFieldIsReported()
 void TestKyboardctlBus::anEmptyFieldIsReported()
 {
     QVERIFY(daemon.start());
-    for (const QString field : {"ethernet", "wifi", "wifiStrength", "accessPointHardware"}) {
+    const QStringList fields{"ethernet", "wifi", "wifiStrength", "accessPointHardware"};
+    for (const QString &field : fields) {
         const ClientResult text = runClient({"status", "--field", field});
         QCOMPARE(text.complaint,
                  "kyboardctl: status: there is nothing to tell of '" + field + "'\n");

@@ -152,7 +152,8 @@ void TestKyboardctlRecords::aFileWithoutANameSendsNothing()
 {
     BusMonitor monitor;
     monitor.take();
-    for (const QString command : {"dump", "restore"}) {
+    const QStringList commands{"dump", "restore"};
+    for (const QString &command : commands) {
         const ClientResult result = runClient({"eeprom", command, ""});
         QCOMPARE(result.complaint,
                  "kyboardctl: eeprom " + command + ": FILE: '' is not the name of a file\n");

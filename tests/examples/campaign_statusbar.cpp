@@ -30,10 +30,10 @@ void takeMessage(QtMsgType type, const QMessageLogContext &, const QString &text
 /** The only argument of this program: makes it print the problem that the model reports. */
 const char *const tellingProblem = "--problem";
 
-const QColor green("#6fcf7c");
-const QColor amber("#f0b84a");
-const QColor red("#f0655c");
-const QColor grey("#68727c");
+const QColor green(0x6f, 0xcf, 0x7c);
+const QColor amber(0xf0, 0xb8, 0x4a);
+const QColor red(0xf0, 0x65, 0x5c);
+const QColor grey(0x68, 0x72, 0x7c);
 } // namespace
 
 /** The status bar with the real daemon: its model and its picture. */
@@ -164,11 +164,11 @@ void TestStatusBar::theCableIsShownAsItConnects()
     begin();
     show();
     QTRY_COMPARE_WITH_TIMEOUT(instrument->profile(), QString("user1"), deadlineMs);
-    QStringList states;
+    const auto states = std::make_shared<QStringList>();
     QObject::connect(instrument->ethernet(), &Link::stateChanged, this,
-                     [&] { states << instrument->ethernet()->state(); });
+                     [this, states] { *states << instrument->ethernet()->state(); });
     connectEthernet(ethernet, connman, "ready");
-    QTRY_COMPARE_WITH_TIMEOUT(states, (QStringList{"association", "ready"}), deadlineMs);
+    QTRY_COMPARE_WITH_TIMEOUT(*states, (QStringList{"association", "ready"}), deadlineMs);
     QCOMPARE(colourOf("ethernet"), amber);
     connman.storeProperty(cable, "IPv4", lease);
     connman.setProperty(ConnmanStandIn::ethernetTechnology, "Connected", true);
@@ -176,7 +176,7 @@ void TestStatusBar::theCableIsShownAsItConnects()
     QCOMPARE(colourOf("ethernet"), green);
     QCOMPARE(ethernet.call("disconnect"), QString("()"));
     QTRY_COMPARE_WITH_TIMEOUT(
-        states, (QStringList{"association", "ready", "online", "disconnect", "idle"}), deadlineMs);
+        *states, (QStringList{"association", "ready", "online", "disconnect", "idle"}), deadlineMs);
     QCOMPARE(instrument->ethernet()->address(), QString());
     QCOMPARE(colourOf("ethernet"), grey);
 }

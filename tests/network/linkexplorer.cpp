@@ -53,7 +53,7 @@ bool isSwitch(LinkAction action)
 class Choices
 {
 public:
-    int choose(int count)
+    std::size_t choose(std::size_t count)
     {
         if (count < 2)
             return 0;
@@ -78,8 +78,8 @@ public:
 
 private:
     struct Choice {
-        int chosen;
-        int count;
+        std::size_t chosen;
+        std::size_t count;
     };
     std::vector<Choice> m_choices;
     size_t m_position = 0;
@@ -179,7 +179,7 @@ private:
                 continue;
             if (isSwitch(action) && m_outcome.after.isScriptRunning)
                 return Event::ScriptRefused;
-            return question.answers[m_choices.choose(int(question.answers.size()))];
+            return question.answers[m_choices.choose(question.answers.size())];
         }
         return Event::None;
     }

@@ -84,8 +84,7 @@ bool isBounded(const LinkWorld &world, LinkKind kind)
     switch (world.link.state) {
     case Idle:
     case Failure:
-        // At rest; a connect or scan in progress has a timeout, which other rules check.
-        return true;
+    // At rest; a connect or scan in progress has a timeout, which other rules check.
     case Online:
         // Lasts until a call of a client or an error of the service.
         return true;

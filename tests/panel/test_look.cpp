@@ -18,6 +18,8 @@
 #include <QTemporaryDir>
 #include <QTest>
 
+Q_DECLARE_METATYPE(Scale)
+
 /** How the panel interprets files, announcements and clicks; all of them are simulated. */
 class TestLook : public QObject
 {
@@ -767,6 +769,5 @@ void TestLook::callsWithoutAReplyAreForgotten()
     QVERIFY(isKnownReply(2));
 }
 
-Q_DECLARE_METATYPE(Scale)
 QTEST_MAIN(TestLook)
 #include "test_look.moc"

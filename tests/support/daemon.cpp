@@ -115,7 +115,7 @@ bool Daemon::letTimePassUntil(const std::function<bool()> &condition)
 {
     const int call = 25;
     // Longer than the timeout of the calls in condition().
-    const QDeadlineTimer deadline(2 * deadlineMs);
+    const QDeadlineTimer deadline(2 * qint64(deadlineMs));
     // The test cannot see when the daemon begins to wait, and time that passes earlier has no
     // effect: advance the clock repeatedly.
     while (!condition()) {

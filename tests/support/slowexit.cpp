@@ -25,7 +25,10 @@ void runSlowly(void *argument)
 }
 } // namespace
 
-extern "C" int __cxa_atexit(Function function, void *argument, void *library)
+/** Replaces the C library's function of the name in asm(), which C++ reserves. */
+extern "C" int registerSlowly(Function function, void *argument, void *library) asm("__cxa_atexit");
+
+extern "C" int registerSlowly(Function function, void *argument, void *library)
 {
     using Register = int (*)(Function, void *, void *);
     static const auto next = reinterpret_cast<Register>(dlsym(RTLD_NEXT, "__cxa_atexit"));

@@ -121,7 +121,7 @@ void sendLargeCalls(Attack &attack)
 /** A call with as many texts of one byte each as fit into @p bytes. */
 Message newCallWithTexts(const Method &method, int bytes)
 {
-    const std::vector<const char *> texts(bytes / 8, "x");
+    const std::vector<const char *> texts(static_cast<std::size_t>(bytes) / 8, "x");
     Message message = newCall(method);
     const char *const *data = texts.data();
     dbus_message_append_args(message.get(), DBUS_TYPE_ARRAY, DBUS_TYPE_STRING, &data,
