@@ -119,8 +119,9 @@ struct Command {
     /** True if the answer counts as empty while the interface has no address. */
     bool needsAddress = false;
     /**
-     * The text of the daemon's error reply if nothing is left to do, for example to a disconnect
-     * while disconnected. kyboardctl counts this reply as success. Empty if there is no such reply.
+     * The text of the error with which the daemon replies if nothing is left to do, for example to
+     * the disconnect of a link that is not connected. kyboardctl counts this reply as success.
+     * Empty if there is no such reply.
      */
     QString done = {};
     /** The keys of the answer whose values are shown only on request. */

@@ -13,7 +13,8 @@ QNetworkInterface findNetworkInterface(const QString &name);
  * Returns true if the interface is administratively up, with or without carrier; false for an
  * invalid one.
  *
- * Replaces QNetworkInterface::IsUp, which also requires a carrier from Qt 5.15 on.
+ * Replaces QNetworkInterface::IsUp, which also requires a carrier in some versions of Qt, such as
+ * 5.15.
  */
 bool isUp(const QNetworkInterface &interface);
 

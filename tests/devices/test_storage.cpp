@@ -503,8 +503,8 @@ void TestStorage::theKernelsOwnEventsAreAnnounced()
     QVERIFY(startListening());
     SignalRecorder recorder("/KyDeviceMgr");
 
-    // For a network interface with this name, the kernel sends events like those of a storage
-    // device: one for the interface, and one for each of its two queues.
+    // The daemon searches the device path for the name. For a network interface with this name, the
+    // kernel sends three events with such a path: for the interface, and for its two queues.
     QVERIFY(run("ip", {"link", "add", name, "numtxqueues", "1", "numrxqueues", "1", "type", "veth",
                        "peer", "name", "other"}));
     QCOMPARE(recorder.waitFor(3 * added.size()), added + added + added);

@@ -91,8 +91,8 @@ private Q_SLOTS:
     void callAgentIsRefusedWithoutAnAgent();
 
     void aLivelyTechnologyBringsItsNetworks();
-    void onlyWifiAnswersAPowerOnBeforeItAnnouncesIt_data();
-    void onlyWifiAnswersAPowerOnBeforeItAnnouncesIt();
+    void onlyWifiRepliesToAPowerOnBeforeItsSignal_data();
+    void onlyWifiRepliesToAPowerOnBeforeItsSignal();
     void aLivelyNetworkIsJoined_data();
     void aLivelyNetworkIsJoined();
     void theWrongPassphraseFails();
@@ -540,7 +540,7 @@ void TestConnmanStandIn::aLivelyTechnologyBringsItsNetworks()
     QCOMPARE(manager.call("GetServices"), QString("([])"));
 }
 
-void TestConnmanStandIn::onlyWifiAnswersAPowerOnBeforeItAnnouncesIt_data()
+void TestConnmanStandIn::onlyWifiRepliesToAPowerOnBeforeItsSignal_data()
 {
     const QString answer = "return ()";
     const QString announcement = "signal net.connman.Technology.PropertyChanged(sv)";
@@ -551,7 +551,7 @@ void TestConnmanStandIn::onlyWifiAnswersAPowerOnBeforeItAnnouncesIt_data()
                               << QStringList{announcement, answer};
 }
 
-void TestConnmanStandIn::onlyWifiAnswersAPowerOnBeforeItAnnouncesIt()
+void TestConnmanStandIn::onlyWifiRepliesToAPowerOnBeforeItsSignal()
 {
     QFETCH(QString, technology);
     QFETCH(QStringList, order);

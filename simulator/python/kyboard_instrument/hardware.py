@@ -59,7 +59,8 @@ class Board(Files):
         try:
             yield
         finally:
-            # The words may be the number of calls that fail: the last failure removes the file.
+            # The file may be gone: if the words are a number of calls, the board removes the file
+            # at the last of these calls.
             (self.directory / name).unlink(missing_ok=True)
 
 
