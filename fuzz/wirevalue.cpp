@@ -1,5 +1,6 @@
 #include "wirevalue.h"
 
+#include <algorithm>
 #include <cstdlib>
 #include <cstring>
 #include <fcntl.h>
@@ -190,9 +191,7 @@ void ValueWriter::appendBasic(DBusMessageIter &end, int type)
 {
     switch (type) {
     case DBUS_TYPE_STRING:
-        appendText(end, type,
-                   m_choices.oneIn(200) ? std::string(m_choices.below(70000), 'x')
-                                        : m_choices.text());
+        appendText(end, type, m_choices.oneIn(200) ? longText() : m_choices.text());
         return;
     case DBUS_TYPE_OBJECT_PATH:
         appendText(end, type, anyPath(m_choices));
@@ -211,6 +210,13 @@ void ValueWriter::appendBasic(DBusMessageIter &end, int type)
     if (type == DBUS_TYPE_BOOLEAN)
         value.bool_val = value.u64 & 1;
     ::append(end, type, &value);
+}
+
+std::string ValueWriter::longText()
+{
+    const std::uint32_t length = std::min(m_choices.below(70000), m_longTextLeft);
+    m_longTextLeft -= length;
+    return std::string(length, 'x');
 }
 
 void ValueWriter::appendDescriptor(DBusMessageIter &end)

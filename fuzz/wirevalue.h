@@ -5,6 +5,7 @@
 
 #include <dbus/dbus.h>
 
+#include <cstdint>
 #include <string>
 
 /* Message values of every D-Bus type. */
@@ -43,6 +44,7 @@ public:
 
 private:
     void appendBasic(DBusMessageIter &end, int type);
+    std::string longText();
     void appendDescriptor(DBusMessageIter &end);
     void appendArray(DBusMessageIter &end, const std::string &element, int room);
     void appendMembers(DBusMessageIter &end, int type, const std::string &members, int room);
@@ -52,6 +54,11 @@ private:
     DBusMessageIter m_end;
     /** How many list elements may still be appended, in all containers of the message together. */
     int m_elementsLeft = 4000;
+    /**
+     * How many characters long texts may still have together. The bus ends the connection of a
+     * sender of a message of more than 1 MiB.
+     */
+    std::uint32_t m_longTextLeft = 600'000;
     int m_descriptors = 0;
     std::size_t m_signatureSize = 0;
 };
