@@ -398,6 +398,7 @@ void TestBusValue::sizeOnBusCountsEverything_data()
     row("s \303\274", 10);
     row("s \"\"", 8);
     row("o /a", 10);
+    row("g ii", 10);
     row("ay 3 1 2 3", 11);
     row("as 2 a bcd", 28);
     row("as 0", 8);

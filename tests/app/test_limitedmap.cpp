@@ -107,6 +107,7 @@ void TestLimitedMap::aValueIsReadUpToTheLimit_data()
     row("aai", " 1 7", 4095);
     row("a{sv}", " k ai 1 7", 2047);
     row("aas", " 1 text", 4095);
+    row("a(a{su}i)", " 1 k 7 7", 1638);
 }
 
 void TestLimitedMap::aValueIsReadUpToTheLimit()

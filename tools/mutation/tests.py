@@ -41,7 +41,7 @@ PURE = {
     'network/settingtext': ['test_ethernet_settings', 'test_wifiapconfiguration'],
     'network/stationtable': ['test_stationtable', 'test_linkexploration', *WIFI],
     'network/tcpipstate': ['test_ethernet', 'test_wificonnect'],
-    'network/wifiservices': ['test_wifiservices'],
+    'network/wifiservices': ['test_wifiservices', 'test_wifiattempt', 'test_wificonnect'],
     'network/wifitrace': ['test_wifitrace', 'test_wifiscan'],
     'app/descriptor': ['test_trustedpath', 'test_profilefolder'],
     'app/trustedpath': ['test_trustedpath', 'test_users'],
@@ -51,7 +51,8 @@ PURE = {
 }
 
 ADAPTORS = {
-    'app/arguments': ['test_introspection', 'test_users', 'test_devicemgr', 'test_backlight'],
+    'app/arguments': ['test_introspection', 'test_limitedmap', 'test_users', 'test_devicemgr',
+                      'test_backlight'],
     'app/busvalue': ['test_connmanobject', 'test_busvalue', 'test_eeprom', 'test_sweep_identity',
                      'test_ethernet_settings', 'test_connmanagent', 'test_wificonnect'],
     'app/childsignal': ['test_startup', 'test_modescript'],
@@ -59,6 +60,7 @@ ADAPTORS = {
     'app/main': ['test_startup', 'test_policy', 'test_introspection', 'test_devicemgr'],
     'app/settings': ['test_settings', 'test_users', 'test_alimentation', *LIGHT],
     'app/slotcache': ['test_slotcache'],
+    'app/systemdwatchdog': ['test_systemdwatchdog', 'test_wifidisconnect'],
     'devices/kyalimentation': ['test_alimentation', 'test_sweep_power', 'test_led',
                                'test_devicemgr'],
     'devices/kybrightness': [*LIGHT, 'test_devicemgr'],
@@ -73,7 +75,7 @@ ADAPTORS = {
     'devices/kystorage': ['test_storage', 'test_devicemgr'],
     'devices/kytemperaturewatcher': ['test_temperature', 'test_devicemgr', 'test_sweep_power'],
     'devices/kywatchdog': ['test_watchdog'],
-    'identity/boardrevisions': ['test_version', 'test_sweep_identity'],
+    'identity/boardrevisions': ['test_version', 'test_sweep_identity', 'test_eeprom'],
     'identity/eeproms': ['test_eeprom', 'test_sweep_identity'],
     'identity/kyversion': ['test_eeprom', 'test_version', 'test_sweep_identity', 'test_devicemgr',
                            'test_startup'],
