@@ -20,5 +20,6 @@ set(ENV{PKG_CONFIG_SYSROOT_DIR} ${CMAKE_SYSROOT})
 set(ENV{PKG_CONFIG_LIBDIR}
     ${CMAKE_SYSROOT}/usr/lib/arm-linux-gnueabihf/pkgconfig:${CMAKE_SYSROOT}/usr/share/pkgconfig)
 
-# Runs the tests that are ARM programs.
-set(CMAKE_CROSSCOMPILING_EMULATOR qemu-arm-static -L ${CMAKE_SYSROOT})
+# Runs the tests that are ARM programs. Without -L: with it, a program that opens "/" gets the sysroot.
+set(CMAKE_CROSSCOMPILING_EMULATOR qemu-arm-static ${CMAKE_SYSROOT}/lib/ld-linux-armhf.so.3 --library-path
+    ${CMAKE_SYSROOT}/lib/arm-linux-gnueabihf:${CMAKE_SYSROOT}/usr/lib/arm-linux-gnueabihf)
