@@ -105,8 +105,7 @@ struct Command {
     QString method;
     QString property;
     QVector<Argument> arguments;
-    /** Empty if the command starts no operation. A scan ends with a list, not in a state of
-     * success. */
+    /** Empty if the command starts no operation. A scan ends with a list: success is empty. */
     Outcome outcome;
     /** The action to confirm before the call is sent; empty if the command destroys nothing. */
     QString question = {};

@@ -10,9 +10,9 @@
  * content of the file, and back; they access neither files nor the bus.
  *
  * Each record is an object with all fields of the record, named as on the bus, and with the CRC of
- * the record as hexadecimal text. A number is a JSON number. A field of bytes is a text with one
- * character for each byte of the field, unused bytes included. The code of the character is the
- * value of the byte.
+ * the record as hexadecimal text. A field with a number is a JSON number. A field of bytes is a
+ * text with one character for each byte of the field, unused bytes included. The code of the
+ * character is the value of the byte.
  */
 
 /** Both records; the values of their fields can be sent to the daemon unchanged. */

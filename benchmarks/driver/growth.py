@@ -35,8 +35,8 @@ def measure_signals():
 
 
 def measure_services():
-    """Measures ConnMan's announcements, with an increasing number of networks: each announcement
-    makes the daemon fetch the whole list of services."""
+    """Measures the processor time and the delay of a ServicesChanged signal of ConnMan, with an
+    increasing number of networks: at each signal, the daemon fetches the whole list of services."""
     result = {}
     with services.ConnmanStandIn() as standin, services.daemon() as daemon:
         for networks in NETWORKS:
@@ -99,7 +99,8 @@ def measure_events():
 
 
 def measure_clients():
-    """Measures how fast the daemon, and the bare service, reply to many concurrent clients."""
+    """Measures how fast the daemon, and the bare Qt service without its logic, reply to many
+    concurrent clients."""
     rounds = {DAEMON: [], BARE: []}
     with services.daemon(), services.bare():
         for _ in range(ROUNDS):

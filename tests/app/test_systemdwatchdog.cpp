@@ -2,6 +2,7 @@
 #include "busmonitor.h"
 #include "daemontest.h"
 #include "deadline.h"
+#include "notifysocket.h"
 #include "processes.h"
 #include "systemdwatchdog.h"
 
@@ -9,9 +10,6 @@
 #include <QTest>
 
 #include <csignal>
-#include <cstddef>
-#include <cstring>
-#include <poll.h>
 #include <sys/socket.h>
 #include <sys/un.h>
 #include <unistd.h>
@@ -40,12 +38,12 @@ private Q_SLOTS:
 
 private:
     void supervise(const QString &socketName);
-    bool isPinged(int deadline = deadlineMs);
+    bool isPinged(int timeoutMs = deadlineMs) { return m_systemd.takePing(timeoutMs); }
     bool isSilent();
     void fillSocket();
     void startSecondBus();
 
-    int m_socket = -1;
+    NotifySocket m_systemd;
     QProcess m_bus;
 };
 
@@ -64,37 +62,15 @@ void TestSystemdWatchdog::cleanup()
     daemon.setWrapper({});
     m_bus.kill();
     m_bus.waitForFinished();
-    close(m_socket);
-    m_socket = -1;
-    unlink("/run/notify");
+    m_systemd.close();
 }
 
 /** Listens like systemd, and sets the daemon's environment accordingly. */
 void TestSystemdWatchdog::supervise(const QString &socketName)
 {
-    const QByteArray name = socketName.toLocal8Bit();
-    sockaddr_un address = {};
-    address.sun_family = AF_UNIX;
-    memcpy(address.sun_path, name.constData(), size_t(name.size()));
-    if (name.startsWith('@'))
-        address.sun_path[0] = '\0';
-    m_socket = socket(AF_UNIX, SOCK_DGRAM | SOCK_CLOEXEC, 0);
-    QCOMPARE(bind(m_socket, reinterpret_cast<const sockaddr *>(&address),
-                  socklen_t(offsetof(sockaddr_un, sun_path) + size_t(name.size()))),
-             0);
+    QVERIFY(m_systemd.listen(socketName));
     daemon.setEnvironment("NOTIFY_SOCKET", socketName);
     daemon.setEnvironment("WATCHDOG_USEC", interval);
-}
-
-/** Waits for the next ping for at most @p deadline milliseconds. */
-bool TestSystemdWatchdog::isPinged(int deadline)
-{
-    pollfd ready = {m_socket, POLLIN, 0};
-    if (poll(&ready, 1, deadline) != 1)
-        return false;
-    char text[100];
-    const ssize_t size = recv(m_socket, text, sizeof text, 0);
-    return QByteArray(text, int(qMax<ssize_t>(size, 0))) == "WATCHDOG=1";
 }
 
 /** Returns true if no ping arrives for several intervals. */
@@ -108,7 +84,7 @@ void TestSystemdWatchdog::fillSocket()
 {
     sockaddr_un address = {};
     socklen_t size = sizeof address;
-    QCOMPARE(getsockname(m_socket, reinterpret_cast<sockaddr *>(&address), &size), 0);
+    QCOMPARE(getsockname(m_systemd.descriptor(), reinterpret_cast<sockaddr *>(&address), &size), 0);
     const int client = socket(AF_UNIX, SOCK_DGRAM | SOCK_CLOEXEC, 0);
     while (sendto(client, "x", 1, MSG_DONTWAIT, reinterpret_cast<const sockaddr *>(&address),
                   size) == 1) {
@@ -223,7 +199,7 @@ void TestSystemdWatchdog::aSystemdThatDoesNotReadDoesNotBlockTheDaemon()
 
     QCOMPARE(Remote("/KyConfigMgr", "Users").call("getUser"), QStringLiteral("(\"user1\")"));
     char text[100];
-    while (recv(m_socket, text, sizeof text, MSG_DONTWAIT) >= 0) {
+    while (recv(m_systemd.descriptor(), text, sizeof text, MSG_DONTWAIT) >= 0) {
     }
     QVERIFY(isPinged());
 }

@@ -1,5 +1,6 @@
 #include "busmonitor.h"
 #include "deadline.h"
+#include "notifysocket.h"
 #include "wifitest.h"
 
 #include <QRegularExpression>
@@ -310,9 +311,13 @@ void TestWifiDisconnect::disconnectEndsDespiteASuspendedConnMan()
 
 void TestWifiDisconnect::aSuspendedConnManDoesNotStopThePings()
 {
+    NotifySocket systemd;
+    QVERIFY(systemd.listen("/run/notify"));
+    daemon.setEnvironment("NOTIFY_SOCKET", "/run/notify");
     // The systemd watchdog's ping timer does not expire during the test.
     daemon.setEnvironment("WATCHDOG_USEC", "3000000000000");
     reachPowered("online");
+    QVERIFY(systemd.takePing());
     BusMonitor monitor;
     connman.freeze();
 
@@ -324,6 +329,9 @@ void TestWifiDisconnect::aSuspendedConnManDoesNotStopThePings()
              (QStringList{"call net.connman.Service.Remove()", question,
                           "call net.connman.Technology.SetProperty(sv)", question,
                           "call net.connman.Manager.UnregisterAgent(o)", question}));
+    for (int ping = 0; ping < 3; ++ping)
+        QVERIFY(systemd.takePing());
+    QVERIFY(!systemd.takePing(0));
     daemon.resetEnvironment();
 }
 
