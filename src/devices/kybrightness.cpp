@@ -17,7 +17,6 @@ const ErrorText getBrightnessErrors[] = {
 
 KyBrightness::KyBrightness(QObject *parent) : QDBusAbstractAdaptor(parent)
 {
-    setAutoRelaySignals(false);
     if (!m_sensor.interrupt())
         return;
     // The kernel reports an edge of the interrupt line as urgent data.

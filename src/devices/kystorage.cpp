@@ -34,7 +34,6 @@ KyStorage::KyStorage(QObject *parent)
             Qt::QueuedConnection);
     connect(&m_listener, &KySdcardThread::usbKeyEvent, this, &KyStorage::usbKeySlot,
             Qt::QueuedConnection);
-    setAutoRelaySignals(false);
     m_listener.start();
 }
 

@@ -2,7 +2,6 @@
 
 #include <QFile>
 
-#include <cstring>
 #include <net/if.h>
 #include <sys/ioctl.h>
 #include <sys/socket.h>
@@ -18,8 +17,7 @@ int kernelFlags(const QNetworkInterface &interface)
     const int descriptor = socket(AF_UNIX, SOCK_DGRAM | SOCK_CLOEXEC, 0);
     if (descriptor < 0)
         return 0;
-    std::memcpy(request.ifr_name, name.constData(),
-                qMin(size_t(name.size()), IFNAMSIZ - size_t(1)));
+    qstrncpy(request.ifr_name, name.constData(), IFNAMSIZ);
     const bool known = ioctl(descriptor, SIOCGIFFLAGS, &request) == 0;
     close(descriptor);
     return known ? request.ifr_flags : 0;
