@@ -28,6 +28,7 @@ CALL_STATEMENT = re.compile(r'(?<=[;{}:\n])(?P<blank>\s*\n[ ]+)(?P<call>(?!(?:re
                             r'switch|case|default|const|auto|static|using|delete|public|private|'
                             r'struct|class|namespace|do|throw)\b)[A-Za-z_*][^;{}]*;)')
 DECLARATION = re.compile(r'[\w:<>*&, ]*[\w>]\s+[*&]?\w+\s*(?:[=;(\[]|$)')
+PLAIN_ASSIGNMENT = re.compile(r'(\w+) = ([^()]+);')
 SCOPED_NAME = re.compile(r'\b(Error|KyTcpIpState|JoinStep|StorageEvent|KyLED)::([A-Z]\w*)\b(?!\s*\()')
 
 
@@ -75,6 +76,14 @@ def call_statements(code):
             yield match.start('call'), match.end('call')
 
 
+def are_independent(first, second):
+    """Returns whether both statements are assignments without a call, and neither uses the variable that
+    the other one sets. Their order has no effect."""
+    one, other = PLAIN_ASSIGNMENT.fullmatch(first), PLAIN_ASSIGNMENT.fullmatch(second)
+    return bool(one and other) and not re.search(rf'\b{one[1]}\b', second) \
+        and not re.search(rf'\b{other[1]}\b', first)
+
+
 def other_numbers(digits):
     """Returns the replacements of a number: its neighbours or, for a large number such as a time or a
     size, half and double."""
@@ -120,8 +129,9 @@ def edits(text, names):
         yield 'removed', start, end, ';'
     for (start, end), (next_start, next_end) in itertools.pairwise(statements):
         between = text[end:next_start]
-        if not between.strip() and text[start:end] != text[next_start:next_end]:
-            yield 'swapped', start, next_end, text[next_start:next_end] + between + text[start:end]
+        first, second = text[start:end], text[next_start:next_end]
+        if not between.strip() and first != second and not are_independent(first, second):
+            yield 'swapped', start, next_end, second + between + first
 
 
 def scoped_names(contents):

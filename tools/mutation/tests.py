@@ -58,6 +58,7 @@ ADAPTORS = {
     'app/childsignal': ['test_startup', 'test_modescript'],
     'app/error': ['test_users', 'test_errors'],
     'app/main': ['test_startup', 'test_policy', 'test_introspection', 'test_devicemgr'],
+    'app/receivelimits': ['campaign_deafness'],
     'app/settings': ['test_settings', 'test_users', 'test_alimentation', *LIGHT],
     'app/slotcache': ['test_slotcache'],
     'app/systemdwatchdog': ['test_systemdwatchdog', 'test_wifidisconnect'],
