@@ -8,10 +8,6 @@
 #include <QDBusVariant>
 #include <QRegularExpression>
 
-namespace
-{
-} // namespace
-
 /** The Wi-Fi station of the running daemon, against the real ConnMan, without a radio. */
 class TestWifiConnman : public DaemonTest
 {

@@ -45,9 +45,13 @@ void NetworkTest::settle()
 void NetworkTest::waitForScripts(int running)
 {
     // Count again after settle(): the daemon may be about to start its first or next script.
+    //
+    // Settle twice: without pidfds, Qt reaps a child in the signal handler and handles its end in
+    // the event loop, maybe after the first call of the same iteration.
     const auto isQuiet = [&] {
         if (daemon.children() != running)
             return false;
+        settle();
         settle();
         return daemon.children() == running;
     };
