@@ -99,8 +99,8 @@ def measure_events():
 
 
 def measure_clients():
-    """Measures how fast the daemon, and the bare Qt service without its logic, reply to many
-    concurrent clients."""
+    """Measures how fast the daemon, and for comparison the bare Qt service, reply to many concurrent
+    clients."""
     rounds = {DAEMON: [], BARE: []}
     with services.daemon(), services.bare():
         for _ in range(ROUNDS):

@@ -41,8 +41,9 @@ bool isLink(const Descriptor &descriptor, struct stat &status)
 }
 
 /**
- * Returns the target of the symbolic link @p name in @p directory. On failure returns nothing
- * and sets errno: to @p error if @p name is not a link, to EPERM if the link must not be followed.
+ * Returns the target of the symbolic link @p name in @p directory. On failure returns nothing.
+ * errno is then @p error if @p name is not a link, EPERM if neither root nor the daemon's user
+ * owns the link, otherwise the error of readlinkat().
  */
 std::optional<QByteArray> trustedTarget(int directory, const QByteArray &name, int error)
 {
@@ -110,8 +111,8 @@ Descriptor openDirectory(const QString &path)
 
 Descriptor openDirectory(const QByteArray &path)
 {
-    // A path of two components needs no walk: only root can create a link in "/", and O_NOFOLLOW
-    // rejects a link in the last component.
+    // A path of two components needs no walk: open() may follow a link in "/", because only root
+    // can create one, and O_NOFOLLOW rejects a link in the last component.
     if (path.startsWith('/') && path.lastIndexOf('/') == path.indexOf('/', 1)) {
         Descriptor directory(open(path.constData(), asDirectory | O_NOFOLLOW | O_CLOEXEC));
         if (directory.isOpen())

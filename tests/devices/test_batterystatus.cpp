@@ -15,7 +15,7 @@ private Q_SLOTS:
     void withoutChargerTheMeterTypeAndTheFlagDoNotMatter();
     void withChargerTheAbsoluteValueOfANegativeChargeDecides_data();
     void withChargerTheAbsoluteValueOfANegativeChargeDecides();
-    void withChargerTheFlagDecidesIfTheChargeIsNotNegative();
+    void withChargerTheFlagDecidesUnlessTheChargeIsNegative();
     void withChargerAMeterTypeExceptOneAndTwoMeansNoBattery();
 };
 
@@ -97,7 +97,7 @@ void TestBatteryStatus::withChargerTheAbsoluteValueOfANegativeChargeDecides()
     }
 }
 
-void TestBatteryStatus::withChargerTheFlagDecidesIfTheChargeIsNotNegative()
+void TestBatteryStatus::withChargerTheFlagDecidesUnlessTheChargeIsNegative()
 {
     QVector<int> charges = {INT_MAX};
     for (int charge = 0; charge <= highest; ++charge)
