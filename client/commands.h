@@ -115,7 +115,7 @@ struct Command {
     bool hasFields = false;
     /** The unit of the numbers in the answer. */
     QString unit = {};
-    /** True if the answer counts as empty while the interface has no address. */
+    /** True if the answer counts as empty while the network interface has no IPv4 address. */
     bool needsAddress = false;
     /**
      * The text of the error with which the daemon replies if nothing is left to do, for example to

@@ -28,7 +28,8 @@ NOTES = {
         "A daemon that no client calls.",
     "How long another client waits at most":
         "The other client calls Alimentation.getBatteryVoltage every millisecond. The daemon uses the "
-        "simulated board, except in the last row.",
+        "simulated board; in the last row, it uses the libraries in `benchmarks/board`, which answer at "
+        "once.",
     "Signals":
         f"The daemon sends {SIGNALS} signals temperatureReached, each in answer to a call of "
         "getTemperatures. The figures include the calls.",

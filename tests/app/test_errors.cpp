@@ -37,11 +37,11 @@ private:
                              const QList<QVariant> &arguments = {});
     static QDBusMessage property(const char *method, const QList<QVariant> &arguments);
 
-    /** Makes @p operation of the board fail, calls the device object, and returns the reply. */
+    /** Makes @p operation of the board fail, then calls a method of the device object. */
     Provocation faulty(const char *operation, const char *interface, const char *method,
                        const QList<QVariant> &arguments = {});
     /**
-     * Calls the method twice, and returns the second reply. The mode script that the first call
+     * Calls the method twice, and provides the second reply. The mode script that the first call
      * started is still running then.
      */
     Provocation whileScriptRuns(const Remote &interface, const char *method,

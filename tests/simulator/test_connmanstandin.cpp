@@ -90,6 +90,7 @@ private Q_SLOTS:
     void callAgentReturnsTheAgentsAnswer();
     void callAgentIsRefusedWithoutAnAgent();
 
+    // A lively stand-in acts like the real ConnMan, see ConnmanStandIn::setLively().
     void aLivelyTechnologyBringsItsNetworks();
     void onlyWifiRepliesToAPowerOnBeforeItsSignal_data();
     void onlyWifiRepliesToAPowerOnBeforeItsSignal();
