@@ -92,8 +92,8 @@ private Q_SLOTS:
 
     // A lively stand-in acts like the real ConnMan, see ConnmanStandIn::setLively().
     void aLivelyTechnologyBringsItsNetworks();
-    void onlyWifiRepliesToAPowerOnBeforeItsSignal_data();
-    void onlyWifiRepliesToAPowerOnBeforeItsSignal();
+    void onlyWifiRepliesToAPowerOnBeforePropertyChanged_data();
+    void onlyWifiRepliesToAPowerOnBeforePropertyChanged();
     void aLivelyNetworkIsJoined_data();
     void aLivelyNetworkIsJoined();
     void theWrongPassphraseFails();
@@ -541,7 +541,7 @@ void TestConnmanStandIn::aLivelyTechnologyBringsItsNetworks()
     QCOMPARE(manager.call("GetServices"), QString("([])"));
 }
 
-void TestConnmanStandIn::onlyWifiRepliesToAPowerOnBeforeItsSignal_data()
+void TestConnmanStandIn::onlyWifiRepliesToAPowerOnBeforePropertyChanged_data()
 {
     const QString answer = "return ()";
     const QString announcement = "signal net.connman.Technology.PropertyChanged(sv)";
@@ -552,7 +552,7 @@ void TestConnmanStandIn::onlyWifiRepliesToAPowerOnBeforeItsSignal_data()
                               << QStringList{announcement, answer};
 }
 
-void TestConnmanStandIn::onlyWifiRepliesToAPowerOnBeforeItsSignal()
+void TestConnmanStandIn::onlyWifiRepliesToAPowerOnBeforePropertyChanged()
 {
     QFETCH(QString, technology);
     QFETCH(QStringList, order);
