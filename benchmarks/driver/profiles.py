@@ -15,7 +15,6 @@ FILES_PER_DIRECTORY = 500
 DIRECTORY = pathlib.Path("/tmp/User_part")
 DEFAULT = DIRECTORY / "default_user_profile"
 TARGET = DIRECTORY / "user4_profile"
-COPY = DIRECTORY / "copy"
 
 
 def remove(directory):
@@ -76,24 +75,35 @@ def settle():
     services.run("sync", "--file-system", DIRECTORY)
 
 
-def round_of(rounds):
-    """Measures a copy of the default profile and its removal, by the daemon and by cp and rm."""
+def measure_copies(rounds):
+    """Measures copies of the default profile, by the daemon and by cp. Keeps all copies: after many files
+    have been deleted, ext4 searches for free inodes, and whichever program creates files next takes
+    seconds longer."""
     remove(TARGET)
-    settle()
-    rounds["copy"].append(reset())
-    settle()
-    rounds["cp"].append(milliseconds("cp", "-a", DEFAULT, COPY))
-    settle()
-    start = time.monotonic()
-    services.run("cp", "-a", DEFAULT, DIRECTORY / "second")
-    settle()
-    rounds["cp and sync"].append((time.monotonic() - start) * 1000)
-    remove(DIRECTORY / "second")
-    settle()
-    rounds["rm"].append(milliseconds("rm", "-r", COPY))
-    with default_profile(0, 0):
+    for number in range(ROUNDS):
         settle()
-        rounds["erase"].append(reset())
+        rounds["copy"].append(reset())
+        TARGET.rename(DIRECTORY / f"profile{number}")
+        settle()
+        rounds["cp"].append(milliseconds("cp", "-a", DEFAULT, DIRECTORY / f"copy{number}"))
+        settle()
+        start = time.monotonic()
+        services.run("cp", "-a", DEFAULT, DIRECTORY / f"synchronised{number}")
+        settle()
+        rounds["cp and sync"].append((time.monotonic() - start) * 1000)
+
+
+def measure_removals(rounds):
+    """Measures the removal of the copies, by the daemon and by rm."""
+    with default_profile(0, 0):
+        for number in range(ROUNDS):
+            (DIRECTORY / f"profile{number}").rename(TARGET)
+            settle()
+            rounds["erase"].append(reset())
+            remove(TARGET)
+            settle()
+            rounds["rm"].append(milliseconds("rm", "-r", DIRECTORY / f"copy{number}"))
+            remove(DIRECTORY / f"synchronised{number}")
 
 
 def measure():
@@ -105,8 +115,8 @@ def measure():
                     with default_profile(files, size):
                         rounds = {name: [] for name in ("copy", "cp", "cp and sync", "erase",
                                                         "rm")}
-                        for _ in range(ROUNDS):
-                            round_of(rounds)
+                        measure_copies(rounds)
+                        measure_removals(rounds)
                     result.append({
                         "place": place, "files": files, "size": size,
                         **{name: summary(values) for name, values in rounds.items()},
