@@ -53,7 +53,7 @@ class Instrument:
             self.root = pathlib.Path(f"/proc/{pathlib.Path(self._handle).read_text().strip()}/root")
             socket = self.root / "run/dbus/system_bus_socket"
             #: The address of the private bus, for other programs of the user who created the
-            #: instrument. This user is root in the world. Unless it is also root on the machine,
+            #: instrument. This user is root in the world. If the user is not root on the machine,
             #: the programs must authenticate without a user ID, as busctl does.
             self.address = f"unix:path={socket}"
             #: A Gio.DBusConnection to the private bus, authenticated as the root user of the world.
